@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Numbers in text, always in the C locale.
+namespace morquill {
+
+/// A signed 32-bit integer read as C's `strtol` with base 10 reads it: leading white space and one sign are
+/// allowed, trailing text is ignored. Nothing when no digit is found or the value does not fit.
+[[nodiscard]] std::optional<std::int32_t> readLeadingInt(std::string_view text);
+
+/// A whole decimal integer from 1 to 2147483647 made of digits only; nothing for any other text.
+[[nodiscard]] std::optional<std::int32_t> readPositiveInt(std::string_view digits);
+
+/// A floating-point number with `strtod` semantics (exponents, hexadecimal, "inf", "nan") that takes up the
+/// whole trimmed text; nothing when text is left over or there is none. The value may be infinite or NaN.
+[[nodiscard]] std::optional<double> readDouble(std::string_view text);
+
+/// A double with `digits` significant digits, as the C format `%.<digits>g` writes it.
+[[nodiscard]] std::string formatSignificant(double value, int digits);
+
+} // namespace morquill

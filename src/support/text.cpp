@@ -1,0 +1,126 @@
+#include "support/text.h"
+
+#include <algorithm>
+
+namespace morquill {
+
+namespace {
+
+constexpr std::string_view trimSet = " \t\r\n";
+
+} // namespace
+
+std::string_view trimLeft(std::string_view text) noexcept {
+    const auto first = text.find_first_not_of(trimSet);
+    return first == std::string_view::npos ? std::string_view{} : text.substr(first);
+}
+
+std::string_view trim(std::string_view text) noexcept {
+    text = trimLeft(text);
+    return text.substr(0, text.find_last_not_of(trimSet) + 1);
+}
+
+std::string toLower(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), lowerChar);
+    return result;
+}
+
+bool equalsNoCase(std::string_view left, std::string_view right) noexcept {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b) { return lowerChar(a) == lowerChar(b); });
+}
+
+std::vector<std::string> splitOn(std::string_view text, char separator) {
+    std::vector<std::string> fields;
+    std::size_t begin = 0;
+    for (;;) {
+        const auto end = text.find(separator, begin);
+        fields.emplace_back(text.substr(begin, end - begin));
+        if (end == std::string_view::npos) {
+            return fields;
+        }
+        begin = end + 1;
+    }
+}
+
+std::vector<std::string_view> splitBlank(std::string_view text) {
+    std::vector<std::string_view> fields;
+    std::size_t i = 0;
+    while (i < text.size()) {
+        if (isSpace(text[i])) {
+            ++i;
+            continue;
+        }
+        const std::size_t begin = i;
+        while (i < text.size() && !isSpace(text[i])) {
+            ++i;
+        }
+        fields.push_back(text.substr(begin, i - begin));
+    }
+    return fields;
+}
+
+std::vector<std::string> splitTrimmed(std::string_view text, char separator) {
+    std::vector<std::string> fields;
+    std::size_t begin = 0;
+    for (;;) {
+        const auto end = text.find(separator, begin);
+        const auto field = trim(text.substr(begin, end - begin));
+        if (!field.empty()) {
+            fields.emplace_back(field);
+        }
+        if (end == std::string_view::npos) {
+            return fields;
+        }
+        begin = end + 1;
+    }
+}
+
+std::string join(const std::vector<std::string>& parts, std::string_view separator) {
+    std::string result;
+    for (const auto& part : parts) {
+        if (&part != &parts.front()) {
+            result += separator;
+        }
+        result += part;
+    }
+    return result;
+}
+
+std::string replaceAll(std::string_view text, std::string_view from, std::string_view to) {
+    if (from.empty()) {
+        return std::string(text);
+    }
+    std::string result;
+    std::size_t begin = 0;
+    for (;;) {
+        const auto hit = text.find(from, begin);
+        result += text.substr(begin, hit - begin);
+        if (hit == std::string_view::npos) {
+            return result;
+        }
+        result += to;
+        begin = hit + from.size();
+    }
+}
+
+std::string shellQuote(std::string_view text) {
+    return "'" + replaceAll(text, "'", R"('\'')") + "'";
+}
+
+std::vector<std::string_view> splitLines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    std::size_t begin = 0;
+    while (begin < text.size()) {
+        const auto end = text.find('\n', begin);
+        lines.push_back(text.substr(begin, end - begin));
+        if (end == std::string_view::npos) {
+            break;
+        }
+        begin = end + 1;
+    }
+    return lines;
+}
+
+} // namespace morquill

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Byte-wise text helpers. Text is bytes: casing and character classes are ASCII, no locale takes part,
+/// and bytes above 0x7f are ordinary characters.
+namespace morquill {
+
+/// True for blank, tab, line feed, vertical tab, form feed and carriage return; 0x85 and 0xA0 are no blanks.
+[[nodiscard]] constexpr bool isSpace(char c) noexcept {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+[[nodiscard]] constexpr bool isDigit(char c) noexcept {
+    return c >= '0' && c <= '9';
+}
+[[nodiscard]] constexpr bool isLetter(char c) noexcept {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+[[nodiscard]] constexpr char lowerChar(char c) noexcept {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// The text without leading and trailing blanks, tabs, carriage returns and line feeds.
+[[nodiscard]] std::string_view trim(std::string_view text) noexcept;
+/// The text without leading blanks, tabs, carriage returns and line feeds.
+[[nodiscard]] std::string_view trimLeft(std::string_view text) noexcept;
+
+/// ASCII lower-case copy.
+[[nodiscard]] std::string toLower(std::string_view text);
+/// True when both texts are equal after ASCII lowering.
+[[nodiscard]] bool equalsNoCase(std::string_view left, std::string_view right) noexcept;
+
+/// Splits on one character; empty fields are kept, so the result has one field more than separators.
+[[nodiscard]] std::vector<std::string> splitOn(std::string_view text, char separator);
+/// Splits at runs of white space; the fields are views into `text` and never empty.
+[[nodiscard]] std::vector<std::string_view> splitBlank(std::string_view text);
+/// The fields of `text` between `separator`, trimmed, without the empty ones.
+[[nodiscard]] std::vector<std::string> splitTrimmed(std::string_view text, char separator);
+/// The parts with `separator` between them.
+[[nodiscard]] std::string join(const std::vector<std::string>& parts, std::string_view separator);
+
+/// Replaces every occurrence of `from` (left to right, without overlap); an empty `from` changes nothing.
+[[nodiscard]] std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);
+
+/// The text as one word of a POSIX shell: in single quotes, an inner single quote written as '\''.
+[[nodiscard]] std::string shellQuote(std::string_view text);
+
+/// The lines of a text as a line reader gives them: a final line needs no line end, an empty one behind the
+/// last line feed is not produced, carriage returns stay. The views point into `text`.
+[[nodiscard]] std::vector<std::string_view> splitLines(std::string_view text);
+
+/// Calls the right alternative of a `std::visit`: `std::visit(Match{[](A) {...}, [](B) {...}}, variant)`.
+template <class... Fs>
+struct Match : Fs... {
+    using Fs::operator()...;
+};
+template <class... Fs>
+Match(Fs...) -> Match<Fs...>;
+
+} // namespace morquill

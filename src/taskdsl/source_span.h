@@ -1,0 +1,33 @@
+#pragma once
+
+#include "support/shared.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace morquill::taskdsl {
+
+/// A region of a source file. Lines and columns count from 1; 0 means that no place is known.
+struct SourceSpan {
+    SharedText path;         ///< file the region lies in; may be empty
+    std::int32_t line = 0;   ///< first line
+    std::int32_t column = 0; ///< first column, in bytes
+    std::int32_t endLine = 0;
+    std::int32_t endColumn = 0; ///< one behind the last byte
+
+    friend bool operator==(const SourceSpan&, const SourceSpan&) = default;
+};
+
+/// True when the span names a place: line and column at least 1, the end line not before the line, the end
+/// column at least 1.
+[[nodiscard]] bool isValidSpan(const SourceSpan& span) noexcept;
+
+/// `<path>:<line>:<column>-<endLine>:<endColumn>`, without the path when it is empty and without the end when
+/// it equals the start. An invalid span gives its path, or "<unknown>" when that is empty too.
+[[nodiscard]] std::string formatSpan(const SourceSpan& span);
+
+/// The span of one physical line: from its first byte that is no blank or tab to one behind its last byte.
+[[nodiscard]] SourceSpan spanOfLine(const SharedText& path, std::size_t lineNumber, std::string_view rawText);
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace morquill::taskdsl {
+
+/// Values by key, in byte order.
+using ValueMap = std::map<std::string, std::string, std::less<>>;
+
+/// Replaces every `[key]` whose key is in `values`; unknown keys stay as written, and what was put in is not
+/// scanned again. A key is one or more of letters, digits, `_`, `.` and `-` (pattern `\[([A-Za-z0-9_.\-]+)\]`).
+[[nodiscard]] std::string substituteBrackets(std::string_view text, const ValueMap& values);
+
+} // namespace morquill::taskdsl

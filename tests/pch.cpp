@@ -1,0 +1,1 @@
+// Carrier of the precompiled header; it has no code of its own.

@@ -1,0 +1,78 @@
+#include "support/file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include <sys/stat.h>
+
+namespace morquill {
+namespace {
+
+namespace fs = std::filesystem;
+
+class File : public ::testing::Test {
+  protected:
+    File() {
+        std::string name = (fs::temp_directory_path() / "mqkit-file-XXXXXX").string();
+        dir = ::mkdtemp(name.data());
+    }
+    ~File() override { fs::remove_all(dir); }
+    [[nodiscard]] std::string at(const std::string& name) const { return (dir / name).string(); }
+
+    fs::path dir;
+};
+
+TEST_F(File, ReadsBackEveryByteThatWasWritten) {
+    const std::string bytes("a\0b\r\n\xff", 6);
+    ASSERT_TRUE(writeTextFile(at("x"), bytes));
+    EXPECT_EQ(readTextFile(at("x")), bytes);
+    ASSERT_TRUE(writeTextFile(at("x"), ""));
+    EXPECT_EQ(readTextFile(at("x")), "");
+}
+
+TEST_F(File, OnlyRegularFilesAreRead) {
+    EXPECT_EQ(readTextFile(at("missing")), std::nullopt);
+    EXPECT_EQ(readTextFile(dir.string()), std::nullopt);
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(readTextFile(at("pipe")), std::nullopt);
+    EXPECT_EQ(readTextFile("/dev/null"), std::nullopt);
+}
+
+TEST_F(File, WritingMakesNoParentDirectories) {
+    EXPECT_FALSE(writeTextFile(at("no/such/file"), "x"));
+    EXPECT_FALSE(fs::exists(at("no")));
+}
+
+TEST_F(File, AFullDiskIsAFailure) {
+    EXPECT_FALSE(writeTextFile("/dev/full", "x"));
+}
+
+TEST_F(File, KindTestsFollowLinksAndSwallowErrors) {
+    ASSERT_TRUE(writeTextFile(at("x"), ""));
+    fs::create_symlink("x", at("link"));
+    fs::create_symlink("loop", at("loop"));
+    EXPECT_TRUE(isRegularFile(at("link")));
+    EXPECT_FALSE(isRegularFile(at("loop")));
+    EXPECT_TRUE(isDirectory(dir.string()));
+    EXPECT_FALSE(isDirectory(at("x")));
+    EXPECT_FALSE(isDirectory(at("loop")));
+}
+
+TEST_F(File, EntriesComeInByteOrder) {
+    for (const char* name : {"b", "a", "Z", ".hidden"}) {
+        ASSERT_TRUE(writeTextFile(at(name), ""));
+    }
+    EXPECT_THAT(listDirectoryEntries(dir.string()), ::testing::ElementsAre(".hidden", "Z", "a", "b"));
+    EXPECT_THAT(listDirectoryEntries(at("missing")), ::testing::IsEmpty());
+}
+
+TEST_F(File, NormalisedPathJoinsDifferentSpellings) {
+    EXPECT_EQ(normalisedPath(dir.string() + "/./a/../b"), normalisedPath(at("b")));
+}
+
+} // namespace
+} // namespace morquill

@@ -1,0 +1,65 @@
+#include "support/text.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace morquill {
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST(Text, TrimTakesOnlyBlankTabReturnAndFeed) {
+    EXPECT_EQ(trim(" \t\r\n a b \n"), "a b");
+    EXPECT_EQ(trim("\v a"), "\v a");
+    EXPECT_EQ(trim("\x85 a\xA0"), "\x85 a\xA0");
+    EXPECT_EQ(trim(" \t"), "");
+    EXPECT_EQ(trimLeft("  a "), "a ");
+}
+
+TEST(Text, LoweringIsAsciiOnly) {
+    EXPECT_EQ(toLower("AZ\xC4z"), "az\xC4z");
+    EXPECT_TRUE(equalsNoCase("Gaussian", "gAUSSIAN"));
+    EXPECT_FALSE(equalsNoCase("a", "ab"));
+}
+
+TEST(Text, SplitOnKeepsEmptyFields) {
+    EXPECT_THAT(splitOn("a  b", ' '), ElementsAre("a", "", "b"));
+    EXPECT_THAT(splitOn("", ' '), ElementsAre(""));
+    EXPECT_THAT(splitOn("a,", ','), ElementsAre("a", ""));
+}
+
+TEST(Text, SplitTrimmedDropsEmptyFields) {
+    EXPECT_THAT(splitTrimmed(" a ,, b,", ','), ElementsAre("a", "b"));
+    EXPECT_THAT(splitTrimmed(",", ','), ElementsAre());
+}
+
+TEST(Text, SplitBlankTakesRunsOfWhiteSpace) {
+    EXPECT_THAT(splitBlank("  a\t\vb  c "), ElementsAre("a", "b", "c"));
+    EXPECT_THAT(splitBlank(" \n"), ElementsAre());
+}
+
+TEST(Text, JoinPutsTheSeparatorBetweenParts) {
+    EXPECT_EQ(join({"a", "", "b"}, ", "), "a, , b");
+    EXPECT_EQ(join({}, ", "), "");
+}
+
+TEST(Text, ReplaceAllDoesNotScanWhatItPutIn) {
+    EXPECT_EQ(replaceAll("aaa", "a", "aa"), "aaaaaa");
+    EXPECT_EQ(replaceAll("abab", "ab", ""), "");
+    EXPECT_EQ(replaceAll("abc", "", "x"), "abc");
+}
+
+TEST(Text, ShellQuoteProtectsSingleQuotes) {
+    EXPECT_EQ(shellQuote("it's $HOME"), R"('it'\''s $HOME')");
+    EXPECT_EQ(shellQuote(""), "''");
+}
+
+TEST(Text, SplitLinesNeedsNoFinalFeedAndMakesNoEmptyLastLine) {
+    EXPECT_THAT(splitLines("a\n\nb\r\n"), ElementsAre("a", "", "b\r"));
+    EXPECT_THAT(splitLines("a"), ElementsAre("a"));
+    EXPECT_THAT(splitLines(""), ElementsAre());
+    EXPECT_THAT(splitLines("\n"), ElementsAre(""));
+}
+
+} // namespace
+} // namespace morquill
