@@ -61,11 +61,11 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 
 @test "a help token right behind a file command is its help, further back it is the command's own matter" {
     for token in -h help --help; do
-        missing_help fmt fmt "$token"
-        missing_help explain expl "$token" x.mq
+        expect 0 "$("$MQKIT" help fmt)"$'\n' "" fmt "$token"
+        expect 0 "$("$MQKIT" help explain)"$'\n' "" expl "$token" x.mq
     done
-    missing fmt fmt HELP
-    missing fmt fmt x.mq -h
+    expect 1 "" $'[mqkit][ERROR] could not open file: HELP\n' fmt HELP
+    expect 1 "" $'[mqkit][ERROR] unknown argument: -h\n' fmt x.mq -h
 }
 
 @test "commands are found by unique prefix in any case" {
