@@ -73,7 +73,7 @@ TEST(WhenExpr, ParsesAndPrints) {
         {"(a and b) and c", "and(and(text<a>, text<b>), text<c>)", "a and b and c"},
         {"(a or b) or c", "or(or(text<a>, text<b>), text<c>)", "a or b or c"},
         {"a AND b oR c", "or(and(text<a>, text<b>), text<c>)", "a and b or c"},
-        {"a\vor\fb", "or(text<a>, text<b>)", "a or b"},
+        {"a\vor\fb", "or(text<a\v>, text<\fb>)", "a\v or \fb"},
         {"{{ task.energy }} < -1.5", "{task.energy}<[-1.5]", "{{ task.energy }} < -1.5"},
         {"{{task.energy}}>={{  ref.energy}}", "{task.energy}>={ref.energy}",
          "{{ task.energy }} >= {{ ref.energy }}"},
@@ -233,7 +233,7 @@ TEST(WhenExpr, StripsTheSamePairsAsOneByOne) {
     std::mt19937 random(11);
     constexpr std::string_view alphabet = "(((()))) a'\\\v";
     const std::vector<std::string> pieces{"{{", "}}"};
-    for (int round = 0; round < 40000; ++round) {
+    for (int round = 0; round < 20000; ++round) {
         std::string text = "(";
         for (auto length = random() % 10; length > 0; --length) {
             const auto pick = random() % (alphabet.size() + 1);
@@ -458,7 +458,7 @@ TEST(RewriteWhenReferences, EqualsThePairsOneAfterTheOther) {
             auto oldName = randomText(random, isWild ? wild : plain, length);
             renames.insert_or_assign(std::move(oldName), randomText(random, isWild ? wild : plain, length));
         }
-        const auto text = randomText(random, textPieces, round % 10 == 0 ? 600 : random() % 12);
+        const auto text = randomText(random, textPieces, round % 25 == 0 ? 600 : random() % 12);
         ASSERT_EQ(rewriteWhenReferences(text, renames), slowRewrite(text, renames))
             << ::testing::PrintToString(renames) << " on " << text;
     }
