@@ -60,11 +60,14 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 }
 
 @test "a help token right behind a file command is its help, further back it is the command's own matter" {
-    for token in -h help --help; do
-        expect 0 "$("$MQKIT" help fmt)"$'\n' "" fmt "$token"
-        expect 0 "$("$MQKIT" help explain)"$'\n' "" expl "$token" x.mq
+    for command in fmt migrate expand explain; do
+        "$MQKIT" help "$command" >help
+        [ -s help ]
+        for token in -h help --help; do
+            expect 0 "$(cat help)"$'\n' "" "$command" "$token"
+            expect 0 "$(cat help)"$'\n' "" "$command" "$token" x.mq
+        done
     done
-    expect 1 "" $'[mqkit][ERROR] could not open file: HELP\n' fmt HELP
     expect 1 "" $'[mqkit][ERROR] unknown argument: -h\n' fmt x.mq -h
 }
 
