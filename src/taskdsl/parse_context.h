@@ -52,8 +52,8 @@ struct ParseContext {
     IncludeChain fragmentChain{"fragment include"};
     /// Loaded libraries by canonical path.
     std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> libraries;
-    /// Canonical paths of the "extra.mq" files entered so far; each is read once.
-    std::set<std::string> extraFiles;
+    /// Canonical paths of the task files entered so far: an "extra.mq" among them is not looked into again.
+    std::set<std::string> taskFiles;
     GrowthBudget growth;
     std::size_t includeCount = 0;
     DocumentContext document; ///< of the file being read; an included task file puts its own in its place

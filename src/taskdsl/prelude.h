@@ -33,11 +33,8 @@ struct PreludeResult {
 [[nodiscard]] PreludeResult parseYamlInclude(const std::string& target, const std::string& base,
                                              ParseContext& context);
 
-/// Puts the defines and axes of a prelude into the document. Without `override` only where the name is free.
-/// Throws `DiagnosticError` for a reserved name.
+/// Puts the settings, defines and axes of a prelude into the document. Without `override` only where the name is
+/// free. Throws `DiagnosticError` for a reserved name.
 void mergePrelude(TaskDocument& document, const PreludeResult& prelude, bool override);
-
-/// Warns of the removed '#INCLUDE' when the line is one; `path` is the file that the line stands in.
-void warnOfRemovedInclude(std::string_view rawLine, const std::string& path, const WarningSink& warnings);
 
 } // namespace morquill::taskdsl

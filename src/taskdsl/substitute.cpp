@@ -55,6 +55,12 @@ std::string substituteBrackets(std::string_view text, const ValueMap& values) {
     return result;
 }
 
+void substituteInto(std::string& text, const ValueMap& values) {
+    if (text.find('[') != std::string::npos) {
+        text = substituteBrackets(text, values);
+    }
+}
+
 std::vector<std::string> bracketKeys(std::string_view text) {
     std::vector<std::string> keys;
     for (Bracket bracket = nextBracket(text, 0); bracket.open != std::string_view::npos;
