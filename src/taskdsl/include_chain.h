@@ -10,8 +10,8 @@ namespace morquill::taskdsl {
 /// The files (or fragments) that are being read, one inside the other, the innermost at the end.
 class IncludeChain {
   public:
-    /// `label` names the kind of inclusion in messages, as in "task include cycle detected: ...".
-    explicit IncludeChain(std::string_view label) : label(label) {}
+    /// `name` is the kind of inclusion in messages, as in "task include cycle detected: ...".
+    explicit IncludeChain(std::string_view name) : label(name) {}
 
     /// Enters an element for the time of a scope.
     class Entry {
