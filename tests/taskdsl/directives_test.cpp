@@ -11,10 +11,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-std::vector<std::string> warningsOf(std::string_view text) {
-    return parse(text).warnings;
-}
-
 TEST(Heredoc, TakesRawLinesUpToItsTerminator) {
     EXPECT_EQ(firstTask("$a\n%keywords << END\n b3lyp # kept\n$x\n\n%y\n  END  \n%runner r\n").keywords,
               "b3lyp # kept\n$x\n\n%y");
