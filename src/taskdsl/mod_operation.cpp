@@ -331,6 +331,15 @@ ModEntry parseModLine(std::string_view text) {
             join({fields.begin() + valueStart, fields.end()}, " ")};
 }
 
+void addModLine(TaskInfo& task, std::string_view text) {
+    auto entry = parseModLine(text);
+    if (entry.key.empty()) {
+        return;
+    }
+    task.modValues[entry.key] = entry.value;
+    task.modEntries.push_back(std::move(entry));
+}
+
 std::vector<ModEntry> modEntriesOf(const TaskInfo& task) {
     if (!task.modEntries.empty()) {
         return task.modEntries;
