@@ -1,0 +1,327 @@
+#include "taskdsl/derive/formulas.h"
+
+#include "support/text.h"
+#include "taskdsl/plot/statement_reader.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace morquill::taskdsl::derive {
+
+using plot::PlotCallArgument;
+using plot::plotError;
+
+namespace {
+
+/// An expanded expression with what it costs where it is put to use more than once.
+struct Expanded {
+    ExprRef expression;
+    std::size_t nodes = 1; ///< of the tree, shared parts counted as often as they occur
+    std::size_t depth = 0; ///< nesting of calls, signs and parentheses in the printed form
+};
+
+/// The values of a formula's parameters, by name.
+using Bindings = std::map<std::string_view, Expanded>;
+
+/// Where an expression stands.
+struct Place {
+    const Bindings* bindings = nullptr; ///< of the formula whose body this is
+    std::size_t formulas = 0;           ///< formulas and profiles around it
+    std::size_t nesting = 0;            ///< calls, signs and parentheses around it
+    int asked = 0;                      ///< precedence below which a binary node is printed in parentheses
+};
+
+int precedenceOf(plot::BinaryOp op) noexcept {
+    return op == plot::BinaryOp::add || op == plot::BinaryOp::subtract ? 1 : 2;
+}
+
+/// A right operand of "-" and "/" keeps its parentheses at equal precedence.
+int rightPrecedence(plot::BinaryOp op) noexcept {
+    return precedenceOf(op) + (op == plot::BinaryOp::subtract || op == plot::BinaryOp::divide ? 1 : 0);
+}
+
+constexpr int unaryPrecedence = 3;
+
+/// 1 when the expression is printed in parentheses at such a place.
+std::size_t parentheses(const ExprRef& expression, int asked) noexcept {
+    const auto* binary = plot::expressionAs<plot::BinaryExpr>(expression);
+    return binary != nullptr && precedenceOf(binary->op) < asked ? 1 : 0;
+}
+
+class Expander {
+  public:
+    Expander(DeriveSurface& surface, const SourceSpan& span) : surface_(surface), span_(span) {}
+
+    Expanded expand(const ExprRef& expression, Place place) {
+        place.nesting += parentheses(expression, place.asked);
+        checkNesting(place.nesting);
+        charge(place, 1);
+        return std::visit(Match{[&](const plot::IdentifierExpr& node) { return expandName(node, expression, place); },
+                                [&](const plot::CallExpr& node) { return expandCall(node, expression, place); },
+                                [&](const plot::UnaryExpr& node) { return expandSign(node, expression, place); },
+                                [&](const plot::BinaryExpr&) { return expandChain(expression, place); },
+                                [&](const auto&) { return Expanded{expression}; }},
+                          expression->node);
+    }
+
+  private:
+    void checkNesting(std::size_t nesting) const {
+        if (nesting > plot::maxExpressionDepth) {
+            plotError(span_, "expression is nested too deeply");
+        }
+    }
+
+    /// Only what formulas and profiles bring forth is limited; an expression as written may have any length.
+    void charge(const Place& place, std::size_t nodes) {
+        if (place.formulas == 0) {
+            return;
+        }
+        surface_.expandedNodes += nodes;
+        if (surface_.expandedNodes > maxFormulaNodes) {
+            plotError(span_, "formula expansion exceeds the maximum size of " + std::to_string(maxFormulaNodes) +
+                                 " nodes");
+        }
+    }
+
+    Expanded expandName(const plot::IdentifierExpr& node, const ExprRef& expression, const Place& place) {
+        const auto found = place.bindings != nullptr ? place.bindings->find(node.name) : Bindings::const_iterator{};
+        if (place.bindings == nullptr || found == place.bindings->end()) {
+            return {expression};
+        }
+        const Expanded& value = found->second;
+        charge(place, value.nodes);
+        checkNesting(place.nesting + value.depth + parentheses(value.expression, place.asked));
+        return value;
+    }
+
+    Expanded expandSign(const plot::UnaryExpr& node, const ExprRef& expression, const Place& place) {
+        Expanded operand =
+            expand(node.operand, {place.bindings, place.formulas, place.nesting + 1, unaryPrecedence});
+        Expanded result{expression, operand.nodes + 1,
+                        operand.depth + 1 + parentheses(operand.expression, unaryPrecedence)};
+        if (operand.expression != node.operand) {
+            result.expression = plot::makeExpression(plot::UnaryExpr{node.op, std::move(operand.expression)});
+        }
+        return result;
+    }
+
+    /// A sum leans to the left with a level per term, so the operators on the left are taken in a loop.
+    Expanded expandChain(const ExprRef& expression, Place place) {
+        std::vector<const ExprRef*> chain{&expression};
+        const ExprRef* leftmost = &std::get<plot::BinaryExpr>(expression->node).left;
+        for (;;) {
+            place.asked = precedenceOf(std::get<plot::BinaryExpr>((*chain.back())->node).op);
+            if (plot::expressionAs<plot::BinaryExpr>(*leftmost) == nullptr) {
+                break;
+            }
+            place.nesting += parentheses(*leftmost, place.asked);
+            charge(place, 1);
+            chain.push_back(leftmost);
+            leftmost = &std::get<plot::BinaryExpr>((*leftmost)->node).left;
+        }
+        checkNesting(place.nesting);
+
+        Expanded left = expand(*leftmost, place);
+        while (!chain.empty()) {
+            const ExprRef& written = *chain.back();
+            const auto& node = std::get<plot::BinaryExpr>(written->node);
+            place.asked = rightPrecedence(node.op);
+            Expanded right = expand(node.right, place);
+            Expanded result{written, left.nodes + right.nodes + 1,
+                            std::max(left.depth + parentheses(left.expression, precedenceOf(node.op)),
+                                     right.depth + parentheses(right.expression, place.asked))};
+            if (left.expression != node.left || right.expression != node.right) {
+                result.expression = plot::makeExpression(
+                    plot::BinaryExpr{node.op, std::move(left.expression), std::move(right.expression)});
+            }
+            left = std::move(result);
+            chain.pop_back();
+            if (!chain.empty()) {
+                place.nesting -= parentheses(written, precedenceOf(std::get<plot::BinaryExpr>((*chain.back())->node).op));
+            }
+        }
+        return left;
+    }
+
+    Expanded expandCall(const plot::CallExpr& call, const ExprRef& expression, const Place& place) {
+        const ParameterProfile* profile = profileOf(call);
+        checkArgumentOrder(call);
+        const auto formula = surface_.formulas.find(call.name);
+        const FormulaDefinition* definition = formula == surface_.formulas.end() ? nullptr : &formula->second;
+        if (profile != nullptr) {
+            checkProfileConflicts(call, *profile, definition);
+        }
+        if (definition != nullptr) {
+            return expandFormula(*definition, call, profile, place);
+        }
+
+        Expanded result{expression};
+        bool changed = profile != nullptr;
+        plot::CallExpr expanded{call.name, {}};
+        forEachArgument(call, profile, place, [&](const PlotCallArgument& argument, const Place& at) {
+            Expanded value = expand(argument.value, at);
+            changed = changed || value.expression != argument.value;
+            result.nodes += value.nodes;
+            result.depth = std::max(result.depth, value.depth);
+            expanded.arguments.push_back({argument.name, argument.named, std::move(value.expression)});
+        });
+        ++result.depth;
+        if (changed) {
+            result.expression = plot::makeExpression(std::move(expanded));
+        }
+        return result;
+    }
+
+    /// The profile that the call uses; null without `using=`.
+    const ParameterProfile* profileOf(const plot::CallExpr& call) const {
+        const ParameterProfile* profile = nullptr;
+        for (const auto& argument : call.arguments) {
+            if (isUsing(argument)) {
+                if (profile != nullptr) {
+                    plotError(span_, "a function call may use only one parameter profile");
+                }
+                profile = &requireProfile(argument.value, call.name, surface_, span_);
+            }
+        }
+        return profile;
+    }
+
+    void checkArgumentOrder(const plot::CallExpr& call) const {
+        bool named = false;
+        for (const auto& argument : call.arguments) {
+            if (named && !argument.named) {
+                plotError(span_, "positional arguments must precede using= and other named arguments");
+            }
+            named = named || argument.named;
+        }
+    }
+
+    /// A profile fills only what the call leaves open. The slots of positional arguments are known for formulas.
+    void checkProfileConflicts(const plot::CallExpr& call, const ParameterProfile& profile,
+                               const FormulaDefinition* formula) const {
+        const auto slotOf = [&](std::size_t i) -> std::string_view {
+            return formula != nullptr && i < formula->parameters.size() ? std::string_view(formula->parameters[i])
+                                                                        : std::string_view{};
+        };
+        const auto gives = [&](std::string_view name, bool positional) {
+            for (std::size_t i = 0; i < call.arguments.size(); ++i) {
+                const auto& argument = call.arguments[i];
+                if (argument.named ? !positional && argument.name == name : positional && slotOf(i) == name) {
+                    return true;
+                }
+            }
+            return false;
+        };
+        for (const auto& argument : profile.arguments) {
+            if (gives(argument.name, false) || gives(argument.name, true)) {
+                plotError(span_, "argument '" + argument.name +
+                                     "' is specified by both the parameter profile and the function call");
+            }
+        }
+        for (const auto& argument : call.arguments) {
+            if (argument.named && gives(argument.name, true)) {
+                plotError(span_, "argument '" + argument.name +
+                                     "' is specified by both another argument and the function call");
+            }
+        }
+    }
+
+    static bool isUsing(const PlotCallArgument& argument) noexcept {
+        return argument.named && argument.name == "using";
+    }
+
+    /// Calls `take` with the arguments of the call but `using=`, then with those of the profile. What a profile
+    /// gives stands outside every formula body, and counts as a level of its own: a profile whose values use it
+    /// again would not end.
+    template <class Take>
+    void forEachArgument(const plot::CallExpr& call, const ParameterProfile* profile, const Place& place, Take take) {
+        for (const auto& argument : call.arguments) {
+            if (!isUsing(argument)) {
+                take(argument, Place{place.bindings, place.formulas, place.nesting + 1, 0});
+            }
+        }
+        if (profile != nullptr) {
+            const Place inside{nullptr, enter(place), place.nesting + 1, 0};
+            for (const auto& argument : profile->arguments) {
+                take(argument, inside);
+            }
+        }
+    }
+
+    std::size_t enter(const Place& place) const {
+        if (place.formulas >= maxFormulaDepth) {
+            plotError(span_, "formula expansion exceeds the maximum depth of " + std::to_string(maxFormulaDepth));
+        }
+        return place.formulas + 1;
+    }
+
+    Expanded expandFormula(const FormulaDefinition& formula, const plot::CallExpr& call,
+                           const ParameterProfile* profile, const Place& place) {
+        checkRecursion(formula.name);
+        const auto inside = enter(place);
+        Bindings bindings = bind(formula, call, profile, place);
+        names_.push_back(formula.name);
+        Expanded result = expand(formula.body, {&bindings, inside, place.nesting, place.asked});
+        names_.pop_back();
+        return result;
+    }
+
+    void checkRecursion(const std::string& name) const {
+        if (std::find(names_.begin(), names_.end(), name) == names_.end()) {
+            return;
+        }
+        std::string chain;
+        for (const auto active : names_) {
+            chain += std::string(active) + " -> ";
+        }
+        plotError(span_, "recursive formula expansion is not allowed: " + chain + name);
+    }
+
+    /// The arguments by parameter, expanded where the call stands: outside the formula.
+    Bindings bind(const FormulaDefinition& formula, const plot::CallExpr& call, const ParameterProfile* profile,
+                  const Place& place) {
+        const auto& parameters = formula.parameters;
+        const std::string subject = "formula '" + formula.name + "'";
+        std::vector<std::optional<std::pair<ExprRef, Place>>> given(parameters.size());
+        std::size_t position = 0;
+        forEachArgument(call, profile, place, [&](const PlotCallArgument& argument, const Place& at) {
+            auto index = position;
+            if (argument.named) {
+                const auto found = std::find(parameters.begin(), parameters.end(), argument.name);
+                if (found == parameters.end()) {
+                    plotError(span_, subject + " has no parameter '" + argument.name + "'");
+                }
+                index = static_cast<std::size_t>(found - parameters.begin());
+            } else if (position++ >= parameters.size()) {
+                plotError(span_, subject + " received too many arguments");
+            }
+            if (given[index]) {
+                plotError(span_, "formula argument '" + argument.name + "' is specified more than once");
+            }
+            given[index].emplace(argument.value, at);
+        });
+        for (std::size_t i = 0; i < parameters.size(); ++i) {
+            if (!given[i]) {
+                plotError(span_, subject + " requires argument '" + parameters[i] + "'");
+            }
+        }
+        Bindings bindings;
+        for (std::size_t i = 0; i < parameters.size(); ++i) {
+            bindings.emplace(parameters[i], expand(given[i]->first, given[i]->second));
+        }
+        return bindings;
+    }
+
+    DeriveSurface& surface_;
+    const SourceSpan& span_;
+    std::vector<std::string_view> names_; ///< formulas whose bodies are being expanded
+};
+
+} // namespace
+
+ExprRef expandFormulas(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span) {
+    return Expander(surface, span).expand(expression, {}).expression;
+}
+
+} // namespace morquill::taskdsl::derive
