@@ -43,12 +43,12 @@ enum class DeriveSinkFormat : std::int32_t { none = 0, csv = 1, tsv = 2, jsonl =
 
 /// A condition: a comparison, or conditions joined by "and", "or", "not".
 ///
-/// A chain `a or b or c` leans to the right with one level per word, and its length is not bounded. Whoever walks
-/// a condition therefore goes down the last child in a loop and recurses only into the first; copying and
-/// destruction are written out for the same reason.
+/// A chain `a or b or c` leans to the right with one level per word, and its length is not bounded. Whoever
+/// walks a condition therefore goes down the last child in a loop and recurses only into the first; copying
+/// and destruction are written out for the same reason.
 struct DeriveCondition {
     DeriveConditionKind kind = DeriveConditionKind::leaf;
-    ExprRef left; ///< leaf: the left side, or the whole truthy expression
+    ExprRef left;                                 ///< leaf: the left side, or the whole truthy expression
     DeriveCompareOp op = DeriveCompareOp::truthy; ///< of a leaf
     ExprRef right;                                ///< leaf with a binary operator
     std::vector<ExprRef> list;                    ///< operator "in": the values
@@ -192,10 +192,10 @@ struct EmitKvStatement {
 
 /// One statement. The order of the alternatives is fixed.
 using DeriveStatement =
-    std::variant<LetStatement, RequireStatement, EmitScalarStatement, ReportStatement, FromStatement, JoinStatement,
-                 WhereStatement, SelectStatement, SortStatement, LimitStatement, GroupByStatement,
-                 AggregateStatement, EmitTableStatement, EmitValueStatement, EmitReportStatement,
-                 EmitAtomVectorStatement, EmitArtifactStatement, EmitKvStatement>;
+    std::variant<LetStatement, RequireStatement, EmitScalarStatement, ReportStatement, FromStatement,
+                 JoinStatement, WhereStatement, SelectStatement, SortStatement, LimitStatement,
+                 GroupByStatement, AggregateStatement, EmitTableStatement, EmitValueStatement,
+                 EmitReportStatement, EmitAtomVectorStatement, EmitArtifactStatement, EmitKvStatement>;
 
 /// One `@derive` block, parsed.
 struct DeriveSpec {

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-/// How the text of a derive statement is taken apart. "Top level" is outside quotes, `{{ }}` and parentheses; a
-/// backslash inside either kind of quotes protects the next byte, as it does for the statement reader and in
-/// expressions. All views point into the given text and are trimmed.
+/// How the text of a derive statement is taken apart. "Top level" is outside quotes, `{{ }}` and parentheses;
+/// a backslash inside either kind of quotes protects the next byte, as it does for the statement reader and
+/// in expressions. All views point into the given text and are trimmed.
 namespace morquill::taskdsl::derive {
 
 /// The place behind the quoted text or snapshot that begins at `at`, the end of the text if it is not closed;
@@ -29,10 +29,11 @@ struct Halves {
 /// Whether square brackets shield a word as parentheses do: they do around the values of `in [...]`.
 enum class Brackets { ordinary, shielding };
 
-/// Splits at the first top-level `word` (lower case; found in any case) that begins at `from` or later; nothing
-/// when there is none. Words are bounded by white space, parentheses, brackets, quotes, commas, "=" and snapshot
-/// braces, so that `to` inside a path such as `out/to/x.csv` is none.
-[[nodiscard]] std::optional<Halves> splitAtWord(std::string_view text, std::string_view word, std::size_t from = 0,
+/// Splits at the first top-level `word` (lower case; found in any case) that begins at `from` or later;
+/// nothing when there is none. Words are bounded by white space, parentheses, brackets, quotes, commas, "="
+/// and snapshot braces, so that `to` inside a path such as `out/to/x.csv` is none.
+[[nodiscard]] std::optional<Halves> splitAtWord(std::string_view text, std::string_view word,
+                                                std::size_t from = 0,
                                                 Brackets brackets = Brackets::ordinary) noexcept;
 
 /// The entries between top-level commas; one entry more than commas, entries may be empty.
@@ -42,9 +43,11 @@ enum class Brackets { ordinary, shielding };
 [[nodiscard]] std::optional<std::string_view> insideParentheses(std::string_view text) noexcept;
 
 /// The text unquoted. Throws "<label> cannot be empty" when nothing is left.
-[[nodiscard]] std::string readLabelledText(std::string_view text, std::string_view label, const SourceSpan& span);
+[[nodiscard]] std::string readLabelledText(std::string_view text, std::string_view label,
+                                           const SourceSpan& span);
 
 /// Throws the diagnostic with `message` unless the text is a simple identifier; else gives it.
-[[nodiscard]] std::string requireIdentifier(std::string_view text, std::string_view message, const SourceSpan& span);
+[[nodiscard]] std::string requireIdentifier(std::string_view text, std::string_view message,
+                                            const SourceSpan& span);
 
 } // namespace morquill::taskdsl::derive

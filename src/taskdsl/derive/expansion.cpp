@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <utility>
 
 namespace morquill::taskdsl::derive {
@@ -32,6 +33,12 @@ struct Place {
     int asked = 0;                      ///< precedence below which a binary node is printed in parentheses
 };
 
+/// The argument of a formula call, not yet expanded.
+struct Given {
+    ExprRef value;
+    Place place;
+};
+
 int precedenceOf(plot::BinaryOp op) noexcept {
     return op == plot::BinaryOp::add || op == plot::BinaryOp::subtract ? 1 : 2;
 }
@@ -57,12 +64,13 @@ class Expander {
         place.nesting += parentheses(expression, place.asked);
         checkNesting(place.nesting);
         charge(place, 1);
-        return std::visit(Match{[&](const plot::IdentifierExpr& node) { return expandName(node, expression, place); },
-                                [&](const plot::CallExpr& node) { return expandCall(node, expression, place); },
-                                [&](const plot::UnaryExpr& node) { return expandSign(node, expression, place); },
-                                [&](const plot::BinaryExpr&) { return expandChain(expression, place); },
-                                [&](const auto&) { return Expanded{expression}; }},
-                          expression->node);
+        return std::visit(
+            Match{[&](const plot::IdentifierExpr& node) { return expandName(node, expression, place); },
+                  [&](const plot::CallExpr& node) { return expandCall(node, expression, place); },
+                  [&](const plot::UnaryExpr& node) { return expandSign(node, expression, place); },
+                  [&](const plot::BinaryExpr&) { return expandChain(expression, place); },
+                  [&](const auto&) { return Expanded{expression}; }},
+            expression->node);
     }
 
   private:
@@ -74,18 +82,14 @@ class Expander {
 
     /// Only what formulas and profiles bring forth is limited; an expression as written may have any length.
     void charge(const Place& place, std::size_t nodes) {
-        if (place.formulas == 0) {
-            return;
-        }
-        surface_.expandedNodes += nodes;
-        if (surface_.expandedNodes > maxFormulaNodes) {
-            plotError(span_, "formula expansion exceeds the maximum size of " + std::to_string(maxFormulaNodes) +
-                                 " nodes");
+        if (place.formulas > 0) {
+            chargeNodes(nodes, surface_, span_);
         }
     }
 
     Expanded expandName(const plot::IdentifierExpr& node, const ExprRef& expression, const Place& place) {
-        const auto found = place.bindings != nullptr ? place.bindings->find(node.name) : Bindings::const_iterator{};
+        const auto found =
+            place.bindings != nullptr ? place.bindings->find(node.name) : Bindings::const_iterator{};
         if (place.bindings == nullptr || found == place.bindings->end()) {
             return {expression};
         }
@@ -138,7 +142,8 @@ class Expander {
             left = std::move(result);
             chain.pop_back();
             if (!chain.empty()) {
-                place.nesting -= parentheses(written, precedenceOf(std::get<plot::BinaryExpr>((*chain.back())->node).op));
+                place.nesting -=
+                    parentheses(written, precedenceOf(std::get<plot::BinaryExpr>((*chain.back())->node).op));
             }
         }
         return left;
@@ -197,30 +202,27 @@ class Expander {
         }
     }
 
-    /// A profile fills only what the call leaves open. The slots of positional arguments are known for formulas.
+    /// A profile fills only what the call leaves open. The slots of positional arguments are known for
+    /// formulas.
     void checkProfileConflicts(const plot::CallExpr& call, const ParameterProfile& profile,
                                const FormulaDefinition* formula) const {
-        const auto slotOf = [&](std::size_t i) -> std::string_view {
-            return formula != nullptr && i < formula->parameters.size() ? std::string_view(formula->parameters[i])
-                                                                        : std::string_view{};
-        };
-        const auto gives = [&](std::string_view name, bool positional) {
-            for (std::size_t i = 0; i < call.arguments.size(); ++i) {
-                const auto& argument = call.arguments[i];
-                if (argument.named ? !positional && argument.name == name : positional && slotOf(i) == name) {
-                    return true;
-                }
+        std::set<std::string_view> named;
+        std::set<std::string_view> positional;
+        for (const auto& argument : call.arguments) {
+            if (argument.named) {
+                named.insert(argument.name);
+            } else if (formula != nullptr && positional.size() < formula->parameters.size()) {
+                positional.insert(formula->parameters[positional.size()]);
             }
-            return false;
-        };
+        }
         for (const auto& argument : profile.arguments) {
-            if (gives(argument.name, false) || gives(argument.name, true)) {
+            if (named.contains(argument.name) || positional.contains(argument.name)) {
                 plotError(span_, "argument '" + argument.name +
                                      "' is specified by both the parameter profile and the function call");
             }
         }
         for (const auto& argument : call.arguments) {
-            if (argument.named && gives(argument.name, true)) {
+            if (argument.named && positional.contains(argument.name)) {
                 plotError(span_, "argument '" + argument.name +
                                      "' is specified by both another argument and the function call");
             }
@@ -231,11 +233,12 @@ class Expander {
         return argument.named && argument.name == "using";
     }
 
-    /// Calls `take` with the arguments of the call but `using=`, then with those of the profile. What a profile
-    /// gives stands outside every formula body, and counts as a level of its own: a profile whose values use it
-    /// again would not end.
+    /// Calls `take` with the arguments of the call but `using=`, then with those of the profile. What a
+    /// profile gives stands outside every formula body, and counts as a level of its own: a profile whose
+    /// values use it again would not end.
     template <class Take>
-    void forEachArgument(const plot::CallExpr& call, const ParameterProfile* profile, const Place& place, Take take) {
+    void forEachArgument(const plot::CallExpr& call, const ParameterProfile* profile, const Place& place,
+                         Take take) {
         for (const auto& argument : call.arguments) {
             if (!isUsing(argument)) {
                 take(argument, Place{place.bindings, place.formulas, place.nesting + 1, 0});
@@ -251,7 +254,8 @@ class Expander {
 
     std::size_t enter(const Place& place) const {
         if (place.formulas >= maxFormulaDepth) {
-            plotError(span_, "formula expansion exceeds the maximum depth of " + std::to_string(maxFormulaDepth));
+            plotError(span_,
+                      "formula expansion exceeds the maximum depth of " + std::to_string(maxFormulaDepth));
         }
         return place.formulas + 1;
     }
@@ -279,36 +283,37 @@ class Expander {
     }
 
     /// The arguments by parameter, expanded where the call stands: outside the formula.
-    Bindings bind(const FormulaDefinition& formula, const plot::CallExpr& call, const ParameterProfile* profile,
-                  const Place& place) {
+    Bindings bind(const FormulaDefinition& formula, const plot::CallExpr& call,
+                  const ParameterProfile* profile, const Place& place) {
         const auto& parameters = formula.parameters;
+        std::map<std::string_view, std::optional<Given>> slots;
+        for (const auto& parameter : parameters) {
+            slots[parameter] = std::nullopt;
+        }
         const std::string subject = "formula '" + formula.name + "'";
-        std::vector<std::optional<std::pair<ExprRef, Place>>> given(parameters.size());
-        std::size_t position = 0;
+        std::size_t positional = 0;
         forEachArgument(call, profile, place, [&](const PlotCallArgument& argument, const Place& at) {
-            auto index = position;
-            if (argument.named) {
-                const auto found = std::find(parameters.begin(), parameters.end(), argument.name);
-                if (found == parameters.end()) {
-                    plotError(span_, subject + " has no parameter '" + argument.name + "'");
-                }
-                index = static_cast<std::size_t>(found - parameters.begin());
-            } else if (position++ >= parameters.size()) {
+            if (!argument.named && positional == parameters.size()) {
                 plotError(span_, subject + " received too many arguments");
             }
-            if (given[index]) {
+            const auto slot = slots.find(argument.named ? argument.name : parameters[positional++]);
+            if (slot == slots.end()) {
+                plotError(span_, subject + " has no parameter '" + argument.name + "'");
+            }
+            if (slot->second) {
                 plotError(span_, "formula argument '" + argument.name + "' is specified more than once");
             }
-            given[index].emplace(argument.value, at);
+            slot->second.emplace(Given{argument.value, at});
         });
-        for (std::size_t i = 0; i < parameters.size(); ++i) {
-            if (!given[i]) {
-                plotError(span_, subject + " requires argument '" + parameters[i] + "'");
+        for (const auto& parameter : parameters) {
+            if (!slots[parameter]) {
+                plotError(span_, subject + " requires argument '" + parameter + "'");
             }
         }
         Bindings bindings;
-        for (std::size_t i = 0; i < parameters.size(); ++i) {
-            bindings.emplace(parameters[i], expand(given[i]->first, given[i]->second));
+        for (const auto& parameter : parameters) {
+            const Given& given = *slots[parameter];
+            bindings.emplace(parameter, expand(given.value, given.place));
         }
         return bindings;
     }
@@ -319,6 +324,35 @@ class Expander {
 };
 
 } // namespace
+
+void chargeNodes(std::size_t nodes, DeriveSurface& surface, const SourceSpan& span) {
+    surface.expandedNodes += nodes;
+    if (surface.expandedNodes > maxExpandedNodes) {
+        plotError(span, "derive expansion exceeds the maximum size of " + std::to_string(maxExpandedNodes) +
+                            " nodes");
+    }
+}
+
+void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span) {
+    std::vector<const ExprRef*> pending{&expression};
+    while (!pending.empty()) {
+        const ExprRef& node = *pending.back();
+        pending.pop_back();
+        chargeNodes(1, surface, span);
+        std::visit(Match{[&](const plot::CallExpr& call) {
+                             for (const auto& argument : call.arguments) {
+                                 pending.push_back(&argument.value);
+                             }
+                         },
+                         [&](const plot::UnaryExpr& unary) { pending.push_back(&unary.operand); },
+                         [&](const plot::BinaryExpr& binary) {
+                             pending.push_back(&binary.right);
+                             pending.push_back(&binary.left);
+                         },
+                         [](const auto&) {}},
+                   node->node);
+    }
+}
 
 ExprRef expandFormulas(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span) {
     return Expander(surface, span).expand(expression, {}).expression;

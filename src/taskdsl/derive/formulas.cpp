@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <utility>
 
 namespace morquill::taskdsl::derive {
@@ -17,22 +18,79 @@ using plot::plotError;
 namespace {
 
 /// In byte order.
-constexpr std::string_view reservedNames[] = {
-    "abs",          "aggregate", "angle",         "assert",       "at",
-    "bind",         "boltzmann", "cbs",           "coalesce",     "convert",
-    "count",        "derive_value", "derived",    "dimensionless", "dipole",
-    "dipole_moment", "emit",     "energy",        "entropy",      "exists",
-    "exp",          "false",     "filter",        "force",        "frequency",
-    "from",         "group",     "harmonic_zpe",  "heat_capacity", "heatcapacity",
-    "join",         "kv",        "length",        "let",          "limit",
-    "log",          "mass",      "matrix_value",  "max",          "mean",
-    "min",          "nth",       "number",        "pow",          "present",
-    "pressure",     "profile",   "quantity",      "reduce",       "relative",
-    "report",       "require",   "result",        "rethermo",     "row_index",
-    "rrho_enthalpy", "scalar",   "select",        "sin",          "single_point",
-    "sort",         "spectral",  "spectral_coordinate", "sqrt",   "step",
-    "sum",          "task_index", "temperature",  "thermo",       "thermochemistry",
-    "true",         "using",     "where"};
+constexpr std::string_view reservedNames[] = {"abs",
+                                              "aggregate",
+                                              "angle",
+                                              "assert",
+                                              "at",
+                                              "bind",
+                                              "boltzmann",
+                                              "cbs",
+                                              "coalesce",
+                                              "convert",
+                                              "count",
+                                              "derive_value",
+                                              "derived",
+                                              "dimensionless",
+                                              "dipole",
+                                              "dipole_moment",
+                                              "emit",
+                                              "energy",
+                                              "entropy",
+                                              "exists",
+                                              "exp",
+                                              "false",
+                                              "filter",
+                                              "force",
+                                              "frequency",
+                                              "from",
+                                              "group",
+                                              "harmonic_zpe",
+                                              "heat_capacity",
+                                              "heatcapacity",
+                                              "join",
+                                              "kv",
+                                              "length",
+                                              "let",
+                                              "limit",
+                                              "log",
+                                              "mass",
+                                              "matrix_value",
+                                              "max",
+                                              "mean",
+                                              "min",
+                                              "nth",
+                                              "number",
+                                              "pow",
+                                              "present",
+                                              "pressure",
+                                              "profile",
+                                              "quantity",
+                                              "reduce",
+                                              "relative",
+                                              "report",
+                                              "require",
+                                              "result",
+                                              "rethermo",
+                                              "row_index",
+                                              "rrho_enthalpy",
+                                              "scalar",
+                                              "select",
+                                              "sin",
+                                              "single_point",
+                                              "sort",
+                                              "spectral",
+                                              "spectral_coordinate",
+                                              "sqrt",
+                                              "step",
+                                              "sum",
+                                              "task_index",
+                                              "temperature",
+                                              "thermo",
+                                              "thermochemistry",
+                                              "true",
+                                              "using",
+                                              "where"};
 static_assert(std::is_sorted(std::begin(reservedNames), std::end(reservedNames)));
 
 /// Functions that evaluate thermochemistry, and the arguments that must be seen at each of their calls.
@@ -78,6 +136,7 @@ std::vector<std::string> readParameters(std::string_view text, const SourceSpan&
     if (text.empty()) {
         return parameters;
     }
+    std::set<std::string_view> seen;
     for (const auto entry : splitAtCommas(text)) {
         if (entry.empty()) {
             plotError(span, "formula parameter list contains an empty parameter");
@@ -86,7 +145,7 @@ std::vector<std::string> readParameters(std::string_view text, const SourceSpan&
         if (name == "using") {
             plotError(span, "formula parameter name 'using' is reserved");
         }
-        if (std::find(parameters.begin(), parameters.end(), name) != parameters.end()) {
+        if (!seen.insert(entry).second) {
             plotError(span, "duplicate formula parameter " + quoted(name));
         }
         parameters.push_back(std::move(name));
@@ -96,6 +155,7 @@ std::vector<std::string> readParameters(std::string_view text, const SourceSpan&
 
 /// A body may speak of nothing but its parameters. `using=` names a profile that exists already.
 void checkBody(const FormulaDefinition& formula, const DeriveSurface& surface, const SourceSpan& span) {
+    const std::set<std::string_view> parameters(formula.parameters.begin(), formula.parameters.end());
     std::vector<const ExprRef*> pending{&formula.body}; // the next node in reading order is the last
     while (!pending.empty()) {
         const ExprRef& expression = *pending.back();
@@ -104,8 +164,7 @@ void checkBody(const FormulaDefinition& formula, const DeriveSurface& surface, c
             plotError(span, "formula bodies cannot capture snapshot references; pass the selected value as a "
                             "parameter");
         } else if (const auto* identifier = plot::expressionAs<plot::IdentifierExpr>(expression)) {
-            const auto& known = formula.parameters;
-            if (std::find(known.begin(), known.end(), identifier->name) == known.end()) {
+            if (!parameters.contains(identifier->name)) {
                 plotError(span, "formula body captures bare identifier " + quoted(identifier->name) +
                                     "; pass it as a parameter or quote it as a literal");
             }
@@ -131,7 +190,7 @@ void checkBody(const FormulaDefinition& formula, const DeriveSurface& surface, c
 
 void checkProfileArguments(const ParameterProfile& profile, const SourceSpan& span) {
     const bool thermo = isOneOf(profile.target, thermoFunctions);
-    std::vector<std::string_view> seen;
+    std::set<std::string_view> seen;
     for (const auto& argument : profile.arguments) {
         if (!argument.named) {
             plotError(span, "profile entries must use named arguments");
@@ -139,13 +198,12 @@ void checkProfileArguments(const ParameterProfile& profile, const SourceSpan& sp
         if (argument.name == "using") {
             plotError(span, "profiles cannot inherit another profile");
         }
-        if (std::find(seen.begin(), seen.end(), argument.name) != seen.end()) {
+        if (!seen.insert(argument.name).second) {
             plotError(span, "duplicate profile argument " + quoted(argument.name));
         }
         if (thermo && isOneOf(argument.name, callSpecificArguments)) {
             plotError(span, "thermo profiles cannot hide call-specific argument " + quoted(argument.name));
         }
-        seen.push_back(argument.name);
     }
 }
 
@@ -159,6 +217,7 @@ std::vector<Projection> readProjections(std::string_view text, const SourceSpan&
         plotError(span, "bind requires at least one thermo projection");
     }
     std::vector<Projection> projections;
+    std::set<std::string_view> seen;
     for (const auto entry : splitAtCommas(text)) {
         if (entry.empty()) {
             plotError(span, "bind projection list contains an empty entry");
@@ -169,8 +228,7 @@ std::vector<Projection> readProjections(std::string_view text, const SourceSpan&
         }
         auto target = requireIdentifier(halves->left, "bind target name must be a simple identifier", span);
         auto quantity = requireIdentifier(halves->right, "bind thermo quantity must be an identifier", span);
-        if (std::any_of(projections.begin(), projections.end(),
-                        [&](const Projection& earlier) { return earlier.target == target; })) {
+        if (!seen.insert(halves->left).second) {
             plotError(span, "duplicate bind target " + quoted(target));
         }
         projections.push_back({std::move(target), std::move(quantity)});
@@ -185,7 +243,8 @@ bool isReservedDeriveName(std::string_view name) {
            canonicalPropertyName(name).has_value();
 }
 
-const std::string& requireNameOrString(const ExprRef& expression, std::string_view label, const SourceSpan& span) {
+const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
+                                       const SourceSpan& span) {
     if (const auto* identifier = plot::expressionAs<plot::IdentifierExpr>(expression)) {
         return identifier->name;
     }
@@ -270,18 +329,19 @@ void parseBind(std::string_view text, const SourceSpan& span, DeriveSurface& sur
     if (call == nullptr || call->name != "thermo") {
         plotError(span, "bind currently supports only direct thermo(...) calls");
     }
-    if (std::any_of(call->arguments.begin(), call->arguments.end(), [](const plot::PlotCallArgument& argument) {
-            return argument.named && argument.name == "quantity";
-        })) {
+    if (std::any_of(call->arguments.begin(), call->arguments.end(),
+                    [](const plot::PlotCallArgument& argument) {
+                        return argument.named && argument.name == "quantity";
+                    })) {
         plotError(span, "bind thermo(...) supplies quantity through its projection list");
     }
     for (auto& projection : readProjections(*projections, span)) {
         plot::CallExpr projected = *call;
         projected.arguments.push_back(
             {"quantity", true, plot::makeExpression(plot::StringExpr{std::move(projection.quantity)})});
-        statements.emplace_back(
-            LetStatement{std::move(projection.target),
-                         expandFormulas(plot::makeExpression(std::move(projected)), surface, span), span});
+        auto value = expandFormulas(plot::makeExpression(std::move(projected)), surface, span);
+        chargeCopy(value, surface, span);
+        statements.emplace_back(LetStatement{std::move(projection.target), std::move(value), span});
     }
 }
 

@@ -29,21 +29,22 @@ struct ParameterProfile {
     SourceSpan span;
 };
 
-/// What the preamble has defined so far. A name is defined before it is used: a call that stands in front of its
-/// formula stays a plain call.
+/// What the preamble has defined so far. A name is defined before it is used: a call that stands in front of
+/// its formula stays a plain call.
 struct DeriveSurface {
     std::map<std::string, FormulaDefinition, std::less<>> formulas;
     std::map<std::string, ParameterProfile, std::less<>> profiles;
-    std::size_t expandedNodes = 0; ///< nodes that formulas and profiles of this block have brought forth
+    std::size_t expandedNodes = 0; ///< nodes that this block has brought forth beyond what is written
 };
 
 /// The deepest nesting of formulas (and profiles) within formulas.
 inline constexpr std::size_t maxFormulaDepth = 64;
-/// The most nodes that formulas may bring forth in one block; definitions that double each other end here.
-inline constexpr std::size_t maxFormulaNodes = 100'000;
+/// The most nodes that formulas, profiles, binds and report modifiers may bring forth in one block:
+/// definitions that double each other end here and not in memory. What is written out in full is not counted.
+inline constexpr std::size_t maxExpandedNodes = 100'000;
 
-/// True for the functions, keywords and quantity words of the language and for every name of the property catalog,
-/// in any case.
+/// True for the functions, keywords and quantity words of the language and for every name of the property
+/// catalog, in any case.
 [[nodiscard]] bool isReservedDeriveName(std::string_view name);
 
 /// Reads the text behind `formula` and adds the definition to the surface.
@@ -54,18 +55,27 @@ void parseProfile(std::string_view text, const SourceSpan& span, DeriveSurface& 
 void parseBind(std::string_view text, const SourceSpan& span, DeriveSurface& surface,
                std::vector<DeriveStatement>& statements);
 
-/// The expression with every formula and profile call resolved; nodes in which nothing changed are shared. Throws
-/// for a call that breaks the rules of arguments, for recursion, and for an expansion past the bounds above.
-[[nodiscard]] ExprRef expandFormulas(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span);
+/// The expression with every formula and profile call resolved; nodes in which nothing changed are shared.
+/// Throws for a call that breaks the rules of arguments, for recursion, and for an expansion past the bounds
+/// above.
+[[nodiscard]] ExprRef expandFormulas(const ExprRef& expression, DeriveSurface& surface,
+                                     const SourceSpan& span);
+
+/// Counts one more copy of the expression towards `maxExpandedNodes`; throws when that is passed.
+void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span);
+/// Counts `nodes` towards `maxExpandedNodes`; throws when that is passed.
+void chargeNodes(std::size_t nodes, DeriveSurface& surface, const SourceSpan& span);
 
 /// Parses the text and expands it.
-[[nodiscard]] ExprRef readDeriveExpression(std::string_view text, DeriveSurface& surface, const SourceSpan& span);
+[[nodiscard]] ExprRef readDeriveExpression(std::string_view text, DeriveSurface& surface,
+                                           const SourceSpan& span);
 
 /// The text of an identifier or string. Throws "<label> must be an identifier or string literal".
 [[nodiscard]] const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
                                                      const SourceSpan& span);
 
-/// The profile that the value of a `using=` argument names. Throws when it is unknown or for another function.
+/// The profile that the value of a `using=` argument names. Throws when it is unknown or for another
+/// function.
 [[nodiscard]] const ParameterProfile& requireProfile(const ExprRef& value, std::string_view function,
                                                      const DeriveSurface& surface, const SourceSpan& span);
 
