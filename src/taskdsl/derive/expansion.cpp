@@ -50,6 +50,15 @@ int rightPrecedence(plot::BinaryOp op) noexcept {
 
 constexpr int unaryPrecedence = 3;
 
+/// Adds to one of the counts of a block.
+void charge(std::size_t& count, std::size_t nodes, const SourceSpan& span) {
+    count += nodes;
+    if (count > maxExpandedNodes) {
+        plotError(span, "derive expansion exceeds the maximum size of " + std::to_string(maxExpandedNodes) +
+                            " nodes");
+    }
+}
+
 /// 1 when the expression is printed in parentheses at such a place.
 std::size_t parentheses(const ExprRef& expression, int asked) noexcept {
     const auto* binary = plot::expressionAs<plot::BinaryExpr>(expression);
@@ -63,7 +72,7 @@ class Expander {
     Expanded expand(const ExprRef& expression, Place place) {
         place.nesting += parentheses(expression, place.asked);
         checkNesting(place.nesting);
-        charge(place, 1);
+        visit(place);
         return std::visit(
             Match{[&](const plot::IdentifierExpr& node) { return expandName(node, expression, place); },
                   [&](const plot::CallExpr& node) { return expandCall(node, expression, place); },
@@ -73,6 +82,15 @@ class Expander {
             expression->node);
     }
 
+    /// Expands one whole expression of the block.
+    ExprRef expandWhole(const ExprRef& expression) {
+        Expanded result = expand(expression, {});
+        if (result.nodes > written_) {
+            charge(surface_.expandedNodes, result.nodes - written_, span_);
+        }
+        return std::move(result.expression);
+    }
+
   private:
     void checkNesting(std::size_t nesting) const {
         if (nesting > plot::maxExpressionDepth) {
@@ -80,10 +98,11 @@ class Expander {
         }
     }
 
-    /// Only what formulas and profiles bring forth is limited; an expression as written may have any length.
-    void charge(const Place& place, std::size_t nodes) {
-        if (place.formulas > 0) {
-            chargeNodes(nodes, surface_, span_);
+    void visit(const Place& place) {
+        if (place.formulas == 0) {
+            ++written_;
+        } else {
+            charge(surface_.visitedNodes, 1, span_);
         }
     }
 
@@ -94,7 +113,6 @@ class Expander {
             return {expression};
         }
         const Expanded& value = found->second;
-        charge(place, value.nodes);
         checkNesting(place.nesting + value.depth + parentheses(value.expression, place.asked));
         return value;
     }
@@ -120,7 +138,7 @@ class Expander {
                 break;
             }
             place.nesting += parentheses(*leftmost, place.asked);
-            charge(place, 1);
+            visit(place);
             chain.push_back(leftmost);
             leftmost = &std::get<plot::BinaryExpr>((*leftmost)->node).left;
         }
@@ -268,6 +286,13 @@ class Expander {
         names_.push_back(formula.name);
         Expanded result = expand(formula.body, {&bindings, inside, place.nesting, place.asked});
         names_.pop_back();
+        std::size_t grown = result.nodes;
+        for (const auto& [name, value] : bindings) {
+            grown -= std::min(grown, value.nodes);
+        }
+        std::size_t added =
+            surface_.expandedNodes; // what is shared here is counted when the expression is whole
+        charge(added, grown, span_);
         return result;
     }
 
@@ -320,25 +345,18 @@ class Expander {
 
     DeriveSurface& surface_;
     const SourceSpan& span_;
+    std::size_t written_ = 0;             ///< nodes outside formulas and profiles
     std::vector<std::string_view> names_; ///< formulas whose bodies are being expanded
 };
 
 } // namespace
-
-void chargeNodes(std::size_t nodes, DeriveSurface& surface, const SourceSpan& span) {
-    surface.expandedNodes += nodes;
-    if (surface.expandedNodes > maxExpandedNodes) {
-        plotError(span, "derive expansion exceeds the maximum size of " + std::to_string(maxExpandedNodes) +
-                            " nodes");
-    }
-}
 
 void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span) {
     std::vector<const ExprRef*> pending{&expression};
     while (!pending.empty()) {
         const ExprRef& node = *pending.back();
         pending.pop_back();
-        chargeNodes(1, surface, span);
+        charge(surface.expandedNodes, 1, span);
         std::visit(Match{[&](const plot::CallExpr& call) {
                              for (const auto& argument : call.arguments) {
                                  pending.push_back(&argument.value);
@@ -355,7 +373,7 @@ void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceS
 }
 
 ExprRef expandFormulas(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span) {
-    return Expander(surface, span).expand(expression, {}).expression;
+    return Expander(surface, span).expandWhole(expression);
 }
 
 } // namespace morquill::taskdsl::derive

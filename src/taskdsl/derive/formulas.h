@@ -34,13 +34,15 @@ struct ParameterProfile {
 struct DeriveSurface {
     std::map<std::string, FormulaDefinition, std::less<>> formulas;
     std::map<std::string, ParameterProfile, std::less<>> profiles;
-    std::size_t expandedNodes = 0; ///< nodes that this block has brought forth beyond what is written
+    std::size_t expandedNodes = 0; ///< nodes that this block holds beyond what is written
+    std::size_t visitedNodes = 0;  ///< nodes of formula bodies and profiles that were gone through for it
 };
 
 /// The deepest nesting of formulas (and profiles) within formulas.
 inline constexpr std::size_t maxFormulaDepth = 64;
-/// The most nodes that formulas, profiles, binds and report modifiers may bring forth in one block:
-/// definitions that double each other end here and not in memory. What is written out in full is not counted.
+/// The most nodes that formulas, profiles, binds and report modifiers may add to one block, and the most that
+/// may be gone through to find them: definitions that double each other end here and not in memory. What is
+/// written out in full is not counted.
 inline constexpr std::size_t maxExpandedNodes = 100'000;
 
 /// True for the functions, keywords and quantity words of the language and for every name of the property
@@ -63,8 +65,6 @@ void parseBind(std::string_view text, const SourceSpan& span, DeriveSurface& sur
 
 /// Counts one more copy of the expression towards `maxExpandedNodes`; throws when that is passed.
 void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span);
-/// Counts `nodes` towards `maxExpandedNodes`; throws when that is passed.
-void chargeNodes(std::size_t nodes, DeriveSurface& surface, const SourceSpan& span);
 
 /// Parses the text and expands it.
 [[nodiscard]] ExprRef readDeriveExpression(std::string_view text, DeriveSurface& surface,
