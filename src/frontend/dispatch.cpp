@@ -5,6 +5,7 @@
 #include "frontend/logger.h"
 #include "frontend/not_built.h"
 #include "support/text.h"
+#include "templates/template_command.h"
 
 #include <algorithm>
 #include <array>
@@ -69,7 +70,7 @@ constexpr std::array<OlderShape, 4> olderShapes{{
     {isRenameShape, notBuiltRun<"rename">},
     {isUpdateShape, notBuiltRun<"project">},
     {isProjectShape, notBuiltRun<"project">},
-    {isTemplateShape, notBuiltRun<"template">},
+    {isTemplateShape, templates::runTemplateCompat},
 }};
 
 /// Tells what is wrong with the command line, shows the commands, gives the status.
