@@ -54,7 +54,7 @@ bool takesLine(HeredocState& heredoc, std::string_view line) {
         return false;
     }
     const auto directive = taskdsl::cleanLine(line);
-    const auto value = trim(directive.substr(std::min(directive.find_first_of(" \t"), directive.size())));
+    const auto value = trim(directive.substr(std::min(directive.find(' '), directive.size())));
     if (value.starts_with("<<")) {
         const auto word = trim(value.substr(2));
         heredoc.terminator = word.empty() ? "EOF" : word;
