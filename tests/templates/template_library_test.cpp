@@ -26,8 +26,7 @@ class Unprivileged {
   public:
     explicit Unprivileged(const fs::path& directory) : own(::geteuid()) {
         if (own == 0) {
-            fs::permissions(directory, fs::perms::others_exec | fs::perms::others_read,
-                            fs::perm_options::add);
+            fs::permissions(directory, fs::perms::all);
             EXPECT_EQ(::seteuid(65534), 0);
         }
     }
