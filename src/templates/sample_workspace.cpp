@@ -36,7 +36,7 @@ $opt
     %source origin                 # the geometry of test.xyz
     %control
         totcore 8
-        totmem 16
+        totmem 16000
     %keywords "opt freq [func]/[bset] [scrf] [DFT-D] out=wfn"
     %preprocess
         echo "[taskname] started" > [inputname].note
