@@ -76,6 +76,7 @@ TEXT
         expect 0 "$help" "" template "$token"
     done
     expect 0 "$help" "" help templ
+    expect 0 "$help" "" T --help
     expect 1 "$help" "" template
     expect 1 "$help" "" template bogus
     expect 1 "$help" "" template List

@@ -94,7 +94,7 @@ class Terminal : public ::testing::Test {
     }
     /// Waits until the program reads keys one by one.
     void waitForKeyMode() const {
-        while (isCooked()) {
+        for (int i = 0; i < 10'000 && isCooked(); ++i) {
             ::usleep(1000);
         }
     }
