@@ -1,11 +1,11 @@
 #include "project/process.h"
 
+#include "frontend/console.h"
 #include "support/text.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 
 #include <fcntl.h>
@@ -116,7 +116,7 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
         ::close(writeEnd);
         return result;
     }
-    std::fflush(stdout);
+    frontend::flushOut();
     const pid_t child = ::fork();
     if (child < 0) {
         result.error = "failed to fork child process: " + systemText(errno);
