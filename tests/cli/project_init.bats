@@ -34,7 +34,7 @@ init() {
     init 'clusters\nn\n'
     [ "$status" -eq 0 ]
     [ ! -s "$root/err" ]
-    diff - "$root/out" <<END
+    diff - <(cat "$root/out"; echo) <<END
 [INFO] project name: source .mq file: $root/work/water-clusters.mq
 geometry files found: 4
 created project directory: $root/tasks/clusters
@@ -47,7 +47,7 @@ created task: water4 (symlinked to .projmq)
 project created
 project path: $root/tasks/clusters
 project template: $root/tasks/clusters/clusters.projmq
-$(printf '[INFO] start the generated project now? (y/n): ')
+[INFO] start the generated project now? (y/n): 
 END
     tree "$root/tasks" >tree
     diff - tree <<END
@@ -90,11 +90,11 @@ END
     init 'x\n'
     [ "$status" -eq 1 ]
     [ "$(cat "$root/err")" = "[ERROR] invalid selection; try again" ]
-    diff - "$root/out" <<END
+    diff - <(cat "$root/out"; echo) <<END
 [INFO] project name: multiple .mq/.projmq files found:
 1. other.projmq
 2. water-clusters.mq
-$(printf '[INFO] select a .mq/.projmq file by index: ')
+[INFO] select a .mq/.projmq file by index: 
 END
     [ ! -e "$root/tasks" ]
 }

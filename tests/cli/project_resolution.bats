@@ -60,11 +60,11 @@ refuses() {
 }
 
 @test "names of any bytes" {
-    mkdir $'-q \'"$(x)\n\xff'
-    cp p/demo.projmq $'-q \'"$(x)\n\xff/a b.projmq'
+    mkdir -- $'-q \'"$(x)\n\xff'
+    cp -- p/demo.projmq $'-q \'"$(x)\n\xff/a b.projmq'
     : >$'-m \'"\n\xfe.xyz'
     "$MQKIT" project add --path $'-q \'"$(x)\n\xff' $'./-m \'"\n\xfe.xyz' >out
-    [ "$(readlink $'-q \'"$(x)\n\xff/-m \'"\n\xfe/-m \'"\n\xfe.mq')" = "../a b.projmq" ]
+    [ "$(readlink -- $'-q \'"$(x)\n\xff/-m \'"\n\xfe/-m \'"\n\xfe.mq')" = "../a b.projmq" ]
 }
 
 @test "a wildcard meets the blocks of template and cases, a broken case is left out" {
