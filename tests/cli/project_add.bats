@@ -3,8 +3,10 @@ bats_require_minimum_version 1.5.0
 
 setup() {
     export NO_COLOR=1
-    root="$(cd "$BATS_TEST_TMPDIR" && pwd -P)"
-    cd "$root"
+    # So deep that no search upwards leaves the directory of the test.
+    mkdir -p "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
+    cd "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
+    root="$(pwd -P)"
     mkdir p
     cp "$MQKIT_SOURCE/examples/water-clusters/water-clusters.mq" p/demo.projmq
     cp "$MQKIT_SOURCE"/examples/water-clusters/more/*.xyz .

@@ -4,7 +4,9 @@ bats_require_minimum_version 1.5.0
 setup() {
     unset NO_COLOR
     export TERM=xterm SHELL=/bin/sh
-    cd "$BATS_TEST_TMPDIR"
+    # So deep that no search upwards leaves the directory of the test.
+    mkdir -p "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
+    cd "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
 }
 
 # The help; {G}, {C} and {Y} stand for green, bold cyan and bold yellow, {N} for the end of each.

@@ -27,12 +27,15 @@ class ScratchTree : public ::testing::Test {
   protected:
     ScratchTree() : before_(std::filesystem::current_path()) {
         std::string name = (std::filesystem::temp_directory_path() / "mqkit-project-XXXXXX").string();
-        root = std::filesystem::canonical(::mkdtemp(name.data())).string();
+        top_ = std::filesystem::canonical(::mkdtemp(name.data()));
+        // So deep that no search upwards meets what other programs leave in the temporary directory.
+        root = (top_ / "1/2/3/4/5/6").string();
+        std::filesystem::create_directories(root);
         std::filesystem::current_path(root);
     }
     ~ScratchTree() override {
         std::filesystem::current_path(before_);
-        std::filesystem::remove_all(root);
+        std::filesystem::remove_all(top_);
     }
 
     [[nodiscard]] std::string at(const std::string& name) const {
@@ -102,6 +105,7 @@ class ScratchTree : public ::testing::Test {
 
   private:
     std::filesystem::path before_;
+    std::filesystem::path top_;
 };
 
 /// The arguments of one command line as `main` gets them.
