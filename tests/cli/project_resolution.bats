@@ -54,13 +54,6 @@ refuses() {
     refuses "could not resolve a .projmq project template from path: $root/q/dir.projmq" project add q/dir.projmq new.xyz
 }
 
-@test "a directory that may not be read holds nothing" {
-    [ "$(id -u)" -ne 0 ] || skip "root reads everything"
-    chmod 000 p/mol1
-    resolves "$root/p/demo.projmq" --path p new.xyz
-    chmod 755 p/mol1
-}
-
 @test "names of any bytes" {
     mkdir -- $'-q \'"$(x)\n\xff'
     cp -- p/demo.projmq $'-q \'"$(x)\n\xff/a b.projmq'

@@ -95,6 +95,29 @@ TEST_F(CaseFiles, FailuresNameTheCaseAndDeleteNothing) {
               "[ERROR] failed to create task " + endless + " - File name too long\n");
 }
 
+TEST_F(CaseFiles, PermissionsThatAreMissing) {
+    write("p/demo.projmq");
+    write("mol.xyz");
+    write("secret.xyz");
+    dir("closed");
+    mode("p", 0777);
+    mode("secret.xyz", 0);
+    mode("closed", 0);
+    {
+        const Unprivileged user;
+        const auto errorOf = [&](const std::string& geometry, const std::string& project) {
+            return run("", [&] { return createCase(at(geometry), at(project), at("p/demo.projmq")); }).err;
+        };
+        EXPECT_EQ(errorOf("mol.xyz", "closed"), "[ERROR] failed to create task mol - Permission denied\n");
+        EXPECT_EQ(errorOf("secret.xyz", "p"), "[ERROR] failed to create task secret - Permission denied\n");
+        EXPECT_EQ(run("", [&] { return listGeometryFiles(at("closed")).size(); }).err,
+                  "[ERROR] filesystem error: Permission denied\n");
+    }
+    mode("closed", 0755);
+    EXPECT_THAT(tree("p"), ElementsAre("demo.projmq = ", "secret/"));
+    EXPECT_THAT(tree("closed"), IsEmpty());
+}
+
 TEST_F(CaseFiles, AStubIsNeverWrittenThroughAnExistingFile) {
     // The geometry and the task file of this case would share one name.
     write("p/demo.projmq", "template");

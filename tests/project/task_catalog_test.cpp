@@ -160,6 +160,18 @@ TEST_F(Catalog, AProjectWhereNothingParsesTellsTheFirstFailureAndTheCount) {
                                          at("p/none.projmq") + " (3 additional case parse error(s))");
 }
 
+TEST_F(Catalog, AFileThatMayNotBeReadIsAFailure) {
+    write("p/demo.projmq", "$opt\n%keywords a\n");
+    write("p/m1/m1.mq", "$one\n%keywords a\n");
+    write("p/m2/m2.mq", "$two\n%keywords a\n");
+    mode("p/demo.projmq", 0);
+    mode("p/m2/m2.mq", 0);
+    const Unprivileged user;
+    EXPECT_EQ(scan("p/m2/m2.mq"),
+              "[mqkit][ERROR] failed to parse task file: could not open file: " + at("p/m2/m2.mq"));
+    EXPECT_EQ(load(), "one | one | one | one>one");
+}
+
 TEST_F(Catalog, EveryFileIsWarnedAbout) {
     write("p/demo.projmq", "$opt\n%program xtb\n%keywords --opt\n");
     link("../demo.projmq", "p/m1/m1.mq");
