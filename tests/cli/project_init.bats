@@ -9,6 +9,7 @@ setup() {
     mkdir "$root/work"
     cd "$root/work"
     cp "$MQKIT_SOURCE"/examples/water-clusters/*.{mq,xyz} .
+    : >morquill.conf # no other one is looked for
 }
 
 # A runner first on PATH that records what it was given.

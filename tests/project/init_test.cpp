@@ -22,6 +22,7 @@ class Init : public ScratchTree {
         }
         ::setenv("HOME", root.c_str(), 1);
         enter("work");
+        configure(""); // no other file is looked for
         write("work/task.mq", "$opt\n");
         write("work/b.xyz", "b");
         write("work/a.gjf", "a");
