@@ -160,7 +160,8 @@ class CaseReader {
             return known->second;
         }
         const bool parsed = parse(text, path);
-        if (!warned_) {
+        if (!warned_ && text.size() <= room_) {
+            room_ -= text.size();
             outcomes.emplace(text, parsed);
         }
         return parsed;
@@ -171,6 +172,7 @@ class CaseReader {
     const taskdsl::WarningSink& warnings_;
     Outcomes asCase_;
     Outcomes asTemplate_;
+    std::size_t room_ = std::size_t{32} << 20U; // bytes of text that may still be remembered
     bool warned_ = false;
 };
 
