@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +14,27 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
+
+namespace {
+int forkError = 0; // what the system answers with in the tests that need it
+int waitError = 0;
+} // namespace
+
+// These stand before the C library's, so that a system without room for a process can be had.
+extern "C" pid_t fork() noexcept {
+    errno = forkError;
+    return forkError != 0 ? -1 : ::_Fork();
+}
+extern "C" pid_t waitpid(pid_t child, int* status, int options) {
+    if (waitError != 0) {
+        ::wait4(child, status, options, nullptr); // the child is not left behind
+        errno = waitError;
+        return -1;
+    }
+    return ::wait4(child, status, options, nullptr);
+}
 
 namespace morquill::project {
 namespace {
@@ -129,6 +150,24 @@ TEST_F(Process, NoDescriptorLeftForThePipe) {
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
     EXPECT_FALSE(ran);
     EXPECT_EQ(failure, "failed to create process error pipe: Too many open files");
+}
+
+TEST_F(Process, NoRoomForAProcess) {
+    forkError = EAGAIN;
+    const bool ran = runShellCommand("", "true", &failure);
+    forkError = 0;
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(failure, "failed to fork child process: Resource temporarily unavailable");
+}
+
+TEST_F(Process, AChildThatCannotBeWaitedFor) {
+    waitError = ECHILD;
+    const ProcessResult result = spawnShell("true", "");
+    waitError = 0;
+    EXPECT_TRUE(result.launched);
+    EXPECT_FALSE(result.exited || result.terminatedBySignal);
+    EXPECT_EQ(result.error, "failed to wait for child process: No child processes");
+    EXPECT_EQ(describeProcessFailure("shell command", result), result.error);
 }
 
 TEST_F(Process, DescribesEveryWayToFail) {
