@@ -348,19 +348,19 @@ std::vector<SourceLine> instantiateFragment(const FragmentDefinition& definition
     }
     // A library is loaded once, so its path tells it apart; a standalone file may come by several paths.
     const auto& path = definition.path.str();
-    const IncludeChain::Entry entry(context.fragmentChain,
-                                    (library ? path : normalisedPath(path)) + "::" + name, path + "::" + name);
+    const IncludeChain::Entry entry(context.fragmentChain, library ? path + "::" + name : normalisedPath(path),
+                                    path + "::" + name);
     const auto values = bindArguments(definition, include, includeLine);
 
     std::vector<SourceLine> lines;
     lines.reserve(definition.lines.size());
-    context.growth.take(0);
+    context.growth.takeFragment();
     for (const auto& line : definition.lines) {
         lines.push_back(line);
         if (!values.empty() && line.text.find('[') != std::string::npos) {
             lines.back().text = substituteBrackets(line.text, values);
         }
-        context.growth.take(lines.back().text.size());
+        context.growth.takeLine(lines.back().text.size());
     }
     const auto kind = definition.kind == FragmentKind::unknown ? scope : definition.kind;
     lines = expandIncludes(std::move(lines), {definition.path, library, kind}, context);

@@ -116,15 +116,20 @@ class MatrixExpansion {
     explicit MatrixExpansion(TaskDocument& target)
         : document(target), walk(target.matrixAxes), values(target.defines) {
         std::map<std::string_view, std::size_t> files;
+        std::size_t textOfOne = 0; // of one combination, before substitution
         for (const auto& task : document.templateTasks) {
             const auto file = files.try_emplace(task.filePath.str(), files.size()).first->second;
             templates.push_back({&task, holdsBrackets(task), refersToTask(task), file, {}, {}});
             anyRefers = anyRefers || templates.back().refers;
+            textOfOne += textSize(task);
         }
         fileCount = files.size();
         if (walk.size() > limits::matrixVariants / templates.size()) {
             throw DiagnosticError("matrix yields more than " + std::to_string(limits::matrixVariants) +
                                   " task variants");
+        }
+        if (textOfOne > limits::variantText / walk.size()) {
+            failText();
         }
     }
 
@@ -191,12 +196,18 @@ class MatrixExpansion {
         for (auto& plot : task.plots) {
             plot.ownerTask = plot.ownerTask.empty() ? "" : task.name;
         }
-        text += textSize(task);
-        if (text > limits::variantText) {
-            throw DiagnosticError("matrix variants hold more than " +
-                                  std::to_string(limits::variantText >> 20) + " MiB of text");
+        if (item.substitutes) { // the texts may be longer than those of the template
+            text += textSize(task);
+            if (text > limits::variantText) {
+                failText();
+            }
         }
         return task;
+    }
+
+    [[noreturn]] static void failText() {
+        throw DiagnosticError("matrix variants hold more than " + std::to_string(limits::variantText >> 20) +
+                              " MiB of text");
     }
 
     const TaskDocument& document;

@@ -1,3 +1,5 @@
+#include "taskdsl/directive_reader.h"
+
 #include "parse_text.h"
 #include "taskdsl/block_capture.h"
 #include "taskdsl/directive_reader.h"
@@ -11,10 +13,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-std::vector<std::string> warningsOf(std::string_view text) {
-    return parse(text).warnings;
-}
-
 TEST(Heredoc, TakesRawLinesUpToItsTerminator) {
     EXPECT_EQ(firstTask("$a\n%keywords << END\n b3lyp # kept\n$x\n\n%y\n  END  \n%runner r\n").keywords,
               "b3lyp # kept\n$x\n\n%y");
@@ -23,14 +21,30 @@ TEST(Heredoc, TakesRawLinesUpToItsTerminator) {
     EXPECT_EQ(firstTask("$a\n%body << E\nE\n").body, "");
 }
 
+TEST(Heredoc, AMissingTerminatorIsFoundWhenIncludesAreExpanded) {
+    EXPECT_EQ(faultOf("$a\n%keywords << END\nx\n"), "t.mq:2: heredoc is missing terminator 'END'");
+    EXPECT_EQ(faultOf("$a\n%body <<\nx\n$b\n"), "t.mq:2: heredoc is missing terminator 'EOF'");
+    EXPECT_EQ(faultOf("$a\n%extrainput << X\n"), "t.mq:2: heredoc is missing terminator 'X'");
+}
+
 TEST(Heredoc, AMissingTerminatorIsAFaultOfKeywordsAndAWarningElsewhere) {
-    EXPECT_EQ(faultOf("$a\n%keywords << END\nx\n"),
-              "task 'a' heredoc %keywords block is missing terminator 'END'.");
-    const auto body = parse("$a\n%body <<\nx\n$b\n");
-    EXPECT_EQ(body.document.tasks[0].body, "x\n$b");
-    EXPECT_THAT(body.warnings, ElementsAre("task 'a' heredoc %body block is missing terminator 'EOF'."));
-    EXPECT_THAT(warningsOf("$a\n%extrainput << X\n"),
-                ElementsAre("task 'a' heredoc %extrainput block is missing terminator 'X'."));
+    std::vector<std::string> warnings;
+    const WarningSink sink = [&warnings](const std::string& text) { warnings.push_back(text); };
+    const std::vector<SourceLine> lines{{"%x << END", "t.mq", 1}, {"x", "t.mq", 2}, {"$b", "t.mq", 3}};
+    TaskInfo task("a");
+    const auto read = [&](const char* keyword) {
+        DirectiveReader reader(task, lines, 0, "<< END", sink, false);
+        findDirective(keyword)->handler(reader);
+    };
+    EXPECT_THAT([&] { read("keywords"); },
+                testing::ThrowsMessage<std::runtime_error>(
+                    "task 'a' heredoc %keywords block is missing terminator 'END'."));
+    read("body");
+    EXPECT_EQ(task.body, "x\n$b");
+    read("extrainput");
+    EXPECT_EQ(task.extraKeywords, "x\n$b");
+    EXPECT_THAT(warnings, ElementsAre("task 'a' heredoc %body block is missing terminator 'END'.",
+                                      "task 'a' heredoc %extrainput block is missing terminator 'END'."));
 }
 
 TEST(Keywords, TheLastOneCounts) {
