@@ -194,7 +194,8 @@ class MatrixExpansion {
             renameReferences(task, renames[item.file]);
         }
         for (auto& plot : task.plots) {
-            plot.ownerTask = plot.ownerTask.empty() ? "" : task.name;
+            plot.ownerTask = task.name;
+            plot.id = task.name + ":" + plot.name;
         }
         if (item.substitutes) { // the texts may be longer than those of the template
             text += textSize(task);
