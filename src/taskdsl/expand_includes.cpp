@@ -47,9 +47,8 @@ bool opensHeredoc(std::string_view value) noexcept {
 
 FragmentExpansionScope scopeOfDirective(std::string_view keyword, std::string_view value) noexcept {
     for (const auto& row : directiveScopes) {
-        if (row.keyword == keyword &&
-            (row.rule == ScopeRule::always || value.empty() ||
-             (row.rule == ScopeRule::emptyValueOrHeredoc && opensHeredoc(value)))) {
+        if (row.keyword == keyword && (row.rule == ScopeRule::always || value.empty() ||
+                                       (row.rule == ScopeRule::emptyValueOrHeredoc && opensHeredoc(value)))) {
             return row.scope;
         }
     }
@@ -250,7 +249,8 @@ class IncludePass {
                                   : "library imports are only allowed at file scope");
         }
         const bool atMargin = isDocument() && !indented;
-        if (atMargin && (include.kind == IncludeTarget::taskFile || include.kind == IncludeTarget::yamlFile)) {
+        if (atMargin &&
+            (include.kind == IncludeTarget::taskFile || include.kind == IncludeTarget::yamlFile)) {
             closeTask();
             keep(first);
         } else {
@@ -348,8 +348,8 @@ std::vector<SourceLine> instantiateFragment(const FragmentDefinition& definition
     }
     // A library is loaded once, so its path tells it apart; a standalone file may come by several paths.
     const auto& path = definition.path.str();
-    const IncludeChain::Entry entry(context.fragmentChain, library ? path + "::" + name : normalisedPath(path),
-                                    path + "::" + name);
+    const IncludeChain::Entry entry(context.fragmentChain,
+                                    library ? path + "::" + name : normalisedPath(path), path + "::" + name);
     const auto values = bindArguments(definition, include, includeLine);
 
     std::vector<SourceLine> lines;

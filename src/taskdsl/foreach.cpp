@@ -252,8 +252,8 @@ class ForeachPass {
         std::int64_t number = series.first;
         for (std::size_t index = 1; index <= count; ++index) {
             const auto text = std::to_string(number);
-            repeatFor(header.name, {{"index", std::to_string(index)}, {"series", text}, {"value", text}}, begin,
-                      end, depth);
+            repeatFor(header.name, {{"index", std::to_string(index)}, {"series", text}, {"value", text}},
+                      begin, end, depth);
             if (index < count) { // the last number may be the last of its type
                 number += series.first <= series.last ? 1 : -1;
             }

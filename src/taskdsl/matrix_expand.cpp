@@ -30,9 +30,9 @@ class Renames {
         }
     }
 
-    /// Renames the references of a condition. The pairs of a map are applied one after the other there, so the
-    /// new names first carry a mark that no task name begins with: `a` becomes `a__x_1` and stays so beside a
-    /// task `a__x_1` of its own.
+    /// Renames the references of a condition. The pairs of a map are applied one after the other there, so
+    /// the new names first carry a mark that no task name begins with: `a` becomes `a__x_1` and stays so
+    /// beside a task `a__x_1` of its own.
     void applyToCondition(std::string& text) const {
         std::string marked = rewriteWhenReferences(text, markedNames());
         text = marked == text ? std::move(marked) : rewriteWhenReferences(marked, unmarkedNames());
@@ -88,8 +88,9 @@ void renameReferences(TaskInfo& task, const Renames& renames) {
 
 /// The bytes of the long texts of a task: what makes variants large.
 std::size_t textSize(const TaskInfo& task) noexcept {
-    std::size_t size = task.name.size() + task.keywords.size() + task.args.size() + task.extraKeywords.size() +
-                       task.paramValues.size() + task.body.size() + task.orcaBlock.size();
+    std::size_t size = task.name.size() + task.keywords.size() + task.args.size() +
+                       task.extraKeywords.size() + task.paramValues.size() + task.body.size() +
+                       task.orcaBlock.size();
     for (const auto* list : {&task.preProcessCommands, &task.processCommands, &task.whenConditions}) {
         for (const auto& text : *list) {
             size += text.size();

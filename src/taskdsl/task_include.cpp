@@ -15,7 +15,8 @@ namespace {
 
 template <class T>
 void append(std::vector<T>& target, std::vector<T>& source) {
-    target.insert(target.end(), std::make_move_iterator(source.begin()), std::make_move_iterator(source.end()));
+    target.insert(target.end(), std::make_move_iterator(source.begin()),
+                  std::make_move_iterator(source.end()));
 }
 
 /// Header values that are no positive numbers were told with the file itself and count as absent behind it.

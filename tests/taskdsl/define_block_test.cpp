@@ -37,7 +37,8 @@ TEST(DefineBlock, EndsAtATaskHeaderATabAndTheEnd) {
 
 TEST(DefineBlock, ReadsWhatTheWriterQuotes) {
     std::size_t next = 0;
-    EXPECT_EQ(parseDefineBlock(splitLines(R"(  a: "x\t\"y\"\n\\")"), 0, next), (ValueMap{{"a", "x\t\"y\"\n\\"}}));
+    EXPECT_EQ(parseDefineBlock(splitLines(R"(  a: "x\t\"y\"\n\\")"), 0, next),
+              (ValueMap{{"a", "x\t\"y\"\n\\"}}));
 }
 
 TEST(ReservedKeys, AreTheNamesThemselvesAndWithDotsOrDigits) {
@@ -66,7 +67,9 @@ TEST(MergeDefines, OverridesOrKeeps) {
 
 TEST(MergeDefines, RefusesReservedKeys) {
     TaskDocument document;
-    EXPECT_EQ(messageOf([&] { mergeDefines(document, {{"charge2", "1"}}, false); }),
+    EXPECT_EQ(messageOf([&] {
+                  mergeDefines(document, {{"charge2", "1"}}, false);
+              }),
               "define key 'charge2' is reserved for runtime %source placeholders");
 }
 

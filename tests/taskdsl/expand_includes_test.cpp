@@ -55,12 +55,14 @@ constexpr const char* library = "&FRAGMENT process clean(what=tmp)\n"
                                 "@end\n";
 
 TEST_F(ExpandIncludes, AFileWithoutIncludesIsTakenAsItIs) {
-    const char* text = "# c\n$a\n%process\n a\n%body << E\n&INCLUDE x.mqlib\n E\n@plot p\n%x\n&INCLUDE y\n@end\n%\n";
+    const char* text =
+        "# c\n$a\n%process\n a\n%body << E\n&INCLUDE x.mqlib\n E\n@plot p\n%x\n&INCLUDE y\n@end\n%\n";
     EXPECT_EQ(expand(text), text);
 }
 
 TEST_F(ExpandIncludes, HeredocLinesAreText) {
-    const auto result = lines("$a\n%body << E\n&INCLUDE x\n$b\nE\n%keywords <<\n%c\nEOF\n%extrainputs << X\n\nX\n");
+    const auto result =
+        lines("$a\n%body << E\n&INCLUDE x\n$b\nE\n%keywords <<\n%c\nEOF\n%extrainputs << X\n\nX\n");
     std::string marks;
     for (const auto& line : result) {
         marks += line.verbatim ? 'v' : '-';
@@ -73,7 +75,8 @@ TEST_F(ExpandIncludes, HeredocLinesAreText) {
 
 TEST_F(ExpandIncludes, ImportsAddNoLinesAndReferencesTheirBodies) {
     (void)dir.write("l.mqlib", library);
-    const auto result = lines("&INCLUDE l.mqlib as lib\n$a\n%process\n  &INCLUDE lib.clean(what=scratch)\n  ls\n");
+    const auto result =
+        lines("&INCLUDE l.mqlib as lib\n$a\n%process\n  &INCLUDE lib.clean(what=scratch)\n  ls\n");
     EXPECT_EQ(textOf(result), "$a\n%process\n  rm scratch [other]\n  ls\n");
     EXPECT_EQ(result[2].originPath.str(), dir.path("l.mqlib"));
     EXPECT_EQ(result[2].lineNumber, 2U);
@@ -82,7 +85,8 @@ TEST_F(ExpandIncludes, ImportsAddNoLinesAndReferencesTheirBodies) {
 
 TEST_F(ExpandIncludes, ATaskBodyFragmentEndsWithABoundary) {
     (void)dir.write("l.mqlib", library);
-    const auto result = lines("&INCLUDE l.mqlib as lib\n$a\n&INCLUDE lib.opt(\n  method = B3LYP, # best\n  basis='TZP')\n text\n");
+    const auto result = lines(
+        "&INCLUDE l.mqlib as lib\n$a\n&INCLUDE lib.opt(\n  method = B3LYP, # best\n  basis='TZP')\n text\n");
     EXPECT_EQ(textOf(result), "$a\n  %keywords B3LYP/TZP\n  %process\n  rm TZP [other]\n\n text\n");
     ASSERT_EQ(result.size(), 6U);
     EXPECT_TRUE(result[4].directiveBoundary);
@@ -104,9 +108,11 @@ TEST_F(ExpandIncludes, ADocumentFragmentStandsAtFileScopeAndEndsTheTask) {
 TEST_F(ExpandIncludes, TextFragmentsAreVerbatim) {
     (void)dir.write("l.mqlib", library);
     (void)dir.write("raw.txt", "%raw\n&INCLUDE lib.note(n=2)\n@end\n");
-    const auto result = lines("&INCLUDE l.mqlib as lib\n$a\n%body\n  &INCLUDE lib.note\n &INCLUDE raw.txt\n x\n%process\n");
-    EXPECT_EQ(textOf(result), "$a\n%body\n# note 1\n%no directive\n$x\n@end\n%raw\n# note 2\n%no directive\n$x\n@end\n"
-                              "@end\n x\n%process\n");
+    const auto result =
+        lines("&INCLUDE l.mqlib as lib\n$a\n%body\n  &INCLUDE lib.note\n &INCLUDE raw.txt\n x\n%process\n");
+    EXPECT_EQ(textOf(result),
+              "$a\n%body\n# note 1\n%no directive\n$x\n@end\n%raw\n# note 2\n%no directive\n$x\n@end\n"
+              "@end\n x\n%process\n");
     std::string marks;
     for (const auto& line : result) {
         marks += line.verbatim ? 'v' : '-';
@@ -117,27 +123,44 @@ TEST_F(ExpandIncludes, TextFragmentsAreVerbatim) {
 TEST_F(ExpandIncludes, EachDirectiveOpensItsScope) {
     (void)dir.write("k.txt", "");
     const std::vector<std::pair<const char*, const char*>> rows{
-        {"%process", "process"},     {"%preprocess", "preprocess"}, {"%control", "control"},
-        {"%when", "when"},           {"%meta", "meta"},             {"%param", "param"},
-        {"%param x", "param"},       {"%args", "args"},             {"%batch 4", "batch"},
-        {"%mod", "mod"},             {"%mod charge 1", "task_body"}, {"%body", "text"},
-        {"%body x", "task_body"},    {"%extrainput", "text"},       {"%keywords", "text"},
-        {"%keywords x", "task_body"}, {"%source", "task_body"},     {"%program orca", "task_body"},
-        {"", "task_body"},           {"%body << E\nE", "text"},
+        {"%process", "process"},
+        {"%preprocess", "preprocess"},
+        {"%control", "control"},
+        {"%when", "when"},
+        {"%meta", "meta"},
+        {"%param", "param"},
+        {"%param x", "param"},
+        {"%args", "args"},
+        {"%batch 4", "batch"},
+        {"%mod", "mod"},
+        {"%mod charge 1", "task_body"},
+        {"%body", "text"},
+        {"%body x", "task_body"},
+        {"%extrainput", "text"},
+        {"%keywords", "text"},
+        {"%keywords x", "task_body"},
+        {"%source", "task_body"},
+        {"%program orca", "task_body"},
+        {"", "task_body"},
+        {"%body << E\nE", "text"},
     };
     // A document fragment fits none of them, so the message names the scope.
     (void)dir.write("l.mqlib", library);
     for (const auto& [directive, scope] : rows) {
-        EXPECT_THAT(fault(std::string("&INCLUDE l.mqlib as lib\n$a\n") + directive + "\n &INCLUDE lib.pair(name=p)\n"),
-                    HasSubstr(std::string("cannot include document fragment 'pair' in ") + scope + " context"));
+        EXPECT_THAT(
+            fault(std::string("&INCLUDE l.mqlib as lib\n$a\n") + directive +
+                  "\n &INCLUDE lib.pair(name=p)\n"),
+            HasSubstr(std::string("cannot include document fragment 'pair' in ") + scope + " context"));
     }
 }
 
 TEST_F(ExpandIncludes, CommandFragmentsFitBothCommandBlocks) {
     (void)dir.write("l.mqlib", library);
     (void)dir.write("p.mqfrag", "&FRAGMENT preprocess\n cp\n");
-    EXPECT_EQ(expand("&INCLUDE l.mqlib as lib\n$a\n%preprocess\n &INCLUDE lib.clean\n%process\n&INCLUDE p.mqfrag\n"),
-              "$a\n%preprocess\n  rm tmp [other]\n%process\n cp\n");
+    EXPECT_EQ(
+        expand(
+            "&INCLUDE l.mqlib as lib\n$a\n%preprocess\n &INCLUDE lib.clean\n%process\n&INCLUDE p.mqfrag\n"),
+        "$a\n%preprocess\n  rm tmp [other]\n%process\n cp\n");
     EXPECT_EQ(fault("&INCLUDE l.mqlib as lib\n$a\n%process\n &INCLUDE lib.big(cores=1)\n"),
               at(4) + "cannot include control fragment 'big' in process context");
 }
@@ -152,7 +175,8 @@ TEST_F(ExpandIncludes, TaskAndYamlFilesAtTheMarginStayAndEndTheTask) {
 }
 
 TEST_F(ExpandIncludes, ABlockEndsTheTask) {
-    EXPECT_EQ(fault("$a\n@plot x\n%y\n@end\n%process\n"), at(5) + "task directive appears outside a task block");
+    EXPECT_EQ(fault("$a\n@plot x\n%y\n@end\n%process\n"),
+              at(5) + "task directive appears outside a task block");
     EXPECT_EQ(fault("$a\n@derive x\n@end\n  &INCLUDE x.mqfrag\n"),
               "indented &INCLUDE outside a task has no context");
     EXPECT_EQ(expand("$a\n@derive x\n@end\n&INCLUDE x.mq\n"), "$a\n@derive x\n@end\n&INCLUDE x.mq\n");
@@ -162,9 +186,11 @@ TEST_F(ExpandIncludes, TellsWhatDoesNotFitItsPlace) {
     (void)dir.write("l.mqlib", library);
     (void)dir.write("m.mqlib", "");
     (void)dir.write("task.mqfrag", "%process\n$b\n");
-    (void)dir.write("deep.mqlib", "&FRAGMENT process a\n%control\n&FRAGMENT process b\n$x\n&FRAGMENT document c\n%control x\n"
-                                  "&FRAGMENT process d\n&INCLUDE none\n&FRAGMENT process e\n&INCLUDE q.r\n"
-                                  "&FRAGMENT document f\n&INCLUDE m.mqlib as m\n");
+    (void)dir.write(
+        "deep.mqlib",
+        "&FRAGMENT process a\n%control\n&FRAGMENT process b\n$x\n&FRAGMENT document c\n%control x\n"
+        "&FRAGMENT process d\n&INCLUDE none\n&FRAGMENT process e\n&INCLUDE q.r\n"
+        "&FRAGMENT document f\n&INCLUDE m.mqlib as m\n");
     const std::string import = "&INCLUDE l.mqlib as lib\n&INCLUDE deep.mqlib as deep\n";
     const std::vector<std::pair<std::string, std::string>> rows{
         {"%control\n", at(1) + "task directive appears outside a task block"},
@@ -198,9 +224,11 @@ TEST_F(ExpandIncludes, TellsWhatDoesNotFitItsPlace) {
          at(8, "deep.mqlib") + "current library has no fragment named 'none'"},
         {import + "$a\n%process\n &INCLUDE deep.e\n",
          at(10, "deep.mqlib") + "unknown fragment library namespace 'q'"},
-        {import + "&INCLUDE deep.f\n", at(12, "deep.mqlib") + "library imports are only allowed at file scope"},
+        {import + "&INCLUDE deep.f\n",
+         at(12, "deep.mqlib") + "library imports are only allowed at file scope"},
         {import + "$a\n &INCLUDE lib.opt\n", at(4) + "missing required argument 'method' for fragment 'opt'"},
-        {import + "$a\n &INCLUDE lib.opt(methods=1)\n", at(4) + "unknown argument 'methods' for fragment 'opt'"},
+        {import + "$a\n &INCLUDE lib.opt(methods=1)\n",
+         at(4) + "unknown argument 'methods' for fragment 'opt'"},
         {import + "$a\n &INCLUDE \n", "empty &INCLUDE target"},
     };
     for (const auto& [text, message] : rows) {
@@ -221,22 +249,23 @@ TEST_F(ExpandIncludes, StandaloneFragmentsAreReadFromWhereTheLineStands) {
 
 TEST_F(ExpandIncludes, CyclesTellTheWholeChain) {
     const auto path = dir.write("l.mqlib", "&INCLUDE m.mqlib as m\n&FRAGMENT process a\n&INCLUDE m.b\n");
-    const auto other = dir.write("m.mqlib", "&FRAGMENT process b\n &INCLUDE self.c\n&FRAGMENT process c\n &INCLUDE b\n");
+    const auto other =
+        dir.write("m.mqlib", "&FRAGMENT process b\n &INCLUDE self.c\n&FRAGMENT process c\n &INCLUDE b\n");
     EXPECT_EQ(fault("&INCLUDE l.mqlib as l\n$a\n%process\n &INCLUDE l.a\n"),
-              "fragment include cycle detected: " + path + "::a -> " + other + "::b -> " + other + "::c -> " + other +
-                  "::b");
+              "fragment include cycle detected: " + path + "::a -> " + other + "::b -> " + other + "::c -> " +
+                  other + "::b");
     const auto file = dir.write("f.mqfrag", "&INCLUDE d/g.mqfrag\n");
     std::filesystem::create_directory_symlink(".", dir.path("d"));
     std::filesystem::create_symlink("f.mqfrag", dir.path("g.mqfrag"));
-    EXPECT_EQ(fault("$a\n&INCLUDE f.mqfrag\n"),
-              "fragment include cycle detected: " + file + "::f.mqfrag -> " + dir.path("d/g.mqfrag") + "::g.mqfrag");
+    EXPECT_EQ(fault("$a\n&INCLUDE f.mqfrag\n"), "fragment include cycle detected: " + file +
+                                                    "::f.mqfrag -> " + dir.path("d/g.mqfrag") + "::g.mqfrag");
 }
 
 TEST_F(ExpandIncludes, ALinkWithTheSameNameIsTheSameFile) {
     const auto file = dir.write("f.mqfrag", "&INCLUDE d/f.mqfrag\n");
     std::filesystem::create_directory_symlink(".", dir.path("d"));
-    EXPECT_EQ(fault("$a\n&INCLUDE f.mqfrag\n"),
-              "fragment include cycle detected: " + file + "::f.mqfrag -> " + dir.path("d/f.mqfrag") + "::f.mqfrag");
+    EXPECT_EQ(fault("$a\n&INCLUDE f.mqfrag\n"), "fragment include cycle detected: " + file +
+                                                    "::f.mqfrag -> " + dir.path("d/f.mqfrag") + "::f.mqfrag");
 }
 
 TEST_F(ExpandIncludes, DoublingAndDeepFragmentsEnd) {
@@ -245,7 +274,8 @@ TEST_F(ExpandIncludes, DoublingAndDeepFragmentsEnd) {
     for (int i = 1; i < 300; ++i) {
         const auto before = std::to_string(i - 1);
         if (i < 60) {
-            text += "&FRAGMENT process f" + std::to_string(i) + "\n&INCLUDE f" + before + "\n&INCLUDE f" + before + "\n";
+            text += "&FRAGMENT process f" + std::to_string(i) + "\n&INCLUDE f" + before + "\n&INCLUDE f" +
+                    before + "\n";
         }
         deep += "&FRAGMENT process g" + std::to_string(i) + "\n&INCLUDE g" + before + "\n";
     }

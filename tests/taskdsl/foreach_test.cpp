@@ -8,8 +8,9 @@
 namespace morquill::taskdsl {
 namespace {
 
-const Collections molecules{{"mols", {{{"index", "1"}, {"name", "water"}}, {{"index", "2"}, {"name", "oh"}, {"q", "-1"}}}},
-                            {"none", {}}};
+const Collections molecules{
+    {"mols", {{{"index", "1"}, {"name", "water"}}, {{"index", "2"}, {"name", "oh"}, {"q", "-1"}}}},
+    {"none", {}}};
 
 std::string expand(std::string_view text, const ValueMap& values = {}) {
     return textOf(expandForeach(linesOf(text), molecules, values));
@@ -31,8 +32,9 @@ TEST(ForeachHeaders, TwoFormsAreValid) {
 }
 
 TEST(ForeachHeaders, AnythingElseIsNot) {
-    for (const char* text : {"@foreach", "@foreach ", "@foreach?", "@foreachx", "@foreach 1x", "@foreach x in",
-                             "@foreach x y", "@foreach x,y", "@foreach x infinity", "@foreach ?x", "foreach x"}) {
+    for (const char* text :
+         {"@foreach", "@foreach ", "@foreach?", "@foreachx", "@foreach 1x", "@foreach x in", "@foreach x y",
+          "@foreach x,y", "@foreach x infinity", "@foreach ?x", "foreach x"}) {
         EXPECT_FALSE(parseForeachHeader(text).valid) << text;
     }
 }
@@ -44,30 +46,36 @@ TEST(Foreach, RepeatsItsLinesForEveryItem) {
 }
 
 TEST(Foreach, SeriesRunInBothDirections) {
-    EXPECT_EQ(expand("@foreach i in series(3-1)\n[i.index]:[i.value]:[i.series]\n@end\n"), "1:3:3\n2:2:2\n3:1:1\n");
+    EXPECT_EQ(expand("@foreach i in series(3-1)\n[i.index]:[i.value]:[i.series]\n@end\n"),
+              "1:3:3\n2:2:2\n3:1:1\n");
     EXPECT_EQ(expand("@foreach i in series( -2 - -1 )\n[i.value]\n@end\n"), "-2\n-1\n");
     EXPECT_EQ(expand("@foreach i in series(-2--1)\n[i.value]\n@end\n"), "-2\n-1\n");
     EXPECT_EQ(expand("@foreach i in series(5-5)\n[i.value]\n@end\n"), "5\n");
-    EXPECT_EQ(expand("@foreach i in series(9223372036854775806-9223372036854775807)\n[i.index]\n@end\n"), "1\n2\n");
+    EXPECT_EQ(expand("@foreach i in series(9223372036854775806-9223372036854775807)\n[i.index]\n@end\n"),
+              "1\n2\n");
     EXPECT_EQ(expand("@foreach i in series(-9223372036854775808--9223372036854775808)\n[i.value]\n@end\n"),
               "-9223372036854775808\n");
 }
 
 TEST(Foreach, LoopsNestAndInnerNamesCoverOuterOnes) {
-    EXPECT_EQ(expand("@foreach i in series(1-2)\n@foreach j in series(3-4)\n[i.value][j.value]\n@end\n[j.value]\n@end\n"),
+    EXPECT_EQ(expand("@foreach i in series(1-2)\n@foreach j in "
+                     "series(3-4)\n[i.value][j.value]\n@end\n[j.value]\n@end\n"),
               "13\n14\n[j.value]\n23\n24\n[j.value]\n");
-    EXPECT_EQ(expand("@foreach i in series(1-1)\n@foreach i in series(7-7)\n[i.value]\n@end\n[i.value]\n@end\n"),
-              "7\n1\n");
+    EXPECT_EQ(
+        expand("@foreach i in series(1-1)\n@foreach i in series(7-7)\n[i.value]\n@end\n[i.value]\n@end\n"),
+        "7\n1\n");
 }
 
 TEST(Foreach, HeadersInsideALoopAreNotSubstituted) {
-    EXPECT_EQ(messageOf([] { (void)expand("@foreach mols\n@foreach i in series(1-[mols.index])\n@end\n@end\n"); }),
-              "unsupported @foreach source expression 'series(1-[mols.index])'");
+    EXPECT_EQ(
+        messageOf([] { (void)expand("@foreach mols\n@foreach i in series(1-[mols.index])\n@end\n@end\n"); }),
+        "unsupported @foreach source expression 'series(1-[mols.index])'");
 }
 
 TEST(Foreach, AMissingCollectionIsAnErrorUnlessOptional) {
     EXPECT_EQ(expand("a\n@foreach? missing\nx\n@foreach y\n@end\n@end\nb\n"), "a\nb\n");
-    EXPECT_EQ(messageOf([] { (void)expand("@foreach missing\n@end\n"); }), "undefined @foreach collection 'missing'");
+    EXPECT_EQ(messageOf([] { (void)expand("@foreach missing\n@end\n"); }),
+              "undefined @foreach collection 'missing'");
 }
 
 TEST(Foreach, PlotAndDeriveBlocksAreCopiedThroughTheirEnd) {
@@ -134,7 +142,8 @@ TEST(Foreach, DeepNestingIsAnErrorAndThousandsOfBlocksStayLinear) {
     for (int i = 0; i < 20'000; ++i) {
         ends += "@end\n";
     }
-    EXPECT_EQ(messageOf([&] { (void)expand(nested + ends); }), "@foreach blocks are nested more than 1000 deep");
+    EXPECT_EQ(messageOf([&] { (void)expand(nested + ends); }),
+              "@foreach blocks are nested more than 1000 deep");
     EXPECT_EQ(messageOf([&] { (void)expand(nested); }),
               "unterminated @foreach block for collection 'i in series(1-1)'");
     EXPECT_EQ(expand(rows).size(), 40'000U);

@@ -54,9 +54,11 @@ TEST(IncludePath, AngleNamesAreLookedForInTheLibraryPath) {
     (void)dir.write("two/b.mqlib", "");
     (void)dir.write("one/b.mqlib/file", "");
     const Environment home("HOME", dir.path("home"));
-    const Environment path("MORQUILL_MQLIB_PATH", ":" + dir.path("none") + ": " + dir.path("one") + " :" + dir.path("two/../two"));
+    const Environment path("MORQUILL_MQLIB_PATH",
+                           ":" + dir.path("none") + ": " + dir.path("one") + " :" + dir.path("two/../two"));
     EXPECT_EQ(resolveIncludePath("<a.mqlib>", "/x/y.mq"), dir.path("one/a.mqlib"));
-    EXPECT_EQ(resolveIncludePath("<b.mqlib>", "/x/y.mq"), dir.path("two/b.mqlib")); // a directory is no library
+    EXPECT_EQ(resolveIncludePath("<b.mqlib>", "/x/y.mq"),
+              dir.path("two/b.mqlib")); // a directory is no library
     EXPECT_EQ(resolveIncludePath("<c.mqlib>", "/x/y.mq"), "/x/c.mqlib");
     EXPECT_EQ(resolveIncludePath("</c.mqlib>", "/x/y.mq"), "/c.mqlib");
     EXPECT_EQ(resolveIncludePath("<~/c.mqlib>", "/x/y.mq"), dir.path("home/c.mqlib"));
@@ -111,7 +113,8 @@ TEST(LoadLibrary, TellsWhatIsNoLibrary) {
         {"x\n", path + ":1: expected &FRAGMENT declaration"},
         {"\n&INCLUDE a.mqlib\n",
          path + ":2: library dependencies must use '&INCLUDE \"file.mqlib\" as namespace'"},
-        {"&INCLUDE a.mq\n", path + ":1: library dependencies must use '&INCLUDE \"file.mqlib\" as namespace'"},
+        {"&INCLUDE a.mq\n",
+         path + ":1: library dependencies must use '&INCLUDE \"file.mqlib\" as namespace'"},
         {"&INCLUDE e.mqlib as a\n&INCLUDE e.mqlib as a\n", path + ":2: duplicate library namespace 'a'"},
         {"&FRAGMENT text a\n&FRAGMENT control a\n", "duplicate fragment name 'a'"},
         {"&FRAGMENT text\n", "library fragments must have a name"},
@@ -122,7 +125,8 @@ TEST(LoadLibrary, TellsWhatIsNoLibrary) {
     for (const auto& [text, message] : rows) {
         (void)dir.write("l.mqlib", text);
         ParseContext context(noWarnings);
-        EXPECT_EQ(messageOf([&] { (void)loadLibrary("l.mqlib", dir.path("t.mq"), context); }), message) << text;
+        EXPECT_EQ(messageOf([&] { (void)loadLibrary("l.mqlib", dir.path("t.mq"), context); }), message)
+            << text;
     }
     ParseContext context(noWarnings);
     EXPECT_EQ(messageOf([&] { (void)loadLibrary("", path, context); }), "empty fragment library path");
@@ -144,7 +148,8 @@ TEST(LoadLibrary, ASymbolicLinkDoesNotHideACycle) {
 TEST(LoadLibrary, DeepChainsEnd) {
     const TemporaryDirectory dir;
     for (int i = 0; i < 300; ++i) {
-        (void)dir.write("l" + std::to_string(i) + ".mqlib", "&INCLUDE l" + std::to_string(i + 1) + ".mqlib as n\n");
+        (void)dir.write("l" + std::to_string(i) + ".mqlib",
+                        "&INCLUDE l" + std::to_string(i + 1) + ".mqlib as n\n");
     }
     ParseContext context(noWarnings);
     EXPECT_EQ(messageOf([&] { (void)loadLibrary("l0.mqlib", dir.path("t.mq"), context); }),
@@ -200,15 +205,17 @@ TEST(LoadFragmentFile, TellsWhatCannotBeLoaded) {
     const TemporaryDirectory dir;
     ParseContext context(noWarnings);
     const auto load = [&](const std::string& name) {
-        return messageOf([&] { (void)loadFragmentFile(name, dir.path("t.mq"), FragmentKind::task_body, context); });
+        return messageOf(
+            [&] { (void)loadFragmentFile(name, dir.path("t.mq"), FragmentKind::task_body, context); });
     };
     EXPECT_EQ(load(""), "empty fragment include path");
     EXPECT_EQ(load("none.inp"), "included fragment file not found: " + dir.path("none.inp"));
     std::filesystem::create_directory(dir.path("d.inp"));
     EXPECT_EQ(load("d.inp"), "included fragment file not found: " + dir.path("d.inp"));
     const auto two = dir.write("two.mqfrag", "&FRAGMENT control\na\n&FRAGMENT text b\n");
-    EXPECT_EQ(load("two.mqfrag"), two + ":3: standalone fragment files may contain only one &FRAGMENT; use a .mqlib "
-                                        "for named libraries");
+    EXPECT_EQ(load("two.mqfrag"),
+              two + ":3: standalone fragment files may contain only one &FRAGMENT; use a .mqlib "
+                    "for named libraries");
     (void)dir.write("bad.mqfrag", "&FRAGMENT foo\n");
     EXPECT_EQ(load("bad.mqfrag"), "unknown fragment kind 'foo'");
 }

@@ -17,12 +17,18 @@ FragmentDefinition readHeader(std::string_view text, bool nameRequired = true) {
 
 TEST(FragmentKinds, HaveTheirSpellings) {
     const std::vector<std::pair<const char*, const char*>> rows{
-        {"document", "document"}, {"doc", "document"},       {"task", "task_body"},    {" Task-Body ", "task_body"},
-        {"taskbody", "task_body"}, {"process", "process"},   {"command", "process"},   {"commands", "process"},
-        {"cmd", "process"},       {"preprocess", "preprocess"}, {"control", "control"}, {"mod", "mod"},
-        {"when", "when"},         {"meta", "meta"},          {"param", "param"},       {"args", "args"},
-        {"batch", "batch"},       {"text", "text"},          {"BODY", "text"},         {"extrainput", "text"},
-        {"unknown", "unknown"},   {"", "unknown"},           {"keywords", "unknown"},
+        {"document", "document"},  {"doc", "document"},
+        {"task", "task_body"},     {" Task-Body ", "task_body"},
+        {"taskbody", "task_body"}, {"process", "process"},
+        {"command", "process"},    {"commands", "process"},
+        {"cmd", "process"},        {"preprocess", "preprocess"},
+        {"control", "control"},    {"mod", "mod"},
+        {"when", "when"},          {"meta", "meta"},
+        {"param", "param"},        {"args", "args"},
+        {"batch", "batch"},        {"text", "text"},
+        {"BODY", "text"},          {"extrainput", "text"},
+        {"unknown", "unknown"},    {"", "unknown"},
+        {"keywords", "unknown"},
     };
     for (const auto& [spelling, name] : rows) {
         EXPECT_EQ(fragmentKindName(parseFragmentKind(spelling)), name) << spelling;
@@ -43,7 +49,8 @@ TEST(FragmentKinds, FitTheirOwnScopeAndCommandsFitEachOther) {
 
 TEST(FragmentHeader, ReadsKindNameAndParameters) {
     std::size_t index = 1;
-    const auto lines = linesOf("x\n  &FRAGMENT Task-body opt(method, # required\n   basis = 'a,b',\n extra=)\ny\n", "l.mqlib");
+    const auto lines = linesOf(
+        "x\n  &FRAGMENT Task-body opt(method, # required\n   basis = 'a,b',\n extra=)\ny\n", "l.mqlib");
     const auto fragment = parseFragmentHeader(lines, index, "l.mqlib", true);
     EXPECT_EQ(index, 3U);
     EXPECT_EQ(fragment.kind, FragmentKind::task_body);
@@ -86,11 +93,13 @@ TEST(FragmentHeader, TellsWhatDoesNotFollowTheForm) {
 
 ValueMap bindOf(std::string_view header, std::string_view arguments) {
     const SourceLine line{"", "t.mq", 7};
-    return bindArguments(readHeader(header), parseIncludeLine("&INCLUDE x.y(" + std::string(arguments) + ")"), line);
+    return bindArguments(readHeader(header), parseIncludeLine("&INCLUDE x.y(" + std::string(arguments) + ")"),
+                         line);
 }
 
 TEST(FragmentArguments, TakeTheArgumentOrTheDefault) {
-    EXPECT_EQ(bindOf("&FRAGMENT text f(a, b=2, c='x y')", "a=1, c=3"), (ValueMap{{"a", "1"}, {"b", "2"}, {"c", "3"}}));
+    EXPECT_EQ(bindOf("&FRAGMENT text f(a, b=2, c='x y')", "a=1, c=3"),
+              (ValueMap{{"a", "1"}, {"b", "2"}, {"c", "3"}}));
 }
 
 TEST(FragmentArguments, ReferToOneAnother) {
@@ -103,7 +112,8 @@ TEST(FragmentArguments, TellUnknownMissingAndCircularOnes) {
     const std::vector<std::tuple<const char*, const char*, const char*>> rows{
         {"&FRAGMENT text f(a)", "b=1", "t.mq:7: unknown argument 'b' for fragment 'f'"},
         {"&FRAGMENT text f(a)", "", "t.mq:7: missing required argument 'a' for fragment 'f'"},
-        {"&FRAGMENT text f(a=[b], b=[a])", "", "t.mq:7: fragment parameter reference cycle in 'f': a -> b -> a"},
+        {"&FRAGMENT text f(a=[b], b=[a])", "",
+         "t.mq:7: fragment parameter reference cycle in 'f': a -> b -> a"},
         {"&FRAGMENT text f(x=[a], a=[b], b=[c], c=[b])", "",
          "t.mq:7: fragment parameter reference cycle in 'f': b -> c -> b"},
         {"&FRAGMENT text f(a)", "a=[a]", "t.mq:7: fragment parameter reference cycle in 'f': a -> a"},

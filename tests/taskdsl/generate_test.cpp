@@ -35,10 +35,23 @@ ParsedText parseFile(const std::string& path, const ValueMap& defines = {}) {
 
 TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
     TaskInfo task("[k]");
-    const std::vector<std::string*> fields{
-        &task.guessSourceTask, &task.guessConverter, &task.gaussianGeomControl, &task.finalGeom, &task.gpuType,
-        &task.strucId, &task.templateTaskName, &task.interfaceProvider, &task.keywords, &task.args, &task.extraKeywords,
-        &task.templateName, &task.paramValues, &task.runner, &task.body, &task.orcaBlock, &task.source};
+    const std::vector<std::string*> fields{&task.guessSourceTask,
+                                           &task.guessConverter,
+                                           &task.gaussianGeomControl,
+                                           &task.finalGeom,
+                                           &task.gpuType,
+                                           &task.strucId,
+                                           &task.templateTaskName,
+                                           &task.interfaceProvider,
+                                           &task.keywords,
+                                           &task.args,
+                                           &task.extraKeywords,
+                                           &task.templateName,
+                                           &task.paramValues,
+                                           &task.runner,
+                                           &task.body,
+                                           &task.orcaBlock,
+                                           &task.source};
     for (auto* field : fields) {
         *field = "a [k] [x]";
     }
@@ -85,9 +98,11 @@ TEST(Substitution, KeepsTheShapeOfASource) {
 TEST(Substitution, WhatCannotBeReadAfterwardsIsAFault) {
     EXPECT_EQ(faultOf("define:\n  n: x\n$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
               "structured %source frame selector must be a positive integer");
-    EXPECT_EQ(faultOf("$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
-              "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
-    EXPECT_EQ(faultOf("define:\n  r: foo\n$a\n%mod basisset SVP role=[r]\n"), "unsupported %mod basisset role='foo'");
+    EXPECT_EQ(
+        faultOf("$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
+        "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
+    EXPECT_EQ(faultOf("define:\n  r: foo\n$a\n%mod basisset SVP role=[r]\n"),
+              "unsupported %mod basisset role='foo'");
 }
 
 TEST(Defines, CallersLoseToTheFileAndTheFileKeepsItsText) {
@@ -97,17 +112,23 @@ TEST(Defines, CallersLoseToTheFileAndTheFileKeepsItsText) {
     EXPECT_EQ(parsed.document.tasks[0].name, "caller_file");
     EXPECT_EQ(parsed.document.tasks[0].keywords, "file caller [c]");
     EXPECT_EQ(parsed.document.templateTasks[0].keywords, "[a] [b] [c]");
-    EXPECT_EQ(messageOf([] { (void)parse("", false, "t.mq", {{"spin", "1"}}); }),
+    EXPECT_EQ(messageOf([] {
+                  (void)parse("", false, "t.mq", {{"spin", "1"}});
+              }),
               "define key 'spin' is reserved for runtime %source placeholders");
-    EXPECT_EQ(faultOf("define:\n  uhf.x: 1\n"), "define key 'uhf.x' is reserved for runtime %source placeholders");
-    EXPECT_EQ(faultOf("matrix:\n  charge: 0, 1\n"), "matrix axis 'charge' is reserved for runtime %source placeholders");
+    EXPECT_EQ(faultOf("define:\n  uhf.x: 1\n"),
+              "define key 'uhf.x' is reserved for runtime %source placeholders");
+    EXPECT_EQ(faultOf("matrix:\n  charge: 0, 1\n"),
+              "matrix axis 'charge' is reserved for runtime %source placeholders");
 }
 
 TEST(Matrix, MakesVariantsCombinationByCombination) {
-    const auto parsed = parse("define:\n  a: define\n  k: kept\nmatrix:\n  a: 1,2\n  b: x,y\n$opt\n%keywords [a][b][k]\n$freq\n");
+    const auto parsed = parse(
+        "define:\n  a: define\n  k: kept\nmatrix:\n  a: 1,2\n  b: x,y\n$opt\n%keywords [a][b][k]\n$freq\n");
     const auto& tasks = parsed.document.tasks;
-    EXPECT_THAT(namesOf(tasks), ElementsAre("opt__a_1__b_x", "freq__a_1__b_x", "opt__a_1__b_y", "freq__a_1__b_y",
-                                            "opt__a_2__b_x", "freq__a_2__b_x", "opt__a_2__b_y", "freq__a_2__b_y"));
+    EXPECT_THAT(namesOf(tasks),
+                ElementsAre("opt__a_1__b_x", "freq__a_1__b_x", "opt__a_1__b_y", "freq__a_1__b_y",
+                            "opt__a_2__b_x", "freq__a_2__b_x", "opt__a_2__b_y", "freq__a_2__b_y"));
     EXPECT_EQ(tasks[2].keywords, "1ykept");
     EXPECT_EQ(tasks[2].templateTaskName, "opt");
     EXPECT_EQ(tasks[2].matrixVariantKey, "a_1__b_y");
@@ -126,9 +147,10 @@ TEST(Matrix, OneCombinationKeepsTheNames) {
 }
 
 TEST(Matrix, ReferencesFollowTheNames) {
-    const auto parsed = parse("matrix:\n  a: 1,2\n$opt\n$sp_[a]\n%source\n geom opt\n aux.d opt\n aux.o origin\n"
-                              "$last\n%source sp_[a]\n%control\n guess opt\n%interface consume opt\n%when\n"
-                              " completed opt and completed other\n {{ sp_[a].energy }} < {{opt.e}}\n");
+    const auto parsed =
+        parse("matrix:\n  a: 1,2\n$opt\n$sp_[a]\n%source\n geom opt\n aux.d opt\n aux.o origin\n"
+              "$last\n%source sp_[a]\n%control\n guess opt\n%interface consume opt\n%when\n"
+              " completed opt and completed other\n {{ sp_[a].energy }} < {{opt.e}}\n");
     ASSERT_EQ(parsed.document.tasks.size(), 6U);
     const auto& sp = parsed.document.tasks[4];
     EXPECT_EQ(sp.name, "sp_2__a_2");
@@ -143,7 +165,8 @@ TEST(Matrix, ReferencesFollowTheNames) {
 }
 
 TEST(Matrix, ANameMadeByTheMatrixIsNotRenamedAgain) {
-    const auto parsed = parse("matrix:\n  a: 1,2\n$t\n$t__a_1\n$u\n%source t\n%when completed t and completed t__a_1\n");
+    const auto parsed =
+        parse("matrix:\n  a: 1,2\n$t\n$t__a_1\n$u\n%source t\n%when completed t and completed t__a_1\n");
     const auto& task = parsed.document.tasks[2];
     EXPECT_EQ(task.source, "t__a_1");
     EXPECT_THAT(task.whenConditions, ElementsAre("completed t__a_1 and completed t__a_1__a_1"));
@@ -154,14 +177,15 @@ TEST(Matrix, ReferencesStayInTheirFile) {
     (void)dir.write("b.mq", "$shared\n$user\n%source shared\n");
     const auto path = dir.write("a.mq", "matrix:\n  a: 1,2\n$shared\n%source user\n&INCLUDE b.mq\n");
     const auto parsed = parseFile(path);
-    EXPECT_THAT(namesOf(parsed.document.tasks), ElementsAre("shared__a_1", "shared__a_1", "user__a_1", "shared__a_2",
-                                                            "shared__a_2", "user__a_2"));
+    EXPECT_THAT(namesOf(parsed.document.tasks), ElementsAre("shared__a_1", "shared__a_1", "user__a_1",
+                                                            "shared__a_2", "shared__a_2", "user__a_2"));
     EXPECT_EQ(parsed.document.tasks[0].source, "user"); // a task of another file
     EXPECT_EQ(parsed.document.tasks[2].source, "shared__a_1");
 }
 
 TEST(Matrix, CollidingSuffixesAndFaultsOfTheAxesEndTheParse) {
-    EXPECT_EQ(faultOf("matrix:\n  a: x y, x_y\n$t\n"), "matrix variant suffix collision detected for 'a_x_y'");
+    EXPECT_EQ(faultOf("matrix:\n  a: x y, x_y\n$t\n"),
+              "matrix variant suffix collision detected for 'a_x_y'");
     EXPECT_EQ(faultOf("matrix:\n  - a: 1\n    map: b\n$t\n"), "matrix axis 'a' maps to unknown axis 'b'");
     EXPECT_EQ(faultOf("matrix:\n  : 1\n$t\n"), "matrix axis key cannot be empty");
     EXPECT_THAT(parse("matrix:\n  - a: 1\n    map: b\n").document.tasks, IsEmpty()); // no task, no check
@@ -184,8 +208,9 @@ TEST(Matrix, GrowthWithoutReasonIsAnError) {
 }
 
 TEST(Foreach, MakesTasksOfTheItemsOfAPrelude) {
-    const auto parsed = parse("define:\n  k: v\nmols:\n  - name: water\n  - name: oh\n@foreach mols\n$sp_[mols.name]\n"
-                              "%keywords [mols.index] [k]\n@end\n");
+    const auto parsed =
+        parse("define:\n  k: v\nmols:\n  - name: water\n  - name: oh\n@foreach mols\n$sp_[mols.name]\n"
+              "%keywords [mols.index] [k]\n@end\n");
     EXPECT_THAT(namesOf(parsed.document.templateTasks), ElementsAre("sp_water", "sp_oh"));
     EXPECT_EQ(parsed.document.templateTasks[1].keywords, "2 [k]");
     EXPECT_EQ(parsed.document.tasks[1].keywords, "2 v");
@@ -193,10 +218,12 @@ TEST(Foreach, MakesTasksOfTheItemsOfAPrelude) {
 
 TEST(TaskInclude, AppendsWhatTheFileHolds) {
     const TemporaryDirectory dir;
-    const auto inner = dir.write("sub/b.mq", "x: inner\ny: inner\ndefine:\n  d: inner\nmatrix:\n  m: 1,2\n$b\n"
-                                             "%keywords [d] [outer] [m]\n@plot p\n@end\n@derive q\n@end\n&INCLUDE c.mq\n");
+    const auto inner =
+        dir.write("sub/b.mq", "x: inner\ny: inner\ndefine:\n  d: inner\nmatrix:\n  m: 1,2\n$b\n"
+                              "%keywords [d] [outer] [m]\n@plot p\n@end\n@derive q\n@end\n&INCLUDE c.mq\n");
     const auto innermost = dir.write("sub/c.mq", "$c\n%keywords [d]\n");
-    const auto path = dir.write("a.mq", "x: outer\ndefine:\n  outer: o\n$a\n%keywords [d]\n&INCLUDE sub/b.mq\n$z\n");
+    const auto path =
+        dir.write("a.mq", "x: outer\ndefine:\n  outer: o\n$a\n%keywords [d]\n&INCLUDE sub/b.mq\n$z\n");
     const auto parsed = parseFile(path);
     const auto& document = parsed.document;
     EXPECT_THAT(namesOf(document.tasks), ElementsAre("a", "b__m_1", "c__m_1", "b__m_2", "c__m_2", "z"));
@@ -237,15 +264,17 @@ TEST(TaskInclude, CyclesTellTheWholeChain) {
 
 TEST(TaskInclude, AFileIsFinishedOnceAndWarnsOnce) {
     const TemporaryDirectory dir;
-    (void)dir.write("b.mq", "totcore: 0\n$b\n%program xtb\n%keywords x\n%when completed allothers\n$c\n%when completed allothers\n");
+    (void)dir.write("b.mq", "totcore: 0\n$b\n%program xtb\n%keywords x\n%when completed allothers\n$c\n%when "
+                            "completed allothers\n");
     const auto path = dir.write("a.mq", "totmem: 5\n$a\n&INCLUDE b.mq\n");
     const auto parsed = parseFile(path);
-    EXPECT_THAT(parsed.warnings,
-                ElementsAre("task 'b' uses deprecated '%keywords' syntax for '%program xtb'; move command-line arguments to "
-                            "'%args'.",
-                            "task file '" + dir.path("b.mq") + "' has invalid header metadata totcore='0'; ignoring it.",
-                            "potential deadlock: multiple tasks in '" + path +
-                                "' use '%when completed allothers': b, c"));
+    EXPECT_THAT(
+        parsed.warnings,
+        ElementsAre(
+            "task 'b' uses deprecated '%keywords' syntax for '%program xtb'; move command-line arguments to "
+            "'%args'.",
+            "task file '" + dir.path("b.mq") + "' has invalid header metadata totcore='0'; ignoring it.",
+            "potential deadlock: multiple tasks in '" + path + "' use '%when completed allothers': b, c"));
 }
 
 TEST(TaskInclude, HeaderValuesOfAnIncludedFileServeTheWholeDocument) {
@@ -267,13 +296,17 @@ TEST(TaskInclude, DoublingFilesEnd) {
 
 TEST(ExtraFiles, StandBeforeTheFile) {
     const TemporaryDirectory dir;
-    const auto yaml = dir.write("extra.yaml", "x: extra\ny: extra\nc: [extra]\nd: [1, 2]\ndefine:\n  k: extra\n  l: extra\n  m: extra\n"
-                                              "matrix:\n  a: 1,2\n");
+    const auto yaml =
+        dir.write("extra.yaml",
+                  "x: extra\ny: extra\nc: [extra]\nd: [1, 2]\ndefine:\n  k: extra\n  l: extra\n  m: extra\n"
+                  "matrix:\n  a: 1,2\n");
     const auto task = dir.write("extra.mq", "$extra\n%keywords [k]\n");
-    const auto path = dir.write("t.mq", "x: file\nc: [file]\ndefine:\n  k: file\n$t\n%keywords [k] [l] [m] [a]\n"
-                                        "@foreach c\n$[c.value]\n@end\n@foreach d\n$d[d.value]\n@end\n");
+    const auto path =
+        dir.write("t.mq", "x: file\nc: [file]\ndefine:\n  k: file\n$t\n%keywords [k] [l] [m] [a]\n"
+                          "@foreach c\n$[c.value]\n@end\n@foreach d\n$d[d.value]\n@end\n");
     const auto parsed = parseFile(path, {{"l", "caller"}});
-    EXPECT_THAT(namesOf(parsed.document.templateTasks), ElementsAre("extra__a_1", "extra__a_2", "t", "file", "d1", "d2"));
+    EXPECT_THAT(namesOf(parsed.document.templateTasks),
+                ElementsAre("extra__a_1", "extra__a_2", "t", "file", "d1", "d2"));
     EXPECT_EQ(parsed.document.settings, (ValueMap{{"x", "file"}, {"y", "extra"}}));
     EXPECT_EQ(parsed.document.defines, (ValueMap{{"k", "file"}, {"l", "caller"}, {"m", "extra"}}));
     EXPECT_EQ(parsed.document.tasks[0].keywords, "file");
@@ -307,7 +340,8 @@ TEST(Parser, TellsTheLibrariesThatAFileImports) {
     const TemporaryDirectory dir;
     const auto one = dir.write("one.mqlib", "&FRAGMENT task opt\n%keywords k\n%process\n");
     const auto two = dir.write("two.mqlib", "");
-    const auto path = dir.write("t.mq", "a: 1\n&INCLUDE one.mqlib as one\n$t\n&INCLUDE one.opt\nfree text\n&INCLUDE t2.mq\n&INCLUDE two.mqlib as two\n");
+    const auto path = dir.write("t.mq", "a: 1\n&INCLUDE one.mqlib as one\n$t\n&INCLUDE one.opt\nfree "
+                                        "text\n&INCLUDE t2.mq\n&INCLUDE two.mqlib as two\n");
     (void)dir.write("t2.mq", "&INCLUDE two.mqlib as one\n$u\n");
     const auto parsed = parseFile(path);
     EXPECT_EQ(parsed.document.libraryBindings, (ValueMap{{"one", one}, {"two", two}}));

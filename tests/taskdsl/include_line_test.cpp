@@ -48,7 +48,8 @@ TEST(IncludeLine, TellsTargetsByTheirLook) {
         const auto include = parseIncludeLine(std::string("&INCLUDE ") + text);
         EXPECT_EQ(include.target, target) << text;
         EXPECT_EQ(include.kind, kind) << text;
-        EXPECT_EQ(include.isLibraryReference, kind == IncludeTarget::reference || kind == IncludeTarget::library);
+        EXPECT_EQ(include.isLibraryReference,
+                  kind == IncludeTarget::reference || kind == IncludeTarget::library);
     }
 }
 
@@ -110,7 +111,8 @@ TEST(IncludeLine, TellsWhatDoesNotFollowTheGrammar) {
         {"x.y as q", "'as <namespace>' is only valid when including a library file"},
     };
     for (const auto& [text, message] : rows) {
-        EXPECT_EQ(messageOf([text = text] { (void)parseIncludeLine(std::string("&INCLUDE ") + text); }), message)
+        EXPECT_EQ(messageOf([text = text] { (void)parseIncludeLine(std::string("&INCLUDE ") + text); }),
+                  message)
             << text;
     }
 }

@@ -21,8 +21,9 @@ std::vector<std::string> suffixesOf(const std::vector<MatrixAxis>& axes) {
 
 TEST(VariantText, KeepsWhatANameMayHold) {
     const std::vector<std::pair<const char*, const char*>> rows{
-        {"1.5 eV", "1.5_eV"}, {"***", "value"}, {"", "value"},       {"__a__b__", "a_b"},
-        {"-1", "-1"},         {"a(b)", "a_b"},  {"def2-TZVP", "def2-TZVP"}, {"\xc3\xa4x", "x"},
+        {"1.5 eV", "1.5_eV"},       {"***", "value"},   {"", "value"},
+        {"__a__b__", "a_b"},        {"-1", "-1"},       {"a(b)", "a_b"},
+        {"def2-TZVP", "def2-TZVP"}, {"\xc3\xa4x", "x"},
     };
     for (const auto& [text, clean] : rows) {
         EXPECT_EQ(cleanVariantText(text), clean);
@@ -41,7 +42,8 @@ TEST(Combinations, NamesStandForTheirValues) {
 TEST(Combinations, AMappedAxisFollowsItsTargetWhereverItStands) {
     const std::vector<MatrixAxis> axes{
         {"d", {"x", "y"}, {}, "f"}, {"f", {"1", "2"}, {}, {}}, {"b", {"u", "v"}, {}, {}}};
-    EXPECT_THAT(suffixesOf(axes), ElementsAre("d_x__f_1__b_u", "d_x__f_1__b_v", "d_y__f_2__b_u", "d_y__f_2__b_v"));
+    EXPECT_THAT(suffixesOf(axes),
+                ElementsAre("d_x__f_1__b_u", "d_x__f_1__b_v", "d_y__f_2__b_u", "d_y__f_2__b_v"));
     const auto combination = buildMatrixCombinations(axes).at(2);
     EXPECT_THAT(combination.pairs, ElementsAre(Pair("d", "y"), Pair("f", "2"), Pair("b", "u")));
     EXPECT_EQ(combination.values, (ValueMap{{"b", "u"}, {"d", "y"}, {"f", "2"}}));
@@ -56,7 +58,9 @@ TEST(Combinations, AnAxisWithoutValuesHasOneEmptyValue) {
 }
 
 TEST(Combinations, AnUnknownTargetIsAnInternalError) {
-    EXPECT_EQ(messageOf([] { (void)buildMatrixCombinations({{"a", {"1"}, {}, "x"}}); }),
+    EXPECT_EQ(messageOf([] {
+                  (void)buildMatrixCombinations({{"a", {"1"}, {}, "x"}});
+              }),
               "matrix internal error: missing selection for axis 'a'");
 }
 

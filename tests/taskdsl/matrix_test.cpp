@@ -27,7 +27,8 @@ TEST(ValueList, SplitsAtCommasOutsideQuotes) {
 
 TEST(MatrixBlock, MappingSyntaxHasOneAxisPerLine) {
     std::size_t next = 0;
-    const auto lines = splitLines("matrix:\n  a: 1, 2 # values\n\n# comment\n   b: x\n  c:\n  no colon\n $t\n");
+    const auto lines =
+        splitLines("matrix:\n  a: 1, 2 # values\n\n# comment\n   b: x\n  c:\n  no colon\n $t\n");
     EXPECT_THAT(parseMatrixBlock(lines, 1, next),
                 ElementsAre(MatrixAxis{"a", {"1", "2"}, {}, {}}, MatrixAxis{"b", {"x"}, {}, {}},
                             MatrixAxis{"c", {}, {}, {}}));
@@ -53,7 +54,8 @@ TEST(MatrixBlock, TellsWhatDoesNotFit) {
         {"  - a: 1\n    - b: 2\n", "matrix list syntax requires top-level '- key: values' items"},
         {"  - : 1, 2\n", "matrix list item must define one primary axis"},
         {"  - a: 1\n  name: x\n", "matrix axis 'a' attributes must be indented more than the '- ' item line"},
-        {"    - a: 1\n  map: x\n", "matrix axis 'a' attributes must be indented more than the '- ' item line"},
+        {"    - a: 1\n  map: x\n",
+         "matrix axis 'a' attributes must be indented more than the '- ' item line"},
         {"  - a: 1\n    name\n", "matrix axis 'a' contains an invalid attribute line"},
         {"  - a: 1\n    : x\n", "matrix axis 'a' contains an invalid attribute line"},
         {"  - a: 1\n    label: x\n", "matrix axis 'a' contains unknown attribute 'label'"},
@@ -69,8 +71,9 @@ TEST(MergeMatrixAxes, ReplacesInPlaceOrKeeps) {
     TaskDocument document;
     mergeMatrixAxes(document, {{"a", {"1"}, {}, {}}, {"b", {"2"}, {}, {}}}, true);
     mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}, {"c", {}, {}, "b"}}, false);
-    EXPECT_THAT(document.matrixAxes, ElementsAre(MatrixAxis{"a", {"1"}, {}, {}}, MatrixAxis{"b", {"2"}, {}, {}},
-                                                 MatrixAxis{"c", {}, {}, "b"}));
+    EXPECT_THAT(document.matrixAxes,
+                ElementsAre(MatrixAxis{"a", {"1"}, {}, {}}, MatrixAxis{"b", {"2"}, {}, {}},
+                            MatrixAxis{"c", {}, {}, "b"}));
     mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}}, true);
     EXPECT_EQ(document.matrixAxes[0], (MatrixAxis{"a", {"3"}, {"n"}, {}}));
     EXPECT_THAT(document.matrixValues,
@@ -80,7 +83,9 @@ TEST(MergeMatrixAxes, ReplacesInPlaceOrKeeps) {
 
 TEST(MergeMatrixAxes, RefusesReservedKeysAndMoreAxesThanAnybodyNeeds) {
     TaskDocument document;
-    EXPECT_EQ(messageOf([&] { mergeMatrixAxes(document, {{"geom.a", {}, {}, {}}}, true); }),
+    EXPECT_EQ(messageOf([&] {
+                  mergeMatrixAxes(document, {{"geom.a", {}, {}, {}}}, true);
+              }),
               "matrix axis 'geom.a' is reserved for runtime %source placeholders");
     std::vector<MatrixAxis> many;
     for (int i = 0; i <= 1000; ++i) {

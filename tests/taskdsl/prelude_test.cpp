@@ -69,8 +69,9 @@ TEST(Prelude, ReadsSettingsDefinesAxesAndCollections) {
     EXPECT_EQ(prelude.result.defines, (ValueMap{{"a", "2"}, {"b", "3"}}));
     EXPECT_THAT(prelude.result.matrixAxes, ElementsAre(MatrixAxis{"f", {"x", "y"}, {}, {}}));
     EXPECT_THAT(prelude.result.collections,
-                ElementsAre(testing::Pair("mols", ElementsAre(ValueMap{{"at.x", "1"}, {"index", "1"}, {"name", "water"}},
-                                                              ValueMap{{"index", "3"}, {"value", "oh"}}))));
+                ElementsAre(testing::Pair(
+                    "mols", ElementsAre(ValueMap{{"at.x", "1"}, {"index", "1"}, {"name", "water"}},
+                                        ValueMap{{"index", "3"}, {"value", "oh"}}))));
     EXPECT_EQ(prelude.next, 22U);
     EXPECT_THAT(prelude.warnings, IsEmpty());
 }
@@ -109,10 +110,10 @@ TEST(Prelude, ADefineKeyInsideAMappingIsAKey) {
 }
 
 TEST(Prelude, TellsYamlFaultsWithFileAndLine) {
-    EXPECT_EQ(fault("# c\na: 1\nb: [1\n$x\n"),
-              "failed to parse YAML prelude in 't.mq': yaml-cpp: error at line 4, column 1: end of sequence flow not found");
-    EXPECT_EQ(fault("a: [1\n", ""),
-              "failed to parse YAML prelude in '<memory>': yaml-cpp: error at line 2, column 1: end of sequence flow not found");
+    EXPECT_EQ(fault("# c\na: 1\nb: [1\n$x\n"), "failed to parse YAML prelude in 't.mq': yaml-cpp: error at "
+                                               "line 4, column 1: end of sequence flow not found");
+    EXPECT_EQ(fault("a: [1\n", ""), "failed to parse YAML prelude in '<memory>': yaml-cpp: error at line 2, "
+                                    "column 1: end of sequence flow not found");
     EXPECT_THAT(fault("[a, b]: c\n"), StartsWith("failed to parse YAML prelude in 't.mq': "));
     EXPECT_EQ(fault("- a: b\n"), "structured prelude must be a YAML mapping");
     EXPECT_EQ(fault("\"a: b\"\n"), "structured prelude must be a YAML mapping");
@@ -122,13 +123,17 @@ TEST(Prelude, SmallTextsThatStandForHugeOnesEnd) {
     std::string bomb = "a0: &a0 {x: 1, y: 2}\n";
     for (int i = 1; i < 60; ++i) {
         const auto before = std::to_string(i - 1);
-        bomb += "a" + std::to_string(i) + ": &a" + std::to_string(i) + " {x: *a" + before + ", y: *a" + before + "}\n";
+        bomb += "a" + std::to_string(i) + ": &a" + std::to_string(i) + " {x: *a" + before + ", y: *a" +
+                before + "}\n";
     }
-    EXPECT_EQ(fault(bomb), "failed to parse YAML prelude in 't.mq': the section stands for more than 1000000 values or 64 "
-                           "MiB of text");
+    EXPECT_EQ(fault(bomb),
+              "failed to parse YAML prelude in 't.mq': the section stands for more than 1000000 values or 64 "
+              "MiB of text");
     EXPECT_THAT(fault("a: &x {b: *x}\n"), StartsWith("failed to parse YAML prelude in 't.mq': "));
-    EXPECT_THAT(fault("a: " + std::string(5000, '{') + "\n"), StartsWith("failed to parse YAML prelude in 't.mq': "));
-    EXPECT_THAT(fault("a: " + std::string(5000, '[') + "\n"), StartsWith("failed to parse YAML prelude in 't.mq': "));
+    EXPECT_THAT(fault("a: " + std::string(5000, '{') + "\n"),
+                StartsWith("failed to parse YAML prelude in 't.mq': "));
+    EXPECT_THAT(fault("a: " + std::string(5000, '[') + "\n"),
+                StartsWith("failed to parse YAML prelude in 't.mq': "));
     std::string nested = "a: ";
     for (int i = 0; i < 150; ++i) {
         nested += "{k: ";
@@ -139,22 +144,26 @@ TEST(Prelude, SmallTextsThatStandForHugeOnesEnd) {
 
 TEST(Prelude, WarnsOfTheRemovedInclude) {
     const auto prelude = read("#include \"x.yaml\" # old\na: 1\n#INCLUDE\nb: 2\n", "dir/t.mq");
-    EXPECT_THAT(prelude.warnings,
-                ElementsAre("context 't.mq' uses the removed '#INCLUDE' syntax; replace it with '&INCLUDE' (original "
-                            "path: x.yaml)\xE3\x80\x82",
-                            "context 't.mq' uses the removed '#INCLUDE' syntax; replace it with '&INCLUDE'"
-                            "\xE3\x80\x82"));
+    EXPECT_THAT(
+        prelude.warnings,
+        ElementsAre("context 't.mq' uses the removed '#INCLUDE' syntax; replace it with '&INCLUDE' (original "
+                    "path: x.yaml)\xE3\x80\x82",
+                    "context 't.mq' uses the removed '#INCLUDE' syntax; replace it with '&INCLUDE'"
+                    "\xE3\x80\x82"));
     EXPECT_EQ(prelude.result.settings, (ValueMap{{"a", "1"}, {"b", "2"}}));
 }
 
 TEST(Prelude, YamlIncludesFillInWhatIsFree) {
     const TemporaryDirectory dir;
-    (void)dir.write("sub/a.yaml", "x: inner\ny: inner\nc: [1]\ndefine:\n  d: inner\n  e: inner\nmatrix:\n  m: inner\n  n: inner\n"
-                                  "&INCLUDE B.YML\n&INCLUDE l.mqlib as lib\n");
+    (void)dir.write(
+        "sub/a.yaml",
+        "x: inner\ny: inner\nc: [1]\ndefine:\n  d: inner\n  e: inner\nmatrix:\n  m: inner\n  n: inner\n"
+        "&INCLUDE B.YML\n&INCLUDE l.mqlib as lib\n");
     (void)dir.write("sub/B.YML", "z: innermost\ny: innermost\n$task\nq: 1\n");
     (void)dir.write("sub/l.mqlib", "");
-    const auto prelude = read("x: outer\ndefine:\n  d: outer\nmatrix:\n  m: outer\n&INCLUDE \"sub/a.yaml\"\ny: outer\n",
-                              dir.path("t.mq"));
+    const auto prelude =
+        read("x: outer\ndefine:\n  d: outer\nmatrix:\n  m: outer\n&INCLUDE \"sub/a.yaml\"\ny: outer\n",
+             dir.path("t.mq"));
     EXPECT_EQ(prelude.result.settings, (ValueMap{{"x", "outer"}, {"y", "outer"}, {"z", "innermost"}}));
     EXPECT_EQ(prelude.result.defines, (ValueMap{{"d", "outer"}, {"e", "inner"}}));
     EXPECT_THAT(prelude.result.matrixAxes,
@@ -190,10 +199,12 @@ TEST(Prelude, YamlCyclesAndSecondBindingsAreFaults) {
               "YAML include cycle detected: " + a + " -> " + b + " -> " + dir.path("c.yaml"));
     (void)dir.write("x.mqlib", "");
     (void)dir.write("y.mqlib", "");
-    EXPECT_EQ(fault("&INCLUDE x.mqlib as l\n&INCLUDE x.mqlib as l\n&INCLUDE y.mqlib as l\n", dir.path("t.mq")),
-              "namespace 'l' is already bound to '" + dir.path("x.mqlib") + "'");
+    EXPECT_EQ(
+        fault("&INCLUDE x.mqlib as l\n&INCLUDE x.mqlib as l\n&INCLUDE y.mqlib as l\n", dir.path("t.mq")),
+        "namespace 'l' is already bound to '" + dir.path("x.mqlib") + "'");
     EXPECT_EQ(fault("&INCLUDE\n"), "empty &INCLUDE target");
-    EXPECT_EQ(fault("&INCLUDE a.yaml as q\n"), "'as <namespace>' is only valid when including a library file");
+    EXPECT_EQ(fault("&INCLUDE a.yaml as q\n"),
+              "'as <namespace>' is only valid when including a library file");
 }
 
 } // namespace

@@ -6,24 +6,24 @@ namespace morquill::taskdsl {
 namespace {
 
 TEST(RuntimePlaceholders, NameTheCaseTheTaskAndItsSource) {
-    EXPECT_EQ(runtimePlaceholders("water", "opt", "water.xyz", "pre"),
-              (ValueMap{{"rootname", "water"},
-                        {"taskname", "opt"},
-                        {"inputname", "water_opt"},
-                        {"originname", "water.xyz"},
-                        {"sourcename", "pre"}}));
+    EXPECT_EQ(runtimePlaceholders("water", "opt", "water.xyz", "pre"), (ValueMap{{"rootname", "water"},
+                                                                                 {"taskname", "opt"},
+                                                                                 {"inputname", "water_opt"},
+                                                                                 {"originname", "water.xyz"},
+                                                                                 {"sourcename", "pre"}}));
     EXPECT_EQ(runtimePlaceholders("water", "opt", "", "").count("originname"), 0U);
     EXPECT_EQ(runtimePlaceholders("water", "opt", "", "").at("sourcename"), "");
 }
 
 TEST(RuntimePlaceholders, GoIntoSixTexts) {
     TaskInfo task("[taskname]");
-    for (auto* text : {&task.keywords, &task.args, &task.extraKeywords, &task.paramValues, &task.runner, &task.body,
-                       &task.source, &task.templateName}) {
+    for (auto* text : {&task.keywords, &task.args, &task.extraKeywords, &task.paramValues, &task.runner,
+                       &task.body, &task.source, &task.templateName}) {
         *text = "[rootname]/[originname]";
     }
     applyRuntimePlaceholders(task, runtimePlaceholders("r", "t", "", "s"));
-    for (const auto* text : {&task.keywords, &task.args, &task.extraKeywords, &task.paramValues, &task.runner, &task.body}) {
+    for (const auto* text :
+         {&task.keywords, &task.args, &task.extraKeywords, &task.paramValues, &task.runner, &task.body}) {
         EXPECT_EQ(*text, "r/[originname]");
     }
     EXPECT_EQ(task.source, "[rootname]/[originname]");
