@@ -3,6 +3,7 @@
 #include "frontend/console.h"
 #include "frontend/not_built.h"
 #include "support/text.h"
+#include "templates/template_command.h"
 #include "views/explain.h"
 #include "views/file_commands.h"
 
@@ -25,7 +26,7 @@ constexpr CommandEntry row(std::string_view name, HelpOperation help, RunOperati
 
 std::span<const CommandEntry> commandTable() noexcept {
     static constexpr CommandEntry table[] = {
-        row("template", notBuiltHelp<"template">, notBuiltRun<"template">),
+        row("template", templates::printTemplateHelp, templates::runTemplate),
         row("project", notBuiltHelp<"project">, notBuiltRun<"project">),
         row("rename", notBuiltHelp<"rename">, notBuiltRun<"rename">),
         row("fmt", views::printFmtHelp, fileCommand<views::printFmtHelp, views::runFmt>),

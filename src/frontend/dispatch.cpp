@@ -5,6 +5,7 @@
 #include "frontend/logger.h"
 #include "frontend/not_built.h"
 #include "support/text.h"
+#include "templates/template_command.h"
 
 #include <algorithm>
 #include <array>
@@ -63,7 +64,7 @@ constexpr std::array<OlderShape, 4> olderShapes{{
     {"rename", isRenameShape, notBuiltRun<"rename">},
     {"update", isUpdateShape, notBuiltRun<"project">},
     {"project", isProjectShape, notBuiltRun<"project">},
-    {"template", isTemplateShape, notBuiltRun<"template">},
+    {"template", isTemplateShape, templates::runTemplateCompat},
 }};
 
 /// Tells what is wrong with the command line, shows the commands, gives the status.

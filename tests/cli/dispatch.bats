@@ -55,7 +55,6 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 @test "help <topic> is the help of that command" {
     missing_help project help proj
     missing_help lint HELP LINT further words
-    missing_help template -h t
     missing_help rename --help rename
 }
 
@@ -72,7 +71,7 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 }
 
 @test "commands are found by unique prefix in any case" {
-    missing template T list
+    expect 1 "" "[mqkit][ERROR] unknown argument: x"$'\n' T list x
     missing project p
     missing project PROJ init
     missing rename ren a b c
@@ -86,8 +85,8 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
     missing project --batch
     missing project a.projmq -n opt --exec 'ls'
     missing project demo.projmq
-    missing template -l
-    missing template --merge opt freq
+    expect 1 "" "[mqkit][ERROR] unknown argument: x"$'\n' -l x
+    expect 1 "" "[mqkit][ERROR] specify at least one template to merge"$'\n' --merge
     refused " unknown command or argument: -U" -U
     refused " unknown command or argument: -L" -L
     refused " unknown command or argument: x" x -t
