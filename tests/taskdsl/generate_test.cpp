@@ -62,7 +62,6 @@ TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
     task.processCommands = {"q", "[k]"};
     task.whenConditions = {"completed [k]"};
     task.modEntries = {{"charge", "[k]"}, {"[k]", "v"}};
-    task.plots.push_back({plot::PlotScope::task, "[k]", {"spectrum [k]", {}, {{"x [k]", "t.mq", 1}}}});
     substituteTask(task, {{"k", "7"}}, true);
     EXPECT_EQ(task.name, "7");
     for (const auto* field : fields) {
@@ -76,9 +75,6 @@ TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
     EXPECT_THAT(task.whenConditions, ElementsAre("completed 7"));
     EXPECT_THAT(task.modEntries, ElementsAre(ModEntry{"charge", "7"}, ModEntry{"7", "v"}));
     EXPECT_EQ(task.modValues, (std::map<std::string, std::string>{{"7", "v"}, {"charge", "7"}}));
-    EXPECT_EQ(task.plots[0].ownerTask, "7");
-    EXPECT_EQ(task.plots[0].captured.header, "spectrum 7");
-    EXPECT_EQ(task.plots[0].captured.lines[0].text, "x 7");
 }
 
 TEST(Substitution, KeepsTheShapeOfASource) {
@@ -220,7 +216,7 @@ TEST(TaskInclude, AppendsWhatTheFileHolds) {
     const TemporaryDirectory dir;
     const auto inner =
         dir.write("sub/b.mq", "x: inner\ny: inner\ndefine:\n  d: inner\nmatrix:\n  m: 1,2\n$b\n"
-                              "%keywords [d] [outer] [m]\n@plot p\n@end\n@derive q\n@end\n&INCLUDE c.mq\n");
+                              "%keywords [d] [outer] [m]\n@plot curve p\n@end\n@derive q\n@end\n&INCLUDE c.mq\n");
     const auto innermost = dir.write("sub/c.mq", "$c\n%keywords [d]\n");
     const auto path =
         dir.write("a.mq", "x: outer\ndefine:\n  outer: o\n$a\n%keywords [d]\n&INCLUDE sub/b.mq\n$z\n");
