@@ -135,7 +135,8 @@ class LineWalk {
         // A tab belongs to the keyword: only a blank ends it.
         const auto blank = directive.find(' ');
         const auto keyword = directive.substr(0, blank);
-        const auto value = blank == std::string_view::npos ? std::string_view{} : trim(directive.substr(blank));
+        const auto value =
+            blank == std::string_view::npos ? std::string_view{} : trim(directive.substr(blank));
         const SourceLine& line = lines[index];
         const SourceSpan span = spanOfLine(line.originPath, line.lineNumber, line.text);
         const DirectiveRow* row = findDirective(keyword);
@@ -242,10 +243,11 @@ TaskDocument TaskParser::readDocument(std::string_view text, const std::string& 
     std::vector<IncludedTasks> included;
     const auto includeTasks = [&](const std::string& target, const std::string& base) {
         const std::size_t begin = document.tasks.size();
-        parseTaskInclude(target, base, document, context,
-                         [&](std::string_view innerText, const std::string& innerPath, const ValueMap& values) {
-                             return readDocument(innerText, innerPath, values, context);
-                         });
+        parseTaskInclude(
+            target, base, document, context,
+            [&](std::string_view innerText, const std::string& innerPath, const ValueMap& values) {
+                return readDocument(innerText, innerPath, values, context);
+            });
         included.push_back({begin, document.tasks.size()});
     };
 

@@ -15,10 +15,14 @@ namespace {
 
 /// The plain text fields that take part in substitution.
 constexpr std::string TaskInfo::*textFields[] = {
-    &TaskInfo::name,          &TaskInfo::guessSourceTask,   &TaskInfo::guessConverter, &TaskInfo::gaussianGeomControl,
-    &TaskInfo::finalGeom,     &TaskInfo::gpuType,           &TaskInfo::strucId,        &TaskInfo::templateTaskName,
-    &TaskInfo::keywords,      &TaskInfo::interfaceProvider, &TaskInfo::args,           &TaskInfo::extraKeywords,
-    &TaskInfo::templateName,  &TaskInfo::paramValues,       &TaskInfo::runner,         &TaskInfo::body,
+    &TaskInfo::name,           &TaskInfo::guessSourceTask,
+    &TaskInfo::guessConverter, &TaskInfo::gaussianGeomControl,
+    &TaskInfo::finalGeom,      &TaskInfo::gpuType,
+    &TaskInfo::strucId,        &TaskInfo::templateTaskName,
+    &TaskInfo::keywords,       &TaskInfo::interfaceProvider,
+    &TaskInfo::args,           &TaskInfo::extraKeywords,
+    &TaskInfo::templateName,   &TaskInfo::paramValues,
+    &TaskInfo::runner,         &TaskInfo::body,
     &TaskInfo::orcaBlock,
 };
 constexpr std::vector<std::string> TaskInfo::*listFields[] = {
@@ -29,7 +33,8 @@ bool holdsBracket(std::string_view text) noexcept {
 }
 
 bool holdsBracket(const std::vector<std::string>& texts) noexcept {
-    return std::any_of(texts.begin(), texts.end(), [](const std::string& text) { return holdsBracket(text); });
+    return std::any_of(texts.begin(), texts.end(),
+                       [](const std::string& text) { return holdsBracket(text); });
 }
 
 bool holdsBracket(const SourceBinding& binding) noexcept {
