@@ -26,7 +26,9 @@ plot::PlotBlock blockOf(std::string_view text) {
     std::uint32_t number = 0;
     for (const auto line : splitLines(text)) {
         if (++number > 1) {
-            block.captured.lines.push_back({std::string(line), "a.mq", number});
+            if (trim(line) != "@end") { // never part of a body
+                block.captured.lines.push_back({std::string(line), "a.mq", number});
+            }
             continue;
         }
         block.scope = line.starts_with('%') ? plot::PlotScope::task : plot::PlotScope::project;
