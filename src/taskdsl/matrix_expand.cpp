@@ -189,7 +189,8 @@ class MatrixExpansion {
             renameReferences(task, renames[item.file]);
         }
         for (auto& plot : task.plots) {
-            plot.ownerTask = plot.ownerTask.empty() ? "" : task.name;
+            plot.ownerTask = task.name;
+            plot.id = task.name + ":" + plot.name;
         }
         text += textSize(task);
         if (text > limits::variantText) {

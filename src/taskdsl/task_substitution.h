@@ -15,7 +15,4 @@ namespace morquill::taskdsl {
 /// source or a mod cannot be read any more.
 void substituteTask(TaskInfo& task, const ValueMap& values, bool final);
 
-void substitutePlot(plot::PlotBlock& plot, const ValueMap& values);
-void substituteDerive(DeriveBlock& derive, const ValueMap& values);
-
 } // namespace morquill::taskdsl
