@@ -98,7 +98,10 @@ bool allPlain(const Parts&... parts) {
 
 bool isPlain(const plot::PlotSpec& spec) {
     const bool data = std::visit(
-        Match{[](const plot::BarrierPlotData& d) { return allPlain(d.points, d.relativePoint, d.unit); },
+        Match{[](const plot::BarrierPlotData& d) {
+                  // An empty unit is not printed, and what is not written is kcal/mol.
+                  return allPlain(d.points, d.relativePoint, d.unit) && !d.unit.empty();
+              },
               [](const plot::ConvergencePlotData& d) { return allPlain(d.x, d.series, d.thresholds); },
               [](const plot::CurvePlotData& d) { return allPlain(d.x, d.series); },
               [](const plot::SpectrumPlotData& d) {
