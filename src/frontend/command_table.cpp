@@ -5,6 +5,7 @@
 #include "support/text.h"
 #include "views/explain.h"
 #include "views/file_commands.h"
+#include "views/lint.h"
 
 namespace morquill::frontend {
 
@@ -32,7 +33,7 @@ std::span<const CommandEntry> commandTable() noexcept {
         row("migrate", views::printMigrateHelp, fileCommand<views::printMigrateHelp, views::runMigrate>),
         row("expand", views::printExpandHelp, fileCommand<views::printExpandHelp, views::runExpand>),
         row("explain", views::printExplainHelp, fileCommand<views::printExplainHelp, views::runExplain>),
-        row("lint", notBuiltHelp<"lint">, notBuiltRun<"lint">),
+        row("lint", views::printLintHelp, views::runLint),
     };
     return table;
 }
