@@ -54,7 +54,9 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 
 @test "help <topic> is the help of that command" {
     missing_help project help proj
-    missing_help lint HELP LINT further words
+    "$MQKIT" help lint >help
+    [ "$(head -n 1 help)" = "  Lint .mq files and directories." ]
+    expect 0 "$(cat help)"$'\n' "" HELP LINT further words
     missing_help template -h t
     missing_help rename --help rename
 }
@@ -76,7 +78,7 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
     missing project p
     missing project PROJ init
     missing rename ren a b c
-    missing lint lin
+    expect 1 "" $'no .mq files found\n' lin
 }
 
 @test "older shapes need no command word" {
@@ -94,5 +96,6 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 }
 
 @test "a command word comes before every older shape" {
-    missing lint lint -n opt demo.projmq -r
+    "$MQKIT" lint x --help >help
+    expect 1 "$(cat help)"$'\n' $'unknown argument: -n\n' lint -n opt demo.projmq -r
 }
