@@ -7,6 +7,7 @@
 #include "templates/template_command.h"
 #include "views/explain.h"
 #include "views/file_commands.h"
+#include "views/lint.h"
 
 namespace morquill::frontend {
 
@@ -34,7 +35,7 @@ std::span<const CommandEntry> commandTable() noexcept {
         row("migrate", views::printMigrateHelp, fileCommand<views::printMigrateHelp, views::runMigrate>),
         row("expand", views::printExpandHelp, fileCommand<views::printExpandHelp, views::runExpand>),
         row("explain", views::printExplainHelp, fileCommand<views::printExplainHelp, views::runExplain>),
-        row("lint", notBuiltHelp<"lint">, notBuiltRun<"lint">),
+        row("lint", views::printLintHelp, views::runLint),
     };
     return table;
 }

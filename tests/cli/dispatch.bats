@@ -53,7 +53,9 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 }
 
 @test "help <topic> is the help of that command" {
-    missing_help lint HELP LINT further words
+    "$MQKIT" help lint >help
+    [ "$(head -n 1 help)" = "  Lint .mq files and directories." ]
+    expect 0 "$(cat help)"$'\n' "" HELP LINT further words
     missing_help rename --help rename
 }
 
@@ -72,7 +74,7 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 @test "commands are found by unique prefix in any case" {
     expect 1 "" "[mqkit][ERROR] unknown argument: x"$'\n' T list x
     missing rename ren a b c
-    missing lint lin
+    expect 1 "" $'no .mq files found\n' lin
 }
 
 @test "older shapes need no command word" {
@@ -86,5 +88,6 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 }
 
 @test "a command word comes before every older shape" {
-    missing lint lint -n opt demo.projmq -r
+    "$MQKIT" lint x --help >help
+    expect 1 "$(cat help)"$'\n' $'unknown argument: -n\n' lint -n opt demo.projmq -r
 }
