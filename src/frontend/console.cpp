@@ -1,7 +1,12 @@
 #include "frontend/console.h"
 
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace morquill::frontend {
@@ -12,7 +17,55 @@ namespace {
 bool colorDecided = false;
 bool colorAllowed = true;
 
+// The first failure of standard output; 0 while everything went out. Nothing is tried behind it.
+int outputError = 0;
+
+extern "C" void ignoreBrokenPipe(int /*signal*/) {}
+
 } // namespace
+
+void writeOut(std::string_view text) noexcept {
+    if (outputError == 0 && std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
+        outputError = errno;
+    }
+}
+
+void writeErr(std::string_view text) noexcept {
+    flushOut();
+    (void)std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+void flushOut() noexcept {
+    if (std::fflush(stdout) != 0 && outputError == 0) {
+        outputError = errno;
+    }
+}
+
+void prepareStandardStreams() noexcept {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(fd, F_GETFD) < 0) {
+            // The lowest free number is taken, and that is this one.
+            (void)::open("/dev/null", O_RDWR);
+        }
+    }
+    // A handler, not SIG_IGN: it goes back to the default when a child program is started.
+    struct sigaction current {};
+    if (::sigaction(SIGPIPE, nullptr, &current) == 0 && current.sa_handler == SIG_DFL) {
+        current.sa_handler = ignoreBrokenPipe;
+        current.sa_flags = SA_RESTART;
+        (void)::sigaction(SIGPIPE, &current, nullptr);
+    }
+}
+
+int finishOutput(int status) {
+    flushOut();
+    if (outputError == 0 || outputError == EPIPE) {
+        return status;
+    }
+    const std::string reason = std::strerror(outputError);
+    writeErr(errorTag() + " could not write to standard output: " + reason + "\n");
+    return status == 0 ? 1 : status;
+}
 
 std::string_view colorSequence(ConsoleColor color) noexcept {
     switch (color) {

@@ -3,9 +3,31 @@
 #include <string>
 #include <string_view>
 
-/// What every command needs to speak to the user: colour wrappers, the error tag, and small questions about
-/// the argument vector.
+/// What every command needs to speak to the user: the two output streams, colour wrappers, the error tag, and
+/// small questions about the argument vector.
+///
+/// Output goes through `writeOut` and `writeErr` and nothing else (no iostream, no printf). Standard output
+/// is buffered; `writeErr` brings it out first, so that both streams keep their order when they lead to one
+/// place. Call `flushOut` before a child process starts, before the program waits for a key or a line, and
+/// wherever the user should see progress. Pass whole lines or whole documents rather than single characters.
 namespace morquill::frontend {
+
+/// Adds to standard output. Never fails its caller: what a closed reader or a full disk did not take is known
+/// to `finishOutput`.
+void writeOut(std::string_view text) noexcept;
+/// Writes to standard error at once, after everything that was given to `writeOut` before.
+void writeErr(std::string_view text) noexcept;
+/// Brings out what `writeOut` has kept back.
+void flushOut() noexcept;
+
+/// Readies the process for broken and closed streams. A standard stream that the caller closed is opened on
+/// /dev/null, so that no file of the user gets its number; a reader that went away no longer kills the
+/// program in the middle of its work on disk (children keep the system's default). Called once, by `main`.
+void prepareStandardStreams() noexcept;
+/// Brings standard output out at the end of a run and gives the exit status to use. A reader that went away
+/// changes nothing; output lost for any other reason (a full disk) is reported and turns a status of 0
+/// into 1.
+[[nodiscard]] int finishOutput(int status);
 
 /// Console colours; the number is the colour's code.
 enum class ConsoleColor { red = 1, yellow, green, white, blue, cyan, magenta };

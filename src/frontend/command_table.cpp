@@ -1,0 +1,67 @@
+#include "frontend/command_table.h"
+
+#include "frontend/console.h"
+#include "frontend/not_built.h"
+#include "support/text.h"
+
+namespace morquill::frontend {
+
+namespace {
+
+/// The run operation of a command on one task file: its help token stands right behind the command word.
+template <HelpOperation help, RunOperation run>
+int fileCommand(int argc, char** argv) {
+    return runFileCommand(argc, argv, 2, help, run);
+}
+
+/// A row whose two name columns are the same word, as all of them are.
+constexpr CommandEntry row(std::string_view name, HelpOperation help, RunOperation run) {
+    return {name, name, help, run};
+}
+
+} // namespace
+
+std::span<const CommandEntry> commandTable() noexcept {
+    static constexpr CommandEntry table[] = {
+        row("template", notBuiltHelp<"template">, notBuiltRun<"template">),
+        row("project", notBuiltHelp<"project">, notBuiltRun<"project">),
+        row("rename", notBuiltHelp<"rename">, notBuiltRun<"rename">),
+        row("fmt", notBuiltHelp<"fmt">, fileCommand<notBuiltHelp<"fmt">, notBuiltRun<"fmt">>),
+        row("migrate", notBuiltHelp<"migrate">, fileCommand<notBuiltHelp<"migrate">, notBuiltRun<"migrate">>),
+        row("expand", notBuiltHelp<"expand">, fileCommand<notBuiltHelp<"expand">, notBuiltRun<"expand">>),
+        row("explain", notBuiltHelp<"explain">, fileCommand<notBuiltHelp<"explain">, notBuiltRun<"explain">>),
+        row("lint", notBuiltHelp<"lint">, notBuiltRun<"lint">),
+    };
+    return table;
+}
+
+const CommandEntry* findCommand(std::span<const CommandEntry> table, std::string_view token,
+                                std::vector<std::string>& matches) {
+    matches.clear();
+    if (token.empty()) {
+        return nullptr;
+    }
+    const std::string word = toLower(token);
+    const CommandEntry* candidate = nullptr;
+    for (const auto& entry : table) {
+        if (entry.name == word) {
+            matches.assign(1, std::string(entry.name));
+            return &entry;
+        }
+        if (toLower(entry.name).starts_with(word)) {
+            matches.emplace_back(entry.name);
+            candidate = &entry;
+        }
+    }
+    return matches.size() == 1 ? candidate : nullptr;
+}
+
+int runFileCommand(int argc, char** argv, int helpIndex, HelpOperation help, RunOperation run) {
+    if (help != nullptr && argc > helpIndex && isHelpToken(argv[helpIndex])) {
+        help(argv[0]);
+        return 0;
+    }
+    return run == nullptr ? 1 : run(argc, argv);
+}
+
+} // namespace morquill::frontend
