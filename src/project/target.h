@@ -1,5 +1,7 @@
 #pragma once
 
+#include "project/paths.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -20,24 +22,6 @@ struct ProjectTarget {
     std::string caseDir;     ///< set for a case
     std::string caseFile;    ///< its task file
 };
-
-/// The absolute form of a path; empty gives the current directory.
-[[nodiscard]] std::string absolutePath(std::string_view path);
-/// `dir` and `name` with one slash between them; a `name` with a leading slash does not leave `dir`.
-[[nodiscard]] std::string joinPath(std::string_view dir, std::string_view name);
-/// The last component of a path.
-[[nodiscard]] std::string baseName(std::string_view path);
-/// The path without its last component; "/" for the top.
-[[nodiscard]] std::string parentPath(std::string_view path);
-/// The extension with its dot as the file system library sees it: a leading dot of the name begins none.
-[[nodiscard]] std::string_view extensionOf(std::string_view name) noexcept;
-/// The last component without its extension.
-[[nodiscard]] std::string stemOf(std::string_view path);
-
-/// The names in `dir` that match a shell pattern (`*` and `?` do not match a slash, they do match a leading
-/// dot), in ascending byte order; empty when the directory cannot be read.
-[[nodiscard]] std::vector<std::string> listDirectoryEntries(const std::string& dir,
-                                                            const std::string& pattern);
 
 /// The regular files in `dir` with the extension `.projmq`, sorted.
 [[nodiscard]] std::vector<std::string> listProjectTemplates(const std::string& dir);

@@ -20,9 +20,6 @@ struct TaskCatalog {
     std::map<std::string, std::vector<std::string>, std::less<>> expansionsByName;
 };
 
-/// Adds a name to a list unless it is empty or already there.
-void appendUnique(std::vector<std::string>& list, std::string_view name);
-
 /// The blocks of one task file. False with the whole message in `error` when it cannot be read or parsed.
 /// Warnings of the language go to the sink, without one to the log.
 [[nodiscard]] bool scanTaskFile(const std::string& file, TaskCatalog& catalog, std::string& error,
