@@ -48,7 +48,8 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
                std::vector<StatusBackup>& backups, UpdateSummary& summary) {
     const auto path = statusFilePath(caseDir);
     const auto name = baseName(caseDir);
-    StatusBackup backup{.path = path};
+    StatusBackup backup;
+    backup.path = path;
     if (!takeBackup(backup)) {
         printErrorLine("[mqkit][ERROR] failed to read mq.status: " + path);
         return false;
@@ -80,8 +81,8 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
         printErrorLine("[mqkit][ERROR] failed to prepare mq.status for comd-only update: " + name);
         return false;
     }
-    printLine(prefix + (dryRun ? "would scope" : "scoped") + " mq.status to selected completed task(s): " +
-              formatSelection(kept));
+    printLine(prefix + (dryRun ? "would scope" : "scoped") +
+              " mq.status to selected completed task(s): " + formatSelection(kept));
     return true;
 }
 

@@ -29,15 +29,15 @@ struct UpdateSummary {
     std::int32_t comdFailed = 0;
 };
 
-/// Narrows the status file of each case to those selected tasks that are completed, or takes it away when there
-/// are none. `backups` grows by one entry per case before the case is touched, so that it serves also after a
-/// failure. A dry run only tells. False after a message.
+/// Narrows the status file of each case to those selected tasks that are completed, or takes it away when
+/// there are none. `backups` grows by one entry per case before the case is touched, so that it serves also
+/// after a failure. A dry run only tells. False after a message.
 [[nodiscard]] bool scopeStatusFiles(const std::vector<std::string>& caseDirs,
                                     const std::vector<std::string>& selected, bool dryRun,
                                     std::vector<StatusBackup>& backups, UpdateSummary& summary);
 
-/// Puts back what the backups hold, the last one first; a file that has appeared since is removed. Reports every
-/// failure, is stopped by none; false when there was one.
+/// Puts back what the backups hold, the last one first; a file that has appeared since is removed. Reports
+/// every failure, is stopped by none; false when there was one.
 [[nodiscard]] bool restoreStatusFiles(const std::vector<StatusBackup>& backups);
 
 /// Restores on every way out of the scope, once.
