@@ -3,6 +3,8 @@
 #include "frontend/console.h"
 #include "frontend/not_built.h"
 #include "support/text.h"
+#include "views/explain.h"
+#include "views/file_commands.h"
 
 namespace morquill::frontend {
 
@@ -26,10 +28,10 @@ std::span<const CommandEntry> commandTable() noexcept {
         row("template", notBuiltHelp<"template">, notBuiltRun<"template">),
         row("project", notBuiltHelp<"project">, notBuiltRun<"project">),
         row("rename", notBuiltHelp<"rename">, notBuiltRun<"rename">),
-        row("fmt", notBuiltHelp<"fmt">, fileCommand<notBuiltHelp<"fmt">, notBuiltRun<"fmt">>),
-        row("migrate", notBuiltHelp<"migrate">, fileCommand<notBuiltHelp<"migrate">, notBuiltRun<"migrate">>),
-        row("expand", notBuiltHelp<"expand">, fileCommand<notBuiltHelp<"expand">, notBuiltRun<"expand">>),
-        row("explain", notBuiltHelp<"explain">, fileCommand<notBuiltHelp<"explain">, notBuiltRun<"explain">>),
+        row("fmt", views::printFmtHelp, fileCommand<views::printFmtHelp, views::runFmt>),
+        row("migrate", views::printMigrateHelp, fileCommand<views::printMigrateHelp, views::runMigrate>),
+        row("expand", views::printExpandHelp, fileCommand<views::printExpandHelp, views::runExpand>),
+        row("explain", views::printExplainHelp, fileCommand<views::printExplainHelp, views::runExplain>),
         row("lint", notBuiltHelp<"lint">, notBuiltRun<"lint">),
     };
     return table;

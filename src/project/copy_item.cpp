@@ -105,8 +105,8 @@ bool copyFile(const std::string& source, const std::string& target) {
             return false;
         }
     }
-    Descriptor to(::open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW,
-                         info.st_mode & 0777));
+    Descriptor to(
+        ::open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, info.st_mode & 0777));
     if (to.get() < 0) {
         return false;
     }

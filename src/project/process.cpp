@@ -1,12 +1,12 @@
 #include "project/process.h"
 
+#include "frontend/console.h"
 #include "project/signal_guard.h"
 #include "support/text.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 
 #include <fcntl.h>
@@ -117,7 +117,7 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
         ::close(writeEnd);
         return result;
     }
-    std::fflush(stdout);
+    frontend::flushOut();
     ChildSignals signals;
     const pid_t child = ::fork();
     if (child < 0) {

@@ -1,12 +1,12 @@
 #include "project/prompt.h"
 
+#include "frontend/console.h"
 #include "support/text.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 
 #include <unistd.h>
@@ -39,24 +39,16 @@ std::optional<int> readIndex(std::string_view piece) {
 
 } // namespace
 
-void print(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
 void printLine(std::string_view text) {
-    print(text);
-    std::fputc('\n', stdout);
+    frontend::writeOut(std::string(text) + '\n');
 }
 
 void printErrorLine(std::string_view text) {
-    std::fflush(stdout);
-    std::string line(text);
-    line += '\n';
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    frontend::writeErr(std::string(text) + '\n');
 }
 
 std::optional<std::string> readInputLine() {
-    std::fflush(stdout);
+    frontend::flushOut();
     std::string line;
     // A file may be read ahead, as the place can be set back; of a pipe or a terminal only what belongs to
     // the line may be taken.
@@ -92,7 +84,7 @@ std::vector<std::size_t> promptIndexSelection(std::string_view title, std::size_
     if (!title.empty()) {
         printLine(title);
     }
-    print("Input index (e.g. 1 2 3 or 1,2,3): ");
+    frontend::writeOut("Input index (e.g. 1 2 3 or 1,2,3): ");
     std::vector<std::size_t> indices;
     const std::string answer = replaceAll(readInputLine().value_or(""), ",", " ");
     for (const std::string_view piece : splitBlank(answer)) {

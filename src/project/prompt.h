@@ -9,8 +9,6 @@
 /// Lines for the user and questions to the user.
 namespace morquill::project {
 
-/// Writes a text to standard output as it is.
-void print(std::string_view text);
 /// Writes a line to standard output.
 void printLine(std::string_view text);
 /// Writes a line to standard error, behind everything that was printed before.

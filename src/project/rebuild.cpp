@@ -17,11 +17,13 @@ namespace morquill::project {
 
 namespace {
 
-/// Stands in another directory for the time of a scope; stays where it is when that directory cannot be entered.
+/// Stands in another directory for the time of a scope; stays where it is when that directory cannot be
+/// entered.
 class WorkingDirectory {
   public:
     explicit WorkingDirectory(const std::string& dir)
-        : old_(::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)), moved_(old_ >= 0 && ::chdir(dir.c_str()) == 0) {}
+        : old_(::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+          moved_(old_ >= 0 && ::chdir(dir.c_str()) == 0) {}
     WorkingDirectory(const WorkingDirectory&) = delete;
     WorkingDirectory& operator=(const WorkingDirectory&) = delete;
     ~WorkingDirectory() {
@@ -155,8 +157,8 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
     return !withRunner || startRunner(place->directory, options.dryRun, summary);
 }
 
-/// Settles, before anything is touched, whether the runner is started at the end. False after a message when it
-/// was demanded and is not there.
+/// Settles, before anything is touched, whether the runner is started at the end. False after a message when
+/// it was demanded and is not there.
 bool settleRunner(const std::string& root, bool& runScript) {
     const auto runner = resolveRunner(root);
     const bool available = frontend::isRunnerAvailable(runner);
@@ -207,8 +209,8 @@ bool rebuildCase(const std::string& caseDir, const std::string& caseFile,
     return rebuild(openCase(caseDir, caseFile, selected, rebuildWords), selected, options);
 }
 
-bool rebuildProject(const std::string& root, const std::string& file, const std::vector<std::string>& selected,
-                    const RebuildOptions& options) {
+bool rebuildProject(const std::string& root, const std::string& file,
+                    const std::vector<std::string>& selected, const RebuildOptions& options) {
     return rebuild(openProject(root, file, selected, rebuildWords), selected, options);
 }
 
@@ -228,8 +230,9 @@ bool runProjectRebuild(const std::string& path, const std::vector<std::string>& 
     bool rebuilt = false;
     if (target.kind == TargetKind::Case) {
         if (chosen.runScript) {
-            printErrorLine("[mqkit][ERROR] --run-script requires a project root or .projmq path. For a single "
-                           "case, rebuild the case first, then run the project runner from the project root.");
+            printErrorLine(
+                "[mqkit][ERROR] --run-script requires a project root or .projmq path. For a single "
+                "case, rebuild the case first, then run the project runner from the project root.");
             return false;
         }
         rebuilt = rebuildCase(target.caseDir, target.caseFile, selected, chosen);

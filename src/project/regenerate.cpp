@@ -79,8 +79,8 @@ void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& sel
     }
     text += "  task blocks: " + formatSelection(selected) + "\n";
     text += dryRun ? "  mode: dry-run (no files written)\n" : "  mode: apply changes\n";
-    text.append("  morquill mode: ").append(words.mode).append("\n\n");
-    print(text);
+    text.append("  morquill mode: ").append(words.mode).append("\n");
+    printLine(text);
 }
 
 std::string_view executePrefix(bool dryRun) noexcept {

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-/// What update and rebuild share: the choice of blocks, the checks before anything is touched, the header, and
-/// the call of the generator `morquill`.
+/// What update and rebuild share: the choice of blocks, the checks before anything is touched, the header,
+/// and the call of the generator `morquill`.
 namespace morquill::project {
 
 /// One case or a whole project, checked and ready to be worked on.
@@ -30,8 +30,8 @@ struct WorkflowWords {
 inline constexpr WorkflowWords updateWords{"update", "Update", "comd-only", true};
 inline constexpr WorkflowWords rebuildWords{"rebuild", "Rebuild", "full", false};
 
-/// Resolves the path and chooses blocks by name or from the menu under `title`. False after a message; an empty
-/// choice is a success and was told.
+/// Resolves the path and chooses blocks by name or from the menu under `title`. False after a message; an
+/// empty choice is a success and was told.
 [[nodiscard]] bool chooseWork(const std::string& path, const std::vector<std::string>& names,
                               std::string_view title, ProjectTarget& target,
                               std::vector<std::string>& selected);

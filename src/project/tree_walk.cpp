@@ -26,7 +26,7 @@ EntryKind kindOf(DIR* dir, const dirent& entry) noexcept {
     }
     struct stat info {};
     return ::fstatat(::dirfd(dir), entry.d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 ? kindOfMode(info.st_mode)
-                                                                                   : EntryKind::other;
+                                                                                  : EntryKind::other;
 }
 
 struct CloseDirectory {
@@ -52,7 +52,8 @@ bool readDirectory(const std::string& dir, std::vector<DirectoryEntry>& entries)
     return true;
 }
 
-void walkTree(const std::string& top, const std::function<bool(const std::string& path, EntryKind kind)>& visit) {
+void walkTree(const std::string& top,
+              const std::function<bool(const std::string& path, EntryKind kind)>& visit) {
     std::vector<std::string> waiting{top};
     std::vector<DirectoryEntry> entries;
     while (!waiting.empty()) {

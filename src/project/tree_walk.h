@@ -21,8 +21,9 @@ struct DirectoryEntry {
 /// The entries of a directory in ascending byte order; false when it cannot be read.
 [[nodiscard]] bool readDirectory(const std::string& dir, std::vector<DirectoryEntry>& entries);
 
-/// Visits everything below `top` (not `top` itself, except as `unreadable`): the entries of a directory by name,
-/// then its sub-directories. For a directory the visitor says whether to go into it.
-void walkTree(const std::string& top, const std::function<bool(const std::string& path, EntryKind kind)>& visit);
+/// Visits everything below `top` (not `top` itself, except as `unreadable`): the entries of a directory by
+/// name, then its sub-directories. For a directory the visitor says whether to go into it.
+void walkTree(const std::string& top,
+              const std::function<bool(const std::string& path, EntryKind kind)>& visit);
 
 } // namespace morquill::project

@@ -1,5 +1,6 @@
 #include "project/update.h"
 
+#include "frontend/console.h"
 #include "project/paths.h"
 #include "project/process.h"
 #include "project/prompt.h"
@@ -44,7 +45,8 @@ bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selecte
     }
     printLine("[mqkit] mq.status restored after comd-only update");
     if (!refreshed) {
-        printErrorLine("[mqkit][ERROR] failed to re-run morquill in --comd-only mode" + inParentheses(failure));
+        printErrorLine("[mqkit][ERROR] failed to re-run morquill in --comd-only mode" +
+                       inParentheses(failure));
         return false;
     }
     printLine("[mqkit] morquill --comd-only update completed");
@@ -144,8 +146,9 @@ bool runProjectUpdate(const std::string& path, const std::vector<std::string>& n
     printLine("[mqkit] update mode always calls morquill with --comd-only to refresh command scripts only.");
     UpdateOptions chosen = options;
     if (!chosen.runComd) {
-        print("\n[mqkit] execute comd in the selected task directories afterwards? (y/n; n writes "
-              "mqkit_update_comd.sh): ");
+        frontend::writeOut(
+            "\n[mqkit] execute comd in the selected task directories afterwards? (y/n; n writes "
+            "mqkit_update_comd.sh): ");
         chosen.runComd = askYesNo();
         if (!chosen.runComd) {
             printLine("[mqkit] mqkit_update_comd.sh will be written after the update for later execution.");

@@ -16,8 +16,8 @@ namespace morquill::project {
 [[nodiscard]] bool updateProject(const std::string& root, const std::string& file,
                                  const std::vector<std::string>& selected, const UpdateOptions& options);
 
-/// Runs `bash comd` in the selected block directories of each case, counting what went well and what did not; a
-/// dry run counts the runnable ones. True when nothing failed; what is missing is only told.
+/// Runs `bash comd` in the selected block directories of each case, counting what went well and what did not;
+/// a dry run counts the runnable ones. True when nothing failed; what is missing is only told.
 [[nodiscard]] bool runComdForCases(const std::vector<std::string>& caseDirs,
                                    const std::vector<std::string>& selected, bool dryRun,
                                    UpdateSummary& summary);

@@ -37,6 +37,12 @@ SourceSpan DirectiveReader::headerSpan() const {
     return spanOfLine(line.originPath, line.lineNumber, line.text);
 }
 
+SourceSpan DirectiveReader::conditionSpan() const {
+    SourceSpan place = span();
+    place.path = task.filePath;
+    return place;
+}
+
 std::optional<std::string_view> DirectiveReader::nextLineOfAnyKind() {
     if (index + 1 >= lines.size() || lines[index + 1].directiveBoundary) {
         return std::nullopt;

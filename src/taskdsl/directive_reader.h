@@ -43,6 +43,9 @@ class DirectiveReader {
     /// The span of the directive's own line.
     [[nodiscard]] SourceSpan headerSpan() const;
 
+    /// The place of a condition on the line read last; conditions stand in the file of their task.
+    [[nodiscard]] SourceSpan conditionSpan() const;
+
     /// Moves to the next line of the block and gives its cleaned text, which may be empty; nothing, and no move,
     /// where the block ends.
     std::optional<std::string_view> nextLine();

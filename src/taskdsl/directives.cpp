@@ -193,26 +193,18 @@ void readMeta(DirectiveReader& reader) {
 }
 
 void readMod(DirectiveReader& reader) {
-    const auto add = [&reader](std::string_view text) {
-        auto [key, value] = parseModLine(text);
-        if (key.empty()) {
-            return;
-        }
-        reader.task.modValues[key] = value;
-        reader.task.modEntries.push_back({std::move(key), std::move(value)});
-    };
     if (!reader.value.empty()) {
-        add(reader.value);
+        addModLine(reader.task, reader.value);
     }
     while (const auto line = reader.nextFilledLine()) {
-        add(*line);
+        addModLine(reader.task, *line);
     }
 }
 
 void readWhen(DirectiveReader& reader) {
     const auto add = [&reader](std::string_view text) {
         reader.task.whenConditions.emplace_back(text);
-        reader.task.whenEntries.push_back({std::string(text), reader.span()});
+        reader.task.whenEntries.push_back({std::string(text), reader.conditionSpan()});
     };
     if (!reader.value.empty()) {
         add(reader.value);

@@ -20,7 +20,7 @@ void addCompletedCondition(DirectiveReader& reader, const std::string& name) {
     if (std::find(task.whenConditions.begin(), task.whenConditions.end(), condition) != task.whenConditions.end()) {
         return;
     }
-    task.whenEntries.push_back({condition, reader.headerSpan()});
+    task.whenEntries.push_back({condition, reader.conditionSpan()});
     task.whenConditions.push_back(std::move(condition));
 }
 
@@ -50,8 +50,8 @@ void readInlineSource(DirectiveReader& reader) {
     task.sourceTasks.clear();
     task.source = value;
     if (value.empty() || value == "origin" || value == "restart" || value.starts_with("xyz=")) {
-        // The frame of an xyz source is checked here, where the task's name and place are known.
-        (void)parseSourceText(value);
+        // A faulty frame is told while the file is read, not by whoever looks at the source first.
+        (void)parseInlineSource(value);
         return;
     }
     std::vector<std::string> names = splitTrimmed(value, ',');
@@ -74,27 +74,12 @@ void readInlineSource(DirectiveReader& reader) {
 }
 
 void readStructuredSource(DirectiveReader& reader) {
-    std::vector<SourceBinding> bindings;
-    while (const auto line = reader.nextFilledLine()) {
-        try {
-            bindings.push_back(parseSourceBinding(*line));
-        } catch (const DiagnosticError& error) {
-            reader.failHere("has invalid structured %source entry: " + error.message());
-        }
-    }
     const SourceSpan place = reader.headerSpan();
-    const std::string who = "task '" + reader.task.name + "' ";
-    if (bindings.empty()) {
-        throw DiagnosticError(
-            place, who + "has empty %source; provide an inline source or one or more structured bindings");
+    std::vector<SourceEntryLine> lines;
+    while (const auto line = reader.nextFilledLine()) {
+        lines.push_back({std::string(*line), reader.span()});
     }
-    try {
-        // Frames may still hold placeholders; they are checked after the last substitution.
-        validateStructuredSource(bindings, false);
-    } catch (const DiagnosticError& error) {
-        throw DiagnosticError(place, who + "has invalid structured %source: " + error.message());
-    }
-    applySource(reader.task, SourceSpec(std::move(bindings)));
+    applySource(reader.task, SourceStructured{parseSourceBlock(lines, reader.task.name, place)}, false);
 }
 
 } // namespace

@@ -1,0 +1,344 @@
+#include "views/canonical_writer.h"
+
+#include "support/text.h"
+#include "taskdsl/mod_operation.h"
+#include "taskdsl/source_spec.h"
+#include "views/canonical_scalar.h"
+#include "views/legacy_keywords.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace morquill::views {
+
+using taskdsl::TaskDocument;
+using taskdsl::TaskInfo;
+using taskdsl::TaskProgram;
+
+namespace {
+
+/// The text under construction. Directives stand two blanks in, lines of a block directive four.
+class CanonicalText {
+  public:
+    template <class... Pieces>
+    void line(const Pieces&... pieces) {
+        (out.append(std::string_view(pieces)), ...);
+        out += '\n';
+    }
+    /// `  %<directive> <value>` with the value through the scalar rule.
+    void scalar(std::string_view directive, std::string_view value) {
+        out.append("  %").append(directive).push_back(' ');
+        appendCanonicalScalar(out, value);
+        out += '\n';
+    }
+    void filledScalar(std::string_view directive, std::string_view value) {
+        if (!value.empty()) {
+            scalar(directive, value);
+        }
+    }
+    /// The terminator is always EOF: a text with such a line does not survive rewriting.
+    void heredoc(std::string_view directive, std::string_view text) {
+        line("  %", directive, " << EOF");
+        if (!text.empty()) {
+            line(text);
+        }
+        line("EOF");
+    }
+    void filledHeredoc(std::string_view directive, std::string_view text) {
+        if (!text.empty()) {
+            heredoc(directive, text);
+        }
+    }
+    void block(std::string_view directive, const std::vector<std::string>& lines) {
+        if (lines.empty()) {
+            return;
+        }
+        line("  %", directive);
+        for (const auto& text : lines) {
+            line("    ", text);
+        }
+    }
+
+    std::string out;
+};
+
+void writeSettings(CanonicalText& text, const TaskDocument& document) {
+    text.line("dsl_version: 2");
+    for (const auto& [key, value] : document.settings) {
+        if (key != "dsl_version") {
+            text.line(key, ": ", quoteCanonicalScalar(value));
+        }
+    }
+    if (!document.defines.empty()) {
+        text.line("define:");
+        for (const auto& [key, value] : document.defines) {
+            text.line("  ", key, ": ", quoteCanonicalScalar(value));
+        }
+    }
+}
+
+void writeMatrix(CanonicalText& text, const TaskDocument& document) {
+    const auto& axes = document.matrixAxes;
+    if (axes.empty() && document.matrixValues.empty()) {
+        return;
+    }
+    text.line("matrix:");
+    if (axes.empty()) {
+        for (const auto& [key, values] : document.matrixValues) {
+            text.line("  ", key, ": ", joinCanonicalList(values));
+        }
+        return;
+    }
+    const bool isLong = std::any_of(axes.begin(), axes.end(), [](const taskdsl::MatrixAxis& axis) {
+        return !axis.names.empty() || !axis.map.empty();
+    });
+    for (const auto& axis : axes) {
+        text.line(isLong ? "  - " : "  ", axis.key, ": ", joinCanonicalList(axis.values));
+        if (!axis.names.empty()) {
+            text.line("    name: ", joinCanonicalList(axis.names));
+        }
+        if (!axis.map.empty()) {
+            text.line("    map: ", quoteCanonicalScalar(axis.map));
+        }
+    }
+}
+
+void writeSource(CanonicalText& text, const TaskInfo& task) {
+    if (taskdsl::hasStructuredSource(task)) {
+        text.line("  %source");
+        for (const auto& binding : task.sourceBindings) {
+            text.line("    ", taskdsl::formatSourceBinding(binding));
+        }
+        return;
+    }
+    const std::string source = taskdsl::formatSourceSpec(taskdsl::sourceSpecOf(task));
+    text.scalar("source", source.empty() ? "origin" : source);
+}
+
+void writeCluster(CanonicalText& text, const taskdsl::BatchCluster& cluster) {
+    std::string line = "    cluster ";
+    line += cluster.metric == taskdsl::ClusterMetric::rmsd ? "rmsd" : "dist";
+    line += " geo=" + formatCanonicalNumber(cluster.geometryThreshold);
+    line += " energy=" + (cluster.energyOff ? "off" : formatCanonicalNumber(cluster.energyThreshold));
+    line += " temperature=" + formatCanonicalNumber(cluster.temperature);
+    if (cluster.hasMinWeight) {
+        line += " min=" + formatCanonicalNumber(cluster.minWeight);
+    }
+    if (cluster.hasAccumulation) {
+        line += " accum=" + formatCanonicalNumber(cluster.accumulation);
+    }
+    text.line(line);
+}
+
+void writeBatch(CanonicalText& text, const TaskInfo& task) {
+    if (task.batchLanes <= 0) {
+        return;
+    }
+    const std::string lanes = std::to_string(task.batchLanes);
+    if (task.batchCollect.empty() && !task.batchCluster.present) {
+        text.line("  %batch ", lanes);
+        return;
+    }
+    text.line("  %batch");
+    text.line("    lane ", lanes);
+    if (task.batchCluster.present) {
+        writeCluster(text, task.batchCluster);
+    }
+    for (const auto& entry : task.batchCollect) {
+        // A pattern that would not be one word again is quoted.
+        text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteSourceToken(entry.pattern),
+                  entry.destination.empty() ? "" : " as ", entry.destination);
+    }
+}
+
+void writeControl(CanonicalText& text, const TaskInfo& task) {
+    bool open = false;
+    const auto item = [&](std::string_view key, std::string_view value) {
+        if (!open) {
+            text.line("  %control");
+            open = true;
+        }
+        text.line("    ", key, " ", value);
+    };
+    const auto positive = [&](std::string_view key, std::int32_t value) {
+        if (value > 0) {
+            item(key, std::to_string(value));
+        }
+    };
+    const auto filled = [&](std::string_view key, std::string_view value) {
+        if (!value.empty()) {
+            item(key, value);
+        }
+    };
+    positive("totcore", task.totalCores);
+    positive("totmem", task.totalMemory);
+    positive("gpus", task.gpuCount);
+    filled("gpu_type", task.gpuType);
+    positive("gpu_mem", task.gpuMemory);
+    if (task.guessEnabled) {
+        item("guess", task.guessSourceTask.empty() ? std::string_view("true") : task.guessSourceTask);
+    }
+    filled("guess_converter", task.guessConverter);
+    if (!task.waitFreq) {
+        item("waitfreq", "false");
+    }
+    if (task.localFirst) {
+        item("localfirst", "true");
+    }
+    if (task.externalInput) {
+        item("externalinp", "true");
+    }
+    if (!task.finalGeom.empty()) {
+        item("finalgeom", quoteCanonicalScalar(task.finalGeom));
+    }
+    filled("verbosity", task.verbosity);
+}
+
+void writeKeywords(CanonicalText& text, const TaskInfo& task) {
+    if (task.keywords.find_first_of("\n\r") == std::string::npos) {
+        text.filledScalar("keywords", task.keywords);
+    } else {
+        text.heredoc("keywords", task.keywords);
+    }
+}
+
+void writeInputPayload(CanonicalText& text, const TaskInfo& task) {
+    writeKeywords(text, task);
+    text.filledHeredoc("extrainput", task.extraKeywords);
+}
+
+void writeOrcaPayload(CanonicalText& text, const TaskInfo& task) {
+    writeKeywords(text, task);
+    std::string extra = task.extraKeywords;
+    if (!task.orcaBlock.empty()) {
+        if (!extra.empty() && extra.back() != '\n') {
+            extra += '\n';
+        }
+        extra += task.orcaBlock;
+    }
+    text.filledHeredoc("extrainput", extra);
+}
+
+void writeXtbPayload(CanonicalText& text, const TaskInfo& task) {
+    text.filledScalar("args", task.args);
+    text.filledHeredoc("extrainput", task.extraKeywords);
+}
+
+void writeOtherPayload(CanonicalText& text, const TaskInfo& task) {
+    text.filledScalar("template", resolvedTemplateName(task));
+    const std::string legacy = task.paramValues.empty() ? legacyParamValues(task.keywords) : std::string();
+    const auto params = trim(task.paramValues.empty() ? std::string_view(legacy) : task.paramValues);
+    if (!params.empty()) {
+        text.line("  %param ", params);
+    }
+}
+
+void writeScriptPayload(CanonicalText& text, const TaskInfo& task) {
+    text.filledScalar("runner", resolvedRunner(task));
+    text.heredoc("body", task.body);
+}
+
+void writePayload(CanonicalText& text, const TaskInfo& task) {
+    switch (task.program) {
+    case TaskProgram::orca:
+        return writeOrcaPayload(text, task);
+    case TaskProgram::xtb:
+        return writeXtbPayload(text, task);
+    case TaskProgram::other:
+        return writeOtherPayload(text, task);
+    case TaskProgram::script:
+        return writeScriptPayload(text, task);
+    default:
+        return writeInputPayload(text, task);
+    }
+}
+
+void writeMods(CanonicalText& text, const TaskInfo& task) {
+    if (task.modEntries.empty() && task.modValues.empty()) {
+        return;
+    }
+    text.line("  %mod");
+    for (const auto& entry : taskdsl::modEntriesOf(task)) {
+        const std::string line = taskdsl::formatModEntry(entry);
+        if (!line.empty()) {
+            text.line("    ", line);
+        }
+    }
+}
+
+void writeCaptured(CanonicalText& text, std::string_view keyword, const taskdsl::CapturedBlock& block,
+                   std::string_view end) {
+    text.line(keyword, block.header.empty() ? "" : " ", block.header);
+    for (const auto& line : block.lines) {
+        text.line(line.text);
+    }
+    if (!end.empty()) {
+        text.line(end);
+    }
+}
+
+void writeTask(CanonicalText& text, const TaskInfo& task) {
+    text.line("$", task.name);
+    writeSource(text, task);
+    if (task.program != TaskProgram::gaussian) {
+        text.line("  %program ", taskdsl::programName(task.program));
+    }
+    writeBatch(text, task);
+    writeControl(text, task);
+    text.block("when", task.whenConditions);
+    writePayload(text, task);
+    text.block("preprocess", task.preProcessCommands);
+    text.block("process", task.processCommands);
+    writeMods(text, task);
+    if (!task.strucId.empty()) {
+        text.line("  %meta");
+        text.line("    strucid ", task.strucId);
+    }
+    for (const auto& plot : task.plots) {
+        writeCaptured(text, "  %plot", plot.captured, "");
+    }
+}
+
+} // namespace
+
+std::string resolvedTemplateName(const TaskInfo& task) {
+    return task.templateName.empty() ? legacyTemplateName(task.keywords) : task.templateName;
+}
+
+const std::string& resolvedRunner(const TaskInfo& task) noexcept {
+    return task.runner.empty() ? task.keywords : task.runner;
+}
+
+std::string renderCanonicalDocument(const TaskDocument& document, CanonicalView view) {
+    CanonicalText text;
+    writeSettings(text, document);
+    const bool isSource = view == CanonicalView::sourceView;
+    if (isSource) {
+        writeMatrix(text, document);
+    }
+    text.line();
+    const auto& tasks = isSource && !document.templateTasks.empty() ? document.templateTasks : document.tasks;
+    const bool hasBlocks = !document.plots.empty() || !document.derives.empty();
+    for (const TaskInfo& task : tasks) {
+        writeTask(text, task);
+        if (hasBlocks || &task != &tasks.back()) {
+            text.line();
+        }
+    }
+    for (const auto& plot : document.plots) {
+        writeCaptured(text, "@plot", plot.captured, "@end");
+        if (!document.derives.empty() || &plot != &document.plots.back()) {
+            text.line();
+        }
+    }
+    for (const auto& derive : document.derives) {
+        writeCaptured(text, "@derive", derive.captured, "@end");
+        if (&derive != &document.derives.back()) {
+            text.line();
+        }
+    }
+    return std::move(text.out);
+}
+
+} // namespace morquill::views

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string_view>
+
+/// `fmt`, `migrate` and `expand`: a task file through the parser and the canonical writer. Run operations look
+/// at the arguments from `argv[2]` on and give the exit status; help operations write to standard output.
+namespace morquill::views {
+
+void printFmtHelp(std::string_view programPath);
+int runFmt(int argc, char** argv);
+
+void printMigrateHelp(std::string_view programPath);
+int runMigrate(int argc, char** argv);
+
+void printExpandHelp(std::string_view programPath);
+int runExpand(int argc, char** argv);
+
+} // namespace morquill::views
