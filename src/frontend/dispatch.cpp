@@ -16,7 +16,7 @@ namespace morquill::frontend {
 
 namespace {
 
-using Arguments = std::span<char* const>; // argv[1..], never empty here
+using Arguments = std::span<const char* const>;
 
 template <std::size_t N>
 bool isOneOf(const std::array<std::string_view, N>& words, std::string_view word) {
@@ -39,7 +39,7 @@ bool isRenameShape(Arguments arguments) {
 
 bool isUpdateShape(Arguments arguments) {
     static constexpr std::array<std::string_view, 4> options{"-b", "--batch", "-u", "--update"};
-    return isOneOf(options, arguments.front());
+    return !arguments.empty() && isOneOf(options, arguments.front());
 }
 
 bool isProjectShape(Arguments arguments) {
@@ -55,21 +55,15 @@ bool isTemplateShape(Arguments arguments) {
     static constexpr std::array<std::string_view, 12> options{
         "-t",         "-i",      "-l",        "-c", "-m", "-v", "--test", "--list", "--interactive",
         "--category", "--merge", "--variable"};
-    return isOneOf(options, arguments.front());
+    return !arguments.empty() && isOneOf(options, arguments.front());
 }
 
-/// A command line without command word that is still understood.
-struct OlderShape {
-    bool (*matches)(Arguments arguments);
-    RunOperation run;
-};
-
-/// In the order in which they are tried: the first that matches takes the whole command line.
+// In the order in which they are tried: the first that matches takes the whole command line.
 constexpr std::array<OlderShape, 4> olderShapes{{
-    {isRenameShape, notBuiltRun<"rename">},
-    {isUpdateShape, notBuiltRun<"project">},
-    {isProjectShape, notBuiltRun<"project">},
-    {isTemplateShape, notBuiltRun<"template">},
+    {"rename", isRenameShape, notBuiltRun<"rename">},
+    {"update", isUpdateShape, notBuiltRun<"project">},
+    {"project", isProjectShape, notBuiltRun<"project">},
+    {"template", isTemplateShape, notBuiltRun<"template">},
 }};
 
 /// Tells what is wrong with the command line, shows the commands, gives the status.
@@ -162,13 +156,16 @@ int dispatchCommand(int argc, char** argv) {
     if (matches.size() > 1) {
         return refuse(" ambiguous command prefix: " + first + listMatches(matches), argv[0]);
     }
-    const Arguments arguments(argv + 1, static_cast<std::size_t>(argc - 1));
-    for (const auto& shape : olderShapes) {
-        if (shape.matches(arguments)) {
-            return shape.run(argc, argv);
-        }
+    if (const OlderShape* shape = findOlderShape({argv + 1, static_cast<std::size_t>(argc - 1)})) {
+        return shape->run(argc, argv);
     }
     return refuse(" unknown command or argument: " + first, argv[0]);
+}
+
+const OlderShape* findOlderShape(std::span<const char* const> arguments) {
+    const auto found = std::find_if(olderShapes.begin(), olderShapes.end(),
+                                    [&](const OlderShape& shape) { return shape.matches(arguments); });
+    return found == olderShapes.end() ? nullptr : &*found;
 }
 
 void printTopLevelHelp(std::string_view programPath) {

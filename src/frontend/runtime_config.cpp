@@ -138,7 +138,11 @@ std::string expandReferences(std::string_view text) {
 /// The first executable regular file of that name along `PATH`; an empty entry there is the current
 /// directory.
 std::optional<std::string> searchPath(const std::string& name) {
-    for (const auto& entry : splitOn(getEnvOrDefault("PATH", ""), ':')) {
+    const auto directories = environmentValue("PATH");
+    if (!directories) {
+        return std::nullopt;
+    }
+    for (const auto& entry : splitOn(*directories, ':')) {
         const std::string path = (entry.empty() ? "." : entry) + "/" + name;
         if (isRegularFile(path) && ::access(path.c_str(), X_OK) == 0) {
             return path;

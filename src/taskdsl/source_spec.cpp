@@ -7,7 +7,6 @@
 #include "taskdsl/task_document.h"
 
 #include <algorithm>
-#include <optional>
 #include <set>
 
 namespace morquill::taskdsl {
@@ -45,10 +44,16 @@ std::string inDoubleQuotes(std::string_view token) {
     return quoted;
 }
 
-/// A value that is unquoted once more after the words were split would lose blanks or quotes at its ends; a
-/// pair of quotes around it takes that loss.
-std::string guardUnquote(const std::string& value) {
-    return unquote(value) == value ? value : "\"" + value + "\"";
+/// Takes off every pair of quotes that still encloses a word after the words were split. One pair alone would
+/// leave a value that loses the next one when it is printed and read again.
+std::string_view unquoteAll(std::string_view word) {
+    for (;;) {
+        const auto bare = unquote(word);
+        if (bare == word) {
+            return bare;
+        }
+        word = bare;
+    }
 }
 
 /// A word of an inline source. Backslashes are left bare where word splitting takes them literally.
@@ -69,7 +74,7 @@ SourceXyz parseInlineXyz(std::string_view text) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string_view word = words[i];
         if (i == 0) {
-            xyz.file = unquote(word);
+            xyz.file = unquoteAll(word);
         } else if (!xyz.hasFrame && word.starts_with(framePrefix)) {
             const auto frame = readPositiveInt(word.substr(framePrefix.size()));
             if (!frame) {
@@ -112,7 +117,7 @@ void readBindingSource(SourceBinding& binding, std::string_view word) {
         binding.sourceKind = BindingSource::restart;
     } else if (word.starts_with(xyzPrefix)) {
         binding.sourceKind = BindingSource::xyz;
-        binding.sourceValue = unquote(word.substr(xyzPrefix.size()));
+        binding.sourceValue = unquoteAll(word.substr(xyzPrefix.size()));
         if (binding.sourceValue.empty()) {
             failBinding(binding.key, "is missing the file name after xyz=");
         }
@@ -128,8 +133,8 @@ std::pair<std::string, std::string> splitSelector(std::string_view word) {
     if (equals == std::string_view::npos || equals == 0 || equals + 1 == word.size()) {
         fail("invalid structured %source selector " + inQuotes(word) + "; expected selector=value");
     }
-    std::pair<std::string, std::string> selector(unquote(word.substr(0, equals)),
-                                                 unquote(word.substr(equals + 1)));
+    std::pair<std::string, std::string> selector(unquoteAll(word.substr(0, equals)),
+                                                 unquoteAll(word.substr(equals + 1)));
     if (!isDottedIdentifier(selector.first)) {
         fail("invalid structured %source selector key " + inQuotes(selector.first) +
              "; use dot-separated identifiers beginning with a letter");
@@ -178,7 +183,7 @@ std::string bindingReference(const SourceBinding& binding) {
     case BindingSource::task:
         return quoteSourceToken(binding.sourceValue);
     case BindingSource::xyz:
-        return std::string(xyzPrefix) + quoteSourceToken(guardUnquote(binding.sourceValue)) +
+        return std::string(xyzPrefix) + quoteSourceToken(binding.sourceValue) +
                frameSuffix(binding.hasFrame, binding.frameIndex);
     case BindingSource::origin:
         break;
@@ -194,8 +199,8 @@ std::string bindingKey(const SourceBinding& binding) {
 }
 
 std::string formatXyz(const SourceXyz& xyz) {
-    auto text = std::string(xyzPrefix) + quoteInlineWord(guardUnquote(xyz.file)) +
-                frameSuffix(xyz.hasFrame, xyz.frameIndex);
+    auto text =
+        std::string(xyzPrefix) + quoteInlineWord(xyz.file) + frameSuffix(xyz.hasFrame, xyz.frameIndex);
     for (const auto& word : xyz.furtherWords) {
         if (!word.empty()) {
             text += ' ';
@@ -366,7 +371,7 @@ std::string formatSourceBinding(const SourceBinding& binding) {
     auto text = bindingKey(binding) + " " + bindingReference(binding);
     for (const auto& [key, value] : binding.selectors) {
         if (!key.empty()) {
-            text += " " + key + "=" + quoteSourceToken(guardUnquote(value));
+            text += " " + key + "=" + quoteSourceToken(value);
         }
     }
     return text;

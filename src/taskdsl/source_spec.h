@@ -122,6 +122,6 @@ struct SourceEntryLine {
 /// Stores a source into `source`, `sourceTasks` and `sourceBindings`, replacing what was there. `sourceTasks`
 /// takes a list of several names; with `keepList` that of a single name too, as the inline directive leaves
 /// it.
-void applySource(TaskInfo& task, const SourceSpec& spec, bool keepList);
+void applySource(TaskInfo& task, const SourceSpec& spec, bool keepList = false);
 
 } // namespace morquill::taskdsl

@@ -1,0 +1,95 @@
+# How a command line finds its command: names, unique prefixes, help topics, and the older shapes.
+
+setup() {
+    export NO_COLOR=1
+    cd "$BATS_TEST_TMPDIR"
+    top_help="$("$MQKIT" help)"
+}
+
+# expect <status> <standard output> <standard error> <arguments>...: all of it to the byte.
+expect() {
+    local status=0
+    "$MQKIT" "${@:4}" >out 2>err || status=$?
+    [ "$status" -eq "$1" ]
+    printf '%s' "$2" | diff - out
+    printf '%s' "$3" | diff - err
+}
+
+# refused <message> <arguments>...: one message, the whole help, status 1.
+refused() { expect 1 "$top_help"$'\n' "[mqkit][ERROR]$1"$'\n' "${@:2}"; }
+
+# missing <command> <arguments>...: the command was found, and this build does not have it.
+missing() { expect 1 "" "[mqkit][ERROR] '$1' is not part of this build yet"$'\n' "${@:2}"; }
+
+# missing_help <command> <arguments>...: likewise for its help, which is no failure.
+missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "${@:2}"; }
+
+@test "an unknown word is refused as it was written" {
+    refused " unknown command or argument: Nothing" Nothing
+    refused " unknown command or argument: fmtx" fmtx
+    refused " unknown command or argument: -x" -x fmt
+    refused " unknown command or argument: a.mq" a.mq
+    refused " unknown command or argument: "$'\xff\x01' $'\xff\x01'
+}
+
+@test "an empty first argument is an unknown one" {
+    refused " unknown command or argument: " ""
+    refused " unknown command or argument: " "" fmt
+}
+
+@test "an ambiguous prefix lists its commands in table order" {
+    refused " ambiguous command prefix: e (matches: expand, explain)" e
+    refused " ambiguous command prefix: Exp (matches: expand, explain)" Exp a.mq
+    refused " ambiguous command prefix: ex (matches: expand, explain)" ex demo.projmq -n opt
+}
+
+@test "a help topic may be a prefix in any case; unknown and ambiguous ones are refused" {
+    refused " ambiguous help topic prefix: e (matches: expand, explain)" help e
+    refused " ambiguous help topic prefix: E (matches: expand, explain)" --HELP E x
+    refused " unknown help topic: nothing" help nothing
+    refused " unknown help topic: Nothing" -h Nothing fmt
+    refused " unknown help topic: " help ""
+    refused " unknown help topic: --help" help --help
+}
+
+@test "help <topic> is the help of that command" {
+    missing_help project help proj
+    missing_help lint HELP LINT further words
+    missing_help template -h t
+    missing_help rename --help rename
+}
+
+@test "a help token right behind a file command is its help, further back it is the command's own matter" {
+    for token in -h help --help; do
+        missing_help fmt fmt "$token"
+        missing_help explain expl "$token" x.mq
+    done
+    missing fmt fmt HELP
+    missing fmt fmt x.mq -h
+}
+
+@test "commands are found by unique prefix in any case" {
+    missing template T list
+    missing project p
+    missing project PROJ init
+    missing rename ren a b c
+    missing lint lin
+}
+
+@test "older shapes need no command word" {
+    missing rename a.mq -r opt opt2
+    missing rename demo.projmq --rename old new
+    missing project -u demo.projmq
+    missing project --batch
+    missing project a.projmq -n opt --exec 'ls'
+    missing project demo.projmq
+    missing template -l
+    missing template --merge opt freq
+    refused " unknown command or argument: -U" -U
+    refused " unknown command or argument: -L" -L
+    refused " unknown command or argument: x" x -t
+}
+
+@test "a command word comes before every older shape" {
+    missing lint lint -n opt demo.projmq -r
+}

@@ -1,0 +1,95 @@
+// What the writer prints reads back: the text that parsing and printing it gives is the same text.
+
+#include "taskdsl/task_parser.h"
+#include "views/canonical_writer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+namespace morquill::views {
+namespace {
+
+std::string canonical(const std::string& text) {
+    taskdsl::TaskParser parser(true, [](const std::string&) {});
+    return renderCanonicalDocument(parser.parseText(text, ""), CanonicalView::sourceView);
+}
+
+TEST(RoundTrip, AwkwardScalarsSurvive) {
+    for (const char* value : {"plain", "two words", "a\"b", "a \\\"b\\\" c", "back\\slash", "\\n stays", "a # b",
+                              "it's", "'single'", "tab\\tescape", "x,y:z", "\"\\\"quoted\\\"\"", "''twice''",
+                              "\"a\" and \"b\"", "ends in \\", "\"'nested'\""}) {
+        for (const char* directive : {"%keywords ", "%program other\n%template ", "%program script\n%runner ",
+                                      "%program xtb\n%args ", "%source xyz=", "%source "}) {
+            const std::string once = canonical("$a\n" + std::string(directive) + value + "\n");
+            EXPECT_EQ(canonical(once), once) << directive << value;
+        }
+    }
+}
+
+TEST(RoundTrip, TheExamplesAreStable) {
+    std::size_t seen = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator("examples")) {
+        if (entry.path().extension() != ".mq") {
+            continue;
+        }
+        taskdsl::TaskParser parser(true, [](const std::string&) {});
+        const std::string once =
+            renderCanonicalDocument(parser.parseFile(entry.path().string()), CanonicalView::sourceView);
+        EXPECT_EQ(canonical(once), once) << entry.path();
+        ++seen;
+    }
+    EXPECT_GE(seen, 7U);
+}
+
+TEST(RoundTrip, EveryDirectiveSurvives) {
+    const std::string text = "dsl_version: 2\n"
+                             "\n"
+                             "$a\n"
+                             "  %source \"xyz=start.xyz frame=2\"\n"
+                             "  %program orca\n"
+                             "  %batch\n"
+                             "    lane 4\n"
+                             "    cluster rmsd geo=0.125 energy=off temperature=300\n"
+                             "    collect required *.xyz as out/x\n"
+                             "  %control\n"
+                             "    totcore 8\n"
+                             "    guess true\n"
+                             "    finalgeom \"a b.xyz\"\n"
+                             "  %when\n"
+                             "    completed b and ({{ b.energy }} < -1.5 or defined x)\n"
+                             "  %keywords \"B3LYP def2-SVP Opt\"\n"
+                             "  %extrainput << EOF\n"
+                             "%scf\n"
+                             "  MaxIter 200 # kept\n"
+                             "end\n"
+                             "EOF\n"
+                             "  %preprocess\n"
+                             "    copy \"a b\" c\n"
+                             "  %process\n"
+                             "    multiwfn x\n"
+                             "  %mod\n"
+                             "    charge add 1\n"
+                             "    basisset def2-TZVP on=element:N,O role=aux-j ecp=none\n"
+                             "  %meta\n"
+                             "    strucid s-1\n"
+                             "\n"
+                             "$b\n"
+                             "  %source\n"
+                             "    geom a\n"
+                             "    geom.x xyz=f.xyz frame=2\n"
+                             "    density a kind=fchk\n"
+                             "  %program script\n"
+                             "  %runner \"/usr/bin/env bash\"\n"
+                             "  %body << EOF\n"
+                             "set -eu\n"
+                             "\n"
+                             "# comment\n"
+                             "EOF\n";
+    EXPECT_EQ(canonical(text), text);
+}
+
+} // namespace
+} // namespace morquill::views
