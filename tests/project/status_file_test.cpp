@@ -1,13 +1,7 @@
 #include "project/status_file.h"
-#include "support/file.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <csignal>
-#include <filesystem>
-
-#include <sys/resource.h>
+#include "file_size_limit.h"
+#include "scratch_tree.h"
 
 namespace morquill::project {
 namespace {
@@ -17,39 +11,12 @@ using ::testing::ElementsAre;
 
 const std::string header = "# TASK            STATUS           UPDATED_AT              REASON\n";
 
-/// For as long as it lives, no file grows past `bytes`: writes beyond fail as on a full disk.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : oldHandler(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &old);
-        const rlimit small{bytes, old.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &small);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &old);
-        std::signal(SIGXFSZ, oldHandler);
-    }
-
-  private:
-    rlimit old{};
-    void (*oldHandler)(int);
-};
-
-class StatusFile : public ::testing::Test {
+class StatusFile : public ScratchTree {
   protected:
-    StatusFile() {
-        std::string name = (fs::temp_directory_path() / "mqkit-status-XXXXXX").string();
-        dir = ::mkdtemp(name.data());
-        path = statusFilePath(dir);
-    }
-    ~StatusFile() override { fs::remove_all(dir); }
-    void put(const std::string& text) const { ASSERT_TRUE(writeTextFile(path, text)); }
+    void put(const std::string& text) const { write("mq.status", text); }
     [[nodiscard]] std::string onDisk() const { return readTextFile(path).value_or("(no file)"); }
 
-    std::string dir;
-    std::string path;
+    std::string path = at("mq.status");
 };
 
 TEST(CompletedTasks, AreReadLineByLine) {
@@ -139,29 +106,29 @@ TEST(StatusRecordsText, SurvivesWritingAndReading) {
 }
 
 TEST_F(StatusFile, ThatIsMissingADirectoryOrUnreadableGivesNothing) {
-    EXPECT_TRUE(readCompletedTasks(dir).empty());
+    EXPECT_TRUE(readCompletedTasks(root).empty());
     EXPECT_TRUE(readStatusRecords(path).empty());
-    EXPECT_TRUE(removeTaskRecords(dir, {"opt"}));
+    EXPECT_TRUE(removeTaskRecords(root, {"opt"}));
     EXPECT_EQ(onDisk(), "(no file)");
 
     fs::create_directory(path);
-    EXPECT_TRUE(readCompletedTasks(dir).empty());
-    EXPECT_TRUE(removeTaskRecords(dir, {"opt"}));
+    EXPECT_TRUE(readCompletedTasks(root).empty());
+    EXPECT_TRUE(removeTaskRecords(root, {"opt"}));
     EXPECT_TRUE(fs::is_directory(path));
     EXPECT_FALSE(writeStatusRecords(path, {{"opt", {"opt", TaskStatus::Rendered, "-", "-"}}}));
     fs::remove(path);
 
     // A regular file whose first byte cannot be read, whoever asks.
     fs::create_symlink("/proc/self/mem", path);
-    EXPECT_TRUE(readCompletedTasks(dir).empty());
-    EXPECT_FALSE(removeTaskRecords(dir, {"opt"}));
+    EXPECT_TRUE(readCompletedTasks(root).empty());
+    EXPECT_FALSE(removeTaskRecords(root, {"opt"}));
     EXPECT_TRUE(fs::is_symlink(path));
 }
 
 TEST_F(StatusFile, WithoutAnAnswerFromTheFileSystemIsAFailure) {
     fs::create_symlink("mq.status", path);
     EXPECT_FALSE(writeStatusRecords(path, {}));
-    EXPECT_FALSE(removeTaskRecords(dir, {"opt"}));
+    EXPECT_FALSE(removeTaskRecords(root, {"opt"}));
 }
 
 TEST_F(StatusFile, WithoutRecordsIsRemoved) {
@@ -176,16 +143,16 @@ TEST_F(StatusFile, LosesOnlyTheNamedRecords) {
         "# note\n"
         "opt RENDERED\n"
         "old\n");
-    EXPECT_TRUE(removeTaskRecords(dir, {"opt", "other"}));
+    EXPECT_TRUE(removeTaskRecords(root, {"opt", "other"}));
     EXPECT_EQ(onDisk(), header + "old             RENDERED         -                       -\n"
                                  "soc             FAILED           t1                      why\n");
-    EXPECT_TRUE(removeTaskRecords(dir, {"soc", "old"}));
+    EXPECT_TRUE(removeTaskRecords(root, {"soc", "old"}));
     EXPECT_EQ(onDisk(), "(no file)");
 }
 
 TEST_F(StatusFile, IsWrittenBackEvenWhenNothingWasErased) {
     put("opt\n");
-    EXPECT_TRUE(removeTaskRecords(dir, {"other"}));
+    EXPECT_TRUE(removeTaskRecords(root, {"other"}));
     EXPECT_EQ(onDisk(), header + "opt             RENDERED         -                       -\n");
 }
 
@@ -193,7 +160,7 @@ TEST_F(StatusFile, KeepsItsOldTextWhenTheDiskIsFull) {
     put("opt\nsoc\n");
     {
         const FileSizeLimit limit(64);
-        EXPECT_FALSE(removeTaskRecords(dir, {"soc"}));
+        EXPECT_FALSE(removeTaskRecords(root, {"soc"}));
     }
     EXPECT_EQ(onDisk(), "opt\nsoc\n");
 }
