@@ -69,8 +69,6 @@ void Logger::reset() {
     fileThreshold = LogLevel::Info;
     consoleThreshold = LogLevel::Info;
     toolName = "morquill";
-    logPath.clear();
-    sessionId.clear();
 }
 
 void Logger::setToolName(std::string_view name) {
@@ -212,6 +210,8 @@ void Logger::closeFile() {
     fileWrite(LogLevel::Info, "logger closed");
     fileBanner("END");
     logFile.reset();
+    logPath.clear();
+    sessionId.clear();
 }
 
 void logInfo(std::string_view text) {

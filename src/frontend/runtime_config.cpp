@@ -99,11 +99,14 @@ struct Reference {
     std::string_view name;
 };
 
-/// `text` begins with "$"; `closing` tells where the first "}" stands.
-Reference readReference(std::string_view text, std::size_t closing) {
+/// `text` begins with "$"; `closed` tells whether a "}" stands anywhere in it.
+Reference readReference(std::string_view text, bool closed) {
     if (text.size() > 1 && text[1] == '{') {
-        return closing == std::string_view::npos ? Reference{}
-                                                 : Reference{closing + 1, text.substr(2, closing - 2)};
+        if (!closed) {
+            return {};
+        }
+        const std::size_t closing = text.find('}');
+        return {closing + 1, text.substr(2, closing - 2)};
     }
     const std::size_t length = identifierLength(text.substr(1));
     return length == 0 ? Reference{} : Reference{length + 1, text.substr(1, length)};
@@ -120,9 +123,9 @@ std::string expandReferences(std::string_view text) {
             return result;
         }
         const std::string_view rest = text.substr(dollar);
-        // Behind the last brace nothing is searched, which keeps a text full of "${" linear.
+        // A brace is searched only where there is one, which keeps a text full of "${" linear.
         const bool closed = lastClosing != std::string_view::npos && dollar < lastClosing;
-        const Reference reference = readReference(rest, closed ? rest.find('}') : std::string_view::npos);
+        const Reference reference = readReference(rest, closed);
         const std::string value = referenceValue(reference.name);
         if (reference.length == 0) {
             result += '$';
@@ -143,7 +146,8 @@ std::optional<std::string> searchPath(const std::string& name) {
         return std::nullopt;
     }
     for (const auto& entry : splitOn(*directories, ':')) {
-        const std::string path = (entry.empty() ? "." : entry) + "/" + name;
+        std::string path = entry.empty() ? "." : entry;
+        path.append("/").append(name);
         if (isRegularFile(path) && ::access(path.c_str(), X_OK) == 0) {
             return path;
         }
@@ -188,7 +192,9 @@ std::vector<std::string> configSearchDirs() {
 
 RuntimeConfig loadConfig(const std::string& fileName) {
     for (const auto& directory : configSearchDirs()) {
-        if (const auto text = readTextFile(directory + "/" + fileName)) {
+        std::string path = directory;
+        path.append("/").append(fileName);
+        if (const auto text = readTextFile(path)) {
             return parseConfigText(*text, directory);
         }
     }

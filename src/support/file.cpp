@@ -112,7 +112,10 @@ std::vector<std::string> listDirectoryEntries(const std::string& path) {
 
 std::string normalisedPath(const std::string& path) {
     std::error_code error;
-    const auto canonical = fs::weakly_canonical(path, error);
+    // Absolute first: the weakly canonical form of a relative path that does not exist stays relative, and would
+    // differ from another spelling of the same place.
+    const auto absolute = fs::absolute(path, error);
+    const auto canonical = error ? absolute : fs::weakly_canonical(absolute, error);
     return error ? fs::path(path).lexically_normal().string() : canonical.string();
 }
 

@@ -193,16 +193,37 @@ void readMeta(DirectiveReader& reader) {
 }
 
 void readMod(DirectiveReader& reader) {
+    const auto add = [&reader](std::string_view text) {
+        ModEntry entry = parseModLine(text);
+        if (!entry.key.empty()) {
+            reader.task.modValues[entry.key] = entry.value;
+            reader.task.modEntries.push_back(std::move(entry));
+        }
+    };
     if (!reader.value.empty()) {
-        addModLine(reader.task, reader.value);
+        add(reader.value);
     }
     while (const auto line = reader.nextFilledLine()) {
-        addModLine(reader.task, *line);
+        add(*line);
     }
+}
+
+/// True for the condition that a name of a tolerated `%source a,b` stands for, when that has added it already:
+/// migrating a file twice must not write it twice.
+bool isImpliedBySource(const TaskInfo& task, std::string_view condition) {
+    constexpr std::string_view completed = "completed ";
+    return task.sourceTasks.size() > 1 && condition.starts_with(completed) &&
+           std::find(task.sourceTasks.begin() + 1, task.sourceTasks.end(), condition.substr(completed.size())) !=
+               task.sourceTasks.end() &&
+           std::find(task.whenConditions.begin(), task.whenConditions.end(), condition) !=
+               task.whenConditions.end();
 }
 
 void readWhen(DirectiveReader& reader) {
     const auto add = [&reader](std::string_view text) {
+        if (isImpliedBySource(reader.task, text)) {
+            return;
+        }
         reader.task.whenConditions.emplace_back(text);
         reader.task.whenEntries.push_back({std::string(text), reader.conditionSpan()});
     };

@@ -4,52 +4,49 @@
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/block_capture.h"
+#include "taskdsl/define_block.h"
 #include "taskdsl/directive_reader.h"
+#include "taskdsl/expand_includes.h"
+#include "taskdsl/include_path.h"
+#include "taskdsl/matrix_expand.h"
+#include "taskdsl/prelude.h"
+#include "taskdsl/removed_include.h"
 #include "taskdsl/scan.h"
+#include "taskdsl/task_include.h"
 #include "taskdsl/task_passes.h"
+#include "taskdsl/task_substitution.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <utility>
 
 namespace morquill::taskdsl {
 
 namespace {
 
-/// The removed `#INCLUDE` form: the keyword in any case, followed by white space or the end. `trimmed` is the raw
-/// line without surrounding blanks.
-bool isHashInclude(std::string_view trimmed) noexcept {
-    constexpr std::string_view word = "#INCLUDE";
-    return trimmed.size() >= word.size() && trimmed.front() == '#' &&
-           equalsNoCase(trimmed.substr(0, word.size()), word) &&
-           (trimmed.size() == word.size() || isSpace(trimmed[word.size()]));
-}
-
-void warnHashInclude(const SourceLine& line, const WarningSink& warn) {
-    const auto rest = trim(std::string_view(line.text)).substr(std::string_view("#INCLUDE").size());
-    const std::string target(unquote(stripComment(rest)));
-    const std::string file = std::filesystem::path(line.originPath.str()).filename().string();
-    std::string message = "context '" + (file.empty() ? "<memory>" : file) +
-                          "' uses the removed '#INCLUDE' syntax; replace it with '&INCLUDE'";
-    if (!target.empty()) {
-        message += " (original path: " + target + ")";
-    }
-    // The message ends in an ideographic full stop (U+3002).
-    warn(message + "\xE3\x80\x82");
-}
-
 bool isQuotedHeader(std::string_view text) noexcept {
     const auto open = text.find("$\"");
     return open != std::string_view::npos && text.find('"', open + 2) != std::string_view::npos;
 }
 
+/// Tasks of a document that came from included files, as a range of indices: they are finished already.
+struct IncludedTasks {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
+/// Reads the include on a line into the document.
+using IncludeHandler = std::function<void(const IncludeDirective& include, const SourceLine& line)>;
+
 /// Walks the expanded lines of one file into tasks, plots and derives.
 class LineWalk {
   public:
     LineWalk(const std::vector<SourceLine>& allLines, TaskDocument& result, std::uint64_t& order,
-             const WarningSink& sink, bool multiSource)
+             const WarningSink& sink, bool multiSource, const IncludeHandler& includeHandler)
         : lines(allLines), document(result), nextDocumentOrder(order), warnings(sink),
-          legacyMultiSource(multiSource) {}
+          legacyMultiSource(multiSource), readInclude(includeHandler) {}
 
     void run() {
         document.tasks.reserve(document.tasks.size() + countHeaders());
@@ -74,7 +71,7 @@ class LineWalk {
             return;
         }
         if (isHashInclude(raw)) {
-            warnHashInclude(line, warnings);
+            warnHashInclude(raw, line.originPath, warnings);
             return;
         }
         const auto text = trim(stripComment(raw));
@@ -89,6 +86,8 @@ class LineWalk {
             document.derives.push_back(std::move(block));
         } else if (text == "@end") {
             throw DiagnosticError("unexpected @end without matching @plot or @derive");
+        } else if (isIncludeLine(text)) {
+            readInclude(parseIncludeLine(text), line);
         } else if (const auto name = taskHeaderName(text); !name.empty()) {
             walkTask(name, isQuotedHeader(text));
         }
@@ -110,7 +109,7 @@ class LineWalk {
                 continue;
             }
             if (isHashInclude(raw)) {
-                warnHashInclude(line, warnings);
+                warnHashInclude(raw, line.originPath, warnings);
             }
             const auto text = trim(stripComment(raw));
             const auto directive = directiveName(text);
@@ -150,6 +149,7 @@ class LineWalk {
     std::uint64_t& nextDocumentOrder;
     const WarningSink& warnings;
     bool legacyMultiSource;
+    const IncludeHandler& readInclude;
     std::size_t index = 0;
 };
 
@@ -161,6 +161,38 @@ std::vector<SourceLine> makeSourceLines(const std::vector<std::string_view>& lin
         result.push_back({std::string(lines[i]), path, static_cast<std::uint32_t>(i + 1)});
     }
     return result;
+}
+
+/// Finishes the tasks of the file itself. Those of included files were finished with them.
+void finishOwnTasks(TaskDocument& document, const std::vector<IncludedTasks>& included,
+                    const WarningSink& warnings) {
+    std::size_t i = 0;
+    const auto finishUpTo = [&](std::size_t end) {
+        for (; i < end; ++i) {
+            finishTask(document.tasks[i], document.matrixAxes, warnings);
+        }
+    };
+    for (const auto& range : included) {
+        finishUpTo(range.begin);
+        i = range.end;
+    }
+    finishUpTo(document.tasks.size());
+}
+
+/// Puts the defines into the tasks, plots and derives. When a matrix follows, the tasks wait for it: it makes
+/// them anew from the templates, with the defines and its own values in one pass.
+void substituteDefines(TaskDocument& document) {
+    if (document.matrixAxes.empty()) {
+        for (auto& task : document.tasks) {
+            substituteTask(task, document.defines, true);
+        }
+    }
+    for (auto& plot : document.plots) {
+        substitutePlot(plot, document.defines);
+    }
+    for (auto& derive : document.derives) {
+        substituteDerive(derive, document.defines);
+    }
 }
 
 } // namespace
@@ -181,22 +213,79 @@ TaskDocument TaskParser::parseFile(const std::string& path, const ValueMap& defi
 }
 
 TaskDocument TaskParser::parseText(std::string_view text, const std::string& path, const ValueMap& defines) {
-    TaskDocument document;
-    document.filePath = path;
-    document.defines = defines;
     nextDocumentOrder = 0;
-    {
-        // The lines go before the passes copy tasks: they are as large as the tasks.
-        const std::vector<SourceLine> lines = makeSourceLines(splitLines(text), 0, SharedText(path));
-        LineWalk(lines, document, nextDocumentOrder, warnings, legacyMultiSource).run();
+    ParseContext context(warnings);
+    std::optional<IncludeChain::Entry> entry;
+    if (!path.empty()) {
+        const auto absolute = absolutePath(path);
+        entry.emplace(context.taskChain, normalisedPath(absolute), absolute);
     }
-    for (TaskInfo& task : document.tasks) {
-        finishTask(task, document.matrixAxes, warnings);
-    }
-    document.templateTasks = document.tasks;
-    applyHeaderMetadata(document, path, warnings);
+    TaskDocument document = readDocument(text, path, defines, context);
     shareTaskNames(document);
     warnAboutDeadlocks(document, path, warnings);
+    return document;
+}
+
+TaskDocument TaskParser::readDocument(std::string_view text, const std::string& path, const ValueMap& defines,
+                                      ParseContext& context) {
+    TaskDocument document;
+    document.filePath = path;
+    const std::filesystem::path directory = std::filesystem::path(path).parent_path();
+    document.directory = directory.string();
+    mergeDefines(document, defines, true);
+
+    std::vector<IncludedTasks> included;
+    const auto includeTasks = [&](const std::string& target, const std::string& base) {
+        const std::size_t begin = document.tasks.size();
+        parseTaskInclude(target, base, document, context,
+                         [&](std::string_view innerText, const std::string& innerPath, const ValueMap& values) {
+                             return readDocument(innerText, innerPath, values, context);
+                         });
+        included.push_back({begin, document.tasks.size()});
+    };
+
+    Collections collections;
+    const bool hasDirectory = !directory.empty();
+    if (hasDirectory && isRegularFile(resolveIncludePath("extra.yaml", path))) {
+        auto extra = parseYamlInclude("extra.yaml", path, context);
+        mergePrelude(document, extra, false);
+        collections = std::move(extra.collections);
+    }
+    const auto rawLines = splitLines(text);
+    std::size_t next = 0;
+    {
+        auto prelude = parsePrelude(rawLines, 0, next, path, context);
+        mergePrelude(document, prelude, true);
+        prelude.collections.merge(collections);
+        collections = std::move(prelude.collections);
+    }
+    if (!path.empty()) {
+        context.taskFiles.insert(normalisedPath(absolutePath(path)));
+    }
+    if (hasDirectory) {
+        const auto extra = resolveIncludePath("extra.mq", path);
+        if (isRegularFile(extra) && context.taskFiles.count(normalisedPath(extra)) == 0) {
+            includeTasks("extra.mq", path);
+        }
+    }
+    {
+        // The lines go before the passes copy tasks: they are as large as the tasks.
+        auto lines = makeSourceLines(rawLines, next, SharedText(path));
+        lines = expandForeach(std::move(lines), collections, {});
+        lines = expandIncludes(std::move(lines), {path, nullptr, FragmentKind::document}, context);
+        LineWalk(lines, document, nextDocumentOrder, warnings, legacyMultiSource,
+                 [&](const IncludeDirective& include, const SourceLine& line) {
+                     includeTasks(searchName(include), line.originPath);
+                 })
+            .run();
+    }
+    finishOwnTasks(document, included, warnings);
+    document.templateTasks = document.tasks;
+    substituteDefines(document);
+    expandMatrix(document);
+    applyHeaderMetadata(document, path, warnings);
+    document.includedFiles = context.document.includedFiles.list();
+    document.libraryBindings = libraryBindings(context.document);
     return document;
 }
 

@@ -9,6 +9,8 @@
 
 namespace morquill::taskdsl {
 
+struct ParseContext;
+
 /// Reads task files. One parser may read any number of files, one after the other; nothing is carried from one
 /// to the next. A fault of the input is thrown as `DiagnosticError`, a doubtful form is told to the sink.
 class TaskParser {
@@ -24,6 +26,9 @@ class TaskParser {
                                          const ValueMap& defines = {});
 
   private:
+    TaskDocument readDocument(std::string_view text, const std::string& path, const ValueMap& defines,
+                              ParseContext& context);
+
     bool legacyMultiSource;
     WarningSink warnings;
     std::uint64_t nextDocumentOrder = 0;

@@ -60,12 +60,15 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 }
 
 @test "a help token right behind a file command is its help, further back it is the command's own matter" {
-    for token in -h help --help; do
-        missing_help fmt fmt "$token"
-        missing_help explain expl "$token" x.mq
+    for command in fmt migrate expand explain; do
+        "$MQKIT" help "$command" >help
+        [ -s help ]
+        for token in -h help --help; do
+            expect 0 "$(cat help)"$'\n' "" "$command" "$token"
+            expect 0 "$(cat help)"$'\n' "" "$command" "$token" x.mq
+        done
     done
-    missing fmt fmt HELP
-    missing fmt fmt x.mq -h
+    expect 1 "" $'[mqkit][ERROR] unknown argument: -h\n' fmt x.mq -h
 }
 
 @test "commands are found by unique prefix in any case" {

@@ -184,6 +184,11 @@ TEST(Source, SeveralTasksAreToleratedOnRequest) {
                             "conditions."));
 }
 
+TEST(Source, AnImpliedConditionIsNotWrittenTwice) {
+    const auto parsed = parse("$a\n%source b,c\n%when\n  completed c\n  completed b\n  completed b\n", true);
+    EXPECT_THAT(parsed.document.tasks[0].whenConditions, ElementsAre("completed c", "completed b", "completed b"));
+}
+
 TEST(Source, AStructuredBlockReplacesTheInlineSource) {
     const TaskInfo task = firstTask("$a\n%source b\n%source\n  geom.main c\n\n  geom.x xyz=f.xyz frame=2\n");
     EXPECT_EQ(task.source, "");

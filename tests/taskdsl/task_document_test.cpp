@@ -98,8 +98,7 @@ TEST(TaskDump, EveryFieldInItsOrder) {
     task.interfaceMode = TaskInterfaceMode::consume;
     task.interfaceProvider = "p";
     task.source.clear();
-    task.sourceBindings.push_back({.key = "geom", .sourceTask = "t", .sourceKind = BindingSource::task,
-                                   .sourceValue = "t"});
+    task.sourceBindings = {parseSourceBinding("geom t")};
     task.guessSourceTask = "g";
     task.externalInput = true;
     task.waitFreq = false;

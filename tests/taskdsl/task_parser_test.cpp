@@ -48,7 +48,7 @@ TEST(TaskParser, PlacesHeadersAndDirectives) {
     ASSERT_EQ(task.directives.size(), 2U);
     EXPECT_EQ(task.directives->at(0).name, "keywords");
     EXPECT_EQ(task.directives->at(0).value, "x");
-    EXPECT_EQ(formatSpan(task.directives->at(0).span), "t.mq:3:2-3:19");
+    EXPECT_EQ(formatSpan(task.directives->at(0).span), "t.mq:3:2-3:18");
     EXPECT_EQ(formatSpan(task.whenEntries.at(0).span), "t.mq:4:1-4:18");
 }
 

@@ -102,12 +102,8 @@ TEST(CanonicalWriter, SourceForms) {
 TEST(CanonicalWriter, StructuredSourceIsABlock) {
     TaskInfo task("a");
     task.source.clear();
-    task.sourceBindings = {
-        {.key = "geom", .sourceTask = "t", .selectors = {{"kind", "a b"}}, .sourceKind = BindingSource::task,
-         .sourceValue = "t"},
-        {.key = "geom.x", .slot = "x", .sourceKind = BindingSource::xyz, .sourceValue = "f.xyz", .frameIndex = 2,
-         .hasFrame = true},
-    };
+    task.sourceBindings = {parseSourceBinding("geom.main t kind='a b'"),
+                           parseSourceBinding("geom.x xyz=f.xyz frame=2")};
     EXPECT_EQ(taskText(task), "$a\n  %source\n    geom t kind=\"a b\"\n    geom.x xyz=f.xyz frame=2\n");
 }
 

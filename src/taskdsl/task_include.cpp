@@ -1,0 +1,54 @@
+#include "taskdsl/task_include.h"
+
+#include "support/file.h"
+#include "taskdsl/include_path.h"
+
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+template <class T>
+void append(std::vector<T>& target, std::vector<T>& source) {
+    target.insert(target.end(), std::make_move_iterator(source.begin()), std::make_move_iterator(source.end()));
+}
+
+} // namespace
+
+void parseTaskInclude(const std::string& target, const std::string& base, TaskDocument& document,
+                      ParseContext& context, const IncludedTextReader& read) {
+    const auto path = resolveIncludePath(target, base);
+    if (path.empty()) {
+        context.warnings("Warning: Empty path in &INCLUDE directive.");
+        return;
+    }
+    const auto entry = enterFile(context.taskChain, path);
+    if (!isRegularFile(path)) {
+        context.warnings("Warning: Included task file not found: " + path);
+        return;
+    }
+    const auto text = readTextFile(path);
+    if (!text) {
+        context.warnings("Warning: Cannot open included task file: " + path);
+        return;
+    }
+    context.countInclude();
+    context.document.includedFiles.add(path);
+
+    DocumentContext outer = std::exchange(context.document, {});
+    TaskDocument inner = read(*text, path, document.defines);
+    for (const auto& file : inner.includedFiles) {
+        outer.includedFiles.add(file);
+    }
+    context.document = std::move(outer);
+
+    document.settings.merge(inner.settings);
+    append(document.tasks, inner.tasks);
+    append(document.plots, inner.plots);
+    append(document.derives, inner.derives);
+}
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,156 @@
+#include "taskdsl/task_substitution.h"
+
+#include "taskdsl/diagnostic.h"
+#include "taskdsl/mod_operation.h"
+#include "taskdsl/source_spec.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+/// The plain text fields that take part in substitution.
+constexpr std::string TaskInfo::*textFields[] = {
+    &TaskInfo::name,          &TaskInfo::guessSourceTask,   &TaskInfo::guessConverter, &TaskInfo::gaussianGeomControl,
+    &TaskInfo::finalGeom,     &TaskInfo::gpuType,           &TaskInfo::strucId,        &TaskInfo::templateTaskName,
+    &TaskInfo::keywords,      &TaskInfo::interfaceProvider, &TaskInfo::args,           &TaskInfo::extraKeywords,
+    &TaskInfo::templateName,  &TaskInfo::paramValues,       &TaskInfo::runner,         &TaskInfo::body,
+    &TaskInfo::orcaBlock,
+};
+constexpr std::vector<std::string> TaskInfo::*listFields[] = {
+    &TaskInfo::preProcessCommands, &TaskInfo::processCommands, &TaskInfo::whenConditions};
+
+bool holdsBracket(std::string_view text) noexcept {
+    return text.find('[') != std::string_view::npos;
+}
+
+bool holdsBracket(const std::vector<std::string>& texts) noexcept {
+    return std::any_of(texts.begin(), texts.end(), [](const std::string& text) { return holdsBracket(text); });
+}
+
+bool holdsBracket(const CapturedBlock& block) noexcept {
+    return holdsBracket(block.header) ||
+           std::any_of(block.lines.begin(), block.lines.end(),
+                       [](const SourceLine& line) { return holdsBracket(line.text); });
+}
+
+bool holdsBracket(const SourceBinding& binding) noexcept {
+    return holdsBracket(binding.sourceValue) || holdsBracket(binding.sourceTask) ||
+           std::any_of(binding.selectors.begin(), binding.selectors.end(),
+                       [](const auto& selector) { return holdsBracket(selector.second); });
+}
+
+bool sourceHoldsBracket(const TaskInfo& task) noexcept {
+    return holdsBracket(task.source) || holdsBracket(task.sourceTasks) ||
+           std::any_of(task.sourceBindings.begin(), task.sourceBindings.end(),
+                       [](const SourceBinding& binding) { return holdsBracket(binding); });
+}
+
+bool modsHoldBracket(const TaskInfo& task) noexcept {
+    return std::any_of(task.modEntries.begin(), task.modEntries.end(), [](const ModEntry& entry) {
+        return holdsBracket(entry.key) || holdsBracket(entry.value);
+    });
+}
+
+void substituteCaptured(CapturedBlock& block, const ValueMap& values) {
+    substituteInto(block.header, values);
+    for (auto& line : block.lines) {
+        substituteInto(line.text, values);
+    }
+}
+
+/// The pieces take the values, then the line is read again: a task name may have become "origin" or a file.
+void substituteBinding(SourceBinding& binding, const ValueMap& values) {
+    if (!holdsBracket(binding)) {
+        return;
+    }
+    substituteInto(binding.sourceValue, values);
+    substituteInto(binding.sourceTask, values);
+    for (auto& selector : binding.selectors) {
+        substituteInto(selector.second, values);
+    }
+    binding = parseSourceBinding(formatSourceBinding(binding));
+}
+
+void substituteSource(TaskInfo& task, const ValueMap& values, bool final) {
+    if (hasStructuredSource(task)) {
+        for (auto& binding : task.sourceBindings) {
+            substituteBinding(binding, values);
+        }
+        validateStructuredSource(task.sourceBindings, final);
+        return;
+    }
+    if (!sourceHoldsBracket(task)) {
+        return;
+    }
+    if (task.sourceTasks.size() > 1) {
+        for (auto& name : task.sourceTasks) {
+            substituteInto(name, values);
+        }
+        task.source = task.sourceTasks.front();
+        return;
+    }
+    applySource(task, parseInlineSource(substituteBrackets(task.source, values)), true);
+}
+
+void substituteMods(TaskInfo& task, const ValueMap& values) {
+    if (!modsHoldBracket(task)) {
+        return;
+    }
+    task.modValues.clear();
+    for (auto& entry : task.modEntries) {
+        substituteInto(entry.key, values);
+        substituteInto(entry.value, values);
+        task.modValues.insert_or_assign(entry.key, entry.value);
+    }
+    checkModsAgainstSources(task);
+}
+
+} // namespace
+
+bool holdsBrackets(const TaskInfo& task) noexcept {
+    return std::any_of(std::begin(textFields), std::end(textFields),
+                       [&task](auto field) { return holdsBracket(task.*field); }) ||
+           std::any_of(std::begin(listFields), std::end(listFields),
+                       [&task](auto field) { return holdsBracket(task.*field); }) ||
+           holdsBracket(task.filePath.str()) || sourceHoldsBracket(task) || modsHoldBracket(task) ||
+           std::any_of(task.plots.begin(), task.plots.end(), [](const plot::PlotBlock& block) {
+               return holdsBracket(block.ownerTask) || holdsBracket(block.captured);
+           });
+}
+
+void substituteTask(TaskInfo& task, const ValueMap& values, bool final) {
+    if (!holdsBrackets(task)) {
+        return;
+    }
+    for (const auto field : textFields) {
+        substituteInto(task.*field, values);
+    }
+    for (const auto field : listFields) {
+        for (auto& text : task.*field) {
+            substituteInto(text, values);
+        }
+    }
+    if (holdsBracket(task.filePath.str())) {
+        task.filePath = substituteBrackets(task.filePath.str(), values);
+    }
+    substituteSource(task, values, final);
+    substituteMods(task, values);
+    for (auto& plot : task.plots) {
+        substitutePlot(plot, values);
+    }
+}
+
+void substitutePlot(plot::PlotBlock& plot, const ValueMap& values) {
+    substituteInto(plot.ownerTask, values);
+    substituteCaptured(plot.captured, values);
+}
+
+void substituteDerive(DeriveBlock& derive, const ValueMap& values) {
+    substituteCaptured(derive.captured, values);
+}
+
+} // namespace morquill::taskdsl
