@@ -15,7 +15,8 @@ using ::testing::ElementsAre;
 class BlockPattern : public ScratchTree {
   protected:
     BlockPattern() {
-        for (const char* name : {"a.png", "b.log", ".hidden.png", "plot/c.png", "plot/d.txt", "plot/deep/e.png"}) {
+        for (const char* name :
+             {"a.png", "b.log", ".hidden.png", "plot/c.png", "plot/d.txt", "plot/deep/e.png"}) {
             write(name, name);
         }
         write("plot.png/inside", "");
@@ -43,7 +44,7 @@ TEST_F(BlockPattern, PicksNamesOrPathsInByteOrder) {
         {"*/*.png", {"plot/c.png"}},
         {"*/*/*.png", {"plot/deep/e.png"}},
         {"*/*", {"plot.png/inside", "plot/c.png", "plot/d.txt"}},
-        {"plot/deep", {}}, // below the top only files count
+        {"plot/deep", {}},  // below the top only files count
         {"plotlink/*", {}}, // links are not entered
         {"..", {}},
         {"../*", {}},
@@ -104,8 +105,9 @@ TEST_F(CopyItem, ReplacesADirectoryAsAWhole) {
     link("deep", "plot/dirlink");
     write("to/plot/stale", "");
     write("to/file", "");
-    const std::vector<std::string> copied{"a.png = 1", "dangling -> /nowhere", "deep/", "deep/b.png = 2",
-                                          "dirlink -> deep", "empty/", "link -> a.png"};
+    const std::vector<std::string> copied{"a.png = 1",      "dangling -> /nowhere", "deep/",
+                                          "deep/b.png = 2", "dirlink -> deep",      "empty/",
+                                          "link -> a.png"};
     EXPECT_TRUE(copyItem(at("plot"), at("to/plot")));
     EXPECT_EQ(tree("to/plot"), copied);
     EXPECT_TRUE(copyItem(at("plot"), at("to/plot")));

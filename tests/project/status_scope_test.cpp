@@ -109,8 +109,10 @@ TEST_F(StatusScope, ADirectoryOfThatNameIsNoStatusFile) {
 
 TEST_F(StatusScope, AFullDiskStopsItAndTheOldTextComesBack) {
     write("m1/mq.status", "opt\n");
-    const FileSizeLimit limit(64);
-    const auto output = scope({"m1"}, {"opt"});
+    const auto output = run("", [&] {
+        const FileSizeLimit limit(80); // enough for the message, which goes to a file here
+        return scopeStatusFiles({at("m1")}, {"opt"}, false, backups, summary);
+    });
     EXPECT_EQ(output.status, 0);
     EXPECT_EQ(output.err, "[mqkit][ERROR] failed to prepare mq.status for comd-only update: m1\n");
     EXPECT_EQ(restore().status, 1);
