@@ -2,6 +2,7 @@
 
 #include "frontend/console.h"
 #include "frontend/not_built.h"
+#include "project/project_command.h"
 #include "support/text.h"
 #include "views/explain.h"
 #include "views/file_commands.h"
@@ -26,7 +27,7 @@ constexpr CommandEntry row(std::string_view name, HelpOperation help, RunOperati
 std::span<const CommandEntry> commandTable() noexcept {
     static constexpr CommandEntry table[] = {
         row("template", notBuiltHelp<"template">, notBuiltRun<"template">),
-        row("project", notBuiltHelp<"project">, notBuiltRun<"project">),
+        row("project", project::printProjectHelp, project::runProject),
         row("rename", notBuiltHelp<"rename">, notBuiltRun<"rename">),
         row("fmt", views::printFmtHelp, fileCommand<views::printFmtHelp, views::runFmt>),
         row("migrate", views::printMigrateHelp, fileCommand<views::printMigrateHelp, views::runMigrate>),

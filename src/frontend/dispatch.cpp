@@ -4,6 +4,7 @@
 #include "frontend/console.h"
 #include "frontend/logger.h"
 #include "frontend/not_built.h"
+#include "project/project_command.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -61,8 +62,8 @@ bool isTemplateShape(Arguments arguments) {
 // In the order in which they are tried: the first that matches takes the whole command line.
 constexpr std::array<OlderShape, 4> olderShapes{{
     {"rename", isRenameShape, notBuiltRun<"rename">},
-    {"update", isUpdateShape, notBuiltRun<"project">},
-    {"project", isProjectShape, notBuiltRun<"project">},
+    {"update", isUpdateShape, project::runUpdateCompatibility},
+    {"project", isProjectShape, project::runProjectCompatibility},
     {"template", isTemplateShape, notBuiltRun<"template">},
 }};
 

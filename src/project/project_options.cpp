@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <span>
 
@@ -235,11 +236,43 @@ bool readSubCommand(std::string_view word, ProjectSubCommand& command) {
     return candidates.size() == 1;
 }
 
+/// Tells paths of projects from other words. A list of a thousand files asks the disk once per directory.
+class ProjectPathTest {
+  public:
+    bool operator()(std::string_view token) {
+        if (token.empty() || token.starts_with('-')) {
+            return false;
+        }
+        if (token.ends_with(".projmq")) {
+            return true;
+        }
+        const std::string path = absolutePath(token);
+        if (!isRegularFile(path)) {
+            return isDirectory(path) && liesInProject(path);
+        }
+        if (extensionOf(path) == ".mq") {
+            return true;
+        }
+        const auto [known, isNew] = filesInProject_.try_emplace(parentPath(path), false);
+        if (isNew) {
+            known->second = liesInProject(path);
+        }
+        return known->second;
+    }
+
+  private:
+    static bool liesInProject(const std::string& path) {
+        return !listProjectTemplates(findProjectDirectory(path)).empty();
+    }
+
+    std::map<std::string, bool> filesInProject_; // by directory: whether its files lie in a project
+};
+
 /// What a positional argument of the word form is.
 enum class Positional { taken, beginsCommand, wrong };
 
-Positional takePositional(std::string_view token, ProjectOptions& options) {
-    if (options.path.empty() && isProjectPathToken(token)) {
+Positional takePositional(std::string_view token, ProjectPathTest& namesProject, ProjectOptions& options) {
+    if (options.path.empty() && namesProject(token)) {
         options.path = token;
         return Positional::taken;
     }
@@ -268,18 +301,7 @@ void appendNames(ProjectOptions& options, std::string_view value) {
 }
 
 bool isProjectPathToken(std::string_view token) {
-    if (token.empty() || token.starts_with('-')) {
-        return false;
-    }
-    if (token.ends_with(".projmq")) {
-        return true;
-    }
-    const std::string path = absolutePath(token);
-    const bool regular = isRegularFile(path);
-    if (regular && extensionOf(path) == ".mq") {
-        return true;
-    }
-    return (regular || isDirectory(path)) && !listProjectTemplates(findProjectDirectory(path)).empty();
+    return ProjectPathTest()(token);
 }
 
 bool parseProjectArguments(int argc, const char* const* argv, ProjectOptions& options) {
@@ -290,6 +312,7 @@ bool parseProjectArguments(int argc, const char* const* argv, ProjectOptions& op
         return argc == 3;
     }
     const bool exec = options.subCommand == ProjectSubCommand::Exec;
+    ProjectPathTest namesProject;
     const Tokens tokens(argv + 3, argv + argc);
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const std::string_view token = tokens[i];
@@ -310,7 +333,7 @@ bool parseProjectArguments(int argc, const char* const* argv, ProjectOptions& op
         if (option == OptionMatch::failed || token.empty() || token.starts_with('-')) {
             return false;
         }
-        switch (takePositional(token, options)) {
+        switch (takePositional(token, namesProject, options)) {
         case Positional::taken:
             break;
         case Positional::beginsCommand:

@@ -4,22 +4,6 @@
 
 namespace morquill {
 
-namespace {
-
-constexpr std::string_view trimSet = " \t\r\n";
-
-} // namespace
-
-std::string_view trimLeft(std::string_view text) noexcept {
-    const auto first = text.find_first_not_of(trimSet);
-    return first == std::string_view::npos ? std::string_view{} : text.substr(first);
-}
-
-std::string_view trim(std::string_view text) noexcept {
-    text = trimLeft(text);
-    return text.substr(0, text.find_last_not_of(trimSet) + 1);
-}
-
 std::string toLower(std::string_view text) {
     std::string result(text);
     std::transform(result.begin(), result.end(), result.begin(), lowerChar);
@@ -29,6 +13,11 @@ std::string toLower(std::string_view text) {
 bool equalsNoCase(std::string_view left, std::string_view right) noexcept {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                       [](char a, char b) { return lowerChar(a) == lowerChar(b); });
+}
+
+bool containsNoCase(std::string_view text, std::string_view lowered) noexcept {
+    return std::search(text.begin(), text.end(), lowered.begin(), lowered.end(),
+                       [](char a, char b) { return lowerChar(a) == b; }) != text.end();
 }
 
 std::vector<std::string> splitOn(std::string_view text, char separator) {

@@ -23,15 +23,33 @@ namespace morquill {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+/// True for what `trim` takes off: blank, tab, carriage return and line feed.
+[[nodiscard]] constexpr bool isTrimmed(char c) noexcept {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+/// The text without leading blanks, tabs, carriage returns and line feeds. Inline, as every line passes here
+/// several times.
+[[nodiscard]] constexpr std::string_view trimLeft(std::string_view text) noexcept {
+    while (!text.empty() && isTrimmed(text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
+}
 /// The text without leading and trailing blanks, tabs, carriage returns and line feeds.
-[[nodiscard]] std::string_view trim(std::string_view text) noexcept;
-/// The text without leading blanks, tabs, carriage returns and line feeds.
-[[nodiscard]] std::string_view trimLeft(std::string_view text) noexcept;
+[[nodiscard]] constexpr std::string_view trim(std::string_view text) noexcept {
+    text = trimLeft(text);
+    while (!text.empty() && isTrimmed(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
 
 /// ASCII lower-case copy.
 [[nodiscard]] std::string toLower(std::string_view text);
 /// True when both texts are equal after ASCII lowering.
 [[nodiscard]] bool equalsNoCase(std::string_view left, std::string_view right) noexcept;
+/// True when `text`, in any case, holds `lowered`, which is lower-case and not empty.
+[[nodiscard]] bool containsNoCase(std::string_view text, std::string_view lowered) noexcept;
 
 /// Splits on one character; empty fields are kept, so the result has one field more than separators.
 [[nodiscard]] std::vector<std::string> splitOn(std::string_view text, char separator);

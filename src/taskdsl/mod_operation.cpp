@@ -331,6 +331,15 @@ ModEntry parseModLine(std::string_view text) {
             join({fields.begin() + valueStart, fields.end()}, " ")};
 }
 
+void addModLine(TaskInfo& task, std::string_view text) {
+    auto entry = parseModLine(text);
+    if (entry.key.empty()) {
+        return;
+    }
+    task.modValues[entry.key] = entry.value;
+    task.modEntries.push_back(std::move(entry));
+}
+
 std::vector<ModEntry> modEntriesOf(const TaskInfo& task) {
     if (!task.modEntries.empty()) {
         return task.modEntries;
@@ -425,8 +434,10 @@ std::string formatModText(const ModOperation& op) {
     const auto key = formatModKey(op);
     auto tabbed = value;
     std::replace(tabbed.begin(), tabbed.end(), ' ', '\t');
-    for (auto& other : {withValue(key, value), withValue(key, tabbed), key + ":\"" + tabbed + "\"",
-                        key + ":'" + tabbed + "'"}) {
+    const auto quoted = [&](char quote) {
+        return std::string(key).append(":").append(1, quote).append(tabbed).append(1, quote);
+    };
+    for (auto& other : {withValue(key, value), withValue(key, tabbed), quoted('"'), quoted('\'')}) {
         if (readsBackAs(other, op)) {
             return other;
         }

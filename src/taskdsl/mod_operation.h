@@ -76,6 +76,9 @@ using ModOperation = std::variant<ScalarMod, AtomsMod, BasisSetMod, OtherMod>;
 /// nothing and is to be dropped.
 [[nodiscard]] ModEntry parseModLine(std::string_view text);
 
+/// Reads one `%mod` line into `modEntries` and `modValues`; a line without a key is dropped.
+void addModLine(TaskInfo& task, std::string_view text);
+
 /// The `%mod` entries of a task: `modEntries`, or `modValues` in key order when that list is empty.
 [[nodiscard]] std::vector<ModEntry> modEntriesOf(const TaskInfo& task);
 

@@ -63,12 +63,12 @@ std::size_t passSheltered(std::string_view text, std::size_t i, Shelter& shelter
         shelter.quote = c;
         return i + 1;
     }
-    const auto pair = text.substr(i, 2);
-    if (pair == "{{") {
+    const bool doubled = (c == '{' || c == '}') && i + 1 < text.size() && text[i + 1] == c;
+    if (doubled && c == '{') {
         ++shelter.braces;
         return i + 2;
     }
-    if (pair == "}}" && shelter.braces > 0) {
+    if (doubled && shelter.braces > 0) {
         --shelter.braces;
         return i + 2;
     }
@@ -123,8 +123,12 @@ std::string_view stripEnclosingPairs(std::string_view text) noexcept {
 }
 
 bool standsAt(std::string_view text, std::size_t i, std::string_view word) noexcept {
-    return (i == 0 || isSpace(text[i - 1])) && equalsNoCase(text.substr(i, word.size()), word) &&
-           (i + word.size() == text.size() || isSpace(text[i + word.size()]));
+    const auto end = i + word.size();
+    if (word.empty() || end > text.size() || lowerChar(text[i]) != lowerChar(word.front())) {
+        return false;
+    }
+    return (i == 0 || isSpace(text[i - 1])) && (end == text.size() || isSpace(text[end])) &&
+           equalsNoCase(text.substr(i, word.size()), word);
 }
 
 /// The trimmed text behind a leading keyword (any case, white space or the end behind it).

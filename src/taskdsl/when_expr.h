@@ -64,7 +64,7 @@ struct TaskWhenExpr {
 };
 
 /// How deep groups may lie in one another; parentheses that enclose a whole text do not count.
-inline constexpr int maxWhenNesting = 100;
+inline constexpr int maxWhenNesting = 50;
 
 /// Reads a condition. Every text is one; the only fault is a nesting of more than `maxWhenNesting` groups,
 /// which throws `DiagnosticError` with the bare message.

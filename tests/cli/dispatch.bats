@@ -53,7 +53,6 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 }
 
 @test "help <topic> is the help of that command" {
-    missing_help project help proj
     missing_help lint HELP LINT further words
     missing_help template -h t
     missing_help rename --help rename
@@ -73,8 +72,6 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 
 @test "commands are found by unique prefix in any case" {
     missing template T list
-    missing project p
-    missing project PROJ init
     missing rename ren a b c
     missing lint lin
 }
@@ -82,10 +79,6 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 @test "older shapes need no command word" {
     missing rename a.mq -r opt opt2
     missing rename demo.projmq --rename old new
-    missing project -u demo.projmq
-    missing project --batch
-    missing project a.projmq -n opt --exec 'ls'
-    missing project demo.projmq
     missing template -l
     missing template --merge opt freq
     refused " unknown command or argument: -U" -U

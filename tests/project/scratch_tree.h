@@ -27,12 +27,16 @@ class ScratchTree : public ::testing::Test {
   protected:
     ScratchTree() : before_(std::filesystem::current_path()) {
         std::string name = (std::filesystem::temp_directory_path() / "mqkit-project-XXXXXX").string();
-        root = std::filesystem::canonical(::mkdtemp(name.data())).string();
+        top_ = std::filesystem::canonical(::mkdtemp(name.data()));
+        std::filesystem::permissions(top_, std::filesystem::perms{0755});
+        // So deep that no search upwards meets what other programs leave in the temporary directory.
+        root = (top_ / "1/2/3/4/5/6").string();
+        std::filesystem::create_directories(root);
         std::filesystem::current_path(root);
     }
     ~ScratchTree() override {
         std::filesystem::current_path(before_);
-        std::filesystem::remove_all(root);
+        std::filesystem::remove_all(top_);
     }
 
     [[nodiscard]] std::string at(const std::string& name) const {
@@ -46,6 +50,11 @@ class ScratchTree : public ::testing::Test {
     void write(const std::string& name, std::string_view text = "") const {
         std::filesystem::create_directories(std::filesystem::path(at(name)).parent_path());
         ASSERT_TRUE(writeTextFile(at(name), text)) << name;
+    }
+    /// Sets the permission bits of a file or directory; what lies there is removed again at the end all the
+    /// same.
+    void mode(const std::string& name, unsigned bits) const {
+        std::filesystem::permissions(at(name), std::filesystem::perms{bits});
     }
     void link(const std::string& target, const std::string& name) const {
         std::filesystem::create_directories(std::filesystem::path(at(name)).parent_path());
@@ -102,6 +111,28 @@ class ScratchTree : public ::testing::Test {
 
   private:
     std::filesystem::path before_;
+    std::filesystem::path top_;
+};
+
+/// For its life the tests run as nobody, so that permissions mean something where they run as root.
+class Unprivileged {
+  public:
+    Unprivileged() : wasRoot_(::geteuid() == 0) {
+        if (wasRoot_) {
+            EXPECT_EQ(::seteuid(nobody), 0);
+        }
+    }
+    ~Unprivileged() {
+        if (wasRoot_) {
+            EXPECT_EQ(::seteuid(0), 0);
+        }
+    }
+    Unprivileged(const Unprivileged&) = delete;
+    Unprivileged& operator=(const Unprivileged&) = delete;
+
+  private:
+    static constexpr uid_t nobody = 65534;
+    bool wasRoot_;
 };
 
 /// The arguments of one command line as `main` gets them.

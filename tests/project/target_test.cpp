@@ -213,6 +213,27 @@ TEST_F(Target, ACaseWithoutATaskFileGivesWayToTheProject) {
               "path: ~/nothing");
 }
 
+TEST_F(Target, WhatMayNotBeReadHoldsNothing) {
+    makeProject();
+    write("proj/closed/closed.mq");
+    mode("proj/closed", 0);
+    {
+        const Unprivileged user;
+        EXPECT_THAT(listCaseDirectories(at("proj")), ElementsAre(at("proj/mol1"), at("proj/mol2")));
+        EXPECT_EQ(target("proj/closed"), "project ~/proj ~/proj/demo.projmq");
+        EXPECT_EQ(target("proj/closed/closed.mq"), "project ~/proj ~/proj/demo.projmq");
+    }
+    mode("proj/closed", 0755);
+    mode("proj", 0111); // may be passed through, not listed
+    {
+        const Unprivileged user;
+        EXPECT_THAT(listCaseDirectories(at("proj")), IsEmpty());
+        EXPECT_EQ(target("proj/demo.projmq"), "project ~/proj ~/proj/demo.projmq");
+        EXPECT_EQ(target("proj/mol1"), "case ~/proj/mol1 ~/proj/mol1/mol1.mq");
+    }
+    mode("proj", 0755);
+}
+
 TEST_F(Target, NamesOfAnyBytesResolve) {
     write("-p 'q\"\n\xff/a b.projmq");
     write("-p 'q\"\n\xff/m $(x)/m.mq");

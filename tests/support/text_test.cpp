@@ -20,6 +20,8 @@ TEST(Text, LoweringIsAsciiOnly) {
     EXPECT_EQ(toLower("AZ\xC4z"), "az\xC4z");
     EXPECT_TRUE(equalsNoCase("Gaussian", "gAUSSIAN"));
     EXPECT_FALSE(equalsNoCase("a", "ab"));
+    EXPECT_TRUE(containsNoCase("completed AllOthers", "allothers"));
+    EXPECT_FALSE(containsNoCase("completed allother", "allothers"));
 }
 
 TEST(Text, SplitOnKeepsEmptyFields) {

@@ -11,10 +11,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-std::vector<std::string> warningsOf(std::string_view text) {
-    return parse(text).warnings;
-}
-
 TEST(Heredoc, TakesRawLinesUpToItsTerminator) {
     EXPECT_EQ(firstTask("$a\n%keywords << END\n b3lyp # kept\n$x\n\n%y\n  END  \n%runner r\n").keywords,
               "b3lyp # kept\n$x\n\n%y");
@@ -23,14 +19,32 @@ TEST(Heredoc, TakesRawLinesUpToItsTerminator) {
     EXPECT_EQ(firstTask("$a\n%body << E\nE\n").body, "");
 }
 
-TEST(Heredoc, AMissingTerminatorIsAFaultOfKeywordsAndAWarningElsewhere) {
-    EXPECT_EQ(faultOf("$a\n%keywords << END\nx\n"),
-              "task 'a' heredoc %keywords block is missing terminator 'END'.");
-    const auto body = parse("$a\n%body <<\nx\n$b\n");
-    EXPECT_EQ(body.document.tasks[0].body, "x\n$b");
-    EXPECT_THAT(body.warnings, ElementsAre("task 'a' heredoc %body block is missing terminator 'EOF'."));
-    EXPECT_THAT(warningsOf("$a\n%extrainput << X\n"),
-                ElementsAre("task 'a' heredoc %extrainput block is missing terminator 'X'."));
+TEST(Heredoc, AMissingTerminatorIsToldBeforeTasksAreRead) {
+    EXPECT_EQ(faultOf("$a\n%keywords << END\nx\n"), "t.mq:2: heredoc is missing terminator 'END'");
+    EXPECT_EQ(faultOf("$a\n%body <<\nx\n$b\n"), "t.mq:2: heredoc is missing terminator 'EOF'");
+}
+
+TEST(Heredoc, OnLinesThatNoExpansionSawAMissingTerminatorIsAFaultOfKeywordsAndAWarningElsewhere) {
+    const std::vector<SourceLine> lines{{"%body <<", "t.mq", 1}, {"x", "t.mq", 2}, {"$b", "t.mq", 3}};
+    TaskInfo task("a");
+    std::vector<std::string> warnings;
+    const WarningSink sink = [&warnings](const std::string& warning) { warnings.push_back(warning); };
+    const auto read = [&](std::string_view keyword, std::string_view value) {
+        DirectiveReader reader(task, lines, 0, value, sink, false);
+        findDirective(keyword)->handler(reader);
+    };
+    read("body", "<<");
+    EXPECT_EQ(task.body, "x\n$b");
+    read("extrainput", "<< X");
+    EXPECT_EQ(task.extraKeywords, "x\n$b");
+    EXPECT_THAT(warnings, ElementsAre("task 'a' heredoc %body block is missing terminator 'EOF'.",
+                                      "task 'a' heredoc %extrainput block is missing terminator 'X'."));
+    try {
+        read("keywords", "<< END");
+        FAIL();
+    } catch (const DiagnosticError& error) {
+        EXPECT_STREQ(error.what(), "task 'a' heredoc %keywords block is missing terminator 'END'.");
+    }
 }
 
 TEST(Keywords, TheLastOneCounts) {

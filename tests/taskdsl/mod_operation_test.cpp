@@ -14,6 +14,7 @@ namespace morquill::taskdsl {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::Pair;
 
 std::string faultOf(const std::function<void()>& action) {
     try {
@@ -270,6 +271,16 @@ TEST(FormatMod, PrintingTwiceGivesTheSameLine) {
         ASSERT_EQ(again.key.empty() ? "" : formatModEntry(again), once) << ::testing::PrintToString(line);
     }
     EXPECT_GT(read, 7000);
+}
+
+TEST(ModEntries, EveryLineIsKeptAndTheLastValueCounts) {
+    TaskInfo task;
+    for (const auto* line : {"charge add 1", ":x", "uhf 1", "", "charge add 2"}) {
+        addModLine(task, line);
+    }
+    EXPECT_THAT(task.modEntries,
+                ElementsAre(ModEntry{"charge:add", "1"}, ModEntry{"uhf", "1"}, ModEntry{"charge:add", "2"}));
+    EXPECT_THAT(task.modValues, ElementsAre(Pair("charge:add", "2"), Pair("uhf", "1")));
 }
 
 TEST(ModEntries, FallBackOnTheMap) {

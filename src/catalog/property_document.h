@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+namespace morquill {
+
+/// The user's reference of all properties in Markdown: docs/properties.md, byte for byte.
+[[nodiscard]] std::string renderPropertyDocument();
+
+} // namespace morquill

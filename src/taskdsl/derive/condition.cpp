@@ -1,0 +1,302 @@
+#include "taskdsl/derive/condition.h"
+
+#include "support/text.h"
+#include "taskdsl/derive/derive_text.h"
+#include "taskdsl/plot/statement_reader.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace morquill::taskdsl::derive {
+
+using plot::plotError;
+
+namespace {
+
+enum class MarkKind : std::uint8_t { open, close, comma, orWord, andWord, comparison };
+
+constexpr std::size_t noMark = std::numeric_limits<std::size_t>::max();
+
+/// A place in the text of a condition that gives it structure.
+struct Mark {
+    MarkKind kind;
+    std::size_t begin;
+    std::size_t end;
+    DeriveCompareOp op = DeriveCompareOp::truthy; ///< of a comparison
+    std::size_t match = noMark;                   ///< of an open bracket: index of its partner
+};
+
+struct WordMark {
+    std::string_view word;
+    MarkKind kind;
+    DeriveCompareOp op;
+};
+constexpr WordMark wordMarks[] = {
+    {"or", MarkKind::orWord, DeriveCompareOp::truthy},
+    {"and", MarkKind::andWord, DeriveCompareOp::truthy},
+    {"in", MarkKind::comparison, DeriveCompareOp::in},
+    {"matches", MarkKind::comparison, DeriveCompareOp::matches},
+};
+
+struct OperatorMark {
+    std::string_view text;
+    DeriveCompareOp op;
+};
+/// Longer ones first.
+constexpr OperatorMark operatorMarks[] = {
+    {"==", DeriveCompareOp::equal},     {"!=", DeriveCompareOp::notEqual},
+    {"<=", DeriveCompareOp::lessEqual}, {">=", DeriveCompareOp::greaterEqual},
+    {"<", DeriveCompareOp::less},       {">", DeriveCompareOp::greater},
+};
+
+bool isWordChar(char c) noexcept {
+    return isLetter(c) || isDigit(c) || c == '_' || c == '.';
+}
+
+/// All marks of the text outside quotes and snapshots, found in one pass. Parentheses and square brackets are
+/// one kind of level.
+std::vector<Mark> findMarks(std::string_view text) {
+    std::vector<Mark> marks;
+    std::vector<std::size_t> open;
+    for (std::size_t i = 0; i < text.size();) {
+        if (const auto behind = skipOpaque(text, i); behind != i) {
+            i = behind;
+            continue;
+        }
+        const char c = text[i];
+        if (isWordChar(c)) {
+            const auto begin = i;
+            while (i < text.size() && isWordChar(text[i])) {
+                ++i;
+            }
+            for (const auto& word : wordMarks) {
+                if (equalsNoCase(text.substr(begin, i - begin), word.word)) {
+                    marks.push_back({word.kind, begin, i, word.op});
+                }
+            }
+            continue;
+        }
+        if (c == '(' || c == '[') {
+            open.push_back(marks.size());
+            marks.push_back({MarkKind::open, i, i + 1});
+        } else if ((c == ')' || c == ']') && !open.empty()) {
+            marks[open.back()].match = marks.size();
+            open.pop_back();
+            marks.push_back({MarkKind::close, i, i + 1});
+        } else if (c == ',') {
+            marks.push_back({MarkKind::comma, i, i + 1});
+        } else {
+            for (const auto& mark : operatorMarks) {
+                if (text.substr(i).starts_with(mark.text)) {
+                    marks.push_back({MarkKind::comparison, i, i + mark.text.size(), mark.op});
+                    i += mark.text.size() - 1;
+                    break;
+                }
+            }
+        }
+        ++i;
+    }
+    return marks;
+}
+
+/// Part of the condition's text, trimmed, with the marks that stand in it.
+struct Range {
+    std::size_t begin;
+    std::size_t end;
+    std::size_t firstMark;
+    std::size_t endMark;
+};
+
+class ConditionParser {
+  public:
+    ConditionParser(std::string_view text, DeriveSurface& surface, const SourceSpan& span)
+        : text_(text), marks_(findMarks(text)), surface_(surface), span_(span) {}
+
+    DeriveCondition parse() { return parseCondition({0, text_.size(), 0, marks_.size()}, 0); }
+
+  private:
+    std::string_view textOf(const Range& range) const {
+        return text_.substr(range.begin, range.end - range.begin);
+    }
+
+    Range trimmed(Range range) const {
+        const auto inside = textOf(range);
+        const auto kept = trim(inside);
+        if (!kept.empty()) {
+            range.begin += static_cast<std::size_t>(kept.data() - inside.data());
+        }
+        range.end = range.begin + kept.size();
+        return range;
+    }
+
+    Range between(std::size_t begin, std::size_t end, std::size_t firstMark, std::size_t endMark) const {
+        return trimmed({begin, end, firstMark, endMark});
+    }
+
+    /// Throws past the bound on nesting.
+    std::size_t deeper(std::size_t depth) const {
+        if (depth >= maxConditionDepth) {
+            plotError(span_, "condition is nested too deeply");
+        }
+        return depth + 1;
+    }
+
+    /// True when one pair of this kind of bracket encloses the range; then it is taken off.
+    bool unwrap(Range& range, char open) const {
+        if (range.firstMark == range.endMark) {
+            return false;
+        }
+        const Mark& first = marks_[range.firstMark];
+        if (first.begin != range.begin || text_[first.begin] != open || first.match != range.endMark - 1 ||
+            marks_[first.match].end != range.end ||
+            text_[marks_[first.match].begin] != (open == '(' ? ')' : ']')) {
+            return false;
+        }
+        range = between(range.begin + 1, range.end - 1, range.firstMark + 1, range.endMark - 1);
+        return true;
+    }
+
+    /// Calls `take` with the index of every mark of the range at its own level; stops when that gives false.
+    template <class Take>
+    void forEachMark(const Range& range, Take take) const {
+        for (auto i = range.firstMark; i < range.endMark; ++i) {
+            if (marks_[i].kind == MarkKind::open) {
+                if (marks_[i].match == noMark) {
+                    return; // never closed: all behind it is one level down
+                }
+                i = marks_[i].match;
+            } else if (!take(i)) {
+                return;
+            }
+        }
+    }
+
+    /// The parts of the range between the marks of one kind; one part more than marks.
+    std::vector<Range> splitAt(const Range& range, MarkKind kind) const {
+        std::vector<Range> parts;
+        auto begin = range.begin;
+        auto firstMark = range.firstMark;
+        forEachMark(range, [&](std::size_t i) {
+            if (marks_[i].kind == kind) {
+                parts.push_back(between(begin, marks_[i].begin, firstMark, i));
+                begin = marks_[i].end;
+                firstMark = i + 1;
+            }
+            return true;
+        });
+        parts.push_back(between(begin, range.end, firstMark, range.endMark));
+        return parts;
+    }
+
+    DeriveCondition parseCondition(Range range, std::size_t depth) {
+        range = trimmed(range);
+        while (unwrap(range, '(')) {
+            depth = deeper(depth);
+        }
+        return parseChain(range, MarkKind::orWord, depth);
+    }
+
+    /// A chain of `or`, its parts chains of `and`, their parts operands.
+    DeriveCondition parseChain(const Range& range, MarkKind word, std::size_t depth) {
+        if (textOf(range).empty()) {
+            plotError(span_, "condition cannot be empty");
+        }
+        const auto parts = splitAt(range, word);
+        if (parts.size() == 1) {
+            return word == MarkKind::orWord ? parseChain(range, MarkKind::andWord, depth)
+                                            : parseOperand(range, depth);
+        }
+        std::vector<DeriveCondition> operands;
+        operands.reserve(parts.size());
+        for (const auto& part : parts) {
+            operands.push_back(parseCondition(part, depth));
+        }
+        DeriveCondition chain = std::move(operands.back());
+        for (auto left = operands.rbegin() + 1; left != operands.rend(); ++left) {
+            DeriveCondition joined;
+            joined.kind = word == MarkKind::orWord ? DeriveConditionKind::disjunction
+                                                   : DeriveConditionKind::conjunction;
+            joined.children.reserve(2);
+            joined.children.push_back(std::move(*left));
+            joined.children.push_back(std::move(chain));
+            chain = std::move(joined);
+        }
+        return chain;
+    }
+
+    DeriveCondition parseOperand(const Range& range, std::size_t depth) {
+        if (!equalsNoCase(textOf(range).substr(0, 4), "not ")) {
+            return parseComparison(range);
+        }
+        // The rest has no `or` and no `and` at its own level, unless parentheses open a new one.
+        const Range rest = between(range.begin + 4, range.end, range.firstMark, range.endMark);
+        Range inside = rest;
+        DeriveCondition negated;
+        negated.kind = DeriveConditionKind::negation;
+        negated.children.push_back(unwrap(inside, '(') ? parseCondition(rest, deeper(depth))
+                                                       : parseOperand(rest, deeper(depth)));
+        return negated;
+    }
+
+    DeriveCondition parseComparison(const Range& range) {
+        DeriveCondition leaf;
+        std::size_t at = noMark;
+        forEachMark(range, [&](std::size_t i) {
+            at = marks_[i].kind == MarkKind::comparison ? i : noMark;
+            return at == noMark;
+        });
+        if (at == noMark) {
+            leaf.left = read(range);
+            return leaf;
+        }
+        const Mark& mark = marks_[at];
+        const Range left = between(range.begin, mark.begin, range.firstMark, at);
+        const Range right = between(mark.end, range.end, at + 1, range.endMark);
+        if (textOf(left).empty()) {
+            plotError(span_, "condition has an empty left side");
+        }
+        if (textOf(right).empty()) {
+            plotError(span_, "comparison has an empty right side");
+        }
+        leaf.op = mark.op;
+        if (mark.op == DeriveCompareOp::in) {
+            const auto values = splitList(right);
+            leaf.left = read(left);
+            for (const auto& value : values) {
+                leaf.list.push_back(read(value));
+            }
+        } else {
+            leaf.left = read(left);
+            leaf.right = read(right);
+        }
+        return leaf;
+    }
+
+    std::vector<Range> splitList(Range range) const {
+        if ((!unwrap(range, '[') && !unwrap(range, '(')) || textOf(range).empty()) {
+            plotError(span_, "in condition requires a non-empty list");
+        }
+        auto values = splitAt(range, MarkKind::comma);
+        if (std::any_of(values.begin(), values.end(),
+                        [&](const Range& value) { return textOf(value).empty(); })) {
+            plotError(span_, "in condition contains an empty value");
+        }
+        return values;
+    }
+
+    ExprRef read(const Range& range) { return readDeriveExpression(textOf(range), surface_, span_); }
+
+    std::string_view text_;
+    std::vector<Mark> marks_;
+    DeriveSurface& surface_;
+    const SourceSpan& span_;
+};
+
+} // namespace
+
+DeriveCondition parseDeriveCondition(std::string_view text, DeriveSurface& surface, const SourceSpan& span) {
+    return ConditionParser(text, surface, span).parse();
+}
+
+} // namespace morquill::taskdsl::derive

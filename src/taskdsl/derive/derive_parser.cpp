@@ -1,0 +1,194 @@
+#include "taskdsl/derive/derive_parser.h"
+
+#include "support/text.h"
+#include "taskdsl/derive/block_reader.h"
+#include "taskdsl/derive/derive_text.h"
+#include "taskdsl/plot/plot_text.h"
+
+#include <array>
+#include <utility>
+
+namespace morquill::taskdsl::derive {
+
+namespace {
+
+/// A rule of order: `message` is raised when one of `flags` is among what was seen (`refused`), or when none
+/// is
+/// (`needed`).
+struct PhaseRule {
+    enum Kind { none, refused, needed } kind = none;
+    std::uint32_t flags = 0;
+    std::string_view message;
+};
+
+constexpr PhaseRule after(std::uint32_t flags, std::string_view message) {
+    return {PhaseRule::refused, flags, message};
+}
+constexpr PhaseRule needs(std::uint32_t flags, std::string_view message) {
+    return {PhaseRule::needed, flags, message};
+}
+
+struct StatementRow {
+    std::string_view keyword;       ///< with its blank; `emit report` may also be the whole statement
+    std::array<PhaseRule, 4> rules; ///< the first that is broken is reported
+    std::uint32_t sets;
+    StatementReader read;
+};
+
+constexpr std::uint32_t aggregated = seenGroupBy | seenAggregate;
+constexpr std::uint32_t ordered = seenSort | seenLimit;
+constexpr std::uint32_t sink = seenSink | seenEmit;
+
+// clang-format off
+/// In the order in which they are tried.
+constexpr StatementRow statementRows[] = {
+    {"profile ", {after(seenFrom, "profile definitions must precede the from statement")}, 0,
+     [](BlockReader& r, std::string_view text) { parseProfile(text, r.span, r.surface); }},
+    {"formula ", {after(seenFrom, "formula definitions must precede the from statement")}, 0,
+     [](BlockReader& r, std::string_view text) { parseFormula(text, r.span, r.surface); }},
+    {"bind ", {after(seenFrom, "bind statements must precede the from statement")}, 0,
+     [](BlockReader& r, std::string_view text) { parseBind(text, r.span, r.surface, r.spec.statements); }},
+    {"let ", {after(seenFrom, "let statements must precede the from statement")}, 0, readLet},
+    {"require ",
+     {after(seenFrom, "require/assert statements must precede the from statement; use where for row filtering")},
+     0, readRequire},
+    {"assert ",
+     {after(seenFrom, "require/assert statements must precede the from statement; use where for row filtering")},
+     0, readRequire},
+    {"report ", {after(seenFrom, "report statements must precede the from statement")}, 0, readReport},
+    {"from ", {after(seenFrom, "@derive currently supports only one from statement")}, seenFrom, readFrom},
+    {"join ",
+     {needs(seenFrom, "join requires a preceding from statement"),
+      after(seenSink, "join cannot appear after an emit sink"),
+      after(seenWhere | seenSelect | aggregated | ordered,
+            "join statements must precede where/select/group/sort/limit statements"),
+      needs(seenAtomsSource, "join is currently supported only for atoms(...) sources")},
+     0, readJoin},
+    {"where ",
+     {needs(seenFrom, "where requires a preceding from statement"),
+      after(seenSink, "where cannot appear after an emit sink"),
+      after(seenSelect | aggregated | ordered, "where statements must precede select/group/sort/limit statements")},
+     seenWhere, readWhere},
+    {"select ",
+     {needs(seenFrom, "select requires a preceding from statement"),
+      after(seenSink, "select cannot appear after an emit sink"),
+      after(aggregated, "select statements must precede group by statements"),
+      after(ordered, "select statements must precede sort/limit statements")},
+     seenSelect, readSelect},
+    {"group by ",
+     {needs(seenFrom, "group by requires a preceding from statement"),
+      after(seenSink, "group by cannot appear after an emit sink"),
+      after(ordered, "group by must precede sort/limit statements"),
+      after(seenGroupBy, "@derive currently supports only one group by statement")},
+     seenGroupBy, readGroupBy},
+    {"aggregate ",
+     {needs(seenGroupBy, "aggregate/reduce requires a preceding group by statement"),
+      after(seenSink, "aggregate/reduce cannot appear after an emit sink"),
+      after(ordered, "aggregate/reduce must precede sort/limit statements")},
+     seenAggregate, readAggregate},
+    {"reduce ",
+     {needs(seenGroupBy, "aggregate/reduce requires a preceding group by statement"),
+      after(seenSink, "aggregate/reduce cannot appear after an emit sink"),
+      after(ordered, "aggregate/reduce must precede sort/limit statements")},
+     seenAggregate, readAggregate},
+    {"sort ",
+     {needs(seenFrom, "sort requires a preceding from statement"),
+      after(seenSink, "sort cannot appear after an emit sink"),
+      after(seenLimit, "sort statements must precede limit statements")},
+     seenSort, readSort},
+    {"limit ",
+     {needs(seenFrom, "limit requires a preceding from statement"),
+      after(seenSink, "limit cannot appear after an emit sink"),
+      after(seenLimit, "@derive currently supports only one limit statement")},
+     seenLimit, readLimit},
+    {"emit atomvec ",
+     {needs(seenFrom, "emit atomvec requires a preceding atom table source"),
+      needs(seenAtomsSource, "emit atomvec is valid only for atoms(...) pipelines")},
+     sink, readEmitAtomVector},
+    {"emit kv ",
+     {needs(seenFrom, "emit kv requires a preceding atom table source"),
+      needs(seenAtomsSource, "emit kv is valid only for atoms(...) pipelines")},
+     sink, readEmitKv},
+    {"emit artifact ",
+     {needs(seenFrom, "emit artifact requires a preceding atom table source"),
+      needs(seenAtomsSource, "emit artifact is valid only for atoms(...) pipelines")},
+     sink, readEmitArtifact},
+    {"emit table ",
+     {needs(seenFrom, "emit table requires a preceding from statement"),
+      needs(seenSelect | aggregated | seenDerivedSource,
+            "emit table requires at least one select, group key, aggregate column, or derived table source")},
+     sink, readEmitTable},
+    {"emit report ", {after(seenFrom, "emit report statements must precede the from statement")}, seenEmit,
+     readEmitReport},
+    {"emit value ", {after(seenFrom, "scalar value emit statements must precede the from statement")}, seenEmit,
+     readEmitValue},
+    {"emit ", {after(seenFrom, "scalar emit statements must precede the from statement")}, seenEmit, readEmitScalar},
+};
+// clang-format on
+
+bool isStatement(std::string_view text, std::string_view keyword) noexcept {
+    return equalsNoCase(text.substr(0, keyword.size()), keyword) ||
+           (keyword == "emit report " && equalsNoCase(text, "emit report"));
+}
+
+const StatementRow& rowOf(const BlockReader& reader, std::string_view text) {
+    for (const auto& row : statementRows) {
+        if (isStatement(text, row.keyword)) {
+            return row;
+        }
+    }
+    reader.fail(
+        "unknown @derive statement; expected profile, formula, bind, let, require/assert, emit, report, "
+        "from, join, where, select, group by, aggregate/reduce, sort, limit, emit table, emit value, emit "
+        "report, emit atomvec, emit kv, or emit artifact");
+}
+
+void checkPhase(const BlockReader& reader, const StatementRow& row) {
+    for (const auto& rule : row.rules) {
+        const bool seen = (reader.seen & rule.flags) != 0;
+        if ((rule.kind == PhaseRule::refused && seen) || (rule.kind == PhaseRule::needed && !seen)) {
+            reader.fail(std::string(rule.message));
+        }
+    }
+}
+
+void readStatement(BlockReader& reader) {
+    const auto& line = reader.lines[reader.next++];
+    reader.span = line.span;
+    reader.indent = line.indent;
+    const std::string_view text = line.text;
+    const StatementRow& row = rowOf(reader, text);
+    checkPhase(reader, row);
+    row.read(reader, trim(text.substr(std::min(row.keyword.size(), text.size()))));
+    reader.seen |= row.sets;
+}
+
+std::string readName(const CapturedBlock& block) {
+    const std::string name = plot::unquotePlotText(block.header);
+    if (name.empty()) {
+        plot::plotError(block.span, "@derive requires a name");
+    }
+    return requireIdentifier(name, "@derive name must be an identifier", block.span);
+}
+
+} // namespace
+
+DeriveSpec parseDerive(const CapturedBlock& block) {
+    BlockReader reader;
+    reader.spec.span = block.span;
+    reader.spec.name = readName(block);
+    reader.lines = plot::readPlotStatements(block.lines, "@derive");
+    while (reader.next < reader.lines.size()) {
+        readStatement(reader);
+    }
+    reader.span = block.span;
+    if ((reader.seen & seenEmit) == 0) {
+        reader.fail("@derive block must contain at least one emit statement");
+    }
+    if ((reader.seen & seenFrom) != 0 && (reader.seen & seenSink) == 0) {
+        reader.fail("table pipeline must end with at least one emit sink");
+    }
+    return std::move(reader.spec);
+}
+
+} // namespace morquill::taskdsl::derive

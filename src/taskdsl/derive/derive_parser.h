@@ -1,0 +1,12 @@
+#pragma once
+
+#include "taskdsl/derive/derive_spec.h"
+#include "taskdsl/source_line.h"
+
+namespace morquill::taskdsl::derive {
+
+/// Reads one captured `@derive` block. Lists are taken apart, formulas, profiles and binds are expanded.
+/// Throws `DiagnosticError` with the span of the statement at fault.
+[[nodiscard]] DeriveSpec parseDerive(const CapturedBlock& block);
+
+} // namespace morquill::taskdsl::derive

@@ -1,0 +1,207 @@
+#pragma once
+
+#include "taskdsl/plot/expression.h"
+#include "taskdsl/source_span.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+/// The derive language: values computed from task results, as named scalars, tables and per-atom vectors, and
+/// where they go. The records here hold a parsed block; formulas, profiles and binds are gone from it.
+namespace morquill::taskdsl::derive {
+
+using plot::ExprRef;
+
+/// How the leaf of a condition compares.
+enum class DeriveCompareOp : std::int32_t {
+    truthy = 0,
+    equal = 1,
+    notEqual = 2,
+    less = 3,
+    lessEqual = 4,
+    greater = 5,
+    greaterEqual = 6,
+    in = 7,
+    matches = 8,
+};
+enum class DeriveConditionKind : std::int32_t { leaf = 0, conjunction = 1, disjunction = 2, negation = 3 };
+/// Kinds of value that the language knows; no record holds one.
+enum class DeriveValueKind : std::int32_t { number = 0, string = 1 };
+enum class DeriveSortDirection : std::int32_t { asc = 0, desc = 1 };
+enum class DeriveSinkFormat : std::int32_t { none = 0, csv = 1, tsv = 2, jsonl = 3 };
+
+/// The texts of the enumerations, such as "<=", "and", "desc", "csv"; a value out of range gives the text of
+/// value 0.
+[[nodiscard]] std::string_view deriveCompareOpName(DeriveCompareOp op) noexcept;
+[[nodiscard]] std::string_view deriveConditionKindName(DeriveConditionKind kind) noexcept;
+[[nodiscard]] std::string_view deriveValueKindName(DeriveValueKind kind) noexcept;
+[[nodiscard]] std::string_view deriveSortDirectionName(DeriveSortDirection direction) noexcept;
+[[nodiscard]] std::string_view deriveSinkFormatName(DeriveSinkFormat format) noexcept;
+
+/// A condition: a comparison, or conditions joined by "and", "or", "not".
+///
+/// A chain `a or b or c` leans to the right with one level per word, and its length is not bounded. Whoever
+/// walks a condition therefore goes down the last child in a loop and recurses only into the first; copying
+/// and destruction are written out for the same reason.
+struct DeriveCondition {
+    DeriveConditionKind kind = DeriveConditionKind::leaf;
+    ExprRef left;                                 ///< leaf: the left side, or the whole truthy expression
+    DeriveCompareOp op = DeriveCompareOp::truthy; ///< of a leaf
+    ExprRef right;                                ///< leaf with a binary operator
+    std::vector<ExprRef> list;                    ///< operator "in": the values
+    std::vector<DeriveCondition> children;        ///< "and", "or": left and right; "not": one
+
+    DeriveCondition() = default;
+    DeriveCondition(const DeriveCondition& other);
+    DeriveCondition(DeriveCondition&& other) noexcept = default;
+    DeriveCondition& operator=(DeriveCondition other) noexcept;
+    ~DeriveCondition();
+};
+
+/// `let name = value`.
+struct LetStatement {
+    std::string name;
+    ExprRef value;
+    SourceSpan span;
+};
+/// `require condition else message`.
+struct RequireStatement {
+    DeriveCondition condition;
+    std::string message; ///< may be empty
+    SourceSpan span;
+};
+/// `emit name = value unit unit`.
+struct EmitScalarStatement {
+    std::string name;
+    ExprRef value;
+    std::string unit; ///< may be empty
+    SourceSpan span;
+};
+/// `report label = value`.
+struct ReportStatement {
+    std::string label;
+    ExprRef value;
+    SourceSpan span;
+};
+/// Rows are tasks.
+struct TasksSource {
+    std::vector<std::string> patterns; ///< "*" if none was written
+    std::string program;
+    std::string templateName; ///< template task
+};
+/// Rows are the atoms of one task.
+struct AtomsSource {
+    std::string task;
+    std::string alias;
+};
+/// Rows are those of a table that another derive emits.
+struct DerivedTableSource {
+    std::string derive;
+    std::string table;
+};
+/// `from source`: opens the table pipeline.
+struct FromStatement {
+    std::variant<TasksSource, AtomsSource, DerivedTableSource> source;
+    SourceSpan span;
+};
+/// `join atoms(task) as alias on key`.
+struct JoinStatement {
+    std::string task;
+    std::string alias;
+    std::string key; ///< always "atom.id"
+    SourceSpan span;
+};
+/// `where condition`.
+struct WhereStatement {
+    DeriveCondition condition;
+    SourceSpan span;
+};
+/// One column; a list of columns is several statements.
+struct SelectStatement {
+    std::string name;
+    ExprRef value;
+    SourceSpan span;
+};
+/// One sort key.
+struct SortStatement {
+    ExprRef key;
+    DeriveSortDirection direction = DeriveSortDirection::asc;
+    SourceSpan span;
+};
+/// `limit count`.
+struct LimitStatement {
+    std::uint64_t count = 1; ///< rows, at least 1
+    SourceSpan span;
+};
+struct DeriveGroupKey {
+    std::string name;
+    ExprRef expression;
+};
+/// `group by key as name, ...`.
+struct GroupByStatement {
+    std::vector<DeriveGroupKey> keys;
+    SourceSpan span;
+};
+/// One aggregated column.
+struct AggregateStatement {
+    std::string name;
+    ExprRef value;
+    SourceSpan span;
+};
+/// `emit table name to sink path`.
+struct EmitTableStatement {
+    std::string name;
+    DeriveSinkFormat sink = DeriveSinkFormat::none;
+    std::string path; ///< empty without a sink
+    SourceSpan span;
+};
+/// `emit value name to kv path`.
+struct EmitValueStatement {
+    std::string name;
+    std::string path;
+    SourceSpan span;
+};
+/// `emit report to root path`.
+struct EmitReportStatement {
+    std::string path; ///< may be empty
+    SourceSpan span;
+};
+/// `emit atomvec property = value`.
+struct EmitAtomVectorStatement {
+    std::string property;
+    ExprRef value;
+    SourceSpan span;
+};
+/// `emit artifact target from value as property`.
+struct EmitArtifactStatement {
+    std::string target;
+    std::string property;
+    ExprRef value;
+    SourceSpan span;
+};
+/// `emit kv target from value as property`.
+struct EmitKvStatement {
+    std::string target;
+    std::string property;
+    ExprRef value;
+    SourceSpan span;
+};
+
+/// One statement. The order of the alternatives is fixed.
+using DeriveStatement =
+    std::variant<LetStatement, RequireStatement, EmitScalarStatement, ReportStatement, FromStatement,
+                 JoinStatement, WhereStatement, SelectStatement, SortStatement, LimitStatement,
+                 GroupByStatement, AggregateStatement, EmitTableStatement, EmitValueStatement,
+                 EmitReportStatement, EmitAtomVectorStatement, EmitArtifactStatement, EmitKvStatement>;
+
+/// One `@derive` block, parsed.
+struct DeriveSpec {
+    SourceSpan span; ///< the header line
+    std::string name;
+    std::vector<DeriveStatement> statements; ///< in source order, lists taken apart, binds lowered to lets
+};
+
+} // namespace morquill::taskdsl::derive

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "taskdsl/derive/derive_spec.h"
+#include "taskdsl/substitute.h"
+
+namespace morquill::taskdsl::derive {
+
+/// Replaces the `[key]` references in every text of the block and in every name, string and snapshot of its
+/// expressions.
+void substituteDerive(DeriveSpec& spec, const ValueMap& values);
+
+} // namespace morquill::taskdsl::derive

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Text of the plot and derive languages below the level of statements: quotes, nesting, words, options.
+namespace morquill::taskdsl::plot {
+
+/// Where a walk through the text of a statement stands. A backslash outside single quotes protects the byte
+/// behind it; quotes of one kind mean nothing inside the other; parentheses count outside quotes and
+/// snapshots.
+struct PlotNesting {
+    char quote = '\0';        ///< the quote that is open, or NUL
+    std::size_t snapshot = 0; ///< open "{{"
+    std::size_t paren = 0;    ///< open "("
+
+    [[nodiscard]] bool outsideQuotes() const noexcept { return quote == '\0'; }
+    [[nodiscard]] bool atLevelZero() const noexcept { return quote == '\0' && snapshot == 0 && paren == 0; }
+
+    /// Takes in what stands at `at` and gives the place behind it: two bytes further for "{{", "}}" and a
+    /// byte with its backslash, otherwise one.
+    [[nodiscard]] std::size_t advance(std::string_view text, std::size_t at) noexcept;
+};
+
+/// The line without its comment, trimmed. A `#` outside quotes and snapshots begins a comment.
+[[nodiscard]] std::string_view stripPlotComment(std::string_view line) noexcept;
+
+/// The words of the text: split at white space outside quotes and parentheses, quotes kept. Views into
+/// `text`.
+[[nodiscard]] std::vector<std::string_view> splitPlotWords(std::string_view text);
+
+/// A word of a statement and the trimmed text behind it.
+struct FirstWord {
+    std::string_view word; ///< empty when there is none
+    std::string_view rest;
+};
+/// The first word by the rule of `splitPlotWords`. Views into `text`.
+[[nodiscard]] FirstWord splitFirstWord(std::string_view text) noexcept;
+
+/// One option of a statement; both are views.
+struct KeywordOption {
+    std::string_view keyword; ///< as in the given list
+    std::string_view value;   ///< trimmed, may be empty
+};
+
+/// A statement taken apart at its option keywords.
+struct KeywordOptions {
+    std::string_view head;              ///< trimmed text before the first option
+    std::vector<KeywordOption> options; ///< in text order, repeated keywords each
+};
+
+/// Splits at the keywords (given in lower case, found in any case) that stand at a word start outside quotes,
+/// snapshots and parentheses. A keyword ends at the first byte that is no letter, digit or `_`.
+[[nodiscard]] KeywordOptions splitKeywordOptions(std::string_view text,
+                                                 std::initializer_list<std::string_view> keywords);
+
+/// Place of the first `wanted` outside quotes, snapshots and parentheses; npos when there is none.
+[[nodiscard]] std::size_t findAtLevelZero(std::string_view text, char wanted) noexcept;
+
+/// The trimmed text without one surrounding pair of equal quotes. In double quotes \n, \r and \t are decoded
+/// and any other escaped byte stands for itself; in single quotes every byte stands for itself.
+[[nodiscard]] std::string unquotePlotText(std::string_view text);
+
+/// The text as a double-quoted literal; backslash, double quote, line feed, carriage return and tab are
+/// escaped.
+[[nodiscard]] std::string quotePlotText(std::string_view text);
+
+/// Trims, and when the text ends in ":" removes it, trims again and gives true.
+[[nodiscard]] bool stripTrailingColon(std::string_view& text) noexcept;
+
+/// A letter or `_` followed by letters, digits and `_`.
+[[nodiscard]] bool isPlotIdentifier(std::string_view text) noexcept;
+
+/// The number that takes up the whole trimmed text (`strtod` semantics, so "nan" and "inf" are numbers).
+[[nodiscard]] std::optional<double> parsePlotNumber(std::string_view text);
+
+} // namespace morquill::taskdsl::plot

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "taskdsl/plot/model.h"
+#include "taskdsl/plot/statement_reader.h"
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+/// What the statement functions of the plot parser work on. Internal to the parser.
+namespace morquill::taskdsl::plot {
+
+/// A plot while its body is read.
+struct PlotReading {
+    PlotSpec plot;
+    std::vector<PlotStatement> statements;
+    std::size_t next = 0;        ///< index of the first statement that has not been taken
+    bool formatDeclared = false; ///< a `format` or `terminal` was written
+    bool atPoint = false;        ///< the last barrier point takes `label` and `value` statements
+};
+
+/// One statement, taken apart at its first word.
+struct Statement {
+    std::string word;      ///< lower case
+    std::string_view rest; ///< trimmed text behind the word
+    const SourceSpan& span;
+    std::size_t indent = 0;
+};
+
+/// The statement as its first word and the rest; views into `source`.
+[[nodiscard]] Statement openStatement(const PlotStatement& source);
+
+/// Takes the statements that follow and are indented deeper than `statement`.
+[[nodiscard]] std::span<const PlotStatement> takeBody(PlotReading& reading, const Statement& statement);
+
+/// The first word of the text, unquoted and in lower case: what is compared with a list of words.
+[[nodiscard]] std::string choiceOf(std::string_view text);
+
+/// The data of the plot. The statement table lets a statement through only in the kinds that have it.
+template <class Data>
+[[nodiscard]] Data& dataOf(PlotReading& reading) {
+    return std::get<Data>(reading.plot.data);
+}
+
+/// Throws the diagnostic of a fault in the statement.
+[[noreturn]] void fail(const Statement& statement, std::string message);
+
+} // namespace morquill::taskdsl::plot

@@ -1,0 +1,118 @@
+#include "taskdsl/derive/derive_output.h"
+
+#include "blocks.h"
+#include "support/file.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace morquill::taskdsl::derive {
+namespace {
+
+TEST(DeriveOutput, EveryLineBeginsWithTheIndent) {
+    const auto spec = parseDerive(blockOf("let a = 1\nemit a", "energies"));
+    EXPECT_EQ(renderDerive(spec, ""), "@derive energies\n  let a = 1\n  emit a = a\n@end\n");
+    EXPECT_EQ(renderDerive(spec, "    "),
+              "    @derive energies\n      let a = 1\n      emit a = a\n    @end\n");
+}
+
+TEST(DeriveOutput, TextsAreQuotedAndNamesAreNot) {
+    DeriveSpec spec;
+    spec.name = "d";
+    const auto value = plot::parsePlotExpression("a", {});
+    spec.statements = {
+        ReportStatement{"plain", value, {}},
+        ReportStatement{"a\"\\\n\t\r", value, {}},
+        EmitScalarStatement{"n", value, "", {}},
+        EmitTableStatement{"t", DeriveSinkFormat::none, "not printed", {}},
+        EmitKvStatement{"p", "", value, {}},
+        EmitArtifactStatement{"p", "q", value, {}},
+        FromStatement{DerivedTableSource{"my run", "t"}, {}},
+        JoinStatement{"s p", "b", "atom.id", {}},
+    };
+    EXPECT_EQ(renderDerive(spec, ""), "@derive d\n"
+                                      "  report \"plain\" = a\n"
+                                      "  report \"a\\\"\\\\\\n\\t\\r\" = a\n"
+                                      "  emit n = a\n"
+                                      "  emit table t\n"
+                                      "  emit kv \"p\" from a\n"
+                                      "  emit artifact \"p\" from a as q\n"
+                                      "  from derived(\"my run.t\")\n"
+                                      "  join atoms(\"s p\") as b on atom.id\n"
+                                      "@end\n");
+}
+
+TEST(DeriveOutput, EnumerationsHaveTextsAndFallBackToValueZero) {
+    const auto textOf = [](auto name, auto value, int count) {
+        std::vector<std::string> texts;
+        for (int i = 0; i < count; ++i) {
+            texts.emplace_back(name(static_cast<decltype(value)>(i)));
+        }
+        return join(texts, " ");
+    };
+    EXPECT_EQ(textOf(deriveCompareOpName, DeriveCompareOp{}, 10), "truthy == != < <= > >= in matches truthy");
+    EXPECT_EQ(textOf(deriveConditionKindName, DeriveConditionKind{}, 5), "leaf and or not leaf");
+    EXPECT_EQ(textOf(deriveValueKindName, DeriveValueKind{}, 3), "number string number");
+    EXPECT_EQ(textOf(deriveSortDirectionName, DeriveSortDirection{}, 3), "asc desc asc");
+    EXPECT_EQ(textOf(deriveSinkFormatName, DeriveSinkFormat{}, 5), "none csv tsv jsonl none");
+    EXPECT_EQ(deriveSinkFormatName(static_cast<DeriveSinkFormat>(-1)), "none");
+}
+
+/// A `@derive` block in a text, and what the fence in front of it says.
+struct WrittenBlock {
+    CapturedBlock block;
+    std::string text; ///< header to end
+    bool canonical = true;
+};
+
+std::vector<WrittenBlock> blocksOf(const std::string& path) {
+    const std::string text = readTextFile(path).value_or("");
+    EXPECT_FALSE(text.empty()) << path;
+    std::vector<WrittenBlock> blocks;
+    bool inside = false;
+    bool canonical = true;
+    std::uint32_t number = 0;
+    for (const auto line : splitLines(text)) {
+        ++number;
+        if (line.starts_with("```")) {
+            canonical = line != "```mq written";
+        } else if (line.starts_with("@derive ")) {
+            blocks.push_back(
+                {{std::string(line.substr(8)), spanOfLine(path, number, line), {}}, "", canonical});
+            inside = true;
+        } else if (inside && line != "@end") {
+            blocks.back().block.lines.push_back({std::string(line), path, number});
+        }
+        if (inside) {
+            blocks.back().text += std::string(line) + '\n';
+            inside = line != "@end";
+        }
+    }
+    return blocks;
+}
+
+TEST(DeriveOutput, ExamplesAreCanonical) {
+    std::size_t blocks = 0;
+    for (const auto& name : listDirectoryEntries("examples/derive")) {
+        for (const auto& [block, text, canonical] : blocksOf("examples/derive/" + name)) {
+            EXPECT_EQ(renderDerive(parseDerive(block), ""), text) << name;
+            ++blocks;
+        }
+    }
+    EXPECT_EQ(blocks, 5U);
+}
+
+TEST(DeriveOutput, BlocksOfTheDocumentAreCanonicalOrShownWithTheirCanonicalForm) {
+    const auto blocks = blocksOf("docs/derive.md");
+    ASSERT_EQ(blocks.size(), 6U);
+    EXPECT_EQ(std::count_if(blocks.begin(), blocks.end(), [](const auto& block) { return block.canonical; }),
+              5);
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        const auto& shown = blocks[i].canonical ? blocks[i] : blocks.at(i + 1);
+        EXPECT_EQ(renderDerive(parseDerive(blocks[i].block), ""), shown.text);
+    }
+}
+
+} // namespace
+} // namespace morquill::taskdsl::derive

@@ -1,0 +1,397 @@
+#include "taskdsl/plot/render.h"
+
+#include "taskdsl/plot/substitute_plot.h"
+
+#include "plots.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace morquill::taskdsl::plot {
+namespace {
+
+/// What was written, and what it prints as; that must print as itself.
+struct Row {
+    std::string_view written;
+    std::string_view expected;
+};
+
+const Row rows[] = {
+    {"@plot barrier path\n"
+     "title \"Path\"\n"
+     "relative to r\n"
+     "unit kJ/mol\n"
+     "point r value energy(r)\n"
+     "point ts\n"
+     "label \"TS \\\"1\\\"\"\n"
+     "value energy(ts)-(a-b)\n"
+     "from project\n",
+     "@plot barrier path\n"
+     "  from project\n"
+     "  point r value energy(r)\n"
+     "  point ts label \"TS \\\"1\\\"\" value energy(ts) - (a - b)\n"
+     "  relative to r\n"
+     "  unit kJ/mol\n"
+     "  title \"Path\"\n"
+     "  output \"Results/Plots/path.png\"\n"
+     "  format png\n"
+     "@end\n"},
+    {"%plot barrier\n"
+     "relative min\n"
+     "point a value 1\n"
+     "point b value 1e-5\n",
+     "%plot barrier barrier\n"
+     "  point a value 1\n"
+     "  point b value 1e-05\n"
+     "  relative minimum\n"
+     "  unit kcal/mol\n"
+     "  output \"Results/Plots/[taskname]_barrier.png\"\n"
+     "  format png\n"},
+    {"@plot convergence opt\n"
+     "threshold max_force value 4.5e-4 axis left\n"
+     "threshold max_step value 1.8e-3 label step unit a.u. axis right\n"
+     "y energy axis right label E\n"
+     "series f = force log unit a.u. style line axis y\n"
+     "x step\n"
+     "from task opt\n"
+     "legend:\n"
+     "  order f\n"
+     "  position bottom left\n"
+     "axis right:\n"
+     "  unit a.u.\n"
+     "axis x:\n"
+     "  scale linear\n"
+     "  label \"Step\"\n"
+     "axis y:\n"
+     "  scale log\n"
+     "style linespoints\n"
+     "theme sci\n"
+     "missing skip\n"
+     "terminal svg size 800 600\n",
+     "@plot convergence opt\n"
+     "  from task opt\n"
+     "  x step\n"
+     "  y energy label \"E\" axis y2\n"
+     "  series f = force unit a.u. log axis y style lines\n"
+     "  threshold max_force value 0.00045\n"
+     "  threshold max_step value 0.0018 label \"step\" unit a.u. axis y2\n"
+     "  axis x:\n"
+     "    label \"Step\"\n"
+     "    scale linear\n"
+     "  axis y:\n"
+     "    scale log10\n"
+     "  axis y2:\n"
+     "    unit \"a.u.\"\n"
+     "  legend:\n"
+     "    position bottom left\n"
+     "    visible true\n"
+     "    order f\n"
+     "  style linepoints\n"
+     "  theme scientific\n"
+     "  missing skip\n"
+     "  output \"Results/Plots/opt.svg\"\n"
+     "  format svg\n"
+     "  size 800 600\n"
+     "@end\n"},
+    {"@plot curve scan\n"
+     "from matrix scan\n"
+     "x distance unit Angstrom\n"
+     "series e = energy:\n"
+     "  scale log10\n"
+     "relative first\n"
+     "sort x\n"
+     "legend:\n"
+     "  visible no\n",
+     "@plot curve scan\n"
+     "  from variants scan\n"
+     "  x distance unit Angstrom\n"
+     "  series e = energy log\n"
+     "  relative first\n"
+     "  sort by x\n"
+     "  legend:\n"
+     "    visible false\n"
+     "  output \"Results/Plots/scan.png\"\n"
+     "  format png\n"
+     "@end\n"},
+    {"%plot spectrum ir\n"
+     "intensity ir_intensity\n"
+     "x frequency * 0.96\n"
+     "mode overlay\n"
+     "broaden gaussian 15 unit cm-1\n"
+     "range 4e2 4000\n"
+     "sort none\n",
+     "%plot spectrum ir\n"
+     "  x frequency * 0.96\n"
+     "  y ir_intensity\n"
+     "  mode sticks+broadened\n"
+     "  broaden gaussian fwhm 15 unit cm-1\n"
+     "  range 400 4000\n"
+     "  sort none\n"
+     "  output \"Results/Plots/[taskname]_ir.png\"\n"
+     "  format png\n"},
+    {"%plot spectrum uv\n"
+     "x e\n"
+     "y f\n",
+     "%plot spectrum uv\n"
+     "  x e\n"
+     "  y f\n"
+     "  mode sticks\n"
+     "  output \"Results/Plots/[taskname]_uv.png\"\n"
+     "  format png\n"},
+    {"@plot correlation fit\n"
+     "from derived(d, t)\n"
+     "metrics R2 mae\n"
+     "fit linear\n"
+     "diagonal\n"
+     "y b\n"
+     "x a\n",
+     "@plot scatter fit\n"
+     "  from derived(\"d.t\")\n"
+     "  x a\n"
+     "  y b\n"
+     "  diagonal y=x\n"
+     "  fit linear\n"
+     "  metrics r2 mae\n"
+     "  output \"Results/Plots/fit.png\"\n"
+     "  format png\n"
+     "@end\n"},
+    {"@plot matrixmap grid\n"
+     "from self\n"
+     "z c label \"C\"\n"
+     "y b\n"
+     "x a\n"
+     "missing nan\n",
+     "@plot heatmap grid\n"
+     "  from self\n"
+     "  x a\n"
+     "  y b\n"
+     "  z c label \"C\"\n"
+     "  missing nan\n"
+     "  output \"Results/Plots/grid.png\"\n"
+     "  format png\n"
+     "@end\n"},
+    {"@plot hist h\n"
+     "from project\n"
+     "x a\n"
+     "density\n"
+     "range -1.5 1.5\n",
+     "@plot histogram h\n"
+     "  from project\n"
+     "  x a\n"
+     "  bins 30\n"
+     "  range -1.5 1.5\n"
+     "  density true\n"
+     "  output \"Results/Plots/h.png\"\n"
+     "  format png\n"
+     "@end\n"},
+    {"@plot bar b\n"
+     "from project\n"
+     "limit 5\n"
+     "sort y\n"
+     "x a\n"
+     "y b\n"
+     "output \"my \\\\ \\\"b\\\".pdf\"\n",
+     "@plot bar b\n"
+     "  from project\n"
+     "  x a\n"
+     "  y b\n"
+     "  sort by y desc\n"
+     "  limit 5\n"
+     "  style boxes\n"
+     "  output \"my \\\\ \\\"b\\\".pdf\"\n"
+     "  format pdf\n"
+     "@end\n"},
+    {"@plot bar b\n"
+     "from project\n"
+     "sort y asc\n"
+     "style points\n"
+     "x a\n"
+     "y b\n",
+     "@plot bar b\n"
+     "  from project\n"
+     "  x a\n"
+     "  y b\n"
+     "  sort by y asc\n"
+     "  style points\n"
+     "  output \"Results/Plots/b.png\"\n"
+     "  format png\n"
+     "@end\n"},
+    {"@plot errorbars e\n"
+     "from project\n"
+     "sort by x\n"
+     "error c\n"
+     "y b\n"
+     "x a\n",
+     "@plot errorbar e\n"
+     "  from project\n"
+     "  x a\n"
+     "  y b\n"
+     "  yerr c\n"
+     "  sort by x\n"
+     "  style points\n"
+     "  output \"Results/Plots/e.png\"\n"
+     "  format png\n"
+     "@end\n"},
+    {"%plot fmo\n"
+     "from task sp\n"
+     "orbitals HOMO-1 HOMO LUMO\n"
+     "system a label A task a\n"
+     "column b label b task spb\n"
+     "column c label \"\"\n"
+     "spin all\n"
+     "unit hartree\n"
+     "output levels.cdxml\n",
+     "%plot frontier frontier\n"
+     "  from task sp\n"
+     "  column a label \"A\"\n"
+     "  column b task \"spb\"\n"
+     "  column c label \"\"\n"
+     "  orbitals HOMO-1 HOMO LUMO\n"
+     "  spin both\n"
+     "  unit hartree\n"
+     "  output \"levels.cdxml\"\n"
+     "  format cdxml\n"},
+    {"@plot eslevels es\n"
+     "unit nm\n"
+     "transition b 3 to a below dotted\n"
+     "arrow a s 1 => b s 2\n"
+     "arrow a 1 to b first above\n"
+     "roots 1 2 3\n"
+     "column a multiplicity 1\n"
+     "column b multiplicity t task td\n"
+     "column c multiplicity 5\n",
+     "@plot excited es\n"
+     "  column a multiplicity singlet\n"
+     "  column b task \"td\" multiplicity triplet\n"
+     "  column c multiplicity 5\n"
+     "  roots 1 2 3\n"
+     "  arrow from b root 3 to a first lower style dashed\n"
+     "  arrow from a root 1 to b root 2 style solid\n"
+     "  arrow from a root 1 to b first higher style solid\n"
+     "  unit nm\n"
+     "  output \"Results/Plots/es.png\"\n"
+     "  format png\n"
+     "@end\n"},
+};
+
+TEST(RenderPlot, CanonicalTextIsItsOwnFixedPoint) {
+    for (const auto& row : rows) {
+        EXPECT_EQ(reprinted(row.written), row.expected);
+        EXPECT_EQ(reprinted(row.expected), row.expected);
+    }
+}
+
+TEST(RenderPlot, TheIndentStandsBeforeEveryLine) {
+    const auto plot = parsed("%plot curve c\nx a\ny b\naxis x:\n  unit s");
+    EXPECT_EQ(renderPlot(plot, "  "), "  %plot curve c\n"
+                                      "    x a\n"
+                                      "    y b\n"
+                                      "    axis x:\n"
+                                      "      unit \"s\"\n"
+                                      "    output \"Results/Plots/[taskname]_c.png\"\n"
+                                      "    format png\n");
+    EXPECT_EQ(renderPlot(parsed("@plot frontier f\nfrom task a"), "\t"),
+              "\t@plot frontier f\n"
+              "\t  from task a\n"
+              "\t  spin auto\n"
+              "\t  unit eV\n"
+              "\t  output \"Results/Plots/f.png\"\n"
+              "\t  format png\n"
+              "\t@end\n");
+}
+
+TEST(RenderPlot, PrintsBareNamesAndDefaultStylesAsTheyAre) {
+    // These do not read back as they were: the forms have no quotes, and "lines" is the style that is left
+    // out.
+    EXPECT_EQ(reprinted("@plot bar \"a b\"\nfrom task 'c d'\nx a\ny b unit 'k l'\nstyle lines"),
+              "@plot bar a b\n"
+              "  from task c d\n"
+              "  x a\n"
+              "  y b unit k l\n"
+              "  output \"Results/Plots/a b.png\"\n"
+              "  format png\n"
+              "@end\n");
+}
+
+TEST(RenderPlot, RangesBeyondFifteenDigitsAreRounded) {
+    const auto text = reprinted("@plot histogram h\nfrom project\nx a\nrange 0.1234567890123456789 1e300");
+    EXPECT_NE(text.find("  range 0.123456789012346 1e+300\n"), std::string::npos) << text;
+}
+
+TEST(SubstitutePlot, ReachesEveryTextAndEveryNameInExpressions) {
+    const ValueMap values{{"k", "v"}, {"x", "y z"}};
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"@plot barrier [k]\npoint [k]1 label [k] value energy([k]) + f([k]=[k], \"[k]\") - {{ [k].[k] }}\n"
+         "point b value [k](1)\nrelative to [k]1\nunit [k]\ntitle [k][q]",
+         "@plot barrier v\n  point v1 label \"v\" value energy(v) + f(v=v, \"v\") - {{ v.v }}\n"
+         "  point b value v(1)\n  relative to v1\n  unit v\n  title \"v[q]\"\n"
+         "  output \"Results/Plots/v.png\"\n  format png\n@end\n"},
+        {"@plot convergence p\nfrom task [k]\nx [k] label [x] unit [k]\ny [k]\nthreshold [k] value 1 label "
+         "[k] unit [k]\n"
+         "axis x:\n label [k]\n unit [k]\naxis y:\n label [k]\naxis y2:\n unit [k]",
+         "@plot convergence p\n  from task v\n  x v label \"y z\" unit v\n  y v\n"
+         "  threshold v value 1 label \"v\" unit v\n"
+         "  axis x:\n    label \"v\"\n    unit \"v\"\n  axis y:\n    label \"v\"\n  axis y2:\n    unit "
+         "\"v\"\n"
+         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
+        {"@plot curve p\nfrom derived('[k].t')\nx [k]\nseries a = [k] + 1:\n label [k]",
+         "@plot curve p\n  from derived(\"v.t\")\n  x v\n  series a = v + 1 label \"v\"\n"
+         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
+        {"%plot spectrum [k]\nx [k]\ny -[k]\nmode smooth\nbroaden gaussian 1 unit [k]",
+         "%plot spectrum v\n  x v\n  y -v\n  mode broadened\n  broaden gaussian fwhm 1 unit v\n"
+         "  output \"Results/Plots/[taskname]_v.png\"\n  format png\n"},
+        {"@plot scatter p\nfrom project\nx [k]\ny [k]",
+         "@plot scatter p\n  from project\n  x v\n  y v\n  output \"Results/Plots/p.png\"\n  format "
+         "png\n@end\n"},
+        {"@plot heatmap p\nfrom project\nx [k]\ny [k]\nz [k]",
+         "@plot heatmap p\n  from project\n  x v\n  y v\n  z v\n"
+         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
+        {"@plot histogram p\nfrom project\nx [k]", "@plot histogram p\n  from project\n  x v\n  bins 30\n"
+                                                   "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
+        {"@plot bar p\nfrom project\nx [k]\ny [k]\noutput [k].svg",
+         "@plot bar p\n  from project\n  x v\n  y v\n  style boxes\n  output \"v.svg\"\n  format "
+         "svg\n@end\n"},
+        {"@plot errorbar p\nfrom project\nx [k]\ny [k]\nyerr [k]",
+         "@plot errorbar p\n  from project\n  x v\n  y v\n  yerr v\n  style points\n"
+         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
+        {"@plot frontier p\ncolumn [k] label [x] task [k]t\norbitals [k] HOMO\nunit [k]",
+         "@plot frontier p\n  column v label \"y z\" task \"vt\"\n  orbitals v HOMO\n  spin auto\n  unit v\n"
+         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
+        {"@plot excited p\ncolumn [k]\narrow [k] 1 to [k] 2\narrow [k] 1 to [k] lower\nunit [k]",
+         "@plot excited p\n  column v\n  arrow from v root 1 to v root 2 style solid\n"
+         "  arrow from v root 1 to v first lower style solid\n  unit v\n"
+         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
+    };
+    for (const auto& [written, expected] : cases) {
+        auto plot = parsed(written);
+        substitutePlot(plot, values);
+        EXPECT_EQ(renderPlot(plot, ""), expected);
+    }
+}
+
+TEST(SubstitutePlot, ReachesIdOwnerAndLegendAndLeavesTheRest) {
+    PlotBlock block = blockOf("%plot curve [k]\nx a\nseries b = c\nlegend:\n  order b");
+    block.ownerTask = "t[k]";
+    auto plot = parsePlot(block);
+    std::get<CurvePlotData>(plot.data).series[0].id = "[k]";
+    std::get<CurvePlotData>(plot.data).relativePoint = "[k]";
+    plot.legend.order = {"[k]"};
+    const auto x = std::get<CurvePlotData>(plot.data).x.expression;
+    const auto untouched = plot;
+    substitutePlot(plot, {});
+    EXPECT_EQ(plot.id, untouched.id);
+    substitutePlot(plot, {{"k", "v"}});
+    EXPECT_EQ(plot.id, "tv:v");
+    EXPECT_EQ(plot.ownerTask, "tv");
+    EXPECT_EQ(plot.name, "v");
+    EXPECT_EQ(plot.kind, PlotKind::curve);
+    EXPECT_EQ(plot.legend.order, std::vector<std::string>{"v"});
+    EXPECT_EQ(std::get<CurvePlotData>(plot.data).series[0].id, "v");
+    EXPECT_EQ(std::get<CurvePlotData>(plot.data).relativePoint, "v");
+    EXPECT_EQ(std::get<CurvePlotData>(plot.data).x.expression, x) << "an expression without a key is shared";
+    EXPECT_EQ(std::get<CurvePlotData>(untouched.data).series[0].id, "[k]");
+    EXPECT_EQ(formatSpan(plot.span), formatSpan(untouched.span));
+}
+
+} // namespace
+} // namespace morquill::taskdsl::plot
