@@ -3,6 +3,7 @@
 #include "frontend/console.h"
 #include "frontend/not_built.h"
 #include "project/project_command.h"
+#include "project/rename.h"
 #include "support/text.h"
 #include "templates/template_command.h"
 #include "views/explain.h"
@@ -30,7 +31,7 @@ std::span<const CommandEntry> commandTable() noexcept {
     static constexpr CommandEntry table[] = {
         row("template", templates::printTemplateHelp, templates::runTemplate),
         row("project", project::printProjectHelp, project::runProject),
-        row("rename", notBuiltHelp<"rename">, notBuiltRun<"rename">),
+        row("rename", project::printRenameHelp, project::runRename),
         row("fmt", views::printFmtHelp, fileCommand<views::printFmtHelp, views::runFmt>),
         row("migrate", views::printMigrateHelp, fileCommand<views::printMigrateHelp, views::runMigrate>),
         row("expand", views::printExpandHelp, fileCommand<views::printExpandHelp, views::runExpand>),

@@ -5,6 +5,7 @@
 #include "frontend/logger.h"
 #include "frontend/not_built.h"
 #include "project/project_command.h"
+#include "project/rename.h"
 #include "support/text.h"
 #include "templates/template_command.h"
 
@@ -62,7 +63,7 @@ bool isTemplateShape(Arguments arguments) {
 
 // In the order in which they are tried: the first that matches takes the whole command line.
 constexpr std::array<OlderShape, 4> olderShapes{{
-    {"rename", isRenameShape, notBuiltRun<"rename">},
+    {"rename", isRenameShape, project::runRenameCompatibility},
     {"update", isUpdateShape, project::runUpdateCompatibility},
     {"project", isProjectShape, project::runProjectCompatibility},
     {"template", isTemplateShape, templates::runTemplateCompat},

@@ -1,6 +1,7 @@
 #include "project/process.h"
 
 #include "frontend/console.h"
+#include "project/signal_guard.h"
 #include "support/text.h"
 
 #include <array>
@@ -117,6 +118,7 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
         return result;
     }
     frontend::flushOut();
+    ChildSignals signals;
     const pid_t child = ::fork();
     if (child < 0) {
         result.error = "failed to fork child process: " + systemText(errno);
@@ -128,12 +130,18 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
         ::close(readEnd);
         becomeChild(launch, workingDir, writeEnd);
     }
+    signals.watch(child);
     ::close(writeEnd);
     result.launched = true;
     // The pipe is emptied before the wait: a failure text longer than the pipe's buffer must not stop the
     // child. It ends at the latest when the child's program starts, which closes the other end.
     const std::string launchFailure = readToEnd(readEnd);
     ::close(readEnd);
+    // The end is seen first and the child reaped after, so that a late signal cannot hit a reused number.
+    siginfo_t ended{};
+    while (::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
+    }
+    signals.release();
     int status = 0;
     pid_t waited = 0;
     do {

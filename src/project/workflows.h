@@ -33,6 +33,11 @@ struct ChosenBlocks {
 [[nodiscard]] bool chooseBlocks(const ProjectOptions& options, std::string_view programPath,
                                 ChosenBlocks& chosen);
 
+/// The case directories of a project in order, for `exec` and `collect`. False after a message and the
+/// project help when there is none.
+[[nodiscard]] bool chooseCases(const std::string& root, std::string_view programPath,
+                               std::vector<std::string>& caseDirs);
+
 /// Makes a project from the task and geometry files of the current directory. True on success.
 [[nodiscard]] bool runProjectInit();
 /// Adds cases to a project; the exit status.
