@@ -1,7 +1,6 @@
 #include "frontend/command_table.h"
 
 #include "frontend/console.h"
-#include "frontend/not_built.h"
 #include "project/project_command.h"
 #include "project/rename.h"
 #include "support/text.h"

@@ -3,7 +3,6 @@
 #include "frontend/command_table.h"
 #include "frontend/console.h"
 #include "frontend/logger.h"
-#include "frontend/not_built.h"
 #include "project/project_command.h"
 #include "project/rename.h"
 #include "support/text.h"

@@ -268,7 +268,7 @@ TEST(LintFile, SurvivesAnything) {
         nested = "(" + nested + (i % 2 == 0 ? ") and defined y" : ") or defined y");
     }
     EXPECT_EQ(lint(a + "%when " + nested + "\n"),
-              "E - parse-error | %when condition nests groups more than 100 levels deep\n");
+              "E - parse-error | %when condition nests groups more than 50 levels deep\n");
 }
 
 TEST(LintFile, TellsOfAFileThatIsNotThere) {
