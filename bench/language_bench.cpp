@@ -78,6 +78,38 @@ void formatDerives(benchmark::State& state) {
 }
 BENCHMARK(formatDerives)->Arg(1'000)->Arg(10'000)->Unit(benchmark::kMillisecond);
 
+/// `axes` axes of ten values over one task: ten to the power of `axes` variants.
+std::string matrixOf(int axes) {
+    std::string text = "matrix:\n";
+    std::string keywords;
+    for (int i = 0; i < axes; ++i) {
+        const std::string key = "axis_" + std::to_string(i);
+        text += "  " + key + ": 0, 1, 2, 3, 4, 5, 6, 7, 8, 9\n";
+        keywords += " [" + key + "]";
+    }
+    return text + "$opt\n  %program orca\n  %control\n    totcore 8\n  %keywords \"TightSCF" + keywords + "\"\n";
+}
+
+/// Parses and prints every variant; the items are variants.
+void expandVariants(benchmark::State& state) {
+    const std::string text = matrixOf(static_cast<int>(state.range(0)));
+    std::size_t variants = 0;
+    for (auto _ : state) {
+        taskdsl::TaskParser parser(false, [](const std::string&) {});
+        const auto document = parser.parseText(text, "bench.mq");
+        benchmark::DoNotOptimize(renderCanonicalDocument(document, views::CanonicalView::matrixExpandedView));
+        variants = document.tasks.size();
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(variants) * state.iterations());
+}
+BENCHMARK(expandVariants)->Arg(3)->Arg(4)->Arg(5)->Unit(benchmark::kMillisecond);
+
+void expandLoop(benchmark::State& state) {
+    formatText(state, "@foreach i in series(1-" + std::to_string(state.range(0)) +
+                          ")\n$task_[i.value]\n  %source origin\n  %keywords \"B3LYP [i.index]\"\n@end\n");
+}
+BENCHMARK(expandLoop)->Arg(1'000)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
 void findPropertyByAlias(benchmark::State& state) {
     for (auto _ : state) {
         benchmark::DoNotOptimize(catalog::findProperty("Total Energy"));

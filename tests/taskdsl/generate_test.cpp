@@ -216,7 +216,7 @@ TEST(TaskInclude, AppendsWhatTheFileHolds) {
     const TemporaryDirectory dir;
     const auto inner =
         dir.write("sub/b.mq", "x: inner\ny: inner\ndefine:\n  d: inner\nmatrix:\n  m: 1,2\n$b\n"
-                              "%keywords [d] [outer] [m]\n@plot curve p\n@end\n@derive q\n@end\n&INCLUDE c.mq\n");
+                              "%keywords [d] [outer] [m]\n@plot barrier p\npoint x value 1\npoint y value 2\n@end\n@derive q\nemit e = 1\n@end\n&INCLUDE c.mq\n");
     const auto innermost = dir.write("sub/c.mq", "$c\n%keywords [d]\n");
     const auto path =
         dir.write("a.mq", "x: outer\ndefine:\n  outer: o\n$a\n%keywords [d]\n&INCLUDE sub/b.mq\n$z\n");
