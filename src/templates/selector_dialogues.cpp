@@ -110,7 +110,7 @@ bool editOnce(SelectorState& state, const std::vector<std::string>& names, const
                                      : setValue(state, names, answer, console);
 }
 
-std::string outputName(std::string answer) {
+std::string outputName(const std::string& answer) {
     if (answer.empty()) {
         return "generated_task.mq";
     }
@@ -157,12 +157,12 @@ SelectorState generateTaskFile(SelectorState state, const SelectorConsole& conso
         return state;
     }
     console.print("Output filename (default: generated_task.mq): ");
-    auto answer = console.readLine();
+    const auto answer = console.readLine();
     if (!answer) { // no answer is no consent to overwrite a file
         console.print(hideCursor);
         return state;
     }
-    const std::string name = outputName(std::move(*answer));
+    const std::string name = outputName(*answer);
     state.previewText = composePreview(state);
     if (writeTextFile(name, state.previewText)) {
         console.print("\n[mqkit] wrote task file: " + name + "\n" + describeValues(state));

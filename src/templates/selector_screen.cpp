@@ -116,7 +116,8 @@ std::string variableRow(const SelectorState& state, std::size_t row) {
     if (current) {
         std::vector<std::string> pairs;
         for (const auto& [name, value] : entry.values) {
-            pairs.push_back(name + "=" + value);
+            pairs.push_back(name);
+            pairs.back().append("=").append(value);
         }
         text += "    Variables: " + (pairs.empty() ? "(none)" : join(pairs, ", ")) + "\n";
     }
