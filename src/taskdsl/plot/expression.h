@@ -80,36 +80,6 @@ template <class T>
 /// The deepest nesting of parentheses, signs and calls that is read. Operators in a row do not count.
 inline constexpr std::size_t maxExpressionDepth = 1000;
 
-/// Kinds of the tokens that expression text is made of.
-enum class PlotTokenKind : std::int32_t {
-    end = 0,
-    number = 1,
-    identifier = 2,
-    string = 3,
-    snapshot = 4,
-    plus = 5,
-    minus = 6,
-    star = 7,
-    slash = 8,
-    open = 9,
-    close = 10,
-    comma = 11,
-    equals = 12
-};
-
-/// One token of expression text.
-struct PlotToken {
-    PlotTokenKind kind = PlotTokenKind::end;
-    std::string
-        text; ///< as written; of a string the decoded text, of a snapshot what stands between the braces
-    double number = 0;     ///< of a number
-    std::size_t begin = 0; ///< byte offsets into the expression text
-    std::size_t end = 0;
-};
-
-/// The tokens of the text, the last of kind `end`. Throws `DiagnosticError` with the span.
-[[nodiscard]] std::vector<PlotToken> lexPlotExpression(std::string_view text, const SourceSpan& span);
-
 /// Reads one expression that takes up the whole text:
 ///
 ///     expression := term { ("+" | "-") term }
@@ -119,7 +89,7 @@ struct PlotToken {
 ///     call       := identifier "(" [ argument { "," argument } ] ")"
 ///     argument   := [ identifier "=" ] expression
 ///
-/// Throws `DiagnosticError` with the span of the statement for anything else.
+/// Throws `DiagnosticError` with the span of the statement for the leftmost fault.
 [[nodiscard]] ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span);
 
 /// The expression with as few parentheses as its tree needs; an empty reference gives an empty text.

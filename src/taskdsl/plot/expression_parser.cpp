@@ -2,14 +2,40 @@
 #include "taskdsl/plot/expression.h"
 #include "taskdsl/plot/statement_reader.h"
 
-#include <algorithm>
 #include <array>
+#include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <utility>
 
 namespace morquill::taskdsl::plot {
 
 namespace {
+
+/// Kinds of the tokens that expression text is made of.
+enum class PlotTokenKind : std::int32_t {
+    end = 0,
+    number = 1,
+    identifier = 2,
+    string = 3,
+    snapshot = 4,
+    plus = 5,
+    minus = 6,
+    star = 7,
+    slash = 8,
+    open = 9,
+    close = 10,
+    comma = 11,
+    equals = 12
+};
+
+/// One token. The views point into the expression text.
+struct PlotToken {
+    PlotTokenKind kind = PlotTokenKind::end;
+    std::string_view text; ///< as written; of a snapshot what stands between the braces
+    std::string decoded;   ///< of a string
+    double number = 0;     ///< of a number
+};
 
 constexpr bool isIdentifierStart(char c) noexcept {
     return isLetter(c) || c == '_' || c == '[';
@@ -35,23 +61,11 @@ class Lexer {
   public:
     Lexer(std::string_view text, const SourceSpan& span) : text_(text), span_(span) {}
 
-    std::vector<PlotToken> read() {
-        std::vector<PlotToken> tokens;
-        tokens.reserve(text_.size() / 4 + 4); // most tokens are longer with the blank behind them
-        do {
-            tokens.push_back(next());
-        } while (tokens.back().kind != PlotTokenKind::end);
-        return tokens;
-    }
-
-  private:
+    /// The next token; of kind `end` for ever when the text is used up.
     PlotToken next() {
-        while (at_ < text_.size() && isSpace(text_[at_])) {
-            ++at_;
-        }
-        begin_ = at_;
+        at_ = skipSpace();
         if (at_ == text_.size()) {
-            return {PlotTokenKind::end, {}, 0, begin_, at_};
+            return {};
         }
         const char c = text_[at_];
         const char following = at_ + 1 < text_.size() ? text_[at_ + 1] : '\0';
@@ -65,86 +79,119 @@ class Lexer {
             return number();
         }
         if (isIdentifierStart(c)) {
-            at_ = std::min(
-                text_.size(),
-                static_cast<std::size_t>(std::find_if_not(text_.begin() + static_cast<std::ptrdiff_t>(at_),
-                                                          text_.end(), isIdentifierChar) -
-                                         text_.begin()));
-            return {PlotTokenKind::identifier, written(), 0, begin_, at_};
+            std::size_t end = at_ + 1;
+            while (end < text_.size() && isIdentifierChar(text_[end])) {
+                ++end;
+            }
+            return {PlotTokenKind::identifier, take(end), {}, 0};
         }
         for (const auto& [character, kind] : punctuation) {
             if (c == character) {
-                ++at_;
-                return {kind, written(), 0, begin_, at_};
+                return {kind, take(at_ + 1), {}, 0};
             }
         }
         plotError(span_, std::string("unexpected character '") + c + "' in plot expression");
     }
 
+    /// True when the token that comes next is "=".
+    [[nodiscard]] bool atEquals() const noexcept {
+        const std::size_t at = skipSpace();
+        return at < text_.size() && text_[at] == '=';
+    }
+
+  private:
     PlotToken string(char quote) {
-        std::string value;
-        for (++at_; at_ < text_.size(); ++at_) {
-            char c = text_[at_];
+        PlotToken token{PlotTokenKind::string, {}, {}, 0};
+        for (std::size_t i = at_ + 1; i < text_.size(); ++i) {
+            char c = text_[i];
             if (c == quote) {
-                ++at_;
-                return {PlotTokenKind::string, std::move(value), 0, begin_, at_};
+                token.text = take(i + 1);
+                return token;
             }
             if (c == '\\') {
-                if (++at_ == text_.size()) {
+                if (++i == text_.size()) {
                     break;
                 }
-                c = text_[at_];
+                c = text_[i];
                 c = c == 'n' ? '\n' : c == 'r' ? '\r' : c == 't' ? '\t' : c;
             }
-            value += c;
+            token.decoded += c;
         }
         plotError(span_, "unterminated string in plot expression");
     }
 
     PlotToken snapshot() {
         const auto close = text_.find("}}", at_ + 2);
-        if (close == std::string::npos) {
+        if (close == std::string_view::npos) {
             plotError(span_, "unterminated '{{ ... }}' snapshot reference");
         }
-        std::string inner(trim(std::string_view(text_).substr(at_ + 2, close - at_ - 2)));
+        const auto inner = trim(text_.substr(at_ + 2, close - at_ - 2));
         if (inner.empty()) {
             plotError(span_, "empty snapshot reference");
         }
         at_ = close + 2;
-        return {PlotTokenKind::snapshot, std::move(inner), 0, begin_, at_};
+        return {PlotTokenKind::snapshot, inner, {}, 0};
     }
 
+    /// What C's strtod reads: decimal and hexadecimal numbers, "inf" past the range and 0 below it.
     PlotToken number() {
-        const char* start = text_.c_str() + at_;
-        char* end = nullptr;
-        const double value = std::strtod(start, &end);
-        if (end == start) {
+        const char* const begin = text_.data() + at_;
+        const char* const last = text_.data() + text_.size();
+        const bool hexadecimal = *begin == '0' && begin + 1 != last && lowerChar(begin[1]) == 'x';
+        double value = 0;
+        auto [end, fault] = std::from_chars(begin, last, value);
+        if (hexadecimal || fault == std::errc::result_out_of_range) {
+            // A copy that ends where no number goes on, since strtod reads up to a terminator.
+            const char* stop = hexadecimal ? begin : end;
+            while (stop != last &&
+                   (isDigit(*stop) || isLetter(*stop) || *stop == '.' || *stop == '+' || *stop == '-')) {
+                ++stop;
+            }
+            const std::string copy(begin, stop);
+            char* copyEnd = nullptr;
+            value = std::strtod(copy.c_str(), &copyEnd);
+            end = begin + (copyEnd - copy.c_str());
+        }
+        if (end == begin) {
             plotError(span_, "invalid number in plot expression");
         }
-        at_ += static_cast<std::size_t>(end - start);
-        return {PlotTokenKind::number, written(), value, begin_, at_};
+        return {PlotTokenKind::number, take(static_cast<std::size_t>(end - text_.data())), {}, value};
     }
 
-    [[nodiscard]] std::string written() const { return text_.substr(begin_, at_ - begin_); }
+    /// The text from here to `end`, which becomes the place of the next token.
+    std::string_view take(std::size_t end) noexcept {
+        const auto taken = text_.substr(at_, end - at_);
+        at_ = end;
+        return taken;
+    }
 
-    std::string text_; // a copy, since strtod reads up to a terminator
+    [[nodiscard]] std::size_t skipSpace() const noexcept {
+        std::size_t at = at_;
+        while (at < text_.size() && isSpace(text_[at])) {
+            ++at;
+        }
+        return at;
+    }
+
+    std::string_view text_;
     const SourceSpan& span_;
-    std::size_t begin_ = 0;
     std::size_t at_ = 0;
 };
 
-/// Recursive descent over the tokens with one token of look-ahead.
+/// Recursive descent with one token of look-ahead.
 class Parser {
   public:
-    Parser(std::vector<PlotToken> tokens, const SourceSpan& span) : tokens_(std::move(tokens)), span_(span) {}
+    Parser(std::string_view text, const SourceSpan& span) : lexer_(text, span), span_(span) { advance(); }
 
     ExprRef read() {
-        if (peek().kind == PlotTokenKind::end) {
+        if (token_.kind == PlotTokenKind::end) {
             plotError(span_, "empty plot expression");
         }
         ExprRef result = expression();
-        if (peek().kind != PlotTokenKind::end) {
-            plotError(span_, "unexpected token '" + peek().text + "'");
+        if (token_.kind != PlotTokenKind::end) {
+            const bool string = token_.kind == PlotTokenKind::string;
+            plotError(span_,
+                      "unexpected token '" + (string ? token_.decoded : std::string(token_.text)) + "'");
         }
         return result;
     }
@@ -199,25 +246,27 @@ class Parser {
     }
 
     ExprRef primary() {
-        PlotToken& token = tokens_[at_];
+        PlotToken token = std::move(token_);
         switch (token.kind) {
         case PlotTokenKind::number:
-            ++at_;
+            advance();
             return makeExpression(NumberExpr{token.number});
         case PlotTokenKind::string:
-            ++at_;
-            return makeExpression(StringExpr{std::move(token.text)});
-        case PlotTokenKind::snapshot:
-            ++at_;
-            return snapshot(token.text);
+            advance();
+            return makeExpression(StringExpr{std::move(token.decoded)});
+        case PlotTokenKind::snapshot: {
+            auto reference = snapshot(token.text);
+            advance();
+            return reference;
+        }
         case PlotTokenKind::identifier:
-            ++at_;
+            advance();
             if (accept(PlotTokenKind::open)) {
-                return call(std::move(token.text));
+                return call(std::string(token.text));
             }
-            return makeExpression(IdentifierExpr{std::move(token.text)});
+            return makeExpression(IdentifierExpr{std::string(token.text)});
         case PlotTokenKind::open:
-            ++at_;
+            advance();
             return parenthesized();
         default:
             plotError(span_, "expected a number, identifier, string, function call, or '('");
@@ -240,10 +289,11 @@ class Parser {
         bool more = !accept(PlotTokenKind::close);
         while (more) {
             PlotCallArgument argument;
-            if (peek().kind == PlotTokenKind::identifier && tokens_[at_ + 1].kind == PlotTokenKind::equals) {
-                argument.name = std::move(tokens_[at_].text);
+            if (token_.kind == PlotTokenKind::identifier && lexer_.atEquals()) {
+                argument.name = token_.text;
                 argument.named = true;
-                at_ += 2;
+                advance();
+                advance();
             }
             argument.value = expression();
             result.arguments.push_back(std::move(argument));
@@ -265,11 +315,13 @@ class Parser {
             SnapshotExpr{std::string(text.substr(0, dot)), std::string(trim(text.substr(dot + 1)))});
     }
 
-    [[nodiscard]] const PlotToken& peek() const noexcept { return tokens_[at_]; }
+    void advance() { token_ = lexer_.next(); }
 
-    bool accept(PlotTokenKind kind) noexcept {
-        const bool found = peek().kind == kind;
-        at_ += found ? 1 : 0;
+    bool accept(PlotTokenKind kind) {
+        const bool found = token_.kind == kind;
+        if (found) {
+            advance();
+        }
         return found;
     }
 
@@ -279,20 +331,16 @@ class Parser {
         }
     }
 
-    std::vector<PlotToken> tokens_;
+    Lexer lexer_;
     const SourceSpan& span_;
-    std::size_t at_ = 0;
+    PlotToken token_;
     std::size_t depth_ = 0;
 };
 
 } // namespace
 
-std::vector<PlotToken> lexPlotExpression(std::string_view text, const SourceSpan& span) {
-    return Lexer(text, span).read();
-}
-
 ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span) {
-    return Parser(lexPlotExpression(text, span), span).read();
+    return Parser(text, span).read();
 }
 
 } // namespace morquill::taskdsl::plot

@@ -5,6 +5,7 @@
 #include "taskdsl/plot/plot_text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -34,6 +35,15 @@ std::size_t indentOf(std::string_view rawLine) noexcept {
     return indent;
 }
 
+/// The bytes that a scan of a line must look at: quotes, escapes, braces and parentheses.
+constexpr auto isSpecial = [] {
+    std::array<bool, 256> special{};
+    for (const char c : std::string_view("\"'\\{}()")) {
+        special[static_cast<unsigned char>(c)] = true;
+    }
+    return special;
+}();
+
 /// The parenthesis depth behind a line that was entered with `depth`; negative when one is closed that was
 /// never opened. Inside a string of either kind a backslash escapes, outside it is an ordinary byte.
 std::int64_t scanLine(std::string_view text, std::int64_t depth, const SourceSpan& span,
@@ -42,6 +52,9 @@ std::int64_t scanLine(std::string_view text, std::int64_t depth, const SourceSpa
     std::size_t snapshot = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
+        if (!isSpecial[static_cast<unsigned char>(c)]) {
+            continue;
+        }
         if (quote != '\0') {
             if (c == '\\') {
                 ++i;
