@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -60,11 +61,17 @@ class Shared {
         return *value_;
     }
     void reset() noexcept { value_.reset(); }
+    /// True when both hold one and the same value.
+    [[nodiscard]] bool sharesWith(const Shared& other) const noexcept { return value_ == other.value_; }
 
     [[nodiscard]] auto begin() const noexcept { return get().begin(); }
     [[nodiscard]] auto end() const noexcept { return get().end(); }
     [[nodiscard]] bool empty() const noexcept { return get().empty(); }
     [[nodiscard]] auto size() const noexcept { return get().size(); }
+    [[nodiscard]] const auto& operator[](std::size_t i) const noexcept { return get()[i]; }
+    [[nodiscard]] const auto& at(std::size_t i) const { return get().at(i); }
+    [[nodiscard]] const auto& front() const noexcept { return get().front(); }
+    [[nodiscard]] const auto& back() const noexcept { return get().back(); }
 
   private:
     std::shared_ptr<T> value_;

@@ -233,7 +233,7 @@ void expandMatrix(TaskDocument& document) {
     }
     validateMatrix(document.matrixAxes);
     // The tasks go first: the variants need the room.
-    document.tasks = {};
+    document.tasks.reset();
     document.tasks = MatrixExpansion(document).run();
 }
 

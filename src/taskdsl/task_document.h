@@ -165,8 +165,10 @@ struct TaskDocument {
     ValueMap defines;  ///< `define:` values, the caller's defines and `extra.yaml` values, merged
     std::map<std::string, std::vector<std::string>, std::less<>> matrixValues; ///< axis key to its value list
     std::vector<MatrixAxis> matrixAxes;                                        ///< in declared order
-    std::vector<TaskInfo> tasks;         ///< after define substitution and matrix expansion: what runs
-    std::vector<TaskInfo> templateTasks; ///< as written, before substitution and expansion
+    /// After define substitution and matrix expansion: what runs. One list with `templateTasks` where nothing
+    /// was substituted or expanded.
+    Shared<std::vector<TaskInfo>> tasks;
+    Shared<std::vector<TaskInfo>> templateTasks; ///< as written, before substitution and expansion
     std::vector<plot::PlotSpec> plots;   ///< top-level `@plot` blocks, after substitution
     std::vector<DeriveBlock> derives;
     std::string filePath;                   ///< path given to the parser

@@ -60,7 +60,9 @@ void parseTaskInclude(const std::string& target, const std::string& base, TaskDo
 
     dropInvalidHeaderValues(inner.settings);
     document.settings.merge(inner.settings);
-    append(document.tasks, inner.tasks);
+    // The written form of an included task is of no use: only what it became is taken over.
+    inner.templateTasks.reset();
+    append(document.tasks.edit(), inner.tasks.edit());
     append(document.plots, inner.plots);
     append(document.derives, inner.derives);
 }

@@ -53,7 +53,7 @@ class LineWalk {
           legacyMultiSource(multiSource), readInclude(includeHandler) {}
 
     void run() {
-        document.tasks.reserve(document.tasks.size() + countHeaders());
+        document.tasks.edit().reserve(document.tasks.size() + countHeaders());
         for (index = 0; index < lines.size(); ++index) {
             walkLine();
         }
@@ -100,7 +100,7 @@ class LineWalk {
 
     void walkTask(std::string_view name, bool quoted) {
         const SourceLine& header = lines[index];
-        TaskInfo& task = document.tasks.emplace_back(substituteBrackets(name, document.defines));
+        TaskInfo& task = document.tasks.edit().emplace_back(substituteBrackets(name, document.defines));
         task.quoted = quoted;
         task.filePath = header.originPath;
         task.headerSpan = spanOfLine(header.originPath, header.lineNumber, header.text);
@@ -173,23 +173,24 @@ std::vector<SourceLine> makeSourceLines(const std::vector<std::string_view>& lin
 void finishOwnTasks(TaskDocument& document, const std::vector<IncludedTasks>& included,
                     const WarningSink& warnings) {
     std::size_t i = 0;
+    auto& tasks = document.tasks.edit();
     const auto finishUpTo = [&](std::size_t end) {
         for (; i < end; ++i) {
-            finishTask(document.tasks[i], document.matrixAxes, warnings);
+            finishTask(tasks[i], document.matrixAxes, warnings);
         }
     };
     for (const auto& range : included) {
         finishUpTo(range.begin);
         i = range.end;
     }
-    finishUpTo(document.tasks.size());
+    finishUpTo(tasks.size());
 }
 
 /// Puts the defines into the tasks, plots and derives. When a matrix follows, the tasks wait for it: it makes
 /// them anew from the templates, with the defines and its own values in one pass.
 void substituteDefines(TaskDocument& document) {
-    if (document.matrixAxes.empty()) {
-        for (auto& task : document.tasks) {
+    if (document.matrixAxes.empty() && std::any_of(document.tasks.begin(), document.tasks.end(), holdsBrackets)) {
+        for (auto& task : document.tasks.edit()) {
             substituteTask(task, document.defines, true);
         }
     }

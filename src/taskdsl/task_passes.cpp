@@ -31,6 +31,23 @@ bool hasAxis(const std::vector<MatrixAxis>& axes, std::string_view key) {
     return std::any_of(axes.begin(), axes.end(), [key](const MatrixAxis& axis) { return axis.key == key; });
 }
 
+/// Makes a change to the declared tasks and to those that run, once where they are still one list.
+template <class Change>
+void changeTasks(TaskDocument& document, const Change& change) {
+    const bool oneList = document.tasks.sharesWith(document.templateTasks);
+    if (oneList) {
+        document.tasks.reset();
+    }
+    auto& declared = document.templateTasks.edit();
+    std::for_each(declared.begin(), declared.end(), change);
+    if (oneList) {
+        document.tasks = document.templateTasks;
+    } else {
+        auto& running = document.tasks.edit();
+        std::for_each(running.begin(), running.end(), change);
+    }
+}
+
 std::string_view pathOrMemory(std::string_view path) noexcept {
     return path.empty() ? "<memory>" : path;
 }
@@ -89,16 +106,14 @@ void applyHeaderMetadata(TaskDocument& document, std::string_view path, const Wa
     if (!cores && !memory) {
         return;
     }
-    for (auto* tasks : {&document.templateTasks, &document.tasks}) {
-        for (TaskInfo& task : *tasks) {
-            const bool takesCores = cores && task.totalCores <= 0;
-            const bool takesMemory = memory && task.totalMemory <= 0;
-            task.totalCores = takesCores ? *cores : task.totalCores;
-            task.totalMemory = takesMemory ? *memory : task.totalMemory;
-            // A value that was taken is positive.
-            task.controlDeclared = task.controlDeclared || takesCores || takesMemory;
-        }
-    }
+    changeTasks(document, [&](TaskInfo& task) {
+        const bool takesCores = cores && task.totalCores <= 0;
+        const bool takesMemory = memory && task.totalMemory <= 0;
+        task.totalCores = takesCores ? *cores : task.totalCores;
+        task.totalMemory = takesMemory ? *memory : task.totalMemory;
+        // A value that was taken is positive.
+        task.controlDeclared = task.controlDeclared || takesCores || takesMemory;
+    });
 }
 
 void shareTaskNames(TaskDocument& document) {
@@ -109,11 +124,7 @@ void shareTaskNames(TaskDocument& document) {
         }
     }
     const Shared<std::vector<std::string>> shared(std::move(names));
-    for (auto* tasks : {&document.tasks, &document.templateTasks}) {
-        for (TaskInfo& task : *tasks) {
-            task.documentTaskNames = shared;
-        }
-    }
+    changeTasks(document, [&shared](TaskInfo& task) { task.documentTaskNames = shared; });
 }
 
 void warnAboutDeadlocks(const TaskDocument& document, std::string_view path, const WarningSink& warn) {

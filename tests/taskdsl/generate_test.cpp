@@ -17,7 +17,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-std::vector<std::string> namesOf(const std::vector<TaskInfo>& tasks) {
+std::vector<std::string> namesOf(const Shared<std::vector<TaskInfo>>& tasks) {
     std::vector<std::string> names;
     for (const auto& task : tasks) {
         names.push_back(task.name);

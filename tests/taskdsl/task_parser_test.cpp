@@ -9,7 +9,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-std::vector<std::string> namesOf(const std::vector<TaskInfo>& tasks) {
+std::vector<std::string> namesOf(const Shared<std::vector<TaskInfo>>& tasks) {
     std::vector<std::string> names;
     for (const auto& task : tasks) {
         names.push_back(task.name);
@@ -108,6 +108,14 @@ TEST(TaskParser, SharesTheNamesOfAllTasksThatAreNoProviders) {
     const auto parsed = parse("$a\n$p\n%interface provider\n$b\n");
     EXPECT_THAT(*parsed.document.tasks[0].documentTaskNames, ElementsAre("a", "b"));
     EXPECT_EQ(&*parsed.document.tasks[0].documentTaskNames, &*parsed.document.templateTasks[2].documentTaskNames);
+}
+
+TEST(TaskParser, WhatNothingIsPutIntoIsStoredOnce) {
+    const auto plain = parse("totcore: 8\n$a\n$b\n");
+    EXPECT_TRUE(plain.document.tasks.sharesWith(plain.document.templateTasks));
+    const auto substituted = parse("define:\n  k: v\n$a\n%keywords [k]\n$b\n");
+    EXPECT_EQ(substituted.document.tasks[0].keywords, "v");
+    EXPECT_EQ(substituted.document.templateTasks[0].keywords, "[k]");
 }
 
 TEST(TaskParser, TwoTasksThatWaitForAllOthersMayDeadlock) {

@@ -15,7 +15,7 @@ std::string sourceOf(const TaskDocument& document) {
 
 std::string taskText(const TaskInfo& task) {
     TaskDocument document;
-    document.tasks.push_back(task);
+    document.tasks.edit().push_back(task);
     const std::string text = sourceOf(document);
     EXPECT_TRUE(text.starts_with(head));
     return text.substr(std::string_view(head).size());
@@ -64,12 +64,12 @@ TEST(CanonicalWriter, MatrixFormsAndViews) {
 
 TEST(CanonicalWriter, TheViewsChooseTheirTasks) {
     TaskDocument document;
-    document.tasks = {TaskInfo("v1"), TaskInfo("v2")};
-    document.templateTasks = {TaskInfo("t")};
+    document.tasks = std::vector{TaskInfo("v1"), TaskInfo("v2")};
+    document.templateTasks = std::vector{TaskInfo("t")};
     EXPECT_EQ(sourceOf(document), std::string(head) + "$t\n  %source origin\n");
     EXPECT_EQ(renderCanonicalDocument(document, CanonicalView::matrixExpandedView),
               std::string(head) + "$v1\n  %source origin\n\n$v2\n  %source origin\n");
-    document.templateTasks.clear();
+    document.templateTasks.reset();
     EXPECT_EQ(sourceOf(document), std::string(head) + "$v1\n  %source origin\n\n$v2\n  %source origin\n");
 }
 
