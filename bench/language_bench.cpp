@@ -112,7 +112,7 @@ BENCHMARK(expandLoop)->Arg(1'000)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kM
 
 void findPropertyByAlias(benchmark::State& state) {
     for (auto _ : state) {
-        benchmark::DoNotOptimize(catalog::findProperty("Total Energy"));
+        benchmark::DoNotOptimize(findProperty("Total Energy"));
     }
 }
 BENCHMARK(findPropertyByAlias);
