@@ -1,5 +1,6 @@
 #include "views/lint_rules.h"
 
+#include "taskdsl/when_expr.h"
 #include "views/lint_file.h"
 
 #include <gmock/gmock.h>
@@ -262,13 +263,16 @@ TEST(LintFile, SurvivesAnything) {
     EXPECT_EQ(lint(a + "%extrainput " + std::string(1u << 17u, '{') + "\n%keywords " +
                    std::string(1u << 17u, '{') + "\n"),
               "");
-    EXPECT_EQ(lint("$a\n%keywords k\n@fragment " + std::string(1u << 17u, '"') + "\n\0\xff\x01\n"), "");
+    EXPECT_EQ(
+        lint("$a\n%keywords k\n@fragment " + std::string(1u << 17u, '"') + std::string("\n\0\xff\x01\n", 5)),
+        "");
     std::string nested = "defined x";
     for (int i = 0; i < 200; ++i) {
         nested = "(" + nested + (i % 2 == 0 ? ") and defined y" : ") or defined y");
     }
     EXPECT_EQ(lint(a + "%when " + nested + "\n"),
-              "E - parse-error | %when condition nests groups more than 50 levels deep\n");
+              "E - parse-error | %when condition nests groups more than " +
+                  std::to_string(taskdsl::maxWhenNesting) + " levels deep\n");
 }
 
 TEST(LintFile, TellsOfAFileThatIsNotThere) {
