@@ -26,7 +26,9 @@ plot::PlotBlock blockOf(std::string_view text) {
     std::uint32_t number = 0;
     for (const auto line : splitLines(text)) {
         if (++number > 1) {
-            block.captured.lines.push_back({std::string(line), "a.mq", number});
+            if (trim(line) != "@end") { // never part of a body
+                block.captured.lines.push_back({std::string(line), "a.mq", number});
+            }
             continue;
         }
         block.scope = line.starts_with('%') ? plot::PlotScope::task : plot::PlotScope::project;
@@ -96,7 +98,10 @@ bool allPlain(const Parts&... parts) {
 
 bool isPlain(const plot::PlotSpec& spec) {
     const bool data = std::visit(
-        Match{[](const plot::BarrierPlotData& d) { return allPlain(d.points, d.relativePoint, d.unit); },
+        Match{[](const plot::BarrierPlotData& d) {
+                  // An empty unit is not printed, and what is not written is kcal/mol.
+                  return allPlain(d.points, d.relativePoint, d.unit) && !d.unit.empty();
+              },
               [](const plot::ConvergencePlotData& d) { return allPlain(d.x, d.series, d.thresholds); },
               [](const plot::CurvePlotData& d) { return allPlain(d.x, d.series); },
               [](const plot::SpectrumPlotData& d) {

@@ -1,11 +1,13 @@
 #include "frontend/command_table.h"
 
 #include "frontend/console.h"
-#include "frontend/not_built.h"
+#include "project/project_command.h"
+#include "project/rename.h"
 #include "support/text.h"
 #include "templates/template_command.h"
 #include "views/explain.h"
 #include "views/file_commands.h"
+#include "views/lint.h"
 
 namespace morquill::frontend {
 
@@ -27,13 +29,13 @@ constexpr CommandEntry row(std::string_view name, HelpOperation help, RunOperati
 std::span<const CommandEntry> commandTable() noexcept {
     static constexpr CommandEntry table[] = {
         row("template", templates::printTemplateHelp, templates::runTemplate),
-        row("project", notBuiltHelp<"project">, notBuiltRun<"project">),
-        row("rename", notBuiltHelp<"rename">, notBuiltRun<"rename">),
+        row("project", project::printProjectHelp, project::runProject),
+        row("rename", project::printRenameHelp, project::runRename),
         row("fmt", views::printFmtHelp, fileCommand<views::printFmtHelp, views::runFmt>),
         row("migrate", views::printMigrateHelp, fileCommand<views::printMigrateHelp, views::runMigrate>),
         row("expand", views::printExpandHelp, fileCommand<views::printExpandHelp, views::runExpand>),
         row("explain", views::printExplainHelp, fileCommand<views::printExplainHelp, views::runExplain>),
-        row("lint", notBuiltHelp<"lint">, notBuiltRun<"lint">),
+        row("lint", views::printLintHelp, views::runLint),
     };
     return table;
 }

@@ -3,7 +3,8 @@
 #include "frontend/command_table.h"
 #include "frontend/console.h"
 #include "frontend/logger.h"
-#include "frontend/not_built.h"
+#include "project/project_command.h"
+#include "project/rename.h"
 #include "support/text.h"
 #include "templates/template_command.h"
 
@@ -61,9 +62,9 @@ bool isTemplateShape(Arguments arguments) {
 
 // In the order in which they are tried: the first that matches takes the whole command line.
 constexpr std::array<OlderShape, 4> olderShapes{{
-    {"rename", isRenameShape, notBuiltRun<"rename">},
-    {"update", isUpdateShape, notBuiltRun<"project">},
-    {"project", isProjectShape, notBuiltRun<"project">},
+    {"rename", isRenameShape, project::runRenameCompatibility},
+    {"update", isUpdateShape, project::runUpdateCompatibility},
+    {"project", isProjectShape, project::runProjectCompatibility},
     {"template", isTemplateShape, templates::runTemplateCompat},
 }};
 

@@ -10,8 +10,8 @@
 /// `define:` sections and the keys that they may not use.
 namespace morquill::taskdsl {
 
-/// True for a key that stands for a runtime placeholder of `%source`: one of the reserved names, such a name with
-/// a dot and more behind it, or such a name followed by digits only.
+/// True for a key that stands for a runtime placeholder of `%source`: one of the reserved names, such a name
+/// with a dot and more behind it, or such a name followed by digits only.
 [[nodiscard]] bool isReservedKey(std::string_view key) noexcept;
 
 /// Throws `DiagnosticError` for a reserved define key.

@@ -2,6 +2,7 @@
 
 #include "taskdsl/directive_reader.h"
 #include "taskdsl/mod_operation.h"
+#include "taskdsl/plot/plot_parser.h"
 #include "taskdsl/scan.h"
 
 #include "support/text.h"
@@ -244,7 +245,7 @@ void readPlot(DirectiveReader& reader) {
     while (reader.nextLine()) {
         block.captured.lines.push_back(reader.currentLine());
     }
-    reader.task.plots.push_back(std::move(block));
+    reader.task.plots.push_back(plot::parsePlot(block));
 }
 
 // Keywords are compared exactly; "extrainputs" is the one alias.

@@ -47,9 +47,8 @@ bool opensHeredoc(std::string_view value) noexcept {
 
 FragmentExpansionScope scopeOfDirective(std::string_view keyword, std::string_view value) noexcept {
     for (const auto& row : directiveScopes) {
-        if (row.keyword == keyword &&
-            (row.rule == ScopeRule::always || value.empty() ||
-             (row.rule == ScopeRule::emptyValueOrHeredoc && opensHeredoc(value)))) {
+        if (row.keyword == keyword && (row.rule == ScopeRule::always || value.empty() ||
+                                       (row.rule == ScopeRule::emptyValueOrHeredoc && opensHeredoc(value)))) {
             return row.scope;
         }
     }
@@ -250,7 +249,8 @@ class IncludePass {
                                   : "library imports are only allowed at file scope");
         }
         const bool atMargin = isDocument() && !indented;
-        if (atMargin && (include.kind == IncludeTarget::taskFile || include.kind == IncludeTarget::yamlFile)) {
+        if (atMargin &&
+            (include.kind == IncludeTarget::taskFile || include.kind == IncludeTarget::yamlFile)) {
             closeTask();
             keep(first);
         } else {
@@ -349,18 +349,18 @@ std::vector<SourceLine> instantiateFragment(const FragmentDefinition& definition
     // A library is loaded once, so its path tells it apart; a standalone file may come by several paths.
     const auto& path = definition.path.str();
     const IncludeChain::Entry entry(context.fragmentChain,
-                                    (library ? path : normalisedPath(path)) + "::" + name, path + "::" + name);
+                                    library ? path + "::" + name : normalisedPath(path), path + "::" + name);
     const auto values = bindArguments(definition, include, includeLine);
 
     std::vector<SourceLine> lines;
     lines.reserve(definition.lines.size());
-    context.growth.take(0);
+    context.growth.takeFragment();
     for (const auto& line : definition.lines) {
         lines.push_back(line);
         if (!values.empty() && line.text.find('[') != std::string::npos) {
             lines.back().text = substituteBrackets(line.text, values);
         }
-        context.growth.take(lines.back().text.size());
+        context.growth.takeLine(lines.back().text.size());
     }
     const auto kind = definition.kind == FragmentKind::unknown ? scope : definition.kind;
     lines = expandIncludes(std::move(lines), {definition.path, library, kind}, context);

@@ -252,8 +252,8 @@ class ForeachPass {
         std::int64_t number = series.first;
         for (std::size_t index = 1; index <= count; ++index) {
             const auto text = std::to_string(number);
-            repeatFor(header.name, {{"index", std::to_string(index)}, {"series", text}, {"value", text}}, begin,
-                      end, depth);
+            repeatFor(header.name, {{"index", std::to_string(index)}, {"series", text}, {"value", text}},
+                      begin, end, depth);
             if (index < count) { // the last number may be the last of its type
                 number += series.first <= series.last ? 1 : -1;
             }
@@ -262,7 +262,7 @@ class ForeachPass {
 
     void repeatFor(const std::string& name, const ValueMap& item, std::size_t begin, std::size_t end,
                    std::size_t depth) {
-        growth.take(0);
+        growth.takeRepetition();
         auto layer = values.push(name, item);
         walk(begin, end, depth + 1);
         values.pop(std::move(layer));
@@ -285,7 +285,7 @@ class ForeachPass {
         } else {
             result.push_back(line);
         }
-        growth.take(result.back().text.size());
+        growth.takeLine(result.back().text.size());
     }
 
     std::vector<SourceLine> lines;

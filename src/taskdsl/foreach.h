@@ -23,11 +23,13 @@ struct ForeachHeader {
     std::string source;
 };
 
-/// Reads a cleaned line: `@foreach[?] <name> in <source>` or `@foreach[?] <name>`; any other line is not valid.
+/// Reads a cleaned line: `@foreach[?] <name> in <source>` or `@foreach[?] <name>`; any other line is not
+/// valid.
 [[nodiscard]] ForeachHeader parseForeachHeader(std::string_view text);
 
-/// Repeats the lines of every `@foreach` block with `<name>.<key>` put in for its items, and puts `values` into
-/// all other lines. Throws `DiagnosticError` for an open block, a stray "@end", an unknown collection or source.
+/// Repeats the lines of every `@foreach` block with `<name>.<key>` put in for its items, and puts `values`
+/// into all other lines. Throws `DiagnosticError` for an open block, a stray "@end", an unknown collection or
+/// source.
 [[nodiscard]] std::vector<SourceLine> expandForeach(std::vector<SourceLine> lines,
                                                     const Collections& collections, const ValueMap& values);
 

@@ -18,26 +18,16 @@ struct SpellingRow {
     FragmentKind kind;
 };
 constexpr std::array<SpellingRow, 20> spellings{{
-    {"document", FragmentKind::document},
-    {"doc", FragmentKind::document},
-    {"task", FragmentKind::task_body},
-    {"task_body", FragmentKind::task_body},
-    {"taskbody", FragmentKind::task_body},
-    {"process", FragmentKind::process},
-    {"command", FragmentKind::process},
-    {"commands", FragmentKind::process},
-    {"cmd", FragmentKind::process},
-    {"preprocess", FragmentKind::preprocess},
-    {"control", FragmentKind::control},
-    {"mod", FragmentKind::mod},
-    {"when", FragmentKind::when},
-    {"meta", FragmentKind::meta},
-    {"param", FragmentKind::param},
-    {"args", FragmentKind::args},
-    {"batch", FragmentKind::batch},
-    {"text", FragmentKind::text},
-    {"body", FragmentKind::text},
-    {"extrainput", FragmentKind::text},
+    {"document", FragmentKind::document},  {"doc", FragmentKind::document},
+    {"task", FragmentKind::task_body},     {"task_body", FragmentKind::task_body},
+    {"taskbody", FragmentKind::task_body}, {"process", FragmentKind::process},
+    {"command", FragmentKind::process},    {"commands", FragmentKind::process},
+    {"cmd", FragmentKind::process},        {"preprocess", FragmentKind::preprocess},
+    {"control", FragmentKind::control},    {"mod", FragmentKind::mod},
+    {"when", FragmentKind::when},          {"meta", FragmentKind::meta},
+    {"param", FragmentKind::param},        {"args", FragmentKind::args},
+    {"batch", FragmentKind::batch},        {"text", FragmentKind::text},
+    {"body", FragmentKind::text},          {"extrainput", FragmentKind::text},
 }};
 
 bool runsCommands(FragmentKind kind) noexcept {

@@ -13,8 +13,8 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// Resolves parameters depth first. The path is a stack of its own, so that a long chain of parameters does not
-/// end the program's stack.
+/// Resolves parameters depth first. The path is a stack of its own, so that a long chain of parameters does
+/// not end the program's stack.
 class ParameterResolver {
   public:
     ParameterResolver(const ValueMap& boundValues, const FragmentDefinition& fragment, const SourceLine& line)

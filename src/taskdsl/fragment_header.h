@@ -12,8 +12,8 @@ namespace morquill::taskdsl {
 [[nodiscard]] bool isFragmentLine(std::string_view text) noexcept;
 
 /// Reads `&FRAGMENT <kind> [<name>][(<parameters>)]` from the line at `index`, over several lines while a
-/// parenthesis is open; `index` is left on the last line of the header. The definition has no body yet. Throws
-/// `DiagnosticError` when the header does not follow that form or lacks a required name.
+/// parenthesis is open; `index` is left on the last line of the header. The definition has no body yet.
+/// Throws `DiagnosticError` when the header does not follow that form or lacks a required name.
 [[nodiscard]] FragmentDefinition parseFragmentHeader(const std::vector<SourceLine>& lines, std::size_t& index,
                                                      const SharedText& path, bool nameRequired);
 

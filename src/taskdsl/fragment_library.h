@@ -13,13 +13,13 @@ namespace morquill::taskdsl {
 std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, const std::string& baseFile,
                                                    ParseContext& context);
 
-/// Loads a library for the namespace `alias` of the file being read. Throws `DiagnosticError` when the alias is
-/// bound to another library already; `place` stands before that message.
+/// Loads a library for the namespace `alias` of the file being read. Throws `DiagnosticError` when the alias
+/// is bound to another library already; `place` stands before that message.
 void bindLibrary(const std::string& alias, const std::string& name, const std::string& baseFile,
                  const std::string& place, ParseContext& context);
 
-/// The fragment of a standalone file, included in `scope`. Without a header it is of the kind of the scope and
-/// holds all lines. Throws `DiagnosticError` when the file is missing or cannot be read.
+/// The fragment of a standalone file, included in `scope`. Without a header it is of the kind of the scope
+/// and holds all lines. Throws `DiagnosticError` when the file is missing or cannot be read.
 [[nodiscard]] FragmentDefinition loadFragmentFile(const std::string& name, const std::string& baseFile,
                                                   FragmentExpansionScope scope, ParseContext& context);
 

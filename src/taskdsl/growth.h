@@ -11,16 +11,20 @@ namespace morquill::taskdsl {
 /// memory.
 class GrowthBudget {
   public:
-    /// Takes one line of `bytes` bytes, or one empty repetition. Throws `DiagnosticError` beyond the bounds.
-    void take(std::size_t bytes) {
-        ++lines;
+    /// Takes one line of `bytes` bytes. Throws `DiagnosticError` beyond the bounds.
+    void takeLine(std::size_t bytes) { take(1, bytes); }
+    /// Takes the work of one item of a loop, or of one fragment, that may make no line at all.
+    void takeRepetition() { take(limits::linesPerRepetition, 0); }
+    void takeFragment() { take(limits::linesPerFragment, 0); }
+
+  private:
+    void take(std::size_t count, std::size_t bytes) {
+        lines += count;
         text += bytes;
         if (lines > limits::expandedLines || text > limits::expandedText) {
             fail();
         }
     }
-
-  private:
     [[noreturn]] static void fail();
 
     std::size_t lines = 0;

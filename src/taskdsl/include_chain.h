@@ -16,8 +16,9 @@ class IncludeChain {
     /// Enters an element for the time of a scope.
     class Entry {
       public:
-        /// `key` tells elements apart, `shown` is what messages print. Throws `DiagnosticError` with the whole
-        /// chain when the element is on it already, or when the chain grows beyond `limits::includeDepth`.
+        /// `key` tells elements apart, `shown` is what messages print. Throws `DiagnosticError` with the
+        /// whole chain when the element is on it already, or when the chain grows beyond
+        /// `limits::includeDepth`.
         Entry(IncludeChain& chain, const std::string& key, std::string shown);
         Entry(const Entry&) = delete;
         Entry& operator=(const Entry&) = delete;

@@ -22,8 +22,8 @@ bool isNameChar(char c) noexcept {
     return isLetter(c) || isDigit(c) || c == '_' || c == '-';
 }
 
-/// Steps over the characters that quotes protect: tells whether the character at `i` stands outside quotes and
-/// is no quote. A backslash inside quotes takes the next character with it.
+/// Steps over the characters that quotes protect: tells whether the character at `i` stands outside quotes
+/// and is no quote. A backslash inside quotes takes the next character with it.
 class QuoteWalk {
   public:
     bool outside(std::string_view text, std::size_t& i) noexcept {
@@ -167,7 +167,8 @@ void readArguments(IncludeDirective& include) {
     for (const auto part : splitArguments(include.argumentText)) {
         const auto equals = part.find('=');
         if (equals == std::string_view::npos) {
-            throw DiagnosticError("fragment arguments must use name=value syntax: '" + std::string(part) + "'");
+            throw DiagnosticError("fragment arguments must use name=value syntax: '" + std::string(part) +
+                                  "'");
         }
         std::string name(trim(part.substr(0, equals)));
         if (!isFragmentName(name)) {

@@ -5,7 +5,8 @@
 
 namespace morquill::taskdsl {
 
-/// The file that an include target names, as an absolute, normalised path; it need not exist. A name in `<` and
+/// The file that an include target names, as an absolute, normalised path; it need not exist. A name in `<`
+/// and
 /// `>` is first looked for in the directories of `MORQUILL_MQLIB_PATH`. Other relative names, and such a name
 /// that is not found there, are taken from the directory of `baseFile`, or from the current directory when
 /// there is none. Empty for an empty name.

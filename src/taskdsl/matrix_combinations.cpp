@@ -57,8 +57,8 @@ void checkMap(const MatrixAxis& axis, const std::vector<MatrixAxis>& axes, const
     }
     const MatrixAxis& target = axes[found->second];
     if (!target.map.empty()) {
-        failAxis(axis, "cannot map to axis '" + axis.map +
-                           "' because chained matrix mappings are not supported");
+        failAxis(axis,
+                 "cannot map to axis '" + axis.map + "' because chained matrix mappings are not supported");
     }
     if (selectionCount(axis) != selectionCount(target)) {
         failAxis(axis, "has value count " + std::to_string(selectionCount(axis)) + " but mapped axis '" +

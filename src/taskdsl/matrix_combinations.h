@@ -19,7 +19,8 @@ struct MatrixCombination {
     std::vector<std::string> pieces;                        ///< one piece of the suffix per axis
 };
 
-/// The text as a piece of a task name: letters, digits, `-` and `.` stay, every other run of bytes becomes one
+/// The text as a piece of a task name: letters, digits, `-` and `.` stay, every other run of bytes becomes
+/// one
 /// `_`, and `_` at both ends goes away; "value" when nothing is left.
 [[nodiscard]] std::string cleanVariantText(std::string_view text);
 

@@ -30,9 +30,9 @@ class Renames {
         }
     }
 
-    /// Renames the references of a condition. The pairs of a map are applied one after the other there, so the
-    /// new names first carry a mark that no task name begins with: `a` becomes `a__x_1` and stays so beside a
-    /// task `a__x_1` of its own.
+    /// Renames the references of a condition. The pairs of a map are applied one after the other there, so
+    /// the new names first carry a mark that no task name begins with: `a` becomes `a__x_1` and stays so
+    /// beside a task `a__x_1` of its own.
     void applyToCondition(std::string& text) const {
         std::string marked = rewriteWhenReferences(text, markedNames());
         text = marked == text ? std::move(marked) : rewriteWhenReferences(marked, unmarkedNames());
@@ -88,8 +88,9 @@ void renameReferences(TaskInfo& task, const Renames& renames) {
 
 /// The bytes of the long texts of a task: what makes variants large.
 std::size_t textSize(const TaskInfo& task) noexcept {
-    std::size_t size = task.name.size() + task.keywords.size() + task.args.size() + task.extraKeywords.size() +
-                       task.paramValues.size() + task.body.size() + task.orcaBlock.size();
+    std::size_t size = task.name.size() + task.keywords.size() + task.args.size() +
+                       task.extraKeywords.size() + task.paramValues.size() + task.body.size() +
+                       task.orcaBlock.size();
     for (const auto* list : {&task.preProcessCommands, &task.processCommands, &task.whenConditions}) {
         for (const auto& text : *list) {
             size += text.size();
@@ -116,15 +117,20 @@ class MatrixExpansion {
     explicit MatrixExpansion(TaskDocument& target)
         : document(target), walk(target.matrixAxes), values(target.defines) {
         std::map<std::string_view, std::size_t> files;
+        std::size_t textOfOne = 0; // of one combination, before substitution
         for (const auto& task : document.templateTasks) {
             const auto file = files.try_emplace(task.filePath.str(), files.size()).first->second;
             templates.push_back({&task, holdsBrackets(task), refersToTask(task), file, {}, {}});
             anyRefers = anyRefers || templates.back().refers;
+            textOfOne += textSize(task);
         }
         fileCount = files.size();
         if (walk.size() > limits::matrixVariants / templates.size()) {
             throw DiagnosticError("matrix yields more than " + std::to_string(limits::matrixVariants) +
                                   " task variants");
+        }
+        if (textOfOne > limits::variantText / walk.size()) {
+            failText();
         }
     }
 
@@ -189,14 +195,21 @@ class MatrixExpansion {
             renameReferences(task, renames[item.file]);
         }
         for (auto& plot : task.plots) {
-            plot.ownerTask = plot.ownerTask.empty() ? "" : task.name;
+            plot.ownerTask = task.name;
+            plot.id = task.name + ":" + plot.name;
         }
-        text += textSize(task);
-        if (text > limits::variantText) {
-            throw DiagnosticError("matrix variants hold more than " +
-                                  std::to_string(limits::variantText >> 20) + " MiB of text");
+        if (item.substitutes) { // the texts may be longer than those of the template
+            text += textSize(task);
+            if (text > limits::variantText) {
+                failText();
+            }
         }
         return task;
+    }
+
+    [[noreturn]] static void failText() {
+        throw DiagnosticError("matrix variants hold more than " + std::to_string(limits::variantText >> 20) +
+                              " MiB of text");
     }
 
     const TaskDocument& document;

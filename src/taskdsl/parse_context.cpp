@@ -12,7 +12,8 @@ ValueMap libraryBindings(const DocumentContext& document) {
 
 void ParseContext::countInclude() {
     if (++includeCount > limits::includes) {
-        throw DiagnosticError("more than " + std::to_string(limits::includes) + " &INCLUDE lines were followed");
+        throw DiagnosticError("more than " + std::to_string(limits::includes) +
+                              " &INCLUDE lines were followed");
     }
 }
 

@@ -71,8 +71,8 @@ class PreludeReader {
             return true;
         }
         if (text.starts_with(matrixKeyword)) {
-            mergeMatrixAxes({result.matrixAxes, result.matrixValues}, parseMatrixBlock(lines, index + 1, index),
-                            true);
+            mergeMatrixAxes({result.matrixAxes, result.matrixValues},
+                            parseMatrixBlock(lines, index + 1, index), true);
             return true;
         }
         if (isIndented(lines[index]) || !isKeyLine(text)) {
@@ -112,8 +112,8 @@ class PreludeReader {
         mergeMatrixAxes({result.matrixAxes, result.matrixValues}, included.matrixAxes, false);
     }
 
-    /// Takes the lines of a YAML section. A nested key may be called "define" or "matrix": those begin a section
-    /// of their own only at the margin.
+    /// Takes the lines of a YAML section. A nested key may be called "define" or "matrix": those begin a
+    /// section of their own only at the margin.
     void readSection() {
         const std::size_t first = index;
         std::string text;

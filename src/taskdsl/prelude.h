@@ -23,8 +23,9 @@ struct PreludeResult {
     Collections collections;
 };
 
-/// Reads the prelude from line `start`; `next` is the first line that is no part of it. YAML files and libraries
-/// that it names are read relative to `path`. Throws `DiagnosticError` for a section that cannot be read.
+/// Reads the prelude from line `start`; `next` is the first line that is no part of it. YAML files and
+/// libraries that it names are read relative to `path`. Throws `DiagnosticError` for a section that cannot be
+/// read.
 [[nodiscard]] PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size_t start,
                                          std::size_t& next, const std::string& path, ParseContext& context);
 
@@ -33,8 +34,8 @@ struct PreludeResult {
 [[nodiscard]] PreludeResult parseYamlInclude(const std::string& target, const std::string& base,
                                              ParseContext& context);
 
-/// Puts the settings, defines and axes of a prelude into the document. Without `override` only where the name is
-/// free. Throws `DiagnosticError` for a reserved name.
+/// Puts the settings, defines and axes of a prelude into the document. Without `override` only where the name
+/// is free. Throws `DiagnosticError` for a reserved name.
 void mergePrelude(TaskDocument& document, const PreludeResult& prelude, bool override);
 
 } // namespace morquill::taskdsl

@@ -29,8 +29,8 @@ std::string_view valueAt(std::string_view text, std::size_t i) noexcept {
 
 } // namespace
 
-ValueMap runtimePlaceholders(std::string_view rootName, std::string_view taskName, std::string_view originName,
-                             std::string_view sourceName) {
+ValueMap runtimePlaceholders(std::string_view rootName, std::string_view taskName,
+                             std::string_view originName, std::string_view sourceName) {
     ValueMap values;
     values.emplace("rootname", rootName);
     values.emplace("taskname", taskName);
@@ -43,8 +43,8 @@ ValueMap runtimePlaceholders(std::string_view rootName, std::string_view taskNam
 }
 
 void applyRuntimePlaceholders(TaskInfo& task, const ValueMap& values) {
-    for (auto* text : {&task.keywords, &task.args, &task.extraKeywords, &task.paramValues, &task.runner,
-                       &task.body}) {
+    for (auto* text :
+         {&task.keywords, &task.args, &task.extraKeywords, &task.paramValues, &task.runner, &task.body}) {
         substituteInto(*text, values);
     }
 }

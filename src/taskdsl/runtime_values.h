@@ -17,8 +17,8 @@ namespace morquill::taskdsl {
 /// Puts such values into the texts of a task that may hold them.
 void applyRuntimePlaceholders(TaskInfo& task, const ValueMap& values);
 
-/// The value of `<key>=<value>` in a text, without a surrounding pair of quotes: the first place where the key
-/// stands at the start or behind white space and a value follows. Empty when there is none.
+/// The value of `<key>=<value>` in a text, without a surrounding pair of quotes: the first place where the
+/// key stands at the start or behind white space and a value follows. Empty when there is none.
 [[nodiscard]] std::string findKeywordValue(std::string_view text, std::string_view key);
 
 } // namespace morquill::taskdsl

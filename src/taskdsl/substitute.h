@@ -12,8 +12,9 @@ namespace morquill::taskdsl {
 using ValueMap = std::map<std::string, std::string, std::less<>>;
 
 /// Replaces every `[key]` whose key is in `values`; unknown keys stay as written, and what was put in is not
-/// scanned again. A key is one or more of letters, digits, `_`, `.` and `-` (pattern `\[([A-Za-z0-9_.\-]+)\]`).
-/// Throws `DiagnosticError` when the text would grow beyond all reason (`limits::substitutedText`).
+/// scanned again. A key is one or more of letters, digits, `_`, `.` and `-` (pattern
+/// `\[([A-Za-z0-9_.\-]+)\]`). Throws `DiagnosticError` when the text would grow beyond all reason
+/// (`limits::substitutedText`).
 [[nodiscard]] std::string substituteBrackets(std::string_view text, const ValueMap& values);
 
 /// The same in place; a text without a `[` costs a scan and no copy.

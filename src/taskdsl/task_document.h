@@ -1,8 +1,9 @@
 #pragma once
 
 #include "support/shared.h"
+#include "taskdsl/derive/derive_spec.h"
 #include "taskdsl/matrix_axis.h"
-#include "taskdsl/plot/plot_block.h"
+#include "taskdsl/plot/model.h"
 #include "taskdsl/source_line.h"
 #include "taskdsl/source_spec.h"
 #include "taskdsl/substitute.h"
@@ -141,7 +142,7 @@ struct TaskInfo {
     Shared<ValueMap> matrixValues; ///< axis key to chosen value
     std::string strucId;
     std::vector<std::string> metaProperties;
-    std::vector<plot::PlotBlock> plots; ///< `%plot` entries of this task
+    std::vector<plot::PlotSpec> plots; ///< `%plot` entries of this task
     TaskInterfaceMode interfaceMode = TaskInterfaceMode::none;
     std::string interfaceProvider; ///< provider task of a consume interface
 };
@@ -151,9 +152,10 @@ struct TaskInfo {
 [[nodiscard]] bool hasStructuredSource(const TaskInfo& task) noexcept;
 [[nodiscard]] bool hasExternalSource(const TaskInfo& task) noexcept;
 
-/// A `@derive` block: the raw capture and, once the derive language is applied, its statements.
+/// A `@derive` block: the raw capture and what it says.
 struct DeriveBlock {
     CapturedBlock captured;
+    derive::DeriveSpec spec;
     std::uint64_t documentOrder = 0;
 };
 
@@ -165,7 +167,7 @@ struct TaskDocument {
     std::vector<MatrixAxis> matrixAxes;                                        ///< in declared order
     std::vector<TaskInfo> tasks;         ///< after define substitution and matrix expansion: what runs
     std::vector<TaskInfo> templateTasks; ///< as written, before substitution and expansion
-    std::vector<plot::PlotBlock> plots;  ///< top-level `@plot` blocks, after substitution
+    std::vector<plot::PlotSpec> plots;   ///< top-level `@plot` blocks, after substitution
     std::vector<DeriveBlock> derives;
     std::string filePath;                   ///< path given to the parser
     std::string directory;                  ///< directory of the file, empty when the text came from memory

@@ -3,6 +3,7 @@
 #include "taskdsl/task_document.h"
 
 #include "support/text.h"
+#include "taskdsl/plot/enumerations.h"
 
 #include <algorithm>
 #include <array>
@@ -102,7 +103,9 @@ std::string describeTask(const TaskInfo& task) {
     }
     std::vector<std::string> plots;
     std::transform(task.plots.begin(), task.plots.end(), std::back_inserter(plots),
-                   [](const plot::PlotBlock& block) { return block.captured.header; });
+                   [](const plot::PlotSpec& plot) {
+                       return std::string(plotKindName(plot.kind)) + " " + (plot.title.empty() ? plot.id : plot.title);
+                   });
     dump.list("Plots:", plots);
     dump.list("WhenConditions:", task.whenConditions);
     return dump.text;

@@ -1,6 +1,8 @@
 #include "taskdsl/task_include.h"
 
 #include "support/file.h"
+#include "support/number.h"
+#include "support/text.h"
 #include "taskdsl/include_path.h"
 
 #include <iterator>
@@ -13,7 +15,18 @@ namespace {
 
 template <class T>
 void append(std::vector<T>& target, std::vector<T>& source) {
-    target.insert(target.end(), std::make_move_iterator(source.begin()), std::make_move_iterator(source.end()));
+    target.insert(target.end(), std::make_move_iterator(source.begin()),
+                  std::make_move_iterator(source.end()));
+}
+
+/// Header values that are no positive numbers were told with the file itself and count as absent behind it.
+void dropInvalidHeaderValues(ValueMap& settings) {
+    for (const char* key : {"totcore", "totmem"}) {
+        const auto found = settings.find(key);
+        if (found != settings.end() && !readPositiveInt(trim(found->second))) {
+            settings.erase(found);
+        }
+    }
 }
 
 } // namespace
@@ -45,6 +58,7 @@ void parseTaskInclude(const std::string& target, const std::string& base, TaskDo
     }
     context.document = std::move(outer);
 
+    dropInvalidHeaderValues(inner.settings);
     document.settings.merge(inner.settings);
     append(document.tasks, inner.tasks);
     append(document.plots, inner.plots);

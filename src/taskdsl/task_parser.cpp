@@ -5,10 +5,14 @@
 #include "support/text.h"
 #include "taskdsl/block_capture.h"
 #include "taskdsl/define_block.h"
+#include "taskdsl/derive/derive_parser.h"
+#include "taskdsl/derive/derive_substitute.h"
 #include "taskdsl/directive_reader.h"
 #include "taskdsl/expand_includes.h"
 #include "taskdsl/include_path.h"
 #include "taskdsl/matrix_expand.h"
+#include "taskdsl/plot/plot_parser.h"
+#include "taskdsl/plot/substitute_plot.h"
 #include "taskdsl/prelude.h"
 #include "taskdsl/removed_include.h"
 #include "taskdsl/scan.h"
@@ -78,10 +82,11 @@ class LineWalk {
         if (beginsBlock(text, "@plot")) {
             plot::PlotBlock block;
             block.captured = captureBlock("@plot", lines, index, document.defines);
-            document.plots.push_back(std::move(block));
+            document.plots.push_back(plot::parsePlot(block));
         } else if (beginsBlock(text, "@derive")) {
             DeriveBlock block;
             block.captured = captureBlock("@derive", lines, index, document.defines);
+            block.spec = derive::parseDerive(block.captured);
             block.documentOrder = nextDocumentOrder++;
             document.derives.push_back(std::move(block));
         } else if (text == "@end") {
@@ -130,7 +135,8 @@ class LineWalk {
         // A tab belongs to the keyword: only a blank ends it.
         const auto blank = directive.find(' ');
         const auto keyword = directive.substr(0, blank);
-        const auto value = blank == std::string_view::npos ? std::string_view{} : trim(directive.substr(blank));
+        const auto value =
+            blank == std::string_view::npos ? std::string_view{} : trim(directive.substr(blank));
         const SourceLine& line = lines[index];
         const SourceSpan span = spanOfLine(line.originPath, line.lineNumber, line.text);
         const DirectiveRow* row = findDirective(keyword);
@@ -188,10 +194,10 @@ void substituteDefines(TaskDocument& document) {
         }
     }
     for (auto& plot : document.plots) {
-        substitutePlot(plot, document.defines);
+        plot::substitutePlot(plot, document.defines);
     }
     for (auto& derive : document.derives) {
-        substituteDerive(derive, document.defines);
+        derive::substituteDerive(derive.spec, document.defines);
     }
 }
 
@@ -237,10 +243,11 @@ TaskDocument TaskParser::readDocument(std::string_view text, const std::string& 
     std::vector<IncludedTasks> included;
     const auto includeTasks = [&](const std::string& target, const std::string& base) {
         const std::size_t begin = document.tasks.size();
-        parseTaskInclude(target, base, document, context,
-                         [&](std::string_view innerText, const std::string& innerPath, const ValueMap& values) {
-                             return readDocument(innerText, innerPath, values, context);
-                         });
+        parseTaskInclude(
+            target, base, document, context,
+            [&](std::string_view innerText, const std::string& innerPath, const ValueMap& values) {
+                return readDocument(innerText, innerPath, values, context);
+            });
         included.push_back({begin, document.tasks.size()});
     };
 

@@ -2,6 +2,7 @@
 
 #include "taskdsl/diagnostic.h"
 #include "taskdsl/mod_operation.h"
+#include "taskdsl/plot/substitute_plot.h"
 #include "taskdsl/source_spec.h"
 
 #include <algorithm>
@@ -14,10 +15,14 @@ namespace {
 
 /// The plain text fields that take part in substitution.
 constexpr std::string TaskInfo::*textFields[] = {
-    &TaskInfo::name,          &TaskInfo::guessSourceTask,   &TaskInfo::guessConverter, &TaskInfo::gaussianGeomControl,
-    &TaskInfo::finalGeom,     &TaskInfo::gpuType,           &TaskInfo::strucId,        &TaskInfo::templateTaskName,
-    &TaskInfo::keywords,      &TaskInfo::interfaceProvider, &TaskInfo::args,           &TaskInfo::extraKeywords,
-    &TaskInfo::templateName,  &TaskInfo::paramValues,       &TaskInfo::runner,         &TaskInfo::body,
+    &TaskInfo::name,           &TaskInfo::guessSourceTask,
+    &TaskInfo::guessConverter, &TaskInfo::gaussianGeomControl,
+    &TaskInfo::finalGeom,      &TaskInfo::gpuType,
+    &TaskInfo::strucId,        &TaskInfo::templateTaskName,
+    &TaskInfo::keywords,       &TaskInfo::interfaceProvider,
+    &TaskInfo::args,           &TaskInfo::extraKeywords,
+    &TaskInfo::templateName,   &TaskInfo::paramValues,
+    &TaskInfo::runner,         &TaskInfo::body,
     &TaskInfo::orcaBlock,
 };
 constexpr std::vector<std::string> TaskInfo::*listFields[] = {
@@ -28,13 +33,8 @@ bool holdsBracket(std::string_view text) noexcept {
 }
 
 bool holdsBracket(const std::vector<std::string>& texts) noexcept {
-    return std::any_of(texts.begin(), texts.end(), [](const std::string& text) { return holdsBracket(text); });
-}
-
-bool holdsBracket(const CapturedBlock& block) noexcept {
-    return holdsBracket(block.header) ||
-           std::any_of(block.lines.begin(), block.lines.end(),
-                       [](const SourceLine& line) { return holdsBracket(line.text); });
+    return std::any_of(texts.begin(), texts.end(),
+                       [](const std::string& text) { return holdsBracket(text); });
 }
 
 bool holdsBracket(const SourceBinding& binding) noexcept {
@@ -53,13 +53,6 @@ bool modsHoldBracket(const TaskInfo& task) noexcept {
     return std::any_of(task.modEntries.begin(), task.modEntries.end(), [](const ModEntry& entry) {
         return holdsBracket(entry.key) || holdsBracket(entry.value);
     });
-}
-
-void substituteCaptured(CapturedBlock& block, const ValueMap& values) {
-    substituteInto(block.header, values);
-    for (auto& line : block.lines) {
-        substituteInto(line.text, values);
-    }
 }
 
 /// The pieces take the values, then the line is read again: a task name may have become "origin" or a file.
@@ -96,7 +89,7 @@ void substituteSource(TaskInfo& task, const ValueMap& values, bool final) {
     applySource(task, parseInlineSource(substituteBrackets(task.source, values)), true);
 }
 
-void substituteMods(TaskInfo& task, const ValueMap& values) {
+void substituteMods(TaskInfo& task, const ValueMap& values, bool final) {
     if (!modsHoldBracket(task)) {
         return;
     }
@@ -106,7 +99,7 @@ void substituteMods(TaskInfo& task, const ValueMap& values) {
         substituteInto(entry.value, values);
         task.modValues.insert_or_assign(entry.key, entry.value);
     }
-    checkModsAgainstSources(task);
+    checkModsAgainstSources(task, final);
 }
 
 } // namespace
@@ -117,9 +110,8 @@ bool holdsBrackets(const TaskInfo& task) noexcept {
            std::any_of(std::begin(listFields), std::end(listFields),
                        [&task](auto field) { return holdsBracket(task.*field); }) ||
            holdsBracket(task.filePath.str()) || sourceHoldsBracket(task) || modsHoldBracket(task) ||
-           std::any_of(task.plots.begin(), task.plots.end(), [](const plot::PlotBlock& block) {
-               return holdsBracket(block.ownerTask) || holdsBracket(block.captured);
-           });
+           // A plot holds one in its computed output path at the least.
+           !task.plots.empty();
 }
 
 void substituteTask(TaskInfo& task, const ValueMap& values, bool final) {
@@ -138,19 +130,10 @@ void substituteTask(TaskInfo& task, const ValueMap& values, bool final) {
         task.filePath = substituteBrackets(task.filePath.str(), values);
     }
     substituteSource(task, values, final);
-    substituteMods(task, values);
+    substituteMods(task, values, final);
     for (auto& plot : task.plots) {
-        substitutePlot(plot, values);
+        plot::substitutePlot(plot, values);
     }
-}
-
-void substitutePlot(plot::PlotBlock& plot, const ValueMap& values) {
-    substituteInto(plot.ownerTask, values);
-    substituteCaptured(plot.captured, values);
-}
-
-void substituteDerive(DeriveBlock& derive, const ValueMap& values) {
-    substituteCaptured(derive.captured, values);
 }
 
 } // namespace morquill::taskdsl

@@ -10,12 +10,9 @@ namespace morquill::taskdsl {
 /// True when some field that substitution looks at holds a `[`.
 [[nodiscard]] bool holdsBrackets(const TaskInfo& task) noexcept;
 
-/// Puts values into the fields of a task. A structured source keeps its shape; mods are read again. With `final`
-/// no further substitution follows, so a `frame` must have become a number. Throws `DiagnosticError` when a
-/// source or a mod cannot be read any more.
+/// Puts values into the fields of a task. A structured source keeps its shape; mods are read again. With
+/// `final` no further substitution follows, so a `frame` must have become a number. Throws `DiagnosticError`
+/// when a source or a mod cannot be read any more.
 void substituteTask(TaskInfo& task, const ValueMap& values, bool final);
-
-void substitutePlot(plot::PlotBlock& plot, const ValueMap& values);
-void substituteDerive(DeriveBlock& derive, const ValueMap& values);
 
 } // namespace morquill::taskdsl

@@ -618,6 +618,20 @@ std::vector<std::string> collectCompletedTargets(const TaskWhenExpr& expr) {
     return targets;
 }
 
+std::vector<std::string> collectPlaceholders(const TaskWhenExpr& expr) {
+    std::vector<std::string> placeholders;
+    walk(expr, [&](const TaskWhenExpr& node) {
+        if (const auto* comparison = std::get_if<WhenComparison>(&node.node)) {
+            for (const auto* side : {&comparison->left, &comparison->right}) {
+                if (side->kind == WhenOperandKind::placeholder) {
+                    placeholders.push_back(side->text);
+                }
+            }
+        }
+    });
+    return placeholders;
+}
+
 bool hasAllOthers(const TaskWhenExpr& expr) {
     bool found = false;
     walk(expr, [&](const TaskWhenExpr& node) {

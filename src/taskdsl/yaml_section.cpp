@@ -12,8 +12,8 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// Walks the nodes of one section. An alias makes two names for one node, so a small text can stand for a huge
-/// or even an endless tree: what is taken out of it is counted.
+/// Walks the nodes of one section. An alias makes two names for one node, so a small text can stand for a
+/// huge or even an endless tree: what is taken out of it is counted.
 class SectionWalk {
   public:
     SectionWalk(ValueMap& settingsOut, Collections& collectionsOut)
@@ -104,8 +104,9 @@ std::string reasonOf(const YAML::Exception& error, std::size_t firstLine) {
     if (error.mark.is_null()) {
         return error.msg;
     }
-    return "yaml-cpp: error at line " + std::to_string(static_cast<std::size_t>(error.mark.line) + firstLine) +
-           ", column " + std::to_string(error.mark.column + 1) + ": " + error.msg;
+    return "yaml-cpp: error at line " +
+           std::to_string(static_cast<std::size_t>(error.mark.line) + firstLine) + ", column " +
+           std::to_string(error.mark.column + 1) + ": " + error.msg;
 }
 
 } // namespace

@@ -1,7 +1,10 @@
 #include "views/canonical_writer.h"
 
 #include "support/text.h"
+#include "taskdsl/derive/derive_output.h"
+#include "taskdsl/directive_reader.h"
 #include "taskdsl/mod_operation.h"
+#include "taskdsl/plot/render.h"
 #include "taskdsl/source_spec.h"
 #include "views/canonical_scalar.h"
 #include "views/legacy_keywords.h"
@@ -51,11 +54,18 @@ class CanonicalText {
         }
     }
     void block(std::string_view directive, const std::vector<std::string>& lines) {
-        if (lines.empty()) {
-            return;
-        }
-        line("  %", directive);
+        bool open = false;
         for (const auto& text : lines) {
+            // A text that would end the block (it came from behind the keyword) stands there again.
+            if (taskdsl::isStructureLine(text)) {
+                line("  %", directive, " ", text);
+                open = false;
+                continue;
+            }
+            if (!open) {
+                line("  %", directive);
+                open = true;
+            }
             line("    ", text);
         }
     }
@@ -255,27 +265,13 @@ void writePayload(CanonicalText& text, const TaskInfo& task) {
 }
 
 void writeMods(CanonicalText& text, const TaskInfo& task) {
-    if (task.modEntries.empty() && task.modValues.empty()) {
-        return;
-    }
-    text.line("  %mod");
+    std::vector<std::string> lines;
     for (const auto& entry : taskdsl::modEntriesOf(task)) {
-        const std::string line = taskdsl::formatModEntry(entry);
-        if (!line.empty()) {
-            text.line("    ", line);
+        if (std::string line = taskdsl::formatModEntry(entry); !line.empty()) {
+            lines.push_back(std::move(line));
         }
     }
-}
-
-void writeCaptured(CanonicalText& text, std::string_view keyword, const taskdsl::CapturedBlock& block,
-                   std::string_view end) {
-    text.line(keyword, block.header.empty() ? "" : " ", block.header);
-    for (const auto& line : block.lines) {
-        text.line(line.text);
-    }
-    if (!end.empty()) {
-        text.line(end);
-    }
+    text.block("mod", lines);
 }
 
 void writeTask(CanonicalText& text, const TaskInfo& task) {
@@ -296,7 +292,7 @@ void writeTask(CanonicalText& text, const TaskInfo& task) {
         text.line("    strucid ", task.strucId);
     }
     for (const auto& plot : task.plots) {
-        writeCaptured(text, "  %plot", plot.captured, "");
+        text.out += renderPlot(plot, "  ");
     }
 }
 
@@ -327,13 +323,13 @@ std::string renderCanonicalDocument(const TaskDocument& document, CanonicalView 
         }
     }
     for (const auto& plot : document.plots) {
-        writeCaptured(text, "@plot", plot.captured, "@end");
+        text.out += renderPlot(plot, "");
         if (!document.derives.empty() || &plot != &document.plots.back()) {
             text.line();
         }
     }
     for (const auto& derive : document.derives) {
-        writeCaptured(text, "@derive", derive.captured, "@end");
+        text.out += renderDerive(derive.spec, "");
         if (&derive != &document.derives.back()) {
             text.line();
         }

@@ -18,11 +18,13 @@ expect() {
 # refused <message> <arguments>...: one message, the whole help, status 1.
 refused() { expect 1 "$top_help"$'\n' "[mqkit][ERROR]$1"$'\n' "${@:2}"; }
 
-# missing <command> <arguments>...: the command was found, and this build does not have it.
-missing() { expect 1 "" "[mqkit][ERROR] '$1' is not part of this build yet"$'\n' "${@:2}"; }
-
-# missing_help <command> <arguments>...: likewise for its help, which is no failure.
-missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "${@:2}"; }
+# leads <first line of standard error> <arguments>...: the command line reaches the command that says so, status 1.
+leads() {
+    local status=0
+    "$MQKIT" "${@:2}" >out 2>err </dev/null || status=$?
+    [ "$status" -eq 1 ]
+    [ "$(head -n 1 err)" = "$1" ]
+}
 
 @test "an unknown word is refused as it was written" {
     refused " unknown command or argument: Nothing" Nothing
@@ -53,9 +55,14 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 }
 
 @test "help <topic> is the help of that command" {
-    missing_help project help proj
-    missing_help lint HELP LINT further words
-    missing_help rename --help rename
+    "$MQKIT" help lint >help
+    [ "$(head -n 1 help)" = "  Lint .mq files and directories." ]
+    expect 0 "$(cat help)"$'\n' "" HELP LINT further words
+    for topic in template project rename; do
+        "$MQKIT" help "$topic" >help
+        [ -s help ]
+        expect 0 "$(cat help)"$'\n' "" --help "${topic:0:2}"
+    done
 }
 
 @test "a help token right behind a file command is its help, further back it is the command's own matter" {
@@ -72,19 +79,13 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 
 @test "commands are found by unique prefix in any case" {
     expect 1 "" "[mqkit][ERROR] unknown argument: x"$'\n' T list x
-    missing project p
-    missing project PROJ init
-    missing rename ren a b c
-    missing lint lin
+    leads "[mqkit][ERROR] file does not exist: $PWD/a" ren a b c
+    expect 1 "" $'no .mq files found\n' lin
 }
 
 @test "older shapes need no command word" {
-    missing rename a.mq -r opt opt2
-    missing rename demo.projmq --rename old new
-    missing project -u demo.projmq
-    missing project --batch
-    missing project a.projmq -n opt --exec 'ls'
-    missing project demo.projmq
+    leads "[mqkit][ERROR] file does not exist: $PWD/a.mq" a.mq -r opt opt2
+    leads "[mqkit][ERROR] file does not exist: $PWD/demo.projmq" demo.projmq --rename old new
     expect 1 "" "[mqkit][ERROR] unknown argument: x"$'\n' -l x
     expect 1 "" "[mqkit][ERROR] specify at least one template to merge"$'\n' --merge
     refused " unknown command or argument: -U" -U
@@ -93,5 +94,6 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 }
 
 @test "a command word comes before every older shape" {
-    missing lint lint -n opt demo.projmq -r
+    "$MQKIT" lint x --help >help
+    expect 1 "$(cat help)"$'\n' $'unknown argument: -n\n' lint -n opt demo.projmq -r
 }

@@ -35,7 +35,7 @@ TEST(TaskParser, ReadsHeadersWithAndWithoutQuotes) {
 }
 
 TEST(TaskParser, CountsTheDocumentOrderOverTasksAndDerives) {
-    const auto parsed = parse("$a\n@derive d\n@end\n$b\n");
+    const auto parsed = parse("$a\n@derive d\nemit e = 1\n@end\n$b\n");
     EXPECT_EQ(parsed.document.tasks[0].documentOrder, 0U);
     EXPECT_EQ(parsed.document.derives[0].documentOrder, 1U);
     EXPECT_EQ(parsed.document.tasks[1].documentOrder, 2U);

@@ -29,6 +29,13 @@ TEST(RoundTrip, AwkwardScalarsSurvive) {
     }
 }
 
+TEST(RoundTrip, ConditionsAndModsThatLookLikeStructureStayWhereTheyAre) {
+    for (const char* text : {"%when %odd", "%when $x\n  completed b\n%when @end", "%mod %foo x\n  charge 1\n%mod $y"}) {
+        const std::string once = canonical("$a\n" + std::string(text) + "\n");
+        EXPECT_EQ(canonical(once), once) << text;
+    }
+}
+
 TEST(RoundTrip, TheExamplesAreStable) {
     std::size_t seen = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator("examples")) {

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 namespace morquill::taskdsl::derive {
 
@@ -108,12 +107,30 @@ struct Range {
     std::size_t endMark;
 };
 
+/// A part that is still to be read, and where its condition goes.
+struct Task {
+    Range range;
+    std::size_t depth;
+    DeriveCondition* out; ///< element of a list of children that does not grow any more
+};
+
+/// Works through the levels of a condition with a list of tasks, not by recursion; the next one to the right
+/// is the last in the list.
 class ConditionParser {
   public:
     ConditionParser(std::string_view text, DeriveSurface& surface, const SourceSpan& span)
         : text_(text), marks_(findMarks(text)), surface_(surface), span_(span) {}
 
-    DeriveCondition parse() { return parseCondition({0, text_.size(), 0, marks_.size()}, 0); }
+    DeriveCondition parse() {
+        DeriveCondition condition;
+        tasks_.push_back({{0, text_.size(), 0, marks_.size()}, 0, &condition});
+        while (!tasks_.empty()) {
+            const Task task = tasks_.back();
+            tasks_.pop_back();
+            parseLevel(task);
+        }
+        return condition;
+    }
 
   private:
     std::string_view textOf(const Range& range) const {
@@ -189,58 +206,61 @@ class ConditionParser {
         return parts;
     }
 
-    DeriveCondition parseCondition(Range range, std::size_t depth) {
-        range = trimmed(range);
-        while (unwrap(range, '(')) {
-            depth = deeper(depth);
+    /// Reads the range as far as its own level goes; what stands a level below becomes a task.
+    void parseLevel(Task task) {
+        task.range = trimmed(task.range);
+        while (unwrap(task.range, '(')) {
+            task.depth = deeper(task.depth);
         }
-        return parseChain(range, MarkKind::orWord, depth);
-    }
-
-    /// A chain of `or`, its parts chains of `and`, their parts operands.
-    DeriveCondition parseChain(const Range& range, MarkKind word, std::size_t depth) {
-        if (textOf(range).empty()) {
+        if (textOf(task.range).empty()) {
             plotError(span_, "condition cannot be empty");
         }
-        const auto parts = splitAt(range, word);
+        if (!parseChain(task, MarkKind::orWord, DeriveConditionKind::disjunction) &&
+            !parseChain(task, MarkKind::andWord, DeriveConditionKind::conjunction)) {
+            parseOperand(task);
+        }
+    }
+
+    /// False when the word does not stand in the range.
+    bool parseChain(const Task& task, MarkKind word, DeriveConditionKind kind) {
+        const auto parts = splitAt(task.range, word);
         if (parts.size() == 1) {
-            return word == MarkKind::orWord ? parseChain(range, MarkKind::andWord, depth)
-                                            : parseOperand(range, depth);
+            return false;
         }
-        std::vector<DeriveCondition> operands;
-        operands.reserve(parts.size());
+        const auto firstTask = tasks_.size();
+        DeriveCondition* node = task.out;
         for (const auto& part : parts) {
-            operands.push_back(parseCondition(part, depth));
+            if (&part == &parts.back()) {
+                tasks_.push_back({part, task.depth, node});
+                break;
+            }
+            node->kind = kind;
+            node->children.resize(2);
+            tasks_.push_back({part, task.depth, &node->children[0]});
+            node = &node->children[1];
         }
-        DeriveCondition chain = std::move(operands.back());
-        for (auto left = operands.rbegin() + 1; left != operands.rend(); ++left) {
-            DeriveCondition joined;
-            joined.kind = word == MarkKind::orWord ? DeriveConditionKind::disjunction
-                                                   : DeriveConditionKind::conjunction;
-            joined.children.reserve(2);
-            joined.children.push_back(std::move(*left));
-            joined.children.push_back(std::move(chain));
-            chain = std::move(joined);
-        }
-        return chain;
+        std::reverse(tasks_.begin() + static_cast<std::ptrdiff_t>(firstTask), tasks_.end());
+        return true;
     }
 
-    DeriveCondition parseOperand(const Range& range, std::size_t depth) {
-        if (!equalsNoCase(textOf(range).substr(0, 4), "not ")) {
-            return parseComparison(range);
+    void parseOperand(Task task) {
+        while (equalsNoCase(textOf(task.range).substr(0, 4), "not ")) {
+            task.depth = deeper(task.depth);
+            task.out->kind = DeriveConditionKind::negation;
+            task.out->children.resize(1);
+            task.out = &task.out->children[0];
+            // The rest has no `or` and no `and` at its own level, unless parentheses open a new one.
+            task.range =
+                between(task.range.begin + 4, task.range.end, task.range.firstMark, task.range.endMark);
+            if (Range inside = task.range; unwrap(inside, '(')) {
+                tasks_.push_back(task);
+                return;
+            }
         }
-        // The rest has no `or` and no `and` at its own level, unless parentheses open a new one.
-        const Range rest = between(range.begin + 4, range.end, range.firstMark, range.endMark);
-        Range inside = rest;
-        DeriveCondition negated;
-        negated.kind = DeriveConditionKind::negation;
-        negated.children.push_back(unwrap(inside, '(') ? parseCondition(rest, deeper(depth))
-                                                       : parseOperand(rest, deeper(depth)));
-        return negated;
+        parseComparison(task.range, *task.out);
     }
 
-    DeriveCondition parseComparison(const Range& range) {
-        DeriveCondition leaf;
+    void parseComparison(const Range& range, DeriveCondition& leaf) {
         std::size_t at = noMark;
         forEachMark(range, [&](std::size_t i) {
             at = marks_[i].kind == MarkKind::comparison ? i : noMark;
@@ -248,7 +268,7 @@ class ConditionParser {
         });
         if (at == noMark) {
             leaf.left = read(range);
-            return leaf;
+            return;
         }
         const Mark& mark = marks_[at];
         const Range left = between(range.begin, mark.begin, range.firstMark, at);
@@ -260,17 +280,14 @@ class ConditionParser {
             plotError(span_, "comparison has an empty right side");
         }
         leaf.op = mark.op;
-        if (mark.op == DeriveCompareOp::in) {
-            const auto values = splitList(right);
-            leaf.left = read(left);
-            for (const auto& value : values) {
-                leaf.list.push_back(read(value));
-            }
-        } else {
-            leaf.left = read(left);
+        const auto values = mark.op == DeriveCompareOp::in ? splitList(right) : std::vector<Range>{};
+        leaf.left = read(left);
+        for (const auto& value : values) {
+            leaf.list.push_back(read(value));
+        }
+        if (values.empty()) {
             leaf.right = read(right);
         }
-        return leaf;
     }
 
     std::vector<Range> splitList(Range range) const {
@@ -289,6 +306,7 @@ class ConditionParser {
 
     std::string_view text_;
     std::vector<Mark> marks_;
+    std::vector<Task> tasks_;
     DeriveSurface& surface_;
     const SourceSpan& span_;
 };

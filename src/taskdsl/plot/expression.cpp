@@ -162,7 +162,9 @@ ExprRef makeExpression(PlotExpression::Node node) {
 
 std::string renderPlotExpression(const ExprRef& expression) {
     std::string out;
-    std::vector<PrintItem> stack{{{}, expression.get(), anything}};
+    std::vector<PrintItem> stack;
+    stack.reserve(16); // most expressions need no more
+    stack.push_back({{}, expression.get(), anything});
     while (!stack.empty()) {
         const PrintItem item = stack.back();
         stack.pop_back();

@@ -37,6 +37,7 @@ class Lexer {
 
     std::vector<PlotToken> read() {
         std::vector<PlotToken> tokens;
+        tokens.reserve(text_.size() / 4 + 4); // most tokens are longer with the blank behind them
         do {
             tokens.push_back(next());
         } while (tokens.back().kind != PlotTokenKind::end);

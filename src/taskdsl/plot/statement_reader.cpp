@@ -81,6 +81,7 @@ std::vector<PlotStatement> readPlotStatements(const std::vector<SourceLine>& lin
                                               std::string_view language) {
     constexpr std::string_view continuing = "*+,-/";
     std::vector<PlotStatement> statements;
+    statements.reserve(lines.size());
     bool pending = false; // the last statement goes on
     std::int64_t depth = 0;
     for (const SourceLine& line : lines) {

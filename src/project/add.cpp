@@ -1,0 +1,100 @@
+#include "project/case_files.h"
+#include "project/project_command.h"
+#include "project/prompt.h"
+#include "project/target.h"
+#include "project/workflows.h"
+#include "support/file.h"
+#include "support/text.h"
+
+#include <unordered_set>
+
+namespace morquill::project {
+
+namespace {
+
+enum class AddResult { added, skipped, failed };
+
+AddResult failAdd(std::string_view reason, const std::string& subject) {
+    printErrorLine("[mqkit][WARN] " + std::string(reason) + ": " + subject);
+    return AddResult::failed;
+}
+
+/// The project that cases are added to, and what was added in this call.
+struct AddRun {
+    std::string root;
+    std::string file; ///< the project template
+    bool dryRun = false;
+    std::unordered_set<std::string> stems;
+};
+
+AddResult addCase(AddRun& run, const std::string& path) {
+    if (toLower(extensionOf(path)) != ".xyz") {
+        return failAdd("not an .xyz file", path);
+    }
+    if (!isRegularFile(path)) {
+        return failAdd("xyz file not found", path);
+    }
+    const std::string stem = stemOf(path);
+    if (stem.empty()) {
+        return failAdd("could not derive case name from xyz file", path);
+    }
+    if (!run.stems.insert(stem).second) {
+        return failAdd("duplicate case name in arguments", stem);
+    }
+    const std::string caseDir = joinPath(run.root, stem);
+    if (isDirectory(caseDir)) {
+        printLine("[mqkit][SKIP] case directory already exists: " + caseDir);
+        return AddResult::skipped;
+    }
+    printLine("[mqkit] add case: " + stem + " <- " + path);
+    return run.dryRun || createCase(path, run.root, run.file) ? AddResult::added : AddResult::failed;
+}
+
+int refuse(std::string_view message, std::string_view programPath) {
+    printErrorLine(message);
+    printProjectHelp(programPath);
+    return 1;
+}
+
+} // namespace
+
+int runProjectAdd(const ProjectOptions& options, std::string_view programPath) {
+    AddRun run;
+    run.dryRun = options.dryRun;
+    if (std::string error; !resolveProjectTemplate(options.path, run.root, run.file, error)) {
+        return refuse(error, programPath);
+    }
+    if (options.xyzFiles.empty()) {
+        return refuse("[mqkit][ERROR] project add requires at least one .xyz file.", programPath);
+    }
+    printLine("\n[Project Add]");
+    printLine("  project template: " + run.file);
+    printLine("  case files      : " + join(options.xyzFiles, " ") + (run.dryRun ? "  (dry-run)" : ""));
+
+    int added = 0;
+    int skipped = 0;
+    int failed = 0;
+    for (const std::string& file : options.xyzFiles) {
+        switch (addCase(run, absolutePath(file))) {
+        case AddResult::added:
+            ++added;
+            break;
+        case AddResult::skipped:
+            ++skipped;
+            break;
+        case AddResult::failed:
+            ++failed;
+            break;
+        }
+    }
+    printLine("\n[mqkit] finished: added " + std::to_string(added) + " case(s).");
+    if (skipped > 0) {
+        printLine("[mqkit] note: " + std::to_string(skipped) + " case(s) already existed and were skipped.");
+    }
+    if (failed > 0) {
+        printLine("[mqkit] note: " + std::to_string(failed) + " case(s) failed validation or creation.");
+    }
+    return failed > 0 ? 2 : 0;
+}
+
+} // namespace morquill::project

@@ -1,0 +1,133 @@
+#include "project/block_pattern.h"
+#include "project/copy_item.h"
+#include "project/paths.h"
+#include "project/project_command.h"
+#include "project/prompt.h"
+#include "project/selection.h"
+#include "project/target.h"
+#include "project/workflows.h"
+#include "support/file.h"
+#include "support/text.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+
+namespace morquill::project {
+
+namespace {
+
+struct CollectSummary {
+    std::int64_t items = 0;
+    std::int64_t missing = 0;
+    std::int64_t failed = 0;
+};
+
+/// One task block in one case and where its items go.
+struct CollectPlace {
+    std::string caseName;
+    std::string label; ///< "<case> / $<task>"
+    std::string blockDir;
+    std::string targetDir;
+};
+
+bool makeDirectory(const std::string& dir) {
+    std::error_code error;
+    std::filesystem::create_directories(dir, error);
+    return isDirectory(dir);
+}
+
+/// The name of an item among those of other cases: the case name behind its own.
+std::string targetName(const std::string& source, const std::string& caseName) {
+    if (isDirectory(source)) {
+        return baseName(source) + "_" + caseName;
+    }
+    return stemOf(source) + "_" + caseName + std::string(extensionOf(source));
+}
+
+void collectPattern(const CollectPlace& place, const std::string& pattern, bool dryRun,
+                    CollectSummary& summary) {
+    const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
+    const auto matches = expandBlockPattern(place.blockDir, pattern, directoriesOnly);
+    if (matches.empty()) {
+        printLine("[mqkit][SKIP] " + place.label + " : " + pattern);
+    }
+    for (const auto& match : matches) {
+        const auto source = joinPath(place.blockDir, match);
+        const auto target = joinPath(place.targetDir, targetName(source, place.caseName));
+        printLine("[mqkit] copy: " + source + " -> " + target);
+        summary.items += 1;
+        if (!dryRun && !copyItem(source, target)) {
+            summary.failed += 1;
+            printErrorLine("[mqkit][WARN] copy failed: " + source);
+        }
+    }
+}
+
+void printCollectHeader(const ProjectOptions& options, const ChosenBlocks& chosen,
+                        const std::string& results) {
+    std::string text = "\n[Project Collect]\n  project template: " + chosen.file +
+                       "\n  task blocks: " + formatSelection(chosen.selected) +
+                       "\n  patterns : " + join(options.patterns, " ") +
+                       (options.dryRun ? "  (dry-run)" : "") + "\n  results  : " + results + "\n";
+    if (chosen.selected.size() > 1) {
+        text += "  layout: multi-task mode writes to results/<task>/\n";
+    }
+    printLine(text);
+}
+
+int printCollectSummary(const CollectSummary& summary, const std::string& results) {
+    printLine("\n[mqkit] finished: collected " + std::to_string(summary.items) + " item(s) into " + results);
+    if (summary.missing > 0) {
+        printLine("[mqkit] note: " + std::to_string(summary.missing) +
+                  " case/task combinations are missing block directories.");
+    }
+    if (summary.failed > 0) {
+        printLine("[mqkit] note: " + std::to_string(summary.failed) + " collected item(s) failed to copy.");
+    }
+    return summary.missing > 0 || summary.failed > 0 ? 2 : 0;
+}
+
+} // namespace
+
+int runProjectCollect(const ProjectOptions& options, std::string_view programPath) {
+    ChosenBlocks chosen;
+    std::vector<std::string> caseDirs;
+    if (!chooseBlocks(options, programPath, chosen) || !chooseCases(chosen.root, programPath, caseDirs)) {
+        return 1;
+    }
+    if (options.patterns.empty()) {
+        printErrorLine("[mqkit][ERROR] project collect requires at least one glob pattern.");
+        printProjectHelp(programPath);
+        return 1;
+    }
+    const auto results = joinPath(chosen.root, "results");
+    if (!makeDirectory(results)) { // also in a dry run
+        printErrorLine("[mqkit][ERROR] could not create results directory: " + results);
+        return 1;
+    }
+    printCollectHeader(options, chosen, results);
+    CollectSummary summary;
+    for (const auto& task : chosen.selected) {
+        const auto targetDir = chosen.selected.size() > 1 ? joinPath(results, task) : results;
+        if (!options.dryRun && !makeDirectory(targetDir)) {
+            printErrorLine("[mqkit][ERROR] could not create result directory: " + targetDir);
+            return 1;
+        }
+        for (const auto& caseDir : caseDirs) {
+            const auto caseName = baseName(caseDir);
+            const CollectPlace place{caseName, caseName + " / $" + task, joinPath(caseDir, task), targetDir};
+            if (!isDirectory(place.blockDir)) {
+                summary.missing += 1;
+                printLine("[mqkit][SKIP] " + place.label + " : block directory is missing");
+                continue;
+            }
+            for (const auto& pattern : options.patterns) {
+                collectPattern(place, pattern, options.dryRun, summary);
+            }
+        }
+    }
+    return printCollectSummary(summary, results);
+}
+
+} // namespace morquill::project

@@ -1,0 +1,112 @@
+#include "project/paths.h"
+#include "project/process.h"
+#include "project/project_command.h"
+#include "project/prompt.h"
+#include "project/regenerate.h"
+#include "project/selection.h"
+#include "project/target.h"
+#include "project/workflows.h"
+#include "support/file.h"
+#include "support/text.h"
+
+#include <cstdint>
+
+namespace morquill::project {
+
+namespace {
+
+struct ExecSummary {
+    std::int64_t total = 0;
+    std::int64_t success = 0;
+    std::int64_t missing = 0;
+    std::int64_t failed = 0;
+};
+
+/// The command for one block. One pass: a name that looks like a placeholder stays a name.
+std::string resolveCommand(std::string_view command, const std::string& task, const std::string& caseName) {
+    constexpr std::string_view taskName = "[taskname]";
+    constexpr std::string_view inputName = "[inputname]";
+    std::string resolved;
+    std::size_t copied = 0;
+    for (auto at = command.find('['); at != std::string_view::npos; at = command.find('[', at)) {
+        const auto rest = command.substr(at);
+        const bool isTask = rest.starts_with(taskName);
+        if (!isTask && !rest.starts_with(inputName)) {
+            ++at;
+            continue;
+        }
+        resolved.append(command, copied, at - copied).append(task);
+        if (!isTask) {
+            resolved.append("_").append(caseName);
+        }
+        at += isTask ? taskName.size() : inputName.size();
+        copied = at;
+    }
+    return resolved.append(command, copied);
+}
+
+void execInBlock(const ProjectOptions& options, const std::string& caseDir, const std::string& task,
+                 ExecSummary& summary) {
+    const auto caseName = baseName(caseDir);
+    const auto blockDir = joinPath(caseDir, task);
+    if (!isDirectory(blockDir)) {
+        summary.missing += 1;
+        printLine("[mqkit][SKIP] " + caseName + " / $" + task + " : block directory is missing");
+        return;
+    }
+    const auto command = resolveCommand(options.command, task, caseName);
+    printLine("\n>>> [" + caseName + "] " + blockDir + "\n$ " + command);
+    summary.total += 1;
+    std::string failure;
+    if (options.dryRun || runShellCommand(blockDir, command, &failure)) {
+        summary.success += 1;
+        return;
+    }
+    summary.failed += 1;
+    printErrorLine("[mqkit][WARN] command failed: " + blockDir + inParentheses(failure));
+}
+
+} // namespace
+
+bool chooseCases(const std::string& root, std::string_view programPath, std::vector<std::string>& caseDirs) {
+    caseDirs = listCaseDirectories(root);
+    if (caseDirs.empty()) {
+        printErrorLine("[mqkit][ERROR] no case subdirectories were found in project: " + root);
+        printProjectHelp(programPath);
+    }
+    return !caseDirs.empty();
+}
+
+int runProjectExec(const ProjectOptions& options, std::string_view programPath) {
+    ChosenBlocks chosen;
+    std::vector<std::string> caseDirs;
+    if (!chooseBlocks(options, programPath, chosen) || !chooseCases(chosen.root, programPath, caseDirs)) {
+        return 1;
+    }
+    if (trim(options.command).empty()) {
+        printErrorLine("[mqkit][ERROR] project exec requires a command via --cmd or -- <cmd...>.");
+        printProjectHelp(programPath);
+        return 1;
+    }
+    printLine("\n[Project Exec]\n  project template: " + chosen.file +
+              "\n  task blocks: " + formatSelection(chosen.selected) + "\n  command: " + options.command +
+              (options.dryRun ? "  (dry-run)\n" : "\n"));
+    ExecSummary summary;
+    for (const auto& caseDir : caseDirs) {
+        for (const auto& task : chosen.selected) {
+            execInBlock(options, caseDir, task, summary);
+        }
+    }
+    printLine("\n[mqkit] finished: executed " + std::to_string(summary.success) + "/" +
+              std::to_string(summary.total) + " block(s) successfully.");
+    if (summary.missing > 0) {
+        printLine("[mqkit] note: " + std::to_string(summary.missing) +
+                  " block directory/directories are missing.");
+    }
+    if (summary.failed > 0) {
+        printLine("[mqkit] note: " + std::to_string(summary.failed) + " block(s) failed.");
+    }
+    return summary.missing > 0 || summary.failed > 0 ? 2 : 0;
+}
+
+} // namespace morquill::project

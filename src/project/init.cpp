@@ -1,0 +1,138 @@
+#include "frontend/logger.h"
+#include "frontend/runtime_config.h"
+#include "project/case_files.h"
+#include "project/paths.h"
+#include "project/process.h"
+#include "project/prompt.h"
+#include "project/workflows.h"
+#include "support/file.h"
+#include "support/text.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace morquill::project {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The directory that projects are made in; empty when it is not configured. The file goes before the
+/// environment: a directory of projects is set once, in the file, and the built-in default "." does not
+/// count.
+std::string configuredTaskPath(const frontend::RuntimeConfig& config) {
+    const auto found = config.find("MORQUILL_TASK_PATH");
+    std::string path = found == config.end() ? std::string() : found->second;
+    if (path.empty()) {
+        path = frontend::getEnvOrDefault("MORQUILL_TASK_PATH", "");
+    }
+    return path.empty() ? path : absolutePath(path);
+}
+
+/// The name that the user gives, or that of the current directory; empty after a message.
+std::string askProjectName(const std::string& current) {
+    frontend::logPrompt("project name: ");
+    std::string name(trim(readInputLine().value_or("")));
+    if (!name.empty()) {
+        return name;
+    }
+    name = baseName(current);
+    if (name.empty()) {
+        frontend::logError("project name cannot be inferred from current directory");
+        return {};
+    }
+    frontend::logInfo("using current directory name as project name: " + name);
+    return name;
+}
+
+bool failProject(const std::error_code& error) {
+    frontend::logError("failed to create project: " + error.message());
+    return false;
+}
+
+bool makeProjectDirectory(const std::string& dir) {
+    if (isDirectory(dir)) {
+        frontend::logWarning("project directory already exists: " + dir);
+        return true;
+    }
+    std::error_code error;
+    fs::create_directories(dir, error);
+    if (error) {
+        return failProject(error);
+    }
+    frontend::logInfo("created project directory: " + dir);
+    return true;
+}
+
+bool makeTemplate(const std::string& source, const std::string& file) {
+    if (isRegularFile(file)) {
+        frontend::logInfo("project template already exists: " + file);
+        return true;
+    }
+    std::error_code error;
+    fs::copy_file(source, file, error);
+    if (error) {
+        return failProject(error);
+    }
+    frontend::logInfo("wrote project template: " + file);
+    return true;
+}
+
+void startRunner(const frontend::RuntimeConfig& config, const std::string& projectDir) {
+    std::string runner = frontend::findRunnerProgram(config);
+    if (runner.find('/') != std::string::npos) {
+        runner = absolutePath(runner); // the child stands in another directory
+    }
+    const std::string quotedDir = shellQuote(projectDir);
+    frontend::logInfo("running: cd " + quotedDir + " && " + shellQuote(runner) + " kick --path " + quotedDir);
+    std::string failure;
+    if (!runProgram(projectDir, runner, {"kick", "--path", projectDir}, &failure)) {
+        frontend::logError("project runner failed: " + failure);
+    }
+}
+
+} // namespace
+
+bool runProjectInit() {
+    const frontend::RuntimeConfig config = frontend::loadConfig("morquill.conf");
+    const std::string taskPath = configuredTaskPath(config);
+    if (taskPath.empty()) {
+        frontend::logError("MORQUILL_TASK_PATH is not set");
+        return false;
+    }
+    const std::string current = absolutePath({});
+    const std::string name = askProjectName(current);
+    if (name.empty()) {
+        return false;
+    }
+    const std::string source = selectSourceTaskFile(current);
+    if (source.empty()) {
+        return false;
+    }
+    frontend::logInfo("source .mq file: " + source);
+    const std::vector<std::string> geometries = listGeometryFiles(current);
+    if (geometries.empty()) {
+        return false;
+    }
+    frontend::logInfo("geometry files found: " + std::to_string(geometries.size()));
+
+    const std::string projectDir = absolutePath(joinPath(taskPath, name));
+    const std::string templateFile = joinPath(projectDir, name + ".projmq");
+    if (!makeProjectDirectory(projectDir) || !makeTemplate(source, templateFile)) {
+        return false;
+    }
+    for (const std::string& geometry : geometries) {
+        static_cast<void>(createCase(geometry, projectDir, templateFile)); // told by itself; the others go on
+    }
+    frontend::logSeparator();
+    frontend::logInfo("project created");
+    frontend::logInfo("project path: " + projectDir);
+    frontend::logInfo("project template: " + templateFile);
+    frontend::logPrompt("start the generated project now? (y/n): ");
+    if (const std::string answer = readInputLine().value_or(""); answer == "y" || answer == "Y") {
+        startRunner(config, projectDir);
+    }
+    return true;
+}
+
+} // namespace morquill::project

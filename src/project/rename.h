@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// The `rename` command: a new name for a task block in its task file and in everything derived from the
+/// name.
+namespace morquill::project {
+
+struct RenameOptions {
+    std::string file; ///< task file or project template, as typed
+    std::string oldName;
+    std::string newName;
+};
+
+/// The run operation of the command table; the exit status.
+[[nodiscard]] int runRename(int argc, char** argv);
+/// The older shape `<file> -r <old> <new>`; the exit status.
+[[nodiscard]] int runRenameCompatibility(int argc, char** argv);
+/// The whole help of `rename` on standard output; `programPath` is the program as it was called.
+void printRenameHelp(std::string_view programPath);
+
+/// Reads `rename <file> <old> <new>`.
+[[nodiscard]] bool parseRenameArguments(int argc, const char* const* argv, RenameOptions& options);
+/// Reads the older shape; what is wrong is told on standard error.
+[[nodiscard]] bool parseRenameCompatibility(int argc, const char* const* argv, RenameOptions& options);
+/// True for an argument that names a task file: no option, ending in ".mq" or ".projmq".
+[[nodiscard]] bool hasTaskFileSuffix(std::string_view token) noexcept;
+
+/// Renames the block and reports; the exit status is 0 when there was no error.
+[[nodiscard]] int renameBlock(const RenameOptions& options);
+
+} // namespace morquill::project

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "project/status_scope.h"
+#include "project/workflows.h"
+
+#include <string>
+#include <vector>
+
+/// Refreshing the command scripts of selected blocks without a full rebuild.
+namespace morquill::project {
+
+/// Updates one case. True on success.
+[[nodiscard]] bool updateCase(const std::string& caseDir, const std::string& caseFile,
+                              const std::vector<std::string>& selected, const UpdateOptions& options);
+/// Updates all cases of a project by one run of the generator on its template. True on success.
+[[nodiscard]] bool updateProject(const std::string& root, const std::string& file,
+                                 const std::vector<std::string>& selected, const UpdateOptions& options);
+
+/// Runs `bash comd` in the selected block directories of each case, counting what went well and what did not;
+/// a dry run counts the runnable ones. True when nothing failed; what is missing is only told.
+[[nodiscard]] bool runComdForCases(const std::vector<std::string>& caseDirs,
+                                   const std::vector<std::string>& selected, bool dryRun,
+                                   UpdateSummary& summary);
+
+} // namespace morquill::project

@@ -1,0 +1,78 @@
+# Faults and warnings of the generating stages as a user meets them: whole output, status.
+
+bats_require_minimum_version 1.5.0
+
+setup() {
+    export NO_COLOR=1
+    cd "$BATS_TEST_TMPDIR"
+    export HOME="$BATS_TEST_TMPDIR"
+}
+
+# refused <message> <file>: the message alone on standard error, status 1.
+refused() {
+    run --separate-stderr "$MQKIT" expand "$2"
+    [ "$status" -eq 1 ]
+    [ "$output" = "" ]
+    [ "$stderr" = "[mqkit][ERROR] $1" ]
+}
+
+@test "a missing include is a warning and the other tasks are there" {
+    printf '$a\n&INCLUDE none.mq\n$b\n' >t.mq
+    run --separate-stderr "$MQKIT" expand t.mq
+    [ "$status" -eq 0 ]
+    [[ "$stderr" = *"Warning: Included task file not found: $PWD/none.mq" ]]
+    [ "$output" = $'dsl_version: 2\n\n$a\n  %source origin\n\n$b\n  %source origin' ]
+}
+
+@test "cycles tell the whole chain" {
+    printf '&INCLUDE b.mq\n' >a.mq
+    printf '&INCLUDE c.mq\n' >b.mq
+    ln -s a.mq c.mq
+    refused "task include cycle detected: $PWD/a.mq -> $PWD/b.mq -> $PWD/c.mq" a.mq
+    printf '&INCLUDE a.mqlib as a\n&FRAGMENT text x\n' >a.mqlib
+    printf '&INCLUDE a.mqlib as a\n' >l.mq
+    refused "fragment library include cycle detected: $PWD/a.mqlib -> $PWD/a.mqlib" l.mq
+}
+
+@test "a message points into the fragment" {
+    printf '&FRAGMENT task opt\n%%foo\n' >l.mqlib
+    printf '&INCLUDE l.mqlib as l\n$a\n&INCLUDE l.opt\n' >t.mq
+    refused "$PWD/l.mqlib:2:1-2:5: error: task 'a' contains unknown directive '%foo'" t.mq
+}
+
+@test "a FIFO is no file and does not block" {
+    mkfifo pipe.mq pipe.mqlib pipe.mqfrag pipe.yaml
+    printf '&INCLUDE pipe.mqlib as p\n' >l.mq
+    refused "fragment library not found: $PWD/pipe.mqlib" l.mq
+    printf '$a\n&INCLUDE pipe.mqfrag\n' >f.mq
+    refused "included fragment file not found: $PWD/pipe.mqfrag" f.mq
+    printf '&INCLUDE pipe.yaml\n$a\n&INCLUDE pipe.mq\n' >t.mq
+    run --separate-stderr "$MQKIT" expand t.mq
+    [ "$status" -eq 0 ]
+    [ "${#stderr_lines[@]}" -eq 2 ]
+    [[ "${stderr_lines[0]}" = *"Warning: Included YAML file not found: $PWD/pipe.yaml" ]]
+    [[ "${stderr_lines[1]}" = *"Warning: Included task file not found: $PWD/pipe.mq" ]]
+}
+
+@test "libraries are found through the environment and through morquill.conf" {
+    mkdir one two
+    printf '&FRAGMENT task opt\n%%keywords one\n' >one/l.mqlib
+    printf '&FRAGMENT task opt\n%%keywords two\n' >two/l.mqlib
+    printf '&INCLUDE <l.mqlib> as l\n$a\n&INCLUDE l.opt\n' >t.mq
+    printf 'MORQUILL_MQLIB_PATH = $MORQUILL_CONFIG_DIR/two\n' >morquill.conf
+    run --separate-stderr "$MQKIT" expand t.mq
+    [ "$output" = $'dsl_version: 2\n\n$a\n  %source origin\n  %keywords two' ]
+    MORQUILL_MQLIB_PATH="none:$PWD/one" run --separate-stderr "$MQKIT" expand t.mq
+    [ "$output" = $'dsl_version: 2\n\n$a\n  %source origin\n  %keywords one' ]
+}
+
+@test "faults of the prelude, of loops and of the matrix end the command" {
+    printf 'a: [1\n$t\n' >y.mq
+    refused "failed to parse YAML prelude in 'y.mq': yaml-cpp: error at line 2, column 1: end of sequence flow not found" y.mq
+    printf '@foreach mols\n$t\n@end\n' >f.mq
+    refused "undefined @foreach collection 'mols'" f.mq
+    printf 'matrix:\n  a: 1\n  - b: 2\n$t\n' >m.mq
+    refused "matrix cannot mix mapping syntax with list syntax" m.mq
+    printf '%%process\n' >d.mq
+    refused "d.mq:1: task directive appears outside a task block" d.mq
+}
