@@ -1,6 +1,7 @@
 #include "templates/template_text.h"
 
 #include "support/text.h"
+#include "taskdsl/define_block.h"
 #include "taskdsl/scan.h"
 
 #include <algorithm>
@@ -13,22 +14,10 @@ namespace {
 
 /// Filled in for every task when it is written out.
 constexpr std::array<std::string_view, 4> taskNames{"inputname", "taskname", "rootname", "originname"};
-/// Filled in from the source of a task; also with a dotted or numbered ending.
-constexpr std::array<std::string_view, 7> sourceNames{"geom", "xyz_file", "charge",    "spin",
-                                                      "uhf",  "source",   "atom_count"};
-
-bool isSourceName(std::string_view name, std::string_view base) {
-    if (!name.starts_with(base)) {
-        return false;
-    }
-    const auto rest = name.substr(base.size());
-    return rest.starts_with('.') || std::all_of(rest.begin(), rest.end(), isDigit);
-}
 
 bool isBuiltIn(std::string_view name) {
     return std::find(taskNames.begin(), taskNames.end(), name) != taskNames.end() ||
-           std::any_of(sourceNames.begin(), sourceNames.end(),
-                       [&](std::string_view base) { return isSourceName(name, base); });
+           taskdsl::isReservedKey(name);
 }
 
 std::string_view headerName(std::string_view line) noexcept {
