@@ -18,12 +18,6 @@ expect() {
 # refused <message> <arguments>...: one message, the whole help, status 1.
 refused() { expect 1 "$top_help"$'\n' "[mqkit][ERROR]$1"$'\n' "${@:2}"; }
 
-# missing <command> <arguments>...: the command was found, and this build does not have it.
-missing() { expect 1 "" "[mqkit][ERROR] '$1' is not part of this build yet"$'\n' "${@:2}"; }
-
-# missing_help <command> <arguments>...: likewise for its help, which is no failure.
-missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "${@:2}"; }
-
 @test "an unknown word is refused as it was written" {
     refused " unknown command or argument: Nothing" Nothing
     refused " unknown command or argument: fmtx" fmtx
@@ -56,7 +50,9 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
     "$MQKIT" help lint >help
     [ "$(head -n 1 help)" = "  Lint .mq files and directories." ]
     expect 0 "$(cat help)"$'\n' "" HELP LINT further words
-    missing_help rename --help rename
+    "$MQKIT" help rename >help
+    [ "$(sed -n 2p help)" = "  mqkit rename <task.mq|task.projmq> <old_block> <new_block>" ]
+    expect 0 "$(cat help)"$'\n' "" --help rename
 }
 
 @test "a help token right behind a file command is its help, further back it is the command's own matter" {
@@ -73,13 +69,13 @@ missing_help() { expect 0 "[mqkit] '$1' is not part of this build yet"$'\n' "" "
 
 @test "commands are found by unique prefix in any case" {
     expect 1 "" "[mqkit][ERROR] unknown argument: x"$'\n' T list x
-    missing rename ren a b c
+    expect 1 "" "[mqkit][ERROR] file does not exist: $(pwd -P)/a"$'\n' ren a b c
     expect 1 "" $'no .mq files found\n' lin
 }
 
 @test "older shapes need no command word" {
-    missing rename a.mq -r opt opt2
-    missing rename demo.projmq --rename old new
+    expect 1 "" "[mqkit][ERROR] file does not exist: $(pwd -P)/a.mq"$'\n' a.mq -r opt opt2
+    expect 1 "" "[mqkit][ERROR] file does not exist: $(pwd -P)/demo.projmq"$'\n' demo.projmq --rename old new
     expect 1 "" "[mqkit][ERROR] unknown argument: x"$'\n' -l x
     expect 1 "" "[mqkit][ERROR] specify at least one template to merge"$'\n' --merge
     refused " unknown command or argument: -U" -U
