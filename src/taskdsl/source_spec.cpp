@@ -314,21 +314,25 @@ void validateStructuredSource(const std::vector<SourceBinding>& bindings, bool s
     }
 }
 
-void resolveFrameSelectors(std::vector<SourceBinding>& bindings) {
-    for (auto& binding : bindings) {
-        if (binding.sourceKind != BindingSource::xyz || binding.hasFrame) {
-            continue;
+void rereadBinding(SourceBinding& binding) {
+    if (binding.sourceKind == BindingSource::task) {
+        binding.sourceTask.clear();
+        if (const std::string word = std::exchange(binding.sourceValue, {}); !word.empty()) {
+            readBindingSource(binding, word);
         }
-        const auto selector = std::find_if(binding.selectors.begin(), binding.selectors.end(),
-                                           [](const auto& entry) { return entry.first == frameKey; });
-        if (selector == binding.selectors.end()) {
-            continue;
-        }
-        if (const auto frame = readPositiveInt(selector->second)) {
-            binding.frameIndex = *frame;
-            binding.hasFrame = true;
-            binding.selectors.erase(selector);
-        }
+    }
+    if (binding.sourceKind != BindingSource::xyz || binding.hasFrame) {
+        return;
+    }
+    const auto selector = std::find_if(binding.selectors.begin(), binding.selectors.end(),
+                                       [](const auto& entry) { return entry.first == frameKey; });
+    if (selector == binding.selectors.end()) {
+        return;
+    }
+    if (const auto frame = readPositiveInt(selector->second)) {
+        binding.frameIndex = *frame;
+        binding.hasFrame = true;
+        binding.selectors.erase(selector);
     }
 }
 

@@ -87,9 +87,10 @@ using SourceSpec =
 /// substitution has made a number. Throws `DiagnosticError` with the bare message.
 void validateStructuredSource(const std::vector<SourceBinding>& bindings, bool strictFrames);
 
-/// Turns `frame` selectors of xyz bindings that have become positive integers through a substitution into the
-/// frame of their binding; those that have not are left for `validateStructuredSource` to refuse.
-void resolveFrameSelectors(std::vector<SourceBinding>& bindings);
+/// Looks again at a binding whose texts a substitution has changed: a task name may have become "origin",
+/// "restart" or a file, a `frame` selector of a file a positive integer and so its frame. What has become empty or
+/// is no number is left for `validateStructuredSource` to refuse.
+void rereadBinding(SourceBinding& binding);
 
 /// One line of a `%source` block as the directive hands it over.
 struct SourceEntryLine {

@@ -55,17 +55,17 @@ bool modsHoldBracket(const TaskInfo& task) noexcept {
     });
 }
 
-/// The pieces take the values, then the line is read again: a task name may have become "origin" or a file.
+/// The pieces take the values one by one, so that a blank in a value does not split a word; then what they have
+/// become is looked at again.
 void substituteBinding(SourceBinding& binding, const ValueMap& values) {
     if (!holdsBracket(binding)) {
         return;
     }
     substituteInto(binding.sourceValue, values);
-    substituteInto(binding.sourceTask, values);
     for (auto& selector : binding.selectors) {
         substituteInto(selector.second, values);
     }
-    binding = parseSourceBinding(formatSourceBinding(binding));
+    rereadBinding(binding);
 }
 
 void substituteSource(TaskInfo& task, const ValueMap& values, bool final) {
@@ -86,7 +86,17 @@ void substituteSource(TaskInfo& task, const ValueMap& values, bool final) {
         task.source = task.sourceTasks.front();
         return;
     }
-    applySource(task, parseInlineSource(substituteBrackets(task.source, values)), true);
+    SourceSpec spec = sourceSpecOf(task);
+    if (auto* xyz = std::get_if<SourceXyz>(&spec)) {
+        substituteInto(xyz->file, values);
+        for (auto& word : xyz->furtherWords) {
+            substituteInto(word, values);
+        }
+        applySource(task, spec, true);
+    } else {
+        // A name may have become another kind of source.
+        applySource(task, parseInlineSource(substituteBrackets(task.source, values)), true);
+    }
 }
 
 void substituteMods(TaskInfo& task, const ValueMap& values, bool final) {

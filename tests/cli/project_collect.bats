@@ -1,0 +1,125 @@
+# `project collect`: files from the block directories of all cases into one place.
+bats_require_minimum_version 1.5.0
+load siblings
+
+setup() {
+    setup_project
+    rmdir m2/soc
+    for case in m1 m2; do
+        mkdir -p $case/opt/plot
+        echo $case >$case/opt/opt.log
+        echo $case >$case/opt/archive.tar.gz
+        echo $case >$case/opt/plot/a.png
+    done
+}
+
+@test "one block goes straight into results, each item under the name of its case" {
+    expect 0 "
+[Project Collect]
+  project template: $root/demo.projmq
+  task blocks: \$opt
+  patterns : *.log plot/*.png
+  results  : $root/results
+
+[mqkit] copy: $root/m1/opt/opt.log -> $root/results/opt_m1.log
+[mqkit] copy: $root/m1/opt/plot/a.png -> $root/results/a_m1.png
+[mqkit] copy: $root/m2/opt/opt.log -> $root/results/opt_m2.log
+[mqkit] copy: $root/m2/opt/plot/a.png -> $root/results/a_m2.png
+
+[mqkit] finished: collected 4 item(s) into $root/results" "" project collect -n opt '*.log' 'plot/*.png'
+    cd results
+    [ "$(tree)" = "./a_m1.png = m1|
+./a_m2.png = m2|
+./opt_m1.log = m1|
+./opt_m2.log = m2|" ]
+}
+
+@test "several blocks get a directory each; the tasks are the outer loop" {
+    echo soc >m1/soc/soc.log
+    expect 2 "
+[Project Collect]
+  project template: $root/demo.projmq
+  task blocks: \$soc, \$opt
+  patterns : *.log none
+  results  : $root/results
+  layout: multi-task mode writes to results/<task>/
+
+[mqkit] copy: $root/m1/soc/soc.log -> $root/results/soc/soc_m1.log
+[mqkit][SKIP] m1 / \$soc : none
+[mqkit][SKIP] m2 / \$soc : block directory is missing
+[mqkit] copy: $root/m1/opt/opt.log -> $root/results/opt/opt_m1.log
+[mqkit][SKIP] m1 / \$opt : none
+[mqkit] copy: $root/m2/opt/opt.log -> $root/results/opt/opt_m2.log
+[mqkit][SKIP] m2 / \$opt : none
+
+[mqkit] finished: collected 3 item(s) into $root/results
+[mqkit] note: 1 case/task combinations are missing block directories." "" project collect -n soc,opt '*.log' none
+}
+
+@test "a repeated collect overwrites files and replaces directories" {
+    rm -r m2
+    "$MQKIT" project collect -n opt plot '*.gz'
+    touch results/plot_m1/stale
+    echo stale >results/archive.tar_m1.gz
+    "$MQKIT" project collect -n opt plot '*.gz'
+    cd results
+    [ "$(tree)" = "./archive.tar_m1.gz = m1|
+./plot_m1/
+./plot_m1/a.png = m1|" ]
+}
+
+@test "a dry run makes the results directory and nothing in it" {
+    expect 2 "
+[Project Collect]
+  project template: $root/demo.projmq
+  task blocks: \$opt, \$soc
+  patterns : *.log  (dry-run)
+  results  : $root/results
+  layout: multi-task mode writes to results/<task>/
+
+[mqkit] copy: $root/m1/opt/opt.log -> $root/results/opt/opt_m1.log
+[mqkit] copy: $root/m2/opt/opt.log -> $root/results/opt/opt_m2.log
+[mqkit][SKIP] m1 / \$soc : *.log
+[mqkit][SKIP] m2 / \$soc : block directory is missing
+
+[mqkit] finished: collected 2 item(s) into $root/results
+[mqkit] note: 1 case/task combinations are missing block directories." "" project collect -n '*' --dry-run '*.log'
+    [ -d results ]
+    [ -z "$(ls -A results)" ]
+}
+
+@test "an item that cannot be copied is told and does not stop the rest" {
+    rm m1/opt/opt.log
+    mkfifo m1/opt/opt.log
+    run --separate-stderr "$MQKIT" project collect -n opt '*.log'
+    [ "$status" -eq 2 ]
+    [ "$stderr" = "[mqkit][WARN] copy failed: $root/m1/opt/opt.log" ]
+    [ "${lines[-2]}" = "[mqkit] finished: collected 2 item(s) into $root/results" ]
+    [ "${lines[-1]}" = "[mqkit] note: 1 collected item(s) failed to copy." ]
+    [ "$(ls results)" = "opt_m2.log" ]
+}
+
+@test "a pattern never leaves the block directory" {
+    for pattern in '../*.mq' '..' '/etc/passwd' 'plot/../../*'; do
+        run --separate-stderr "$MQKIT" project collect -n opt "$pattern"
+        [ "$status" -eq 0 ]
+        [ "${lines[-1]}" = "[mqkit] finished: collected 0 item(s) into $root/results" ]
+    done
+    [ -z "$(ls -A results)" ]
+}
+
+@test "what is missing or in the way is told" {
+    run --separate-stderr -1 "$MQKIT" project collect -n opt
+    [ "$stderr" = "[mqkit][ERROR] project collect requires at least one glob pattern." ]
+    [ "${lines[0]}" = "Usage:" ]
+    run --separate-stderr -1 "$MQKIT" project collect -n none '*'
+    [ "$stderr" = "[mqkit][ERROR] task block not found in .projmq: none
+available task blocks: opt, soc" ]
+    mkdir results
+    touch results/opt
+    run --separate-stderr -1 "$MQKIT" project collect -n opt,soc '*'
+    [ "$stderr" = "[mqkit][ERROR] could not create result directory: $root/results/opt" ]
+    rm -r results
+    touch results
+    expect 1 "" "[mqkit][ERROR] could not create results directory: $root/results" project collect -n opt '*'
+}

@@ -1,0 +1,149 @@
+# `rename`: a whole project before and after.
+bats_require_minimum_version 1.5.0
+load siblings
+
+setup() {
+    setup_project
+    printf '$opt\n%%keywords a\n\n$soc\n%%source opt\n%%when completed opt and {{ opt.energy }} < 0\n$opt2\n%%keywords b\n' >demo.projmq
+    rmdir m2/opt
+    put m1/opt/opt_m1.log 'opt_m1 opt_m2 $opt opt2'
+    put m1/opt/opt_dir/opt_deep/opt_x 'opt opt  opt'
+    put m1/opt/comd 'input=opt_[x]'
+    put m1/mq.status 'opt RENDERED t -'
+    printf 'opt\0opt' >m1/opt/raw
+    put m1/opt/opt_m1.chk 'opt'
+    put m1/.morq/store/objects/opt_m1 'opt'
+    put m1/.morq/store/records/opt_m1.json '"opt"'
+    put m1/.morq/store/records/sub/opt_m1.json '"opt"'
+    put m1/.morq/store/revisions/sub/opt_m1_2.json '"opt"'
+    put m1/.morq/cache/snapshots/opt_m1.kv opt_m1
+    put m1/.morq/run/db-queue/opt_m10 '-'
+    put m1/Results/DB/repository/opt_m1 'opt'
+    put m1/Results/DB/queue/opt_m1 '-'
+    put m1/Results/DB/revisions/a/opt_m1 '-'
+    touch m1/.morq/cache/project.db{,-wal,-shm} m1/Results/DB/project.db
+    mkdir -p .morq/cache
+    touch .morq/cache/project.db-wal
+    put notes.txt 'opt'
+    put m2/soc/in 'geom from opt;opt_m2'
+    ln -s ../../demo.projmq m2/soc/template
+    ln -s ../../../../../outside m2/soc/away
+    echo opt >../../../outside
+}
+
+put() {
+    mkdir -p "$(dirname "$1")"
+    echo "$2" >"$1"
+}
+
+@test "a block is renamed everywhere it left a trace" {
+    expect 0 "[mqkit] rename finished: \$opt -> \$new
+  cases processed: 2
+  directories renamed: 1
+  files renamed: 11
+  text files updated: 10
+  databases invalidated: 3
+  note: rerun mqdb case/project sync or rebuild before querying database results." "" rename demo.projmq opt new
+    [ "$(tree)" = './.morq/
+./.morq/cache/
+./demo.projmq = $new|%keywords a||$soc|%source new|%when completed new and {{ new.energy }} < 0|$opt2|%keywords b|
+./m1/
+./m1/.morq/
+./m1/.morq/cache/
+./m1/.morq/cache/snapshots/
+./m1/.morq/cache/snapshots/new_m1.kv = new_m1|
+./m1/.morq/run/
+./m1/.morq/run/db-queue/
+./m1/.morq/run/db-queue/new_m10 = -|
+./m1/.morq/store/
+./m1/.morq/store/objects/
+./m1/.morq/store/objects/opt_m1 = opt|
+./m1/.morq/store/records/
+./m1/.morq/store/records/new_m1.json = "new"|
+./m1/.morq/store/records/sub/
+./m1/.morq/store/records/sub/opt_m1.json = "new"|
+./m1/.morq/store/revisions/
+./m1/.morq/store/revisions/sub/
+./m1/.morq/store/revisions/sub/new_m1_2.json = "new"|
+./m1/Results/
+./m1/Results/DB/
+./m1/Results/DB/queue/
+./m1/Results/DB/queue/new_m1 = -|
+./m1/Results/DB/repository/
+./m1/Results/DB/repository/opt_m1 = opt|
+./m1/Results/DB/revisions/
+./m1/Results/DB/revisions/a/
+./m1/Results/DB/revisions/a/new_m1 = -|
+./m1/m1.mq -> ../demo.projmq
+./m1/mq.status = new RENDERED t -|
+./m1/new/
+./m1/new/comd = input=new_[x]|
+./m1/new/new_dir/
+./m1/new/new_dir/new_deep/
+./m1/new/new_dir/new_deep/new_x = new opt  new|
+./m1/new/new_m1.chk = opt|
+./m1/new/new_m1.log = new_m1 opt_m2 $new opt2|
+./m1/new/raw = opt0opt
+./m1/soc/
+./m2/
+./m2/m2.mq -> ../demo.projmq
+./m2/soc/
+./m2/soc/away -> ../../../../../outside
+./m2/soc/in = geom from new;new_m2|
+./m2/soc/template -> ../../demo.projmq
+./notes.txt = opt|' ]
+    [ "$(cat ../../../outside)" = opt ]
+}
+
+@test "a link to the template stands for the whole project" {
+    run --separate-stderr "$MQKIT" m2/m2.mq --rename opt new
+    [ "$status" -eq 0 ]
+    [ "${lines[1]}" = "  cases processed: 2" ]
+    [ "$(head -n 1 demo.projmq)" = '$new' ]
+    [ -d m1/new ]
+}
+
+@test "a target that exists is kept, reported, and does not stop the rest" {
+    mkdir m1/new
+    put m1/.morq/store/records/new_m1.json old
+    # The link in m1 is rewritten with the template; the prefixed files of the block stay with their directory.
+    expect 1 "[mqkit] rename finished: \$opt -> \$new
+  cases processed: 2
+  directories renamed: 0
+  files renamed: 5
+  text files updated: 10
+  databases invalidated: 3
+  note: rerun mqdb case/project sync or rebuild before querying database results." "
+[mqkit][ERROR] errors:
+  - target block directory already exists: $root/m1/new
+  - target already exists; cannot rename: $root/m1/.morq/store/records/new_m1.json" rename demo.projmq opt new
+    [ "$(cat m1/.morq/store/records/new_m1.json)" = old ]
+    [ -e m1/opt/opt_m1.log ]
+    [ "$(cat m2/soc/in)" = "geom from new;new_m2" ]
+}
+
+@test "what cannot be read or removed is a warning on standard output" {
+    rm m1/.morq/cache/project.db
+    mkdir m1/.morq/cache/project.db
+    expect 0 "[mqkit] rename finished: \$opt -> \$new
+  cases processed: 2
+  directories renamed: 1
+  files renamed: 11
+  text files updated: 10
+  databases invalidated: 3
+  note: rerun mqdb case/project sync or rebuild before querying database results.
+
+[mqkit][WARN] warnings:
+  - case(m1) cache DB failed to remove stale database: Is a directory" "" rename demo.projmq opt new
+}
+
+@test "usage and help" {
+    run --separate-stderr "$MQKIT" rename --help
+    [ "$status" -eq 0 ]
+    [ "${lines[1]}" = "  mqkit rename <task.mq|task.projmq> <old_block> <new_block>" ]
+    help="$output"
+    expect 0 "$help" "" help rename
+    expect 1 "$help" "" rename demo.projmq opt
+    expect 1 "$help" "[mqkit][ERROR] -r/--rename expects two values: <old_block> <new_block>" demo.projmq -r opt
+    expect 1 "" "[mqkit][ERROR] old and new block names are identical; nothing to rename" rename demo.projmq opt opt
+}
