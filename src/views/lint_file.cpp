@@ -141,7 +141,8 @@ LintFileReport lintSource(const std::optional<std::string_view>& text, const std
 
 } // namespace
 
-LintFileReport lintText(std::string_view text, const std::string& path, const taskdsl::WarningSink& warnings) {
+LintFileReport lintText(std::string_view text, const std::string& path,
+                        const taskdsl::WarningSink& warnings) {
     return lintSource(text, path, warnings);
 }
 
