@@ -71,7 +71,8 @@ TEST_F(Signals, NotedBeforeTheChildStartsReachIt) {
     (void)statusOfChild([&] {
         const SignalGuard guard;
         ::raise(SIGINT);
-        const auto result = spawnShell("sleep 30", "");
+        // Not through a shell: some hold SIGINT back until the command that they wait for has ended.
+        const auto result = spawnProgram({"sleep", "30"}, "");
         write("child", std::to_string(result.signalNumber));
     });
     EXPECT_EQ(readTextFile(at("child")), "2");
