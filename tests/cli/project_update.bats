@@ -222,7 +222,7 @@ $(changes)
         rm -f "$RECORD"
         sibling morquill 'exec sleep 60'
         # Background jobs of a script start with SIGINT ignored, which would rightly stay so.
-        env --default-signal=INT "$MQKIT" project update -n opt --run-comd >/dev/null 2>&1 3>&- &
+        env --default-signal=HUP,INT,TERM "$MQKIT" project update -n opt --run-comd >/dev/null 2>&1 3>&- &
         pid=$!
         for _ in $(seq 300); do
             [ -e "$RECORD" ] && pgrep -x sleep -P "$pid" >/dev/null && break
