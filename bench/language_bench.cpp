@@ -48,7 +48,7 @@ std::string derivesOf(int derives) {
         for (int k = 0; k < 10; ++k) {
             text += "  let v" + std::to_string(k) + " = convert({{ opt.energy }} - {{ freq.energy }}, \"kcal/mol\")\n";
         }
-        text += "  require v0 < 5 message \"too high\"\n  emit e0 = v0 unit \"kcal/mol\"\n  emit e1 = v1\n"
+        text += "  require v0 < 5 else \"too high\"\n  emit e0 = v0 unit \"kcal/mol\"\n  emit e1 = v1\n"
                 "  emit e2 = v2\n  report \"barrier\" = v3\n@end\n\n";
     }
     return text;

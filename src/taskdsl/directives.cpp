@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 #include <utility>
 
 namespace morquill::taskdsl {
@@ -209,24 +210,24 @@ void readMod(DirectiveReader& reader) {
     }
 }
 
-/// True for the condition that a name of a tolerated `%source a,b` stands for, when that has added it already:
-/// migrating a file twice must not write it twice.
-bool isImpliedBySource(const TaskInfo& task, std::string_view condition) {
-    constexpr std::string_view completed = "completed ";
-    return task.sourceTasks.size() > 1 && condition.starts_with(completed) &&
-           std::find(task.sourceTasks.begin() + 1, task.sourceTasks.end(), condition.substr(completed.size())) !=
-               task.sourceTasks.end() &&
-           std::find(task.whenConditions.begin(), task.whenConditions.end(), condition) !=
-               task.whenConditions.end();
+/// The conditions that a tolerated `%source a,b` before this directive has added. Migrating a file twice must not
+/// write them twice.
+std::unordered_set<std::string> conditionsOfSource(const TaskInfo& task) {
+    std::unordered_set<std::string> conditions;
+    for (std::size_t i = 1; i < task.sourceTasks.size(); ++i) {
+        conditions.insert("completed " + task.sourceTasks[i]);
+    }
+    return conditions;
 }
 
 void readWhen(DirectiveReader& reader) {
-    const auto add = [&reader](std::string_view text) {
-        if (isImpliedBySource(reader.task, text)) {
-            return;
+    const auto implied = conditionsOfSource(reader.task);
+    const auto add = [&](std::string_view text) {
+        std::string condition(text);
+        if (implied.empty() || !implied.contains(condition)) {
+            reader.task.whenEntries.push_back({condition, reader.conditionSpan()});
+            reader.task.whenConditions.push_back(std::move(condition));
         }
-        reader.task.whenConditions.emplace_back(text);
-        reader.task.whenEntries.push_back({std::string(text), reader.conditionSpan()});
     };
     if (!reader.value.empty()) {
         add(reader.value);

@@ -6,22 +6,26 @@
 
 #include "support/text.h"
 
-#include <algorithm>
 #include <string>
+#include <unordered_set>
 #include <utility>
+#include <vector>
 
 namespace morquill::taskdsl {
 
 namespace {
 
-void addCompletedCondition(DirectiveReader& reader, const std::string& name) {
+/// Makes a condition of every name behind the first, unless the task has it already.
+void addCompletedConditions(DirectiveReader& reader, const std::vector<std::string>& names) {
     TaskInfo& task = reader.task;
-    std::string condition = "completed " + name;
-    if (std::find(task.whenConditions.begin(), task.whenConditions.end(), condition) != task.whenConditions.end()) {
-        return;
+    std::unordered_set<std::string> known(task.whenConditions.begin(), task.whenConditions.end());
+    for (auto name = names.begin() + 1; name != names.end(); ++name) {
+        std::string condition = "completed " + *name;
+        if (known.insert(condition).second) {
+            task.whenEntries.push_back({condition, reader.conditionSpan()});
+            task.whenConditions.push_back(std::move(condition));
+        }
     }
-    task.whenEntries.push_back({condition, reader.conditionSpan()});
-    task.whenConditions.push_back(std::move(condition));
 }
 
 /// Takes a last word `guess` off the value; the spelling `gues` is accepted as such.
@@ -67,8 +71,7 @@ void readInlineSource(DirectiveReader& reader) {
         }
         reader.warn("uses deprecated multi-dependency '%source a,b,...' syntax; use the first upstream as "
                     "'%source' and express extra dependencies with '%when' completed <task> conditions.");
-        std::for_each(names.begin() + 1, names.end(),
-                      [&reader](const std::string& name) { addCompletedCondition(reader, name); });
+        addCompletedConditions(reader, names);
     }
     task.sourceTasks = std::move(names);
 }

@@ -15,9 +15,9 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// Unquotes until nothing is left to take off, so that what the canonical writer makes of the value reads back
-/// as the same value.
-void unquoteScalar(std::string& text) {
+/// Keywords are unquoted where they are read and once more here. Taking off what is left until nothing is keeps what
+/// the canonical writer makes of them stable.
+void unquoteFully(std::string& text) {
     for (;;) {
         std::string bare = readScalar(text);
         if (bare == text) {
@@ -56,9 +56,9 @@ std::string_view pathOrMemory(std::string_view path) noexcept {
 
 void finishTask(TaskInfo& task, const std::vector<MatrixAxis>& axes, const WarningSink& warn) {
     const auto tell = [&](std::string_view text) { warn("task '" + task.name + "' " + std::string(text)); };
-    unquoteScalar(task.keywords);
-    unquoteScalar(task.templateName);
-    unquoteScalar(task.runner);
+    unquoteFully(task.keywords);
+    task.templateName = readScalar(task.templateName);
+    task.runner = readScalar(task.runner);
     const bool programVaries = hasAxis(axes, "program");
     if (!programVaries && task.program == TaskProgram::gaussian && !task.args.empty() && task.keywords.empty() &&
         task.templateName.empty() && task.runner.empty() && task.body.empty()) {

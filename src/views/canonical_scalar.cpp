@@ -15,13 +15,7 @@ bool standsBare(std::string_view text) noexcept {
     });
 }
 
-} // namespace
-
-void appendCanonicalScalar(std::string& out, std::string_view text) {
-    if (standsBare(text)) {
-        out += text;
-        return;
-    }
+void appendQuoted(std::string& out, std::string_view text) {
     out += '"';
     for (const char c : text) {
         switch (c) {
@@ -46,6 +40,41 @@ void appendCanonicalScalar(std::string& out, std::string_view text) {
     out += '"';
 }
 
+bool hasPairOfSingleQuotes(std::string_view text) noexcept {
+    return text.size() >= 2 && text.front() == '\'' && text.back() == '\'';
+}
+
+/// True when YAML reads the bare text as something other than this text: an indicator at its start, or a null.
+bool isMoreThanTextInYaml(std::string_view text) noexcept {
+    constexpr std::string_view indicators = "*&!%@`|>[]{}'";
+    return text.empty() || indicators.find(text.front()) != std::string_view::npos || text == "-" || text == "?" ||
+           text == "~" || text == "---" || text == "..." || equalsNoCase(text, "null");
+}
+
+} // namespace
+
+std::string quoteForcedScalar(std::string_view text) {
+    std::string result;
+    appendQuoted(result, text);
+    return result;
+}
+
+std::string quoteUnquotedScalar(std::string_view text) {
+    return hasPairOfSingleQuotes(text) ? quoteForcedScalar(text) : quoteCanonicalScalar(text);
+}
+
+std::string quoteSettingScalar(std::string_view text) {
+    return isMoreThanTextInYaml(text) ? quoteForcedScalar(text) : quoteCanonicalScalar(text);
+}
+
+void appendCanonicalScalar(std::string& out, std::string_view text) {
+    if (standsBare(text)) {
+        out += text;
+    } else {
+        appendQuoted(out, text);
+    }
+}
+
 std::string quoteCanonicalScalar(std::string_view text) {
     std::string result;
     appendCanonicalScalar(result, text);
@@ -56,7 +85,11 @@ std::string joinCanonicalList(const std::vector<std::string>& values) {
     std::string result;
     for (std::size_t i = 0; i < values.size(); ++i) {
         result += i == 0 ? "" : ", ";
-        appendCanonicalScalar(result, values[i]);
+        if (values[i].find('\'') == std::string::npos) {
+            appendCanonicalScalar(result, values[i]);
+        } else {
+            appendQuoted(result, values[i]);
+        }
     }
     return result;
 }

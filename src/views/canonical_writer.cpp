@@ -5,6 +5,7 @@
 #include "taskdsl/directive_reader.h"
 #include "taskdsl/mod_operation.h"
 #include "taskdsl/plot/render.h"
+#include "taskdsl/scan.h"
 #include "taskdsl/source_spec.h"
 #include "views/canonical_scalar.h"
 #include "views/legacy_keywords.h"
@@ -31,9 +32,7 @@ class CanonicalText {
     }
     /// `  %<directive> <value>` with the value through the scalar rule.
     void scalar(std::string_view directive, std::string_view value) {
-        out.append("  %").append(directive).push_back(' ');
-        appendCanonicalScalar(out, value);
-        out += '\n';
+        line("  %", directive, " ", quoteUnquotedScalar(value));
     }
     void filledScalar(std::string_view directive, std::string_view value) {
         if (!value.empty()) {
@@ -51,6 +50,18 @@ class CanonicalText {
     void filledHeredoc(std::string_view directive, std::string_view text) {
         if (!text.empty()) {
             heredoc(directive, text);
+        }
+    }
+    /// A block of commands. One that would end the block (it was the continuation of an empty line) is that again.
+    void commands(std::string_view directive, const std::vector<std::string>& lines) {
+        if (!lines.empty()) {
+            line("  %", directive);
+        }
+        for (const auto& text : lines) {
+            if (taskdsl::isStructureLine(text)) {
+                line("    \\");
+            }
+            line("    ", text);
         }
     }
     void block(std::string_view directive, const std::vector<std::string>& lines) {
@@ -77,13 +88,13 @@ void writeSettings(CanonicalText& text, const TaskDocument& document) {
     text.line("dsl_version: 2");
     for (const auto& [key, value] : document.settings) {
         if (key != "dsl_version") {
-            text.line(key, ": ", quoteCanonicalScalar(value));
+            text.line(key, ": ", quoteSettingScalar(value));
         }
     }
     if (!document.defines.empty()) {
         text.line("define:");
         for (const auto& [key, value] : document.defines) {
-            text.line("  ", key, ": ", quoteCanonicalScalar(value));
+            text.line("  ", key, ": ", quoteUnquotedScalar(value));
         }
     }
 }
@@ -141,6 +152,13 @@ void writeCluster(CanonicalText& text, const taskdsl::BatchCluster& cluster) {
     text.line(line);
 }
 
+/// The destination as it stands when its words read back as the same text, otherwise as one quoted word.
+std::string destinationText(const std::string& destination) {
+    const auto words = taskdsl::splitShellWords(taskdsl::cleanLine("as " + destination));
+    const bool readsBack = join({words.begin() + 1, words.end()}, " ") == destination;
+    return readsBack ? destination : taskdsl::quoteSourceToken(destination);
+}
+
 void writeBatch(CanonicalText& text, const TaskInfo& task) {
     if (task.batchLanes <= 0) {
         return;
@@ -158,7 +176,7 @@ void writeBatch(CanonicalText& text, const TaskInfo& task) {
     for (const auto& entry : task.batchCollect) {
         // A pattern that would not be one word again is quoted.
         text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteSourceToken(entry.pattern),
-                  entry.destination.empty() ? "" : " as ", entry.destination);
+                  entry.destination.empty() ? "" : " as ", destinationText(entry.destination));
     }
 }
 
@@ -200,13 +218,17 @@ void writeControl(CanonicalText& text, const TaskInfo& task) {
         item("externalinp", "true");
     }
     if (!task.finalGeom.empty()) {
-        item("finalgeom", quoteCanonicalScalar(task.finalGeom));
+        // Its reader is one of shell words: quotes and backslashes are not plain characters there.
+        const bool isPlain = task.finalGeom.find_first_of("'\\") == std::string::npos;
+        item("finalgeom", isPlain ? quoteCanonicalScalar(task.finalGeom) : quoteForcedScalar(task.finalGeom));
     }
     filled("verbosity", task.verbosity);
 }
 
 void writeKeywords(CanonicalText& text, const TaskInfo& task) {
-    if (task.keywords.find_first_of("\n\r") == std::string::npos) {
+    if (task.keywords.starts_with("<<")) {
+        text.line("  %keywords ", quoteForcedScalar(task.keywords)); // bare, it would open a heredoc
+    } else if (task.keywords.find_first_of("\n\r") == std::string::npos) {
         text.filledScalar("keywords", task.keywords);
     } else {
         text.heredoc("keywords", task.keywords);
@@ -284,8 +306,8 @@ void writeTask(CanonicalText& text, const TaskInfo& task) {
     writeControl(text, task);
     text.block("when", task.whenConditions);
     writePayload(text, task);
-    text.block("preprocess", task.preProcessCommands);
-    text.block("process", task.processCommands);
+    text.commands("preprocess", task.preProcessCommands);
+    text.commands("process", task.processCommands);
     writeMods(text, task);
     if (!task.strucId.empty()) {
         text.line("  %meta");

@@ -89,11 +89,19 @@ TEST(Substitution, KeepsTheShapeOfASource) {
     EXPECT_EQ(source("[s]", {{"s", "origin"}}), "origin");
     EXPECT_EQ(source("xyz=[f].xyz frame=2", {{"f", "m"}}), "xyz=m.xyz frame=2");
     EXPECT_EQ(source("opt_[f]", {{"f", "m"}}), "opt_m");
+    EXPECT_EQ(source("xyz=[f] frame=1", {{"f", "a b"}}), "xyz=\"a b\" frame=1");
+    EXPECT_EQ(source("xyz=[f]", {{"f", "a.xyz frame=3"}}), "xyz=\"a.xyz frame=3\"");
 }
 
 TEST(Substitution, WhatCannotBeReadAfterwardsIsAFault) {
     EXPECT_EQ(faultOf("define:\n  n: x\n$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
-              "structured %source frame selector must be a positive integer");
+              "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
+    EXPECT_EQ(faultOf("define:\n  e: \"\"\n$a\n%source\n geom x q=[e]\n"),
+              "structured %source binding 'geom' has an invalid selector");
+    for (const char* binding : {"geom xyz=[e]", "geom [e]"}) {
+        EXPECT_EQ(faultOf("define:\n  e: \"\"\n$a\n%source\n " + std::string(binding) + "\n"),
+                  "structured %source binding 'geom' has an empty source reference");
+    }
     EXPECT_EQ(
         faultOf("$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
         "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");

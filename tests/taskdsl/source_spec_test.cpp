@@ -266,16 +266,21 @@ TEST(ValidateStructuredSource, Faults) {
     EXPECT_EQ(lines({"aux b"}), "no fault");
 }
 
-TEST(ResolveFrameSelectors, MovesASubstitutedFrame) {
-    std::vector<SourceBinding> bindings{parseSourceBinding("geom xyz=a k=1 frame=[f]"),
-                                        parseSourceBinding("aux xyz=a frame=[g]"),
-                                        parseSourceBinding("aux.b t frame=3")};
+TEST(RereadBinding, SeesWhatASubstitutionHasMadeOfIt) {
+    std::vector<SourceBinding> bindings{
+        parseSourceBinding("geom xyz=a k=1 frame=[f]"), parseSourceBinding("aux xyz=a frame=[g]"),
+        parseSourceBinding("aux.b t frame=3"), parseSourceBinding("aux.c [s]"), parseSourceBinding("aux.d [s]")};
     bindings[0].selectors[1].second = "12";
-    resolveFrameSelectors(bindings);
+    bindings[3].sourceValue = "origin";
+    bindings[4].sourceValue = "xyz=b.xyz";
+    std::for_each(bindings.begin(), bindings.end(), rereadBinding);
     EXPECT_EQ(formatSourceSpec(SourceStructured{bindings}),
-              "geom xyz=a frame=12 k=1\naux xyz=a frame=[g]\naux.b t frame=3");
+              "geom xyz=a frame=12 k=1\naux xyz=a frame=[g]\naux.b t frame=3\naux.c origin\naux.d xyz=b.xyz");
     EXPECT_TRUE(bindings[0].hasFrame);
     EXPECT_FALSE(bindings[1].hasFrame);
+    EXPECT_EQ(bindings[3].sourceKind, BindingSource::origin);
+    EXPECT_EQ(bindings[3].sourceTask, "");
+    EXPECT_EQ(bindings[4].sourceKind, BindingSource::xyz);
 }
 
 TEST(TaskSource, IsReadFromTheRecord) {

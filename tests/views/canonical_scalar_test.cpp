@@ -22,7 +22,22 @@ TEST(CanonicalScalar, AnythingElseIsQuotedAndEscaped) {
     EXPECT_EQ(quoteCanonicalScalar("a\fb"), "\"a\fb\"");
 }
 
+TEST(CanonicalScalar, ReadersThatSeeMoreGetMoreQuotes) {
+    EXPECT_EQ(quoteUnquotedScalar("'a'"), R"("'a'")");
+    EXPECT_EQ(quoteUnquotedScalar("it's"), "it's");
+    EXPECT_EQ(quoteUnquotedScalar("a b"), R"("a b")");
+    for (const char* text : {"*a", "&a", "!t", "%x", "@x", "`x", "|", ">", "[a]", "]", "{a}", "}", "'a", "-", "?", "~",
+                             "NULL", "---"}) {
+        EXPECT_EQ(quoteSettingScalar(text), '"' + std::string(text) + '"');
+    }
+    for (const char* text : {"8", "true", "a'b", "-1", "plain"}) {
+        EXPECT_EQ(quoteSettingScalar(text), text);
+    }
+    EXPECT_EQ(quoteForcedScalar("a\\b"), R"("a\\b")");
+}
+
 TEST(CanonicalScalar, ListsAndNumbers) {
+    EXPECT_EQ(joinCanonicalList({"a'b", "c'd"}), R"("a'b", "c'd")");
     EXPECT_EQ(joinCanonicalList({"a", "b c", ""}), R"(a, "b c", "")");
     EXPECT_EQ(joinCanonicalList({}), "");
     EXPECT_EQ(formatCanonicalNumber(0.1), "0.1");

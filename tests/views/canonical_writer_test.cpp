@@ -234,6 +234,9 @@ TEST(CanonicalWriter, BlocksBehindThePayload) {
                               "  %mod\n    charge add 1\n    basisset def2-TZVP role=aux-j\n    geom select 1-3 5\n"
                               "    solo\n  %meta\n    strucid s 1\n");
     task = TaskInfo("a");
+    task.preProcessCommands = {"a", "%b", "$c"};
+    EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %preprocess\n    a\n    \\\n    %b\n    \\\n    $c\n");
+    task = TaskInfo("a");
     task.modValues = {{"spin", "2"}, {"charge", "1"}};
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %mod\n    charge 1\n    spin 2\n");
 }

@@ -29,6 +29,22 @@ TEST(RoundTrip, AwkwardScalarsSurvive) {
     }
 }
 
+TEST(RoundTrip, WhatASecondReaderTakesApartIsProtected) {
+    for (const char* text :
+         {"x: \"*a\"\ny: \"~\"\nz: \"{\"\n$a", "define:\n  k: \"'a'\"\n$a", "matrix:\n  k: \"a'b\",\"c'd\"\n$a",
+          "matrix:\n  - k: 1\n    name: \"'a'\"\n$a", "$a\n%control\n finalgeom \"a'b\"",
+          "$a\n%control\n finalgeom a\\\\\\\\b", "$a\n%keywords <<\n<<EOF\nEOF",
+          "$a\n%process\n \\\n %foo\n \\\n $g16\n x", "$a\n%batch\nlane 1\ncollect x as \"a  b\"",
+          "$a\n%batch\nlane 1\ncollect x as \"#b\"", "$a\n%batch\nlane 1\ncollect x as \"a'b\\\"\"",
+          "$a\n%program script\n%runner \"\\\"/opt/my tools/py\\\"\"", "$a\n%program other\n%template \"'x'\""}) {
+        const std::string once = canonical(std::string(text) + "\n");
+        EXPECT_EQ(canonical(once), once) << text;
+    }
+    EXPECT_NE(canonical("$a\n%program script\n%runner \"\\\"/opt/my tools/py\\\"\"\n")
+                  .find("  %runner \"\\\"/opt/my tools/py\\\"\"\n"),
+              std::string::npos);
+}
+
 TEST(RoundTrip, ConditionsAndModsThatLookLikeStructureStayWhereTheyAre) {
     for (const char* text : {"%when %odd", "%when $x\n  completed b\n%when @end", "%mod %foo x\n  charge 1\n%mod $y"}) {
         const std::string once = canonical("$a\n" + std::string(text) + "\n");
