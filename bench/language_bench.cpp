@@ -35,8 +35,9 @@ std::string plotsOf(int plots) {
             text += "  series s" + std::to_string(k) + " = (scan.energy - min(scan.energy)) * 627.5095 + " +
                     std::to_string(k) + " label \"state " + std::to_string(k) + "\"\n";
         }
-        text += "  axis x:\n    label \"r\"\n  axis y:\n    label \"E\"\n  title \"scan\"\n  style linepoints\n"
-                "  theme scientific\n  output \"scan.png\"\n  size 900 600\n@end\n\n";
+        text +=
+            "  axis x:\n    label \"r\"\n  axis y:\n    label \"E\"\n  title \"scan\"\n  style linepoints\n"
+            "  theme scientific\n  output \"scan.png\"\n  size 900 600\n@end\n\n";
     }
     return text;
 }
@@ -46,7 +47,8 @@ std::string derivesOf(int derives) {
     for (int i = 0; i < derives; ++i) {
         text += "@derive d" + std::to_string(i) + "\n";
         for (int k = 0; k < 10; ++k) {
-            text += "  let v" + std::to_string(k) + " = convert({{ opt.energy }} - {{ freq.energy }}, \"kcal/mol\")\n";
+            text += "  let v" + std::to_string(k) +
+                    " = convert({{ opt.energy }} - {{ freq.energy }}, \"kcal/mol\")\n";
         }
         text += "  require v0 < 5 else \"too high\"\n  emit e0 = v0 unit \"kcal/mol\"\n  emit e1 = v1\n"
                 "  emit e2 = v2\n  report \"barrier\" = v3\n@end\n\n";
@@ -57,8 +59,8 @@ std::string derivesOf(int derives) {
 void formatText(benchmark::State& state, const std::string& text) {
     for (auto _ : state) {
         taskdsl::TaskParser parser(false, [](const std::string&) {});
-        benchmark::DoNotOptimize(renderCanonicalDocument(parser.parseText(text, "bench.mq"),
-                                                         views::CanonicalView::sourceView));
+        benchmark::DoNotOptimize(
+            renderCanonicalDocument(parser.parseText(text, "bench.mq"), views::CanonicalView::sourceView));
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(text.size()) * state.iterations());
 }
@@ -87,7 +89,8 @@ std::string matrixOf(int axes) {
         text += "  " + key + ": 0, 1, 2, 3, 4, 5, 6, 7, 8, 9\n";
         keywords += " [" + key + "]";
     }
-    return text + "$opt\n  %program orca\n  %control\n    totcore 8\n  %keywords \"TightSCF" + keywords + "\"\n";
+    return text + "$opt\n  %program orca\n  %control\n    totcore 8\n  %keywords \"TightSCF" + keywords +
+           "\"\n";
 }
 
 /// Parses and prints every variant; the items are variants.

@@ -5,6 +5,7 @@
 #include "project/prompt.h"
 #include "project/rename_files.h"
 #include "project/target.h"
+#include "project/task_catalog.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/task_parser.h"
@@ -43,12 +44,17 @@ RenamePlace findPlace(const std::string& path) {
 std::vector<std::string> listBlocks(const std::string& file) {
     NameList names;
     for (const auto& task : taskdsl::TaskParser().parseFile(file).templateTasks) {
-        names.add(task.name);
+        names.add(writtenName(task));
     }
     return names.names();
 }
 
 bool checkNames(const std::string& file, const RenamedBlock& block) {
+    // A block's name is the name of its directory: with a slash, renaming would move things out of the case.
+    if (block.newName.find('/') != std::string::npos) {
+        printErrorLine("[mqkit][ERROR] a block name cannot hold '/': $" + block.newName);
+        return false;
+    }
     const auto blocks = listBlocks(file);
     const auto has = [&](const std::string& name) {
         return std::find(blocks.begin(), blocks.end(), name) != blocks.end();

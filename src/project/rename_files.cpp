@@ -99,28 +99,6 @@ bool beginsBinary(const std::string& path) {
     return got > 0 && std::memchr(buffer.data(), '\0', static_cast<std::size_t>(got)) != nullptr;
 }
 
-/// Replaces the content of an existing file in place and cuts off what is left of a longer one. Unlike
-/// truncating first, this never shows an empty file to others, and file systems that guard against that need
-/// not wait for the disk at every close.
-bool overwriteFile(const std::string& path, std::string_view text) {
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    if (fd < 0) {
-        return false;
-    }
-    const auto size = static_cast<off_t>(text.size());
-    bool good = true;
-    while (good && !text.empty()) {
-        const ssize_t put = ::write(fd, text.data(), text.size());
-        if (put > 0) {
-            text.remove_prefix(static_cast<std::size_t>(put));
-        } else {
-            good = put < 0 && errno == EINTR;
-        }
-    }
-    good = good && ::ftruncate(fd, size) == 0;
-    return ::close(fd) == 0 && good;
-}
-
 /// The text with the new name in it; nothing when it does not change.
 std::optional<std::string> renamedText(const std::string& text, const RenamedBlock& block,
                                        const std::string& caseName) {
@@ -180,8 +158,8 @@ bool rewriteFile(const std::string& path, std::string canonical, const RenamedBl
     if (!renamed) {
         return true;
     }
-    if (!overwriteFile(path, *renamed)) {
-        (void)overwriteFile(path, *text);
+    if (!overwriteTextFile(path, *renamed)) {
+        (void)overwriteTextFile(path, *text);
         report.errors.push_back("could not write file back: " + path);
         return false;
     }

@@ -124,21 +124,37 @@ StatusRecords readStatusRecords(const std::string& path) {
     return text ? parseStatusRecords(*text) : StatusRecords();
 }
 
+namespace {
+
+void appendRow(std::string& text, const std::string& name, const TaskStatusRecord& record) {
+    appendField(text, name, nameWidth);
+    appendField(text, taskStatusName(record.status), statusWidth);
+    appendField(text, record.updatedAt.empty() ? "-" : record.updatedAt, timeWidth);
+    text += record.reason.empty() ? "-" : replaceAll(record.reason, "\n", "");
+    text += '\n';
+}
+
+} // namespace
+
 std::string formatStatusRecords(const StatusRecords& records) {
     std::string text(header);
     for (const auto& [name, record] : records) {
-        appendField(text, name, nameWidth);
-        appendField(text, taskStatusName(record.status), statusWidth);
-        appendField(text, record.updatedAt.empty() ? "-" : record.updatedAt, timeWidth);
-        text += record.reason.empty() ? "-" : replaceAll(record.reason, "\n", "");
-        text += '\n';
+        appendRow(text, name, record);
+    }
+    return text;
+}
+
+std::string formatStatusNames(const std::vector<std::string>& names) {
+    std::string text(header);
+    for (const auto& name : names) {
+        appendRow(text, name, {});
     }
     return text;
 }
 
 bool writeStatusRecords(const std::string& path, const StatusRecords& records) {
     if (!records.empty()) {
-        return writeTextFile(path, formatStatusRecords(records));
+        return overwriteTextFile(path, formatStatusRecords(records));
     }
     std::error_code error;
     const auto kind = fs::status(path, error).type();
@@ -169,7 +185,7 @@ bool removeTaskRecords(const std::string& caseDir, const std::vector<std::string
         return true;
     }
     if (!records.empty()) {
-        (void)writeTextFile(path, *text);
+        (void)overwriteTextFile(path, *text);
     }
     return false;
 }

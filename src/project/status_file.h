@@ -50,6 +50,9 @@ using TaskNameSet = std::set<std::string, std::less<>>;
 
 /// The header and one row per record, each with a line end. Line feeds in a reason are left out.
 [[nodiscard]] std::string formatStatusRecords(const StatusRecords& records);
+
+/// The header and one row per name, in the order of the names, each with the values of a fresh record.
+[[nodiscard]] std::string formatStatusNames(const std::vector<std::string>& names);
 /// Replaces the file by the records in one write. Without records a regular file at the path is removed.
 /// True on success.
 [[nodiscard]] bool writeStatusRecords(const std::string& path, const StatusRecords& records);

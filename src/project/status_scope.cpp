@@ -36,14 +36,6 @@ bool takeBackup(StatusBackup& backup) {
     return true;
 }
 
-std::string formatScopedStatus(const std::vector<std::string>& kept) {
-    StatusRecords records;
-    for (const auto& name : kept) {
-        records[name].name = name;
-    }
-    return formatStatusRecords(records);
-}
-
 bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selected, bool dryRun,
                std::vector<StatusBackup>& backups, UpdateSummary& summary) {
     const auto path = statusFilePath(caseDir);
@@ -77,7 +69,7 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
         return true;
     }
     summary.statusScoped += 1;
-    if (!dryRun && !writeTextFile(path, formatScopedStatus(kept))) {
+    if (!dryRun && !overwriteTextFile(path, formatStatusNames(kept))) {
         printErrorLine("[mqkit][ERROR] failed to prepare mq.status for comd-only update: " + name);
         return false;
     }
@@ -93,7 +85,7 @@ bool restoreText(const StatusBackup& backup) {
     if (gone && !backup.link.empty()) {
         fs::create_symlink(backup.link, backup.path, error);
     }
-    if (!writeTextFile(backup.path, backup.content)) {
+    if (!overwriteTextFile(backup.path, backup.content)) {
         return false;
     }
     if (gone) {

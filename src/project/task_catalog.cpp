@@ -47,12 +47,6 @@ std::string headerKey(const TaskInfo& task) {
            std::to_string(span.endLine) + ':' + std::to_string(span.endColumn);
 }
 
-// The variants of a matrix inside an included file reach the including document as tasks of their own; what
-// was written is the name that they were made from.
-const std::string& writtenName(const TaskInfo& task) {
-    return task.templateTaskName.empty() ? task.name : task.templateTaskName;
-}
-
 void CatalogBuilder::add(const TaskDocument& document) {
     std::unordered_map<std::string, std::vector<const TaskInfo*>> templatesByHeader;
     for (const TaskInfo& task : document.templateTasks) {
@@ -188,6 +182,10 @@ bool scanInto(CatalogBuilder& builder, const std::string& file, std::string& err
 }
 
 } // namespace
+
+const std::string& writtenName(const TaskInfo& task) noexcept {
+    return task.templateTaskName.empty() ? task.name : task.templateTaskName;
+}
 
 bool scanTaskFile(const std::string& file, TaskCatalog& catalog, std::string& error,
                   const taskdsl::WarningSink& warnings) {

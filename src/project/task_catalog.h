@@ -1,6 +1,7 @@
 #pragma once
 
 #include "taskdsl/diagnostic.h"
+#include "taskdsl/task_document.h"
 
 #include <map>
 #include <string>
@@ -19,6 +20,10 @@ struct TaskCatalog {
     /// Logical name to the expanded names it stands for; a variant's own name stands for itself.
     std::map<std::string, std::vector<std::string>, std::less<>> expansionsByName;
 };
+
+/// The name under which a task was written. The variants of a matrix inside an included file reach the
+/// including document as tasks of their own; what was written is the name that they were made from.
+[[nodiscard]] const std::string& writtenName(const taskdsl::TaskInfo& task) noexcept;
 
 /// The blocks of one task file. False with the whole message in `error` when it cannot be read or parsed.
 /// Warnings of the language go to the sink, without one to the log.

@@ -37,6 +37,18 @@ class Descriptor {
     int fd_;
 };
 
+bool writeAll(int fd, std::string_view text) {
+    while (!text.empty()) {
+        const auto put = ::write(fd, text.data(), text.size());
+        if (put > 0) {
+            text.remove_prefix(static_cast<std::size_t>(put));
+        } else if (put == 0 || errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 std::optional<std::string> readTextFile(const std::string& path) {
@@ -73,20 +85,13 @@ std::optional<std::string> readTextFile(const std::string& path) {
 
 bool writeTextFile(const std::string& path, std::string_view text) {
     Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-    if (file.get() < 0) {
-        return false;
-    }
-    while (!text.empty()) {
-        const auto put = ::write(file.get(), text.data(), text.size());
-        if (put < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
-        }
-        text.remove_prefix(static_cast<std::size_t>(put));
-    }
-    return file.close();
+    return file.get() >= 0 && writeAll(file.get(), text) && file.close();
+}
+
+bool overwriteTextFile(const std::string& path, std::string_view text) {
+    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+    return file.get() >= 0 && writeAll(file.get(), text) &&
+           ::ftruncate(file.get(), static_cast<off_t>(text.size())) == 0 && file.close();
 }
 
 bool isRegularFile(const std::string& path) {
@@ -112,8 +117,8 @@ std::vector<std::string> listDirectoryEntries(const std::string& path) {
 
 std::string normalisedPath(const std::string& path) {
     std::error_code error;
-    // Absolute first: the weakly canonical form of a relative path that does not exist stays relative, and would
-    // differ from another spelling of the same place.
+    // Absolute first: the weakly canonical form of a relative path that does not exist stays relative, and
+    // would differ from another spelling of the same place.
     const auto absolute = fs::absolute(path, error);
     const auto canonical = error ? absolute : fs::weakly_canonical(absolute, error);
     return error ? fs::path(path).lexically_normal().string() : canonical.string();

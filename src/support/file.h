@@ -8,13 +8,19 @@
 /// File helpers that swallow file system errors: they answer false, nothing or an empty list, never throw.
 namespace morquill {
 
-/// The whole content of a regular file (a link to one counts), byte for byte; nothing when it cannot be opened
-/// or read. Directories, FIFOs and devices are never opened, so this cannot block.
+/// The whole content of a regular file (a link to one counts), byte for byte; nothing when it cannot be
+/// opened or read. Directories, FIFOs and devices are never opened, so this cannot block.
 [[nodiscard]] std::optional<std::string> readTextFile(const std::string& path);
 
 /// One plain open, truncating write and close; true only if every byte was taken and the close succeeded.
 /// No temporary file, no backup, no creation of parent directories.
 [[nodiscard]] bool writeTextFile(const std::string& path, std::string_view text);
+
+/// Replaces the content of a file in place and cuts off what is left of a longer one; makes the file when
+/// there is none. Unlike truncating first, a disk that is full before the first byte leaves the old content,
+/// others never see an empty file, and file systems that guard against that need not wait for the disk at
+/// every close.
+[[nodiscard]] bool overwriteTextFile(const std::string& path, std::string_view text);
 
 /// True for a regular file or a link that leads to one.
 [[nodiscard]] bool isRegularFile(const std::string& path);

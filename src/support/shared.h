@@ -9,8 +9,8 @@
 /// Values that many records hold but that are stored once.
 namespace morquill {
 
-/// An immutable text with shared ownership, for paths that every line and span of a file repeat. A copy costs a
-/// pointer; it reads like a `const std::string`.
+/// An immutable text with shared ownership, for paths that every line and span of a file repeat. A copy costs
+/// a pointer; it reads like a `const std::string`.
 class SharedText {
   public:
     SharedText() = default;

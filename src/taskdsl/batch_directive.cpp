@@ -52,7 +52,8 @@ void readCollect(const DirectiveReader& reader, const Words& words, BatchBlock& 
         ++next;
     }
     if (next >= words.size()) {
-        reader.failHere("has invalid %batch collect entry; expected 'collect [required] <pattern> [as <destination>]'");
+        reader.failHere(
+            "has invalid %batch collect entry; expected 'collect [required] <pattern> [as <destination>]'");
     }
     entry.pattern = trim(words[next++]);
     if (entry.pattern.empty()) {
@@ -61,7 +62,8 @@ void readCollect(const DirectiveReader& reader, const Words& words, BatchBlock& 
     if (next < words.size()) {
         const std::string& link = words[next++];
         if (!equalsNoCase(link, "as") && !equalsNoCase(link, "to")) {
-            reader.failHere("has invalid %batch collect entry; use 'as' or 'to' before the destination pattern");
+            reader.failHere(
+                "has invalid %batch collect entry; use 'as' or 'to' before the destination pattern");
         }
         entry.destination = trim(joinFrom(words, next));
         if (entry.destination.empty()) {
@@ -127,9 +129,10 @@ void readClusterOption(const DirectiveReader& reader, const std::string& word, B
     if (key.empty() || value.empty()) {
         reader.failHere("has invalid %batch cluster option '" + word + "'; expected key=value");
     }
-    const auto* option = std::find_if(clusterOptions.begin(), clusterOptions.end(), [&key](const ClusterOption& o) {
-        return std::find(o.spellings.begin(), o.spellings.end(), key) != o.spellings.end();
-    });
+    const auto* option =
+        std::find_if(clusterOptions.begin(), clusterOptions.end(), [&key](const ClusterOption& o) {
+            return std::find(o.spellings.begin(), o.spellings.end(), key) != o.spellings.end();
+        });
     if (option == clusterOptions.end()) {
         reader.failHere("has unknown %batch cluster option '" + key + "'");
     }
@@ -144,7 +147,8 @@ void readClusterOption(const DirectiveReader& reader, const std::string& word, B
     }
     const auto number = readDouble(value);
     if (!number || !std::isfinite(*number)) {
-        reader.failHere("has invalid numeric value '" + value + "' for %batch cluster option '" + canonical + "'");
+        reader.failHere("has invalid numeric value '" + value + "' for %batch cluster option '" + canonical +
+                        "'");
     }
     if (!option->inRange(*number)) {
         reader.failHere("requires cluster " + std::string(option->requirement));
@@ -199,7 +203,8 @@ void readBatchDirective(DirectiveReader& reader) {
     if (!reader.value.empty()) {
         block.lanes = readPositiveInt(reader.value);
         if (!block.lanes) {
-            reader.fail("has invalid %batch value '" + std::string(reader.value) + "'; expected a positive integer");
+            reader.fail("has invalid %batch value '" + std::string(reader.value) +
+                        "'; expected a positive integer");
         }
     } else {
         while (const auto line = reader.nextFilledLine()) {
@@ -211,7 +216,8 @@ void readBatchDirective(DirectiveReader& reader) {
             const auto* row = std::find_if(batchTable.begin(), batchTable.end(),
                                            [&key](const BatchRow& r) { return r.key == key; });
             if (row == batchTable.end()) {
-                reader.failHere("has unknown %batch block key '" + key + "'; expected 'lane', 'collect', or 'cluster'");
+                reader.failHere("has unknown %batch block key '" + key +
+                                "'; expected 'lane', 'collect', or 'cluster'");
             }
             row->read(reader, words, block);
         }

@@ -37,7 +37,8 @@ struct ControlRow {
 };
 
 bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words) {
-    return std::any_of(words.begin(), words.end(), [text](std::string_view word) { return equalsNoCase(text, word); });
+    return std::any_of(words.begin(), words.end(),
+                       [text](std::string_view word) { return equalsNoCase(text, word); });
 }
 
 /// The second of the fields that single blanks separate: two blanks in a row make it empty.
@@ -47,7 +48,8 @@ std::optional<std::string> secondField(std::string_view text) {
 }
 
 void warnLegacyName(const ControlLine& line, std::string_view modern) {
-    line.reader.warn("uses legacy %control " + std::string(line.key) + "; use %control " + std::string(modern) + ".");
+    line.reader.warn("uses legacy %control " + std::string(line.key) + "; use %control " +
+                     std::string(modern) + ".");
 }
 
 void warnInvalid(const ControlLine& line, std::string_view value) {
@@ -56,7 +58,8 @@ void warnInvalid(const ControlLine& line, std::string_view value) {
 }
 
 void warnExtraTokens(const ControlLine& line, std::string_view canonicalKey) {
-    line.reader.warn("has extra tokens after %control " + std::string(canonicalKey) + " value; ignoring them.");
+    line.reader.warn("has extra tokens after %control " + std::string(canonicalKey) +
+                     " value; ignoring them.");
 }
 
 bool readInteger(const ControlLine& line, std::int32_t& target, bool allowNegative) {

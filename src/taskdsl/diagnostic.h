@@ -8,8 +8,9 @@
 
 namespace morquill::taskdsl {
 
-/// A fault of the input that ends the parse. `what()` is the whole message: `<span>: error: <message>`, or the
-/// bare message when the span is invalid. The parts are kept, so that a tool need not take the text apart.
+/// A fault of the input that ends the parse. `what()` is the whole message: `<span>: error: <message>`, or
+/// the bare message when the span is invalid. The parts are kept, so that a tool need not take the text
+/// apart.
 class DiagnosticError : public std::runtime_error {
   public:
     explicit DiagnosticError(std::string message);

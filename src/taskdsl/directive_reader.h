@@ -20,15 +20,15 @@ namespace morquill::taskdsl {
 /// `&INCLUDE` line or a block keyword.
 [[nodiscard]] bool isStructureLine(std::string_view text) noexcept;
 
-/// What the handler of one directive works on: the task it fills in, the text behind the keyword, and the lines
-/// behind it, from which a block directive takes its block.
+/// What the handler of one directive works on: the task it fills in, the text behind the keyword, and the
+/// lines behind it, from which a block directive takes its block.
 class DirectiveReader {
   public:
     /// `index` is the directive's own line.
     DirectiveReader(TaskInfo& owner, const std::vector<SourceLine>& allLines, std::size_t lineIndex,
                     std::string_view directiveValue, const WarningSink& sink, bool multiSource)
-        : task(owner), value(directiveValue), legacyMultiSource(multiSource), lines(allLines), index(lineIndex),
-          header(lineIndex), warnings(sink) {}
+        : task(owner), value(directiveValue), legacyMultiSource(multiSource), lines(allLines),
+          index(lineIndex), header(lineIndex), warnings(sink) {}
 
     TaskInfo& task;
     std::string_view value; ///< trimmed text behind the keyword, comment removed
@@ -46,8 +46,8 @@ class DirectiveReader {
     /// The place of a condition on the line read last; conditions stand in the file of their task.
     [[nodiscard]] SourceSpan conditionSpan() const;
 
-    /// Moves to the next line of the block and gives its cleaned text, which may be empty; nothing, and no move,
-    /// where the block ends.
+    /// Moves to the next line of the block and gives its cleaned text, which may be empty; nothing, and no
+    /// move, where the block ends.
     std::optional<std::string_view> nextLine();
     /// The same, passing over empty lines.
     std::optional<std::string_view> nextFilledLine();

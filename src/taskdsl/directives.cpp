@@ -17,7 +17,8 @@ namespace morquill::taskdsl {
 namespace {
 
 std::string missingTerminator(const DirectiveReader& reader, std::string_view keyword) {
-    return "heredoc %" + std::string(keyword) + " block is missing terminator '" + reader.heredocTerminator() + "'.";
+    return "heredoc %" + std::string(keyword) + " block is missing terminator '" +
+           reader.heredocTerminator() + "'.";
 }
 
 std::string emptyText(std::string_view keyword) {
@@ -210,8 +211,8 @@ void readMod(DirectiveReader& reader) {
     }
 }
 
-/// The conditions that a tolerated `%source a,b` before this directive has added. Migrating a file twice must not
-/// write them twice.
+/// The conditions that a tolerated `%source a,b` before this directive has added. Migrating a file twice must
+/// not write them twice.
 std::unordered_set<std::string> conditionsOfSource(const TaskInfo& task) {
     std::unordered_set<std::string> conditions;
     for (std::size_t i = 1; i < task.sourceTasks.size(); ++i) {

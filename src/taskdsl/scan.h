@@ -9,8 +9,8 @@
 namespace morquill::taskdsl {
 
 /// The line up to its comment. A `#` outside quotes, at the start of the line or behind white space, begins
-/// one. A kind of quote takes part only when the line holds an even number of it (at least two, those behind a
-/// backslash not counted), so that a lone apostrophe does not hide a comment.
+/// one. A kind of quote takes part only when the line holds an even number of it (at least two, those behind
+/// a backslash not counted), so that a lone apostrophe does not hide a comment.
 [[nodiscard]] std::string_view stripComment(std::string_view line) noexcept;
 
 /// `stripComment` and trim: what the language sees of a line.
@@ -30,7 +30,8 @@ namespace morquill::taskdsl {
 
 /// The text behind a leading `%`; empty when the line is no directive.
 [[nodiscard]] std::string_view directiveName(std::string_view text) noexcept;
-/// The trimmed text behind a leading `$`, without one pair of double quotes; empty when the line is no header.
+/// The trimmed text behind a leading `$`, without one pair of double quotes; empty when the line is no
+/// header.
 [[nodiscard]] std::string_view taskHeaderName(std::string_view text) noexcept;
 /// "@plot" or "@derive" followed by a blank or the end, or exactly "@end".
 [[nodiscard]] bool isBlockKeyword(std::string_view text) noexcept;

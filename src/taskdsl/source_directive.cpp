@@ -37,8 +37,9 @@ void takeGuessWord(DirectiveReader& reader, std::string& value) {
     words.pop_back();
     value = join(words, " ");
     reader.task.guessEnabled = true;
-    reader.warn("uses deprecated '%source ... guess' syntax; move guess into '%control' as 'guess true' or 'guess "
-                "<task>'.");
+    reader.warn(
+        "uses deprecated '%source ... guess' syntax; move guess into '%control' as 'guess true' or 'guess "
+        "<task>'.");
 }
 
 void readInlineSource(DirectiveReader& reader) {
@@ -66,8 +67,9 @@ void readInlineSource(DirectiveReader& reader) {
     task.source = names.front();
     if (names.size() > 1) {
         if (!reader.legacyMultiSource) {
-            reader.failHere("uses removed multi-dependency '%source a,b,...' syntax; keep the first task in %source "
-                            "and move the rest into '%when completed ...'");
+            reader.failHere(
+                "uses removed multi-dependency '%source a,b,...' syntax; keep the first task in %source "
+                "and move the rest into '%when completed ...'");
         }
         reader.warn("uses deprecated multi-dependency '%source a,b,...' syntax; use the first upstream as "
                     "'%source' and express extra dependencies with '%when' completed <task> conditions.");

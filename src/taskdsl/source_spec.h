@@ -88,8 +88,8 @@ using SourceSpec =
 void validateStructuredSource(const std::vector<SourceBinding>& bindings, bool strictFrames);
 
 /// Looks again at a binding whose texts a substitution has changed: a task name may have become "origin",
-/// "restart" or a file, a `frame` selector of a file a positive integer and so its frame. What has become empty or
-/// is no number is left for `validateStructuredSource` to refuse.
+/// "restart" or a file, a `frame` selector of a file a positive integer and so its frame. What has become
+/// empty or is no number is left for `validateStructuredSource` to refuse.
 void rereadBinding(SourceBinding& binding);
 
 /// One line of a `%source` block as the directive hands it over.

@@ -10,9 +10,9 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::array<std::string_view, 12> programNames{"gaussian", "orca",  "gamess", "xtb",
-                                                        "mrcc",     "maple", "amesp",  "bdf",
-                                                        "mopac",    "fcclasses", "other", "script"};
+constexpr std::array<std::string_view, 12> programNames{"gaussian", "orca",      "gamess", "xtb",
+                                                        "mrcc",     "maple",     "amesp",  "bdf",
+                                                        "mopac",    "fcclasses", "other",  "script"};
 
 constexpr std::string_view supportedPrograms =
     "gaussian, orca, gamess, xtb, mrcc, maple, amesp, bdf, mopac, fcclasses, other, script";

@@ -96,8 +96,8 @@ struct TaskInfo {
     std::vector<TaskWhenEntry> whenEntries;        ///< the conditions with their places
     std::string name;                              ///< quotes removed
     bool quoted = false;                           ///< the header was written `$"name"`
-    std::uint64_t documentOrder = 0; ///< place among all tasks and derive blocks of the run
-    std::string source = "origin";   ///< simple source: "origin", "restart", `xyz=...` or a task name
+    std::uint64_t documentOrder = 0;               ///< place among all tasks and derive blocks of the run
+    std::string source = "origin"; ///< simple source: "origin", "restart", `xyz=...` or a task name
     std::vector<SourceBinding> sourceBindings; ///< structured source
     std::vector<std::string> sourceTasks;      ///< the names of a comma list in `%source`
     bool guessEnabled = false;
@@ -169,7 +169,7 @@ struct TaskDocument {
     /// was substituted or expanded.
     Shared<std::vector<TaskInfo>> tasks;
     Shared<std::vector<TaskInfo>> templateTasks; ///< as written, before substitution and expansion
-    std::vector<plot::PlotSpec> plots;   ///< top-level `@plot` blocks, after substitution
+    std::vector<plot::PlotSpec> plots;           ///< top-level `@plot` blocks, after substitution
     std::vector<DeriveBlock> derives;
     std::string filePath;                   ///< path given to the parser
     std::string directory;                  ///< directory of the file, empty when the text came from memory

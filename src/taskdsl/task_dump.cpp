@@ -102,10 +102,10 @@ std::string describeTask(const TaskInfo& task) {
         dump.line("OrcaBlock: ", "[omitted]");
     }
     std::vector<std::string> plots;
-    std::transform(task.plots.begin(), task.plots.end(), std::back_inserter(plots),
-                   [](const plot::PlotSpec& plot) {
-                       return std::string(plotKindName(plot.kind)) + " " + (plot.title.empty() ? plot.id : plot.title);
-                   });
+    std::transform(
+        task.plots.begin(), task.plots.end(), std::back_inserter(plots), [](const plot::PlotSpec& plot) {
+            return std::string(plotKindName(plot.kind)) + " " + (plot.title.empty() ? plot.id : plot.title);
+        });
     dump.list("Plots:", plots);
     dump.list("WhenConditions:", task.whenConditions);
     return dump.text;
@@ -140,7 +140,8 @@ void readInterface(TaskInfo& task, std::string_view value) {
 
 constexpr std::array<DumpLabel, 17> dumpLabels{{
     {"TaskInfo: ", readText<&TaskInfo::name>},
-    {"Program: ", [](TaskInfo& task, std::string_view value) { (void)parseProgramName(value, task.program); }},
+    {"Program: ",
+     [](TaskInfo& task, std::string_view value) { (void)parseProgramName(value, task.program); }},
     {"Quoted: ", readFlag<&TaskInfo::quoted>},
     {"Source: ", readText<&TaskInfo::source>},
     {"LocalFirst: ", readFlag<&TaskInfo::localFirst>},

@@ -189,7 +189,8 @@ void finishOwnTasks(TaskDocument& document, const std::vector<IncludedTasks>& in
 /// Puts the defines into the tasks, plots and derives. When a matrix follows, the tasks wait for it: it makes
 /// them anew from the templates, with the defines and its own values in one pass.
 void substituteDefines(TaskDocument& document) {
-    if (document.matrixAxes.empty() && std::any_of(document.tasks.begin(), document.tasks.end(), holdsBrackets)) {
+    if (document.matrixAxes.empty() &&
+        std::any_of(document.tasks.begin(), document.tasks.end(), holdsBrackets)) {
         for (auto& task : document.tasks.edit()) {
             substituteTask(task, document.defines, true);
         }

@@ -15,8 +15,8 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// Keywords are unquoted where they are read and once more here. Taking off what is left until nothing is keeps what
-/// the canonical writer makes of them stable.
+/// Keywords are unquoted where they are read and once more here. Taking off what is left until nothing is
+/// keeps what the canonical writer makes of them stable.
 void unquoteFully(std::string& text) {
     for (;;) {
         std::string bare = readScalar(text);
@@ -60,18 +60,20 @@ void finishTask(TaskInfo& task, const std::vector<MatrixAxis>& axes, const Warni
     task.templateName = readScalar(task.templateName);
     task.runner = readScalar(task.runner);
     const bool programVaries = hasAxis(axes, "program");
-    if (!programVaries && task.program == TaskProgram::gaussian && !task.args.empty() && task.keywords.empty() &&
-        task.templateName.empty() && task.runner.empty() && task.body.empty()) {
+    if (!programVaries && task.program == TaskProgram::gaussian && !task.args.empty() &&
+        task.keywords.empty() && task.templateName.empty() && task.runner.empty() && task.body.empty()) {
         task.program = TaskProgram::xtb;
         tell("uses %args without an explicit %program; defaulting to '%program xtb'.");
     }
     const bool hasKeywords = !task.keywords.empty();
     if (task.program == TaskProgram::xtb && task.args.empty() && hasKeywords) {
         task.args = std::exchange(task.keywords, {});
-        tell("uses deprecated '%keywords' syntax for '%program xtb'; move command-line arguments to '%args'.");
+        tell(
+            "uses deprecated '%keywords' syntax for '%program xtb'; move command-line arguments to '%args'.");
     }
     if (task.program == TaskProgram::other && hasKeywords && !programVaries) {
-        tell("uses deprecated '%keywords' syntax for '%program other'; move template selection to '%template' plus "
+        tell("uses deprecated '%keywords' syntax for '%program other'; move template selection to "
+             "'%template' plus "
              "'%param'.");
     }
     if (task.program == TaskProgram::script && task.runner.empty() && hasKeywords) {
@@ -82,8 +84,9 @@ void finishTask(TaskInfo& task, const std::vector<MatrixAxis>& axes, const Warni
              "ignored.");
     }
     if (task.program == TaskProgram::fcclasses && task.sourceBindings.empty()) {
-        throw DiagnosticError("task '" + task.name +
-                              "' uses '%program fcclasses' but does not declare a multi-line structured %source");
+        throw DiagnosticError(
+            "task '" + task.name +
+            "' uses '%program fcclasses' but does not declare a multi-line structured %source");
     }
     checkModsAgainstSources(task);
 }
@@ -96,8 +99,8 @@ void applyHeaderMetadata(TaskDocument& document, std::string_view path, const Wa
         }
         const auto value = readPositiveInt(trim(found->second));
         if (!value) {
-            warn("task file '" + std::string(pathOrMemory(path)) + "' has invalid header metadata " + key + "='" +
-                 found->second + "'; ignoring it.");
+            warn("task file '" + std::string(pathOrMemory(path)) + "' has invalid header metadata " + key +
+                 "='" + found->second + "'; ignoring it.");
         }
         return value;
     };
@@ -130,11 +133,10 @@ void shareTaskNames(TaskDocument& document) {
 void warnAboutDeadlocks(const TaskDocument& document, std::string_view path, const WarningSink& warn) {
     std::vector<std::string> waiting;
     for (const TaskInfo& task : document.tasks) {
-        if (std::any_of(task.whenConditions.begin(), task.whenConditions.end(),
-                        [](const std::string& text) {
-                            // Few conditions hold the word at all; only those are worth a tree.
-                            return containsNoCase(text, "allothers") && hasAllOthers(parseWhenExpr(text));
-                        })) {
+        if (std::any_of(task.whenConditions.begin(), task.whenConditions.end(), [](const std::string& text) {
+                // Few conditions hold the word at all; only those are worth a tree.
+                return containsNoCase(text, "allothers") && hasAllOthers(parseWhenExpr(text));
+            })) {
             waiting.push_back(task.name);
         }
     }

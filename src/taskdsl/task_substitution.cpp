@@ -55,8 +55,8 @@ bool modsHoldBracket(const TaskInfo& task) noexcept {
     });
 }
 
-/// The pieces take the values one by one, so that a blank in a value does not split a word; then what they have
-/// become is looked at again.
+/// The pieces take the values one by one, so that a blank in a value does not split a word; then what they
+/// have become is looked at again.
 void substituteBinding(SourceBinding& binding, const ValueMap& values) {
     if (!holdsBracket(binding)) {
         return;

@@ -89,7 +89,8 @@ inline constexpr int maxWhenNesting = 50;
 
 /// The operands of all `completed` leaves in the order of writing, trimmed, without the empty ones.
 [[nodiscard]] std::vector<std::string> collectCompletedTargets(const TaskWhenExpr& expr);
-/// The placeholders among the sides of all comparisons, in the order of writing: what stands between the braces.
+/// The placeholders among the sides of all comparisons, in the order of writing: what stands between the
+/// braces.
 [[nodiscard]] std::vector<std::string> collectPlaceholders(const TaskWhenExpr& expr);
 /// True when some `completed` leaf names "allothers" (any case).
 [[nodiscard]] bool hasAllOthers(const TaskWhenExpr& expr);

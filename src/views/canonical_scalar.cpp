@@ -44,11 +44,12 @@ bool hasPairOfSingleQuotes(std::string_view text) noexcept {
     return text.size() >= 2 && text.front() == '\'' && text.back() == '\'';
 }
 
-/// True when YAML reads the bare text as something other than this text: an indicator at its start, or a null.
+/// True when YAML reads the bare text as something other than this text: an indicator at its start, or a
+/// null.
 bool isMoreThanTextInYaml(std::string_view text) noexcept {
     constexpr std::string_view indicators = "*&!%@`|>[]{}'";
-    return text.empty() || indicators.find(text.front()) != std::string_view::npos || text == "-" || text == "?" ||
-           text == "~" || text == "---" || text == "..." || equalsNoCase(text, "null");
+    return text.empty() || indicators.find(text.front()) != std::string_view::npos || text == "-" ||
+           text == "?" || text == "~" || text == "---" || text == "..." || equalsNoCase(text, "null");
 }
 
 } // namespace

@@ -15,18 +15,19 @@ namespace morquill::views {
 /// The text between double quotes, whatever it holds.
 [[nodiscard]] std::string quoteForcedScalar(std::string_view text);
 
-/// `quoteCanonicalScalar` for a value whose reader knows single quotes and takes off a pair around the whole value: such a value
-/// is quoted although the rule alone would let it stand bare.
+/// `quoteCanonicalScalar` for a value whose reader knows single quotes and takes off a pair around the whole
+/// value: such a value is quoted although the rule alone would let it stand bare.
 [[nodiscard]] std::string quoteUnquotedScalar(std::string_view text);
 
-/// The same for a setting, which the YAML reader sees: what it would take for more than a plain text is quoted.
+/// The same for a setting, which the YAML reader sees: what it would take for more than a plain text is
+/// quoted.
 [[nodiscard]] std::string quoteSettingScalar(std::string_view text);
 
 /// Appends `quoteCanonicalScalar(text)`.
 void appendCanonicalScalar(std::string& out, std::string_view text);
 
-/// The quoted values with ", " between them, without brackets. A value with a single quote is quoted, as the list's
-/// reader does not split inside single quotes.
+/// The quoted values with ", " between them, without brackets. A value with a single quote is quoted, as the
+/// list's reader does not split inside single quotes.
 [[nodiscard]] std::string joinCanonicalList(const std::vector<std::string>& values);
 
 /// A number as the C format `%.12g` writes it.

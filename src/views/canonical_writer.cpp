@@ -52,7 +52,8 @@ class CanonicalText {
             heredoc(directive, text);
         }
     }
-    /// A block of commands. One that would end the block (it was the continuation of an empty line) is that again.
+    /// A block of commands. One that would end the block (it was the continuation of an empty line) is that
+    /// again.
     void commands(std::string_view directive, const std::vector<std::string>& lines) {
         if (!lines.empty()) {
             line("  %", directive);

@@ -12,8 +12,8 @@ enum class CanonicalView {
     matrixExpandedView = 1, ///< no `matrix:`, one block per matrix variant
 };
 
-/// The canonical DSL v2 text of a document: one order, one indentation, one quoting rule. A pure function; what
-/// it prints reads back to the same tasks, and printing that gives the same text.
+/// The canonical DSL v2 text of a document: one order, one indentation, one quoting rule. A pure function;
+/// what it prints reads back to the same tasks, and printing that gives the same text.
 [[nodiscard]] std::string renderCanonicalDocument(const taskdsl::TaskDocument& document, CanonicalView view);
 
 /// The template of a task of `%program other`: its `%template`, else the job that older files keep in

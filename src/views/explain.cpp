@@ -160,8 +160,8 @@ void addTaskText(std::string& out, const TaskInfo& task) {
     if (!task.directives.empty()) {
         addLine(out, "  directives:");
         for (const auto& directive : task.directives) {
-            addLine(out, "    - %", directive.name, directive.value.empty() ? "" : " ", directive.value, "    [",
-                    formatSpan(directive.span), "]");
+            addLine(out, "    - %", directive.name, directive.value.empty() ? "" : " ", directive.value,
+                    "    [", formatSpan(directive.span), "]");
         }
     }
 }
@@ -216,7 +216,8 @@ void addTaskJson(std::string& out, const TaskInfo& task) {
     text("guess_converter", task.guessConverter);
     text("template_task_name", task.templateTaskName);
     text("matrix_variant_key", task.matrixVariantKey);
-    key("when_conditions", jsonArray(task.whenConditions, [&task](const std::string& condition, std::size_t number) {
+    key("when_conditions",
+        jsonArray(task.whenConditions, [&task](const std::string& condition, std::size_t number) {
             return R"({"text": )" + jsonString(condition) + R"(, "span": )" +
                    jsonString(conditionSpan(task, number)) + "}";
         }));

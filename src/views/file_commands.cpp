@@ -42,7 +42,8 @@ constexpr CommandForm migrateForm{"migrate", true, false, false};
 constexpr CommandForm expandForm{"expand", false, true, true};
 
 int refuse(const CommandForm& form, std::string_view text) {
-    writeErr((form.colouredMessages ? errorTag() : std::string(plainErrorTag)) + " " + std::string(text) + "\n");
+    writeErr((form.colouredMessages ? errorTag() : std::string(plainErrorTag)) + " " + std::string(text) +
+             "\n");
     return 1;
 }
 
@@ -57,7 +58,9 @@ bool isOutputOption(std::string_view argument) noexcept {
 
 /// Reads the arguments behind the command word; 0, or the exit status of a refusal that was told.
 int readArguments(const CommandForm& form, int argc, char** argv, FileCommandOptions& options) {
-    const auto missingPath = [&form] { return refuse(form, std::string(form.name) + " expects a <task.mq> path"); };
+    const auto missingPath = [&form] {
+        return refuse(form, std::string(form.name) + " expects a <task.mq> path");
+    };
     if (argc < 3) {
         return missingPath();
     }
@@ -122,7 +125,8 @@ int convert(const FileCommandOptions& options, bool allowLegacy) {
     try {
         taskdsl::TaskParser parser(allowLegacy);
         const auto view = options.expanded ? CanonicalView::matrixExpandedView : CanonicalView::sourceView;
-        return deliverCanonicalText(renderCanonicalDocument(parser.parseFile(options.inputPath), view), options);
+        return deliverCanonicalText(renderCanonicalDocument(parser.parseFile(options.inputPath), view),
+                                    options);
     } catch (const std::exception& error) {
         return refuseTagged(error.what());
     }
@@ -143,13 +147,14 @@ void printRewriteHelp(std::string_view programPath, std::string_view name, std::
     const std::string command = prog + " " + std::string(name) + " ";
     const std::string written(participle);
     const std::string file(example);
-    writeOut(cyanHeading("Usage:") + "\n  " + greenText(command + "<task.mq> [-o <output.mq> | --in-place]") + "\n" +
-             "      -- " + std::string(purpose) + "\n" + "      -- " + std::string(promise) + "\n" +
+    writeOut(cyanHeading("Usage:") + "\n  " + greenText(command + "<task.mq> [-o <output.mq> | --in-place]") +
+             "\n" + "      -- " + std::string(purpose) + "\n" + "      -- " + std::string(promise) + "\n" +
              "      -- Choose exactly one output mode: " + greenText("-o") + " for a new file, or " +
-             greenText("--in-place") + " to overwrite the source file.\n\n" + cyanHeading("Options:") + "\n  " +
-             greenText("-o, --output <output.mq>") + "\n      Write " + written + " output to a new file\n  " +
-             greenText("--in-place") + "\n      Overwrite the source task file\n\n" + cyanHeading("Examples:") +
-             "\n  " + greenText(command + file + " -o " + written + ".mq") + "\n  " +
+             greenText("--in-place") + " to overwrite the source file.\n\n" + cyanHeading("Options:") +
+             "\n  " + greenText("-o, --output <output.mq>") + "\n      Write " + written +
+             " output to a new file\n  " + greenText("--in-place") +
+             "\n      Overwrite the source task file\n\n" + cyanHeading("Examples:") + "\n  " +
+             greenText(command + file + " -o " + written + ".mq") + "\n  " +
              greenText(command + file + " --in-place") + "\n");
 }
 
@@ -165,10 +170,11 @@ int runFmt(int argc, char** argv) {
 }
 
 void printMigrateHelp(std::string_view programPath) {
-    printRewriteHelp(programPath, "migrate", "Converts legacy task syntax into canonical DSL v2 output.",
-                     "Intended for historical files, compatibility forms, or task files that need a unified modern "
-                     "layout.",
-                     "migrated", "legacy.mq");
+    printRewriteHelp(
+        programPath, "migrate", "Converts legacy task syntax into canonical DSL v2 output.",
+        "Intended for historical files, compatibility forms, or task files that need a unified modern "
+        "layout.",
+        "migrated", "legacy.mq");
 }
 
 int runMigrate(int argc, char** argv) {
@@ -194,7 +200,8 @@ int runExpand(int argc, char** argv) {
     if (const int status = readArguments(expandForm, argc, argv, options); status != 0) {
         return status;
     }
-    if (!options.outputPath.empty() && normalisedPath(options.inputPath) == normalisedPath(options.outputPath)) {
+    if (!options.outputPath.empty() &&
+        normalisedPath(options.inputPath) == normalisedPath(options.outputPath)) {
         return refuseTagged("expand never overwrites its input; choose a different --output path");
     }
     return convert(options, false);

@@ -65,8 +65,8 @@ std::string legacyTemplateName(std::string_view keywords) {
 std::string legacyParamValues(std::string_view keywords) {
     std::string result;
     std::size_t i = 0;
-    // Pattern: ([A-Za-z0-9_.:-]+)\s*=\s*(value). A run of key characters without a value behind it has no match
-    // that begins inside it, so every run is looked at once.
+    // Pattern: ([A-Za-z0-9_.:-]+)\s*=\s*(value). A run of key characters without a value behind it has no
+    // match that begins inside it, so every run is looked at once.
     while (i < keywords.size()) {
         if (!isKeyChar(keywords[i])) {
             ++i;

@@ -147,3 +147,18 @@ put() {
     expect 1 "$help" "[mqkit][ERROR] -r/--rename expects two values: <old_block> <new_block>" demo.projmq -r opt
     expect 1 "" "[mqkit][ERROR] old and new block names are identical; nothing to rename" rename demo.projmq opt opt
 }
+
+@test "a name that is no name of a directory is refused, nothing is touched" {
+    local before
+    before=$(find . | sort | cksum)
+    expect 1 "" "[mqkit][ERROR] a block name cannot hold '/': \$../esc" rename demo.projmq opt ../esc
+    [ "$(find . | sort | cksum)" = "$before" ]
+}
+
+@test "names are those that are written, also in a case that includes a matrix template" {
+    printf 'matrix:\n  a: x,y\n$lp\n%%keywords [a]\n$plain\n%%keywords k\n' >demo.projmq
+    rm m1/m1.mq
+    printf '&INCLUDE ../demo.projmq\n$own\n%%keywords k\n' >m1/m1.mq
+    expect 1 "" "[mqkit][ERROR] block not found in task file: \$lp__a_x"$'\n'"[mqkit] available blocks: lp, plain, own" rename m1/m1.mq lp__a_x z
+    expect 1 "" "[mqkit][ERROR] target block already exists: \$plain" rename m1/m1.mq own plain
+}

@@ -46,7 +46,7 @@ TEST_F(StatusScope, LeavesOnlySelectedCompletedTasksAndPutsEveryByteBack) {
               "[mqkit] m1 : scoped mq.status to selected completed task(s): $soc, $opt\n"
               "[mqkit] m2 : temporarily hid mq.status because no selected task is marked completed\n");
     EXPECT_EQ(scoped.err, "");
-    EXPECT_THAT(tree(), ElementsAre("m1/", "m1/mq.status = " + header + optRow + socRow, "m2/", "m3/"));
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m1/mq.status = " + header + socRow + optRow, "m2/", "m3/"));
     EXPECT_EQ(summary.cases, 3);
     EXPECT_EQ(summary.statusScoped, 1);
     EXPECT_EQ(summary.statusHidden, 1);

@@ -51,6 +51,14 @@ TEST_F(File, AFullDiskIsAFailure) {
     EXPECT_FALSE(writeTextFile("/dev/full", "x"));
 }
 
+TEST_F(File, OverwritingReplacesTheContentAndMakesMissingFiles) {
+    ASSERT_TRUE(overwriteTextFile(at("x"), "a long text"));
+    ASSERT_TRUE(overwriteTextFile(at("x"), "short"));
+    EXPECT_EQ(readTextFile(at("x")), "short");
+    EXPECT_FALSE(overwriteTextFile(at("no/x"), ""));
+    EXPECT_FALSE(overwriteTextFile("/dev/full", "x"));
+}
+
 TEST_F(File, KindTestsFollowLinksAndSwallowErrors) {
     ASSERT_TRUE(writeTextFile(at("x"), ""));
     fs::create_symlink("x", at("link"));

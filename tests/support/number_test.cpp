@@ -15,7 +15,8 @@ TEST(Number, LeadingIntIgnoresTrailingText) {
 }
 
 TEST(Number, LeadingIntRefusesTextWithoutDigitsAndOverflow) {
-    for (const char* text : {"", " ", "x8", "-", "+-1", "2147483648", "-2147483649", "99999999999999999999999"}) {
+    for (const char* text :
+         {"", " ", "x8", "-", "+-1", "2147483648", "-2147483649", "99999999999999999999999"}) {
         EXPECT_EQ(readLeadingInt(text), std::nullopt) << text;
     }
 }

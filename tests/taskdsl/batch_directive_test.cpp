@@ -71,33 +71,41 @@ TEST(Batch, ClusterOptionsInAllSpellings) {
 TEST(Batch, FaultsOfEntriesCarryTheirLine) {
     const std::pair<const char*, const char*> rows[] = {
         {"lane 2\nlanes 3", "t.mq:4:1-4:8: error: task 'a' has duplicate %batch lane entries"},
-        {"lane", "t.mq:3:1-3:5: error: task 'a' has invalid %batch lane entry; expected 'lane <positive-integer>'"},
-        {"lane 0", "t.mq:3:1-3:7: error: task 'a' has invalid %batch lane entry; expected 'lane <positive-integer>'"},
+        {"lane",
+         "t.mq:3:1-3:5: error: task 'a' has invalid %batch lane entry; expected 'lane <positive-integer>'"},
+        {"lane 0",
+         "t.mq:3:1-3:7: error: task 'a' has invalid %batch lane entry; expected 'lane <positive-integer>'"},
         {"lane 2 3",
          "t.mq:3:1-3:9: error: task 'a' has invalid %batch lane entry; expected 'lane <positive-integer>'"},
         {"lane 2147483648",
          "t.mq:3:1-3:16: error: task 'a' has invalid %batch lane entry; expected 'lane <positive-integer>'"},
-        {"collect", "t.mq:3:1-3:8: error: task 'a' has invalid %batch collect entry; expected 'collect [required] "
-                    "<pattern> [as <destination>]'"},
-        {"collect required",
-         "t.mq:3:1-3:17: error: task 'a' has invalid %batch collect entry; expected 'collect [required] <pattern> "
-         "[as <destination>]'"},
+        {"collect",
+         "t.mq:3:1-3:8: error: task 'a' has invalid %batch collect entry; expected 'collect [required] "
+         "<pattern> [as <destination>]'"},
+        {"collect required", "t.mq:3:1-3:17: error: task 'a' has invalid %batch collect entry; expected "
+                             "'collect [required] <pattern> "
+                             "[as <destination>]'"},
         {"collect ' '", "t.mq:3:1-3:12: error: task 'a' has empty %batch collect source pattern"},
-        {"collect a in b", "t.mq:3:1-3:15: error: task 'a' has invalid %batch collect entry; use 'as' or 'to' before "
-                           "the destination pattern"},
-        {"collect a To", "t.mq:3:1-3:13: error: task 'a' has invalid %batch collect destination; expected a path "
-                         "after 'To'"},
+        {"collect a in b",
+         "t.mq:3:1-3:15: error: task 'a' has invalid %batch collect entry; use 'as' or 'to' before "
+         "the destination pattern"},
+        {"collect a To",
+         "t.mq:3:1-3:13: error: task 'a' has invalid %batch collect destination; expected a path "
+         "after 'To'"},
         {"cluster\ncluster", "t.mq:4:1-4:8: error: task 'a' has duplicate %batch cluster entries"},
-        {"cluster Euclid",
-         "t.mq:3:1-3:15: error: task 'a' has invalid %batch cluster metric 'euclid'; expected 'dist' or 'rmsd'"},
+        {"cluster Euclid", "t.mq:3:1-3:15: error: task 'a' has invalid %batch cluster metric 'euclid'; "
+                           "expected 'dist' or 'rmsd'"},
         {"cluster dist x",
          "t.mq:3:1-3:15: error: task 'a' has invalid %batch cluster option 'x'; expected key=value"},
-        {"cluster geo=", "t.mq:3:1-3:13: error: task 'a' has invalid %batch cluster option 'geo='; expected key=value"},
-        {"cluster =1", "t.mq:3:1-3:11: error: task 'a' has invalid %batch cluster option '=1'; expected key=value"},
+        {"cluster geo=",
+         "t.mq:3:1-3:13: error: task 'a' has invalid %batch cluster option 'geo='; expected key=value"},
+        {"cluster =1",
+         "t.mq:3:1-3:11: error: task 'a' has invalid %batch cluster option '=1'; expected key=value"},
         {"cluster Foo=1", "t.mq:3:1-3:14: error: task 'a' has unknown %batch cluster option 'foo'"},
-        {"cluster geo=1 Geometry=2", "t.mq:3:1-3:25: error: task 'a' has duplicate %batch cluster option 'geo'"},
-        {"cluster temp=1x",
-         "t.mq:3:1-3:16: error: task 'a' has invalid numeric value '1x' for %batch cluster option 'temperature'"},
+        {"cluster geo=1 Geometry=2",
+         "t.mq:3:1-3:25: error: task 'a' has duplicate %batch cluster option 'geo'"},
+        {"cluster temp=1x", "t.mq:3:1-3:16: error: task 'a' has invalid numeric value '1x' for %batch "
+                            "cluster option 'temperature'"},
         {"cluster geo=inf",
          "t.mq:3:1-3:16: error: task 'a' has invalid numeric value 'inf' for %batch cluster option 'geo'"},
         {"cluster geo=nan",
@@ -121,11 +129,13 @@ TEST(Batch, FaultsOfEntriesCarryTheirLine) {
 
 TEST(Batch, FaultsOfTheWholeBlockStandAlone) {
     for (const char* value : {"0", "x", "2147483648", "-1", "2 3"}) {
-        EXPECT_EQ(faultOf("$a\n%batch " + std::string(value) + "\n"),
-                  "task 'a' has invalid %batch value '" + std::string(value) + "'; expected a positive integer");
+        EXPECT_EQ(faultOf("$a\n%batch " + std::string(value) + "\n"), "task 'a' has invalid %batch value '" +
+                                                                          std::string(value) +
+                                                                          "'; expected a positive integer");
     }
     EXPECT_EQ(faultOf("$a\n%batch\n"), "task 'a' has a %batch block without 'lane <positive-integer>'");
-    EXPECT_EQ(faultOf("$a\n%batch\ncollect x\n"), "task 'a' has a %batch block without 'lane <positive-integer>'");
+    EXPECT_EQ(faultOf("$a\n%batch\ncollect x\n"),
+              "task 'a' has a %batch block without 'lane <positive-integer>'");
 }
 
 } // namespace

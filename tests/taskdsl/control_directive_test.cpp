@@ -18,7 +18,8 @@ const TaskInfo& taskOf(const ParsedText& parsed) {
 }
 
 TEST(Control, ReadsResources) {
-    const auto parsed = control("  totcore 8 # cores\n\n totmem 16000 MB\n gpus 2\n gpu_type  NVIDIA A100\n gpu_mem 40000");
+    const auto parsed =
+        control("  totcore 8 # cores\n\n totmem 16000 MB\n gpus 2\n gpu_type  NVIDIA A100\n gpu_mem 40000");
     const TaskInfo& task = taskOf(parsed);
     EXPECT_EQ(task.totalCores, 8);
     EXPECT_EQ(task.totalMemory, 16000);
@@ -82,7 +83,8 @@ TEST(Control, FinalGeomTakesTheFirstWord) {
     EXPECT_THAT(extra.warnings,
                 ElementsAre("task 'a' has extra tokens after %control finalgeom value; ignoring them."));
     for (const char* line : {"finalgeom", "finalgeom ''", "finalgeom \"\""}) {
-        EXPECT_THAT(control(line).warnings, ElementsAre("task 'a' has empty %control finalgeom value; ignoring it."));
+        EXPECT_THAT(control(line).warnings,
+                    ElementsAre("task 'a' has empty %control finalgeom value; ignoring it."));
     }
 }
 
@@ -91,15 +93,18 @@ TEST(Control, GuessConverterKnowsTwoTools) {
         EXPECT_EQ(taskOf(control("guess_converter " + std::string(word))).guessConverter, "multiwfn");
     }
     for (const char* word : {"none", "FALSE", "off", "no", "0"}) {
-        EXPECT_EQ(taskOf(control("guess_converter mokit\nguess_converter " + std::string(word))).guessConverter, "");
+        EXPECT_EQ(
+            taskOf(control("guess_converter mokit\nguess_converter " + std::string(word))).guessConverter,
+            "");
     }
     EXPECT_THAT(control("guess_converter").warnings,
                 ElementsAre("task 'a' has empty %control guess_converter value; ignoring it."));
     const auto unknown = control("guess_converter Molden now");
-    EXPECT_THAT(unknown.warnings,
-                ElementsAre("task 'a' has unsupported %control guess_converter 'molden'; supported values are mokit "
-                            "and multiwfn; ignoring it.",
-                            "task 'a' has extra tokens after %control guess_converter value; ignoring them."));
+    EXPECT_THAT(
+        unknown.warnings,
+        ElementsAre("task 'a' has unsupported %control guess_converter 'molden'; supported values are mokit "
+                    "and multiwfn; ignoring it.",
+                    "task 'a' has extra tokens after %control guess_converter value; ignoring them."));
     EXPECT_TRUE(taskOf(unknown).controlDeclared);
 }
 
@@ -115,7 +120,8 @@ TEST(Control, GuessNamesATaskOrIsTrue) {
 
 TEST(Control, LenientFlagsAreFalseOnlyForAPlainNo) {
     for (const char* word : {"false", "NO", "off", "0", "n"}) {
-        const auto parsed = control("waitfreq " + std::string(word) + "\nalert " + word + "\nexternalinp " + word);
+        const auto parsed =
+            control("waitfreq " + std::string(word) + "\nalert " + word + "\nexternalinp " + word);
         EXPECT_FALSE(taskOf(parsed).waitFreq) << word;
         EXPECT_FALSE(taskOf(parsed).alert) << word;
         EXPECT_FALSE(taskOf(parsed).externalInput) << word;
@@ -136,7 +142,8 @@ TEST(Control, LocalFirstIsStrict) {
         EXPECT_FALSE(taskOf(control("localfirst\nlocalfirst " + std::string(word))).localFirst) << word;
     }
     const auto odd = control("localfirst Maybe");
-    EXPECT_THAT(odd.warnings, ElementsAre("task 'a' has invalid %control localfirst value 'Maybe'; ignoring it."));
+    EXPECT_THAT(odd.warnings,
+                ElementsAre("task 'a' has invalid %control localfirst value 'Maybe'; ignoring it."));
     EXPECT_FALSE(taskOf(odd).controlDeclared);
 }
 
@@ -148,16 +155,18 @@ TEST(Control, VerbosityAndGeomKeepKnownValuesOnly) {
     EXPECT_EQ(taskOf(control("geom CHECK")).gaussianGeomControl, "check");
     EXPECT_EQ(taskOf(control("geom check\ngeom")).gaussianGeomControl, "");
     const auto odd = control("geom All");
-    EXPECT_THAT(odd.warnings, ElementsAre("task 'a' has unsupported %control geom value 'All'; only 'check' is "
-                                          "currently supported; ignoring it."));
+    EXPECT_THAT(odd.warnings,
+                ElementsAre("task 'a' has unsupported %control geom value 'All'; only 'check' is "
+                            "currently supported; ignoring it."));
     EXPECT_FALSE(taskOf(odd).controlDeclared);
 }
 
 TEST(Control, RunIfIsRemoved) {
-    EXPECT_EQ(faultOf("$a\n%control\nrunifdef x\n"),
-              "task 'a' uses removed '%control runifdef' syntax; move the condition into a standalone '%when' block.");
-    EXPECT_EQ(faultOf("$a\n%control\nrunif x\n"),
-              "task 'a' uses removed '%control runif' syntax; move the condition into a standalone '%when' block.");
+    EXPECT_EQ(faultOf("$a\n%control\nrunifdef x\n"), "task 'a' uses removed '%control runifdef' syntax; move "
+                                                     "the condition into a standalone '%when' block.");
+    EXPECT_EQ(
+        faultOf("$a\n%control\nrunif x\n"),
+        "task 'a' uses removed '%control runif' syntax; move the condition into a standalone '%when' block.");
 }
 
 } // namespace

@@ -58,22 +58,26 @@ TEST(Keywords, AHashBehindAnOddQuoteIsAComment) {
 
 TEST(Body, IsInlineOrIndentedTextAndTheLastOneCounts) {
     EXPECT_EQ(firstTask("$a\n%body x\n%body \"a b\"\n").body, "\"a b\"");
-    EXPECT_EQ(firstTask("$a\n%body\n  one # kept\n\n    two\n\n%runner r\n").body, "  one # kept\n\n    two\n");
+    EXPECT_EQ(firstTask("$a\n%body\n  one # kept\n\n    two\n\n%runner r\n").body,
+              "  one # kept\n\n    two\n");
     EXPECT_EQ(firstTask("$a\n%body\n  $\n  @endx\n$b\n").body, "  $\n  @endx");
 }
 
 TEST(Body, AnEmptyBlockIsAFault) {
-    EXPECT_EQ(faultOf("$a\n%body\n%runner x\n"),
-              "task 'a' has empty %body; use inline content, an indented text/include block, or heredoc syntax: "
-              "'%body << EOF'.");
-    EXPECT_EQ(faultOf("$a\n%extrainput\n"),
-              "task 'a' has empty %extrainput; use inline content, an indented text/include block, or heredoc "
-              "syntax: '%extrainput << EOF'.");
+    EXPECT_EQ(
+        faultOf("$a\n%body\n%runner x\n"),
+        "task 'a' has empty %body; use inline content, an indented text/include block, or heredoc syntax: "
+        "'%body << EOF'.");
+    EXPECT_EQ(
+        faultOf("$a\n%extrainput\n"),
+        "task 'a' has empty %extrainput; use inline content, an indented text/include block, or heredoc "
+        "syntax: '%extrainput << EOF'.");
 }
 
 TEST(ExtraInput, Accumulates) {
-    EXPECT_EQ(firstTask("$a\n%extrainput one\n%extrainput\n  two\n%extrainput << E\nthree\nE\n").extraKeywords,
-              "one\n  two\nthree");
+    EXPECT_EQ(
+        firstTask("$a\n%extrainput one\n%extrainput\n  two\n%extrainput << E\nthree\nE\n").extraKeywords,
+        "one\n  two\nthree");
     EXPECT_EQ(firstTask("$a\n%extrainput\nx\n\n%extrainput y\n").extraKeywords, "x\ny");
     EXPECT_EQ(firstTask("$a\n%extrainput << EOF\nEOF\n").extraKeywords, "");
 }
@@ -104,8 +108,9 @@ TEST(Commands, AnOpenContinuationAtTheEndWarns) {
                                              "non-empty line; using the command parsed so far."));
     const auto empty = parse("$a\n%preprocess\n \\\n");
     EXPECT_THAT(empty.document.tasks[0].preProcessCommands, IsEmpty());
-    EXPECT_THAT(empty.warnings, ElementsAre("task 'a' has a continued %preprocess command without a following "
-                                            "non-empty line; using the command parsed so far."));
+    EXPECT_THAT(empty.warnings,
+                ElementsAre("task 'a' has a continued %preprocess command without a following "
+                            "non-empty line; using the command parsed so far."));
 }
 
 TEST(Interface, ProviderAndConsume) {
@@ -121,16 +126,16 @@ TEST(Interface, FaultsCarryTheLine) {
         {"%interface",
          "t.mq:2:1-2:11: error: task 'a' has empty %interface directive; expected 'provider' or 'consume "
          "<provider-task>'"},
-        {"%interface provider x",
-         "t.mq:2:1-2:22: error: task 'a' has invalid %interface provider directive; expected '%interface provider'"},
-        {"%interface consume",
-         "t.mq:2:1-2:19: error: task 'a' has invalid %interface consume directive; expected '%interface consume "
-         "<provider-task>'"},
-        {"%interface consume ' '",
-         "t.mq:2:1-2:23: error: task 'a' has invalid %interface consume directive; expected '%interface consume "
-         "<provider-task>'"},
-        {"%interface Use x",
-         "t.mq:2:1-2:17: error: task 'a' has unknown %interface mode 'Use'; expected 'provider' or 'consume'"},
+        {"%interface provider x", "t.mq:2:1-2:22: error: task 'a' has invalid %interface provider directive; "
+                                  "expected '%interface provider'"},
+        {"%interface consume", "t.mq:2:1-2:19: error: task 'a' has invalid %interface consume directive; "
+                               "expected '%interface consume "
+                               "<provider-task>'"},
+        {"%interface consume ' '", "t.mq:2:1-2:23: error: task 'a' has invalid %interface consume directive; "
+                                   "expected '%interface consume "
+                                   "<provider-task>'"},
+        {"%interface Use x", "t.mq:2:1-2:17: error: task 'a' has unknown %interface mode 'Use'; expected "
+                             "'provider' or 'consume'"},
     };
     for (const auto& [line, message] : rows) {
         EXPECT_EQ(faultOf("$a\n" + std::string(line) + "\n"), message);
@@ -164,7 +169,8 @@ TEST(Source, InlineForms) {
     EXPECT_EQ(firstTask("$a\n%source \"xyz=a.xyz frame=2\"\n").source, "xyz=a.xyz frame=2");
     EXPECT_EQ(firstTask("$a\n%source ,\n").source, "");
     EXPECT_THAT(firstTask("$a\n%source restart\n").sourceTasks, IsEmpty());
-    EXPECT_EQ(faultOf("$a\n%source xyz=a frame=0\n"), "%source xyz frame selector must be a positive integer");
+    EXPECT_EQ(faultOf("$a\n%source xyz=a frame=0\n"),
+              "%source xyz frame selector must be a positive integer");
 }
 
 TEST(Source, TheGuessWordMovesAndWarns) {
@@ -173,9 +179,10 @@ TEST(Source, TheGuessWordMovesAndWarns) {
         const TaskInfo& task = parsed.document.tasks[0];
         EXPECT_EQ(task.source, "b");
         EXPECT_TRUE(task.guessEnabled);
-        EXPECT_THAT(parsed.warnings,
-                    ElementsAre("task 'a' uses deprecated '%source ... guess' syntax; move guess into '%control' as "
-                                "'guess true' or 'guess <task>'."));
+        EXPECT_THAT(
+            parsed.warnings,
+            ElementsAre("task 'a' uses deprecated '%source ... guess' syntax; move guess into '%control' as "
+                        "'guess true' or 'guess <task>'."));
     }
     const auto cleared = parse("$a\n%control\nguess x\n%source b\n").document.tasks[0];
     EXPECT_FALSE(cleared.guessEnabled);
@@ -183,24 +190,26 @@ TEST(Source, TheGuessWordMovesAndWarns) {
 }
 
 TEST(Source, SeveralTasksAreToleratedOnRequest) {
-    EXPECT_EQ(faultOf("$a\n%source b,c\n"),
-              "t.mq:2:1-2:12: error: task 'a' uses removed multi-dependency '%source a,b,...' syntax; keep the first "
-              "task in %source and move the rest into '%when completed ...'");
+    EXPECT_EQ(faultOf("$a\n%source b,c\n"), "t.mq:2:1-2:12: error: task 'a' uses removed multi-dependency "
+                                            "'%source a,b,...' syntax; keep the first "
+                                            "task in %source and move the rest into '%when completed ...'");
     const auto parsed = parse("$a\n%when completed c\n%source b, c,d\n", true);
     const TaskInfo& task = parsed.document.tasks[0];
     EXPECT_EQ(task.source, "b");
     EXPECT_THAT(task.sourceTasks, ElementsAre("b", "c", "d"));
     EXPECT_THAT(task.whenConditions, ElementsAre("completed c", "completed d"));
     EXPECT_EQ(formatSpan(task.whenEntries[1].span), "t.mq:3:1-3:15");
-    EXPECT_THAT(parsed.warnings,
-                ElementsAre("task 'a' uses deprecated multi-dependency '%source a,b,...' syntax; use the first "
-                            "upstream as '%source' and express extra dependencies with '%when' completed <task> "
-                            "conditions."));
+    EXPECT_THAT(
+        parsed.warnings,
+        ElementsAre("task 'a' uses deprecated multi-dependency '%source a,b,...' syntax; use the first "
+                    "upstream as '%source' and express extra dependencies with '%when' completed <task> "
+                    "conditions."));
 }
 
 TEST(Source, AnImpliedConditionIsNotWrittenTwice) {
     const auto parsed = parse("$a\n%source b,c\n%when\n  completed c\n  completed b\n  completed b\n", true);
-    EXPECT_THAT(parsed.document.tasks[0].whenConditions, ElementsAre("completed c", "completed b", "completed b"));
+    EXPECT_THAT(parsed.document.tasks[0].whenConditions,
+                ElementsAre("completed c", "completed b", "completed b"));
 }
 
 TEST(Source, AStructuredBlockReplacesTheInlineSource) {
@@ -214,14 +223,15 @@ TEST(Source, AStructuredBlockReplacesTheInlineSource) {
 
 TEST(Source, BlockFaultsAreWrapped) {
     const std::pair<const char*, const char*> rows[] = {
-        {"%source", "t.mq:2:1-2:8: error: task 'a' has empty %source; provide an inline source or one or more "
-                    "structured bindings"},
-        {"%source\n  geom",
-         "t.mq:3:3-3:7: error: task 'a' has invalid structured %source entry: structured %source entry must have "
-         "'<binding-key> <source> [selector=value ...]': 'geom'"},
-        {"%source\n  geom.a b",
-         "t.mq:2:1-2:8: error: task 'a' has invalid structured %source: structured %source with auxiliary geometry "
-         "bindings must also declare geom"},
+        {"%source",
+         "t.mq:2:1-2:8: error: task 'a' has empty %source; provide an inline source or one or more "
+         "structured bindings"},
+        {"%source\n  geom", "t.mq:3:3-3:7: error: task 'a' has invalid structured %source entry: structured "
+                            "%source entry must have "
+                            "'<binding-key> <source> [selector=value ...]': 'geom'"},
+        {"%source\n  geom.a b", "t.mq:2:1-2:8: error: task 'a' has invalid structured %source: structured "
+                                "%source with auxiliary geometry "
+                                "bindings must also declare geom"},
     };
     for (const auto& [lines, message] : rows) {
         EXPECT_EQ(faultOf("$a\n" + std::string(lines) + "\n"), message);
@@ -231,8 +241,10 @@ TEST(Source, BlockFaultsAreWrapped) {
 // Captured blocks.
 
 TEST(BlockCapture, KeepsLinesWithTheirPlacesAndSubstitutes) {
-    const std::vector<SourceLine> lines{
-        {"@plot bar [k]  # c", "t.mq", 1}, {"  x [k] # kept", "", 2}, {"$no task", "u.mq", 7}, {" @end", "t.mq", 3}};
+    const std::vector<SourceLine> lines{{"@plot bar [k]  # c", "t.mq", 1},
+                                        {"  x [k] # kept", "", 2},
+                                        {"$no task", "u.mq", 7},
+                                        {" @end", "t.mq", 3}};
     std::size_t index = 0;
     const CapturedBlock block = captureBlock("@plot", lines, index, {{"k", "v"}});
     EXPECT_EQ(index, 3U);

@@ -94,8 +94,9 @@ TEST(Substitution, KeepsTheShapeOfASource) {
 }
 
 TEST(Substitution, WhatCannotBeReadAfterwardsIsAFault) {
-    EXPECT_EQ(faultOf("define:\n  n: x\n$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
-              "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
+    EXPECT_EQ(
+        faultOf("define:\n  n: x\n$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
+        "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
     EXPECT_EQ(faultOf("define:\n  e: \"\"\n$a\n%source\n geom x q=[e]\n"),
               "structured %source binding 'geom' has an invalid selector");
     for (const char* binding : {"geom xyz=[e]", "geom [e]"}) {
@@ -224,7 +225,8 @@ TEST(TaskInclude, AppendsWhatTheFileHolds) {
     const TemporaryDirectory dir;
     const auto inner =
         dir.write("sub/b.mq", "x: inner\ny: inner\ndefine:\n  d: inner\nmatrix:\n  m: 1,2\n$b\n"
-                              "%keywords [d] [outer] [m]\n@plot barrier p\npoint x value 1\npoint y value 2\n@end\n@derive q\nemit e = 1\n@end\n&INCLUDE c.mq\n");
+                              "%keywords [d] [outer] [m]\n@plot barrier p\npoint x value 1\npoint y value "
+                              "2\n@end\n@derive q\nemit e = 1\n@end\n&INCLUDE c.mq\n");
     const auto innermost = dir.write("sub/c.mq", "$c\n%keywords [d]\n");
     const auto path =
         dir.write("a.mq", "x: outer\ndefine:\n  outer: o\n$a\n%keywords [d]\n&INCLUDE sub/b.mq\n$z\n");

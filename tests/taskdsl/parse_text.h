@@ -15,8 +15,8 @@ struct ParsedText {
     std::vector<std::string> warnings;
 };
 
-inline ParsedText parse(std::string_view text, bool legacyMultiSource = false, const std::string& path = "t.mq",
-                        const ValueMap& defines = {}) {
+inline ParsedText parse(std::string_view text, bool legacyMultiSource = false,
+                        const std::string& path = "t.mq", const ValueMap& defines = {}) {
     ParsedText result;
     TaskParser parser(legacyMultiSource,
                       [&result](const std::string& warning) { result.warnings.push_back(warning); });

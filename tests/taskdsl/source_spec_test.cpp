@@ -267,9 +267,10 @@ TEST(ValidateStructuredSource, Faults) {
 }
 
 TEST(RereadBinding, SeesWhatASubstitutionHasMadeOfIt) {
-    std::vector<SourceBinding> bindings{
-        parseSourceBinding("geom xyz=a k=1 frame=[f]"), parseSourceBinding("aux xyz=a frame=[g]"),
-        parseSourceBinding("aux.b t frame=3"), parseSourceBinding("aux.c [s]"), parseSourceBinding("aux.d [s]")};
+    std::vector<SourceBinding> bindings{parseSourceBinding("geom xyz=a k=1 frame=[f]"),
+                                        parseSourceBinding("aux xyz=a frame=[g]"),
+                                        parseSourceBinding("aux.b t frame=3"),
+                                        parseSourceBinding("aux.c [s]"), parseSourceBinding("aux.d [s]")};
     bindings[0].selectors[1].second = "12";
     bindings[3].sourceValue = "origin";
     bindings[4].sourceValue = "xyz=b.xyz";

@@ -36,11 +36,13 @@ TEST(TaskProgram, AnUnknownOneIsToldWithItsLocation) {
         }
         return std::string();
     };
-    EXPECT_EQ(message(""), "unknown %program 'vasp'; supported values are gaussian, orca, gamess, xtb, mrcc, maple, "
-                           "amesp, bdf, mopac, fcclasses, other, script");
-    EXPECT_EQ(message("task 'a'"),
-              "task 'a': unknown %program 'vasp'; supported values are gaussian, orca, gamess, xtb, mrcc, maple, "
+    EXPECT_EQ(message(""),
+              "unknown %program 'vasp'; supported values are gaussian, orca, gamess, xtb, mrcc, maple, "
               "amesp, bdf, mopac, fcclasses, other, script");
+    EXPECT_EQ(
+        message("task 'a'"),
+        "task 'a': unknown %program 'vasp'; supported values are gaussian, orca, gamess, xtb, mrcc, maple, "
+        "amesp, bdf, mopac, fcclasses, other, script");
 }
 
 TEST(TaskInfo, AFreshOneWaitsAndAlerts) {

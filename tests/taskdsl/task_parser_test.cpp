@@ -57,8 +57,10 @@ TEST(TaskParser, FreeTextBetweenDirectivesHasNoMeaning) {
 }
 
 TEST(TaskParser, AnUnknownDirectiveIsToldWithItsPlace) {
-    EXPECT_EQ(faultOf("$a\n  %foo bar\n"), "t.mq:2:3-2:11: error: task 'a' contains unknown directive '%foo'");
-    EXPECT_EQ(faultOf("$a\n%Keywords x\n"), "t.mq:2:1-2:12: error: task 'a' contains unknown directive '%Keywords'");
+    EXPECT_EQ(faultOf("$a\n  %foo bar\n"),
+              "t.mq:2:3-2:11: error: task 'a' contains unknown directive '%foo'");
+    EXPECT_EQ(faultOf("$a\n%Keywords x\n"),
+              "t.mq:2:1-2:12: error: task 'a' contains unknown directive '%Keywords'");
     EXPECT_EQ(faultOf("$a\n%keywords\tHF\n"),
               "t.mq:2:1-2:13: error: task 'a' contains unknown directive '%keywords\tHF'");
 }
@@ -81,7 +83,8 @@ TEST(TaskParser, TheRemovedIncludeFormWarnsAndIsPassedOver) {
 }
 
 TEST(TaskParser, HeaderMetadataFillsTasksWithoutAValueOfTheirOwn) {
-    const auto parsed = parse("totcore: 8\ntotmem: 16000\n$a\n$b\n%control\ntotcore 4\n$c\n%control\ntotcore -4\n");
+    const auto parsed =
+        parse("totcore: 8\ntotmem: 16000\n$a\n$b\n%control\ntotcore 4\n$c\n%control\ntotcore -4\n");
     for (const auto* tasks : {&parsed.document.tasks, &parsed.document.templateTasks}) {
         EXPECT_EQ(tasks->at(0).totalCores, 8);
         EXPECT_EQ(tasks->at(0).totalMemory, 16000);
@@ -100,14 +103,16 @@ TEST(TaskParser, InvalidHeaderMetadataWarnsAndCountsAsAbsent) {
                             "task file 't.mq' has invalid header metadata totmem='x'; ignoring it."));
     EXPECT_EQ(parsed.document.tasks[0].totalCores, 0);
     EXPECT_FALSE(parsed.document.tasks[0].controlDeclared);
-    EXPECT_THAT(parse("totcore: 99999999999\n$a\n", false, "").warnings,
-                ElementsAre("task file '<memory>' has invalid header metadata totcore='99999999999'; ignoring it."));
+    EXPECT_THAT(
+        parse("totcore: 99999999999\n$a\n", false, "").warnings,
+        ElementsAre("task file '<memory>' has invalid header metadata totcore='99999999999'; ignoring it."));
 }
 
 TEST(TaskParser, SharesTheNamesOfAllTasksThatAreNoProviders) {
     const auto parsed = parse("$a\n$p\n%interface provider\n$b\n");
     EXPECT_THAT(*parsed.document.tasks[0].documentTaskNames, ElementsAre("a", "b"));
-    EXPECT_EQ(&*parsed.document.tasks[0].documentTaskNames, &*parsed.document.templateTasks[2].documentTaskNames);
+    EXPECT_EQ(&*parsed.document.tasks[0].documentTaskNames,
+              &*parsed.document.templateTasks[2].documentTaskNames);
 }
 
 TEST(TaskParser, WhatNothingIsPutIntoIsStoredOnce) {
@@ -121,10 +126,13 @@ TEST(TaskParser, WhatNothingIsPutIntoIsStoredOnce) {
 TEST(TaskParser, TwoTasksThatWaitForAllOthersMayDeadlock) {
     const std::string one = "$a\n%when\n  completed ALLOTHERS and defined x\n  completed allothers\n$c\n";
     EXPECT_THAT(parse(one).warnings, IsEmpty());
-    EXPECT_THAT(parse(one + "$b\n%when completed allothers\n").warnings,
-                ElementsAre("potential deadlock: multiple tasks in 't.mq' use '%when completed allothers': a, b"));
-    EXPECT_THAT(parse(one + "$b\n%when completed allothers\n", false, "").warnings,
-                ElementsAre("potential deadlock: multiple tasks in '<memory>' use '%when completed allothers': a, b"));
+    EXPECT_THAT(
+        parse(one + "$b\n%when completed allothers\n").warnings,
+        ElementsAre("potential deadlock: multiple tasks in 't.mq' use '%when completed allothers': a, b"));
+    EXPECT_THAT(
+        parse(one + "$b\n%when completed allothers\n", false, "").warnings,
+        ElementsAre(
+            "potential deadlock: multiple tasks in '<memory>' use '%when completed allothers': a, b"));
 }
 
 TEST(TaskParser, MissingFilesAndOtherThingsThanFilesAreRefused) {
@@ -166,22 +174,43 @@ struct Finishing {
 
 TEST(FinishTask, MovesLegacyFormsAndTellsThem) {
     const Finishing rows[] = {
-        {"%args --gfn 2", TaskProgram::xtb, "", "--gfn 2",
+        {"%args --gfn 2",
+         TaskProgram::xtb,
+         "",
+         "--gfn 2",
          {"task 'a' uses %args without an explicit %program; defaulting to '%program xtb'."}},
-        {"%args --gfn 2\n%body x", TaskProgram::gaussian, "", "--gfn 2",
-         {"task 'a' declares %args, but only '%program xtb' currently consumes that directive; the args will be "
+        {"%args --gfn 2\n%body x",
+         TaskProgram::gaussian,
+         "",
+         "--gfn 2",
+         {"task 'a' declares %args, but only '%program xtb' currently consumes that directive; the args will "
+          "be "
           "ignored."}},
-        {"%program xtb\n%keywords --gfn 2", TaskProgram::xtb, "", "--gfn 2",
-         {"task 'a' uses deprecated '%keywords' syntax for '%program xtb'; move command-line arguments to '%args'."}},
+        {"%program xtb\n%keywords --gfn 2",
+         TaskProgram::xtb,
+         "",
+         "--gfn 2",
+         {"task 'a' uses deprecated '%keywords' syntax for '%program xtb'; move command-line arguments to "
+          "'%args'."}},
         {"%program xtb\n%keywords k\n%args x", TaskProgram::xtb, "k", "x", {}},
-        {"%program other\n%keywords job=x", TaskProgram::other, "job=x", "",
+        {"%program other\n%keywords job=x",
+         TaskProgram::other,
+         "job=x",
+         "",
          {"task 'a' uses deprecated '%keywords' syntax for '%program other'; move template selection to "
           "'%template' plus '%param'."}},
-        {"%program script\n%keywords /bin/sh", TaskProgram::script, "/bin/sh", "",
+        {"%program script\n%keywords /bin/sh",
+         TaskProgram::script,
+         "/bin/sh",
+         "",
          {"task 'a' uses deprecated '%keywords' as script runner/shebang; move the runner to '%runner'."}},
         {"%program script\n%runner sh\n%keywords k", TaskProgram::script, "k", "", {}},
-        {"%program orca\n%args x", TaskProgram::orca, "", "x",
-         {"task 'a' declares %args, but only '%program xtb' currently consumes that directive; the args will be "
+        {"%program orca\n%args x",
+         TaskProgram::orca,
+         "",
+         "x",
+         {"task 'a' declares %args, but only '%program xtb' currently consumes that directive; the args will "
+          "be "
           "ignored."}},
     };
     for (const auto& row : rows) {
@@ -195,7 +224,8 @@ TEST(FinishTask, MovesLegacyFormsAndTellsThem) {
 }
 
 TEST(FinishTask, UnquotesKeywordsTemplateAndRunner) {
-    const TaskInfo task = firstTask("$a\n%keywords 'b3lyp opt'\n%template \"a b\"\n%runner '/bin/sh -e'\n%body \"a b\"\n");
+    const TaskInfo task =
+        firstTask("$a\n%keywords 'b3lyp opt'\n%template \"a b\"\n%runner '/bin/sh -e'\n%body \"a b\"\n");
     EXPECT_EQ(task.keywords, "b3lyp opt");
     EXPECT_EQ(task.templateName, "a b");
     EXPECT_EQ(task.runner, "/bin/sh -e");

@@ -317,8 +317,9 @@ TEST(WhenExpr, WalkersVisitEveryGroup) {
     EXPECT_FALSE(hasAllOthers(parseWhenExpr("defined allothers")));
     EXPECT_FALSE(hasAllOthers(parseWhenExpr("completed allothers2")));
     EXPECT_THAT(collectCompletedTargets(parseWhenExpr("allothers")), IsEmpty());
-    EXPECT_THAT(collectPlaceholders(parseWhenExpr("({{ a.x }} < {{b}} or 1 = {{ a.x }}) and defined {{ c }}")),
-                ElementsAre("a.x", "b", "a.x"));
+    EXPECT_THAT(
+        collectPlaceholders(parseWhenExpr("({{ a.x }} < {{b}} or 1 = {{ a.x }}) and defined {{ c }}")),
+        ElementsAre("a.x", "b", "a.x"));
     EXPECT_THAT(collectPlaceholders(parseWhenExpr("{{ a")), IsEmpty());
 }
 

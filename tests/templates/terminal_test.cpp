@@ -139,8 +139,8 @@ TEST_F(Terminal, ASignalPutsTheAttributesBackAndShowsTheCursor) {
 TEST_F(Terminal, AStopGivesTheTerminalBackUntilTheProgramGoesOn) {
     const pid_t child = ::fork();
     if (child == 0) {
-        // A group of its own: the kernel does not stop a process whose group is orphaned, as the test's own group
-        // is when nobody's shell started it.
+        // A group of its own: the kernel does not stop a process whose group is orphaned, as the test's own
+        // group is when nobody's shell started it.
         ::setpgid(0, 0);
         ::close(STDOUT_FILENO);
         const TerminalSession session;

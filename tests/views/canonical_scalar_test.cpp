@@ -26,8 +26,8 @@ TEST(CanonicalScalar, ReadersThatSeeMoreGetMoreQuotes) {
     EXPECT_EQ(quoteUnquotedScalar("'a'"), R"("'a'")");
     EXPECT_EQ(quoteUnquotedScalar("it's"), "it's");
     EXPECT_EQ(quoteUnquotedScalar("a b"), R"("a b")");
-    for (const char* text : {"*a", "&a", "!t", "%x", "@x", "`x", "|", ">", "[a]", "]", "{a}", "}", "'a", "-", "?", "~",
-                             "NULL", "---"}) {
+    for (const char* text : {"*a", "&a", "!t", "%x", "@x", "`x", "|", ">", "[a]", "]", "{a}", "}", "'a", "-",
+                             "?", "~", "NULL", "---"}) {
         EXPECT_EQ(quoteSettingScalar(text), '"' + std::string(text) + '"');
     }
     for (const char* text : {"8", "true", "a'b", "-1", "plain"}) {

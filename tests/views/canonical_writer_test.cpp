@@ -150,11 +150,12 @@ TEST(CanonicalWriter, ControlItemsInTheirOrder) {
     task.externalInput = true;
     task.finalGeom = "a b.xyz";
     task.verbosity = "p";
-    EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %control\n"
-                              "    totcore 8\n    totmem 16000\n    gpus 1\n    gpu_type NVIDIA A100\n"
-                              "    gpu_mem 40\n    guess true\n    guess_converter mokit\n    waitfreq false\n"
-                              "    localfirst true\n    externalinp true\n    finalgeom \"a b.xyz\"\n"
-                              "    verbosity p\n");
+    EXPECT_EQ(taskText(task),
+              "$a\n  %source origin\n  %control\n"
+              "    totcore 8\n    totmem 16000\n    gpus 1\n    gpu_type NVIDIA A100\n"
+              "    gpu_mem 40\n    guess true\n    guess_converter mokit\n    waitfreq false\n"
+              "    localfirst true\n    externalinp true\n    finalgeom \"a b.xyz\"\n"
+              "    verbosity p\n");
     task = TaskInfo("a");
     task.guessEnabled = true;
     task.guessSourceTask = "b";
@@ -185,9 +186,11 @@ TEST(CanonicalWriter, PayloadOfOrcaJoinsItsBlock) {
     task.orcaBlock = "%scf end";
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %program orca\n  %extrainput << EOF\n%scf end\nEOF\n");
     task.extraKeywords = "first";
-    EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %program orca\n  %extrainput << EOF\nfirst\n%scf end\nEOF\n");
+    EXPECT_EQ(taskText(task),
+              "$a\n  %source origin\n  %program orca\n  %extrainput << EOF\nfirst\n%scf end\nEOF\n");
     task.extraKeywords = "first\n";
-    EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %program orca\n  %extrainput << EOF\nfirst\n%scf end\nEOF\n");
+    EXPECT_EQ(taskText(task),
+              "$a\n  %source origin\n  %program orca\n  %extrainput << EOF\nfirst\n%scf end\nEOF\n");
 }
 
 TEST(CanonicalWriter, PayloadOfXtb) {
@@ -215,10 +218,12 @@ TEST(CanonicalWriter, PayloadOfScript) {
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %program script\n  %body << EOF\nEOF\n");
     task.keywords = "/bin/sh -e";
     task.body = "echo";
-    EXPECT_EQ(taskText(task),
-              "$a\n  %source origin\n  %program script\n  %runner \"/bin/sh -e\"\n  %body << EOF\necho\nEOF\n");
+    EXPECT_EQ(
+        taskText(task),
+        "$a\n  %source origin\n  %program script\n  %runner \"/bin/sh -e\"\n  %body << EOF\necho\nEOF\n");
     task.runner = "bash";
-    EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %program script\n  %runner bash\n  %body << EOF\necho\nEOF\n");
+    EXPECT_EQ(taskText(task),
+              "$a\n  %source origin\n  %program script\n  %runner bash\n  %body << EOF\necho\nEOF\n");
 }
 
 TEST(CanonicalWriter, BlocksBehindThePayload) {
@@ -226,13 +231,15 @@ TEST(CanonicalWriter, BlocksBehindThePayload) {
     task.whenConditions = {"completed b", "x == 1"};
     task.preProcessCommands = {"p \"q\""};
     task.processCommands = {"c", "d"};
-    task.modEntries = {{"charge:add", "1"}, {"basisset", "def2-TZVP role=AUXJ"}, {"geom:select", "1-3 5"}, {"solo", ""}};
+    task.modEntries = {
+        {"charge:add", "1"}, {"basisset", "def2-TZVP role=AUXJ"}, {"geom:select", "1-3 5"}, {"solo", ""}};
     task.strucId = "s 1";
     task.keywords = "k";
-    EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %when\n    completed b\n    x == 1\n  %keywords k\n"
-                              "  %preprocess\n    p \"q\"\n  %process\n    c\n    d\n"
-                              "  %mod\n    charge add 1\n    basisset def2-TZVP role=aux-j\n    geom select 1-3 5\n"
-                              "    solo\n  %meta\n    strucid s 1\n");
+    EXPECT_EQ(taskText(task),
+              "$a\n  %source origin\n  %when\n    completed b\n    x == 1\n  %keywords k\n"
+              "  %preprocess\n    p \"q\"\n  %process\n    c\n    d\n"
+              "  %mod\n    charge add 1\n    basisset def2-TZVP role=aux-j\n    geom select 1-3 5\n"
+              "    solo\n  %meta\n    strucid s 1\n");
     task = TaskInfo("a");
     task.preProcessCommands = {"a", "%b", "$c"};
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %preprocess\n    a\n    \\\n    %b\n    \\\n    $c\n");

@@ -18,9 +18,9 @@ std::string canonical(const std::string& text) {
 }
 
 TEST(RoundTrip, AwkwardScalarsSurvive) {
-    for (const char* value : {"plain", "two words", "a\"b", "a \\\"b\\\" c", "back\\slash", "\\n stays", "a # b",
-                              "it's", "'single'", "tab\\tescape", "x,y:z", "\"\\\"quoted\\\"\"", "''twice''",
-                              "\"a\" and \"b\"", "ends in \\", "\"'nested'\""}) {
+    for (const char* value : {"plain", "two words", "a\"b", "a \\\"b\\\" c", "back\\slash", "\\n stays",
+                              "a # b", "it's", "'single'", "tab\\tescape", "x,y:z", "\"\\\"quoted\\\"\"",
+                              "''twice''", "\"a\" and \"b\"", "ends in \\", "\"'nested'\""}) {
         for (const char* directive : {"%keywords ", "%program other\n%template ", "%program script\n%runner ",
                                       "%program xtb\n%args ", "%source xyz=", "%source "}) {
             const std::string once = canonical("$a\n" + std::string(directive) + value + "\n");
@@ -31,12 +31,14 @@ TEST(RoundTrip, AwkwardScalarsSurvive) {
 
 TEST(RoundTrip, WhatASecondReaderTakesApartIsProtected) {
     for (const char* text :
-         {"x: \"*a\"\ny: \"~\"\nz: \"{\"\n$a", "define:\n  k: \"'a'\"\n$a", "matrix:\n  k: \"a'b\",\"c'd\"\n$a",
-          "matrix:\n  - k: 1\n    name: \"'a'\"\n$a", "$a\n%control\n finalgeom \"a'b\"",
-          "$a\n%control\n finalgeom a\\\\\\\\b", "$a\n%keywords <<\n<<EOF\nEOF",
-          "$a\n%process\n \\\n %foo\n \\\n $g16\n x", "$a\n%batch\nlane 1\ncollect x as \"a  b\"",
-          "$a\n%batch\nlane 1\ncollect x as \"#b\"", "$a\n%batch\nlane 1\ncollect x as \"a'b\\\"\"",
-          "$a\n%program script\n%runner \"\\\"/opt/my tools/py\\\"\"", "$a\n%program other\n%template \"'x'\""}) {
+         {"x: \"*a\"\ny: \"~\"\nz: \"{\"\n$a", "define:\n  k: \"'a'\"\n$a",
+          "matrix:\n  k: \"a'b\",\"c'd\"\n$a", "matrix:\n  - k: 1\n    name: \"'a'\"\n$a",
+          "$a\n%control\n finalgeom \"a'b\"", "$a\n%control\n finalgeom a\\\\\\\\b",
+          "$a\n%keywords <<\n<<EOF\nEOF", "$a\n%process\n \\\n %foo\n \\\n $g16\n x",
+          "$a\n%batch\nlane 1\ncollect x as \"a  b\"", "$a\n%batch\nlane 1\ncollect x as \"#b\"",
+          "$a\n%batch\nlane 1\ncollect x as \"a'b\\\"\"",
+          "$a\n%program script\n%runner \"\\\"/opt/my tools/py\\\"\"",
+          "$a\n%program other\n%template \"'x'\""}) {
         const std::string once = canonical(std::string(text) + "\n");
         EXPECT_EQ(canonical(once), once) << text;
     }
@@ -46,7 +48,8 @@ TEST(RoundTrip, WhatASecondReaderTakesApartIsProtected) {
 }
 
 TEST(RoundTrip, ConditionsAndModsThatLookLikeStructureStayWhereTheyAre) {
-    for (const char* text : {"%when %odd", "%when $x\n  completed b\n%when @end", "%mod %foo x\n  charge 1\n%mod $y"}) {
+    for (const char* text :
+         {"%when %odd", "%when $x\n  completed b\n%when @end", "%mod %foo x\n  charge 1\n%mod $y"}) {
         const std::string once = canonical("$a\n" + std::string(text) + "\n");
         EXPECT_EQ(canonical(once), once) << text;
     }
