@@ -90,7 +90,8 @@ void renameReferences(TaskInfo& task, const Renames& renames) {
 std::size_t textSize(const TaskInfo& task) noexcept {
     std::size_t size = task.name.size() + task.keywords.size() + task.args.size() +
                        task.extraKeywords.size() + task.paramValues.size() + task.body.size() +
-                       task.orcaBlock.size();
+                       task.orcaBlock.size() + task.source.size() + task.runner.size() +
+                       task.templateName.size() + task.guessSourceTask.size() + task.finalGeom.size();
     for (const auto* list : {&task.preProcessCommands, &task.processCommands, &task.whenConditions}) {
         for (const auto& text : *list) {
             size += text.size();
@@ -154,9 +155,11 @@ class MatrixExpansion {
         for (std::size_t i = 0; i < axes.size(); ++i) {
             values.insert_or_assign(axes[i].key, walk.value(i));
             chosen.emplace(axes[i].key, walk.value(i));
+            countText(axes[i].key.size() + walk.value(i).size());
             suffix += i == 0 ? "" : "__";
             suffix += walk.piece(i);
         }
+        countText(suffix.size());
         matrixValues = std::move(chosen);
         if (walk.size() > 1 && !suffixes.insert(suffix).second) {
             throw DiagnosticError("matrix variant suffix collision detected for '" + suffix + "'");
@@ -198,13 +201,16 @@ class MatrixExpansion {
             plot.ownerTask = task.name;
             plot.id = task.name + ":" + plot.name;
         }
-        if (item.substitutes) { // the texts may be longer than those of the template
-            text += textSize(task);
-            if (text > limits::variantText) {
-                failText();
-            }
-        }
+        // The long texts of the template are counted at the start; a substitution may have made them longer.
+        countText(task.name.size() + suffix.size() + (item.substitutes ? textSize(task) : 0));
         return task;
+    }
+
+    void countText(std::size_t bytes) {
+        text += bytes;
+        if (text > limits::variantText) {
+            failText();
+        }
     }
 
     [[noreturn]] static void failText() {

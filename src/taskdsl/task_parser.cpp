@@ -50,9 +50,13 @@ class LineWalk {
     LineWalk(const std::vector<SourceLine>& allLines, TaskDocument& result, std::uint64_t& order,
              const WarningSink& sink, bool multiSource, const IncludeHandler& includeHandler)
         : lines(allLines), document(result), nextDocumentOrder(order), warnings(sink),
-          legacyMultiSource(multiSource), readInclude(includeHandler) {}
+          legacyMultiSource(multiSource), readInclude(includeHandler), headerValues(result.defines) {}
 
     void run() {
+        // An axis wins over a define of the same name: its placeholder in a task's name waits for the matrix.
+        for (const auto& axis : document.matrixAxes) {
+            headerValues.erase(axis.key);
+        }
         document.tasks.edit().reserve(document.tasks.size() + countHeaders());
         for (index = 0; index < lines.size(); ++index) {
             walkLine();
@@ -100,7 +104,7 @@ class LineWalk {
 
     void walkTask(std::string_view name, bool quoted) {
         const SourceLine& header = lines[index];
-        TaskInfo& task = document.tasks.edit().emplace_back(substituteBrackets(name, document.defines));
+        TaskInfo& task = document.tasks.edit().emplace_back(substituteBrackets(name, headerValues));
         task.quoted = quoted;
         task.filePath = header.originPath;
         task.headerSpan = spanOfLine(header.originPath, header.lineNumber, header.text);
@@ -156,6 +160,7 @@ class LineWalk {
     const WarningSink& warnings;
     bool legacyMultiSource;
     const IncludeHandler& readInclude;
+    ValueMap headerValues; ///< the defines that go into task names
     std::size_t index = 0;
 };
 

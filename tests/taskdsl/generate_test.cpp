@@ -221,6 +221,26 @@ TEST(Foreach, MakesTasksOfTheItemsOfAPrelude) {
     EXPECT_EQ(parsed.document.tasks[1].keywords, "2 v");
 }
 
+TEST(ExpandMatrix, AnAxisWinsOverADefineOfItsNameInATaskName) {
+    const auto parsed = parse("define:\n  m: D\nmatrix:\n  m: 1,2\n$b_[m]\n%when completed b_[m]\n");
+    EXPECT_THAT(namesOf(parsed.document.templateTasks), ElementsAre("b_[m]"));
+    EXPECT_THAT(namesOf(parsed.document.tasks), ElementsAre("b_1__m_1", "b_2__m_2"));
+    EXPECT_THAT(parsed.document.tasks[1].whenConditions, ElementsAre("completed b_2__m_2"));
+}
+
+TEST(ExpandMatrix, LongValuesCountAlthoughNoTaskHoldsThem) {
+    std::string text = "matrix:\n";
+    const std::string value(40'000, 'v');
+    for (const char* axis : {"a", "b", "c", "d", "e"}) {
+        text += "  " + std::string(axis) + ": ";
+        for (int i = 0; i < 10; ++i) {
+            text += std::to_string(i) + value + ",";
+        }
+        text += "\n";
+    }
+    EXPECT_EQ(faultOf(text + "$t\n"), "matrix variants hold more than 1024 MiB of text");
+}
+
 TEST(TaskInclude, AppendsWhatTheFileHolds) {
     const TemporaryDirectory dir;
     const auto inner =
