@@ -172,9 +172,7 @@ class Expander {
         checkArgumentOrder(call);
         const auto formula = surface_.formulas.find(call.name);
         const FormulaDefinition* definition = formula == surface_.formulas.end() ? nullptr : &formula->second;
-        if (profile != nullptr) {
-            checkProfileConflicts(call, *profile, definition);
-        }
+        checkConflicts(call, profile, definition);
         if (definition != nullptr) {
             return expandFormula(*definition, call, profile, place);
         }
@@ -220,27 +218,39 @@ class Expander {
         }
     }
 
-    /// A profile fills only what the call leaves open. The slots of positional arguments are known for
-    /// formulas.
-    void checkProfileConflicts(const plot::CallExpr& call, const ParameterProfile& profile,
-                               const FormulaDefinition* formula) const {
-        std::set<std::string_view> named;
-        std::set<std::string_view> positional;
+    /// The parameters that the positional arguments of a formula's call fill, in order.
+    static std::set<std::string_view> filledByPlace(const plot::CallExpr& call,
+                                                    const FormulaDefinition* formula) {
+        std::set<std::string_view> filled;
         for (const auto& argument : call.arguments) {
-            if (argument.named) {
-                named.insert(argument.name);
-            } else if (formula != nullptr && positional.size() < formula->parameters.size()) {
-                positional.insert(formula->parameters[positional.size()]);
+            if (formula != nullptr && !argument.named && filled.size() < formula->parameters.size()) {
+                filled.insert(formula->parameters[filled.size()]);
             }
         }
-        for (const auto& argument : profile.arguments) {
-            if (named.contains(argument.name) || positional.contains(argument.name)) {
-                plotError(span_, "argument '" + argument.name +
-                                     "' is specified by both the parameter profile and the function call");
+        return filled;
+    }
+
+    /// A profile fills only what the call leaves open; a name fills no slot that a positional argument has
+    /// filled.
+    void checkConflicts(const plot::CallExpr& call, const ParameterProfile* profile,
+                        const FormulaDefinition* formula) const {
+        const auto filled = filledByPlace(call, formula);
+        const auto given = [&](const std::string& name) {
+            return filled.contains(name) ||
+                   std::any_of(call.arguments.begin(), call.arguments.end(),
+                               [&](const auto& argument) { return argument.named && argument.name == name; });
+        };
+        if (profile != nullptr) {
+            for (const auto& argument : profile->arguments) {
+                if (given(argument.name)) {
+                    plotError(span_,
+                              "argument '" + argument.name +
+                                  "' is specified by both the parameter profile and the function call");
+                }
             }
         }
         for (const auto& argument : call.arguments) {
-            if (argument.named && positional.contains(argument.name)) {
+            if (argument.named && filled.contains(argument.name)) {
                 plotError(span_, "argument '" + argument.name +
                                      "' is specified by both another argument and the function call");
             }

@@ -248,6 +248,19 @@ void readGroupBy(BlockReader& reader, std::string_view text) {
     reader.add(std::move(statement));
 }
 
+/// True when the text calls a function somewhere. The call need not be the whole of it: an expanded formula
+/// may put a factor beside it, and must read back.
+bool callsFunction(std::string_view text) noexcept {
+    bool behindName = false;
+    for (const char c : text) {
+        if (c == '(' && behindName) {
+            return true;
+        }
+        behindName = isLetter(c) || isDigit(c) || c == '_' || c == ']' || (behindName && isSpace(c));
+    }
+    return false;
+}
+
 void readAggregate(BlockReader& reader, std::string_view text) {
     for (const auto entry : splitAtCommas(text)) {
         if (entry.empty()) {
@@ -260,6 +273,9 @@ void readAggregate(BlockReader& reader, std::string_view text) {
         AggregateStatement statement;
         statement.name = requireIdentifier(halves->left, "aggregate name must be an identifier", reader.span);
         statement.value = reader.expression(halves->right, "aggregate statement requires an expression");
+        if (!callsFunction(halves->right)) {
+            reader.fail("aggregate entry must be 'name = function(expression)'");
+        }
         if (!reader.aggregates.insert(statement.name).second) {
             reader.fail("duplicate aggregate column '" + statement.name + "'");
         }

@@ -121,7 +121,7 @@ RelativeMode readRelativeMode(std::string_view word, const Statement& statement)
             return row.mode;
         }
     }
-    fail(statement, "unsupported relative mode '" + std::string(word) + "'");
+    fail(statement, "unsupported relative mode '" + toLower(word) + "'");
 }
 
 } // namespace
@@ -274,10 +274,11 @@ void readBroaden(PlotReading& reading, const Statement& statement) {
         fail(statement, "broaden requires a function such as gaussian");
     }
     if (!equalsNoCase(words.front(), "gaussian")) {
-        fail(statement, "unsupported spectrum broadening function '" + std::string(words.front()) + "'");
+        fail(statement, "unsupported spectrum broadening function '" + toLower(words.front()) + "'");
     }
     auto& data = dataOf<SpectrumPlotData>(reading);
     data.broadening = BroadenFunction::gaussian;
+    data.fwhmUnit.clear(); // a statement stands for itself, also when it is repeated
     bool hasWidth = false;
     for (std::size_t i = 1; i < words.size(); ++i) {
         const bool hasNext = i + 1 < words.size();
@@ -368,10 +369,9 @@ void readMetrics(PlotReading& reading, const Statement& statement) {
     auto& metrics = dataOf<ScatterPlotData>(reading).metrics;
     metrics.clear();
     for (const auto word : splitPlotWords(statement.rest)) {
-        const auto text = unquotePlotText(word);
-        auto metric = toLower(text);
+        auto metric = toLower(unquotePlotText(word));
         if (metric != "r2" && metric != "rmse" && metric != "mae") {
-            fail(statement, "unsupported scatter metric '" + text + "'");
+            fail(statement, "unsupported scatter metric '" + metric + "'");
         }
         metrics.push_back(std::move(metric));
     }

@@ -98,7 +98,7 @@ PlotStyle readStyleValue(std::string_view text, const SourceSpan& span) {
     }
     const auto style = parsePlotStyle(word);
     if (!style) {
-        plotError(span, "unsupported plot style '" + std::string(word) + "'");
+        plotError(span, "unsupported plot style '" + toLower(word) + "'");
     }
     return *style;
 }

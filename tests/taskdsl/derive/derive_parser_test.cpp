@@ -448,6 +448,8 @@ TEST(DeriveAggregate, NamesItsColumns) {
                            {"aggregate a = f(b),,c = f(d)", "aggregate list contains an empty entry"},
                            {"aggregate ,", "@derive statement ends with a continuation operator"},
                            {"aggregate mean(e)", "aggregate entry must be 'name = function(expression)'"},
+                           {"aggregate a = e", "aggregate entry must be 'name = function(expression)'"},
+                           {"aggregate a = 2 * (e)", "aggregate entry must be 'name = function(expression)'"},
                            {"reduce a.b = mean(e)", "aggregate name must be an identifier"},
                            {"aggregate = mean(e)", "aggregate name must be an identifier"},
                            {"aggregate a =", "aggregate statement requires an expression"},

@@ -132,27 +132,28 @@ TEST(Formula, DefinitionsAreChecked) {
 }
 
 TEST(Formula, CallsAreChecked) {
-    expectFaults("formula f(x, y) = x + y\nprofile p for f = (y=1)\nemit e = ",
-                 {
-                     {"f(1, 2, 3)", "formula 'f' received too many arguments"},
-                     {"f(1, z=2)", "formula 'f' has no parameter 'z'"},
-                     {"f(x=1, x=2)", "formula argument 'x' is specified more than once"},
-                     {"f(1, x=2)", "formula argument 'x' is specified more than once"},
-                     {"f(1)", "formula 'f' requires argument 'y'"},
-                     {"f()", "formula 'f' requires argument 'x'"},
-                     {"f(y=2)", "formula 'f' requires argument 'x'"},
-                     {"f(x=1, 2)", "positional arguments must precede using= and other named arguments"},
-                     {"f(using=p, 2)", "positional arguments must precede using= and other named arguments"},
-                     {"max(a=1, 2)", "positional arguments must precede using= and other named arguments"},
-                     {"max(1, -(2 + abs(a=1, 2)))",
-                      "positional arguments must precede using= and other named arguments"},
-                     {"f(1, 2, using=p)",
-                      "argument 'y' is specified by both the parameter profile and the function call"},
-                     {"f(1, y=2, using=p)",
-                      "argument 'y' is specified by both the parameter profile and the function call"},
-                     {"f(1, x=2, using=p)",
-                      "argument 'x' is specified by both another argument and the function call"},
-                 });
+    expectFaults(
+        "formula f(x, y) = x + y\nprofile p for f = (y=1)\nemit e = ",
+        {
+            {"f(1, 2, 3)", "formula 'f' received too many arguments"},
+            {"f(1, z=2)", "formula 'f' has no parameter 'z'"},
+            {"f(x=1, x=2)", "formula argument 'x' is specified more than once"},
+            {"f(1, x=2)", "argument 'x' is specified by both another argument and the function call"},
+            {"f(1)", "formula 'f' requires argument 'y'"},
+            {"f()", "formula 'f' requires argument 'x'"},
+            {"f(y=2)", "formula 'f' requires argument 'x'"},
+            {"f(x=1, 2)", "positional arguments must precede using= and other named arguments"},
+            {"f(using=p, 2)", "positional arguments must precede using= and other named arguments"},
+            {"max(a=1, 2)", "positional arguments must precede using= and other named arguments"},
+            {"max(1, -(2 + abs(a=1, 2)))",
+             "positional arguments must precede using= and other named arguments"},
+            {"f(1, 2, using=p)",
+             "argument 'y' is specified by both the parameter profile and the function call"},
+            {"f(1, y=2, using=p)",
+             "argument 'y' is specified by both the parameter profile and the function call"},
+            {"f(1, x=2, using=p)",
+             "argument 'x' is specified by both another argument and the function call"},
+        });
 }
 
 TEST(Formula, RecursionIsTold) {

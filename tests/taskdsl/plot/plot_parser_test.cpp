@@ -376,7 +376,7 @@ TEST(PlotStatementTable, EveryMessageOfAStatement) {
         {"convergence", "threshold a label b", "threshold requires 'value <number>'"},
         // the rest of the data statements
         {"curve", "relative", "relative requires a mode"},
-        {"curve", "relative Last", "unsupported relative mode 'Last'"},
+        {"curve", "relative Last", "unsupported relative mode 'last'"},
         {"barrier", "relative to", "relative to requires a point id"},
         {"curve", "relative to a",
          "curve plots support only 'relative first', 'relative minimum', or 'relative none'"},
@@ -391,7 +391,7 @@ TEST(PlotStatementTable, EveryMessageOfAStatement) {
         {"spectrum", "mode", "spectrum mode must be sticks, broadened, sticks+broadened, or sampled"},
         {"spectrum", "mode lines", "spectrum mode must be sticks, broadened, sticks+broadened, or sampled"},
         {"spectrum", "broaden", "broaden requires a function such as gaussian"},
-        {"spectrum", "broaden Lorentzian 5", "unsupported spectrum broadening function 'Lorentzian'"},
+        {"spectrum", "broaden Lorentzian 5", "unsupported spectrum broadening function 'lorentzian'"},
         {"spectrum", "broaden gaussian", "broaden requires fwhm <number>"},
         {"spectrum", "broaden gaussian unit cm-1 x", "unexpected broaden option 'x'"},
         {"spectrum", "broaden gaussian fwhm", "broaden fwhm requires a numeric value"},
@@ -413,7 +413,7 @@ TEST(PlotStatementTable, EveryMessageOfAStatement) {
         {"scatter", "diagonal y=2*x", "diagonal accepts no value or y=x"},
         {"scatter", "fit", "fit requires linear or none"},
         {"scatter", "fit cubic", "scatter fit supports only linear or none"},
-        {"scatter", "metrics r2 Bias", "unsupported scatter metric 'Bias'"},
+        {"scatter", "metrics r2 Bias", "unsupported scatter metric 'bias'"},
     };
     for (const auto& [kind, statement, expected] : rows) {
         EXPECT_EQ(messageWith(kind, statement), expected) << kind << ": " << statement;
