@@ -22,7 +22,7 @@ EntryKind kindOfMode(mode_t mode) noexcept {
 
 EntryKind kindOf(DIR* dir, const dirent& entry) noexcept {
     if (entry.d_type != DT_UNKNOWN) {
-        return kindOfMode(DTTOIF(entry.d_type));
+        return kindOfMode(static_cast<mode_t>(DTTOIF(entry.d_type)));
     }
     struct stat info {};
     return ::fstatat(::dirfd(dir), entry.d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 ? kindOfMode(info.st_mode)
