@@ -232,8 +232,9 @@ class Expander {
 
     /// A profile fills only what the call leaves open; a name fills no slot that a positional argument has
     /// filled.
-    void checkConflicts(const plot::CallExpr& call, const ParameterProfile* profile,
-                        const FormulaDefinition* formula) const {
+    /// Kept out of line: its locals must not stand on the stack of every level of nested calls.
+    [[gnu::noinline]] void checkConflicts(const plot::CallExpr& call, const ParameterProfile* profile,
+                                          const FormulaDefinition* formula) const {
         const auto filled = filledByPlace(call, formula);
         const auto given = [&](const std::string& name) {
             return filled.contains(name) ||
