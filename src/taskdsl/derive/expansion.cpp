@@ -92,7 +92,9 @@ class Expander {
     }
 
   private:
-    void checkNesting(std::size_t nesting) const {
+    // The checks are kept out of line: their texts must not take room on the stack of every level of nested
+    // calls.
+    [[gnu::noinline]] void checkNesting(std::size_t nesting) const {
         if (nesting > plot::maxExpressionDepth) {
             plotError(span_, "expression is nested too deeply");
         }
@@ -195,7 +197,7 @@ class Expander {
     }
 
     /// The profile that the call uses; null without `using=`.
-    const ParameterProfile* profileOf(const plot::CallExpr& call) const {
+    [[gnu::noinline]] const ParameterProfile* profileOf(const plot::CallExpr& call) const {
         const ParameterProfile* profile = nullptr;
         for (const auto& argument : call.arguments) {
             if (isUsing(argument)) {
@@ -208,7 +210,7 @@ class Expander {
         return profile;
     }
 
-    void checkArgumentOrder(const plot::CallExpr& call) const {
+    [[gnu::noinline]] void checkArgumentOrder(const plot::CallExpr& call) const {
         bool named = false;
         for (const auto& argument : call.arguments) {
             if (named && !argument.named) {
@@ -232,7 +234,6 @@ class Expander {
 
     /// A profile fills only what the call leaves open; a name fills no slot that a positional argument has
     /// filled.
-    /// Kept out of line: its locals must not stand on the stack of every level of nested calls.
     [[gnu::noinline]] void checkConflicts(const plot::CallExpr& call, const ParameterProfile* profile,
                                           const FormulaDefinition* formula) const {
         const auto filled = filledByPlace(call, formula);
@@ -281,7 +282,7 @@ class Expander {
         }
     }
 
-    std::size_t enter(const Place& place) const {
+    [[gnu::noinline]] std::size_t enter(const Place& place) const {
         if (place.formulas >= maxFormulaDepth) {
             plotError(span_,
                       "formula expansion exceeds the maximum depth of " + std::to_string(maxFormulaDepth));
