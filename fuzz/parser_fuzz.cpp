@@ -16,7 +16,7 @@ namespace {
 using namespace morquill;
 
 std::string canonical(const std::string& text) {
-    taskdsl::TaskParser parser(true, [](const std::string&) {});
+    taskdsl::TaskParser parser(false, [](const std::string&) {});
     return renderCanonicalDocument(parser.parseText(text, ""), views::CanonicalView::sourceView);
 }
 
