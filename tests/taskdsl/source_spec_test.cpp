@@ -266,6 +266,34 @@ TEST(ValidateStructuredSource, Faults) {
     EXPECT_EQ(lines({"aux b"}), "no fault");
 }
 
+TEST(SourceBlock, FaultsCarryTheTaskAndThePlaceOfTheLineOrTheDirective) {
+    const SourceSpan directive{"t.mq", 2, 3, 2, 10};
+    const auto fault = [&](const std::vector<std::string>& texts) {
+        std::vector<SourceEntryLine> lines;
+        for (const auto& text : texts) {
+            const auto number = static_cast<std::int32_t>(lines.size()) + 3;
+            lines.push_back({text, {"t.mq", number, 5, number, 9}});
+        }
+        return faultOf([&] { (void)parseSourceBlock(lines, "ts", directive); });
+    };
+    EXPECT_EQ(fault({"geom a", "", "aux xyz=b.xyz frame=[f]"}), "no fault");
+    EXPECT_EQ(
+        fault({"geom a", "aux"}),
+        "t.mq:4:5-4:9: error: task 'ts' has invalid structured %source entry: structured %source entry must "
+        "have '<binding-key> <source> [selector=value ...]': 'aux'");
+    EXPECT_EQ(
+        fault({"1 a"}),
+        "t.mq:3:5-3:9: error: task 'ts' has invalid structured %source entry: invalid structured %source "
+        "binding key '1'; use dot-separated identifiers beginning with a letter");
+    EXPECT_EQ(
+        fault({"geom.x a"}),
+        "t.mq:2:3-2:10: error: task 'ts' has invalid structured %source: structured %source with auxiliary "
+        "geometry bindings must also declare geom");
+    EXPECT_EQ(fault({"", ""}),
+              "t.mq:2:3-2:10: error: task 'ts' has empty %source; provide an inline source or one "
+              "or more structured bindings");
+}
+
 TEST(RereadBinding, SeesWhatASubstitutionHasMadeOfIt) {
     std::vector<SourceBinding> bindings{parseSourceBinding("geom xyz=a k=1 frame=[f]"),
                                         parseSourceBinding("aux xyz=a frame=[g]"),
