@@ -1,7 +1,7 @@
 // How fast a file goes through the parser and the writer, in bytes of input per second.
 
 #include "catalog/property_catalog.h"
-#include "taskdsl/task_parser.h"
+#include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
 #include <benchmark/benchmark.h>

@@ -1,5 +1,5 @@
 # How a room of the house becomes a target: one static library per folder of src/, one test program per
-# room. A library sees only the rooms that it names, so a wrong arrow does not link.
+# folder of tests/.
 
 add_library(mqkit_warnings INTERFACE)
 target_compile_options(mqkit_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
@@ -23,32 +23,37 @@ if(MQKIT_FUZZ)
     target_link_options(mqkit_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
-# mqkit_room(<name> SOURCES <file>... [USES <room>...])
-function(mqkit_room name)
-    cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
-    if(NOT ROOM_SOURCES) # a room that is not furnished yet
-        add_library(mqkit_${name} INTERFACE)
-        return()
-    endif()
-    add_library(mqkit_${name} STATIC ${ROOM_SOURCES})
+# mqkit_room(<folder> [USES <folder>...]): the library of one folder of src/, without its sub-folders, which are
+# rooms of their own. A source called main.cpp or *_main.cpp is a program and no part of the room.
+function(mqkit_room folder)
+    cmake_parse_arguments(ROOM "" "" "USES" ${ARGN})
+    string(REPLACE "/" "_" name ${folder})
+    file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
+    list(FILTER sources EXCLUDE REGEX "main\\.cpp$")
+    add_library(mqkit_${name} STATIC ${sources})
     target_include_directories(mqkit_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(mqkit_${name} PRIVATE mqkit_flags)
-    foreach(room IN LISTS ROOM_USES)
-        target_link_libraries(mqkit_${name} PUBLIC mqkit_${room})
+    foreach(used IN LISTS ROOM_USES)
+        string(REPLACE "/" "_" used ${used})
+        if(NOT TARGET mqkit_${used})
+            message(FATAL_ERROR "room ${folder} uses ${used}, which stands on no floor below it")
+        endif()
+        target_link_libraries(mqkit_${name} PUBLIC mqkit_${used})
     endforeach()
+    set_property(GLOBAL APPEND PROPERTY MQKIT_ROOMS ${folder})
 endfunction()
 
-# mqkit_unit_tests(<name> SOURCES <file>... USES <room>...): one GoogleTest program, one ctest entry.
+# mqkit_unit_tests(<folder>): one GoogleTest program and one ctest entry from the *_test.cpp of tests/<folder>.
 # Tests are compiled without optimisation: their compile time counts, their speed does not.
-function(mqkit_unit_tests name)
-    cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
-    add_executable(test_${name} ${ROOM_SOURCES})
-    target_link_libraries(test_${name} PRIVATE mqkit_warnings GTest::gmock GTest::gmock_main)
+function(mqkit_unit_tests folder)
+    string(REPLACE "/" "_" name ${folder})
+    string(REPLACE "/" "." entry ${folder})
+    file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/${folder}/*_test.cpp)
+    add_executable(test_${name} ${sources})
+    target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_link_libraries(test_${name} PRIVATE mqkit_warnings mqkit_${name} GTest::gmock GTest::gmock_main)
     target_compile_options(test_${name} PRIVATE -O0)
     target_precompile_headers(test_${name} REUSE_FROM mqkit_test_pch)
-    foreach(room IN LISTS ROOM_USES)
-        target_link_libraries(test_${name} PRIVATE mqkit_${room})
-    endforeach()
-    add_test(NAME unit.${name} COMMAND test_${name} --gtest_brief=1)
-    set_tests_properties(unit.${name} PROPERTIES WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
+    add_test(NAME unit.${entry} COMMAND test_${name} --gtest_brief=1)
+    set_tests_properties(unit.${entry} PROPERTIES WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
 endfunction()

@@ -3,7 +3,7 @@
 #include "taskdsl/derive/derive_substitute.h"
 #include "taskdsl/derive/statement_parts.h"
 #include "taskdsl/derive/task_references.h"
-#include "taskdsl/diagnostic.h"
+#include "taskdsl/base/diagnostic.h"
 
 #include "support/text.h"
 

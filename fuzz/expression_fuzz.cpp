@@ -1,8 +1,8 @@
 // Any bytes as an expression: what is read prints, the print reads back, and prints as itself. When nothing
 // was rounded or regrouped on the way, the tree is the same as well.
 
-#include "taskdsl/diagnostic.h"
-#include "taskdsl/plot/expression.h"
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/expr/expression.h"
 
 #include <cmath>
 #include <cstdint>

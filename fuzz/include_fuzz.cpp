@@ -5,7 +5,7 @@
 
 #include "support/file.h"
 #include "support/text.h"
-#include "taskdsl/task_parser.h"
+#include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
 #include <array>

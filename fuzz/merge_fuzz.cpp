@@ -2,12 +2,12 @@
 // given to the parser. A record separator (0x1e) in the input stands between two templates.
 
 #include "support/text.h"
-#include "taskdsl/task_parser.h"
-#include "templates/define_section.h"
-#include "templates/merge.h"
-#include "templates/supersequence.h"
-#include "templates/template_text.h"
-#include "templates/variable_template.h"
+#include "taskdsl/parser/task_parser.h"
+#include "templates/library/define_section.h"
+#include "templates/library/merge.h"
+#include "templates/library/supersequence.h"
+#include "templates/library/template_text.h"
+#include "templates/library/variable_template.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Bytes -> parse -> render -> parse -> render: the second text equals the first. Everything that is not a
 // text the parser accepts must end in its own error.
 
-#include "taskdsl/task_parser.h"
+#include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
 #include <cstddef>

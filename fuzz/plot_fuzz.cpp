@@ -3,7 +3,7 @@
 // prints as itself.
 
 #include "support/text.h"
-#include "taskdsl/diagnostic.h"
+#include "taskdsl/base/diagnostic.h"
 #include "taskdsl/plot/plot_parser.h"
 #include "taskdsl/plot/render.h"
 #include "taskdsl/plot/substitute_plot.h"

@@ -1,7 +1,7 @@
 #include "project/case_files.h"
 #include "project/project_command.h"
-#include "project/prompt.h"
-#include "project/target.h"
+#include "system/prompt.h"
+#include "project/cases/target.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/text.h"
@@ -15,7 +15,7 @@ namespace {
 enum class AddResult { added, skipped, failed };
 
 AddResult failAdd(std::string_view reason, const std::string& subject) {
-    printErrorLine("[mqkit][WARN] " + std::string(reason) + ": " + subject);
+    system::printErrorLine("[mqkit][WARN] " + std::string(reason) + ": " + subject);
     return AddResult::failed;
 }
 
@@ -43,15 +43,15 @@ AddResult addCase(AddRun& run, const std::string& path) {
     }
     const std::string caseDir = joinPath(run.root, stem);
     if (isDirectory(caseDir)) {
-        printLine("[mqkit][SKIP] case directory already exists: " + caseDir);
+        system::printLine("[mqkit][SKIP] case directory already exists: " + caseDir);
         return AddResult::skipped;
     }
-    printLine("[mqkit] add case: " + stem + " <- " + path);
+    system::printLine("[mqkit] add case: " + stem + " <- " + path);
     return run.dryRun || createCase(path, run.root, run.file) ? AddResult::added : AddResult::failed;
 }
 
 int refuse(std::string_view message, std::string_view programPath) {
-    printErrorLine(message);
+    system::printErrorLine(message);
     printProjectHelp(programPath);
     return 1;
 }
@@ -67,9 +67,9 @@ int runProjectAdd(const ProjectOptions& options, std::string_view programPath) {
     if (options.xyzFiles.empty()) {
         return refuse("[mqkit][ERROR] project add requires at least one .xyz file.", programPath);
     }
-    printLine("\n[Project Add]");
-    printLine("  project template: " + run.file);
-    printLine("  case files      : " + join(options.xyzFiles, " ") + (run.dryRun ? "  (dry-run)" : ""));
+    system::printLine("\n[Project Add]");
+    system::printLine("  project template: " + run.file);
+    system::printLine("  case files      : " + join(options.xyzFiles, " ") + (run.dryRun ? "  (dry-run)" : ""));
 
     int added = 0;
     int skipped = 0;
@@ -87,12 +87,12 @@ int runProjectAdd(const ProjectOptions& options, std::string_view programPath) {
             break;
         }
     }
-    printLine("\n[mqkit] finished: added " + std::to_string(added) + " case(s).");
+    system::printLine("\n[mqkit] finished: added " + std::to_string(added) + " case(s).");
     if (skipped > 0) {
-        printLine("[mqkit] note: " + std::to_string(skipped) + " case(s) already existed and were skipped.");
+        system::printLine("[mqkit] note: " + std::to_string(skipped) + " case(s) already existed and were skipped.");
     }
     if (failed > 0) {
-        printLine("[mqkit] note: " + std::to_string(failed) + " case(s) failed validation or creation.");
+        system::printLine("[mqkit] note: " + std::to_string(failed) + " case(s) failed validation or creation.");
     }
     return failed > 0 ? 2 : 0;
 }

@@ -1,10 +1,10 @@
-#include "project/block_pattern.h"
-#include "project/copy_item.h"
-#include "project/paths.h"
+#include "project/cases/block_pattern.h"
+#include "system/copy_item.h"
+#include "support/paths.h"
 #include "project/project_command.h"
-#include "project/prompt.h"
-#include "project/selection.h"
-#include "project/target.h"
+#include "system/prompt.h"
+#include "project/cases/selection.h"
+#include "project/cases/target.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/text.h"
@@ -50,16 +50,16 @@ void collectPattern(const CollectPlace& place, const std::string& pattern, bool 
     const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
     const auto matches = expandBlockPattern(place.blockDir, pattern, directoriesOnly);
     if (matches.empty()) {
-        printLine("[mqkit][SKIP] " + place.label + " : " + pattern);
+        system::printLine("[mqkit][SKIP] " + place.label + " : " + pattern);
     }
     for (const auto& match : matches) {
         const auto source = joinPath(place.blockDir, match);
         const auto target = joinPath(place.targetDir, targetName(source, place.caseName));
-        printLine("[mqkit] copy: " + source + " -> " + target);
+        system::printLine("[mqkit] copy: " + source + " -> " + target);
         summary.items += 1;
-        if (!dryRun && !copyItem(source, target)) {
+        if (!dryRun && !system::copyItem(source, target)) {
             summary.failed += 1;
-            printErrorLine("[mqkit][WARN] copy failed: " + source);
+            system::printErrorLine("[mqkit][WARN] copy failed: " + source);
         }
     }
 }
@@ -73,17 +73,17 @@ void printCollectHeader(const ProjectOptions& options, const ChosenBlocks& chose
     if (chosen.selected.size() > 1) {
         text += "  layout: multi-task mode writes to results/<task>/\n";
     }
-    printLine(text);
+    system::printLine(text);
 }
 
 int printCollectSummary(const CollectSummary& summary, const std::string& results) {
-    printLine("\n[mqkit] finished: collected " + std::to_string(summary.items) + " item(s) into " + results);
+    system::printLine("\n[mqkit] finished: collected " + std::to_string(summary.items) + " item(s) into " + results);
     if (summary.missing > 0) {
-        printLine("[mqkit] note: " + std::to_string(summary.missing) +
+        system::printLine("[mqkit] note: " + std::to_string(summary.missing) +
                   " case/task combinations are missing block directories.");
     }
     if (summary.failed > 0) {
-        printLine("[mqkit] note: " + std::to_string(summary.failed) + " collected item(s) failed to copy.");
+        system::printLine("[mqkit] note: " + std::to_string(summary.failed) + " collected item(s) failed to copy.");
     }
     return summary.missing > 0 || summary.failed > 0 ? 2 : 0;
 }
@@ -97,13 +97,13 @@ int runProjectCollect(const ProjectOptions& options, std::string_view programPat
         return 1;
     }
     if (options.patterns.empty()) {
-        printErrorLine("[mqkit][ERROR] project collect requires at least one glob pattern.");
+        system::printErrorLine("[mqkit][ERROR] project collect requires at least one glob pattern.");
         printProjectHelp(programPath);
         return 1;
     }
     const auto results = joinPath(chosen.root, "results");
     if (!makeDirectory(results)) { // also in a dry run
-        printErrorLine("[mqkit][ERROR] could not create results directory: " + results);
+        system::printErrorLine("[mqkit][ERROR] could not create results directory: " + results);
         return 1;
     }
     printCollectHeader(options, chosen, results);
@@ -111,7 +111,7 @@ int runProjectCollect(const ProjectOptions& options, std::string_view programPat
     for (const auto& task : chosen.selected) {
         const auto targetDir = chosen.selected.size() > 1 ? joinPath(results, task) : results;
         if (!options.dryRun && !makeDirectory(targetDir)) {
-            printErrorLine("[mqkit][ERROR] could not create result directory: " + targetDir);
+            system::printErrorLine("[mqkit][ERROR] could not create result directory: " + targetDir);
             return 1;
         }
         for (const auto& caseDir : caseDirs) {
@@ -119,7 +119,7 @@ int runProjectCollect(const ProjectOptions& options, std::string_view programPat
             const CollectPlace place{caseName, caseName + " / $" + task, joinPath(caseDir, task), targetDir};
             if (!isDirectory(place.blockDir)) {
                 summary.missing += 1;
-                printLine("[mqkit][SKIP] " + place.label + " : block directory is missing");
+                system::printLine("[mqkit][SKIP] " + place.label + " : block directory is missing");
                 continue;
             }
             for (const auto& pattern : options.patterns) {

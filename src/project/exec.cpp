@@ -1,10 +1,10 @@
-#include "project/paths.h"
-#include "project/process.h"
+#include "support/paths.h"
+#include "system/process.h"
 #include "project/project_command.h"
-#include "project/prompt.h"
+#include "system/prompt.h"
 #include "project/regenerate.h"
-#include "project/selection.h"
-#include "project/target.h"
+#include "project/cases/selection.h"
+#include "project/cases/target.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/text.h"
@@ -51,19 +51,19 @@ void execInBlock(const ProjectOptions& options, const std::string& caseDir, cons
     const auto blockDir = joinPath(caseDir, task);
     if (!isDirectory(blockDir)) {
         summary.missing += 1;
-        printLine("[mqkit][SKIP] " + caseName + " / $" + task + " : block directory is missing");
+        system::printLine("[mqkit][SKIP] " + caseName + " / $" + task + " : block directory is missing");
         return;
     }
     const auto command = resolveCommand(options.command, task, caseName);
-    printLine("\n>>> [" + caseName + "] " + blockDir + "\n$ " + command);
+    system::printLine("\n>>> [" + caseName + "] " + blockDir + "\n$ " + command);
     summary.total += 1;
     std::string failure;
-    if (options.dryRun || runShellCommand(blockDir, command, &failure)) {
+    if (options.dryRun || system::runShellCommand(blockDir, command, &failure)) {
         summary.success += 1;
         return;
     }
     summary.failed += 1;
-    printErrorLine("[mqkit][WARN] command failed: " + blockDir + inParentheses(failure));
+    system::printErrorLine("[mqkit][WARN] command failed: " + blockDir + inParentheses(failure));
 }
 
 } // namespace
@@ -71,7 +71,7 @@ void execInBlock(const ProjectOptions& options, const std::string& caseDir, cons
 bool chooseCases(const std::string& root, std::string_view programPath, std::vector<std::string>& caseDirs) {
     caseDirs = listCaseDirectories(root);
     if (caseDirs.empty()) {
-        printErrorLine("[mqkit][ERROR] no case subdirectories were found in project: " + root);
+        system::printErrorLine("[mqkit][ERROR] no case subdirectories were found in project: " + root);
         printProjectHelp(programPath);
     }
     return !caseDirs.empty();
@@ -84,11 +84,11 @@ int runProjectExec(const ProjectOptions& options, std::string_view programPath) 
         return 1;
     }
     if (trim(options.command).empty()) {
-        printErrorLine("[mqkit][ERROR] project exec requires a command via --cmd or -- <cmd...>.");
+        system::printErrorLine("[mqkit][ERROR] project exec requires a command via --cmd or -- <cmd...>.");
         printProjectHelp(programPath);
         return 1;
     }
-    printLine("\n[Project Exec]\n  project template: " + chosen.file +
+    system::printLine("\n[Project Exec]\n  project template: " + chosen.file +
               "\n  task blocks: " + formatSelection(chosen.selected) + "\n  command: " + options.command +
               (options.dryRun ? "  (dry-run)\n" : "\n"));
     ExecSummary summary;
@@ -97,14 +97,14 @@ int runProjectExec(const ProjectOptions& options, std::string_view programPath) 
             execInBlock(options, caseDir, task, summary);
         }
     }
-    printLine("\n[mqkit] finished: executed " + std::to_string(summary.success) + "/" +
+    system::printLine("\n[mqkit] finished: executed " + std::to_string(summary.success) + "/" +
               std::to_string(summary.total) + " block(s) successfully.");
     if (summary.missing > 0) {
-        printLine("[mqkit] note: " + std::to_string(summary.missing) +
+        system::printLine("[mqkit] note: " + std::to_string(summary.missing) +
                   " block directory/directories are missing.");
     }
     if (summary.failed > 0) {
-        printLine("[mqkit] note: " + std::to_string(summary.failed) + " block(s) failed.");
+        system::printLine("[mqkit] note: " + std::to_string(summary.failed) + " block(s) failed.");
     }
     return summary.missing > 0 || summary.failed > 0 ? 2 : 0;
 }

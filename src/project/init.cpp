@@ -1,9 +1,9 @@
-#include "frontend/logger.h"
-#include "frontend/runtime_config.h"
+#include "console/logger.h"
+#include "console/runtime_config.h"
 #include "project/case_files.h"
-#include "project/paths.h"
-#include "project/process.h"
-#include "project/prompt.h"
+#include "support/paths.h"
+#include "system/process.h"
+#include "system/prompt.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/text.h"
@@ -20,39 +20,39 @@ namespace {
 /// The directory that projects are made in; empty when it is not configured. The file goes before the
 /// environment: a directory of projects is set once, in the file, and the built-in default "." does not
 /// count.
-std::string configuredTaskPath(const frontend::RuntimeConfig& config) {
+std::string configuredTaskPath(const console::RuntimeConfig& config) {
     const auto found = config.find("MORQUILL_TASK_PATH");
     std::string path = found == config.end() ? std::string() : found->second;
     if (path.empty()) {
-        path = frontend::getEnvOrDefault("MORQUILL_TASK_PATH", "");
+        path = console::getEnvOrDefault("MORQUILL_TASK_PATH", "");
     }
     return path.empty() ? path : absolutePath(path);
 }
 
 /// The name that the user gives, or that of the current directory; empty after a message.
 std::string askProjectName(const std::string& current) {
-    frontend::logPrompt("project name: ");
-    std::string name(trim(readInputLine().value_or("")));
+    console::logPrompt("project name: ");
+    std::string name(trim(system::readInputLine().value_or("")));
     if (!name.empty()) {
         return name;
     }
     name = baseName(current);
     if (name.empty()) {
-        frontend::logError("project name cannot be inferred from current directory");
+        console::logError("project name cannot be inferred from current directory");
         return {};
     }
-    frontend::logInfo("using current directory name as project name: " + name);
+    console::logInfo("using current directory name as project name: " + name);
     return name;
 }
 
 bool failProject(const std::error_code& error) {
-    frontend::logError("failed to create project: " + error.message());
+    console::logError("failed to create project: " + error.message());
     return false;
 }
 
 bool makeProjectDirectory(const std::string& dir) {
     if (isDirectory(dir)) {
-        frontend::logWarning("project directory already exists: " + dir);
+        console::logWarning("project directory already exists: " + dir);
         return true;
     }
     std::error_code error;
@@ -60,13 +60,13 @@ bool makeProjectDirectory(const std::string& dir) {
     if (error) {
         return failProject(error);
     }
-    frontend::logInfo("created project directory: " + dir);
+    console::logInfo("created project directory: " + dir);
     return true;
 }
 
 bool makeTemplate(const std::string& source, const std::string& file) {
     if (isRegularFile(file)) {
-        frontend::logInfo("project template already exists: " + file);
+        console::logInfo("project template already exists: " + file);
         return true;
     }
     std::error_code error;
@@ -74,30 +74,30 @@ bool makeTemplate(const std::string& source, const std::string& file) {
     if (error) {
         return failProject(error);
     }
-    frontend::logInfo("wrote project template: " + file);
+    console::logInfo("wrote project template: " + file);
     return true;
 }
 
-void startRunner(const frontend::RuntimeConfig& config, const std::string& projectDir) {
-    std::string runner = frontend::findRunnerProgram(config);
+void startRunner(const console::RuntimeConfig& config, const std::string& projectDir) {
+    std::string runner = console::findRunnerProgram(config);
     if (runner.find('/') != std::string::npos) {
         runner = absolutePath(runner); // the child stands in another directory
     }
     const std::string quotedDir = shellQuote(projectDir);
-    frontend::logInfo("running: cd " + quotedDir + " && " + shellQuote(runner) + " kick --path " + quotedDir);
+    console::logInfo("running: cd " + quotedDir + " && " + shellQuote(runner) + " kick --path " + quotedDir);
     std::string failure;
-    if (!runProgram(projectDir, runner, {"kick", "--path", projectDir}, &failure)) {
-        frontend::logError("project runner failed: " + failure);
+    if (!system::runProgram(projectDir, runner, {"kick", "--path", projectDir}, &failure)) {
+        console::logError("project runner failed: " + failure);
     }
 }
 
 } // namespace
 
 bool runProjectInit() {
-    const frontend::RuntimeConfig config = frontend::loadConfig("morquill.conf");
+    const console::RuntimeConfig config = console::loadConfig("morquill.conf");
     const std::string taskPath = configuredTaskPath(config);
     if (taskPath.empty()) {
-        frontend::logError("MORQUILL_TASK_PATH is not set");
+        console::logError("MORQUILL_TASK_PATH is not set");
         return false;
     }
     const std::string current = absolutePath({});
@@ -109,12 +109,12 @@ bool runProjectInit() {
     if (source.empty()) {
         return false;
     }
-    frontend::logInfo("source .mq file: " + source);
+    console::logInfo("source .mq file: " + source);
     const std::vector<std::string> geometries = listGeometryFiles(current);
     if (geometries.empty()) {
         return false;
     }
-    frontend::logInfo("geometry files found: " + std::to_string(geometries.size()));
+    console::logInfo("geometry files found: " + std::to_string(geometries.size()));
 
     const std::string projectDir = absolutePath(joinPath(taskPath, name));
     const std::string templateFile = joinPath(projectDir, name + ".projmq");
@@ -124,12 +124,12 @@ bool runProjectInit() {
     for (const std::string& geometry : geometries) {
         static_cast<void>(createCase(geometry, projectDir, templateFile)); // told by itself; the others go on
     }
-    frontend::logSeparator();
-    frontend::logInfo("project created");
-    frontend::logInfo("project path: " + projectDir);
-    frontend::logInfo("project template: " + templateFile);
-    frontend::logPrompt("start the generated project now? (y/n): ");
-    if (const std::string answer = readInputLine().value_or(""); answer == "y" || answer == "Y") {
+    console::logSeparator();
+    console::logInfo("project created");
+    console::logInfo("project path: " + projectDir);
+    console::logInfo("project template: " + templateFile);
+    console::logPrompt("start the generated project now? (y/n): ");
+    if (const std::string answer = system::readInputLine().value_or(""); answer == "y" || answer == "Y") {
         startRunner(config, projectDir);
     }
     return true;

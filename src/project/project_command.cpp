@@ -1,9 +1,9 @@
 #include "project/project_command.h"
 
-#include "frontend/console.h"
-#include "project/prompt.h"
-#include "project/selection.h"
-#include "project/target.h"
+#include "console/console.h"
+#include "system/prompt.h"
+#include "project/cases/selection.h"
+#include "project/cases/target.h"
 #include "project/workflows.h"
 #include "support/text.h"
 
@@ -15,7 +15,7 @@ namespace {
 
 bool isHelpWanted(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        if (frontend::isHelpToken(argv[i])) {
+        if (console::isHelpToken(argv[i])) {
             return true;
         }
     }
@@ -39,7 +39,7 @@ int statusOf(bool success) {
 
 int runAdd(const ProjectOptions& options, std::string_view programPath) {
     if (!options.names.empty()) {
-        printErrorLine("[mqkit][ERROR] project add does not accept -n/--name.");
+        system::printErrorLine("[mqkit][ERROR] project add does not accept -n/--name.");
         printProjectHelp(programPath);
         return 1;
     }
@@ -99,7 +99,7 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
     try {
         return runSubCommand(options, programPath);
     } catch (const std::exception& failure) {
-        printErrorLine(frontend::errorTag() + " " + failure.what());
+        system::printErrorLine(console::errorTag() + " " + failure.what());
         return 1;
     }
 }
@@ -107,23 +107,23 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
 bool chooseBlocks(const ProjectOptions& options, std::string_view programPath, ChosenBlocks& chosen) {
     std::string error;
     if (!resolveProjectTemplate(options.path, chosen.root, chosen.file, error)) {
-        printErrorLine(error);
+        system::printErrorLine(error);
         printProjectHelp(programPath);
         return false;
     }
     if (options.names.empty()) {
-        printErrorLine("[mqkit][ERROR] specify at least one task block with -n/--name.");
+        system::printErrorLine("[mqkit][ERROR] specify at least one task block with -n/--name.");
         printProjectHelp(programPath);
         return false;
     }
     TaskCatalog catalog;
     if (!loadCatalog(chosen.root, chosen.file, catalog, error)) {
-        printErrorLine(error);
+        system::printErrorLine(error);
         return false;
     }
     std::vector<std::string> missing;
     if (!selectTaskBlocks(catalog, options.names, true, chosen.selected, missing)) {
-        printErrorLine("[mqkit][ERROR] task block not found in .projmq: " + join(missing, ", "));
+        system::printErrorLine("[mqkit][ERROR] task block not found in .projmq: " + join(missing, ", "));
         printKnownBlocks(catalog);
         printProjectHelp(programPath);
         return false;

@@ -1,8 +1,8 @@
 #include "project/project_options.h"
 
-#include "frontend/console.h"
-#include "project/prompt.h"
-#include "project/target.h"
+#include "console/console.h"
+#include "system/prompt.h"
+#include "project/cases/target.h"
 #include "support/file.h"
 #include "support/text.h"
 
@@ -181,13 +181,13 @@ std::optional<std::size_t> countValues(Values values, Tokens behind) {
 
 bool fail(std::string_view message) {
     if (!message.empty()) {
-        printErrorLine(message);
+        system::printErrorLine(message);
     }
     return false;
 }
 
 bool failUnknown(std::string_view token) {
-    return fail(frontend::errorTag() + " unknown argument: " + std::string(token));
+    return fail(console::errorTag() + " unknown argument: " + std::string(token));
 }
 
 enum class OptionMatch { none, taken, failed };
@@ -305,7 +305,7 @@ bool isProjectPathToken(std::string_view token) {
 }
 
 bool parseProjectArguments(int argc, const char* const* argv, ProjectOptions& options) {
-    if (argc < 3 || frontend::isHelpToken(argv[2]) || !readSubCommand(argv[2], options.subCommand)) {
+    if (argc < 3 || console::isHelpToken(argv[2]) || !readSubCommand(argv[2], options.subCommand)) {
         return false;
     }
     if (options.subCommand == ProjectSubCommand::Init) {
@@ -316,7 +316,7 @@ bool parseProjectArguments(int argc, const char* const* argv, ProjectOptions& op
     const Tokens tokens(argv + 3, argv + argc);
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const std::string_view token = tokens[i];
-        if (frontend::isHelpToken(token)) {
+        if (console::isHelpToken(token)) {
             return false;
         }
         if (token == "--") {
@@ -352,7 +352,7 @@ bool parseCompatibilityArguments(int argc, const char* const* argv, ProjectOptio
     const Tokens tokens(argv + 1, argv + argc);
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const std::string_view token = tokens[i];
-        if (frontend::isHelpToken(token)) {
+        if (console::isHelpToken(token)) {
             return false;
         }
         if (options.path.empty() && isProjectPathToken(token)) {
@@ -383,7 +383,7 @@ UpdateShape parseUpdateArguments(int argc, const char* const* argv, ProjectOptio
     const Tokens tokens(argv + 2, argv + argc);
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const std::string_view token = tokens[i];
-        if (frontend::isHelpToken(token)) {
+        if (console::isHelpToken(token)) {
             return UpdateShape::help;
         }
         switch (matchOption(updateOptions, tokens, i, options)) {

@@ -1,12 +1,12 @@
 #include "project/rebuild.h"
 
-#include "frontend/runtime_config.h"
-#include "project/paths.h"
-#include "project/process.h"
-#include "project/prompt.h"
+#include "console/runtime_config.h"
+#include "support/paths.h"
+#include "system/process.h"
+#include "system/prompt.h"
 #include "project/regenerate.h"
-#include "project/selection.h"
-#include "project/status_file.h"
+#include "project/cases/selection.h"
+#include "project/status/status_file.h"
 #include "support/file.h"
 #include "support/text.h"
 
@@ -62,11 +62,11 @@ bool cleanStatus(const std::string& caseDir, const std::vector<std::string>& sel
         summary.recordsRemoved += static_cast<std::int32_t>(count);
     }
     if (!dryRun && !removeTaskRecords(caseDir, selected)) {
-        printErrorLine("[mqkit][ERROR] failed to clean mq.status: " + name);
+        system::printErrorLine("[mqkit][ERROR] failed to clean mq.status: " + name);
         return false;
     }
     if (count > 0) {
-        printLine(dryRun ? "[mqkit][DRY-RUN] " + name + " : would remove " + what
+        system::printLine(dryRun ? "[mqkit][DRY-RUN] " + name + " : would remove " + what
                          : "[mqkit] " + name + " : removed " + what);
     }
     return true;
@@ -76,7 +76,7 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
                 RebuildSummary& summary) {
     if (!isDirectory(blockDir)) {
         summary.blocksMissing += 1;
-        printLine((options.dryRun ? "[mqkit][DRY-RUN] " : "[mqkit][SKIP] ") + label +
+        system::printLine((options.dryRun ? "[mqkit][DRY-RUN] " : "[mqkit][SKIP] ") + label +
                   " : block directory is missing");
         return;
     }
@@ -87,7 +87,7 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
     }
     const auto count = options.dryRun ? found : removeWorkMarkers(blockDir);
     summary.workMarkers += count;
-    printLine((options.dryRun ? "[mqkit][DRY-RUN] " + label + " : would remove "
+    system::printLine((options.dryRun ? "[mqkit][DRY-RUN] " + label + " : would remove "
                               : "[mqkit] " + label + " : removed ") +
               std::to_string(count) + " .mqwk file(s)");
 }
@@ -103,7 +103,7 @@ bool cleanCases(const WorkPlace& place, const std::vector<std::string>& selected
             cleanBlock(joinPath(caseDir, task), baseName(caseDir) + " / $" + task, options, summary);
         }
     }
-    printLine("\n[mqkit] summary: cases=" + std::to_string(summary.cases) +
+    system::printLine("\n[mqkit] summary: cases=" + std::to_string(summary.cases) +
               ", mq.status touched=" + std::to_string(summary.statusTouched) +
               ", records removed=" + std::to_string(summary.recordsRemoved) +
               ", block directories visited=" + std::to_string(summary.blocksVisited) +
@@ -118,19 +118,19 @@ std::string runnerCommand(const std::string& runner, const std::string& root) {
 
 bool startRunner(const std::string& root, bool dryRun, RebuildSummary& summary) {
     const auto runner = resolveRunner(root);
-    if (!frontend::isRunnerAvailable(runner)) {
-        printErrorLine("[mqkit][ERROR] configured project runner not found: " + runner);
+    if (!console::isRunnerAvailable(runner)) {
+        system::printErrorLine("[mqkit][ERROR] configured project runner not found: " + runner);
         return false;
     }
-    printLine("\n" + std::string(executePrefix(dryRun)) + runnerCommand(runner, root));
+    system::printLine("\n" + std::string(executePrefix(dryRun)) + runnerCommand(runner, root));
     std::string failure;
-    if (!dryRun && !runProgram(root, runner, {"kick", "--path", root}, &failure)) {
+    if (!dryRun && !system::runProgram(root, runner, {"kick", "--path", root}, &failure)) {
         summary.runnerFailed += 1;
-        printErrorLine("[mqkit][ERROR] failed to execute project runner: " + runner + inParentheses(failure));
+        system::printErrorLine("[mqkit][ERROR] failed to execute project runner: " + runner + inParentheses(failure));
         return false;
     }
     summary.runnerSuccess += 1;
-    printLine("\n[mqkit] project runner summary: success=" + std::to_string(summary.runnerSuccess) +
+    system::printLine("\n[mqkit] project runner summary: success=" + std::to_string(summary.runnerSuccess) +
               ", failed=" + std::to_string(summary.runnerFailed));
     return true;
 }
@@ -148,10 +148,10 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
     printGeneratorCommand(*place, options.dryRun, rebuildWords);
     if (!options.dryRun) {
         if (std::string failure; !runGenerator(*place, rebuildWords, failure)) {
-            printErrorLine("[mqkit][ERROR] failed to re-run morquill" + inParentheses(failure));
+            system::printErrorLine("[mqkit][ERROR] failed to re-run morquill" + inParentheses(failure));
             return false;
         }
-        printLine("[mqkit] full morquill rebuild completed");
+        system::printLine("[mqkit] full morquill rebuild completed");
     }
     const bool withRunner = options.runScript && place->kind == TargetKind::Project;
     return !withRunner || startRunner(place->directory, options.dryRun, summary);
@@ -161,20 +161,20 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
 /// it was demanded and is not there.
 bool settleRunner(const std::string& root, bool& runScript) {
     const auto runner = resolveRunner(root);
-    const bool available = frontend::isRunnerAvailable(runner);
+    const bool available = console::isRunnerAvailable(runner);
     if (runScript) {
         if (!available) {
-            printErrorLine("[mqkit][ERROR] configured project runner not found: " + runner);
+            system::printErrorLine("[mqkit][ERROR] configured project runner not found: " + runner);
             return false;
         }
-        printLine("[mqkit] post-rebuild runner enabled: " + runnerCommand(runner, root));
+        system::printLine("[mqkit] post-rebuild runner enabled: " + runnerCommand(runner, root));
     } else if (!available) {
-        printLine("[mqkit][WARN] configured project runner not found: " + runner);
-        printLine("[mqkit] rebuild will finish without running mqrun kick");
+        system::printLine("[mqkit][WARN] configured project runner not found: " + runner);
+        system::printLine("[mqkit] rebuild will finish without running mqrun kick");
     } else {
-        printLine("\n[mqkit] execute the configured project runner afterwards? (y/n):");
-        printLine("        " + runnerCommand(runner, root));
-        runScript = askYesNo();
+        system::printLine("\n[mqkit] execute the configured project runner afterwards? (y/n):");
+        system::printLine("        " + runnerCommand(runner, root));
+        runScript = system::askYesNo();
     }
     return true;
 }
@@ -191,7 +191,7 @@ std::int32_t removeWorkMarkers(const std::string& blockDir) {
         if (::unlink(marker.c_str()) == 0) {
             removed += 1;
         } else {
-            printErrorLine("[mqkit][WARN] failed to remove work marker: " + marker);
+            system::printErrorLine("[mqkit][WARN] failed to remove work marker: " + marker);
         }
     }
     return removed;
@@ -199,7 +199,7 @@ std::int32_t removeWorkMarkers(const std::string& blockDir) {
 
 std::string resolveRunner(const std::string& root) {
     const WorkingDirectory inRoot(root);
-    const auto runner = frontend::findRunnerProgram(frontend::loadConfig("morquill.conf"));
+    const auto runner = console::findRunnerProgram(console::loadConfig("morquill.conf"));
     // A path relative to the root means nothing once this returns; a bare name is looked up along PATH.
     return runner.find('/') == std::string::npos ? runner : absolutePath(runner);
 }
@@ -224,13 +224,13 @@ bool runProjectRebuild(const std::string& path, const std::vector<std::string>& 
     if (selected.empty()) {
         return true;
     }
-    printLine("\n[mqkit] selected: " + formatSelection(selected));
-    printLine("[mqkit] rebuild mode re-runs full morquill and refreshes generated inputs/workflow.");
+    system::printLine("\n[mqkit] selected: " + formatSelection(selected));
+    system::printLine("[mqkit] rebuild mode re-runs full morquill and refreshes generated inputs/workflow.");
     RebuildOptions chosen = options;
     bool rebuilt = false;
     if (target.kind == TargetKind::Case) {
         if (chosen.runScript) {
-            printErrorLine(
+            system::printErrorLine(
                 "[mqkit][ERROR] --run-script requires a project root or .projmq path. For a single "
                 "case, rebuild the case first, then run the project runner from the project root.");
             return false;
@@ -243,7 +243,7 @@ bool runProjectRebuild(const std::string& path, const std::vector<std::string>& 
         rebuilt = rebuildProject(target.projectRoot, target.projectFile, selected, chosen);
     }
     if (!rebuilt) {
-        printErrorLine("[mqkit][ERROR] rebuild failed.");
+        system::printErrorLine("[mqkit][ERROR] rebuild failed.");
     }
     return rebuilt;
 }

@@ -1,9 +1,9 @@
 #include "project/regenerate.h"
 
-#include "project/paths.h"
-#include "project/process.h"
-#include "project/prompt.h"
-#include "project/selection.h"
+#include "support/paths.h"
+#include "system/process.h"
+#include "system/prompt.h"
+#include "project/cases/selection.h"
 #include "support/file.h"
 #include "support/text.h"
 
@@ -16,7 +16,7 @@ constexpr const char* comdOnlyFlag = "--comd-only";
 
 bool hasSelection(const std::vector<std::string>& selected, const WorkflowWords& words) {
     if (selected.empty()) {
-        printErrorLine("[mqkit][ERROR] no task blocks were selected for " + std::string(words.verb));
+        system::printErrorLine("[mqkit][ERROR] no task blocks were selected for " + std::string(words.verb));
     }
     return !selected.empty();
 }
@@ -26,7 +26,7 @@ bool hasSelection(const std::vector<std::string>& selected, const WorkflowWords&
 bool chooseWork(const std::string& path, const std::vector<std::string>& names, std::string_view title,
                 ProjectTarget& target, std::vector<std::string>& selected) {
     if (std::string error; !resolveTarget(path, target, error)) {
-        printErrorLine(error);
+        system::printErrorLine(error);
         return false;
     }
     const bool chosen =
@@ -34,7 +34,7 @@ bool chooseWork(const std::string& path, const std::vector<std::string>& names, 
             ? selectFromFile(target.caseFile, "task file", names, title, selected)
             : selectFromProject(target.projectRoot, target.projectFile, names, title, selected);
     if (chosen && selected.empty()) {
-        printLine("[mqkit] no task blocks were selected; exiting.");
+        system::printLine("[mqkit] no task blocks were selected; exiting.");
     }
     return chosen;
 }
@@ -45,11 +45,11 @@ std::optional<WorkPlace> openCase(const std::string& caseDir, const std::string&
         return std::nullopt;
     }
     if (!isDirectory(caseDir)) {
-        printErrorLine("[mqkit][ERROR] case directory does not exist: " + caseDir);
+        system::printErrorLine("[mqkit][ERROR] case directory does not exist: " + caseDir);
         return std::nullopt;
     }
     if (!isRegularFile(caseFile)) {
-        printErrorLine("[mqkit][ERROR] case .mq file does not exist: " + caseFile);
+        system::printErrorLine("[mqkit][ERROR] case .mq file does not exist: " + caseFile);
         return std::nullopt;
     }
     return WorkPlace{TargetKind::Case, caseDir, caseFile, {caseDir}};
@@ -62,7 +62,7 @@ std::optional<WorkPlace> openProject(const std::string& root, const std::string&
     }
     auto caseDirs = listCaseDirectories(root);
     if (caseDirs.empty()) {
-        printErrorLine("[mqkit][ERROR] no case subdirectories were found in project: " + root);
+        system::printErrorLine("[mqkit][ERROR] no case subdirectories were found in project: " + root);
         return std::nullopt;
     }
     return WorkPlace{TargetKind::Project, root, file, std::move(caseDirs)};
@@ -80,7 +80,7 @@ void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& sel
     text += "  task blocks: " + formatSelection(selected) + "\n";
     text += dryRun ? "  mode: dry-run (no files written)\n" : "  mode: apply changes\n";
     text.append("  morquill mode: ").append(words.mode).append("\n");
-    printLine(text);
+    system::printLine(text);
 }
 
 std::string_view executePrefix(bool dryRun) noexcept {
@@ -93,7 +93,7 @@ void printGeneratorCommand(const WorkPlace& place, bool dryRun, const WorkflowWo
     if (words.comdOnly) {
         line.append(" ").append(comdOnlyFlag);
     }
-    printLine(line);
+    system::printLine(line);
 }
 
 bool runGenerator(const WorkPlace& place, const WorkflowWords& words, std::string& failure) {
@@ -101,7 +101,7 @@ bool runGenerator(const WorkPlace& place, const WorkflowWords& words, std::strin
     if (words.comdOnly) {
         arguments.emplace_back(comdOnlyFlag);
     }
-    return runProgram(place.directory, generator, arguments, &failure);
+    return system::runProgram(place.directory, generator, arguments, &failure);
 }
 
 std::string inParentheses(const std::string& reason) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/target.h"
+#include "project/cases/target.h"
 
 #include <optional>
 #include <string>

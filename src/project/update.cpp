@@ -1,12 +1,12 @@
 #include "project/update.h"
 
-#include "frontend/console.h"
-#include "project/paths.h"
-#include "project/process.h"
-#include "project/prompt.h"
+#include "console/console.h"
+#include "support/paths.h"
+#include "system/process.h"
+#include "system/prompt.h"
 #include "project/regenerate.h"
-#include "project/selection.h"
-#include "project/signal_guard.h"
+#include "project/cases/selection.h"
+#include "system/signal_guard.h"
 #include "project/update_script.h"
 #include "support/file.h"
 
@@ -22,7 +22,7 @@ bool prepareRun(const WorkPlace& place, const std::vector<std::string>& selected
     if (!scopeStatusFiles(place.caseDirs, selected, dryRun, backups, summary)) {
         return false;
     }
-    printLine("\n[mqkit] summary: cases=" + std::to_string(summary.cases) +
+    system::printLine("\n[mqkit] summary: cases=" + std::to_string(summary.cases) +
               ", mq.status scoped=" + std::to_string(summary.statusScoped) +
               ", mq.status hidden=" + std::to_string(summary.statusHidden) +
               ", selected completed records=" + std::to_string(summary.selectedCompletedRecords));
@@ -33,7 +33,7 @@ bool prepareRun(const WorkPlace& place, const std::vector<std::string>& selected
 /// Runs the generator on narrowed status files, which are back when this returns, throws or is ended by a
 /// signal.
 bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selected, UpdateSummary& summary) {
-    const SignalGuard signals; // goes last: the status files are back before a signal ends the program
+    const system::SignalGuard signals; // goes last: the status files are back before a signal ends the program
     StatusRestorer statusFiles;
     if (!prepareRun(place, selected, false, statusFiles.backups(), summary)) {
         return false;
@@ -43,25 +43,25 @@ bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selecte
     if (!statusFiles.restore() || signals.noted() != 0) {
         return false;
     }
-    printLine("[mqkit] mq.status restored after comd-only update");
+    system::printLine("[mqkit] mq.status restored after comd-only update");
     if (!refreshed) {
-        printErrorLine("[mqkit][ERROR] failed to re-run morquill in --comd-only mode" +
+        system::printErrorLine("[mqkit][ERROR] failed to re-run morquill in --comd-only mode" +
                        inParentheses(failure));
         return false;
     }
-    printLine("[mqkit] morquill --comd-only update completed");
+    system::printLine("[mqkit] morquill --comd-only update completed");
     return true;
 }
 
 bool leaveScript(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun) {
     std::string path;
     if (!writeComdRunnerScript(place.directory, place.caseDirs, selected, dryRun, path)) {
-        printErrorLine("[mqkit][ERROR] failed to write comd runner script: " + path);
+        system::printErrorLine("[mqkit][ERROR] failed to write comd runner script: " + path);
         return false;
     }
-    printLine(std::string(dryRun ? "\n[mqkit][DRY-RUN] would generate " : "\n[mqkit] generated ") +
+    system::printLine(std::string(dryRun ? "\n[mqkit][DRY-RUN] would generate " : "\n[mqkit] generated ") +
               "comd runner script: " + path);
-    printLine("[mqkit] this script replays the same per-task 'bash comd' flow as immediate execution");
+    system::printLine("[mqkit] this script replays the same per-task 'bash comd' flow as immediate execution");
     return true;
 }
 
@@ -82,25 +82,25 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
         return leaveScript(*place, selected, options.dryRun);
     }
     const bool allRan = runComdForCases(place->caseDirs, selected, options.dryRun, summary);
-    printLine("\n[mqkit] comd summary: success=" + std::to_string(summary.comdSuccess) +
+    system::printLine("\n[mqkit] comd summary: success=" + std::to_string(summary.comdSuccess) +
               ", failed=" + std::to_string(summary.comdFailed));
     return allRan;
 }
 
 bool runComd(const std::string& blockDir, const std::string& label, bool dryRun, UpdateSummary& summary) {
     if (!isDirectory(blockDir)) {
-        printLine("[mqkit][SKIP] " + label + " : block directory is missing");
+        system::printLine("[mqkit][SKIP] " + label + " : block directory is missing");
         return true;
     }
     if (!isRegularFile(joinPath(blockDir, "comd"))) {
-        printLine("[mqkit][SKIP] " + label + " : comd is missing");
+        system::printLine("[mqkit][SKIP] " + label + " : comd is missing");
         return true;
     }
-    printLine(std::string(executePrefix(dryRun)) + label + " -> bash comd");
+    system::printLine(std::string(executePrefix(dryRun)) + label + " -> bash comd");
     std::string failure;
-    if (!dryRun && !runProgram(blockDir, "bash", {"comd"}, &failure)) {
+    if (!dryRun && !system::runProgram(blockDir, "bash", {"comd"}, &failure)) {
         summary.comdFailed += 1;
-        printErrorLine("[mqkit][WARN] comd execution failed: " + blockDir + inParentheses(failure));
+        system::printErrorLine("[mqkit][WARN] comd execution failed: " + blockDir + inParentheses(failure));
         return false;
     }
     summary.comdSuccess += 1;
@@ -111,7 +111,7 @@ bool runComd(const std::string& blockDir, const std::string& label, bool dryRun,
 
 bool runComdForCases(const std::vector<std::string>& caseDirs, const std::vector<std::string>& selected,
                      bool dryRun, UpdateSummary& summary) {
-    printLine("\n[mqkit] comd execution for selected task blocks");
+    system::printLine("\n[mqkit] comd execution for selected task blocks");
     bool allRan = true;
     for (const auto& caseDir : caseDirs) {
         for (const auto& task : selected) {
@@ -142,23 +142,23 @@ bool runProjectUpdate(const std::string& path, const std::vector<std::string>& n
     if (selected.empty()) {
         return true;
     }
-    printLine("\n[mqkit] selected: " + formatSelection(selected));
-    printLine("[mqkit] update mode always calls morquill with --comd-only to refresh command scripts only.");
+    system::printLine("\n[mqkit] selected: " + formatSelection(selected));
+    system::printLine("[mqkit] update mode always calls morquill with --comd-only to refresh command scripts only.");
     UpdateOptions chosen = options;
     if (!chosen.runComd) {
-        frontend::writeOut(
+        console::writeOut(
             "\n[mqkit] execute comd in the selected task directories afterwards? (y/n; n writes "
             "mqkit_update_comd.sh): ");
-        chosen.runComd = askYesNo();
+        chosen.runComd = system::askYesNo();
         if (!chosen.runComd) {
-            printLine("[mqkit] mqkit_update_comd.sh will be written after the update for later execution.");
+            system::printLine("[mqkit] mqkit_update_comd.sh will be written after the update for later execution.");
         }
     }
     const bool updated = target.kind == TargetKind::Case
                              ? updateCase(target.caseDir, target.caseFile, selected, chosen)
                              : updateProject(target.projectRoot, target.projectFile, selected, chosen);
     if (!updated) {
-        printErrorLine("[mqkit][ERROR] update failed.");
+        system::printErrorLine("[mqkit][ERROR] update failed.");
     }
     return updated;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/status_scope.h"
+#include "project/status/status_scope.h"
 #include "project/workflows.h"
 
 #include <string>

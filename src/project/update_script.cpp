@@ -1,7 +1,7 @@
 #include "project/update_script.h"
 
-#include "project/paths.h"
-#include "project/selection.h"
+#include "support/paths.h"
+#include "project/cases/selection.h"
 #include "support/file.h"
 #include "support/text.h"
 

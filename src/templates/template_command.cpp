@@ -1,14 +1,14 @@
 #include "templates/template_command.h"
 
-#include "frontend/console.h"
+#include "console/console.h"
 #include "support/file.h"
-#include "templates/define_section.h"
-#include "templates/merge.h"
+#include "templates/library/define_section.h"
+#include "templates/library/merge.h"
 #include "templates/sample_workspace.h"
-#include "templates/selector.h"
-#include "templates/template_library.h"
-#include "templates/template_text.h"
-#include "templates/variable_template.h"
+#include "templates/selector/selector.h"
+#include "templates/library/template_library.h"
+#include "templates/library/template_text.h"
+#include "templates/library/variable_template.h"
 
 #include <algorithm>
 #include <optional>
@@ -18,13 +18,13 @@ namespace morquill::templates {
 
 namespace {
 
-using frontend::greenText;
-using frontend::writeErr;
-using frontend::writeOut;
+using console::greenText;
+using console::writeErr;
+using console::writeOut;
 
 /// A refused command line: the message behind the error tag, status 1.
 int refuse(const std::string& message) {
-    writeErr(frontend::errorTag() + message + "\n");
+    writeErr(console::errorTag() + message + "\n");
     return 1;
 }
 
@@ -90,7 +90,7 @@ struct HelpRow {
 };
 
 std::string helpRows(std::string_view heading, const std::vector<HelpRow>& rows) {
-    std::string text = frontend::cyanHeading(heading) + "\n";
+    std::string text = console::cyanHeading(heading) + "\n";
     for (const auto& row : rows) {
         text += "  " + greenText(row.form) + "\n";
         for (const auto& line : row.lines) {
@@ -122,7 +122,7 @@ int runTemplate(int argc, char** argv) {
         return showHelp(argv);
     }
     const std::string_view word = argv[2];
-    if (frontend::isHelpToken(word)) {
+    if (console::isHelpToken(word)) {
         printTemplateHelp(argv[0]);
         return 0;
     }
@@ -243,7 +243,7 @@ void writeDefineSection(const std::string& taskPath, const std::string& template
 }
 
 void printTemplateHelp(std::string_view programPath) {
-    const std::string program = frontend::toolBaseName(programPath);
+    const std::string program = console::toolBaseName(programPath);
     std::vector<HelpRow> examples;
     std::vector<HelpRow> oldForms;
     for (const auto& example : helpExamples) {

@@ -2,13 +2,13 @@
 
 #include "support/text.h"
 #include "taskdsl/derive/derive_output.h"
-#include "taskdsl/directive_reader.h"
-#include "taskdsl/mod_operation.h"
+#include "taskdsl/task/directive_reader.h"
+#include "taskdsl/task/mod_operation.h"
 #include "taskdsl/plot/render.h"
-#include "taskdsl/scan.h"
-#include "taskdsl/source_spec.h"
-#include "views/canonical_scalar.h"
-#include "views/legacy_keywords.h"
+#include "taskdsl/base/scan.h"
+#include "taskdsl/task/source_spec.h"
+#include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/task/legacy_keywords.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "taskdsl/task_document.h"
+#include "taskdsl/task/task_document.h"
 
 #include <string>
 

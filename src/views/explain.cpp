@@ -1,10 +1,10 @@
 #include "views/explain.h"
 
-#include "frontend/console.h"
+#include "console/console.h"
 #include "support/json.h"
 #include "support/text.h"
-#include "taskdsl/source_spec.h"
-#include "taskdsl/task_parser.h"
+#include "taskdsl/task/source_spec.h"
+#include "taskdsl/parser/task_parser.h"
 
 #include <algorithm>
 #include <exception>
@@ -14,8 +14,8 @@
 
 namespace morquill::views {
 
-using frontend::writeErr;
-using frontend::writeOut;
+using console::writeErr;
+using console::writeOut;
 using taskdsl::TaskDocument;
 using taskdsl::TaskInfo;
 
@@ -274,7 +274,7 @@ int runExplain(int argc, char** argv) {
 }
 
 void printExplainHelp(std::string_view programPath) {
-    writeOut("Usage:\n  " + frontend::toolBaseName(programPath) +
+    writeOut("Usage:\n  " + console::toolBaseName(programPath) +
              " explain <task.mq> [--task <name>] [--format text|json] [--expanded]\n"
              "\n"
              "Options:\n"

@@ -1,8 +1,8 @@
 #include "views/file_commands.h"
 
-#include "frontend/console.h"
+#include "console/console.h"
 #include "support/file.h"
-#include "taskdsl/task_parser.h"
+#include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
 #include <exception>
@@ -11,11 +11,11 @@
 
 namespace morquill::views {
 
-using frontend::cyanHeading;
-using frontend::errorTag;
-using frontend::greenText;
-using frontend::writeErr;
-using frontend::writeOut;
+using console::cyanHeading;
+using console::errorTag;
+using console::greenText;
+using console::writeErr;
+using console::writeOut;
 
 namespace {
 
@@ -143,7 +143,7 @@ int runRewriteCommand(int argc, char** argv, bool allowLegacy, const CommandForm
 /// One line of a help text: plain text, a heading, or text whose first part stands in green.
 void printRewriteHelp(std::string_view programPath, std::string_view name, std::string_view purpose,
                       std::string_view promise, std::string_view participle, std::string_view example) {
-    const std::string prog = frontend::toolBaseName(programPath);
+    const std::string prog = console::toolBaseName(programPath);
     const std::string command = prog + " " + std::string(name) + " ";
     const std::string written(participle);
     const std::string file(example);
@@ -182,7 +182,7 @@ int runMigrate(int argc, char** argv) {
 }
 
 void printExpandHelp(std::string_view programPath) {
-    const std::string command = frontend::toolBaseName(programPath) + " expand ";
+    const std::string command = console::toolBaseName(programPath) + " expand ";
     writeOut(cyanHeading("Usage:") + "\n  " + greenText(command + "<task.mq> [-o <output.mq>] [--expanded]") +
              "\n      -- Resolves task/YAML includes, contextual fragments, libraries, and @foreach blocks.\n"
              "      -- Emits canonical DSL v2 without modifying the source file.\n"

@@ -1,6 +1,6 @@
-#include "project/block_pattern.h"
-#include "project/copy_item.h"
-#include "project/tree_walk.h"
+#include "project/cases/block_pattern.h"
+#include "system/copy_item.h"
+#include "system/tree_walk.h"
 
 #include "file_size_limit.h"
 #include "scratch_tree.h"
@@ -69,8 +69,8 @@ TEST_F(CopyItem, CopiesAFileOverAnotherWithItsMode) {
     write("a.sh", "new");
     ASSERT_EQ(::chmod(at("a.sh").c_str(), 0750), 0);
     write("to/a.sh", "an older and longer text");
-    EXPECT_TRUE(copyItem(at("a.sh"), at("to/a.sh")));
-    EXPECT_TRUE(copyItem(at("a.sh"), at("made/on/the/way")));
+    EXPECT_TRUE(system::copyItem(at("a.sh"), at("to/a.sh")));
+    EXPECT_TRUE(system::copyItem(at("a.sh"), at("made/on/the/way")));
     EXPECT_THAT(tree("to"), ElementsAre("a.sh = new"));
     EXPECT_EQ(readTextFile(at("made/on/the/way")), "new");
     struct stat info {};
@@ -82,8 +82,8 @@ TEST_F(CopyItem, CopiesLinksAsLinks) {
     write("a", "text");
     link("a", "link");
     write("to/link", "older");
-    EXPECT_TRUE(copyItem(at("link"), at("to/link")));
-    EXPECT_TRUE(copyItem(at("link"), at("to/second")));
+    EXPECT_TRUE(system::copyItem(at("link"), at("to/link")));
+    EXPECT_TRUE(system::copyItem(at("link"), at("to/second")));
     EXPECT_THAT(tree("to"), ElementsAre("link -> a", "second -> a"));
 }
 
@@ -91,7 +91,7 @@ TEST_F(CopyItem, NeverWritesThroughALinkThatStandsAtTheTarget) {
     write("precious", "old");
     write("a", "new");
     link("../precious", "to/a");
-    EXPECT_TRUE(copyItem(at("a"), at("to/a")));
+    EXPECT_TRUE(system::copyItem(at("a"), at("to/a")));
     EXPECT_EQ(readTextFile(at("precious")), "old");
     EXPECT_THAT(tree("to"), ElementsAre("a = new"));
 }
@@ -108,11 +108,11 @@ TEST_F(CopyItem, ReplacesADirectoryAsAWhole) {
     const std::vector<std::string> copied{"a.png = 1",      "dangling -> /nowhere", "deep/",
                                           "deep/b.png = 2", "dirlink -> deep",      "empty/",
                                           "link -> a.png"};
-    EXPECT_TRUE(copyItem(at("plot"), at("to/plot")));
+    EXPECT_TRUE(system::copyItem(at("plot"), at("to/plot")));
     EXPECT_EQ(tree("to/plot"), copied);
-    EXPECT_TRUE(copyItem(at("plot"), at("to/plot")));
+    EXPECT_TRUE(system::copyItem(at("plot"), at("to/plot")));
     EXPECT_EQ(tree("to/plot"), copied);
-    EXPECT_TRUE(copyItem(at("plot"), at("to/file")));
+    EXPECT_TRUE(system::copyItem(at("plot"), at("to/file")));
     EXPECT_EQ(tree("to/file"), copied);
 }
 
@@ -121,12 +121,12 @@ TEST_F(CopyItem, RefusesWhatIsMissingOrOfAnotherKind) {
     ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
     dir("to/dir");
     write("a", "text");
-    EXPECT_FALSE(copyItem(at("missing"), at("to/x")));
-    EXPECT_FALSE(copyItem(at("dangling"), at("to/x")));
-    EXPECT_FALSE(copyItem(at("pipe"), at("to/x")));
-    EXPECT_FALSE(copyItem(at("a"), at("to/dir")));
-    EXPECT_FALSE(copyItem(at("a"), at("a")));
-    EXPECT_FALSE(copyItem(at("a"), at("a/b")));
+    EXPECT_FALSE(system::copyItem(at("missing"), at("to/x")));
+    EXPECT_FALSE(system::copyItem(at("dangling"), at("to/x")));
+    EXPECT_FALSE(system::copyItem(at("pipe"), at("to/x")));
+    EXPECT_FALSE(system::copyItem(at("a"), at("to/dir")));
+    EXPECT_FALSE(system::copyItem(at("a"), at("a")));
+    EXPECT_FALSE(system::copyItem(at("a"), at("a/b")));
     EXPECT_THAT(tree("to"), ElementsAre("dir/"));
     EXPECT_EQ(readTextFile(at("a")), "text");
 }
@@ -134,19 +134,19 @@ TEST_F(CopyItem, RefusesWhatIsMissingOrOfAnotherKind) {
 TEST_F(CopyItem, ADirectoryWithAPipeInItIsCopiedWithoutIt) {
     write("plot/z", "1");
     ASSERT_EQ(::mkfifo(at("plot/pipe").c_str(), 0600), 0);
-    EXPECT_FALSE(copyItem(at("plot"), at("to/plot")));
+    EXPECT_FALSE(system::copyItem(at("plot"), at("to/plot")));
     EXPECT_THAT(tree("to/plot"), ElementsAre("z = 1"));
 }
 
 TEST_F(CopyItem, LeavesNoHalfOfAFileOnAFullDisk) {
     write("a", std::string(1000, 'x'));
     const FileSizeLimit limit(500);
-    EXPECT_FALSE(copyItem(at("a"), at("to/a")));
+    EXPECT_FALSE(system::copyItem(at("a"), at("to/a")));
     EXPECT_THAT(tree("to"), ElementsAre());
 }
 
 TEST_F(CopyItem, CopiesFilesWhoseSizeTheSystemDoesNotTell) {
-    EXPECT_TRUE(copyItem("/proc/self/status", at("status")));
+    EXPECT_TRUE(system::copyItem("/proc/self/status", at("status")));
     EXPECT_THAT(readTextFile(at("status")).value_or(""), ::testing::HasSubstr("VmSize"));
 }
 
@@ -159,7 +159,7 @@ TEST_F(TreeWalk, VisitsEntriesByNameAndSubdirectoriesAfterThem) {
     write("m", "");
     link("a", "l");
     std::vector<std::string> seen;
-    walkTree(root, [&](const std::string& path, EntryKind kind) {
+    system::walkTree(root, [&](const std::string& path, system::EntryKind kind) {
         seen.push_back(path.substr(root.size() + 1) + " " + std::to_string(static_cast<int>(kind)));
         return path != at("b");
     });
@@ -168,8 +168,8 @@ TEST_F(TreeWalk, VisitsEntriesByNameAndSubdirectoriesAfterThem) {
 
 TEST_F(TreeWalk, TellsWhatItCannotRead) {
     std::vector<std::string> seen;
-    walkTree(at("none"), [&](const std::string& path, EntryKind kind) {
-        EXPECT_EQ(kind, EntryKind::unreadable);
+    system::walkTree(at("none"), [&](const std::string& path, system::EntryKind kind) {
+        EXPECT_EQ(kind, system::EntryKind::unreadable);
         seen.push_back(path);
         return true;
     });

@@ -1,6 +1,6 @@
 // What the writer prints reads back: the text that parsing and printing it gives is the same text.
 
-#include "taskdsl/task_parser.h"
+#include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
 #include <gtest/gtest.h>

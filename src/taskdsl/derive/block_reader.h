@@ -2,7 +2,7 @@
 
 #include "taskdsl/derive/derive_spec.h"
 #include "taskdsl/derive/formulas.h"
-#include "taskdsl/plot/statement_reader.h"
+#include "taskdsl/expr/statement_reader.h"
 
 #include <cstddef>
 #include <cstdint>

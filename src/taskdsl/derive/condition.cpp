@@ -2,7 +2,7 @@
 
 #include "support/text.h"
 #include "taskdsl/derive/derive_text.h"
-#include "taskdsl/plot/statement_reader.h"
+#include "taskdsl/expr/statement_reader.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,7 @@
 #include "taskdsl/derive/derive_output.h"
 
 #include "support/text.h"
-#include "taskdsl/plot/plot_text.h"
+#include "taskdsl/expr/plot_text.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include "support/text.h"
 #include "taskdsl/derive/block_reader.h"
 #include "taskdsl/derive/derive_text.h"
-#include "taskdsl/plot/plot_text.h"
+#include "taskdsl/expr/plot_text.h"
 
 #include <array>
 #include <utility>

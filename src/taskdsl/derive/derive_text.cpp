@@ -1,8 +1,8 @@
 #include "taskdsl/derive/derive_text.h"
 
 #include "support/text.h"
-#include "taskdsl/plot/plot_text.h"
-#include "taskdsl/plot/statement_reader.h"
+#include "taskdsl/expr/plot_text.h"
+#include "taskdsl/expr/statement_reader.h"
 
 namespace morquill::taskdsl::derive {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "taskdsl/source_span.h"
+#include "taskdsl/base/source_span.h"
 
 #include <cstddef>
 #include <optional>

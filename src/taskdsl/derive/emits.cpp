@@ -1,7 +1,7 @@
 #include "support/text.h"
 #include "taskdsl/derive/block_reader.h"
 #include "taskdsl/derive/derive_text.h"
-#include "taskdsl/plot/plot_text.h"
+#include "taskdsl/expr/plot_text.h"
 
 #include <algorithm>
 #include <optional>

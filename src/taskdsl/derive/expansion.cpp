@@ -1,7 +1,7 @@
 #include "taskdsl/derive/formulas.h"
 
 #include "support/text.h"
-#include "taskdsl/plot/statement_reader.h"
+#include "taskdsl/expr/statement_reader.h"
 
 #include <algorithm>
 #include <optional>

@@ -3,8 +3,8 @@
 #include "catalog/property_catalog.h"
 #include "support/text.h"
 #include "taskdsl/derive/derive_text.h"
-#include "taskdsl/plot/plot_text.h"
-#include "taskdsl/plot/statement_reader.h"
+#include "taskdsl/expr/plot_text.h"
+#include "taskdsl/expr/statement_reader.h"
 
 #include <algorithm>
 #include <iterator>

@@ -2,7 +2,7 @@
 #include "taskdsl/derive/block_reader.h"
 #include "taskdsl/derive/condition.h"
 #include "taskdsl/derive/derive_text.h"
-#include "taskdsl/plot/plot_text.h"
+#include "taskdsl/expr/plot_text.h"
 
 #include <charconv>
 #include <optional>

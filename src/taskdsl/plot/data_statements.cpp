@@ -1,5 +1,5 @@
 #include "support/text.h"
-#include "taskdsl/plot/plot_text.h"
+#include "taskdsl/expr/plot_text.h"
 #include "taskdsl/plot/series.h"
 #include "taskdsl/plot/statements.h"
 

@@ -1,6 +1,6 @@
 #include "support/number.h"
 #include "support/text.h"
-#include "taskdsl/plot/plot_text.h"
+#include "taskdsl/expr/plot_text.h"
 #include "taskdsl/plot/statements.h"
 
 #include <utility>

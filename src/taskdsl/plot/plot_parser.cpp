@@ -1,7 +1,7 @@
 #include "taskdsl/plot/plot_parser.h"
 
 #include "support/text.h"
-#include "taskdsl/plot/plot_text.h"
+#include "taskdsl/expr/plot_text.h"
 #include "taskdsl/plot/reading.h"
 #include "taskdsl/plot/statements.h"
 #include "taskdsl/plot/validate.h"

@@ -2,7 +2,7 @@
 
 #include "support/number.h"
 #include "support/text.h"
-#include "taskdsl/plot/plot_text.h"
+#include "taskdsl/expr/plot_text.h"
 
 namespace morquill::taskdsl::plot {
 

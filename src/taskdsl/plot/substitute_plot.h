@@ -1,7 +1,7 @@
 #pragma once
 
 #include "taskdsl/plot/model.h"
-#include "taskdsl/substitute.h"
+#include "taskdsl/base/substitute.h"
 
 namespace morquill::taskdsl::plot {
 

@@ -1,6 +1,6 @@
 #include "taskdsl/plot/validate.h"
 
-#include "taskdsl/plot/statement_reader.h"
+#include "taskdsl/expr/statement_reader.h"
 
 #include "plots.h"
 

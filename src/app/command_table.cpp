@@ -1,0 +1,72 @@
+#include "app/command_table.h"
+
+#include "console/console.h"
+#include "project/project_command.h"
+#include "project/rename/rename.h"
+#include "support/text.h"
+#include "templates/template_command.h"
+#include "views/explain.h"
+#include "views/file_commands.h"
+#include "lint/lint.h"
+
+namespace morquill::app {
+
+namespace {
+
+/// The run operation of a command on one task file: its help token stands right behind the command word.
+template <HelpOperation help, RunOperation run>
+int fileCommand(int argc, char** argv) {
+    return runFileCommand(argc, argv, 2, help, run);
+}
+
+/// A row whose two name columns are the same word, as all of them are.
+constexpr CommandEntry row(std::string_view name, HelpOperation help, RunOperation run) {
+    return {name, name, help, run};
+}
+
+} // namespace
+
+std::span<const CommandEntry> commandTable() noexcept {
+    static constexpr CommandEntry table[] = {
+        row("template", templates::printTemplateHelp, templates::runTemplate),
+        row("project", project::printProjectHelp, project::runProject),
+        row("rename", project::printRenameHelp, project::runRename),
+        row("fmt", views::printFmtHelp, fileCommand<views::printFmtHelp, views::runFmt>),
+        row("migrate", views::printMigrateHelp, fileCommand<views::printMigrateHelp, views::runMigrate>),
+        row("expand", views::printExpandHelp, fileCommand<views::printExpandHelp, views::runExpand>),
+        row("explain", views::printExplainHelp, fileCommand<views::printExplainHelp, views::runExplain>),
+        row("lint", lint::printLintHelp, lint::runLint),
+    };
+    return table;
+}
+
+const CommandEntry* findCommand(std::span<const CommandEntry> table, std::string_view token,
+                                std::vector<std::string>& matches) {
+    matches.clear();
+    if (token.empty()) {
+        return nullptr;
+    }
+    const std::string word = toLower(token);
+    const CommandEntry* candidate = nullptr;
+    for (const auto& entry : table) {
+        if (entry.name == word) {
+            matches.assign(1, std::string(entry.name));
+            return &entry;
+        }
+        if (toLower(entry.name).starts_with(word)) {
+            matches.emplace_back(entry.name);
+            candidate = &entry;
+        }
+    }
+    return matches.size() == 1 ? candidate : nullptr;
+}
+
+int runFileCommand(int argc, char** argv, int helpIndex, HelpOperation help, RunOperation run) {
+    if (help != nullptr && argc > helpIndex && isHelpToken(argv[helpIndex])) {
+        help(argv[0]);
+        return 0;
+    }
+    return run == nullptr ? 1 : run(argc, argv);
+}
+
+} // namespace morquill::app

@@ -1,0 +1,200 @@
+#include "app/dispatch.h"
+
+#include "app/command_table.h"
+#include "console/console.h"
+#include "console/logger.h"
+#include "project/project_command.h"
+#include "project/rename/rename.h"
+#include "support/text.h"
+#include "templates/template_command.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace morquill::app {
+
+namespace {
+
+using Arguments = std::span<const char* const>;
+
+template <std::size_t N>
+bool isOneOf(const std::array<std::string_view, N>& words, std::string_view word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+/// True for an argument that names a file with this ending rather than being an option.
+bool namesFile(std::string_view argument, std::string_view ending) {
+    return !argument.starts_with('-') && argument.ends_with(ending);
+}
+
+bool isRenameShape(Arguments arguments) {
+    static constexpr std::array<std::string_view, 2> options{"-r", "--rename"};
+    return std::any_of(arguments.begin(), arguments.end(),
+                       [](std::string_view argument) { return isOneOf(options, argument); }) &&
+           std::any_of(arguments.begin(), arguments.end(), [](std::string_view argument) {
+               return namesFile(argument, ".mq") || namesFile(argument, ".projmq");
+           });
+}
+
+bool isUpdateShape(Arguments arguments) {
+    static constexpr std::array<std::string_view, 4> options{"-b", "--batch", "-u", "--update"};
+    return !arguments.empty() && isOneOf(options, arguments.front());
+}
+
+bool isProjectShape(Arguments arguments) {
+    static constexpr std::array<std::string_view, 9> options{"-n",         "--name",       "--exec",
+                                                             "--collect",  "--rebuild",    "--dry-run",
+                                                             "--run-comd", "--run-script", "--run-runner"};
+    return std::any_of(arguments.begin(), arguments.end(), [](std::string_view argument) {
+        return isOneOf(options, argument) || namesFile(argument, ".projmq");
+    });
+}
+
+bool isTemplateShape(Arguments arguments) {
+    static constexpr std::array<std::string_view, 12> options{
+        "-t",         "-i",      "-l",        "-c", "-m", "-v", "--test", "--list", "--interactive",
+        "--category", "--merge", "--variable"};
+    return !arguments.empty() && isOneOf(options, arguments.front());
+}
+
+// In the order in which they are tried: the first that matches takes the whole command line.
+constexpr std::array<OlderShape, 4> olderShapes{{
+    {"rename", isRenameShape, project::runRenameCompatibility},
+    {"update", isUpdateShape, project::runUpdateCompatibility},
+    {"project", isProjectShape, project::runProjectCompatibility},
+    {"template", isTemplateShape, templates::runTemplateCompat},
+}};
+
+/// Tells what is wrong with the command line, shows the commands, gives the status.
+int refuse(const std::string& message, std::string_view programPath) {
+    writeErr(errorTag() + message + "\n");
+    printTopLevelHelp(programPath);
+    return 1;
+}
+
+std::string listMatches(const std::vector<std::string>& matches) {
+    return " (matches: " + join(matches, ", ") + ")";
+}
+
+int showHelp(int argc, char** argv) {
+    if (argc == 2) {
+        printTopLevelHelp(argv[0]);
+        return 0;
+    }
+    const std::string topic = argv[2];
+    std::vector<std::string> matches;
+    const CommandEntry* entry = findCommand(commandTable(), topic, matches);
+    if (entry != nullptr && entry->help != nullptr) {
+        entry->help(argv[0]);
+        return 0;
+    }
+    return matches.size() < 2
+               ? refuse(" unknown help topic: " + topic, argv[0])
+               : refuse(" ambiguous help topic prefix: " + topic + listMatches(matches), argv[0]);
+}
+
+struct CommandRow {
+    std::string_view name;
+    std::string_view description;
+};
+
+constexpr CommandRow commandRows[] = {
+    {"template", "Manage templates: list, group by category, merge, or generate variable templates"},
+    {"project", "Manage projects: initialize, add structures, update, rebuild, batch exec, batch collect"},
+    {"rename", "Rename task blocks in .mq / .projmq files and synchronize derived artifacts"},
+    {"fmt", "Reformat a task file into canonical DSL v2 layout"},
+    {"migrate", "Convert legacy task syntax into canonical DSL v2 output"},
+    {"expand", "Flatten includes, fragments, libraries, and optional matrix variants into canonical DSL"},
+    {"explain", "Parse a .mq file and explain task blocks, directives, and source spans"},
+    {"lint", "Run static checks for .mq files and directories"},
+};
+
+constexpr std::string_view examples[] = {
+    " template merge opt freq -o task.mq",
+    " project add --path ./demo_project mol1.xyz mol2.xyz",
+    " project update --path ./demo_project",
+    " project rebuild --path ./demo_project -n opt,soc --run-script",
+    " project exec --path demo.projmq -n soc -- 'cat soc*.log'",
+    " rename demo.projmq old_block new_block",
+    " migrate legacy.mq --in-place",
+    " expand task.mq --expanded -o flattened.mq",
+    " explain task.mq --task opt --expanded",
+    " fmt task.mq -o formatted.mq",
+    " lint --strict ./cases",
+};
+
+std::string commandRow(const CommandRow& row) {
+    std::string field(row.name);
+    field.resize(std::max<std::size_t>(field.size(), 10), ' ');
+    return "  " + greenText(field) + " " + std::string(row.description) + "\n";
+}
+
+/// Kept apart from its caller: the stack is unwound up to a function that may not throw, but that function's
+/// own objects are not destroyed.
+[[gnu::noinline]] int runUnguarded(int argc, char** argv, int (*command)(int argc, char** argv)) {
+    const LogSession session("mqkit", argc, argv, LogLevel::Warning, LogLevel::Skip);
+    return finishOutput(command(argc, argv));
+}
+
+} // namespace
+
+int dispatchCommand(int argc, char** argv) {
+    if (argc < 2) {
+        printTopLevelHelp(argc < 1 ? "" : argv[0]);
+        return 1;
+    }
+    const std::string first = argv[1];
+    const std::string lowered = toLower(first);
+    if (isHelpToken(lowered)) {
+        return showHelp(argc, argv);
+    }
+    std::vector<std::string> matches;
+    if (const CommandEntry* entry = findCommand(commandTable(), lowered, matches)) {
+        return entry->run(argc, argv);
+    }
+    if (matches.size() > 1) {
+        return refuse(" ambiguous command prefix: " + first + listMatches(matches), argv[0]);
+    }
+    if (const OlderShape* shape = findOlderShape({argv + 1, static_cast<std::size_t>(argc - 1)})) {
+        return shape->run(argc, argv);
+    }
+    return refuse(" unknown command or argument: " + first, argv[0]);
+}
+
+const OlderShape* findOlderShape(std::span<const char* const> arguments) {
+    const auto found = std::find_if(olderShapes.begin(), olderShapes.end(),
+                                    [&](const OlderShape& shape) { return shape.matches(arguments); });
+    return found == olderShapes.end() ? nullptr : &*found;
+}
+
+void printTopLevelHelp(std::string_view programPath) {
+    const std::string program = toolBaseName(programPath);
+    std::string text = "  Mqkit: A unified entry point for .mq and .projmq workflows.\n";
+    text += cyanHeading("Usage:") + "\n";
+    text += "  " + greenText(program + " <command> [options]") + "\n";
+    text += "  " + greenText(program + " help <command>") + "\n";
+    text += "  Commands accept unique prefixes, for example " + greenText(program + " proj co") + ".\n";
+    text += "\n" + cyanHeading("Commands:") + "\n";
+    for (const auto& row : commandRows) {
+        text += commandRow(row);
+    }
+    text += "\n" + cyanHeading("Examples:") + "\n";
+    for (const auto example : examples) {
+        text += "  " + greenText(program + std::string(example)) + "\n";
+    }
+    text += "\n" + yellowHeading("Tool split:") + "\n";
+    text += "  Use " + greenText("mqdb") + " for all database sync/query/template/compare workflows; " +
+            greenText(program) +
+            " stays focused on templates, projects, rename, format/migrate/expand/explain, and lint.\n";
+    writeOut(text);
+}
+
+int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept {
+    prepareStandardStreams();
+    return runUnguarded(argc, argv, command);
+}
+
+} // namespace morquill::app

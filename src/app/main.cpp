@@ -1,0 +1,5 @@
+#include "app/dispatch.h"
+
+int main(int argc, char** argv) {
+    return morquill::app::runInSession(argc, argv, morquill::app::dispatchCommand);
+}

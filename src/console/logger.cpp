@@ -1,0 +1,252 @@
+#include "console/logger.h"
+
+#include <array>
+#include <cstdlib>
+#include <ctime>
+
+#include <unistd.h>
+
+namespace morquill::console {
+
+namespace {
+
+struct LevelRow {
+    std::string_view name;
+    ConsoleColor color;
+};
+
+constexpr std::array<LevelRow, 5> levels{{
+    {"DEBUG", ConsoleColor::cyan},
+    {"SKIP", ConsoleColor::white},
+    {"INFO", ConsoleColor::white},
+    {"WARNING", ConsoleColor::yellow},
+    {"ERROR", ConsoleColor::red},
+}};
+
+constexpr LevelRow unknownLevel{"UNKNOWN", ConsoleColor::white};
+
+constexpr const LevelRow& levelRow(LogLevel level) noexcept {
+    const auto index = static_cast<std::size_t>(level); // a negative value becomes a large one
+    return index < levels.size() ? levels[index] : unknownLevel;
+}
+
+/// Local time as "2026-01-31 23:59:59.042".
+std::string timeStamp() {
+    timespec now{};
+    (void)std::timespec_get(&now, TIME_UTC);
+    std::tm local{};
+    (void)::localtime_r(&now.tv_sec, &local);
+    std::array<char, 64> seconds{};
+    std::array<char, 80> text{};
+    (void)std::strftime(seconds.data(), seconds.size(), "%Y-%m-%d %H:%M:%S", &local);
+    (void)std::snprintf(text.data(), text.size(), "%s.%03ld", seconds.data(), now.tv_nsec / 1'000'000);
+    return text.data();
+}
+
+void put(std::FILE* stream, std::string_view text) noexcept {
+    (void)std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+} // namespace
+
+std::string_view logLevelName(LogLevel level) noexcept {
+    return levelRow(level).name;
+}
+
+ConsoleColor logLevelColor(LogLevel level) noexcept {
+    return levelRow(level).color;
+}
+
+Logger& Logger::instance() {
+    static auto* const logger = new Logger; // lives to the end of the process, whoever still logs then
+    return *logger;
+}
+
+void Logger::reset() {
+    const std::lock_guard lock(guard);
+    closeFile();
+    consoleColor = true;
+    fileThreshold = LogLevel::Info;
+    consoleThreshold = LogLevel::Info;
+    toolName = "morquill";
+}
+
+void Logger::setToolName(std::string_view name) {
+    const std::lock_guard lock(guard);
+    toolName = name;
+}
+
+void Logger::setConsoleColor(bool on) {
+    const std::lock_guard lock(guard);
+    consoleColor = on;
+}
+
+void Logger::openSession(const std::string& path, LogLevel fileLevel, LogLevel consoleLevel, bool color) {
+    const std::lock_guard lock(guard);
+    closeFile();
+    fileThreshold = fileLevel;
+    consoleThreshold = consoleLevel;
+    consoleColor = color;
+    if (path.empty()) {
+        return;
+    }
+    logFile.reset(std::fopen(path.c_str(), "ae"));
+    if (!logFile) {
+        if (consoleThreshold < LogLevel::Error) {
+            consoleLine(LogLevel::Warning,
+                        "log file unavailable; continuing with console-only output: " + path, {});
+        }
+        return;
+    }
+    logPath = path;
+    sessionId = timeStamp() + " pid=" + std::to_string(::getpid()) + " seq=" + std::to_string(++sessionCount);
+    if (std::fseek(logFile.get(), 0, SEEK_END) == 0 && std::ftell(logFile.get()) > 0) {
+        put(logFile.get(), "\n");
+    }
+    fileBanner("START");
+    fileWrite(LogLevel::Info, "logging to " + path);
+    consoleLine(LogLevel::Info, "[" + toolName + "][INFO] logging to " + path, {.noPrefix = true});
+}
+
+void Logger::info(std::string_view text) {
+    const std::lock_guard lock(guard);
+    consoleLine(LogLevel::Info, text, {.noPrefix = true});
+    if (fileThreshold <= LogLevel::Info) {
+        fileWrite(LogLevel::Info, text);
+    }
+}
+
+void Logger::warning(std::string_view text) {
+    const std::lock_guard lock(guard);
+    if (consoleThreshold <= LogLevel::Warning) {
+        consoleLine(LogLevel::Warning, text, {});
+    }
+    if (fileThreshold <= LogLevel::Warning) {
+        fileWrite(LogLevel::Warning, text);
+    }
+}
+
+void Logger::error(std::string_view text) {
+    const std::lock_guard lock(guard);
+    consoleLine(LogLevel::Error, text, {});
+    fileWrite(LogLevel::Error, text);
+}
+
+void Logger::prompt(std::string_view text) {
+    const std::lock_guard lock(guard);
+    consoleLine(LogLevel::Info, text, {.newline = false});
+    if (fileThreshold <= LogLevel::Info) {
+        fileWrite(LogLevel::Info, text);
+    }
+}
+
+void Logger::separator() {
+    const std::lock_guard lock(guard);
+    writeOut("\n");
+    flushOut();
+}
+
+void Logger::consoleWrite(LogLevel level, std::string_view text, const ConsoleStyle& style) {
+    const std::lock_guard lock(guard);
+    consoleLine(level, text, style);
+}
+
+void Logger::consoleLine(LogLevel level, std::string_view text, const ConsoleStyle& style) const {
+    const bool toError = style.forceError || level == LogLevel::Warning || level == LogLevel::Error;
+    const auto color = style.color == 0 ? logLevelColor(level) : static_cast<ConsoleColor>(style.color);
+    // Not `colorEnabled`: the log follows its own switch and does not look at TERM.
+    const bool colored = consoleColor && std::getenv("NO_COLOR") == nullptr &&
+                         ::isatty(toError ? STDERR_FILENO : STDOUT_FILENO) == 1;
+    std::string line;
+    if (colored) {
+        line += colorSequence(color);
+    }
+    if (!style.noPrefix) {
+        line += '[';
+        line += logLevelName(level);
+        line += "] ";
+    }
+    line += text;
+    if (colored) {
+        line += resetSequence;
+    }
+    if (style.newline) {
+        line += '\n';
+    }
+    if (toError) {
+        writeErr(line);
+    } else {
+        writeOut(line);
+        flushOut();
+    }
+}
+
+void Logger::fileWrite(LogLevel level, std::string_view text) {
+    if (!logFile) {
+        return;
+    }
+    std::string line = timeStamp() + " [" + toolName + "][";
+    line += logLevelName(level);
+    line += "] ";
+    line += text;
+    line += '\n';
+    put(logFile.get(), line);
+    (void)std::fflush(logFile.get());
+}
+
+void Logger::fileBanner(std::string_view word) {
+    const std::string rule = std::string(100, '=') + '\n';
+    put(logFile.get(), rule);
+    fileWrite(LogLevel::Info, ">>>>>>>>>>>>>>>>>>>> RUN " + std::string(word) + " | session=" + sessionId +
+                                  " <<<<<<<<<<<<<<<<<<<<");
+    put(logFile.get(), rule);
+    (void)std::fflush(logFile.get());
+}
+
+void Logger::closeFile() {
+    if (!logFile) {
+        return;
+    }
+    fileWrite(LogLevel::Info, "logger closed");
+    fileBanner("END");
+    logFile.reset();
+    logPath.clear();
+    sessionId.clear();
+}
+
+void logInfo(std::string_view text) {
+    Logger::instance().info(text);
+}
+
+void logWarning(std::string_view text) {
+    Logger::instance().warning(text);
+}
+
+void logError(std::string_view text) {
+    Logger::instance().error(text);
+}
+
+void logPrompt(std::string_view text) {
+    Logger::instance().prompt(text);
+}
+
+void logSeparator() {
+    Logger::instance().separator();
+}
+
+LogSession::LogSession(std::string_view toolName, int argc, const char* const* argv,
+                       LogLevel consoleThreshold, LogLevel fileThreshold) {
+    Logger& logger = Logger::instance();
+    logger.reset();
+    logger.setToolName(toolName);
+    const bool color = decideColor(argc, argv);
+    logger.setConsoleColor(color);
+    logger.openSession({}, fileThreshold, consoleThreshold, color);
+}
+
+LogSession::~LogSession() {
+    Logger::instance().reset();
+    flushOut();
+}
+
+} // namespace morquill::console

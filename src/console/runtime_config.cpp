@@ -1,0 +1,288 @@
+#include "console/runtime_config.h"
+
+#include "support/file.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace morquill::console {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct ConfigDefault {
+    std::string_view key;
+    std::string_view value;
+};
+
+// One table for the whole tool family: most rows serve the siblings.
+constexpr ConfigDefault configDefaults[] = {
+    {"MORQUILL_SCRIPTS_PATH", "~/.morq/task/scripts"},
+    {"MORQUILL_WFN_EXAMPLES_PATH", "~/.morq/task/multiwfn_templates"},
+    {"MORQUILL_ORCA_TEMPLATES_PATH", ""},
+    {"MORQUILL_EXTERNAL_SCRIPTS_PATH", "~/.morq/task/external"},
+    {"MORQUILL_TASK_PATH", "."},
+    {"MORQUILL_LOG_PATH", ""},
+    {"MORQUILL_TEMPLATE_PATH", "~/.morq/task/mq_templates"},
+    {"MORQUILL_MQLIB_PATH", "~/.morq/task/mqlib"},
+    {"MORQUILL_OTHER_TEMPLATES_PATH", "~/.morq/task/other_templates"},
+    {"MORQUILL_MORQWFN_PATH", ""},
+    {"MORQUILL_ENVCONF_PATH", "~/.morq/task/envs"},
+    {"MORQUILL_MQRUN_PATH", ""},
+    {"MORQUILL_MQDB_PATH", ""},
+    {"MQMETHOD_REFS_PATH", ""},
+    {"MORQUILL_GNUPLOT", "gnuplot"},
+    {"MQRUN_PROFILE_DIR", ""},
+    {"MQRUN_DEFAULT_BACKEND", "auto"},
+    {"MQRUN_SELECTION_MODE", "local_first"},
+    {"MQRUN_ALLOW_AUTO_REMOTE", "false"},
+    {"MQRUN_TASK_CONFIG_DIR", ""},
+    {"MQRUN_QUEUE_DIR", "~/.morq/taskq"},
+    {"MQRUN_TOTAL_CORES", ""},
+    {"MQRUN_TOTAL_GPUS", ""},
+    {"MQRUN_GPU_IDS", ""},
+    {"MQRUN_FOLLOW_LOGS", "false"},
+    {"MQRUN_DEBUG_BUNDLE_ON_FAIL", "true"},
+    {"MQRUN_DEBUG_BUNDLE_DIR", "_mqrun_debug"},
+    {"MQRUN_DEFAULT_CORES", "32"},
+    {"MQRUN_DEFAULT_CORES_FOR_MAX_MEM", "64"},
+    {"MQRUN_HIGH_MEMORY_THRESHOLD_MB", "3000"},
+    {"MQRUN_PHYSICAL_CPU_NUM", ""},
+};
+
+/// The environment's value; nothing for a text that cannot be the name of a variable.
+std::optional<std::string> environmentValue(std::string_view name) {
+    using namespace std::string_view_literals;
+    if (name.empty() || name.find_first_of("=\0"sv) != std::string_view::npos) {
+        return std::nullopt;
+    }
+    const char* value = std::getenv(std::string(name).c_str());
+    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+std::string currentDirectory() {
+    std::error_code error;
+    const auto path = fs::current_path(error);
+    return error ? std::string() : path.string();
+}
+
+/// What a reference stands for; empty when it has no value.
+std::string referenceValue(std::string_view name) {
+    return name == "PWD" ? currentDirectory() : environmentValue(name).value_or("");
+}
+
+bool beginsWithHome(std::string_view text) {
+    return text.starts_with('~') && (text.size() == 1 || text[1] == '/' || text[1] == '\\');
+}
+
+/// The length of the identifier at the start of `text`: a letter or "_", then letters, digits and "_".
+std::size_t identifierLength(std::string_view text) {
+    std::size_t length = 0;
+    while (length < text.size() &&
+           (isLetter(text[length]) || text[length] == '_' || (length > 0 && isDigit(text[length])))) {
+        ++length;
+    }
+    return length;
+}
+
+/// A reference at the start of a text: its length with the "$", and the name in it.
+struct Reference {
+    std::size_t length = 0; // 0: no reference stands here
+    std::string_view name;
+};
+
+/// `text` begins with "$"; `closed` tells whether a "}" stands anywhere in it.
+Reference readReference(std::string_view text, bool closed) {
+    if (text.size() > 1 && text[1] == '{') {
+        if (!closed) {
+            return {};
+        }
+        const std::size_t closing = text.find('}');
+        return {closing + 1, text.substr(2, closing - 2)};
+    }
+    const std::size_t length = identifierLength(text.substr(1));
+    return length == 0 ? Reference{} : Reference{length + 1, text.substr(1, length)};
+}
+
+std::string expandReferences(std::string_view text) {
+    const std::size_t lastClosing = text.rfind('}');
+    std::string result;
+    std::size_t i = 0;
+    for (;;) {
+        const std::size_t dollar = text.find('$', i);
+        result += text.substr(i, dollar - i);
+        if (dollar == std::string_view::npos) {
+            return result;
+        }
+        const std::string_view rest = text.substr(dollar);
+        // A brace is searched only where there is one, which keeps a text full of "${" linear.
+        const bool closed = lastClosing != std::string_view::npos && dollar < lastClosing;
+        const Reference reference = readReference(rest, closed);
+        const std::string value = referenceValue(reference.name);
+        if (reference.length == 0) {
+            result += '$';
+        } else if (value.empty()) {
+            result += rest.substr(0, reference.length);
+        } else {
+            result += value;
+        }
+        i = dollar + std::max<std::size_t>(reference.length, 1);
+    }
+}
+
+/// The first executable regular file of that name along `PATH`; an empty entry there is the current
+/// directory.
+std::optional<std::string> searchPath(const std::string& name) {
+    const auto directories = environmentValue("PATH");
+    if (!directories) {
+        return std::nullopt;
+    }
+    for (const auto& entry : splitOn(*directories, ':')) {
+        std::string path = entry.empty() ? "." : entry;
+        path.append("/").append(name);
+        if (isRegularFile(path) && ::access(path.c_str(), X_OK) == 0) {
+            return path;
+        }
+    }
+    return std::nullopt;
+}
+
+/// The file that an entry of `MORQUILL_MQRUN_PATH` stands for, when there is one.
+std::optional<std::string> resolveRunnerEntry(const std::string& entry) {
+    if (entry.find('/') == std::string::npos) {
+        return searchPath(entry);
+    }
+    return isRegularFile(entry) ? std::optional(entry) : std::nullopt;
+}
+
+} // namespace
+
+std::string_view defaultConfigValue(std::string_view key) noexcept {
+    for (const auto& row : configDefaults) {
+        if (row.key == key) {
+            return row.value;
+        }
+    }
+    return {};
+}
+
+std::vector<std::string> configSearchDirs() {
+    std::vector<std::string> directories{"."};
+    const auto add = [&](std::string directory) {
+        if (std::find(directories.begin(), directories.end(), directory) == directories.end()) {
+            directories.push_back(std::move(directory));
+        }
+    };
+    if (const std::string home = getEnvOrDefault("HOME", ""); !home.empty()) {
+        add(home + "/.morq/task");
+        add(home + "/.morquill");
+    }
+    add(fs::path(executableDirectory() + "/../share/morquill/conf").lexically_normal().string());
+    add("/etc/morquill");
+    return directories;
+}
+
+RuntimeConfig loadConfig(const std::string& fileName) {
+    for (const auto& directory : configSearchDirs()) {
+        std::string path = directory;
+        path.append("/").append(fileName);
+        if (const auto text = readTextFile(path)) {
+            return parseConfigText(*text, directory);
+        }
+    }
+    return {};
+}
+
+RuntimeConfig parseConfigText(std::string_view text, const std::string& configDir) {
+    static constexpr std::array<std::string_view, 3> directoryForms{
+        "${MORQUILL_CONFIG_DIR}", "$MORQUILL_CONFIG_DIR", "%MORQUILL_CONFIG_DIR%"};
+    RuntimeConfig config;
+    for (const auto rawLine : splitLines(text)) {
+        const auto line = trim(rawLine);
+        const auto equals = line.find('=');
+        if (line.starts_with('#') || equals == std::string_view::npos) {
+            continue;
+        }
+        std::string value(trim(line.substr(equals + 1)));
+        if (!configDir.empty()) {
+            for (const auto form : directoryForms) {
+                value = replaceAll(value, form, configDir);
+            }
+        }
+        config.insert_or_assign(std::string(trim(line.substr(0, equals))), expandPath(value));
+    }
+    return config;
+}
+
+std::string getConfigValue(const RuntimeConfig& config, const std::string& key) {
+    if (std::string value = getEnvOrDefault(key, ""); !value.empty()) {
+        return value;
+    }
+    const auto found = config.find(key);
+    return expandPath(found != config.end() ? std::string_view(found->second) : defaultConfigValue(key));
+}
+
+std::string getEnvOrDefault(const std::string& name, std::string_view fallback) {
+    return environmentValue(name).value_or(std::string(fallback));
+}
+
+std::string expandPath(std::string_view text) {
+    if (beginsWithHome(text)) {
+        if (const std::string home = getEnvOrDefault("HOME", ""); !home.empty()) {
+            return expandReferences(home + std::string(text.substr(1)));
+        }
+    }
+    return expandReferences(text);
+}
+
+std::vector<std::string> splitPathList(std::string_view value) {
+    std::vector<std::string> paths;
+    for (const auto& piece : splitTrimmed(value, ':')) {
+        paths.push_back(expandPath(piece)); // never empty: what has no value stays as written
+    }
+    return paths;
+}
+
+RunnerProgram locateRunner(const RuntimeConfig& config) {
+    for (const auto& entry : splitPathList(getConfigValue(config, "MORQUILL_MQRUN_PATH"))) {
+        if (auto path = resolveRunnerEntry(expandPath(entry))) {
+            return {std::move(*path), "MORQUILL_MQRUN_PATH"};
+        }
+    }
+    if (std::string beside = executableDirectory() + "/mqrun"; isRegularFile(beside)) {
+        return {std::move(beside), "executable_dir"};
+    }
+    return {"mqrun", "fallback"};
+}
+
+std::string findRunnerProgram(const RuntimeConfig& config) {
+    return locateRunner(config).path;
+}
+
+bool isRunnerAvailable(const std::string& path) {
+    if (path.find_first_of("/\\") != std::string::npos) {
+        return isRegularFile(path);
+    }
+    return !path.empty() && path.find(':') == std::string::npos;
+}
+
+std::string executableDirectory() {
+    std::array<char, 4095> link{};
+    const auto length = ::readlink("/proc/self/exe", link.data(), link.size());
+    if (length <= 0) {
+        return currentDirectory();
+    }
+    const std::string_view path(link.data(), static_cast<std::size_t>(length));
+    const auto slash = path.rfind('/');
+    return std::string(path.substr(0, slash == 0 ? 1 : slash)); // a program in "/" itself keeps the slash
+}
+
+} // namespace morquill::console

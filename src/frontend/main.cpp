@@ -1,5 +1,0 @@
-#include "frontend/dispatch.h"
-
-int main(int argc, char** argv) {
-    return morquill::frontend::runInSession(argc, argv, morquill::frontend::dispatchCommand);
-}

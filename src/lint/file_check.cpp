@@ -1,0 +1,153 @@
+#include "lint/file_check.h"
+
+#include "support/file.h"
+#include "support/text.h"
+#include "taskdsl/parser/task_parser.h"
+#include "taskdsl/task/when_expr.h"
+#include "lint/rules.h"
+#include "lint/source_scan.h"
+
+#include <algorithm>
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include <fnmatch.h>
+
+namespace morquill::lint {
+
+using taskdsl::SourceSpan;
+using taskdsl::TaskDocument;
+using taskdsl::TaskInfo;
+
+namespace {
+
+/// Adds to the report what the rules find in a subject.
+template <class Subject>
+void check(const Subject& subject, LintFileReport& report) {
+    applyRules(subject, [&report](const LintRule& rule, LintFinding finding) {
+        std::string message = lintMessage(rule, finding);
+        report.issues.push_back({rule.severity, finding.file.empty() ? report.path : std::move(finding.file),
+                                 std::move(finding.span), rule.code, std::move(message)});
+    });
+}
+
+using TaskNames = std::set<std::string_view>;
+
+/// Adds the tasks that a target behind `completed` means; false when there are none. A pattern adds two at
+/// most: whoever asks wants to know whether there are several.
+bool addMatches(const std::string& target, const TaskNames& known, TaskNames& matches) {
+    const auto wild = target.find_first_of("*?[");
+    if (wild == std::string::npos) {
+        const auto name = known.find(target);
+        if (name == known.end()) {
+            return false;
+        }
+        matches.insert(*name);
+        return true;
+    }
+    // Only names that begin as the pattern does are looked at.
+    const auto prefix = std::string_view(target).substr(0, target.find_first_of("*?[\\"));
+    std::size_t found = 0;
+    for (auto name = known.lower_bound(prefix); name != known.end() && name->starts_with(prefix) && found < 2;
+         ++name) {
+        if (::fnmatch(target.c_str(), std::string(*name).c_str(), 0) == 0) {
+            matches.insert(*name);
+            ++found;
+        }
+    }
+    return found > 0;
+}
+
+/// Checks one condition of a task.
+void checkCondition(const LintedFile& file, const TaskInfo& task, std::size_t number, AllOthersUses& uses,
+                    LintFileReport& report) {
+    const SourceSpan& span =
+        number < task.whenEntries.size() ? task.whenEntries[number].span : task.headerSpan;
+    const auto condition = taskdsl::parseWhenExpr(task.whenConditions[number]);
+    TaskNames referenced;
+    for (const auto& target : taskdsl::collectCompletedTargets(condition)) {
+        if (!equalsNoCase(target, "allothers")) {
+            check(CompletedTarget{target, addMatches(target, file.knownTasks, referenced), span}, report);
+        }
+    }
+    if (taskdsl::hasAllOthers(condition)) {
+        uses.push_back({task.name, span});
+    }
+    for (const auto& placeholder : taskdsl::collectPlaceholders(condition)) {
+        const auto target = trim(std::string_view(placeholder).substr(0, placeholder.find('.')));
+        const auto known = file.knownTasks.find(target);
+        check(PlaceholderTarget{target, known != file.knownTasks.end(), span}, report);
+        if (known != file.knownTasks.end() && !isBareProperty(target)) {
+            referenced.insert(*known);
+        }
+    }
+    check(LintedCondition{file, referenced.size(), span}, report);
+}
+
+/// The raw argument of the task's first `%source`.
+std::string_view rawSource(const TaskInfo& task) {
+    for (const auto& directive : task.directives) {
+        if (directive.name == "source") {
+            return directive.value;
+        }
+    }
+    return {};
+}
+
+void checkDocument(const TaskDocument& document, LintedFile& file, LintFileReport& report) {
+    const auto& tasks = document.templateTasks.empty() ? document.tasks : document.templateTasks;
+    for (const TaskInfo& task : tasks) {
+        file.knownTasks.insert(task.name);
+    }
+    check(file, report);
+    TaskNames seen;
+    AllOthersUses uses;
+    for (const TaskInfo& task : tasks) {
+        check(LintedTask{file, task, !seen.insert(task.name).second, rawSource(task)}, report);
+        for (std::size_t i = 0; i < task.whenConditions.size(); ++i) {
+            checkCondition(file, task, i, uses, report);
+        }
+    }
+    check(uses, report);
+}
+
+/// What the scan of the lines gives: issues for the report, and what later stages need to know.
+LintedFile scanLines(std::string_view text, LintFileReport& report) {
+    const auto lines = splitLines(text);
+    for (auto& pending : scanRawLines(lines, SharedText(report.path))) {
+        report.issues.push_back({LintSeverity::warning, report.path, std::move(pending.span), pending.code,
+                                 std::move(pending.message)});
+    }
+    return {rawDslVersion(lines), text.find("{{ energy }}") != std::string_view::npos, {}};
+}
+
+/// Checks a file whose text is known, or, without one, tells why it cannot be read.
+LintFileReport lintSource(const std::optional<std::string_view>& text, const std::string& path,
+                          const taskdsl::WarningSink& warnings) {
+    LintFileReport report{path, {}, false};
+    LintedFile file = scanLines(text.value_or(""), report);
+    try {
+        // Only a file that says so is read with the tolerance of its time.
+        taskdsl::TaskParser parser(file.version == "1", warnings);
+        const TaskDocument document = text ? parser.parseText(*text, path) : parser.parseFile(path);
+        report.parsed = true;
+        checkDocument(document, file, report);
+    } catch (const std::exception& fault) {
+        check(ParseFault{fault.what()}, report);
+    }
+    return report;
+}
+
+} // namespace
+
+LintFileReport lintText(std::string_view text, const std::string& path,
+                        const taskdsl::WarningSink& warnings) {
+    return lintSource(text, path, warnings);
+}
+
+LintFileReport lintFile(const std::string& path) {
+    return lintSource(readTextFile(path), path, {});
+}
+
+} // namespace morquill::lint

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "taskdsl/base/diagnostic.h"
+#include "lint/report.h"
+
+#include <string>
+#include <string_view>
+
+namespace morquill::lint {
+
+/// Checks one task file: its lines as written, its parse, and the tasks it declares. Never throws for what a
+/// file holds or for one that cannot be read: that is an issue. The parser's warnings go to the log.
+[[nodiscard]] LintFileReport lintFile(const std::string& path);
+
+/// Checks a text as if it were the file `path`. Without a sink, the parser's warnings go to the log.
+[[nodiscard]] LintFileReport lintText(std::string_view text, const std::string& path,
+                                      const taskdsl::WarningSink& warnings = {});
+
+} // namespace morquill::lint

@@ -1,0 +1,58 @@
+#include "project/cases/block_pattern.h"
+
+#include "support/paths.h"
+#include "system/tree_walk.h"
+#include "support/file.h"
+
+#include <algorithm>
+
+#include <fnmatch.h>
+
+namespace morquill::project {
+
+namespace {
+
+std::string normalisedPattern(std::string_view pattern) {
+    std::string text(pattern);
+    std::replace(text.begin(), text.end(), '\\', '/');
+    text.erase(text.find_last_not_of('/') + 1);
+    return text;
+}
+
+std::vector<std::string> matchNames(const std::string& blockDir, const std::string& pattern,
+                                    bool directoriesOnly) {
+    auto names = listDirectoryEntries(blockDir, pattern);
+    if (directoriesOnly) {
+        std::erase_if(names, [&](const std::string& name) { return !isDirectory(joinPath(blockDir, name)); });
+    }
+    return names;
+}
+
+std::vector<std::string> matchTree(const std::string& blockDir, const std::string& pattern) {
+    std::vector<std::string> matches;
+    const std::size_t prefix = joinPath(blockDir, "").size();
+    system::walkTree(blockDir, [&](const std::string& path, system::EntryKind kind) {
+        const bool maybeFile = kind == system::EntryKind::file || kind == system::EntryKind::link;
+        if (maybeFile && ::fnmatch(pattern.c_str(), path.c_str() + prefix, FNM_PATHNAME) == 0 &&
+            isRegularFile(path)) {
+            matches.push_back(path.substr(prefix));
+        }
+        return true;
+    });
+    std::sort(matches.begin(), matches.end());
+    return matches;
+}
+
+} // namespace
+
+std::vector<std::string> expandBlockPattern(const std::string& blockDir, std::string_view pattern,
+                                            bool directoriesOnly) {
+    const auto normalised = normalisedPattern(pattern);
+    if (normalised.empty()) {
+        return {};
+    }
+    return normalised.find('/') == std::string::npos ? matchNames(blockDir, normalised, directoriesOnly)
+                                                     : matchTree(blockDir, normalised);
+}
+
+} // namespace morquill::project

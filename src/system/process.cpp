@@ -1,0 +1,225 @@
+#include "system/process.h"
+
+#include "console/console.h"
+#include "system/signal_guard.h"
+#include "support/text.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace morquill::system {
+
+namespace {
+
+constexpr int launchFailedStatus = 127; // never seen by a caller: the text in the pipe wins
+
+std::string systemText(int number) {
+    return std::strerror(number);
+}
+
+/// What the child becomes: a program with its arguments and the words for a failed start.
+struct Launch {
+    const char* path;
+    bool searchPath;
+    std::vector<char*> arguments; ///< ends in a null pointer
+    std::string failure;          ///< stands before the system text
+};
+
+// A child must not start deaf because its parent holds a signal back for a while. A hang-up that was ignored
+// when this program started (`nohup`) was meant for everything below it and stays so.
+void resetSignals() {
+    struct sigaction current {};
+    for (int number = 1; number < NSIG; ++number) {
+        if (number == SIGHUP && ::sigaction(number, nullptr, &current) == 0 &&
+            current.sa_handler == SIG_IGN) {
+            continue;
+        }
+        std::signal(
+            number,
+            SIG_DFL); // the two that cannot be changed, and those of the C library, answer with an error
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+[[noreturn]] void failInChild(int pipeEnd, const std::string& text) {
+    std::size_t written = 0;
+    while (written < text.size()) {
+        const ssize_t count = ::write(pipeEnd, text.data() + written, text.size() - written);
+        if (count < 0 && errno != EINTR) {
+            break;
+        }
+        written += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    ::close(pipeEnd);
+    ::_exit(launchFailedStatus);
+}
+
+[[noreturn]] void becomeChild(const Launch& launch, const std::string& workingDir, int pipeEnd) {
+    resetSignals();
+    if (!workingDir.empty() && ::chdir(workingDir.c_str()) != 0) {
+        failInChild(pipeEnd,
+                    "failed to change working directory to '" + workingDir + "': " + systemText(errno));
+    }
+    if (launch.searchPath) {
+        ::execvp(launch.path, launch.arguments.data());
+    } else {
+        ::execv(launch.path, launch.arguments.data());
+    }
+    failInChild(pipeEnd, launch.failure + systemText(errno));
+}
+
+std::string readToEnd(int descriptor) {
+    std::string text;
+    std::array<char, 4096> buffer{};
+    for (;;) {
+        const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
+        if (count > 0) {
+            text.append(buffer.data(), static_cast<std::size_t>(count));
+        } else if (count == 0 || errno != EINTR) {
+            return text;
+        }
+    }
+}
+
+void readStatus(int status, ProcessResult& result) {
+    if (WIFEXITED(status)) {
+        result.exited = true;
+        result.exitCode = WEXITSTATUS(status);
+    } else if (WIFSIGNALED(status)) {
+        result.terminatedBySignal = true;
+        result.signalNumber = WTERMSIG(status);
+        result.error = "process terminated by signal " + std::to_string(result.signalNumber);
+    } else {
+        result.error = "process ended abnormally";
+    }
+}
+
+ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
+    ProcessResult result;
+    std::array<int, 2> ends{};
+    if (::pipe(ends.data()) != 0) {
+        result.error = "failed to create process error pipe: " + systemText(errno);
+        return result;
+    }
+    const auto [readEnd, writeEnd] = ends;
+    const int flags = ::fcntl(writeEnd, F_GETFD);
+    if (flags < 0 || ::fcntl(writeEnd, F_SETFD, flags | FD_CLOEXEC) < 0) {
+        result.error = "failed to configure process error pipe: " + systemText(errno);
+        ::close(readEnd);
+        ::close(writeEnd);
+        return result;
+    }
+    console::flushOut();
+    ChildSignals signals;
+    const pid_t child = ::fork();
+    if (child < 0) {
+        result.error = "failed to fork child process: " + systemText(errno);
+        ::close(readEnd);
+        ::close(writeEnd);
+        return result;
+    }
+    if (child == 0) {
+        ::close(readEnd);
+        becomeChild(launch, workingDir, writeEnd);
+    }
+    signals.watch(child);
+    ::close(writeEnd);
+    result.launched = true;
+    // The pipe is emptied before the wait: a failure text longer than the pipe's buffer must not stop the
+    // child. It ends at the latest when the child's program starts, which closes the other end.
+    const std::string launchFailure = readToEnd(readEnd);
+    ::close(readEnd);
+    // The end is seen first and the child reaped after, so that a late signal cannot hit a reused number.
+    siginfo_t ended{};
+    while (::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
+    }
+    signals.release();
+    int status = 0;
+    pid_t waited = 0;
+    do {
+        waited = ::waitpid(child, &status, 0);
+    } while (waited < 0 && errno == EINTR);
+    if (waited < 0) {
+        result.error = "failed to wait for child process: " + systemText(errno);
+    } else {
+        readStatus(status, result);
+    }
+    if (!launchFailure.empty()) {
+        result = ProcessResult{};
+        result.error = launchFailure;
+    }
+    return result;
+}
+
+bool report(const std::string& label, const ProcessResult& result, std::string* failureText) {
+    if (succeeded(result)) {
+        return true;
+    }
+    if (failureText != nullptr) {
+        *failureText = describeProcessFailure(label, result);
+    }
+    return false;
+}
+
+} // namespace
+
+ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::string& workingDir) {
+    if (argv.empty() || argv.front().empty()) {
+        return {.error = "program name is empty"};
+    }
+    Launch launch{argv.front().c_str(), true, {}, "failed to execute '" + argv.front() + "': "};
+    launch.arguments.reserve(argv.size() + 1);
+    for (const std::string& argument : argv) {
+        launch.arguments.push_back(const_cast<char*>(argument.c_str())); // exec never writes to them
+    }
+    launch.arguments.push_back(nullptr);
+    return spawn(launch, workingDir);
+}
+
+ProcessResult spawnShell(const std::string& command, const std::string& workingDir) {
+    if (command.empty()) {
+        return {.error = "command is empty"};
+    }
+    static constexpr const char* shell = "/bin/sh";
+    const Launch launch{
+        shell,
+        false,
+        {const_cast<char*>(shell), const_cast<char*>("-c"), const_cast<char*>(command.c_str()), nullptr},
+        "failed to execute shell command via /bin/sh: "};
+    return spawn(launch, workingDir);
+}
+
+bool succeeded(const ProcessResult& result) noexcept {
+    return result.launched && result.exited && result.exitCode == 0;
+}
+
+std::string describeProcessFailure(const std::string& label, const ProcessResult& result) {
+    if (!result.launched) {
+        return result.error.empty() ? label + " could not be launched" : result.error;
+    }
+    if (result.exited) {
+        return label + " exited with code " + std::to_string(result.exitCode);
+    }
+    return result.error.empty() ? label + " ended abnormally" : result.error;
+}
+
+bool runProgram(const std::string& workingDir, const std::string& program,
+                const std::vector<std::string>& arguments, std::string* failureText) {
+    std::vector<std::string> argv{program};
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    return report("program '" + program + "'", spawnProgram(argv, workingDir), failureText);
+}
+
+bool runShellCommand(const std::string& workingDir, const std::string& command, std::string* failureText) {
+    return report("shell command", spawnShell(std::string(trim(command)), workingDir), failureText);
+}
+
+} // namespace morquill::system

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// Child processes: start one, wait for it, tell precisely why it did not succeed. Nothing here throws or
+/// prints, and no time limit applies. A child inherits standard input, output and error, so that what it
+/// writes goes straight to the terminal; what this program has buffered for standard output is written first.
+namespace morquill::system {
+
+/// How one child ended.
+struct ProcessResult {
+    bool launched = false; ///< the child got as far as running its program
+    bool exited = false;   ///< it ended by itself, `exitCode` is valid
+    std::int32_t exitCode = 0;
+    bool terminatedBySignal = false; ///< it was killed, `signalNumber` is valid
+    std::int32_t signalNumber = 0;
+    std::string error; ///< the launcher's own failure text, empty otherwise
+};
+
+/// Runs `argv[0]`, looked up along `PATH`, with `argv` in `workingDir` (empty: where this process stands) and
+/// waits for its end. The child starts with no signal blocked and every signal at its default, save a hang-up
+/// that this process was told to ignore.
+[[nodiscard]] ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::string& workingDir);
+
+/// The same for `/bin/sh -c <command>`.
+[[nodiscard]] ProcessResult spawnShell(const std::string& command, const std::string& workingDir);
+
+/// True when the result is an exit with code 0.
+[[nodiscard]] bool succeeded(const ProcessResult& result) noexcept;
+
+/// Why a child did not succeed, in one line; `label` names the child ("shell command").
+[[nodiscard]] std::string describeProcessFailure(const std::string& label, const ProcessResult& result);
+
+/// Runs a program and waits; true when it exited with code 0. Otherwise `failureText`, when given, takes the
+/// reason.
+[[nodiscard]] bool runProgram(const std::string& workingDir, const std::string& program,
+                              const std::vector<std::string>& arguments, std::string* failureText = nullptr);
+
+/// Runs a trimmed shell command and waits; true when it exited with code 0. Otherwise `failureText`, when
+/// given, takes the reason.
+[[nodiscard]] bool runShellCommand(const std::string& workingDir, const std::string& command,
+                                   std::string* failureText = nullptr);
+
+} // namespace morquill::system

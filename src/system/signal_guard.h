@@ -1,0 +1,49 @@
+#pragma once
+
+#include <csignal>
+#include <sys/types.h>
+
+/// Putting off the signals that ask a program to end, for as long as the disk must be left in order first.
+namespace morquill::system {
+
+/// While it lives, SIGHUP, SIGINT and SIGTERM are noted instead of ending the process; a signal that was
+/// already ignored stays ignored. Its destructor gives the process back to the system's ways and then ends it
+/// with the first noted signal. Build it before whatever has to be undone, so that it goes last. One at a
+/// time.
+class SignalGuard {
+  public:
+    SignalGuard() noexcept;
+    SignalGuard(const SignalGuard&) = delete;
+    SignalGuard& operator=(const SignalGuard&) = delete;
+    ~SignalGuard();
+
+    /// The first signal that was noted, 0 for none.
+    [[nodiscard]] int noted() const noexcept;
+
+  private:
+    struct sigaction old_[3]{};
+};
+
+/// Names the child that a noted signal is passed on to, from its start to its end: the program waits for it,
+/// so it must hear of the signal, too. A signal from the terminal reaches the child by itself and is not
+/// doubled.
+///
+/// Built before `fork`, it holds the three signals back, so that none falls between the start of the child
+/// and `watch`.
+class ChildSignals {
+  public:
+    ChildSignals() noexcept;
+    ChildSignals(const ChildSignals&) = delete;
+    ChildSignals& operator=(const ChildSignals&) = delete;
+    ~ChildSignals();
+
+    /// The child is there: lets the signals come.
+    void watch(pid_t child) noexcept;
+    /// The child has ended and is about to be reaped; its number may soon be another's.
+    void release() noexcept;
+
+  private:
+    sigset_t oldMask_{};
+};
+
+} // namespace morquill::system

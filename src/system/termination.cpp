@@ -1,0 +1,41 @@
+#include "system/termination.h"
+
+#include <algorithm>
+
+namespace morquill::system {
+
+namespace {
+
+struct MarkerRow {
+    LogProgram program;
+    std::string_view marker;
+};
+
+constexpr MarkerRow markerTable[] = {
+    {LogProgram::orca, "****ORCA TERMINATED NORMALLY****"},
+    {LogProgram::gamess, "EXECUTION OF GAMESS TERMINATED NORMALLY"},
+    {LogProgram::gamess, "ddikick.x: exited gracefully."},
+    {LogProgram::amesp, "Normal termination of Amesp!"},
+    {LogProgram::other, "Normal termination"},
+    {LogProgram::other, "Program ended:"},
+};
+
+} // namespace
+
+std::vector<std::string_view> terminationMarkers(LogProgram program) {
+    std::vector<std::string_view> markers;
+    for (const MarkerRow& row : markerTable) {
+        if (row.program == program) {
+            markers.push_back(row.marker);
+        }
+    }
+    return markers;
+}
+
+bool hasTerminationMarker(std::string_view log, LogProgram program) {
+    return std::any_of(std::begin(markerTable), std::end(markerTable), [&](const MarkerRow& row) {
+        return row.program == program && log.find(row.marker) != std::string_view::npos;
+    });
+}
+
+} // namespace morquill::system

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+/// The normal-termination markers by which the tool family knows a finished log. No command of this program
+/// asks: it takes a task as finished from `mq.status` alone. The table is the vocabulary shared with the run
+/// tools.
+namespace morquill::system {
+
+/// Whose log is looked at.
+enum class LogProgram : std::int32_t { orca = 0, gamess, amesp, other };
+
+/// The texts of which one stands in a log that ended normally.
+[[nodiscard]] std::vector<std::string_view> terminationMarkers(LogProgram program);
+
+/// True when the log text holds one of the program's markers.
+[[nodiscard]] bool hasTerminationMarker(std::string_view log, LogProgram program);
+
+} // namespace morquill::system

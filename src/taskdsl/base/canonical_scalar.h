@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// How a value is written in canonical form.
+namespace morquill::taskdsl {
+
+/// A text that holds no white space and none of `"`, `#`, `,`, `:` stands bare; any other text, the empty one
+/// included, stands between double quotes with tab, line feed, carriage return, double quote and backslash
+/// escaped.
+[[nodiscard]] std::string quoteCanonicalScalar(std::string_view text);
+
+/// The text between double quotes, whatever it holds.
+[[nodiscard]] std::string quoteForcedScalar(std::string_view text);
+
+/// `quoteCanonicalScalar` for a value whose reader knows single quotes and takes off a pair around the whole
+/// value: such a value is quoted although the rule alone would let it stand bare.
+[[nodiscard]] std::string quoteUnquotedScalar(std::string_view text);
+
+/// The same for a setting, which the YAML reader sees: what it would take for more than a plain text is
+/// quoted.
+[[nodiscard]] std::string quoteSettingScalar(std::string_view text);
+
+/// Appends `quoteCanonicalScalar(text)`.
+void appendCanonicalScalar(std::string& out, std::string_view text);
+
+/// The quoted values with ", " between them, without brackets. A value with a single quote is quoted, as the
+/// list's reader does not split inside single quotes.
+[[nodiscard]] std::string joinCanonicalList(const std::vector<std::string>& values);
+
+/// A number as the C format `%.12g` writes it.
+[[nodiscard]] std::string formatCanonicalNumber(double value);
+
+} // namespace morquill::taskdsl

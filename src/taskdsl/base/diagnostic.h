@@ -1,0 +1,30 @@
+#pragma once
+
+#include "taskdsl/base/source_span.h"
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+namespace morquill::taskdsl {
+
+/// A fault of the input that ends the parse. `what()` is the whole message: `<span>: error: <message>`, or
+/// the bare message when the span is invalid. The parts are kept, so that a tool need not take the text
+/// apart.
+class DiagnosticError : public std::runtime_error {
+  public:
+    explicit DiagnosticError(std::string message);
+    DiagnosticError(SourceSpan span, std::string message);
+
+    [[nodiscard]] const SourceSpan& span() const noexcept { return span_; }
+    [[nodiscard]] const std::string& message() const noexcept { return message_; }
+
+  private:
+    SourceSpan span_;
+    std::string message_;
+};
+
+/// Takes one warning line; the parser's default hands it to the log.
+using WarningSink = std::function<void(const std::string&)>;
+
+} // namespace morquill::taskdsl

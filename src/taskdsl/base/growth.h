@@ -1,0 +1,34 @@
+#pragma once
+
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/limits.h"
+
+#include <cstddef>
+
+namespace morquill::taskdsl {
+
+/// Counts the lines that an expansion makes, so that repetition without end is an error and not the end of
+/// memory.
+class GrowthBudget {
+  public:
+    /// Takes one line of `bytes` bytes. Throws `DiagnosticError` beyond the bounds.
+    void takeLine(std::size_t bytes) { take(1, bytes); }
+    /// Takes the work of one item of a loop, or of one fragment, that may make no line at all.
+    void takeRepetition() { take(limits::linesPerRepetition, 0); }
+    void takeFragment() { take(limits::linesPerFragment, 0); }
+
+  private:
+    void take(std::size_t count, std::size_t bytes) {
+        lines += count;
+        text += bytes;
+        if (lines > limits::expandedLines || text > limits::expandedText) {
+            fail();
+        }
+    }
+    [[noreturn]] static void fail();
+
+    std::size_t lines = 0;
+    std::size_t text = 0;
+};
+
+} // namespace morquill::taskdsl

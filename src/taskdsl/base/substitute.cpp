@@ -1,0 +1,73 @@
+#include "taskdsl/base/substitute.h"
+
+#include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/limits.h"
+
+namespace morquill::taskdsl {
+
+namespace {
+
+bool isKeyChar(char c) noexcept {
+    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '-';
+}
+
+/// A `[key]` in a text: the key, and the places of its brackets.
+struct Bracket {
+    std::size_t open = std::string_view::npos;
+    std::size_t behind = 0;
+    std::string_view key;
+};
+
+/// The next `[key]` from `begin` on. No key character is a bracket, so a failed try goes on behind its key.
+Bracket nextBracket(std::string_view text, std::size_t begin) noexcept {
+    for (std::size_t open = text.find('[', begin); open != std::string_view::npos;) {
+        std::size_t close = open + 1;
+        while (close < text.size() && isKeyChar(text[close])) {
+            ++close;
+        }
+        if (close < text.size() && close > open + 1 && text[close] == ']') {
+            return {open, close + 1, text.substr(open + 1, close - open - 1)};
+        }
+        open = text.find('[', close);
+    }
+    return {};
+}
+
+} // namespace
+
+std::string substituteBrackets(std::string_view text, const ValueMap& values) {
+    std::string result;
+    std::size_t copied = 0;
+    for (Bracket bracket = nextBracket(text, 0); bracket.open != std::string_view::npos;
+         bracket = nextBracket(text, bracket.behind)) {
+        if (const auto found = values.find(bracket.key); found != values.end()) {
+            result += text.substr(copied, bracket.open - copied);
+            result += found->second;
+            copied = bracket.behind;
+            if (result.size() > text.size() + limits::substitutedText) {
+                throw DiagnosticError("substitution of '[" + found->first + "]' makes a text longer than " +
+                                      std::to_string(limits::substitutedText >> 20) + " MiB");
+            }
+        }
+    }
+    result += text.substr(copied);
+    return result;
+}
+
+void substituteInto(std::string& text, const ValueMap& values) {
+    if (text.find('[') != std::string::npos) {
+        text = substituteBrackets(text, values);
+    }
+}
+
+std::vector<std::string> bracketKeys(std::string_view text) {
+    std::vector<std::string> keys;
+    for (Bracket bracket = nextBracket(text, 0); bracket.open != std::string_view::npos;
+         bracket = nextBracket(text, bracket.behind)) {
+        keys.emplace_back(bracket.key);
+    }
+    return keys;
+}
+
+} // namespace morquill::taskdsl

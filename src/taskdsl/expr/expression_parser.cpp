@@ -1,0 +1,346 @@
+#include "support/text.h"
+#include "taskdsl/expr/expression.h"
+#include "taskdsl/expr/statement_reader.h"
+
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <utility>
+
+namespace morquill::taskdsl::plot {
+
+namespace {
+
+/// Kinds of the tokens that expression text is made of.
+enum class PlotTokenKind : std::int32_t {
+    end = 0,
+    number = 1,
+    identifier = 2,
+    string = 3,
+    snapshot = 4,
+    plus = 5,
+    minus = 6,
+    star = 7,
+    slash = 8,
+    open = 9,
+    close = 10,
+    comma = 11,
+    equals = 12
+};
+
+/// One token. The views point into the expression text.
+struct PlotToken {
+    PlotTokenKind kind = PlotTokenKind::end;
+    std::string_view text; ///< as written; of a snapshot what stands between the braces
+    std::string decoded;   ///< of a string
+    double number = 0;     ///< of a number
+};
+
+constexpr bool isIdentifierStart(char c) noexcept {
+    return isLetter(c) || c == '_' || c == '[';
+}
+
+constexpr bool isIdentifierChar(char c) noexcept {
+    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == ':' || c == '[' || c == ']';
+}
+
+struct Punctuation {
+    char character;
+    PlotTokenKind kind;
+};
+constexpr std::array punctuation{
+    Punctuation{'+', PlotTokenKind::plus},  Punctuation{'-', PlotTokenKind::minus},
+    Punctuation{'*', PlotTokenKind::star},  Punctuation{'/', PlotTokenKind::slash},
+    Punctuation{'(', PlotTokenKind::open},  Punctuation{')', PlotTokenKind::close},
+    Punctuation{',', PlotTokenKind::comma}, Punctuation{'=', PlotTokenKind::equals},
+};
+
+/// Takes expression text apart, token by token.
+class Lexer {
+  public:
+    Lexer(std::string_view text, const SourceSpan& span) : text_(text), span_(span) {}
+
+    /// The next token; of kind `end` for ever when the text is used up.
+    PlotToken next() {
+        at_ = skipSpace();
+        if (at_ == text_.size()) {
+            return {};
+        }
+        const char c = text_[at_];
+        const char following = at_ + 1 < text_.size() ? text_[at_ + 1] : '\0';
+        if (c == '"' || c == '\'') {
+            return string(c);
+        }
+        if (c == '{' && following == '{') {
+            return snapshot();
+        }
+        if (isDigit(c) || (c == '.' && isDigit(following))) {
+            return number();
+        }
+        if (isIdentifierStart(c)) {
+            std::size_t end = at_ + 1;
+            while (end < text_.size() && isIdentifierChar(text_[end])) {
+                ++end;
+            }
+            return {PlotTokenKind::identifier, take(end), {}, 0};
+        }
+        for (const auto& [character, kind] : punctuation) {
+            if (c == character) {
+                return {kind, take(at_ + 1), {}, 0};
+            }
+        }
+        plotError(span_, std::string("unexpected character '") + c + "' in plot expression");
+    }
+
+    /// True when the token that comes next is "=".
+    [[nodiscard]] bool atEquals() const noexcept {
+        const std::size_t at = skipSpace();
+        return at < text_.size() && text_[at] == '=';
+    }
+
+  private:
+    PlotToken string(char quote) {
+        PlotToken token{PlotTokenKind::string, {}, {}, 0};
+        for (std::size_t i = at_ + 1; i < text_.size(); ++i) {
+            char c = text_[i];
+            if (c == quote) {
+                token.text = take(i + 1);
+                return token;
+            }
+            if (c == '\\') {
+                if (++i == text_.size()) {
+                    break;
+                }
+                c = text_[i];
+                c = c == 'n' ? '\n' : c == 'r' ? '\r' : c == 't' ? '\t' : c;
+            }
+            token.decoded += c;
+        }
+        plotError(span_, "unterminated string in plot expression");
+    }
+
+    PlotToken snapshot() {
+        const auto close = text_.find("}}", at_ + 2);
+        if (close == std::string_view::npos) {
+            plotError(span_, "unterminated '{{ ... }}' snapshot reference");
+        }
+        const auto inner = trim(text_.substr(at_ + 2, close - at_ - 2));
+        if (inner.empty()) {
+            plotError(span_, "empty snapshot reference");
+        }
+        at_ = close + 2;
+        return {PlotTokenKind::snapshot, inner, {}, 0};
+    }
+
+    /// What C's strtod reads: decimal and hexadecimal numbers, "inf" past the range and 0 below it.
+    PlotToken number() {
+        const char* const begin = text_.data() + at_;
+        const char* const last = text_.data() + text_.size();
+        const bool hexadecimal = *begin == '0' && begin + 1 != last && lowerChar(begin[1]) == 'x';
+        double value = 0;
+        auto [end, fault] = std::from_chars(begin, last, value);
+        if (hexadecimal || fault == std::errc::result_out_of_range) {
+            // A copy that ends where no number goes on, since strtod reads up to a terminator.
+            const char* stop = hexadecimal ? begin : end;
+            while (stop != last &&
+                   (isDigit(*stop) || isLetter(*stop) || *stop == '.' || *stop == '+' || *stop == '-')) {
+                ++stop;
+            }
+            const std::string copy(begin, stop);
+            char* copyEnd = nullptr;
+            value = std::strtod(copy.c_str(), &copyEnd);
+            end = begin + (copyEnd - copy.c_str());
+        }
+        if (end == begin) {
+            plotError(span_, "invalid number in plot expression");
+        }
+        return {PlotTokenKind::number, take(static_cast<std::size_t>(end - text_.data())), {}, value};
+    }
+
+    /// The text from here to `end`, which becomes the place of the next token.
+    std::string_view take(std::size_t end) noexcept {
+        const auto taken = text_.substr(at_, end - at_);
+        at_ = end;
+        return taken;
+    }
+
+    [[nodiscard]] std::size_t skipSpace() const noexcept {
+        std::size_t at = at_;
+        while (at < text_.size() && isSpace(text_[at])) {
+            ++at;
+        }
+        return at;
+    }
+
+    std::string_view text_;
+    const SourceSpan& span_;
+    std::size_t at_ = 0;
+};
+
+/// Recursive descent with one token of look-ahead.
+class Parser {
+  public:
+    Parser(std::string_view text, const SourceSpan& span) : lexer_(text, span), span_(span) { advance(); }
+
+    ExprRef read() {
+        if (token_.kind == PlotTokenKind::end) {
+            plotError(span_, "empty plot expression");
+        }
+        ExprRef result = expression();
+        if (token_.kind != PlotTokenKind::end) {
+            const bool string = token_.kind == PlotTokenKind::string;
+            plotError(span_,
+                      "unexpected token '" + (string ? token_.decoded : std::string(token_.text)) + "'");
+        }
+        return result;
+    }
+
+  private:
+    ExprRef expression() {
+        ExprRef left = term();
+        for (;;) {
+            if (accept(PlotTokenKind::plus)) {
+                left = makeExpression(BinaryExpr{BinaryOp::add, std::move(left), term()});
+            } else if (accept(PlotTokenKind::minus)) {
+                left = makeExpression(BinaryExpr{BinaryOp::subtract, std::move(left), term()});
+            } else {
+                return left;
+            }
+        }
+    }
+
+    ExprRef term() {
+        ExprRef left = factor();
+        for (;;) {
+            if (accept(PlotTokenKind::star)) {
+                left = makeExpression(BinaryExpr{BinaryOp::multiply, std::move(left), factor()});
+            } else if (accept(PlotTokenKind::slash)) {
+                left = makeExpression(BinaryExpr{BinaryOp::divide, std::move(left), factor()});
+            } else {
+                return left;
+            }
+        }
+    }
+
+    /// Signs are gathered in a loop: they cost depth, but no stack.
+    ExprRef factor() {
+        const std::size_t outerDepth = depth_;
+        std::vector<UnaryOp> signs;
+        for (;;) {
+            if (accept(PlotTokenKind::plus)) {
+                signs.push_back(UnaryOp::plus);
+            } else if (accept(PlotTokenKind::minus)) {
+                signs.push_back(UnaryOp::minus);
+            } else {
+                break;
+            }
+            goDeeper();
+        }
+        ExprRef result = primary();
+        for (auto sign = signs.rbegin(); sign != signs.rend(); ++sign) {
+            result = makeExpression(UnaryExpr{*sign, std::move(result)});
+        }
+        depth_ = outerDepth;
+        return result;
+    }
+
+    ExprRef primary() {
+        PlotToken token = std::move(token_);
+        switch (token.kind) {
+        case PlotTokenKind::number:
+            advance();
+            return makeExpression(NumberExpr{token.number});
+        case PlotTokenKind::string:
+            advance();
+            return makeExpression(StringExpr{std::move(token.decoded)});
+        case PlotTokenKind::snapshot: {
+            auto reference = snapshot(token.text);
+            advance();
+            return reference;
+        }
+        case PlotTokenKind::identifier:
+            advance();
+            if (accept(PlotTokenKind::open)) {
+                return call(std::string(token.text));
+            }
+            return makeExpression(IdentifierExpr{std::string(token.text)});
+        case PlotTokenKind::open:
+            advance();
+            return parenthesized();
+        default:
+            plotError(span_, "expected a number, identifier, string, function call, or '('");
+        }
+    }
+
+    ExprRef parenthesized() {
+        goDeeper();
+        ExprRef inner = expression();
+        if (!accept(PlotTokenKind::close)) {
+            plotError(span_, "expected ')' in plot expression");
+        }
+        --depth_;
+        return inner;
+    }
+
+    ExprRef call(std::string name) {
+        goDeeper();
+        CallExpr result{std::move(name), {}};
+        bool more = !accept(PlotTokenKind::close);
+        while (more) {
+            PlotCallArgument argument;
+            if (token_.kind == PlotTokenKind::identifier && lexer_.atEquals()) {
+                argument.name = token_.text;
+                argument.named = true;
+                advance();
+                advance();
+            }
+            argument.value = expression();
+            result.arguments.push_back(std::move(argument));
+            more = accept(PlotTokenKind::comma);
+            if (!more && !accept(PlotTokenKind::close)) {
+                plotError(span_, "expected ',' or ')' after function argument");
+            }
+        }
+        --depth_;
+        return makeExpression(std::move(result));
+    }
+
+    ExprRef snapshot(std::string_view text) {
+        const auto dot = text.find('.');
+        if (dot == std::string_view::npos || dot == 0 || dot + 1 == text.size()) {
+            plotError(span_, "snapshot reference must be '{{ task.key }}'");
+        }
+        return makeExpression(
+            SnapshotExpr{std::string(text.substr(0, dot)), std::string(trim(text.substr(dot + 1)))});
+    }
+
+    void advance() { token_ = lexer_.next(); }
+
+    bool accept(PlotTokenKind kind) {
+        const bool found = token_.kind == kind;
+        if (found) {
+            advance();
+        }
+        return found;
+    }
+
+    void goDeeper() {
+        if (++depth_ > maxExpressionDepth) {
+            plotError(span_, "expression is nested too deeply");
+        }
+    }
+
+    Lexer lexer_;
+    const SourceSpan& span_;
+    PlotToken token_;
+    std::size_t depth_ = 0;
+};
+
+} // namespace
+
+ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span) {
+    return Parser(text, span).read();
+}
+
+} // namespace morquill::taskdsl::plot

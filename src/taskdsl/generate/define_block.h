@@ -1,0 +1,28 @@
+#pragma once
+
+#include "taskdsl/base/substitute.h"
+#include "taskdsl/task/task_document.h"
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+/// `define:` sections and the keys that they may not use.
+namespace morquill::taskdsl {
+
+/// True for a key that stands for a runtime placeholder of `%source`: one of the reserved names, such a name
+/// with a dot and more behind it, or such a name followed by digits only.
+[[nodiscard]] bool isReservedKey(std::string_view key) noexcept;
+
+/// Throws `DiagnosticError` for a reserved define key.
+void requireFreeDefineKey(std::string_view key);
+
+/// Reads the body of a `define:` section from line `start`; `next` is the first line behind it.
+[[nodiscard]] ValueMap parseDefineBlock(const std::vector<std::string_view>& lines, std::size_t start,
+                                        std::size_t& next);
+
+/// Puts defines into the document; without `override` a key that is there keeps its value. Throws
+/// `DiagnosticError` for a reserved key.
+void mergeDefines(TaskDocument& document, const ValueMap& defines, bool override);
+
+} // namespace morquill::taskdsl

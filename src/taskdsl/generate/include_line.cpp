@@ -1,0 +1,309 @@
+#include "taskdsl/generate/include_line.h"
+
+#include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/scan.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+constexpr std::string_view keyword = "&INCLUDE";
+
+bool isNameStart(char c) noexcept {
+    return isLetter(c) || c == '_';
+}
+
+bool isNameChar(char c) noexcept {
+    return isLetter(c) || isDigit(c) || c == '_' || c == '-';
+}
+
+/// Steps over the characters that quotes protect: tells whether the character at `i` stands outside quotes
+/// and is no quote. A backslash inside quotes takes the next character with it.
+class QuoteWalk {
+  public:
+    bool outside(std::string_view text, std::size_t& i) noexcept {
+        const char c = text[i];
+        if (quote != '\0') {
+            if (c == '\\') {
+                ++i;
+            } else if (c == quote) {
+                quote = '\0';
+            }
+            return false;
+        }
+        if (c == '"' || c == '\'') {
+            quote = c;
+            return false;
+        }
+        return true;
+    }
+
+  private:
+    char quote = '\0';
+};
+
+/// Where the word `as` divides the target from its alias; `npos` when it does not stand there.
+std::size_t findAlias(std::string_view text) noexcept {
+    QuoteWalk quotes;
+    std::size_t depth = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (!quotes.outside(text, i)) {
+            continue;
+        }
+        if (text[i] == '(') {
+            ++depth;
+        } else if (text[i] == ')' && depth > 0) {
+            --depth;
+        } else if (depth == 0 && i > 0 && isSpace(text[i - 1]) && matchWord(text.substr(i), "as")) {
+            return i;
+        }
+    }
+    return std::string_view::npos;
+}
+
+void readQuotedTarget(IncludeDirective& include, std::string_view text) {
+    const char quote = text.front();
+    std::size_t i = 1;
+    for (; i < text.size() && text[i] != quote; ++i) {
+        // A backslash protects the quote and itself; elsewhere it is part of the path.
+        if (text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == quote || text[i + 1] == '\\')) {
+            ++i;
+        }
+        include.target += text[i];
+    }
+    if (i >= text.size()) {
+        throw DiagnosticError("unterminated quoted &INCLUDE target");
+    }
+    if (const auto rest = trim(text.substr(i + 1)); !rest.empty()) {
+        throw DiagnosticError("unexpected text after quoted &INCLUDE target: '" + std::string(rest) + "'");
+    }
+}
+
+void readAngleTarget(IncludeDirective& include, std::string_view text) {
+    const auto close = text.find('>');
+    if (close == std::string_view::npos) {
+        throw DiagnosticError("unterminated angle-bracket &INCLUDE target");
+    }
+    if (const auto rest = trim(text.substr(close + 1)); !rest.empty()) {
+        throw DiagnosticError("unexpected text after angle-bracket &INCLUDE target: '" + std::string(rest) +
+                              "'");
+    }
+    include.target = trim(text.substr(1, close - 1));
+    if (include.target.empty()) {
+        throw DiagnosticError("empty angle-bracket &INCLUDE target");
+    }
+    include.isAngle = true;
+}
+
+void readPlainTarget(IncludeDirective& include, std::string_view text) {
+    const auto open = text.find('(');
+    if (open != std::string_view::npos) {
+        if (text.back() != ')') {
+            throw DiagnosticError("unterminated argument list in &INCLUDE '" + std::string(text) + "'");
+        }
+        include.hasArguments = true;
+        include.argumentText = text.substr(open + 1, text.size() - open - 2);
+    }
+    include.target = trim(text.substr(0, open));
+    if (include.target.empty()) {
+        throw DiagnosticError("empty &INCLUDE target");
+    }
+}
+
+struct ExtensionRow {
+    std::string_view extension;
+    IncludeTarget kind;
+};
+constexpr std::array<ExtensionRow, 11> extensions{{
+    {".mq", IncludeTarget::taskFile},
+    {".projmq", IncludeTarget::taskFile},
+    {".mqfrag", IncludeTarget::fragmentFile},
+    {".mqlib", IncludeTarget::library},
+    {".yaml", IncludeTarget::yamlFile},
+    {".yml", IncludeTarget::yamlFile},
+    {".inp", IncludeTarget::otherFile},
+    {".txt", IncludeTarget::otherFile},
+    {".json", IncludeTarget::otherFile},
+    {".sh", IncludeTarget::otherFile},
+    {".toml", IncludeTarget::otherFile},
+}};
+
+/// `[A-Za-z_][A-Za-z0-9_-]*(\.[A-Za-z_][A-Za-z0-9_-]*)+`
+bool isDottedName(std::string_view text) noexcept {
+    for (bool dotted = false;; dotted = true) {
+        const auto dot = text.find('.');
+        if (!isFragmentName(text.substr(0, dot))) {
+            return false;
+        }
+        if (dot == std::string_view::npos) {
+            return dotted;
+        }
+        text.remove_prefix(dot + 1);
+    }
+}
+
+IncludeTarget targetKind(const IncludeDirective& include) {
+    const auto lowered = toLower(include.target);
+    for (const auto& row : extensions) {
+        if (lowered.ends_with(row.extension)) {
+            return row.kind;
+        }
+    }
+    if (include.isAngle || include.target.find_first_of("/\\") != std::string::npos) {
+        return IncludeTarget::otherFile;
+    }
+    if (isDottedName(include.target)) {
+        return IncludeTarget::reference;
+    }
+    return isFragmentName(include.target) ? IncludeTarget::fragmentName : IncludeTarget::otherFile;
+}
+
+void readArguments(IncludeDirective& include) {
+    for (const auto part : splitArguments(include.argumentText)) {
+        const auto equals = part.find('=');
+        if (equals == std::string_view::npos) {
+            throw DiagnosticError("fragment arguments must use name=value syntax: '" + std::string(part) +
+                                  "'");
+        }
+        std::string name(trim(part.substr(0, equals)));
+        if (!isFragmentName(name)) {
+            throw DiagnosticError("invalid fragment argument name '" + name + "'");
+        }
+        const auto [entry, isNew] =
+            include.arguments.try_emplace(std::move(name), unquote(part.substr(equals + 1)));
+        if (!isNew) {
+            throw DiagnosticError("duplicate fragment argument '" + entry->first + "'");
+        }
+    }
+}
+
+} // namespace
+
+IncludeDirective parseIncludeLine(std::string_view text) {
+    text = cleanLine(text);
+    IncludeDirective include;
+    if (!beginsBlock(text, keyword)) {
+        return include;
+    }
+    include.isInclude = true;
+    text = trim(text.substr(keyword.size()));
+    if (text.empty()) {
+        throw DiagnosticError("empty &INCLUDE target");
+    }
+    const auto as = findAlias(text);
+    if (as != std::string_view::npos) {
+        include.alias = trim(text.substr(as + 2));
+        if (include.alias.empty()) {
+            throw DiagnosticError("missing namespace alias after 'as'");
+        }
+        if (!isFragmentName(include.alias)) {
+            throw DiagnosticError("invalid &INCLUDE namespace alias '" + include.alias + "'");
+        }
+        text = trim(text.substr(0, as));
+    }
+    if (text.front() == '"' || text.front() == '\'') {
+        readQuotedTarget(include, text);
+    } else if (text.front() == '<') {
+        readAngleTarget(include, text);
+    } else {
+        readPlainTarget(include, text);
+    }
+    include.kind = targetKind(include);
+    include.isLibraryReference =
+        include.kind == IncludeTarget::reference || include.kind == IncludeTarget::library;
+    if (include.hasArguments) {
+        if (include.kind != IncludeTarget::reference && include.kind != IncludeTarget::fragmentName) {
+            throw DiagnosticError("file &INCLUDE targets do not accept arguments");
+        }
+        readArguments(include);
+    }
+    if (as != std::string_view::npos && include.kind != IncludeTarget::library) {
+        throw DiagnosticError("'as <namespace>' is only valid when including a library file");
+    }
+    return include;
+}
+
+std::string searchName(const IncludeDirective& include) {
+    return include.isAngle ? "<" + include.target + ">" : include.target;
+}
+
+bool isFragmentName(std::string_view text) noexcept {
+    return !text.empty() && isNameStart(text.front()) && std::all_of(text.begin(), text.end(), isNameChar);
+}
+
+std::vector<std::string_view> splitArguments(std::string_view text) {
+    std::vector<std::string_view> parts;
+    const auto take = [&parts](std::string_view part) {
+        if (part = trim(part); !part.empty()) {
+            parts.push_back(part);
+        }
+    };
+    QuoteWalk quotes;
+    std::size_t depth = 0;
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (!quotes.outside(text, i)) {
+            continue;
+        }
+        const char c = text[i];
+        if (c == '(' || c == '[' || c == '{') {
+            ++depth;
+        } else if ((c == ')' || c == ']' || c == '}') && depth > 0) {
+            --depth;
+        } else if (c == ',' && depth == 0) {
+            take(text.substr(begin, i - begin));
+            begin = i + 1;
+        }
+    }
+    take(text.substr(begin));
+    return parts;
+}
+
+bool ParenthesisCount::read(std::string_view text) noexcept {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (quote != '\0') {
+            if (c == '\\') {
+                ++i;
+            } else if (c == quote) {
+                quote = '\0';
+            }
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (c == '(') {
+            ++depth;
+        } else if (c == ')') {
+            if (depth == 0) {
+                return false;
+            }
+            --depth;
+        }
+    }
+    return true;
+}
+
+GatherEnd gatherParentheses(const std::vector<SourceLine>& lines, std::size_t& index, std::string& text) {
+    ParenthesisCount count;
+    for (std::size_t i = index; i < lines.size(); ++i) {
+        const auto piece = cleanLine(lines[i].text);
+        if (i != index) {
+            text += ' ';
+        }
+        text += piece;
+        if (!count.read(piece)) {
+            return GatherEnd::unmatched;
+        }
+        if (count.balanced()) {
+            index = i;
+            return GatherEnd::balanced;
+        }
+    }
+    return GatherEnd::unterminated;
+}
+
+} // namespace morquill::taskdsl

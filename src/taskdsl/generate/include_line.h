@@ -1,0 +1,72 @@
+#pragma once
+
+#include "taskdsl/base/source_line.h"
+#include "taskdsl/base/substitute.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// One `&INCLUDE` line: its target, arguments and alias.
+namespace morquill::taskdsl {
+
+/// What an include line leads to, told from the look of its target.
+enum class IncludeTarget {
+    fragmentName, ///< a bare name: a fragment of the same library, or a file
+    reference,    ///< `namespace.name`
+    library,      ///< a `.mqlib` file
+    fragmentFile, ///< a `.mqfrag` file
+    taskFile,     ///< a `.mq` or `.projmq` file
+    yamlFile,     ///< a `.yaml` or `.yml` file
+    otherFile
+};
+
+/// The parse of one line.
+struct IncludeDirective {
+    bool isInclude = false;
+    bool isLibraryReference = false; ///< the target is `namespace.name` or a `.mqlib` file
+    bool isAngle = false;            ///< the target stood in `<` and `>`, which are not part of it
+    bool hasArguments = false;       ///< parentheses stood behind the target
+    IncludeTarget kind = IncludeTarget::otherFile;
+    std::string target;
+    ValueMap arguments;
+    std::string argumentText; ///< the text between the parentheses
+    std::string alias;        ///< the name behind `as`
+};
+
+/// Reads a line; `isInclude` stays false when it is no include line. Throws `DiagnosticError` for a line that
+/// does not follow the grammar `&INCLUDE <target>[(<name>=<value>, ...)] [as <alias>]`.
+[[nodiscard]] IncludeDirective parseIncludeLine(std::string_view text);
+
+/// The target as the path search takes it: an angle target in its brackets.
+[[nodiscard]] std::string searchName(const IncludeDirective& include);
+
+/// True for `[A-Za-z_][A-Za-z0-9_-]*`.
+[[nodiscard]] bool isFragmentName(std::string_view text) noexcept;
+
+/// The trimmed, non-empty parts of a list, split at commas outside quotes and brackets of any kind.
+[[nodiscard]] std::vector<std::string_view> splitArguments(std::string_view text);
+
+/// Counts parentheses outside quotes over the pieces of one text.
+class ParenthesisCount {
+  public:
+    /// Reads on; false when a parenthesis is closed that was not opened.
+    bool read(std::string_view text) noexcept;
+    /// True when every opened parenthesis is closed.
+    [[nodiscard]] bool balanced() const noexcept { return depth == 0; }
+
+  private:
+    std::size_t depth = 0;
+    char quote = '\0';
+};
+
+/// How a list of parentheses that runs over several lines ended.
+enum class GatherEnd { balanced, unterminated, unmatched };
+
+/// The cleaned line at `index` and those behind it, joined with one blank until the parentheses balance.
+/// `index` is left on the last line taken.
+[[nodiscard]] GatherEnd gatherParentheses(const std::vector<SourceLine>& lines, std::size_t& index,
+                                          std::string& text);
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "taskdsl/task/matrix_axis.h"
+#include "taskdsl/task/task_document.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// `matrix:` sections as they are declared.
+namespace morquill::taskdsl {
+
+/// The fields of a comma list, trimmed and unquoted; commas inside quotes do not count, empty fields are
+/// dropped.
+[[nodiscard]] std::vector<std::string> splitValueList(std::string_view text);
+
+/// Reads the body of a `matrix:` section from line `start`, in mapping syntax (`  key: values`) or list
+/// syntax
+/// (`  - key: values` with `name:` and `map:` lines below); `next` is the first line behind it. Throws
+/// `DiagnosticError` when the syntaxes are mixed or a line does not fit.
+[[nodiscard]] std::vector<MatrixAxis> parseMatrixBlock(const std::vector<std::string_view>& lines,
+                                                       std::size_t start, std::size_t& next);
+
+/// Declared axes in order, and their value lists by key.
+struct MatrixAxes {
+    std::vector<MatrixAxis>& axes;
+    std::map<std::string, std::vector<std::string>, std::less<>>& values;
+};
+
+/// Puts axes behind those that are there; an axis of the same key is replaced in its place with `override`
+/// and kept otherwise. Throws `DiagnosticError` for a reserved key.
+void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, bool override);
+void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, bool override);
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,246 @@
+#include "taskdsl/generate/matrix_expand.h"
+
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/limits.h"
+#include "taskdsl/generate/matrix_combinations.h"
+#include "taskdsl/task/task_substitution.h"
+#include "taskdsl/task/when_expr.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+/// The new names of the tasks of one file, by the name as written and by the name after substitution.
+class Renames {
+  public:
+    void add(const std::string& oldName, const std::string& newName) { names.try_emplace(oldName, newName); }
+
+    void apply(std::string& name) const {
+        if (const auto found = names.find(name); found != names.end()) {
+            name = found->second;
+        }
+    }
+
+    /// Renames the references of a condition. The pairs of a map are applied one after the other there, so
+    /// the new names first carry a mark that no task name begins with: `a` becomes `a__x_1` and stays so
+    /// beside a task `a__x_1` of its own.
+    void applyToCondition(std::string& text) const {
+        std::string marked = rewriteWhenReferences(text, markedNames());
+        text = marked == text ? std::move(marked) : rewriteWhenReferences(marked, unmarkedNames());
+    }
+
+  private:
+    static constexpr char mark = '\x01';
+
+    const ValueMap& markedNames() const {
+        if (marks.empty()) {
+            for (const auto& [oldName, newName] : names) {
+                marks.emplace(oldName, mark + newName);
+                unmarks.emplace(mark + newName, newName);
+            }
+        }
+        return marks;
+    }
+    const ValueMap& unmarkedNames() const { return unmarks; }
+
+    ValueMap names;
+    mutable ValueMap marks; ///< made when the first condition asks for them
+    mutable ValueMap unmarks;
+};
+
+bool refersToTask(const TaskInfo& task) noexcept {
+    const bool plainSource = task.source.empty() || task.source == "origin" || task.source == "restart" ||
+                             task.source.starts_with("xyz=");
+    return !plainSource || !task.sourceTasks.empty() || !task.sourceBindings.empty() ||
+           !task.guessSourceTask.empty() || !task.interfaceProvider.empty() || !task.whenConditions.empty();
+}
+
+void renameReferences(TaskInfo& task, const Renames& renames) {
+    const bool namesTask =
+        task.source != "origin" && task.source != "restart" && !task.source.starts_with("xyz=");
+    if (namesTask) {
+        renames.apply(task.source);
+    }
+    for (auto& name : task.sourceTasks) {
+        renames.apply(name);
+    }
+    for (auto& binding : task.sourceBindings) {
+        if (binding.sourceKind == BindingSource::task) {
+            renames.apply(binding.sourceTask);
+            renames.apply(binding.sourceValue);
+        }
+    }
+    renames.apply(task.guessSourceTask);
+    renames.apply(task.interfaceProvider);
+    for (auto& condition : task.whenConditions) {
+        renames.applyToCondition(condition);
+    }
+}
+
+/// The bytes of the long texts of a task: what makes variants large.
+std::size_t textSize(const TaskInfo& task) noexcept {
+    std::size_t size = task.name.size() + task.keywords.size() + task.args.size() +
+                       task.extraKeywords.size() + task.paramValues.size() + task.body.size() +
+                       task.orcaBlock.size() + task.source.size() + task.runner.size() +
+                       task.templateName.size() + task.guessSourceTask.size() + task.finalGeom.size();
+    for (const auto* list : {&task.preProcessCommands, &task.processCommands, &task.whenConditions}) {
+        for (const auto& text : *list) {
+            size += text.size();
+        }
+    }
+    for (const auto& entry : task.modEntries) {
+        size += entry.key.size() + entry.value.size();
+    }
+    return size;
+}
+
+/// What is known of a template task before any combination is chosen.
+struct TemplateInfo {
+    const TaskInfo* task = nullptr;
+    bool substitutes = false; ///< some field holds a `[`
+    bool refers = false;      ///< may name other tasks
+    std::size_t file = 0;     ///< number of the task's file among the files of the document
+    std::string name;         ///< after substitution, in the current combination
+    std::string variantName;
+};
+
+class MatrixExpansion {
+  public:
+    explicit MatrixExpansion(TaskDocument& target)
+        : document(target), walk(target.matrixAxes), values(target.defines) {
+        std::map<std::string_view, std::size_t> files;
+        std::size_t textOfOne = 0; // of one combination, before substitution
+        for (const auto& task : document.templateTasks) {
+            const auto file = files.try_emplace(task.filePath.str(), files.size()).first->second;
+            templates.push_back({&task, holdsBrackets(task), refersToTask(task), file, {}, {}});
+            anyRefers = anyRefers || templates.back().refers;
+            textOfOne += textSize(task);
+        }
+        fileCount = files.size();
+        if (walk.size() > limits::matrixVariants / templates.size()) {
+            throw DiagnosticError("matrix yields more than " + std::to_string(limits::matrixVariants) +
+                                  " task variants");
+        }
+        if (textOfOne > limits::variantText / walk.size()) {
+            failText();
+        }
+    }
+
+    std::vector<TaskInfo> run() {
+        std::vector<TaskInfo> variants;
+        variants.reserve(walk.size() * templates.size());
+        do {
+            chooseCombination();
+            for (const auto& item : templates) {
+                variants.push_back(makeVariant(item));
+            }
+        } while (walk.advance());
+        return variants;
+    }
+
+  private:
+    void chooseCombination() {
+        const auto& axes = document.matrixAxes;
+        ValueMap chosen;
+        suffix.clear();
+        for (std::size_t i = 0; i < axes.size(); ++i) {
+            values.insert_or_assign(axes[i].key, walk.value(i));
+            chosen.emplace(axes[i].key, walk.value(i));
+            countText(axes[i].key.size() + walk.value(i).size());
+            suffix += i == 0 ? "" : "__";
+            suffix += walk.piece(i);
+        }
+        countText(suffix.size());
+        matrixValues = std::move(chosen);
+        if (walk.size() > 1 && !suffixes.insert(suffix).second) {
+            throw DiagnosticError("matrix variant suffix collision detected for '" + suffix + "'");
+        }
+        for (auto& item : templates) {
+            item.name = item.task->name;
+            substituteInto(item.name, values);
+            item.variantName = walk.size() > 1 ? item.name + "__" + suffix : item.name;
+        }
+        if (anyRefers) {
+            collectRenames();
+        }
+    }
+
+    /// The substituted names win over the written ones: references are substituted before they are renamed.
+    void collectRenames() {
+        renames.assign(fileCount, {});
+        for (const auto& item : templates) {
+            renames[item.file].add(item.name, item.variantName);
+        }
+        for (const auto& item : templates) {
+            renames[item.file].add(item.task->name, item.variantName);
+        }
+    }
+
+    TaskInfo makeVariant(const TemplateInfo& item) {
+        TaskInfo task = *item.task;
+        if (item.substitutes) {
+            substituteTask(task, values, true);
+        }
+        task.name = item.variantName;
+        task.templateTaskName = item.task->name;
+        task.matrixVariantKey = suffix;
+        task.matrixValues = matrixValues;
+        if (item.refers) {
+            renameReferences(task, renames[item.file]);
+        }
+        for (auto& plot : task.plots) {
+            plot.ownerTask = task.name;
+            plot.id = task.name + ":" + plot.name;
+        }
+        // The long texts of the template are counted at the start; a substitution may have made them longer.
+        countText(task.name.size() + suffix.size() + (item.substitutes ? textSize(task) : 0));
+        return task;
+    }
+
+    void countText(std::size_t bytes) {
+        text += bytes;
+        if (text > limits::variantText) {
+            failText();
+        }
+    }
+
+    [[noreturn]] static void failText() {
+        throw DiagnosticError("matrix variants hold more than " + std::to_string(limits::variantText >> 20) +
+                              " MiB of text");
+    }
+
+    const TaskDocument& document;
+    MatrixWalk walk;
+    ValueMap values; ///< defines and, over them, the values of the current combination
+    std::vector<TemplateInfo> templates;
+    bool anyRefers = false;
+    std::size_t fileCount = 0;
+    std::string suffix;
+    Shared<ValueMap> matrixValues;
+    std::vector<Renames> renames; ///< one per file
+    std::unordered_set<std::string> suffixes;
+    std::size_t text = 0;
+};
+
+} // namespace
+
+void expandMatrix(TaskDocument& document) {
+    if (document.matrixAxes.empty() || document.templateTasks.empty()) {
+        return;
+    }
+    validateMatrix(document.matrixAxes);
+    // The tasks go first: the variants need the room.
+    document.tasks.reset();
+    document.tasks = MatrixExpansion(document).run();
+}
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/generate/fragment.h"
+#include "taskdsl/base/growth.h"
+#include "taskdsl/generate/include_chain.h"
+#include "taskdsl/base/substitute.h"
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace morquill::taskdsl {
+
+/// Paths in the order of first use, each once.
+class FileList {
+  public:
+    void add(const std::string& path) {
+        if (known.insert(path).second) {
+            paths.push_back(path);
+        }
+    }
+    [[nodiscard]] const std::vector<std::string>& list() const noexcept { return paths; }
+
+  private:
+    std::vector<std::string> paths;
+    std::set<std::string> known;
+};
+
+/// What one document brings along while it is being read.
+struct DocumentContext {
+    /// The libraries that the file itself imports, by namespace alias.
+    std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> namespaces;
+    FileList includedFiles; ///< files read for this document
+};
+
+/// Namespace alias to library path.
+[[nodiscard]] ValueMap libraryBindings(const DocumentContext& document);
+
+/// The state of one run of the parser: it lives from the first line of the main file to the last one, through
+/// all files that are included.
+struct ParseContext {
+    explicit ParseContext(const WarningSink& sink) : warnings(sink) {}
+
+    const WarningSink& warnings;
+    IncludeChain taskChain{"task include"};
+    IncludeChain yamlChain{"YAML include"};
+    IncludeChain libraryChain{"fragment library include"};
+    IncludeChain fragmentChain{"fragment include"};
+    /// Loaded libraries by canonical path.
+    std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> libraries;
+    /// Canonical paths of the task files entered so far: an "extra.mq" among them is not looked into again.
+    std::set<std::string> taskFiles;
+    GrowthBudget growth;
+    std::size_t includeCount = 0;
+    DocumentContext document; ///< of the file being read; an included task file puts its own in its place
+
+    /// Counts an include line that is followed. Throws `DiagnosticError` beyond `limits::includes`.
+    void countInclude();
+};
+
+} // namespace morquill::taskdsl

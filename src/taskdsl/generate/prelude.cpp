@@ -1,0 +1,186 @@
+#include "taskdsl/generate/prelude.h"
+
+#include "support/file.h"
+#include "support/text.h"
+#include "taskdsl/generate/define_block.h"
+#include "taskdsl/generate/fragment_library.h"
+#include "taskdsl/generate/include_line.h"
+#include "taskdsl/generate/include_path.h"
+#include "taskdsl/generate/matrix.h"
+#include "taskdsl/generate/removed_include.h"
+#include "taskdsl/base/scan.h"
+#include "taskdsl/generate/yaml_section.h"
+
+#include <utility>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+constexpr std::string_view defineKeyword = "define:";
+constexpr std::string_view matrixKeyword = "matrix:";
+
+/// A task header, a block or a loop: the body of the file begins here.
+bool beginsBody(std::string_view text) {
+    return !taskHeaderName(text).empty() || isBlockKeyword(text) || parseForeachHeader(text).valid;
+}
+
+bool isIndented(std::string_view line) noexcept {
+    return line.starts_with(' ') || line.starts_with('\t');
+}
+
+/// `key: value`. A directive is none, also when its value holds a colon.
+bool isKeyLine(std::string_view text) noexcept {
+    const auto colon = text.find(':');
+    return colon != std::string_view::npos && !trim(text.substr(0, colon)).empty() && !text.starts_with('%');
+}
+
+class PreludeReader {
+  public:
+    PreludeReader(const std::vector<std::string_view>& allLines, std::size_t start, const std::string& file,
+                  ParseContext& parseContext)
+        : lines(allLines), index(start), path(file), context(parseContext) {}
+
+    /// Reads on to the first line that is no part of the prelude and gives its index.
+    std::size_t read() {
+        while (index < lines.size() && readLine()) {
+        }
+        return index;
+    }
+    PreludeResult take() { return std::move(result); }
+
+  private:
+    /// Moves behind the line or section at `index`; false, and no move, where the prelude ends.
+    bool readLine() {
+        warnIfRemovedInclude();
+        const auto text = cleanLine(lines[index]);
+        if (text.empty()) {
+            ++index;
+            return true;
+        }
+        if (beginsBody(text)) {
+            return false;
+        }
+        if (beginsBlock(text, "&INCLUDE")) {
+            return readInclude(text);
+        }
+        if (text.starts_with(defineKeyword)) {
+            for (auto& [key, value] : parseDefineBlock(lines, index + 1, index)) {
+                result.defines.insert_or_assign(key, std::move(value));
+            }
+            return true;
+        }
+        if (text.starts_with(matrixKeyword)) {
+            mergeMatrixAxes({result.matrixAxes, result.matrixValues},
+                            parseMatrixBlock(lines, index + 1, index), true);
+            return true;
+        }
+        if (isIndented(lines[index]) || !isKeyLine(text)) {
+            return false;
+        }
+        readSection();
+        return true;
+    }
+
+    void warnIfRemovedInclude() const {
+        if (const auto raw = trim(lines[index]); isHashInclude(raw)) {
+            warnHashInclude(raw, path, context.warnings);
+        }
+    }
+
+    bool readInclude(std::string_view text) {
+        ParenthesisCount parentheses;
+        if (!parentheses.read(text) || !parentheses.balanced()) {
+            return false; // its arguments go on behind this line: the include pass gathers them
+        }
+        const auto include = parseIncludeLine(text);
+        if (include.kind == IncludeTarget::yamlFile) {
+            mergeMissing(parseYamlInclude(searchName(include), path, context));
+        } else if (include.kind == IncludeTarget::library && !include.alias.empty()) {
+            bindLibrary(include.alias, searchName(include), path, "", context);
+        } else {
+            return false;
+        }
+        ++index;
+        return true;
+    }
+
+    void mergeMissing(PreludeResult included) {
+        result.settings.merge(included.settings);
+        result.defines.merge(included.defines);
+        result.collections.merge(included.collections);
+        mergeMatrixAxes({result.matrixAxes, result.matrixValues}, included.matrixAxes, false);
+    }
+
+    /// Takes the lines of a YAML section. A nested key may be called "define" or "matrix": those begin a
+    /// section of their own only at the margin.
+    void readSection() {
+        const std::size_t first = index;
+        std::string text;
+        for (; index < lines.size() && (index == first || !endsSection(lines[index])); ++index) {
+            if (index != first) {
+                warnIfRemovedInclude();
+            }
+            text += lines[index];
+            text += '\n';
+        }
+        readYamlSection(text, path, first + 1, result.settings, result.collections);
+    }
+
+    static bool endsSection(std::string_view line) {
+        const auto text = cleanLine(line);
+        return beginsBody(text) || beginsBlock(text, "&INCLUDE") || line.starts_with(defineKeyword) ||
+               line.starts_with(matrixKeyword);
+    }
+
+    const std::vector<std::string_view>& lines;
+    std::size_t index;
+    const std::string& path;
+    ParseContext& context;
+    PreludeResult result;
+};
+
+} // namespace
+
+PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size_t start, std::size_t& next,
+                           const std::string& path, ParseContext& context) {
+    PreludeReader reader(lines, start, path, context);
+    next = reader.read();
+    return reader.take();
+}
+
+PreludeResult parseYamlInclude(const std::string& target, const std::string& base, ParseContext& context) {
+    const auto path = resolveIncludePath(target, base);
+    if (path.empty()) {
+        context.warnings("Warning: Empty path in &INCLUDE directive.");
+        return {};
+    }
+    const auto entry = enterFile(context.yamlChain, path);
+    if (!isRegularFile(path)) {
+        context.warnings("Warning: Included YAML file not found: " + path);
+        return {};
+    }
+    const auto text = readTextFile(path);
+    if (!text) {
+        context.warnings("Warning: Cannot open included YAML file: " + path);
+        return {};
+    }
+    context.countInclude();
+    context.document.includedFiles.add(path);
+    std::size_t next = 0;
+    return parsePrelude(splitLines(*text), 0, next, path, context);
+}
+
+void mergePrelude(TaskDocument& document, const PreludeResult& prelude, bool override) {
+    for (const auto& [key, value] : prelude.settings) {
+        if (override) {
+            document.settings.insert_or_assign(key, value);
+        } else {
+            document.settings.try_emplace(key, value);
+        }
+    }
+    mergeDefines(document, prelude.defines, override);
+    mergeMatrixAxes(document, prelude.matrixAxes, override);
+}
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "taskdsl/generate/foreach.h"
+#include "taskdsl/task/matrix_axis.h"
+#include "taskdsl/generate/parse_context.h"
+#include "taskdsl/base/substitute.h"
+#include "taskdsl/task/task_document.h"
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The head of a task file: settings, `define:`, `matrix:`, collections, imports.
+namespace morquill::taskdsl {
+
+struct PreludeResult {
+    ValueMap settings; ///< scalar keys; those of inner mappings joined with dots
+    ValueMap defines;
+    std::map<std::string, std::vector<std::string>, std::less<>> matrixValues;
+    std::vector<MatrixAxis> matrixAxes;
+    Collections collections;
+};
+
+/// Reads the prelude from line `start`; `next` is the first line that is no part of it. YAML files and
+/// libraries that it names are read relative to `path`. Throws `DiagnosticError` for a section that cannot be
+/// read.
+[[nodiscard]] PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size_t start,
+                                         std::size_t& next, const std::string& path, ParseContext& context);
+
+/// Reads a YAML file as a prelude. `target` is resolved from the file `base`. A missing file is a warning and
+/// gives nothing.
+[[nodiscard]] PreludeResult parseYamlInclude(const std::string& target, const std::string& base,
+                                             ParseContext& context);
+
+/// Puts the settings, defines and axes of a prelude into the document. Without `override` only where the name
+/// is free. Throws `DiagnosticError` for a reserved name.
+void mergePrelude(TaskDocument& document, const PreludeResult& prelude, bool override);
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,34 @@
+#include "taskdsl/generate/removed_include.h"
+
+#include "support/text.h"
+#include "taskdsl/base/scan.h"
+
+#include <filesystem>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+constexpr std::string_view keyword = "#INCLUDE";
+
+} // namespace
+
+bool isHashInclude(std::string_view trimmed) noexcept {
+    return trimmed.starts_with('#') && trimmed.size() >= keyword.size() &&
+           equalsNoCase(trimmed.substr(0, keyword.size()), keyword) &&
+           (trimmed.size() == keyword.size() || isSpace(trimmed[keyword.size()]));
+}
+
+void warnHashInclude(std::string_view trimmed, const std::string& path, const WarningSink& warn) {
+    const std::string target(unquote(stripComment(trimmed.substr(keyword.size()))));
+    const std::string file = std::filesystem::path(path).filename().string();
+    std::string message = "context '" + (file.empty() ? "<memory>" : file) +
+                          "' uses the removed '#INCLUDE' syntax; replace it with '&INCLUDE'";
+    if (!target.empty()) {
+        message += " (original path: " + target + ")";
+    }
+    // The message ends in an ideographic full stop (U+3002).
+    warn(message + "\xE3\x80\x82");
+}
+
+} // namespace morquill::taskdsl

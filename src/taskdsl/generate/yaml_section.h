@@ -1,0 +1,18 @@
+#pragma once
+
+#include "taskdsl/generate/foreach.h"
+#include "taskdsl/base/substitute.h"
+
+#include <cstddef>
+#include <string>
+
+namespace morquill::taskdsl {
+
+/// Reads one YAML mapping of a prelude: scalars go to `settings`, inner mappings too, under keys joined with
+/// dots; a sequence becomes a collection. Null values, and sequences inside mappings, say nothing.
+/// `firstLine` is the number of the text's first line in the file `path`, for messages. Throws
+/// `DiagnosticError` for text that is no YAML mapping.
+void readYamlSection(const std::string& text, const std::string& path, std::size_t firstLine,
+                     ValueMap& settings, Collections& collections);
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,70 @@
+#include "taskdsl/parser/task_include.h"
+
+#include "support/file.h"
+#include "support/number.h"
+#include "support/text.h"
+#include "taskdsl/generate/include_path.h"
+
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+template <class T>
+void append(std::vector<T>& target, std::vector<T>& source) {
+    target.insert(target.end(), std::make_move_iterator(source.begin()),
+                  std::make_move_iterator(source.end()));
+}
+
+/// Header values that are no positive numbers were told with the file itself and count as absent behind it.
+void dropInvalidHeaderValues(ValueMap& settings) {
+    for (const char* key : {"totcore", "totmem"}) {
+        const auto found = settings.find(key);
+        if (found != settings.end() && !readPositiveInt(trim(found->second))) {
+            settings.erase(found);
+        }
+    }
+}
+
+} // namespace
+
+void parseTaskInclude(const std::string& target, const std::string& base, TaskDocument& document,
+                      ParseContext& context, const IncludedTextReader& read) {
+    const auto path = resolveIncludePath(target, base);
+    if (path.empty()) {
+        context.warnings("Warning: Empty path in &INCLUDE directive.");
+        return;
+    }
+    const auto entry = enterFile(context.taskChain, path);
+    if (!isRegularFile(path)) {
+        context.warnings("Warning: Included task file not found: " + path);
+        return;
+    }
+    const auto text = readTextFile(path);
+    if (!text) {
+        context.warnings("Warning: Cannot open included task file: " + path);
+        return;
+    }
+    context.countInclude();
+    context.document.includedFiles.add(path);
+
+    DocumentContext outer = std::exchange(context.document, {});
+    TaskDocument inner = read(*text, path, document.defines);
+    for (const auto& file : inner.includedFiles) {
+        outer.includedFiles.add(file);
+    }
+    context.document = std::move(outer);
+
+    dropInvalidHeaderValues(inner.settings);
+    document.settings.merge(inner.settings);
+    // The written form of an included task is of no use: only what it became is taken over.
+    inner.templateTasks.reset();
+    append(document.tasks.edit(), inner.tasks.edit());
+    append(document.plots, inner.plots);
+    append(document.derives, inner.derives);
+}
+
+} // namespace morquill::taskdsl

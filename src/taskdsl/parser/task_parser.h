@@ -1,0 +1,37 @@
+#pragma once
+
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/task/task_document.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace morquill::taskdsl {
+
+struct ParseContext;
+
+/// Reads task files. One parser may read any number of files, one after the other; nothing is carried from
+/// one to the next. A fault of the input is thrown as `DiagnosticError`, a doubtful form is told to the sink.
+class TaskParser {
+  public:
+    /// `legacyMultiSource` tolerates `%source a,b`. Without a sink, warnings go to the log.
+    explicit TaskParser(bool legacyMultiSource = false, WarningSink warnings = {});
+
+    /// Reads the file whole and parses it. Throws "could not open file: <path>" when it is no readable
+    /// regular file.
+    [[nodiscard]] TaskDocument parseFile(const std::string& path, const ValueMap& defines = {});
+    /// Parses a text as if it were the file `path` (empty: no file, nothing is looked for beside it).
+    [[nodiscard]] TaskDocument parseText(std::string_view text, const std::string& path,
+                                         const ValueMap& defines = {});
+
+  private:
+    TaskDocument readDocument(std::string_view text, const std::string& path, const ValueMap& defines,
+                              ParseContext& context);
+
+    bool legacyMultiSource;
+    WarningSink warnings;
+    std::uint64_t nextDocumentOrder = 0;
+};
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,284 @@
+// The directive table and the handlers of all directives but %control, %batch and %source.
+
+#include "taskdsl/task/directive_reader.h"
+#include "taskdsl/task/mod_operation.h"
+#include "taskdsl/plot/plot_parser.h"
+#include "taskdsl/base/scan.h"
+
+#include "support/text.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_set>
+#include <utility>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+std::string missingTerminator(const DirectiveReader& reader, std::string_view keyword) {
+    return "heredoc %" + std::string(keyword) + " block is missing terminator '" +
+           reader.heredocTerminator() + "'.";
+}
+
+std::string emptyText(std::string_view keyword) {
+    const std::string name(keyword);
+    return "has empty %" + name +
+           "; use inline content, an indented text/include block, or heredoc syntax: '%" + name + " << EOF'.";
+}
+
+/// The text of `%body` or `%extrainput` that is not inline: a heredoc, whose missing terminator is only
+/// doubtful, or an indented block, which must have a line.
+std::string readLongText(DirectiveReader& reader, std::string_view keyword) {
+    if (reader.opensHeredoc()) {
+        std::string text;
+        if (!reader.readHeredoc(text)) {
+            reader.warn(missingTerminator(reader, keyword));
+        }
+        return text;
+    }
+    auto text = reader.readTextBlock();
+    if (!text) {
+        reader.fail(emptyText(keyword));
+    }
+    return *std::move(text);
+}
+
+/// The value and the filled lines of the block, with `separator` between them.
+std::string readJoinedEntries(DirectiveReader& reader, char separator) {
+    std::string text(reader.value);
+    while (const auto line = reader.nextFilledLine()) {
+        if (!text.empty()) {
+            text += separator;
+        }
+        text += *line;
+    }
+    return text;
+}
+
+void readProgram(DirectiveReader& reader) {
+    reader.task.program = requireProgram(reader.value, "task '" + reader.task.name + "'");
+}
+
+void readKeywords(DirectiveReader& reader) {
+    if (!reader.opensHeredoc()) {
+        reader.task.keywords = readScalar(reader.value);
+    } else if (!reader.readHeredoc(reader.task.keywords)) {
+        reader.fail(missingTerminator(reader, "keywords"));
+    }
+}
+
+void readExtraInput(DirectiveReader& reader) {
+    const bool isInline = !reader.value.empty() && !reader.opensHeredoc();
+    const std::string text = isInline ? std::string(reader.value) : readLongText(reader, "extrainput");
+    std::string& all = reader.task.extraKeywords;
+    if (!all.empty() && all.back() != '\n') {
+        all += '\n';
+    }
+    all += text;
+}
+
+void readBody(DirectiveReader& reader) {
+    const bool isInline = !reader.value.empty() && !reader.opensHeredoc();
+    reader.task.body = isInline ? std::string(reader.value) : readLongText(reader, "body");
+}
+
+void readTemplate(DirectiveReader& reader) {
+    reader.task.templateName = reader.value;
+}
+
+void readRunner(DirectiveReader& reader) {
+    reader.task.runner = reader.value;
+}
+
+void readParam(DirectiveReader& reader) {
+    reader.task.paramValues = readJoinedEntries(reader, '\n');
+}
+
+void readArgs(DirectiveReader& reader) {
+    std::string text = readJoinedEntries(reader, ' ');
+    if (std::string value; decodeCanonicalScalar(text, value)) {
+        text = std::move(value);
+    }
+    reader.task.args = std::move(text);
+}
+
+/// True when the text ends in exactly one backslash: two or more are characters of the command.
+bool isContinued(std::string_view text) noexcept {
+    return text.ends_with('\\') && !text.ends_with("\\\\");
+}
+
+std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view keyword) {
+    std::vector<std::string> commands;
+    while (const auto first = reader.nextFilledLine()) {
+        std::string command;
+        auto piece = first;
+        bool open = false;
+        for (;;) {
+            std::string_view text = *piece;
+            open = isContinued(text);
+            if (open) {
+                text = trim(text.substr(0, text.size() - 1));
+            }
+            if (!text.empty()) {
+                if (!command.empty()) {
+                    command += ' ';
+                }
+                command += text;
+            }
+            if (!open) {
+                break;
+            }
+            do {
+                piece = reader.nextLineOfAnyKind();
+            } while (piece && piece->empty());
+            if (!piece) {
+                break;
+            }
+        }
+        if (open) {
+            reader.warn("has a continued %" + std::string(keyword) +
+                        " command without a following non-empty line; using the command parsed so far.");
+        }
+        if (!command.empty()) {
+            commands.push_back(std::move(command));
+        }
+    }
+    return commands;
+}
+
+void append(std::vector<std::string>& list, std::vector<std::string> more) {
+    std::move(more.begin(), more.end(), std::back_inserter(list));
+}
+
+void readPreProcess(DirectiveReader& reader) {
+    append(reader.task.preProcessCommands, readCommands(reader, "preprocess"));
+}
+
+void readProcess(DirectiveReader& reader) {
+    append(reader.task.processCommands, readCommands(reader, "process"));
+}
+
+void readInterface(DirectiveReader& reader) {
+    TaskInfo& task = reader.task;
+    const auto words = splitShellWords(reader.value);
+    if (words.empty()) {
+        reader.failHere("has empty %interface directive; expected 'provider' or 'consume <provider-task>'");
+    }
+    if (equalsNoCase(words[0], "provider")) {
+        if (words.size() != 1) {
+            reader.failHere("has invalid %interface provider directive; expected '%interface provider'");
+        }
+        task.interfaceMode = TaskInterfaceMode::provider;
+        task.interfaceProvider.clear();
+    } else if (equalsNoCase(words[0], "consume")) {
+        if (words.size() != 2 || trim(words[1]).empty()) {
+            reader.failHere(
+                "has invalid %interface consume directive; expected '%interface consume <provider-task>'");
+        }
+        task.interfaceMode = TaskInterfaceMode::consume;
+        task.interfaceProvider = trim(words[1]);
+    } else {
+        reader.failHere("has unknown %interface mode '" + words[0] + "'; expected 'provider' or 'consume'");
+    }
+}
+
+void readMeta(DirectiveReader& reader) {
+    while (const auto line = reader.nextFilledLine()) {
+        const auto fields = splitOn(*line, ' ');
+        if (!line->starts_with("strucid")) {
+            reader.fail("has unknown %meta field '" + fields[0] + "'.");
+        }
+        if (fields.size() > 1) {
+            reader.task.strucId = fields[1];
+        }
+    }
+}
+
+void readMod(DirectiveReader& reader) {
+    const auto add = [&reader](std::string_view text) {
+        ModEntry entry = parseModLine(text);
+        if (!entry.key.empty()) {
+            reader.task.modValues[entry.key] = entry.value;
+            reader.task.modEntries.push_back(std::move(entry));
+        }
+    };
+    if (!reader.value.empty()) {
+        add(reader.value);
+    }
+    while (const auto line = reader.nextFilledLine()) {
+        add(*line);
+    }
+}
+
+/// The conditions that a tolerated `%source a,b` before this directive has added. Migrating a file twice must
+/// not write them twice.
+std::unordered_set<std::string> conditionsOfSource(const TaskInfo& task) {
+    std::unordered_set<std::string> conditions;
+    for (std::size_t i = 1; i < task.sourceTasks.size(); ++i) {
+        conditions.insert("completed " + task.sourceTasks[i]);
+    }
+    return conditions;
+}
+
+void readWhen(DirectiveReader& reader) {
+    const auto implied = conditionsOfSource(reader.task);
+    const auto add = [&](std::string_view text) {
+        std::string condition(text);
+        if (implied.empty() || !implied.contains(condition)) {
+            reader.task.whenEntries.push_back({condition, reader.conditionSpan()});
+            reader.task.whenConditions.push_back(std::move(condition));
+        }
+    };
+    if (!reader.value.empty()) {
+        add(reader.value);
+    }
+    while (const auto line = reader.nextFilledLine()) {
+        add(*line);
+    }
+}
+
+void readPlot(DirectiveReader& reader) {
+    plot::PlotBlock block;
+    block.scope = plot::PlotScope::task;
+    block.ownerTask = reader.task.name;
+    block.captured.header = reader.value;
+    block.captured.span = reader.headerSpan();
+    while (reader.nextLine()) {
+        block.captured.lines.push_back(reader.currentLine());
+    }
+    reader.task.plots.push_back(plot::parsePlot(block));
+}
+
+// Keywords are compared exactly; "extrainputs" is the one alias.
+constexpr std::array<DirectiveRow, 19> directiveTable{{
+    {"source", "source", readSourceDirective},
+    {"program", "program", readProgram},
+    {"interface", "interface", readInterface},
+    {"batch", "batch", readBatchDirective},
+    {"control", "control", readControlDirective},
+    {"when", "when", readWhen},
+    {"keywords", "keywords", readKeywords},
+    {"extrainput", "extrainput", readExtraInput},
+    {"extrainputs", "extrainput", readExtraInput},
+    {"template", "template", readTemplate},
+    {"param", "param", readParam},
+    {"args", "args", readArgs},
+    {"runner", "runner", readRunner},
+    {"body", "body", readBody},
+    {"preprocess", "preprocess", readPreProcess},
+    {"process", "process", readProcess},
+    {"mod", "mod", readMod},
+    {"meta", "meta", readMeta},
+    {"plot", "plot", readPlot},
+}};
+
+} // namespace
+
+const DirectiveRow* findDirective(std::string_view keyword) noexcept {
+    const auto* row = std::find_if(directiveTable.begin(), directiveTable.end(),
+                                   [keyword](const DirectiveRow& r) { return r.keyword == keyword; });
+    return row == directiveTable.end() ? nullptr : row;
+}
+
+} // namespace morquill::taskdsl

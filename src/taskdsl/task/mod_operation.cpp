@@ -1,0 +1,471 @@
+#include "taskdsl/task/mod_operation.h"
+
+#include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/scan.h"
+#include "taskdsl/task/task_document.h"
+
+#include <algorithm>
+#include <array>
+#include <set>
+#include <utility>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+constexpr std::string_view mainSlot = "main";
+constexpr std::string_view basisKey = "basisset";
+
+constexpr std::array<std::string_view, 3> targetNames{"charge", "spin", "geom"};
+constexpr std::array<std::string_view, 4> operationNames{"add", "subtract", "select", "remove"};
+
+/// A word of the `%mod` language and what it stands for. The first word of a value is the one that is
+/// printed.
+template <class T>
+struct Word {
+    std::string_view text;
+    T value;
+};
+
+constexpr std::array<Word<BasisRole>, 8> roleWords{{{"orbital", BasisRole::orbital},
+                                                    {"aux-j", BasisRole::auxJ},
+                                                    {"auxj", BasisRole::auxJ},
+                                                    {"aux-jk", BasisRole::auxJk},
+                                                    {"auxjk", BasisRole::auxJk},
+                                                    {"aux-c", BasisRole::auxC},
+                                                    {"auxc", BasisRole::auxC},
+                                                    {"cabs", BasisRole::cabs}}};
+constexpr std::array<Word<BasisEcp>, 4> ecpWords{{{"auto", BasisEcp::automatic},
+                                                  {"none", BasisEcp::none},
+                                                  {"disabled", BasisEcp::none},
+                                                  {"required", BasisEcp::required}}};
+constexpr std::array<Word<BasisSelector>, 4> selectorWords{{{"element:", BasisSelector::element},
+                                                            {"elements:", BasisSelector::element},
+                                                            {"atom:", BasisSelector::atom},
+                                                            {"atoms:", BasisSelector::atom}}};
+
+template <class T, std::size_t N>
+const T* findWord(const std::array<Word<T>, N>& words, std::string_view text) {
+    for (const auto& word : words) {
+        if (equalsNoCase(word.text, text)) {
+            return &word.value;
+        }
+    }
+    return nullptr;
+}
+
+template <class T, std::size_t N>
+std::string wordOf(const std::array<Word<T>, N>& words, T value) {
+    const auto found =
+        std::find_if(words.begin(), words.end(), [value](const auto& word) { return word.value == value; });
+    return std::string(found == words.end() ? words.front().text : found->text);
+}
+
+[[noreturn]] void fail(std::string_view before, std::string_view quoted, std::string_view after = {}) {
+    throw DiagnosticError(std::string(before) + "'" + std::string(quoted) + "'" + std::string(after));
+}
+
+std::string slotSuffix(std::string_view slot) {
+    return slot == mainSlot ? std::string{} : "." + std::string(slot);
+}
+
+std::string targetText(const ModTarget& target) {
+    return std::string(targetNames[static_cast<std::size_t>(target.kind)]) + slotSuffix(target.slot);
+}
+
+bool isOneOf(std::string_view text, std::string_view a, std::string_view b) noexcept {
+    return text == a || text == b;
+}
+
+/// The key of a `%mod` entry taken apart; `operation` is empty when the key names none.
+struct SplitKey {
+    std::string_view base;
+    std::string_view operation;
+};
+
+SplitKey splitModKey(std::string_view key) {
+    const auto colon = key.rfind(':');
+    if (colon != std::string_view::npos && colon > 0) {
+        const auto operation = key.substr(colon + 1);
+        if (std::find(operationNames.begin(), operationNames.end(), operation) != operationNames.end()) {
+            return {trim(key.substr(0, colon)), operation};
+        }
+    }
+    return {key, {}};
+}
+
+/// True when a `[key]` stands in the text: pattern `\[[A-Za-z0-9_.\-]+\]`.
+bool holdsPlaceholder(std::string_view text) noexcept {
+    for (auto open = text.find('['); open != std::string_view::npos; open = text.find('[', open + 1)) {
+        auto i = open + 1;
+        while (i < text.size() && (isLetter(text[i]) || isDigit(text[i]) || text[i] == '_' ||
+                                   text[i] == '.' || text[i] == '-')) {
+            ++i;
+        }
+        if (i > open + 1 && i < text.size() && text[i] == ']') {
+            return true;
+        }
+    }
+    return false;
+}
+
+void readSelector(BasisSetMod& basis, std::string_view value) {
+    if (equalsNoCase(value, "all")) {
+        return;
+    }
+    for (const auto& word : selectorWords) {
+        if (!equalsNoCase(value.substr(0, word.text.size()), word.text)) {
+            continue;
+        }
+        const bool byElement = word.value == BasisSelector::element;
+        auto& list = byElement ? basis.elements : basis.atoms;
+        list = splitTrimmed(value.substr(word.text.size()), ',');
+        if (list.empty()) {
+            throw DiagnosticError(byElement ? "%mod basisset element selector is empty"
+                                            : "%mod basisset atom selector is empty");
+        }
+        basis.selector = word.value;
+        return;
+    }
+    fail("unsupported %mod basisset selector ", value,
+         "; expected on=all, on=element:<list>, or on=atom:<index-list>");
+}
+
+void readRole(BasisSetMod& basis, std::string_view value) {
+    const auto* role = findWord(roleWords, value);
+    if (role == nullptr) {
+        fail("unsupported %mod basisset role=", value);
+    }
+    basis.role = *role;
+}
+
+void readEcp(BasisSetMod& basis, std::string_view value) {
+    const auto* ecp = findWord(ecpWords, value);
+    if (ecp == nullptr) {
+        fail("unsupported %mod basisset ecp=", value);
+    }
+    basis.ecp = *ecp;
+}
+
+struct BasisOption {
+    std::string_view prefix;
+    void (*read)(BasisSetMod&, std::string_view);
+};
+
+constexpr std::array<BasisOption, 3> basisOptions{
+    {{"on=", readSelector}, {"role=", readRole}, {"ecp=", readEcp}}};
+
+/// The number of the option that a field gives; the number of options for any other field.
+std::size_t optionOf(std::string_view field) {
+    const auto found = std::find_if(basisOptions.begin(), basisOptions.end(),
+                                    [field](const auto& option) { return field.starts_with(option.prefix); });
+    return static_cast<std::size_t>(found - basisOptions.begin());
+}
+
+BasisSetMod readBasisSet(std::string_view value) {
+    const auto fields = splitBlank(value);
+    BasisSetMod basis;
+    std::size_t i = 0;
+    for (; i < fields.size() && optionOf(fields[i]) == basisOptions.size(); ++i) {
+        if (i > 0) {
+            basis.name += ' ';
+        }
+        basis.name += fields[i];
+    }
+    if (basis.name.empty()) {
+        throw DiagnosticError("%mod basisset requires a non-empty basis name");
+    }
+    std::array<bool, basisOptions.size()> given{};
+    for (; i < fields.size(); ++i) {
+        const auto number = optionOf(fields[i]);
+        if (number == basisOptions.size()) {
+            fail("unexpected token after %mod basisset options: ", fields[i]);
+        }
+        const auto& option = basisOptions[number];
+        if (std::exchange(given[number], true)) {
+            throw DiagnosticError("duplicate " + std::string(option.prefix) + " option in %mod basisset");
+        }
+        option.read(basis, fields[i].substr(option.prefix.size()));
+    }
+    return basis;
+}
+
+std::string formatBasisSet(const BasisSetMod& basis) {
+    auto text = basis.name;
+    if (basis.selector != BasisSelector::all) {
+        const auto& list = basis.selector == BasisSelector::element ? basis.elements : basis.atoms;
+        text += " on=" + wordOf(selectorWords, basis.selector) + join(list, ",");
+    }
+    if (basis.role != BasisRole::orbital) {
+        text += " role=" + wordOf(roleWords, basis.role);
+    }
+    if (basis.ecp != BasisEcp::automatic) {
+        text += " ecp=" + wordOf(ecpWords, basis.ecp);
+    }
+    return text;
+}
+
+OtherMod readOther(std::string_view key, std::string_view value) {
+    const auto fields = splitBlank(value);
+    return {std::string(key), {fields.begin(), fields.end()}};
+}
+
+ScalarMod readScalarMod(const ModTarget& target, std::string_view operation, std::string_view value) {
+    if (isOneOf(operation, "select", "remove")) {
+        fail("unsupported %mod operation ", operation, " for " + targetText(target));
+    }
+    if (value.empty()) {
+        throw DiagnosticError("%mod " + targetText(target) + " requires a value");
+    }
+    return {target.kind == ModTargetKind::charge ? ScalarModTarget::charge : ScalarModTarget::spin,
+            target.slot,
+            operation.empty()    ? ScalarModOp::set
+            : operation == "add" ? ScalarModOp::add
+                                 : ScalarModOp::subtract,
+            std::string(value)};
+}
+
+AtomsMod readAtomsMod(const ModTarget& target, std::string_view operation, std::string_view value) {
+    const auto text = targetText(target);
+    if (operation.empty()) {
+        throw DiagnosticError("%mod " + text + " requires 'select <atom-list>' or 'remove <atom-list>'");
+    }
+    if (isOneOf(operation, "add", "subtract")) {
+        fail("unsupported %mod operation ", operation, " for " + text);
+    }
+    if (value.empty()) {
+        throw DiagnosticError("%mod " + text + " " + std::string(operation) + " requires an atom list");
+    }
+    return {operation == "remove", target.slot, std::string(value)};
+}
+
+/// The two words of an operation on a target: what it acts on and, unless it sets, what it does.
+struct Head {
+    std::string target;
+    std::string_view operation;
+};
+
+Head headOf(const ModOperation& op) {
+    return std::visit(Match{[](const ScalarMod& mod) {
+                                const bool charge = mod.target == ScalarModTarget::charge;
+                                return Head{std::string(targetNames[charge ? 0 : 1]) + slotSuffix(mod.slot),
+                                            mod.op == ScalarModOp::add        ? "add"
+                                            : mod.op == ScalarModOp::subtract ? "subtract"
+                                                                              : ""};
+                            },
+                            [](const AtomsMod& mod) {
+                                return Head{std::string(targetNames[2]) + slotSuffix(mod.slot),
+                                            mod.remove ? "remove" : "select"};
+                            },
+                            [](const BasisSetMod&) {
+                                return Head{std::string(basisKey), {}};
+                            },
+                            [](const OtherMod& mod) {
+                                return Head{mod.key, {}};
+                            }},
+                      op);
+}
+
+std::string withValue(std::string head, const std::string& value) {
+    return value.empty() ? std::move(head) : std::move(head) + " " + value;
+}
+
+/// True when a line of a `%mod` block reads as the operation; blanks and tabs within a value are alike.
+bool readsBackAs(const std::string& line, const ModOperation& op) {
+    const auto entry = parseModLine(cleanLine(line));
+    if (entry.key.empty()) {
+        return false;
+    }
+    try {
+        const auto read = normalizeMod(entry.key, entry.value, false);
+        const auto value = formatModValue(op);
+        const auto readValue = formatModValue(read);
+        return read.index() == op.index() && formatModKey(read) == formatModKey(op) &&
+               splitBlank(readValue) == splitBlank(value);
+    } catch (const DiagnosticError&) {
+        return false;
+    }
+}
+
+const std::string* slotOf(const ModOperation& op) {
+    if (const auto* scalar = std::get_if<ScalarMod>(&op)) {
+        return &scalar->slot;
+    }
+    if (const auto* atoms = std::get_if<AtomsMod>(&op)) {
+        return &atoms->slot;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+ModEntry parseModLine(std::string_view text) {
+    std::vector<std::string> fields;
+    for (auto& field : splitOn(trim(text), ' ')) {
+        if (!std::all_of(field.begin(), field.end(), isSpace)) {
+            fields.push_back(std::move(field));
+        }
+    }
+    if (fields.size() < 2) {
+        const std::string_view line = fields.empty() ? std::string_view{} : fields.front();
+        const auto colon = line.find(':');
+        const auto key = trim(line.substr(0, colon));
+        if (std::all_of(key.begin(), key.end(), isSpace)) {
+            return {};
+        }
+        const auto value = colon == std::string_view::npos ? std::string_view{} : line.substr(colon + 1);
+        return {std::string(key), std::string(unquote(value))};
+    }
+    const auto& target = fields[0];
+    const auto& operation = fields[1];
+    const bool isGeom = target == "geom" || target.starts_with("geom.");
+    const bool onAtoms = isGeom && isOneOf(operation, "select", "remove");
+    const bool onScalar = isOneOf(operation, "add", "subtract");
+    if (fields.size() >= 3 && onScalar) {
+        return {target + ":" + operation, fields[2]};
+    }
+    const bool withOperation = fields.size() >= 3 && onAtoms;
+    const std::ptrdiff_t valueStart = withOperation ? 2 : 1;
+    return {withOperation ? target + ":" + operation : target,
+            join({fields.begin() + valueStart, fields.end()}, " ")};
+}
+
+void addModLine(TaskInfo& task, std::string_view text) {
+    auto entry = parseModLine(text);
+    if (entry.key.empty()) {
+        return;
+    }
+    task.modValues[entry.key] = entry.value;
+    task.modEntries.push_back(std::move(entry));
+}
+
+std::vector<ModEntry> modEntriesOf(const TaskInfo& task) {
+    if (!task.modEntries.empty()) {
+        return task.modEntries;
+    }
+    std::vector<ModEntry> entries;
+    entries.reserve(task.modValues.size());
+    for (const auto& [key, value] : task.modValues) {
+        entries.push_back({key, value});
+    }
+    return entries;
+}
+
+std::optional<ModTarget> parseModTarget(std::string_view name) {
+    const auto dot = name.find('.');
+    for (std::size_t i = 0; i < targetNames.size(); ++i) {
+        const auto target = targetNames[i];
+        if (!name.starts_with(target)) {
+            continue;
+        }
+        const auto rest = name.substr(target.size());
+        if (dot == std::string_view::npos && !rest.empty() &&
+            std::all_of(rest.begin(), rest.end(), isDigit)) {
+            fail("positional %mod target ", name,
+                 " is not supported; declare a named geom.<slot> source and use " + std::string(target) +
+                     ".<slot>");
+        }
+        const auto kind = static_cast<ModTargetKind>(i);
+        if (rest.empty()) {
+            return ModTarget{kind, std::string(mainSlot)};
+        }
+        if (dot != target.size()) {
+            continue;
+        }
+        const auto slot = name.substr(dot + 1);
+        if (slot.find('.') != std::string_view::npos) {
+            fail("invalid %mod target ", name, "; use charge[.<slot>], spin[.<slot>], or geom[.<slot>]");
+        }
+        if (!isIdentifier(slot)) {
+            fail("invalid %mod geometry slot ", slot,
+                 "; slots must begin with a letter and contain only letters, digits, '_' or '-'");
+        }
+        return ModTarget{kind, std::string(slot)};
+    }
+    return std::nullopt;
+}
+
+ModOperation normalizeMod(std::string_view key, std::string_view value, bool strictValues) {
+    key = trim(key);
+    value = trim(value);
+    const auto [base, operation] = splitModKey(key);
+    if (const auto target = parseModTarget(base)) {
+        if (target->kind == ModTargetKind::geom) {
+            return readAtomsMod(*target, operation, value);
+        }
+        return readScalarMod(*target, operation, value);
+    }
+    if (key != basisKey) {
+        return readOther(key, value);
+    }
+    if (strictValues || !holdsPlaceholder(value)) {
+        return readBasisSet(value);
+    }
+    try {
+        return readBasisSet(value);
+    } catch (const DiagnosticError&) {
+        return readOther(key, value);
+    }
+}
+
+std::string formatModKey(const ModOperation& op) {
+    const auto head = headOf(op);
+    return head.operation.empty() ? head.target : head.target + ":" + std::string(head.operation);
+}
+
+std::string formatModValue(const ModOperation& op) {
+    return std::visit(Match{[](const ScalarMod& mod) { return mod.value; },
+                            [](const AtomsMod& mod) { return mod.atoms; },
+                            [](const BasisSetMod& mod) { return formatBasisSet(mod); },
+                            [](const OtherMod& mod) { return join(mod.arguments, " "); }},
+                      op);
+}
+
+std::string formatModText(const ModOperation& op) {
+    const auto head = headOf(op);
+    const auto value = formatModValue(op);
+    auto line = withValue(withValue(head.target, std::string(head.operation)), value);
+    if (readsBackAs(line, op)) {
+        return line;
+    }
+    // A second word `add` or `subtract` makes the reader drop all but the third, and a `#` behind white space
+    // begins a comment. Blanks inside the value can be tabs, and quotes behind a colon are taken off again.
+    const auto key = formatModKey(op);
+    auto tabbed = value;
+    std::replace(tabbed.begin(), tabbed.end(), ' ', '\t');
+    const auto quoted = [&](char quote) {
+        return std::string(key).append(":").append(1, quote).append(tabbed).append(1, quote);
+    };
+    for (auto& other : {withValue(key, value), withValue(key, tabbed), quoted('"'), quoted('\'')}) {
+        if (readsBackAs(other, op)) {
+            return other;
+        }
+    }
+    return line;
+}
+
+std::string formatModEntry(const ModEntry& entry) {
+    return formatModText(normalizeMod(entry.key, entry.value, false));
+}
+
+void checkModsAgainstSources(const TaskInfo& task, bool strictValues) {
+    if (task.modEntries.empty() && task.modValues.empty()) {
+        return;
+    }
+    std::set<std::string_view> slots{mainSlot};
+    for (const auto& binding : task.sourceBindings) {
+        if (binding.role == BindingRole::geometry) {
+            slots.insert(binding.slot);
+        }
+    }
+    for (const auto& entry : modEntriesOf(task)) {
+        const auto op = normalizeMod(entry.key, entry.value, strictValues);
+        const auto* slot = slotOf(op);
+        if (slot != nullptr && !slots.contains(*slot)) {
+            fail("%mod targets geometry slot ", *slot, ", but %source does not declare geom." + *slot);
+        }
+    }
+}
+
+} // namespace morquill::taskdsl

@@ -1,0 +1,425 @@
+#include "taskdsl/task/source_spec.h"
+
+#include "support/number.h"
+#include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/scan.h"
+#include "taskdsl/task/task_document.h"
+
+#include <algorithm>
+#include <set>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+constexpr std::string_view xyzPrefix = "xyz=";
+constexpr std::string_view frameKey = "frame";
+constexpr std::string_view framePrefix = "frame=";
+constexpr std::string_view mainSlot = "main";
+constexpr std::string_view geomKey = "geom";
+constexpr std::string_view geomPrefix = "geom.";
+
+std::string inQuotes(std::string_view text) {
+    return "'" + std::string(text) + "'";
+}
+
+[[noreturn]] void fail(const std::string& message) {
+    throw DiagnosticError(message);
+}
+
+[[noreturn]] void failBinding(std::string_view key, std::string_view fault) {
+    fail("structured %source binding " + inQuotes(key) + " " + std::string(fault));
+}
+
+std::string inDoubleQuotes(std::string_view token) {
+    std::string quoted = "\"";
+    for (const char c : token) {
+        if (c == '"' || c == '\\') {
+            quoted += '\\';
+        }
+        quoted += c;
+    }
+    quoted += '"';
+    return quoted;
+}
+
+/// Takes off every pair of quotes that still encloses a word after the words were split. One pair alone would
+/// leave a value that loses the next one when it is printed and read again.
+std::string_view unquoteAll(std::string_view word) {
+    for (;;) {
+        const auto bare = unquote(word);
+        if (bare == word) {
+            return bare;
+        }
+        word = bare;
+    }
+}
+
+/// A word of an inline source. Backslashes are left bare where word splitting takes them literally.
+std::string quoteInlineWord(std::string_view word) {
+    const bool plain =
+        !word.empty() && word.back() != '\\' && word.find("\\\\") == std::string_view::npos &&
+        std::none_of(word.begin(), word.end(), [](char c) { return isSpace(c) || c == '"' || c == '\''; });
+    return plain ? std::string(word) : inDoubleQuotes(word);
+}
+
+std::string frameSuffix(bool hasFrame, std::int32_t frameIndex) {
+    return hasFrame ? " frame=" + std::to_string(frameIndex) : std::string{};
+}
+
+SourceXyz parseInlineXyz(std::string_view text) {
+    const auto words = splitShellWords(text.substr(xyzPrefix.size()));
+    SourceXyz xyz;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string_view word = words[i];
+        if (i == 0) {
+            xyz.file = unquoteAll(word);
+        } else if (!xyz.hasFrame && word.starts_with(framePrefix)) {
+            const auto frame = readPositiveInt(word.substr(framePrefix.size()));
+            if (!frame) {
+                fail("%source xyz frame selector must be a positive integer");
+            }
+            xyz.frameIndex = *frame;
+            xyz.hasFrame = true;
+        } else if (!word.empty()) {
+            xyz.furtherWords.emplace_back(word);
+        }
+    }
+    return xyz;
+}
+
+void readBindingKey(SourceBinding& binding, std::string_view key) {
+    if (!isDottedIdentifier(key)) {
+        fail("invalid structured %source binding key " + inQuotes(key) +
+             "; use dot-separated identifiers beginning with a letter");
+    }
+    binding.key = key;
+    if (key == geomKey || key == "geom.main") {
+        binding.key = geomKey;
+    } else if (key.starts_with(geomPrefix)) {
+        binding.slot = key.substr(geomPrefix.size());
+        if (!isIdentifier(binding.slot)) {
+            fail("invalid geometry binding key " + inQuotes(key) + "; expected geom or geom.<slot>");
+        }
+    } else {
+        binding.role = BindingRole::auxiliary;
+    }
+}
+
+void readBindingSource(SourceBinding& binding, std::string_view word) {
+    if (word.empty()) {
+        failBinding(binding.key, "has an empty source reference");
+    }
+    if (word == "origin") {
+        binding.sourceKind = BindingSource::origin;
+    } else if (word == "restart") {
+        binding.sourceKind = BindingSource::restart;
+    } else if (word.starts_with(xyzPrefix)) {
+        binding.sourceKind = BindingSource::xyz;
+        binding.sourceValue = unquoteAll(word.substr(xyzPrefix.size()));
+        if (binding.sourceValue.empty()) {
+            failBinding(binding.key, "is missing the file name after xyz=");
+        }
+    } else {
+        binding.sourceKind = BindingSource::task;
+        binding.sourceValue = word;
+        binding.sourceTask = word;
+    }
+}
+
+std::pair<std::string, std::string> splitSelector(std::string_view word) {
+    const auto equals = word.find('=');
+    if (equals == std::string_view::npos || equals == 0 || equals + 1 == word.size()) {
+        fail("invalid structured %source selector " + inQuotes(word) + "; expected selector=value");
+    }
+    std::pair<std::string, std::string> selector(unquoteAll(word.substr(0, equals)),
+                                                 unquoteAll(word.substr(equals + 1)));
+    if (!isDottedIdentifier(selector.first)) {
+        fail("invalid structured %source selector key " + inQuotes(selector.first) +
+             "; use dot-separated identifiers beginning with a letter");
+    }
+    if (selector.second.empty()) {
+        fail("structured %source selector " + inQuotes(selector.first) + " has an empty value");
+    }
+    return selector;
+}
+
+/// A binding record filled by hand may name its task in `sourceTask` alone.
+bool isBareTask(const SourceBinding& binding) noexcept {
+    return !binding.sourceTask.empty() && binding.sourceValue.empty();
+}
+
+void validateBinding(const SourceBinding& binding, bool strictFrames) {
+    if (!isDottedIdentifier(binding.key)) {
+        fail("structured %source contains an invalid binding key");
+    }
+    const bool needsValue =
+        binding.sourceKind == BindingSource::task || binding.sourceKind == BindingSource::xyz;
+    if (needsValue && binding.sourceValue.empty() && binding.sourceTask.empty()) {
+        failBinding(binding.key, "has an empty source reference");
+    }
+    if (binding.hasFrame && binding.frameIndex < 1) {
+        failBinding(binding.key, "has an invalid frame index");
+    }
+    const bool isXyz = binding.sourceKind == BindingSource::xyz && !isBareTask(binding);
+    for (const auto& [key, value] : binding.selectors) {
+        if (strictFrames && isXyz && key == frameKey) {
+            failBinding(binding.key, "has an invalid frame selector; frame must be a positive integer");
+        }
+        if (!isDottedIdentifier(key) || value.empty()) {
+            failBinding(binding.key, "has an invalid selector");
+        }
+    }
+}
+
+std::string bindingReference(const SourceBinding& binding) {
+    if (isBareTask(binding)) {
+        return quoteSourceToken(binding.sourceTask);
+    }
+    switch (binding.sourceKind) {
+    case BindingSource::restart:
+        return "restart";
+    case BindingSource::task:
+        return quoteSourceToken(binding.sourceValue);
+    case BindingSource::xyz:
+        return std::string(xyzPrefix) + quoteSourceToken(binding.sourceValue) +
+               frameSuffix(binding.hasFrame, binding.frameIndex);
+    case BindingSource::origin:
+        break;
+    }
+    return "origin";
+}
+
+std::string bindingKey(const SourceBinding& binding) {
+    if (!binding.key.empty()) {
+        return binding.key;
+    }
+    return binding.slot == mainSlot ? std::string(geomKey) : std::string(geomPrefix) + binding.slot;
+}
+
+std::string formatXyz(const SourceXyz& xyz) {
+    auto text =
+        std::string(xyzPrefix) + quoteInlineWord(xyz.file) + frameSuffix(xyz.hasFrame, xyz.frameIndex);
+    for (const auto& word : xyz.furtherWords) {
+        if (!word.empty()) {
+            text += ' ';
+            text += quoteInlineWord(word);
+        }
+    }
+    return text;
+}
+
+std::string formatBindings(const std::vector<SourceBinding>& bindings) {
+    std::string text;
+    for (const auto& binding : bindings) {
+        if (&binding != &bindings.front()) {
+            text += '\n';
+        }
+        text += formatSourceBinding(binding);
+    }
+    return text;
+}
+
+} // namespace
+
+SourceSpec parseInlineSource(std::string_view text) {
+    text = trim(text);
+    if (text.empty()) {
+        return SourceNone{};
+    }
+    if (text == "origin") {
+        return SourceOrigin{};
+    }
+    if (text == "restart") {
+        return SourceRestart{};
+    }
+    if (text.starts_with(xyzPrefix)) {
+        return parseInlineXyz(text);
+    }
+    auto names = splitTrimmed(text, ',');
+    if (names.empty()) {
+        names.emplace_back(text);
+    }
+    return SourceTaskList{std::move(names)};
+}
+
+SourceSpec parseSourceText(std::string_view text) {
+    text = trim(text);
+    if (text.find('\n') == std::string_view::npos) {
+        return parseInlineSource(text);
+    }
+    SourceStructured structured;
+    for (const auto line : splitLines(text)) {
+        const auto entry = trim(line);
+        if (!entry.empty()) {
+            structured.bindings.push_back(parseSourceBinding(entry));
+        }
+    }
+    validateStructuredSource(structured.bindings, true);
+    return structured;
+}
+
+SourceBinding parseSourceBinding(std::string_view line) {
+    const auto words = splitShellWords(line);
+    if (words.size() < 2) {
+        fail("structured %source entry must have '<binding-key> <source> [selector=value ...]': " +
+             inQuotes(trim(line)));
+    }
+    SourceBinding binding;
+    readBindingKey(binding, trim(words[0]));
+    readBindingSource(binding, words[1]);
+    bool frameGiven = false;
+    for (std::size_t i = 2; i < words.size(); ++i) {
+        auto selector = splitSelector(words[i]);
+        if (binding.sourceKind == BindingSource::xyz && selector.first == frameKey) {
+            if (frameGiven) {
+                failBinding(binding.key, "has more than one frame= selector");
+            }
+            frameGiven = true;
+            if (const auto frame = readPositiveInt(selector.second)) {
+                binding.frameIndex = *frame;
+                binding.hasFrame = true;
+                continue;
+            }
+            if (selector.second.find('[') == std::string::npos) {
+                fail("structured %source frame selector must be a positive integer");
+            }
+        }
+        binding.selectors.push_back(std::move(selector));
+    }
+    return binding;
+}
+
+void validateStructuredSource(const std::vector<SourceBinding>& bindings, bool strictFrames) {
+    if (bindings.empty()) {
+        fail("structured %source must contain at least one binding");
+    }
+    std::set<std::string_view> slots;
+    for (const auto& binding : bindings) {
+        validateBinding(binding, strictFrames);
+        if (binding.role != BindingRole::geometry) {
+            continue;
+        }
+        if (!isIdentifier(binding.slot)) {
+            fail("invalid geometry slot " + inQuotes(binding.slot) +
+                 "; slots must begin with a letter and contain only letters, digits, '_' or '-'");
+        }
+        if (!slots.insert(binding.slot).second) {
+            fail("structured %source declares geometry slot " + inQuotes(binding.slot) + " more than once");
+        }
+    }
+    if (!slots.empty() && !slots.contains(mainSlot)) {
+        fail("structured %source with auxiliary geometry bindings must also declare geom");
+    }
+}
+
+void rereadBinding(SourceBinding& binding) {
+    if (binding.sourceKind == BindingSource::task) {
+        binding.sourceTask.clear();
+        if (const std::string word = std::exchange(binding.sourceValue, {}); !word.empty()) {
+            readBindingSource(binding, word);
+        }
+    }
+    if (binding.sourceKind != BindingSource::xyz || binding.hasFrame) {
+        return;
+    }
+    const auto selector = std::find_if(binding.selectors.begin(), binding.selectors.end(),
+                                       [](const auto& entry) { return entry.first == frameKey; });
+    if (selector == binding.selectors.end()) {
+        return;
+    }
+    if (const auto frame = readPositiveInt(selector->second)) {
+        binding.frameIndex = *frame;
+        binding.hasFrame = true;
+        binding.selectors.erase(selector);
+    }
+}
+
+std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& lines,
+                                            std::string_view taskName, const SourceSpan& directiveSpan) {
+    const std::string task = "task " + inQuotes(taskName);
+    std::vector<SourceBinding> bindings;
+    for (const auto& line : lines) {
+        if (line.text.empty()) {
+            continue;
+        }
+        try {
+            bindings.push_back(parseSourceBinding(line.text));
+        } catch (const DiagnosticError& fault) {
+            throw DiagnosticError(line.span,
+                                  task + " has invalid structured %source entry: " + fault.message());
+        }
+    }
+    if (bindings.empty()) {
+        throw DiagnosticError(
+            directiveSpan,
+            task + " has empty %source; provide an inline source or one or more structured bindings");
+    }
+    try {
+        validateStructuredSource(bindings, false);
+    } catch (const DiagnosticError& fault) {
+        throw DiagnosticError(directiveSpan, task + " has invalid structured %source: " + fault.message());
+    }
+    return bindings;
+}
+
+std::string quoteSourceToken(std::string_view token) {
+    const bool plain = !token.empty() && std::none_of(token.begin(), token.end(), [](char c) {
+        return isSpace(c) || c == '"' || c == '#' || c == '\'' || c == '\\';
+    });
+    return plain ? std::string(token) : inDoubleQuotes(token);
+}
+
+std::string formatSourceBinding(const SourceBinding& binding) {
+    auto text = bindingKey(binding) + " " + bindingReference(binding);
+    for (const auto& [key, value] : binding.selectors) {
+        if (!key.empty()) {
+            text += " " + key + "=" + quoteSourceToken(value);
+        }
+    }
+    return text;
+}
+
+std::string formatSourceSpec(const SourceSpec& spec) {
+    return std::visit(
+        Match{[](const SourceNone&) { return std::string{}; },
+              [](const SourceOrigin&) { return std::string("origin"); },
+              [](const SourceRestart&) { return std::string("restart"); },
+              [](const SourceTaskList& list) { return join(list.names, ","); },
+              [](const SourceXyz& xyz) { return formatXyz(xyz); },
+              [](const SourceStructured& structured) { return formatBindings(structured.bindings); }},
+        spec);
+}
+
+SourceSpec sourceSpecOf(const TaskInfo& task) {
+    if (hasStructuredSource(task)) {
+        return SourceStructured{task.sourceBindings};
+    }
+    const auto& names = task.sourceTasks;
+    if (!names.empty() && (task.source.empty() || names.size() > 1 || names.front() == task.source)) {
+        return SourceTaskList{names};
+    }
+    return parseInlineSource(task.source);
+}
+
+void applySource(TaskInfo& task, const SourceSpec& spec, bool keepList) {
+    task.sourceBindings.clear();
+    task.sourceTasks.clear();
+    if (const auto* structured = std::get_if<SourceStructured>(&spec)) {
+        task.source.clear();
+        task.sourceBindings = structured->bindings;
+        return;
+    }
+    const auto* list = std::get_if<SourceTaskList>(&spec);
+    if (list == nullptr || list->names.empty()) {
+        task.source = formatSourceSpec(spec);
+        return;
+    }
+    task.source = list->names.front();
+    if (list->names.size() > 1 || keepList) {
+        task.sourceTasks = list->names;
+    }
+}
+
+} // namespace morquill::taskdsl

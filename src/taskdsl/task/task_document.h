@@ -1,0 +1,185 @@
+#pragma once
+
+#include "support/shared.h"
+#include "taskdsl/derive/derive_spec.h"
+#include "taskdsl/task/matrix_axis.h"
+#include "taskdsl/plot/model.h"
+#include "taskdsl/base/source_line.h"
+#include "taskdsl/task/source_spec.h"
+#include "taskdsl/base/substitute.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The result of reading a task file: plain records with public fields, copied freely.
+namespace morquill::taskdsl {
+
+/// One directive seen in a task block, kept for the explain view and for lint.
+struct TaskDirective {
+    std::string_view name; ///< keyword without the `%`; a text with static lifetime
+    std::string value;     ///< the text behind the keyword on the directive's own line
+    SourceSpan span;
+};
+
+/// One `%when` condition with its place.
+struct TaskWhenEntry {
+    std::string text;
+    SourceSpan span;
+};
+
+enum class TaskProgram : std::int32_t {
+    gaussian = 0,
+    orca,
+    gamess,
+    xtb,
+    mrcc,
+    maple,
+    amesp,
+    bdf,
+    mopac,
+    fcclasses,
+    other,
+    script
+};
+
+/// The lower-case name of a program; "gaussian" for a value outside the enumeration.
+[[nodiscard]] std::string_view programName(TaskProgram program) noexcept;
+/// Reads a program name (trimmed, any case, no aliases); false for an unknown one.
+[[nodiscard]] bool parseProgramName(std::string_view text, TaskProgram& program);
+/// The program of that name. Throws `DiagnosticError`, with "<location>: " in front when a location is given,
+/// for an unknown one.
+[[nodiscard]] TaskProgram requireProgram(std::string_view value, std::string_view location = {});
+
+enum class TaskInterfaceMode : std::int32_t { none = 0, provider = 1, consume = 2 };
+
+/// One line of `%mod` after it was split; the key is `<target>` or `<target>:<operation>`.
+struct ModEntry {
+    std::string key;
+    std::string value;
+
+    friend bool operator==(const ModEntry&, const ModEntry&) = default;
+};
+
+/// One `collect` entry of `%batch`.
+struct BatchCollect {
+    std::string pattern;
+    std::string destination; ///< empty when none is given
+    bool required = false;
+};
+
+enum class ClusterMetric : std::int32_t { dist = 0, rmsd = 1 };
+
+/// The `cluster` entry of `%batch`. The units of the thresholds are those of the clustering tool.
+struct BatchCluster {
+    ClusterMetric metric = ClusterMetric::dist;
+    double geometryThreshold = 0.1;
+    double energyThreshold = 0.25;
+    double temperature = 298.15; ///< kelvin
+    bool energyOff = false;
+    double minWeight = 0;
+    bool hasMinWeight = false;
+    double accumulation = 0;
+    bool hasAccumulation = false;
+    bool present = false;
+};
+
+/// One task block.
+struct TaskInfo {
+    TaskInfo() = default;
+    explicit TaskInfo(std::string taskName, TaskProgram taskProgram = TaskProgram::gaussian);
+
+    SourceSpan headerSpan;
+    Shared<std::vector<TaskDirective>> directives; ///< every directive in file order
+    std::vector<TaskWhenEntry> whenEntries;        ///< the conditions with their places
+    std::string name;                              ///< quotes removed
+    bool quoted = false;                           ///< the header was written `$"name"`
+    std::uint64_t documentOrder = 0;               ///< place among all tasks and derive blocks of the run
+    std::string source = "origin"; ///< simple source: "origin", "restart", `xyz=...` or a task name
+    std::vector<SourceBinding> sourceBindings; ///< structured source
+    std::vector<std::string> sourceTasks;      ///< the names of a comma list in `%source`
+    bool guessEnabled = false;
+    std::string guessSourceTask;
+    std::string guessConverter; ///< "mokit", "multiwfn" or empty
+    std::string smiles;         ///< molecule line notation, set by project tools
+    SharedText filePath;        ///< file the block stands in
+    /// Names of all tasks of the document that are not providers.
+    Shared<std::vector<std::string>> documentTaskNames;
+    TaskProgram program = TaskProgram::gaussian;
+    std::string keywords;
+    std::string args;
+    std::string extraKeywords; ///< `%extrainput`
+    std::string templateName;
+    std::string paramValues; ///< `%param`, newline separated
+    std::string runner;
+    std::string body;
+    std::string orcaBlock;           ///< program-specific block text
+    std::string verbosity;           ///< "p", "t" or empty
+    std::string gaussianGeomControl; ///< "check" or empty
+    std::vector<std::string> preProcessCommands;
+    std::vector<std::string> processCommands;
+    std::map<std::string, std::string> modValues; ///< last value per key
+    std::vector<ModEntry> modEntries;             ///< all lines in order
+    std::int32_t totalCores = 0;
+    std::int32_t totalMemory = 0;
+    std::int32_t gpuCount = 0;
+    std::int32_t gpuMemory = 0;
+    std::string gpuType;
+    std::int32_t batchLanes = 0; ///< 0 means no batch
+    std::vector<BatchCollect> batchCollect;
+    BatchCluster batchCluster;
+    bool controlDeclared = false; ///< some resource or flag of `%control` was set
+    bool externalInput = false;
+    bool waitFreq = true;
+    bool alert = true;
+    bool localFirst = false;
+    std::string finalGeom;
+    std::vector<std::string> whenConditions;
+    std::string templateTaskName;  ///< name before matrix expansion
+    std::string matrixVariantKey;  ///< suffix of a matrix variant
+    Shared<ValueMap> matrixValues; ///< axis key to chosen value
+    std::string strucId;
+    std::vector<std::string> metaProperties;
+    std::vector<plot::PlotSpec> plots; ///< `%plot` entries of this task
+    TaskInterfaceMode interfaceMode = TaskInterfaceMode::none;
+    std::string interfaceProvider; ///< provider task of a consume interface
+};
+
+[[nodiscard]] bool isProvider(const TaskInfo& task) noexcept;
+[[nodiscard]] bool isConsumer(const TaskInfo& task) noexcept;
+[[nodiscard]] bool hasStructuredSource(const TaskInfo& task) noexcept;
+[[nodiscard]] bool hasExternalSource(const TaskInfo& task) noexcept;
+
+/// A `@derive` block: the raw capture and what it says.
+struct DeriveBlock {
+    CapturedBlock captured;
+    derive::DeriveSpec spec;
+    std::uint64_t documentOrder = 0;
+};
+
+/// The result of parsing one file.
+struct TaskDocument {
+    ValueMap settings; ///< top-level scalar keys of the prelude, `dsl_version` among them
+    ValueMap defines;  ///< `define:` values, the caller's defines and `extra.yaml` values, merged
+    std::map<std::string, std::vector<std::string>, std::less<>> matrixValues; ///< axis key to its value list
+    std::vector<MatrixAxis> matrixAxes;                                        ///< in declared order
+    /// After define substitution and matrix expansion: what runs. One list with `templateTasks` where nothing
+    /// was substituted or expanded.
+    Shared<std::vector<TaskInfo>> tasks;
+    Shared<std::vector<TaskInfo>> templateTasks; ///< as written, before substitution and expansion
+    std::vector<plot::PlotSpec> plots;           ///< top-level `@plot` blocks, after substitution
+    std::vector<DeriveBlock> derives;
+    std::string filePath;                   ///< path given to the parser
+    std::string directory;                  ///< directory of the file, empty when the text came from memory
+    std::vector<std::string> includedFiles; ///< every file read for this document, each once, in order of use
+    ValueMap libraryBindings;               ///< namespace alias to library path, file-scope imports
+};
+
+/// The multi-line debug dump of a task.
+[[nodiscard]] std::string describeTask(const TaskInfo& task);
+/// Reads such a dump back, line by line; labels that set no field are ignored.
+[[nodiscard]] TaskInfo parseTaskDump(std::string_view text);
+
+} // namespace morquill::taskdsl

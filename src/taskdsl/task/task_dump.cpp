@@ -1,0 +1,181 @@
+// The debug dump of a task and its reader.
+
+#include "taskdsl/task/task_document.h"
+
+#include "support/text.h"
+#include "taskdsl/plot/enumerations.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+std::string_view flagText(bool flag) noexcept {
+    return flag ? "true" : "false";
+}
+
+class DumpText {
+  public:
+    void line(std::string_view label, std::string_view value) {
+        text.append(label).append(value).push_back('\n');
+    }
+    void filled(std::string_view label, std::string_view value) {
+        if (!value.empty()) {
+            line(label, value);
+        }
+    }
+    void list(std::string_view label, const std::vector<std::string>& entries) {
+        if (entries.empty()) {
+            return;
+        }
+        line(label, "");
+        for (const auto& entry : entries) {
+            line("  - ", entry);
+        }
+    }
+    template <class Pairs>
+    void pairs(std::string_view label, const Pairs& entries) {
+        if (entries.empty()) {
+            return;
+        }
+        line(label, "");
+        for (const auto& [key, value] : entries) {
+            line("  " + std::string(key) + ": ", value);
+        }
+    }
+
+    std::string text;
+};
+
+} // namespace
+
+std::string describeTask(const TaskInfo& task) {
+    DumpText dump;
+    dump.line("TaskInfo: ", task.name);
+    dump.line("Program: ", programName(task.program));
+    dump.line("Quoted: ", flagText(task.quoted));
+    if (isProvider(task)) {
+        dump.line("Interface: ", "provider");
+    } else if (isConsumer(task)) {
+        dump.line("Interface: consume ", task.interfaceProvider);
+    }
+    if (hasStructuredSource(task)) {
+        std::vector<std::string> bindings;
+        std::transform(task.sourceBindings.begin(), task.sourceBindings.end(), std::back_inserter(bindings),
+                       formatSourceBinding);
+        dump.list("SourceBindings:", bindings);
+    } else {
+        dump.filled("Source: ", task.source);
+    }
+    dump.filled("GuessSourceTask: ", task.guessSourceTask);
+    dump.line("ExternalInput: ", flagText(task.externalInput));
+    dump.line("WaitFreq: ", flagText(task.waitFreq));
+    dump.line("Alert: ", flagText(task.alert));
+    dump.line("LocalFirst: ", flagText(task.localFirst));
+    dump.filled("FinalGeom: ", task.finalGeom);
+    dump.filled("Keywords: ", task.keywords);
+    dump.filled("Args: ", task.args);
+    dump.filled("GaussianGeomControl: ", task.gaussianGeomControl);
+    dump.filled("ExtraKeywords: ", task.extraKeywords);
+    dump.filled("TemplateName: ", task.templateName);
+    dump.filled("ParamValues: ", task.paramValues);
+    dump.filled("Runner: ", task.runner);
+    dump.filled("Body: ", task.body);
+    dump.list("PreProcessCommands:", task.preProcessCommands);
+    dump.list("ProcessCommands:", task.processCommands);
+    if (task.modEntries.empty()) {
+        dump.pairs("ModValues:", task.modValues);
+    } else {
+        dump.pairs("ModValues:", task.modEntries);
+    }
+    dump.filled("SMILES: ", task.smiles);
+    dump.filled("FilePath: ", task.filePath);
+    dump.filled("TemplateTaskName: ", task.templateTaskName);
+    dump.filled("MatrixVariantKey: ", task.matrixVariantKey);
+    dump.pairs("MatrixValues:", *task.matrixValues);
+    dump.filled("StrucId: ", task.strucId);
+    dump.list("MetaProperties:", task.metaProperties);
+    if (!task.orcaBlock.empty()) {
+        dump.line("OrcaBlock: ", "[omitted]");
+    }
+    std::vector<std::string> plots;
+    std::transform(
+        task.plots.begin(), task.plots.end(), std::back_inserter(plots), [](const plot::PlotSpec& plot) {
+            return std::string(plotKindName(plot.kind)) + " " + (plot.title.empty() ? plot.id : plot.title);
+        });
+    dump.list("Plots:", plots);
+    dump.list("WhenConditions:", task.whenConditions);
+    return dump.text;
+}
+
+namespace {
+
+struct DumpLabel {
+    std::string_view label;
+    void (*read)(TaskInfo&, std::string_view);
+};
+
+template <std::string TaskInfo::*field>
+void readText(TaskInfo& task, std::string_view value) {
+    task.*field = value;
+}
+
+template <bool TaskInfo::*field>
+void readFlag(TaskInfo& task, std::string_view value) {
+    task.*field = value == "true";
+}
+
+void readInterface(TaskInfo& task, std::string_view value) {
+    constexpr std::string_view consume = "consume ";
+    if (value == "provider") {
+        task.interfaceMode = TaskInterfaceMode::provider;
+    } else if (value.starts_with(consume)) {
+        task.interfaceMode = TaskInterfaceMode::consume;
+        task.interfaceProvider = value.substr(consume.size());
+    }
+}
+
+constexpr std::array<DumpLabel, 17> dumpLabels{{
+    {"TaskInfo: ", readText<&TaskInfo::name>},
+    {"Program: ",
+     [](TaskInfo& task, std::string_view value) { (void)parseProgramName(value, task.program); }},
+    {"Quoted: ", readFlag<&TaskInfo::quoted>},
+    {"Source: ", readText<&TaskInfo::source>},
+    {"LocalFirst: ", readFlag<&TaskInfo::localFirst>},
+    {"Interface: ", readInterface},
+    {"FinalGeom: ", readText<&TaskInfo::finalGeom>},
+    {"Keywords: ", readText<&TaskInfo::keywords>},
+    {"Args: ", readText<&TaskInfo::args>},
+    {"ExtraKeywords: ", readText<&TaskInfo::extraKeywords>},
+    {"TemplateName: ", readText<&TaskInfo::templateName>},
+    {"ParamValues: ", readText<&TaskInfo::paramValues>},
+    {"Runner: ", readText<&TaskInfo::runner>},
+    {"Body: ", readText<&TaskInfo::body>},
+    {"SMILES: ", readText<&TaskInfo::smiles>},
+    {"FilePath: ", [](TaskInfo& task, std::string_view value) { task.filePath = SharedText(value); }},
+    {"StrucId: ", readText<&TaskInfo::strucId>},
+}};
+
+} // namespace
+
+TaskInfo parseTaskDump(std::string_view text) {
+    TaskInfo task;
+    for (std::string_view line : splitLines(text)) {
+        line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+        if (line.starts_with('#')) {
+            continue;
+        }
+        for (const auto& [label, read] : dumpLabels) {
+            if (line.starts_with(label)) {
+                read(task, line.substr(label.size()));
+                break;
+            }
+        }
+    }
+    return task;
+}
+
+} // namespace morquill::taskdsl

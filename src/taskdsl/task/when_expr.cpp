@@ -1,0 +1,644 @@
+#include "taskdsl/task/when_expr.h"
+
+#include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/scan.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <utility>
+
+namespace morquill::taskdsl {
+
+namespace {
+
+constexpr std::string_view trimmedChars = " \t\r\n";
+
+struct CompareWord {
+    std::string_view text;
+    WhenCompareOp op;
+};
+
+/// In the order in which they are tried at one place.
+constexpr std::array<CompareWord, 7> compareWords{{{"==", WhenCompareOp::equal},
+                                                   {"=", WhenCompareOp::equal},
+                                                   {"!=", WhenCompareOp::notEqual},
+                                                   {"<=", WhenCompareOp::lessEqual},
+                                                   {">=", WhenCompareOp::greaterEqual},
+                                                   {"<", WhenCompareOp::less},
+                                                   {">", WhenCompareOp::greater}}};
+
+std::string_view compareText(WhenCompareOp op) noexcept {
+    for (const auto& word : compareWords) {
+        if (word.op == op && word.text != "==") {
+            return word.text;
+        }
+    }
+    return "=";
+}
+
+/// What a walk over a condition is inside of.
+struct Shelter {
+    char quote = '\0';
+    std::size_t braces = 0; ///< open `{{`
+};
+
+/// The index behind what is sheltered at `i`: a quote or a brace pair itself, anything inside them, an
+/// escaped character. `i` itself when the character stands in the open.
+std::size_t passSheltered(std::string_view text, std::size_t i, Shelter& shelter,
+                          bool escapesInTheOpen) noexcept {
+    const char c = text[i];
+    if (c == '\\' && (shelter.quote != '\0' || escapesInTheOpen)) {
+        return std::min(i + 2, text.size());
+    }
+    if (shelter.quote != '\0') {
+        if (c == shelter.quote) {
+            shelter.quote = '\0';
+        }
+        return i + 1;
+    }
+    if (c == '"' || c == '\'') {
+        shelter.quote = c;
+        return i + 1;
+    }
+    const bool doubled = (c == '{' || c == '}') && i + 1 < text.size() && text[i + 1] == c;
+    if (doubled && c == '{') {
+        ++shelter.braces;
+        return i + 2;
+    }
+    if (doubled && shelter.braces > 0) {
+        --shelter.braces;
+        return i + 2;
+    }
+    return shelter.braces > 0 ? i + 1 : i;
+}
+
+bool isTrimmed(char c) noexcept {
+    return trimmedChars.find(c) != std::string_view::npos;
+}
+
+/// How many pairs of parentheses enclose the whole text one inside the other. The text is walked once for all
+/// of them: the pair that opens at depth n encloses its text when the depth stays at n or above until the
+/// closing parentheses at the end begin.
+std::size_t countEnclosingPairs(std::string_view text) noexcept {
+    std::size_t i = 0;
+    std::size_t opening = 0;
+    for (; i < text.size() && (text[i] == '(' || isTrimmed(text[i])); ++i) {
+        opening += text[i] == '(' ? 1 : 0;
+    }
+    std::size_t depth = opening;
+    std::size_t lowest = opening;
+    std::size_t closing = 0;
+    Shelter shelter;
+    while (i < text.size()) {
+        const auto next = passSheltered(text, i, shelter, true);
+        const char c = next == i ? text[i] : '\0';
+        i = std::max(next, i + 1);
+        if (c == ')') {
+            if (depth == 0) {
+                return 0;
+            }
+            --depth;
+            ++closing;
+        } else if (!isTrimmed(c)) {
+            lowest = closing > 0 ? std::min(lowest, depth) : lowest;
+            closing = 0;
+            depth += c == '(' ? 1 : 0;
+        }
+    }
+    return depth == 0 ? std::min({opening, closing, lowest}) : 0;
+}
+
+std::string_view stripEnclosingPairs(std::string_view text) noexcept {
+    text = trim(text);
+    if (text.empty() || text.front() != '(' || text.back() != ')') {
+        return text;
+    }
+    for (auto pairs = countEnclosingPairs(text); pairs > 0; --pairs) {
+        text = trim(text.substr(1, text.size() - 2));
+    }
+    return text;
+}
+
+bool standsAt(std::string_view text, std::size_t i, std::string_view word) noexcept {
+    const auto end = i + word.size();
+    if (word.empty() || end > text.size() || lowerChar(text[i]) != lowerChar(word.front())) {
+        return false;
+    }
+    return (i == 0 || isSpace(text[i - 1])) && (end == text.size() || isSpace(text[end])) &&
+           equalsNoCase(text.substr(i, word.size()), word);
+}
+
+/// The trimmed text behind a leading keyword (any case, white space or the end behind it).
+std::optional<std::string_view> behindWord(std::string_view text, std::string_view word) noexcept {
+    if (!standsAt(text, 0, word)) {
+        return std::nullopt;
+    }
+    return trim(text.substr(word.size()));
+}
+
+bool isLineBreak(char c) noexcept {
+    return c == '\n' || c == '\r';
+}
+
+/// A text to be matched as a comparison, and what the matcher needs to know of its end.
+struct ComparisonText {
+    std::string_view text;
+    std::size_t end = 0;       ///< one behind the last byte that is no white space
+    std::size_t lastBreak = 0; ///< one behind the last line break before `end`; 0 when there is none
+};
+
+/// What `\s*(.+?)\s*$` captures from `begin` on.
+std::optional<std::string_view> matchRightSide(const ComparisonText& whole, std::size_t begin) noexcept {
+    const auto text = whole.text;
+    if (begin < whole.end) {
+        while (isSpace(text[begin])) {
+            ++begin;
+        }
+        return begin < whole.lastBreak ? std::nullopt : std::optional(text.substr(begin, whole.end - begin));
+    }
+    // Only white space: the last byte of it that `.` takes is given up to the group.
+    for (auto end = text.size(); end > begin; --end) {
+        if (!isLineBreak(text[end - 1])) {
+            return text.substr(end - 1, 1);
+        }
+    }
+    return std::nullopt;
+}
+
+WhenOperand readOperand(std::string_view text) {
+    text = trim(text);
+    if (isWhenPlaceholder(text)) {
+        return {WhenOperandKind::placeholder, std::string(whenPlaceholderBody(text))};
+    }
+    return {WhenOperandKind::literal, std::string(text)};
+}
+
+/// The comparison whose operator begins at `at`, if one does and a right side follows it.
+std::optional<WhenComparison> compareAt(const ComparisonText& whole, std::string_view left, std::size_t at) {
+    for (const auto& word : compareWords) {
+        if (!whole.text.substr(at).starts_with(word.text)) {
+            continue;
+        }
+        if (const auto right = matchRightSide(whole, at + word.text.size())) {
+            return WhenComparison{readOperand(left), readOperand(*right), word.op};
+        }
+    }
+    return std::nullopt;
+}
+
+/// Pattern `^\s*(.+?)\s*(==|=|!=|<=|>=|<|>)\s*(.+?)\s*$`, where `.` takes no line feed and no carriage
+/// return. The lazy left side ends at the first operator that has a right side.
+std::optional<WhenComparison> matchComparison(std::string_view text) {
+    std::size_t begin = 0;
+    while (begin < text.size() && isSpace(text[begin])) {
+        ++begin;
+    }
+    ComparisonText whole{text, text.size(), 0};
+    while (whole.end > begin && isSpace(text[whole.end - 1])) {
+        --whole.end;
+    }
+    for (auto i = whole.end; i > begin && whole.lastBreak == 0; --i) {
+        whole.lastBreak = isLineBreak(text[i - 1]) ? i : 0;
+    }
+    std::size_t leftEnd = begin;
+    for (std::size_t i = begin; i < text.size(); ++i) {
+        if (i > begin && std::string_view("=!<>").find(text[i]) != std::string_view::npos) {
+            const auto left = text.substr(begin, leftEnd - begin);
+            if (auto comparison = compareAt(whole, left, i)) {
+                return comparison;
+            }
+        }
+        if (isSpace(text[i])) {
+            continue;
+        }
+        // The left side would have to take what lies between.
+        const auto between = text.substr(leftEnd, i - leftEnd);
+        if (std::any_of(between.begin(), between.end(), isLineBreak)) {
+            break;
+        }
+        leftEnd = i + 1;
+    }
+    // An operator directly behind leading white space: the left side takes the last byte of that.
+    for (std::size_t i = begin; i > 0; --i) {
+        if (!isLineBreak(text[i - 1])) {
+            return begin < text.size() ? compareAt(whole, text.substr(i - 1, 1), begin) : std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
+TaskWhenExpr parseNode(std::string_view text, int depth);
+
+TaskWhenExpr parseGroup(WhenGroupOp op, const std::vector<std::string_view>& parts, int depth) {
+    if (depth >= maxWhenNesting) {
+        throw DiagnosticError("%when condition nests groups more than " + std::to_string(maxWhenNesting) +
+                              " levels deep");
+    }
+    WhenGroup group{op, {}};
+    group.children.reserve(parts.size());
+    for (const auto part : parts) {
+        group.children.push_back(std::make_shared<const TaskWhenExpr>(parseNode(part, depth + 1)));
+    }
+    return {std::move(group)};
+}
+
+TaskWhenExpr parseNode(std::string_view text, int depth) {
+    text = stripEnclosingPairs(text);
+    if (const auto parts = splitWhenTopLevel(text, "or"); parts.size() > 1) {
+        return parseGroup(WhenGroupOp::disjunction, parts, depth);
+    }
+    if (const auto parts = splitWhenTopLevel(text, "and"); parts.size() > 1) {
+        return parseGroup(WhenGroupOp::conjunction, parts, depth);
+    }
+    if (const auto operand = behindWord(text, "defined")) {
+        return {WhenDefined{std::string(*operand)}};
+    }
+    if (const auto operand = behindWord(text, "completed")) {
+        return {WhenCompleted{std::string(*operand)}};
+    }
+    if (auto comparison = matchComparison(text)) {
+        return {std::move(*comparison)};
+    }
+    return {WhenText{std::string(text)}};
+}
+
+std::string formatOperand(const WhenOperand& operand) {
+    return operand.kind == WhenOperandKind::placeholder ? "{{ " + operand.text + " }}" : operand.text;
+}
+
+/// Calls `visit` for every node, parents first and children in their order. The walk keeps its own stack.
+template <class Visit>
+void walk(const TaskWhenExpr& expr, const Visit& visit) {
+    std::vector<const TaskWhenExpr*> open{&expr};
+    while (!open.empty()) {
+        const TaskWhenExpr& node = *open.back();
+        open.pop_back();
+        visit(node);
+        if (const auto* group = std::get_if<WhenGroup>(&node.node)) {
+            for (auto child = group->children.rbegin(); child != group->children.rend(); ++child) {
+                open.push_back(child->get());
+            }
+        }
+    }
+}
+
+bool isOrGroup(const TaskWhenExpr& expr) noexcept {
+    const auto* group = std::get_if<WhenGroup>(&expr.node);
+    return group != nullptr && group->op == WhenGroupOp::disjunction;
+}
+
+/// Either a node still to be printed or a text between nodes.
+struct PrintStep {
+    const TaskWhenExpr* node = nullptr;
+    std::string_view text;
+};
+
+/// The steps that print a group, the last one first.
+void pushGroup(std::vector<PrintStep>& steps, const WhenGroup& group) {
+    const bool conjunction = group.op == WhenGroupOp::conjunction;
+    for (std::size_t i = group.children.size(); i-- > 0;) {
+        const auto& child = *group.children[i];
+        const bool enclosed = conjunction && isOrGroup(child);
+        if (enclosed) {
+            steps.push_back({nullptr, ")"});
+        }
+        steps.push_back({&child, {}});
+        if (enclosed) {
+            steps.push_back({nullptr, "("});
+        }
+        if (i > 0) {
+            steps.push_back({nullptr, conjunction ? " and " : " or "});
+        }
+    }
+}
+
+std::size_t behindSpace(std::string_view text, std::size_t i) noexcept {
+    while (i < text.size() && isSpace(text[i])) {
+        ++i;
+    }
+    return i;
+}
+
+constexpr std::string_view braces = "{{";
+constexpr std::string_view completedWord = "completed";
+
+/// One place where a task may be named: the name begins somewhere from `first` to `last`, with white space
+/// between the two. Inside braces a `.` has to follow it, behind "completed" white space or the end.
+struct ReferenceSite {
+    std::size_t begin = 0; ///< where the pattern begins
+    std::size_t first = 0;
+    std::size_t last = 0;
+    bool inBraces = false;
+};
+
+/// The next site whose pattern begins at `from` or later. The character before "completed" belongs to the
+/// pattern.
+std::optional<ReferenceSite> nextBraces(std::string_view text, std::size_t from) noexcept {
+    const auto at = text.find(braces, from);
+    if (at == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto first = at + braces.size();
+    return ReferenceSite{at, first, behindSpace(text, first), true};
+}
+
+std::optional<ReferenceSite> nextCompleted(std::string_view text, std::size_t from) noexcept {
+    for (auto at = text.find(completedWord, from); at != std::string_view::npos;
+         at = text.find(completedWord, at + 1)) {
+        const auto end = at + completedWord.size();
+        const bool begins = at == 0 || (at > from && isSpace(text[at - 1]));
+        if (begins && end < text.size() && isSpace(text[end])) {
+            return ReferenceSite{at, end + 1, behindSpace(text, end), false};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<ReferenceSite> nextSite(std::string_view text, std::size_t from, bool inBraces) noexcept {
+    return inBraces ? nextBraces(text, from) : nextCompleted(text, from);
+}
+
+/// Where the pattern ends whose name ends at `nameEnd`; npos when the text behind the name does not fit.
+std::size_t matchBehindName(std::string_view text, std::size_t nameEnd, bool inBraces) noexcept {
+    if (!inBraces) {
+        return nameEnd == text.size() || isSpace(text[nameEnd]) ? nameEnd : std::string_view::npos;
+    }
+    const auto dot = behindSpace(text, nameEnd);
+    return dot < text.size() && text[dot] == '.' ? dot + 1 : std::string_view::npos;
+}
+
+/// Replaces one name at all sites of one pattern:
+/// `\{\{\s*<old>\s*\.` by `{{ <new>.`, or `((^|\s)completed\s+)<old>(?=\s|$)` by `$1<new>`.
+std::string renameOne(std::string_view text, std::string_view oldName, std::string_view newName,
+                      bool inBraces) {
+    std::string result;
+    std::size_t from = 0;
+    std::size_t copied = 0;
+    while (const auto site = nextSite(text, from, inBraces)) {
+        from = site->begin + 1;
+        for (auto at = site->last + 1; at-- > site->first;) {
+            if (!text.substr(at).starts_with(oldName)) {
+                continue;
+            }
+            const auto end = matchBehindName(text, at + oldName.size(), inBraces);
+            if (end == std::string_view::npos) {
+                continue;
+            }
+            if (inBraces) {
+                result.append(text, copied, site->begin - copied).append("{{ ").append(newName) += '.';
+            } else {
+                result.append(text, copied, at - copied).append(newName);
+            }
+            copied = end;
+            from = end;
+            break;
+        }
+    }
+    return result.append(text.substr(copied));
+}
+
+using Rename = ValueMap::const_iterator;
+
+/// Calls `found(rename, nameBegin)` for every key with which the text begins at `at`, longest first. Each
+/// look-up shortens the text to what it has in common with the nearest key, so that no look-up is repeated.
+template <class Found>
+void forEachKeyAt(std::string_view text, std::size_t at, const ValueMap& renames, const Found& found) {
+    auto rest = text.substr(at);
+    for (;;) {
+        auto next = renames.upper_bound(rest);
+        if (next == renames.begin()) {
+            return;
+        }
+        const std::string& key = (--next)->first;
+        const auto common = static_cast<std::size_t>(
+            std::mismatch(key.begin(), key.end(), rest.begin(), rest.end()).first - key.begin());
+        if (common == key.size()) {
+            found(next);
+            if (key.empty()) {
+                return;
+            }
+            rest = rest.substr(0, common - 1);
+        } else {
+            rest = rest.substr(0, common);
+        }
+    }
+}
+
+/// A rename that fits at a site.
+struct ReferenceMatch {
+    ReferenceSite site;
+    std::size_t begin = 0; ///< of the name
+    std::size_t end = 0;   ///< of the pattern
+    Rename rename;
+};
+
+/// Calls `found` for every rename that changes something at a site of the text.
+template <class Found>
+void forEachMatch(std::string_view text, const ValueMap& renames, const Found& found) {
+    for (const bool inBraces : {true, false}) {
+        for (auto site = nextSite(text, 0, inBraces); site;
+             site = nextSite(text, site->begin + 1, inBraces)) {
+            for (auto at = site->first; at <= site->last; ++at) {
+                forEachKeyAt(text, at, renames, [&](Rename rename) {
+                    const auto end = matchBehindName(text, at + rename->first.size(), inBraces);
+                    if (end != std::string_view::npos && rename->first != rename->second) {
+                        found(ReferenceMatch{*site, at, end, rename});
+                    }
+                });
+            }
+        }
+    }
+}
+
+/// A name of one word that cannot make or break a site by itself.
+bool isPlainName(std::string_view name) noexcept {
+    return !name.empty() && name != completedWord &&
+           std::none_of(name.begin(), name.end(), [](char c) { return isSpace(c) || c == '{'; });
+}
+
+/// True when some rename could apply to what another one has put in: its key is the new name, or one of the
+/// two is the part of the other before a dot.
+bool isRenamedAgain(const std::string& name, const ValueMap& renames) {
+    for (auto dot = name.find('.'); dot != std::string::npos; dot = name.find('.', dot + 1)) {
+        if (renames.contains(std::string_view(name).substr(0, dot))) {
+            return true;
+        }
+    }
+    const auto longer = renames.lower_bound(name + ".");
+    return renames.contains(name) || (longer != renames.end() && longer->first.starts_with(name + "."));
+}
+
+/// Many references in one text are renamed in one pass when no rename can reach the place or the result of
+/// another. Nothing when that is not sure.
+std::optional<std::string> renameAllAtOnce(std::string_view text, std::vector<ReferenceMatch> matches,
+                                           const ValueMap& renames) {
+    const bool plain = std::all_of(renames.begin(), renames.end(), [](const auto& rename) {
+        return isPlainName(rename.first) && isPlainName(rename.second);
+    });
+    if (!plain) {
+        return std::nullopt;
+    }
+    std::sort(matches.begin(), matches.end(),
+              [](const auto& a, const auto& b) { return a.site.begin < b.site.begin; });
+    std::string result;
+    std::size_t copied = 0;
+    for (const auto& match : matches) {
+        const auto begin = match.site.inBraces ? match.site.begin : match.begin;
+        if (begin < copied || isRenamedAgain(match.rename->second, renames)) {
+            return std::nullopt;
+        }
+        result.append(text, copied, begin - copied);
+        if (match.site.inBraces) {
+            result.append("{{ ").append(match.rename->second) += '.';
+        } else {
+            result.append(match.rename->second);
+        }
+        copied = match.end;
+    }
+    return result.append(text.substr(copied));
+}
+
+/// From this many references on, one pass over all names pays for itself.
+constexpr std::size_t manyReferences = 64;
+
+} // namespace
+
+TaskWhenExpr parseWhenExpr(std::string_view text) {
+    return parseNode(text, 0);
+}
+
+std::string formatWhenExpr(const TaskWhenExpr& expr) {
+    std::string text;
+    std::vector<PrintStep> steps{{&expr, {}}};
+    while (!steps.empty()) {
+        const auto step = steps.back();
+        steps.pop_back();
+        if (step.node == nullptr) {
+            text += step.text;
+            continue;
+        }
+        std::visit(Match{[&](const WhenDefined& node) { text += "defined " + node.operand; },
+                         [&](const WhenCompleted& node) { text += "completed " + node.operand; },
+                         [&](const WhenComparison& node) {
+                             text += formatOperand(node.left);
+                             text.append(" ").append(compareText(node.op)) += ' ';
+                             text += formatOperand(node.right);
+                         },
+                         [&](const WhenGroup& group) { pushGroup(steps, group); },
+                         [&](const WhenText& node) { text += node.text; }},
+                   step.node->node);
+    }
+    return text;
+}
+
+std::vector<std::string_view> splitWhenTopLevel(std::string_view text, std::string_view keyword) {
+    std::vector<std::string_view> parts;
+    const auto addPart = [&](std::size_t begin, std::size_t end) {
+        const auto part = trim(text.substr(begin, end - begin));
+        if (!part.empty()) {
+            parts.push_back(part);
+        }
+    };
+    std::size_t begin = 0;
+    std::size_t depth = 0;
+    Shelter shelter;
+    for (std::size_t i = 0; i < text.size();) {
+        if (const auto next = passSheltered(text, i, shelter, false); next != i) {
+            i = next;
+            continue;
+        }
+        if (text[i] == '(') {
+            ++depth;
+        } else if (text[i] == ')') {
+            depth -= depth > 0 ? 1 : 0;
+        } else if (depth == 0 && standsAt(text, i, keyword)) {
+            addPart(begin, i);
+            i += keyword.size();
+            begin = i;
+            continue;
+        }
+        ++i;
+    }
+    addPart(begin, text.size());
+    return parts;
+}
+
+std::string rewriteWhenReferences(std::string_view text, const ValueMap& renames) {
+    std::vector<ReferenceMatch> matches;
+    forEachMatch(text, renames, [&](const ReferenceMatch& match) { matches.push_back(match); });
+    if (matches.size() >= manyReferences) {
+        if (auto renamed = renameAllAtOnce(text, matches, renames)) {
+            return std::move(*renamed);
+        }
+    }
+    // Pair by pair, but only those that have something to change; each may give later ones something to do.
+    std::string result(text);
+    std::optional<Rename> last;
+    for (;;) {
+        std::optional<Rename> next;
+        forEachMatch(result, renames, [&](const ReferenceMatch& match) {
+            const auto& key = match.rename->first;
+            if ((!last || (*last)->first < key) && (!next || key < (*next)->first)) {
+                next = match.rename;
+            }
+        });
+        if (!next) {
+            return result;
+        }
+        for (const bool inBraces : {true, false}) {
+            result = renameOne(result, (*next)->first, (*next)->second, inBraces);
+        }
+        last = next;
+    }
+}
+
+bool isWhenPlaceholder(std::string_view text) noexcept {
+    text = trim(text);
+    return text.size() > 3 && text.starts_with("{{") && text.ends_with("}}");
+}
+
+std::string_view whenPlaceholderBody(std::string_view text) noexcept {
+    text = trim(text);
+    return text.size() < 4 ? std::string_view{} : trim(text.substr(2, text.size() - 4));
+}
+
+std::vector<std::string> collectCompletedTargets(const TaskWhenExpr& expr) {
+    std::vector<std::string> targets;
+    walk(expr, [&](const TaskWhenExpr& node) {
+        if (const auto* completed = std::get_if<WhenCompleted>(&node.node)) {
+            const auto target = trim(completed->operand);
+            if (!target.empty()) {
+                targets.emplace_back(target);
+            }
+        }
+    });
+    return targets;
+}
+
+std::vector<std::string> collectPlaceholders(const TaskWhenExpr& expr) {
+    std::vector<std::string> placeholders;
+    walk(expr, [&](const TaskWhenExpr& node) {
+        if (const auto* comparison = std::get_if<WhenComparison>(&node.node)) {
+            for (const auto* side : {&comparison->left, &comparison->right}) {
+                if (side->kind == WhenOperandKind::placeholder) {
+                    placeholders.push_back(side->text);
+                }
+            }
+        }
+    });
+    return placeholders;
+}
+
+bool hasAllOthers(const TaskWhenExpr& expr) {
+    bool found = false;
+    walk(expr, [&](const TaskWhenExpr& node) {
+        const auto* completed = std::get_if<WhenCompleted>(&node.node);
+        found = found || (completed != nullptr && equalsNoCase(trim(completed->operand), "allothers"));
+    });
+    return found;
+}
+
+} // namespace morquill::taskdsl

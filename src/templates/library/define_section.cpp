@@ -1,0 +1,63 @@
+#include "templates/library/define_section.h"
+
+#include "support/text.h"
+
+#include <algorithm>
+
+namespace morquill::templates {
+
+namespace {
+
+/// Characters that make a value look like more than plain text to a reader of YAML.
+constexpr std::string_view quotedCharacters = ":{}[]#,&*!|>'\"%@`";
+
+} // namespace
+
+std::vector<std::string> buildDefineLines(const std::vector<std::string>& names,
+                                          const taskdsl::ValueMap& values) {
+    std::vector<std::string> lines;
+    for (const auto& name : names) {
+        const auto found = values.find(name);
+        const std::string_view value = found == values.end() ? std::string_view{} : found->second;
+        const std::string entry = "  " + name + ": ";
+        if (value.find('\n') != std::string_view::npos) {
+            lines.push_back(entry + "|");
+            for (const auto& line : splitOn(value, '\n')) {
+                lines.push_back("    " + line);
+            }
+        } else if (value.find_first_of(quotedCharacters) != std::string_view::npos) {
+            lines.push_back(entry + '"' + std::string(value) + '"');
+        } else {
+            lines.push_back(entry + std::string(value));
+        }
+    }
+    return lines;
+}
+
+std::string buildDefineSection(const std::vector<std::string>& names, const taskdsl::ValueMap& values) {
+    std::string section = "define:";
+    for (const auto& line : buildDefineLines(names, values)) {
+        section += '\n' + line;
+    }
+    return section;
+}
+
+std::string replaceDefineSection(std::string_view text, std::string_view section) {
+    const auto lines = splitOn(text, '\n');
+    const auto begin =
+        std::find_if(lines.begin(), lines.end(), [](const auto& line) { return trim(line) == "define:"; });
+    if (begin == lines.end()) {
+        return std::string(section) + "\n\n" + std::string(text);
+    }
+    const auto end = std::find_if(begin + 1, lines.end(), [](const auto& line) {
+        const auto content = trim(line);
+        return content.empty() || content.starts_with('$');
+    });
+    std::vector<std::string> result(lines.begin(), begin);
+    result.emplace_back(section);
+    result.emplace_back();
+    result.insert(result.end(), end, lines.end());
+    return join(result, "\n");
+}
+
+} // namespace morquill::templates

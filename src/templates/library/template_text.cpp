@@ -1,0 +1,118 @@
+#include "templates/library/template_text.h"
+
+#include "support/text.h"
+#include "taskdsl/generate/define_block.h"
+#include "taskdsl/base/scan.h"
+
+#include <algorithm>
+#include <array>
+#include <set>
+
+namespace morquill::templates {
+
+namespace {
+
+/// Filled in for every task when it is written out.
+constexpr std::array<std::string_view, 4> taskNames{"inputname", "taskname", "rootname", "originname"};
+
+bool isBuiltIn(std::string_view name) {
+    return std::find(taskNames.begin(), taskNames.end(), name) != taskNames.end() ||
+           taskdsl::isReservedKey(name);
+}
+
+std::string_view headerName(std::string_view line) noexcept {
+    // Most lines are no headers; only those that may be are freed of their comment.
+    return trimLeft(line).starts_with('$') ? taskdsl::taskHeaderName(taskdsl::cleanLine(line))
+                                           : std::string_view{};
+}
+
+/// True for an unindented `autorun:` line, with or without blanks before the colon.
+bool isAutorun(std::string_view line) noexcept {
+    constexpr std::string_view key = "autorun";
+    return line.starts_with(key) && trimLeft(line.substr(key.size())).starts_with(':');
+}
+
+} // namespace
+
+bool takesLine(HeredocState& heredoc, std::string_view line) {
+    if (heredoc.open) {
+        heredoc.open = trim(line) != heredoc.terminator;
+        return true;
+    }
+    if (!trimLeft(line).starts_with('%')) {
+        return false;
+    }
+    const auto directive = taskdsl::cleanLine(line);
+    const auto value = trim(directive.substr(std::min(directive.find(' '), directive.size())));
+    if (value.starts_with("<<")) {
+        const auto word = trim(value.substr(2));
+        heredoc.terminator = word.empty() ? "EOF" : word;
+        heredoc.open = true;
+    }
+    return false;
+}
+
+TemplateParts splitTemplateBlocks(std::string_view text) {
+    TemplateParts parts;
+    std::vector<std::string>* current = &parts.headLines;
+    HeredocState heredoc;
+    for (auto& line : splitOn(text, '\n')) {
+        const bool quoted = current != &parts.headLines && takesLine(heredoc, line);
+        if (const auto name = quoted ? std::string_view{} : headerName(line); !name.empty()) {
+            const auto [block, isNew] = parts.blocks.try_emplace(std::string(name));
+            if (isNew) {
+                parts.blockOrder.push_back(block->first);
+            }
+            current = &block->second;
+            current->clear();
+        }
+        current->push_back(std::move(line));
+    }
+    return parts;
+}
+
+std::vector<std::string> scanPlaceholders(std::string_view text, bool dropBuiltIns) {
+    std::set<std::string_view> names;
+    for (auto open = text.find('['); open != std::string_view::npos;) {
+        const auto close = text.find(']', open + 1);
+        if (close == std::string_view::npos) {
+            break; // no later bracket can be closed either
+        }
+        const auto name = text.substr(open + 1, close - open - 1);
+        if (!name.empty() && !(dropBuiltIns && isBuiltIn(name))) {
+            names.insert(name);
+        }
+        open = text.find('[', close);
+    }
+    return {names.begin(), names.end()};
+}
+
+std::string withAutorun(std::string_view text) {
+    constexpr std::string_view setting = "autorun: true";
+    std::string head;
+    bool seen = false;
+    bool empty = true;
+    while (!text.empty()) {
+        const auto end = text.find('\n');
+        const auto line = text.substr(0, end);
+        if (!headerName(line).empty()) {
+            break;
+        }
+        empty = false;
+        const auto whole = text.substr(0, end == std::string_view::npos ? end : end + 1);
+        if (!isAutorun(line)) {
+            head += whole;
+        } else if (!seen) {
+            seen = true;
+            head += setting;
+            head += whole.substr(line.size());
+        }
+        text.remove_prefix(whole.size());
+    }
+    if (empty) {
+        head = std::string(setting) + (text.empty() ? "\n" : "\n\n");
+    }
+    return head.append(text);
+}
+
+} // namespace morquill::templates

@@ -1,0 +1,185 @@
+#include "app/dispatch.h"
+
+#include "console/console.h"
+#include "frontend_fixtures.h"
+
+#include <csignal>
+#include <stdexcept>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace morquill::app {
+namespace {
+
+using ::testing::StartsWith;
+using testing::throughPipe;
+
+/// What a command line gives: its status and both streams, each for itself.
+struct Outcome {
+    int status = -1;
+    std::string output;
+    std::string error;
+};
+
+Outcome dispatch(std::vector<std::string> arguments) {
+    std::vector<char*> argv;
+    for (auto& argument : arguments) {
+        argv.push_back(argument.data());
+    }
+    argv.push_back(nullptr);
+    Outcome outcome;
+    outcome.output = throughPipe({STDOUT_FILENO}, [&] {
+        outcome.error = throughPipe({STDERR_FILENO}, [&] {
+            outcome.status = dispatchCommand(static_cast<int>(argv.size()) - 1, argv.data());
+        });
+    });
+    return outcome;
+}
+
+std::string topLevelHelp(std::string_view program) {
+    return throughPipe({STDOUT_FILENO}, [&] { printTopLevelHelp(program); });
+}
+
+TEST(Dispatch, WithoutACommandTheHelpIsShown) {
+    struct Row {
+        std::vector<std::string> arguments;
+        int status;
+        std::string error; // behind the tag; empty: nothing at all
+    };
+    const Row rows[] = {
+        {{"mqkit"}, 1, ""},
+        {{"mqkit", "help"}, 0, ""},
+        {{"mqkit", "--HELP"}, 0, ""},
+        {{"mqkit", "-H"}, 0, ""},
+        {{"mqkit", "help", "nothing", "fmt"}, 1, " unknown help topic: nothing\n"},
+        {{"mqkit", "help", ""}, 1, " unknown help topic: \n"},
+        {{"mqkit", "help", "help"}, 1, " unknown help topic: help\n"},
+        {{"mqkit", "-h", "E"}, 1, " ambiguous help topic prefix: E (matches: expand, explain)\n"},
+        {{"mqkit", "E"}, 1, " ambiguous command prefix: E (matches: expand, explain)\n"},
+        {{"mqkit", "exp", "-n"}, 1, " ambiguous command prefix: exp (matches: expand, explain)\n"},
+        {{"mqkit", "Nothing"}, 1, " unknown command or argument: Nothing\n"},
+        {{"mqkit", ""}, 1, " unknown command or argument: \n"},
+        {{"mqkit", "--no-color"}, 1, " unknown command or argument: --no-color\n"},
+        {{"mqkit", "a.mq"}, 1, " unknown command or argument: a.mq\n"},
+    };
+    for (const auto& row : rows) {
+        const auto outcome = dispatch(row.arguments);
+        EXPECT_EQ(outcome.status, row.status) << row.error;
+        EXPECT_EQ(outcome.error, row.error.empty() ? "" : "[mqkit][ERROR]" + row.error);
+        EXPECT_EQ(outcome.output, topLevelHelp("mqkit")) << row.error;
+    }
+}
+
+TEST(Dispatch, AnEmptyArgumentVectorShowsTheHelpOfAProgramWithoutName) {
+    const auto outcome = dispatch({});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, topLevelHelp(""));
+    EXPECT_THAT(outcome.output, StartsWith("  Mqkit: A unified entry point for .mq and .projmq workflows.\n"
+                                           "Usage:\n"
+                                           "  program <command> [options]\n"));
+}
+
+TEST(OlderShapes, AreRecognisedInTheirOrder) {
+    struct Row {
+        std::vector<const char*> arguments;
+        std::string_view shape; // empty: none
+    };
+    const Row rows[] = {
+        // Rename: the option anywhere together with a task file anywhere.
+        {{"a.mq", "-r", "opt", "opt2"}, "rename"},
+        {{"--rename", "old", "new", "demo.projmq"}, "rename"},
+        {{"-u", "-r", "a.mq"}, "rename"},
+        {{"-r", "opt", "opt2"}, ""},
+        {{"a.mq", "--renamed"}, ""},
+        {{"-r", "-a.mq"}, ""},
+        {{"-r", "a.mq/"}, ""},
+        {{"-r", "a.MQ"}, ""},
+        {{"-r", ".mq"}, "rename"},
+        // Update: the first word alone, as written.
+        {{"-b"}, "update"},
+        {{"--batch", "x"}, "update"},
+        {{"-u", "demo.projmq", "-n", "opt"}, "update"},
+        {{"--update"}, "update"},
+        {{"-U"}, ""},
+        {{"x", "-u"}, ""},
+        // Project: an option or a project file anywhere.
+        {{"x", "-n"}, "project"},
+        {{"--name"}, "project"},
+        {{"--exec"}, "project"},
+        {{"--collect"}, "project"},
+        {{"--rebuild"}, "project"},
+        {{"--dry-run"}, "project"},
+        {{"--run-comd"}, "project"},
+        {{"--run-script"}, "project"},
+        {{"--run-runner"}, "project"},
+        {{"a.projmq"}, "project"},
+        {{"x", "a.projmq"}, "project"},
+        {{"-a.projmq"}, ""},
+        {{"a.projmq.bak"}, ""},
+        {{"--name=opt"}, ""},
+        {{"-N"}, ""},
+        {{"a.projmq", "-n", "opt", "--exec", "ls"}, "project"},
+        {{"-l", "-n"}, "project"},
+        // Template: the first word alone.
+        {{"-t"}, "template"},
+        {{"-i"}, "template"},
+        {{"-l"}, "template"},
+        {{"-c"}, "template"},
+        {{"-m", "opt", "freq"}, "template"},
+        {{"-v"}, "template"},
+        {{"--test"}, "template"},
+        {{"--list"}, "template"},
+        {{"--interactive"}, "template"},
+        {{"--category"}, "template"},
+        {{"--merge"}, "template"},
+        {{"--variable"}, "template"},
+        {{"-T"}, ""},
+        {{"x", "-t"}, ""},
+        {{"--categories"}, ""},
+        {{""}, ""},
+        {{}, ""},
+    };
+    for (const auto& row : rows) {
+        const OlderShape* shape = findOlderShape(row.arguments);
+        EXPECT_EQ(shape == nullptr ? "" : shape->name, row.shape) << ::testing::PrintToString(row.arguments);
+        if (shape != nullptr) {
+            EXPECT_NE(shape->run, nullptr);
+        }
+    }
+}
+
+TEST(Dispatch, CommandWordsComeBeforeOlderShapes) {
+    const auto outcome = dispatch({"mqkit", "FM", "a.mq", "-r", "demo.projmq"});
+    EXPECT_EQ(outcome.error.find("rename"), std::string::npos);
+    EXPECT_NE(outcome.error, "");
+}
+
+/// A run of the program with the one argument "mqkit".
+int runAlone(int (*command)(int argc, char** argv)) {
+    char program[] = "mqkit";
+    char* argv[] = {program, nullptr};
+    return runInSession(1, argv, command);
+}
+
+TEST(RunInSession, GivesTheStatusOfTheCommand) {
+    EXPECT_EXIT(std::_Exit(runAlone([](int argc, char**) { return 40 + argc; })),
+                ::testing::ExitedWithCode(41), "^$");
+}
+
+TEST(RunInSession, AnExceptionEndsTheProgramAfterTheSessionWasClosed) {
+    // What was written before shows that the session was closed: an abnormal end drops kept output.
+    const auto throwing = [](int, char**) -> int {
+        writeOut("kept\n");
+        throw std::runtime_error("no command caught this");
+    };
+    EXPECT_EXIT(
+        {
+            ::dup2(STDERR_FILENO, STDOUT_FILENO);
+            (void)runAlone(throwing);
+        },
+        ::testing::KilledBySignal(SIGABRT), "^kept\n(.|\n)*no command caught this");
+}
+
+} // namespace
+} // namespace morquill::app

@@ -1,0 +1,385 @@
+#include "project/rename/rename.h"
+#include "project/rename/rename_files.h"
+
+#include "file_size_limit.h"
+#include "scratch_tree.h"
+
+namespace morquill::project {
+namespace {
+
+using ::testing::ElementsAre;
+
+const RenamedBlock optToNew{"opt", "new"};
+
+class Rename : public ScratchTree {
+  protected:
+    Output rename(std::initializer_list<std::string> words) {
+        Arguments arguments(words);
+        return run("", [&] { return runRename(arguments.argc(), arguments.argv()); });
+    }
+    Output renameOlderShape(std::initializer_list<std::string> words) {
+        Arguments arguments(words);
+        return run("", [&] { return runRenameCompatibility(arguments.argc(), arguments.argv()); });
+    }
+
+    RenameReport report;
+};
+
+TEST(TaskFileSuffix, BelongsToANameThatIsNoOption) {
+    EXPECT_TRUE(hasTaskFileSuffix("a.mq"));
+    EXPECT_TRUE(hasTaskFileSuffix(".mq"));
+    EXPECT_TRUE(hasTaskFileSuffix("dir/a.projmq"));
+    EXPECT_FALSE(hasTaskFileSuffix(""));
+    EXPECT_FALSE(hasTaskFileSuffix("-a.mq"));
+    EXPECT_FALSE(hasTaskFileSuffix("a.mqlib"));
+    EXPECT_FALSE(hasTaskFileSuffix("a.MQ"));
+}
+
+TEST(RenameArguments, AreExactlyThreeAndNotEmpty) {
+    struct Row {
+        std::vector<const char*> words;
+        bool good;
+    };
+    const Row rows[] = {
+        {{"mqkit", "rename", "a.mq", "opt", "new"}, true},
+        {{"mqkit", "rename", "a.mq", "opt", "-h"}, true},
+        {{"mqkit", "rename", "a.mq", "opt"}, false},
+        {{"mqkit", "rename", "a.mq", "opt", "new", "x"}, false},
+        {{"mqkit", "rename", "help", "opt", "new"}, false},
+        {{"mqkit", "rename", "", "opt", "new"}, false},
+        {{"mqkit", "rename", "a.mq", "", "new"}, false},
+        {{"mqkit", "rename", "a.mq", "opt", ""}, false},
+        {{"mqkit", "rename"}, false},
+    };
+    for (const auto& row : rows) {
+        RenameOptions options;
+        EXPECT_EQ(parseRenameArguments(static_cast<int>(row.words.size()), row.words.data(), options),
+                  row.good);
+    }
+}
+
+TEST_F(Rename, OfTheOlderShapeTellsWhatIsWrong) {
+    struct Row {
+        std::vector<const char*> words;
+        const char* error;
+    };
+    const Row rows[] = {
+        {{"mqkit", "a.mq", "-r", "opt"},
+         "[mqkit][ERROR] -r/--rename expects two values: <old_block> <new_block>\n"},
+        {{"mqkit", "a.mq", "--rename"},
+         "[mqkit][ERROR] -r/--rename expects two values: <old_block> <new_block>\n"},
+        {{"mqkit", "a.mq", "-r", "opt", "new", "b.projmq"},
+         "[mqkit][ERROR] specify only one .mq or .projmq file\n"},
+        {{"mqkit", "a.mq", "-r", "opt", "new", "--dry-run"}, "[mqkit][ERROR] unknown argument: --dry-run\n"},
+        {{"mqkit", "-r", "opt", "a.mq"}, "[mqkit][ERROR] specify a .mq or .projmq file\n"},
+        {{"mqkit", "a.mq"}, "[mqkit][ERROR] provide the old and new block names via -r/--rename\n"},
+        {{"mqkit", "a.mq", "-r", "", "new"},
+         "[mqkit][ERROR] provide the old and new block names via -r/--rename\n"},
+        {{"mqkit", "a.mq", "help", "-r"}, ""},
+    };
+    for (const auto& row : rows) {
+        RenameOptions options;
+        const auto output = run("", [&] {
+            return parseRenameCompatibility(static_cast<int>(row.words.size()), row.words.data(), options);
+        });
+        EXPECT_EQ(output.status, 0);
+        EXPECT_EQ(output.err, row.error);
+    }
+    RenameOptions options;
+    const char* good[] = {"mqkit", "--rename", "opt", "-x", "a.projmq"};
+    EXPECT_TRUE(parseRenameCompatibility(5, good, options));
+    EXPECT_EQ(options.file + " " + options.oldName + " " + options.newName, "a.projmq opt -x");
+}
+
+TEST_F(Rename, OfPrefixedFilesTakesTheDeepestFirst) {
+    write("opt_a/opt_b/opt_c.log", "1");
+    write("opt_a/x_opt_", "2");
+    write("opt_d", "3");
+    write("opt", "4");
+    renamePrefixedFiles(root, "opt_", "new_", true, report);
+    EXPECT_THAT(report.errors, ElementsAre());
+    EXPECT_EQ(report.filesRenamed, 4);
+    EXPECT_THAT(tree(), ElementsAre("new_a/", "new_a/new_b/", "new_a/new_b/new_c.log = 1", "new_a/x_opt_ = 2",
+                                    "new_d = 3", "opt = 4"));
+    renamePrefixedFiles(root, "new_", "new_", true, report);
+    renamePrefixedFiles(at("none"), "new_", "x_", true, report);
+    renamePrefixedFiles(at("opt"), "new_", "x_", true, report);
+    EXPECT_EQ(report.filesRenamed, 4);
+}
+
+TEST_F(Rename, OfPrefixedFilesStaysAtTheTopUnlessAskedToGoDown) {
+    write("opt_a/opt_b", "1");
+    renamePrefixedFiles(root, "opt_", "new_", false, report);
+    EXPECT_THAT(tree(), ElementsAre("new_a/", "new_a/opt_b = 1"));
+}
+
+TEST_F(Rename, NeverReplacesWhatStandsAtTheNewName) {
+    write("opt_a", "1");
+    write("new_a", "2");
+    write("opt_b", "3");
+    link("nowhere", "new_b");
+    write("opt_c", "4");
+    renamePrefixedFiles(root, "opt_", "new_", true, report);
+    EXPECT_THAT(report.errors, ElementsAre("target already exists; cannot rename: " + at("new_a"),
+                                           "target already exists; cannot rename: " + at("new_b")));
+    EXPECT_THAT(tree(), ElementsAre("new_a = 2", "new_b -> nowhere", "new_c = 4", "opt_a = 1", "opt_b = 3"));
+}
+
+TEST_F(Rename, TellsTheReasonWhenANameCannotBe) {
+    write("opt_a", "1");
+    renamePrefixedFiles(root, "opt_", std::string(300, 'n'), true, report);
+    EXPECT_THAT(report.errors, ElementsAre("failed to rename: " + at("opt_a") + " -> " +
+                                           at(std::string(300, 'n')) + "a: File name too long"));
+    dir("m1/opt");
+    renameBlockArtifacts(at("m1"), "m1", {"opt", "no/where"}, report);
+    EXPECT_EQ(report.errors.back(), "failed to rename block directory: " + at("m1/opt") + " -> " +
+                                        at("m1/no/where") + ": No such file or directory");
+}
+
+TEST_F(Rename, RewritesOneTextFileOnce) {
+    write("a.txt", "opt_m1 opt_[x] opt opt2 opt opt");
+    write("b.txt", "nothing to do");
+    const std::string binary("opt\0opt", 7);
+    write("c.txt", binary);
+    for (const char* name : {"d.CHK", "e.sqlite3", "f.db-wal", "g.txt-SHM", "h.tar"}) {
+        write(name, "opt");
+    }
+    link("a.txt", "link.txt");
+    for (const char* name : {"a.txt", "link.txt", "a.txt", "b.txt", "c.txt", "d.CHK", "e.sqlite3", "f.db-wal",
+                             "g.txt-SHM", "h.tar"}) {
+        EXPECT_TRUE(rewriteTextFile(at(name), optToNew, "m1", report)) << name;
+    }
+    EXPECT_EQ(report.textFilesUpdated, 1);
+    EXPECT_THAT(report.warnings, ElementsAre());
+    EXPECT_EQ(readTextFile(at("a.txt")), "new_m1 new_[x] new opt2 new opt");
+    EXPECT_EQ(readTextFile(at("c.txt")), binary);
+    EXPECT_EQ(readTextFile(at("d.CHK")), "opt");
+    EXPECT_THAT(report.visitedFiles, ::testing::UnorderedElementsAre(at("a.txt"), at("b.txt"), at("c.txt")));
+}
+
+TEST_F(Rename, WithoutACaseNameLeavesCaseForms) {
+    write("a.txt", "opt_m1 opt_[x] opt");
+    EXPECT_TRUE(rewriteTextFile(at("a.txt"), optToNew, "", report));
+    EXPECT_EQ(readTextFile(at("a.txt")), "opt_m1 new_[x] new");
+}
+
+TEST_F(Rename, SkipsWhatItCannotReadAndKeepsWhatItCannotWrite) {
+    EXPECT_TRUE(rewriteTextFile(at("missing"), optToNew, "", report));
+    EXPECT_THAT(report.warnings, ElementsAre("could not read text file; skipped: " + at("missing")));
+    write("a.txt", "opt " + std::string(200, 'x'));
+    {
+        const FileSizeLimit limit(204);
+        EXPECT_FALSE(rewriteTextFile(at("a.txt"), {"opt", "longer"}, "", report));
+    }
+    EXPECT_THAT(report.errors, ElementsAre("could not write file back: " + at("a.txt")));
+    EXPECT_EQ(readTextFile(at("a.txt")), "opt " + std::string(200, 'x'));
+}
+
+TEST_F(Rename, NeverTakesAFileOfMoreThanTwoGigabytesIntoMemory) {
+    write("big.txt", "opt " + std::string(1 << 16, ' '));
+    write("big.bin", std::string("opt\0", 4));
+    for (const char* name : {"big.txt", "big.bin"}) {
+        std::filesystem::resize_file(at(name), (std::uintmax_t{2} << 30) + 1); // a hole takes no space
+        EXPECT_TRUE(rewriteTextFile(at(name), optToNew, "", report));
+    }
+    EXPECT_THAT(report.warnings, ElementsAre("could not read text file; skipped: " + at("big.txt")));
+}
+
+TEST_F(Rename, FollowsLinksInsideTheTreeOnly) {
+    write("outside.txt", "opt");
+    write("outside/dir/x.txt", "opt");
+    write("project/shared.txt", "opt");
+    write("project/m1/.morq/store/objects/ab", "opt");
+    write("project/m1/inner.txt", "opt");
+    link("../../outside.txt", "project/m1/out.txt");
+    link("../../outside/dir", "project/m1/outdir");
+    link("../shared.txt", "project/m1/shared.txt");
+    link(".morq/store/objects/ab", "project/m1/object");
+    link("inner.txt", "project/m1/a_link");
+    link("nowhere", "project/m1/dangling");
+    report.linkRoot = at("project");
+    rewriteCaseTree(at("project/m1"), optToNew, "m1", report);
+    EXPECT_THAT(report.warnings, ElementsAre());
+    EXPECT_THAT(report.errors, ElementsAre());
+    EXPECT_EQ(report.textFilesUpdated, 2);
+    EXPECT_EQ(readTextFile(at("outside.txt")), "opt");
+    EXPECT_EQ(readTextFile(at("outside/dir/x.txt")), "opt");
+    EXPECT_EQ(readTextFile(at("project/shared.txt")), "new");
+    EXPECT_EQ(readTextFile(at("project/m1/inner.txt")), "new");
+    EXPECT_EQ(readTextFile(at("project/m1/.morq/store/objects/ab")), "opt");
+}
+
+TEST_F(Rename, RemovesEachStaleDatabaseWithItsCompanions) {
+    for (const char* name :
+         {".morq/cache/project.db", ".morq/cache/project.db-wal", ".morq/cache/project.db-shm",
+          ".morq/cache/other.db", "Results/DB/project.db-shm"}) {
+        write(name, "");
+    }
+    invalidateDatabases(root, "case(m1)", report);
+    EXPECT_EQ(report.databasesInvalidated, 2);
+    EXPECT_THAT(tree(),
+                ElementsAre(".morq/", ".morq/cache/", ".morq/cache/other.db = ", "Results/", "Results/DB/"));
+    invalidateDatabases(root, "case(m1)", report);
+    invalidateDatabases(at("none"), "case(m1)", report);
+    EXPECT_EQ(report.databasesInvalidated, 2);
+    EXPECT_THAT(report.warnings, ElementsAre());
+    dir(".morq/cache/project.db");
+    dir("Results/DB/project.db-wal");
+    invalidateDatabases(root, "project(p)", report);
+    EXPECT_THAT(report.warnings,
+                ElementsAre("project(p) cache DB failed to remove stale database: Is a directory",
+                            "project(p) legacy DB failed to remove stale database: Is a directory"));
+}
+
+TEST_F(Rename, RefusesBeforeAnythingIsTouched) {
+    write("a.mq", "$opt\n%program orca\n$freq\n");
+    write("bad.mq", "$opt\n%nonsense\n");
+    dir("opt");
+    const auto before = tree();
+    struct Row {
+        std::string file;
+        std::string oldName;
+        std::string newName;
+        std::string error;
+    };
+    const Row rows[] = {
+        {"none.mq", "opt", "new", "[mqkit][ERROR] file does not exist: " + at("none.mq") + "\n"},
+        {"opt", "opt", "new", "[mqkit][ERROR] file does not exist: " + at("opt") + "\n"},
+        {"a.mq", "opt", "opt", "[mqkit][ERROR] old and new block names are identical; nothing to rename\n"},
+        {"a.mq", "soc", "new",
+         "[mqkit][ERROR] block not found in task file: $soc\n[mqkit] available blocks: opt, freq\n"},
+        {"a.mq", "opt", "freq", "[mqkit][ERROR] target block already exists: $freq\n"},
+        {"bad.mq", "opt", "new",
+         "[mqkit][ERROR] " + at("bad.mq") +
+             ":2:1-2:10: error: task 'opt' contains unknown directive '%nonsense'\n"},
+    };
+    for (const auto& row : rows) {
+        const auto output = rename({"mqkit", "rename", row.file, row.oldName, row.newName});
+        EXPECT_EQ(output.status, 1);
+        EXPECT_EQ(output.out, "");
+        EXPECT_EQ(output.err, row.error);
+        EXPECT_EQ(tree(), before);
+    }
+}
+
+TEST_F(Rename, OfACaseTouchesThatCaseAlone) {
+    write("p.projmq", "$opt\n");
+    write("m1/m1.mq", "$opt\n%program orca\n$freq\n%source opt\n");
+    write("m1/mq.status", "opt RENDERED t -\nfreq RENDERED t -\n");
+    write("m1/opt/opt_m1.log", "opt_m1 done\n");
+    write("m2/m2.mq", "$opt\n");
+    write("m2/opt/comd", "opt");
+    const auto output = rename({"mqkit", "rename", "m1/m1.mq", "opt", "new"});
+    EXPECT_EQ(output.err, "");
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.out, "[mqkit] rename finished: $opt -> $new\n"
+                          "  cases processed: 1\n"
+                          "  directories renamed: 1\n"
+                          "  files renamed: 1\n"
+                          "  text files updated: 3\n"
+                          "  databases invalidated: 0\n");
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m1/m1.mq = $new\n%program orca\n$freq\n%source new\n",
+                                    "m1/mq.status = new RENDERED t -\nfreq RENDERED t -\n", "m1/new/",
+                                    "m1/new/new_m1.log = new_m1 done\n", "m2/", "m2/m2.mq = $opt\n",
+                                    "m2/opt/", "m2/opt/comd = opt", "p.projmq = $opt\n"));
+}
+
+TEST_F(Rename, KeepsBothDirectoriesWhenTheNewOneIsThere) {
+    write("m1/m1.mq", "$opt\n");
+    write("m1/opt/opt_x", "1");
+    write("m1/new/opt_y", "2");
+    const auto output = renameOlderShape({"mqkit", "m1/m1.mq", "-r", "opt", "new"});
+    EXPECT_EQ(output.status, 1);
+    EXPECT_EQ(output.out, "[mqkit] rename finished: $opt -> $new\n"
+                          "  cases processed: 1\n"
+                          "  directories renamed: 0\n"
+                          "  files renamed: 1\n"
+                          "  text files updated: 1\n"
+                          "  databases invalidated: 0\n");
+    EXPECT_EQ(output.err,
+              "\n[mqkit][ERROR] errors:\n  - target block directory already exists: " + at("m1/new") + "\n");
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m1/m1.mq = $new\n", "m1/new/", "m1/new/new_y = 2", "m1/opt/",
+                                    "m1/opt/opt_x = 1"));
+}
+
+TEST_F(Rename, OfATaskFileThatLinksToATaskFileStaysInTheGivenCase) {
+    write("store/shared.mq", "$opt\n");
+    link("../store/shared.mq", "m1/m1.mq");
+    dir("m1/opt");
+    const auto output = rename({"mqkit", "rename", "m1/m1.mq", "opt", "new"});
+    EXPECT_EQ(output.status, 0) << output.err;
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m1/m1.mq -> ../store/shared.mq", "m1/new/", "store/",
+                                    "store/shared.mq = $new\n"));
+}
+
+TEST_F(Rename, OfALinkToATemplateElsewhereTakesItsOwnCaseAlong) {
+    write("p/demo.projmq", "$opt\n");
+    link("../demo.projmq", "p/m1/m1.mq");
+    dir("p/m1/opt");
+    link("../p/demo.projmq", "other/o.mq");
+    dir("other/opt");
+    const auto output = rename({"mqkit", "rename", "other/o.mq", "opt", "new"});
+    EXPECT_EQ(output.status, 0) << output.err;
+    EXPECT_THAT(tree(),
+                ElementsAre("other/", "other/new/", "other/o.mq -> ../p/demo.projmq", "p/",
+                            "p/demo.projmq = $new\n", "p/m1/", "p/m1/m1.mq -> ../demo.projmq", "p/m1/new/"));
+}
+
+TEST_F(Rename, UsesTheNamesAsWrittenBeforeMatrixExpansion) {
+    write("a.mq", "matrix:\n  m: [x, y]\n\n$opt_[m]\n%program orca\n");
+    const auto output = rename({"mqkit", "rename", "a.mq", "opt_x", "new"});
+    EXPECT_EQ(output.err,
+              "[mqkit][ERROR] block not found in task file: $opt_x\n[mqkit] available blocks: opt_[m]\n");
+    EXPECT_EQ(rename({"mqkit", "rename", "a.mq", "opt_[m]", "new_[m]"}).status, 0);
+    EXPECT_EQ(readTextFile(at("a.mq")), "matrix:\n  m: [x, y]\n\n$new_[m]\n%program orca\n");
+}
+
+TEST_F(Rename, StopsWhenTheTemplateCannotBeWritten) {
+    write("p.projmq", "$opt\n" + std::string(300, '#'));
+    write("m1/m1.mq", "$opt\n");
+    dir("m1/opt");
+    const auto before = tree();
+    Output output;
+    {
+        const FileSizeLimit limit(305); // room for the old text and for the message, not for the new text
+        output = rename({"mqkit", "rename", "p.projmq", "opt", "a_longer_name"});
+    }
+    EXPECT_EQ(output.status, 1);
+    EXPECT_EQ(output.out, "");
+    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to update project template: " + at("p.projmq") + "\n");
+    EXPECT_EQ(tree(), before);
+}
+
+TEST_F(Rename, PrintsItsHelpWhenTheArgumentsDoNotFit) {
+    const auto wrong = rename({"/usr/bin/mqkit", "rename"});
+    EXPECT_EQ(wrong.status, 1);
+    EXPECT_EQ(
+        wrong.out,
+        "Usage:\n"
+        "  mqkit rename <task.mq|task.projmq> <old_block> <new_block>\n"
+        "      -- Renames one task block and updates derived artifacts that depend on that name.\n"
+        "      -- For .mq: updates the current case, mq.status, task directories, file prefixes, and related "
+        ".morq metadata and Results artifacts.\n"
+        "      -- For .projmq: updates the project template plus matching task directories and derived "
+        "artifacts across all cases.\n"
+        "      -- If the input .mq is actually a symlink to a .projmq, it is handled automatically in "
+        "project "
+        "mode.\n"
+        "      -- Existing derived SQLite databases are removed so that mqdb can rebuild them from renamed "
+        "records on the next sync/rebuild.\n"
+        "Examples:\n"
+        "  mqkit rename caseA.mq opt opt2\n"
+        "  mqkit rename demo.projmq old_block new_block\n"
+        "Compatibility forms:\n"
+        "  mqkit caseA.mq -r opt opt2\n"
+        "      Equivalent to: mqkit rename caseA.mq opt opt2\n"
+        "  mqkit demo.projmq --rename old_block new_block\n"
+        "      Equivalent to: mqkit rename demo.projmq old_block new_block\n");
+    const auto help = renameOlderShape({"mqkit", "a.mq", "-r", "opt", "new", "-x", "--help"});
+    EXPECT_EQ(help.status, 0); // a help token anywhere
+    EXPECT_EQ(help.err, "[mqkit][ERROR] unknown argument: -x\n");
+    EXPECT_EQ(help.out, wrong.out);
+}
+
+} // namespace
+} // namespace morquill::project

@@ -1,0 +1,164 @@
+#include "project/status/status_scope.h"
+
+#include "file_size_limit.h"
+#include "scratch_tree.h"
+
+#include <csignal>
+#include <stdexcept>
+
+#include <sys/stat.h>
+
+namespace morquill::project {
+namespace {
+
+using ::testing::ElementsAre;
+
+const std::string header = "# TASK            STATUS           UPDATED_AT              REASON\n";
+const std::string optRow = "opt             RENDERED         -                       -\n";
+const std::string socRow = "soc             RENDERED         -                       -\n";
+
+class StatusScope : public ScratchTree {
+  protected:
+    Output scope(const std::vector<std::string>& cases, const std::vector<std::string>& selected,
+                 bool dryRun = false) {
+        std::vector<std::string> dirs;
+        for (const auto& name : cases) {
+            dirs.push_back(at(name));
+        }
+        return run("", [&] { return scopeStatusFiles(dirs, selected, dryRun, backups, summary); });
+    }
+    Output restore() {
+        return run("", [&] { return restoreStatusFiles(backups); });
+    }
+
+    std::vector<StatusBackup> backups;
+    UpdateSummary summary;
+};
+
+TEST_F(StatusScope, LeavesOnlySelectedCompletedTasksAndPutsEveryByteBack) {
+    write("m1/mq.status", "opt\nfreq RENDERED t r\nsoc rendered\r\nother FAILED");
+    write("m2/mq.status", "freq RENDERED\n");
+    dir("m3");
+    const auto before = tree();
+    const auto scoped = scope({"m1", "m2", "m3"}, {"soc", "none", "opt"});
+    EXPECT_EQ(scoped.status, 1);
+    EXPECT_EQ(scoped.out,
+              "[mqkit] m1 : scoped mq.status to selected completed task(s): $soc, $opt\n"
+              "[mqkit] m2 : temporarily hid mq.status because no selected task is marked completed\n");
+    EXPECT_EQ(scoped.err, "");
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m1/mq.status = " + header + socRow + optRow, "m2/", "m3/"));
+    EXPECT_EQ(summary.cases, 3);
+    EXPECT_EQ(summary.statusScoped, 1);
+    EXPECT_EQ(summary.statusHidden, 1);
+    EXPECT_EQ(summary.selectedCompletedRecords, 2);
+
+    write("m3/mq.status", "made in the meantime");
+    const auto restored = restore();
+    EXPECT_EQ(restored.status, 1);
+    EXPECT_EQ(restored.out + restored.err, "");
+    EXPECT_EQ(tree(), before);
+}
+
+TEST_F(StatusScope, ADryRunOnlyTells) {
+    write("m1/mq.status", "opt\n");
+    write("m2/mq.status", "freq\n");
+    dir("m3");
+    const auto before = tree();
+    const auto told = scope({"m1", "m2", "m3"}, {"opt"}, true);
+    EXPECT_EQ(told.status, 1);
+    EXPECT_EQ(told.out, "[mqkit][DRY-RUN] m1 : would scope mq.status to selected completed task(s): $opt\n"
+                        "[mqkit][DRY-RUN] m2 : would temporarily hide mq.status because no selected task is "
+                        "marked completed\n");
+    EXPECT_EQ(tree(), before);
+    EXPECT_EQ(summary.statusScoped, 1);
+    EXPECT_EQ(summary.statusHidden, 1);
+}
+
+TEST_F(StatusScope, AHiddenFileComesBackAsTheLinkAndWithTheModeItHad) {
+    write("shared.status", "freq\n");
+    link("../shared.status", "m1/mq.status");
+    write("m2/mq.status", "freq\n");
+    ASSERT_EQ(::chmod(at("m2/mq.status").c_str(), 0640), 0);
+    const auto before = tree();
+    EXPECT_EQ(scope({"m1", "m2"}, {"opt"}).status, 1);
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m2/", "shared.status = freq\n"));
+    EXPECT_EQ(restore().status, 1);
+    EXPECT_EQ(tree(), before);
+    struct stat info {};
+    ASSERT_EQ(::stat(at("m2/mq.status").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777U, 0640U);
+}
+
+TEST_F(StatusScope, AnUnreadableFileStopsIt) {
+    write("m1/mq.status", "opt\n");
+    link("/proc/self/mem", "m2/mq.status"); // a regular file without a readable first byte
+    const auto output = scope({"m1", "m2", "m3"}, {"opt"});
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to read mq.status: " + at("m2/mq.status") + "\n");
+    EXPECT_EQ(backups.size(), 1U);
+    EXPECT_EQ(restore().status, 1);
+    EXPECT_EQ(readTextFile(at("m1/mq.status")), "opt\n");
+}
+
+TEST_F(StatusScope, ADirectoryOfThatNameIsNoStatusFile) {
+    dir("m1/mq.status");
+    EXPECT_EQ(scope({"m1"}, {"opt"}).out, "");
+    EXPECT_EQ(restore().status, 1);
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m1/mq.status/"));
+}
+
+TEST_F(StatusScope, AFullDiskStopsItAndTheOldTextComesBack) {
+    write("m1/mq.status", "opt\n");
+    const auto output = run("", [&] {
+        const FileSizeLimit limit(80); // enough for the message, which goes to a file here
+        return scopeStatusFiles({at("m1")}, {"opt"}, false, backups, summary);
+    });
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to prepare mq.status for comd-only update: m1\n");
+    EXPECT_EQ(restore().status, 1);
+    EXPECT_EQ(readTextFile(at("m1/mq.status")), "opt\n");
+}
+
+TEST_F(StatusScope, EveryFailedRestoreIsReportedAndStopsNone) {
+    write("m1/mq.status", "freq\n");
+    write("m2/mq.status", "freq\n");
+    write("m3/mq.status", "freq\n");
+    ASSERT_EQ(scope({"m1", "m2", "m3"}, {"opt"}).status, 1);
+    std::filesystem::remove_all(at("m1"));
+    dir("m3/mq.status");
+    const auto output = restore();
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to restore mq.status: " + at("m3/mq.status") +
+                              "\n[mqkit][ERROR] failed to restore mq.status: " + at("m1/mq.status") + "\n");
+    EXPECT_EQ(readTextFile(at("m2/mq.status")), "freq\n");
+}
+
+TEST_F(StatusScope, TheGuardRestoresOnceAndAlsoWhenAnExceptionPasses) {
+    write("m1/mq.status", "freq\n");
+    const auto narrowed = [&](StatusRestorer& restorer) {
+        return scopeStatusFiles({at("m1")}, {"opt"}, false, restorer.backups(), summary) &&
+               !readTextFile(at("m1/mq.status"));
+    };
+    const auto output = run("", [&] {
+        try {
+            StatusRestorer restorer;
+            EXPECT_TRUE(narrowed(restorer));
+            throw std::runtime_error("child");
+        } catch (const std::runtime_error&) {
+            return readTextFile(at("m1/mq.status")) == "freq\n";
+        }
+    });
+    EXPECT_EQ(output.status, 1);
+    const auto twice = run("", [&] {
+        StatusRestorer restorer;
+        EXPECT_TRUE(narrowed(restorer));
+        EXPECT_TRUE(restorer.restore());
+        write("m1/mq.status", "later\n");
+        return restorer.restore();
+    });
+    EXPECT_EQ(twice.status, 1);
+    EXPECT_EQ(readTextFile(at("m1/mq.status")), "later\n");
+}
+
+} // namespace
+} // namespace morquill::project

@@ -1,0 +1,90 @@
+#include "support/paths.h"
+
+#include "scratch_tree.h"
+
+namespace morquill::project {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Paths : public ScratchTree {};
+
+TEST_F(Paths, AbsoluteIsNormalAndHasNoTrailingSlash) {
+    enter("a");
+    EXPECT_EQ(absolutePath(""), at("a"));
+    EXPECT_EQ(absolutePath("."), at("a"));
+    EXPECT_EQ(absolutePath("./x//y/../z/"), at("a/x/z"));
+    EXPECT_EQ(absolutePath(".."), root);
+    EXPECT_EQ(absolutePath("/"), "/");
+    EXPECT_EQ(absolutePath("/../.."), "/");
+    EXPECT_EQ(absolutePath("a b/\xff\n"), at("a/a b/\xff\n"));
+    EXPECT_EQ(absolutePath("-n"), at("a/-n"));
+}
+
+TEST_F(Paths, LinksStayAsTheyAreWritten) {
+    dir("real");
+    link("real", "link");
+    EXPECT_EQ(absolutePath("link/x"), at("link/x"));
+}
+
+TEST_F(Paths, AVanishedCurrentDirectoryIsNoFault) {
+    enter("gone");
+    std::filesystem::remove(at("gone"));
+    EXPECT_EQ(absolutePath(""), ".");
+    EXPECT_EQ(absolutePath("x/"), "x");
+    EXPECT_EQ(absolutePath("/y"), "/y");
+}
+
+TEST(PathText, TakesPathsApart) {
+    EXPECT_EQ(joinPath("/a", "b"), "/a/b");
+    EXPECT_EQ(joinPath("/", "b"), "/b");
+    EXPECT_EQ(joinPath("/a", "/etc"), "/a/etc");
+    EXPECT_EQ(joinPath("/a", "//"), "/a/");
+    EXPECT_EQ(baseName("/a/b.c"), "b.c");
+    EXPECT_EQ(baseName("b"), "b");
+    EXPECT_EQ(baseName("/"), "");
+    EXPECT_EQ(parentPath("/a/b"), "/a");
+    EXPECT_EQ(parentPath("/a"), "/");
+    EXPECT_EQ(parentPath("/"), "/");
+    EXPECT_EQ(parentPath("a"), "");
+}
+
+TEST(PathText, ExtensionAndStem) {
+    const struct {
+        std::string name;
+        std::string extension;
+        std::string stem;
+    } rows[] = {
+        {"a.mq", ".mq", "a"}, {"a.b.mq", ".mq", "a.b"},
+        {".mq", "", ".mq"},   {"..mq", ".mq", "."},
+        {"a.", ".", "a"},     {"a", "", "a"},
+        {"..", "", ".."},     {".", "", "."},
+        {"x.y/a", "", "a"},   {"/p/b.XYZ", ".XYZ", "b"},
+        {"", "", ""},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(extensionOf(row.name), row.extension) << row.name;
+        EXPECT_EQ(stemOf(row.name), row.stem) << row.name;
+        EXPECT_EQ(std::filesystem::path(row.name).extension().string(), row.extension) << row.name;
+        EXPECT_EQ(std::filesystem::path(row.name).stem().string(), row.stem) << row.name;
+    }
+}
+
+TEST_F(Paths, EntriesAreMatchedByAShellPattern) {
+    for (const char* name : {"b.mq", "a.mq", ".mq", ".hidden", "[x]", "a b\n"}) {
+        write(name);
+    }
+    EXPECT_THAT(listDirectoryEntries(root, "*"),
+                ElementsAre(".hidden", ".mq", "[x]", "a b\n", "a.mq", "b.mq"));
+    EXPECT_THAT(listDirectoryEntries(root, "*.mq"), ElementsAre(".mq", "a.mq", "b.mq"));
+    EXPECT_THAT(listDirectoryEntries(root, "?.mq"), ElementsAre("a.mq", "b.mq"));
+    EXPECT_THAT(listDirectoryEntries(root, "[!a]*.mq"), ElementsAre("b.mq"));
+    EXPECT_THAT(listDirectoryEntries(root, "\\[x\\]"), ElementsAre("[x]"));
+    EXPECT_THAT(listDirectoryEntries(root, "x/*"), IsEmpty());
+    EXPECT_THAT(listDirectoryEntries(at("missing"), "*"), IsEmpty());
+    EXPECT_THAT(listDirectoryEntries(at("a.mq"), "*"), IsEmpty());
+}
+
+} // namespace
+} // namespace morquill::project

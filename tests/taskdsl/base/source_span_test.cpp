@@ -1,0 +1,37 @@
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/source_span.h"
+
+#include <gtest/gtest.h>
+
+namespace morquill::taskdsl {
+namespace {
+
+TEST(SourceSpan, PrintsTheEndOnlyWhenItDiffers) {
+    EXPECT_EQ(formatSpan({"a.mq", 3, 5, 3, 9}), "a.mq:3:5-3:9");
+    EXPECT_EQ(formatSpan({"a.mq", 3, 5, 3, 5}), "a.mq:3:5");
+    EXPECT_EQ(formatSpan({"", 3, 5, 4, 5}), "3:5-4:5");
+}
+
+TEST(SourceSpan, WithoutAPlacePrintsThePathAlone) {
+    EXPECT_EQ(formatSpan({"a.mq", 0, 1, 1, 1}), "a.mq");
+    EXPECT_EQ(formatSpan({"a.mq", 2, 1, 1, 1}), "a.mq");
+    EXPECT_EQ(formatSpan({"a.mq", 1, 1, 1, 0}), "a.mq");
+    EXPECT_EQ(formatSpan({}), "<unknown>");
+}
+
+TEST(SourceSpan, OfALineStartsBehindBlanksAndTabs) {
+    EXPECT_EQ(spanOfLine("a.mq", 7, " \t%x y"), (SourceSpan{"a.mq", 7, 3, 7, 7}));
+    EXPECT_EQ(spanOfLine("a.mq", 7, ""), (SourceSpan{"a.mq", 7, 1, 7, 1}));
+    EXPECT_EQ(spanOfLine("a.mq", 7, "  "), (SourceSpan{"a.mq", 7, 3, 7, 3}));
+}
+
+TEST(Diagnostic, CarriesItsPartsAndTheWholeMessage) {
+    const DiagnosticError placed({"a.mq", 1, 2, 1, 4}, "bad");
+    EXPECT_STREQ(placed.what(), "a.mq:1:2-1:4: error: bad");
+    EXPECT_EQ(placed.message(), "bad");
+    const DiagnosticError bare(SourceSpan{"a.mq", 0, 0, 0, 0}, "bad");
+    EXPECT_STREQ(bare.what(), "bad");
+}
+
+} // namespace
+} // namespace morquill::taskdsl

@@ -1,0 +1,31 @@
+#include "taskdsl/base/substitute.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace morquill::taskdsl {
+namespace {
+
+TEST(SubstituteBrackets, ReplacesKnownKeysAndKeepsTheRest) {
+    const ValueMap values{{"a", "1"}, {"b.c-d_2", "two"}, {"x", ""}};
+    EXPECT_EQ(substituteBrackets("[a][b.c-d_2] [x]!", values), "1two !");
+    EXPECT_EQ(substituteBrackets("[unknown] [A] [a b] [] [a", values), "[unknown] [A] [a b] [] [a");
+    EXPECT_EQ(substituteBrackets("[[a]]", values), "[1]");
+    EXPECT_EQ(substituteBrackets("[a[a]", values), "[a1");
+}
+
+TEST(SubstituteBrackets, DoesNotScanItsOwnResult) {
+    EXPECT_EQ(substituteBrackets("[a]", {{"a", "[b]"}, {"b", "x"}}), "[b]");
+    EXPECT_EQ(substituteBrackets("[[a]]", {{"a", "b"}, {"b", "x"}}), "[b]");
+}
+
+TEST(SubstituteBrackets, MegabytesOfOpenBracketsAndNamesStayLinear) {
+    const std::string brackets(2'000'000, '[');
+    EXPECT_EQ(substituteBrackets(brackets, {{"a", "1"}}), brackets);
+    const std::string name = "[" + std::string(2'000'000, 'a');
+    EXPECT_EQ(substituteBrackets(name, {{"a", "1"}}), name);
+}
+
+} // namespace
+} // namespace morquill::taskdsl

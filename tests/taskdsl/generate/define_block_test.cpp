@@ -1,0 +1,77 @@
+#include "taskdsl/generate/define_block.h"
+
+#include "test_lines.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace morquill::taskdsl {
+namespace {
+
+TEST(DefineBlock, ReadsIndentedPairsUpToTheNextSection) {
+    const auto lines = splitLines("define:\n"
+                                  "  a: 1 # one\n"
+                                  "\n"
+                                  "# a comment at the margin\n"
+                                  "    b : \"two # 2\"\n"
+                                  "  c:\n"
+                                  "  no colon\n"
+                                  "  : no key\n"
+                                  "  a: 3:4\n"
+                                  " d: one blank\n");
+    std::size_t next = 0;
+    EXPECT_EQ(parseDefineBlock(lines, 1, next), (ValueMap{{"a", "3:4"}, {"b", "two # 2"}, {"c", ""}}));
+    EXPECT_EQ(next, 9U);
+}
+
+TEST(DefineBlock, EndsAtATaskHeaderATabAndTheEnd) {
+    std::size_t next = 0;
+    EXPECT_EQ(parseDefineBlock(splitLines("  a: 1\n  $x: 2\n"), 0, next), (ValueMap{{"a", "1"}}));
+    EXPECT_EQ(next, 1U);
+    EXPECT_EQ(parseDefineBlock(splitLines("\t\ta: 1\n"), 0, next), ValueMap{});
+    EXPECT_EQ(next, 0U);
+    EXPECT_EQ(parseDefineBlock(splitLines("  a: 1\n"), 0, next), (ValueMap{{"a", "1"}}));
+    EXPECT_EQ(next, 1U);
+    EXPECT_EQ(parseDefineBlock({}, 0, next), ValueMap{});
+}
+
+TEST(DefineBlock, ReadsWhatTheWriterQuotes) {
+    std::size_t next = 0;
+    EXPECT_EQ(parseDefineBlock(splitLines(R"(  a: "x\t\"y\"\n\\")"), 0, next),
+              (ValueMap{{"a", "x\t\"y\"\n\\"}}));
+}
+
+TEST(ReservedKeys, AreTheNamesThemselvesAndWithDotsOrDigits) {
+    for (const char* name : {"geom", "xyz_file", "charge", "spin", "uhf", "source", "atom_count"}) {
+        const std::string key = name;
+        EXPECT_TRUE(isReservedKey(key)) << key;
+        EXPECT_TRUE(isReservedKey(key + ".x")) << key;
+        EXPECT_TRUE(isReservedKey(key + ".")) << key;
+        EXPECT_TRUE(isReservedKey(key + "12")) << key;
+        EXPECT_FALSE(isReservedKey(key + "1x")) << key;
+        EXPECT_FALSE(isReservedKey(key + "_x")) << key;
+        EXPECT_FALSE(isReservedKey("x" + key)) << key;
+    }
+    EXPECT_FALSE(isReservedKey("Charge"));
+    EXPECT_FALSE(isReservedKey(""));
+}
+
+TEST(MergeDefines, OverridesOrKeeps) {
+    TaskDocument document;
+    mergeDefines(document, {{"a", "1"}, {"b", "2"}}, true);
+    mergeDefines(document, {{"b", "3"}, {"c", "4"}}, false);
+    EXPECT_EQ(document.defines, (ValueMap{{"a", "1"}, {"b", "2"}, {"c", "4"}}));
+    mergeDefines(document, {{"b", "5"}}, true);
+    EXPECT_EQ(document.defines, (ValueMap{{"a", "1"}, {"b", "5"}, {"c", "4"}}));
+}
+
+TEST(MergeDefines, RefusesReservedKeys) {
+    TaskDocument document;
+    EXPECT_EQ(messageOf([&] {
+                  mergeDefines(document, {{"charge2", "1"}}, false);
+              }),
+              "define key 'charge2' is reserved for runtime %source placeholders");
+}
+
+} // namespace
+} // namespace morquill::taskdsl

@@ -1,0 +1,284 @@
+#include "parse_text.h"
+#include "taskdsl/parser/block_capture.h"
+#include "taskdsl/task/directive_reader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace morquill::taskdsl {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(Heredoc, TakesRawLinesUpToItsTerminator) {
+    EXPECT_EQ(firstTask("$a\n%keywords << END\n b3lyp # kept\n$x\n\n%y\n  END  \n%runner r\n").keywords,
+              "b3lyp # kept\n$x\n\n%y");
+    EXPECT_EQ(firstTask("$a\n%body <<\nx\nEOF\n").body, "x");
+    EXPECT_EQ(firstTask("$a\n%body << E # note\nx\nE\n").body, "x");
+    EXPECT_EQ(firstTask("$a\n%body << E\nE\n").body, "");
+}
+
+TEST(Heredoc, AMissingTerminatorIsToldBeforeTasksAreRead) {
+    EXPECT_EQ(faultOf("$a\n%keywords << END\nx\n"), "t.mq:2: heredoc is missing terminator 'END'");
+    EXPECT_EQ(faultOf("$a\n%body <<\nx\n$b\n"), "t.mq:2: heredoc is missing terminator 'EOF'");
+}
+
+TEST(Heredoc, OnLinesThatNoExpansionSawAMissingTerminatorIsAFaultOfKeywordsAndAWarningElsewhere) {
+    const std::vector<SourceLine> lines{{"%body <<", "t.mq", 1}, {"x", "t.mq", 2}, {"$b", "t.mq", 3}};
+    TaskInfo task("a");
+    std::vector<std::string> warnings;
+    const WarningSink sink = [&warnings](const std::string& warning) { warnings.push_back(warning); };
+    const auto read = [&](std::string_view keyword, std::string_view value) {
+        DirectiveReader reader(task, lines, 0, value, sink, false);
+        findDirective(keyword)->handler(reader);
+    };
+    read("body", "<<");
+    EXPECT_EQ(task.body, "x\n$b");
+    read("extrainput", "<< X");
+    EXPECT_EQ(task.extraKeywords, "x\n$b");
+    EXPECT_THAT(warnings, ElementsAre("task 'a' heredoc %body block is missing terminator 'EOF'.",
+                                      "task 'a' heredoc %extrainput block is missing terminator 'X'."));
+    try {
+        read("keywords", "<< END");
+        FAIL();
+    } catch (const DiagnosticError& error) {
+        EXPECT_STREQ(error.what(), "task 'a' heredoc %keywords block is missing terminator 'END'.");
+    }
+}
+
+TEST(Keywords, TheLastOneCounts) {
+    EXPECT_EQ(firstTask("$a\n%keywords x\n%keywords y\n").keywords, "y");
+    EXPECT_EQ(firstTask("$a\n%keywords \"a \\\"b\\\" # c\" # d\n").keywords, "a \"b\" # c");
+}
+
+TEST(Keywords, AHashBehindAnOddQuoteIsAComment) {
+    EXPECT_EQ(firstTask("$a\n%keywords it's # c\n").keywords, "it's");
+}
+
+TEST(Body, IsInlineOrIndentedTextAndTheLastOneCounts) {
+    EXPECT_EQ(firstTask("$a\n%body x\n%body \"a b\"\n").body, "\"a b\"");
+    EXPECT_EQ(firstTask("$a\n%body\n  one # kept\n\n    two\n\n%runner r\n").body,
+              "  one # kept\n\n    two\n");
+    EXPECT_EQ(firstTask("$a\n%body\n  $\n  @endx\n$b\n").body, "  $\n  @endx");
+}
+
+TEST(Body, AnEmptyBlockIsAFault) {
+    EXPECT_EQ(
+        faultOf("$a\n%body\n%runner x\n"),
+        "task 'a' has empty %body; use inline content, an indented text/include block, or heredoc syntax: "
+        "'%body << EOF'.");
+    EXPECT_EQ(
+        faultOf("$a\n%extrainput\n"),
+        "task 'a' has empty %extrainput; use inline content, an indented text/include block, or heredoc "
+        "syntax: '%extrainput << EOF'.");
+}
+
+TEST(ExtraInput, Accumulates) {
+    EXPECT_EQ(
+        firstTask("$a\n%extrainput one\n%extrainput\n  two\n%extrainput << E\nthree\nE\n").extraKeywords,
+        "one\n  two\nthree");
+    EXPECT_EQ(firstTask("$a\n%extrainput\nx\n\n%extrainput y\n").extraKeywords, "x\ny");
+    EXPECT_EQ(firstTask("$a\n%extrainput << EOF\nEOF\n").extraKeywords, "");
+}
+
+TEST(ParamAndArgs, JoinValueAndBlock) {
+    const TaskInfo task = firstTask("$a\n%program xtb\n%param a=1 # c\n\n  b=2\n%args --gfn 2\n  --opt\n");
+    EXPECT_EQ(task.paramValues, "a=1\nb=2");
+    EXPECT_EQ(task.args, "--gfn 2 --opt");
+    EXPECT_EQ(firstTask("$a\n%program xtb\n%args \"--gfn \\\"2\\\"\"\n").args, "--gfn \"2\"");
+    EXPECT_EQ(firstTask("$a\n%program xtb\n%args '--gfn 2'\n").args, "'--gfn 2'");
+}
+
+TEST(Commands, AreReadFromTheBlockAlone) {
+    const TaskInfo task = firstTask("$a\n%process ignored\n  one # c\n\n  two \\\\\n%preprocess\nthree\n");
+    EXPECT_THAT(task.processCommands, ElementsAre("one", "two \\\\"));
+    EXPECT_THAT(task.preProcessCommands, ElementsAre("three"));
+}
+
+TEST(Commands, AContinuationTakesTheNextFilledLineWhateverItIs) {
+    const TaskInfo task = firstTask("$a\n%preprocess\n  a \\\n\n  # c\n  %b\n  c\\\n\\\n d\n");
+    EXPECT_THAT(task.preProcessCommands, ElementsAre("a %b", "c d"));
+}
+
+TEST(Commands, AnOpenContinuationAtTheEndWarns) {
+    const auto parsed = parse("$a\n%process\n  a \\\n\n");
+    EXPECT_THAT(parsed.document.tasks[0].processCommands, ElementsAre("a"));
+    EXPECT_THAT(parsed.warnings, ElementsAre("task 'a' has a continued %process command without a following "
+                                             "non-empty line; using the command parsed so far."));
+    const auto empty = parse("$a\n%preprocess\n \\\n");
+    EXPECT_THAT(empty.document.tasks[0].preProcessCommands, IsEmpty());
+    EXPECT_THAT(empty.warnings,
+                ElementsAre("task 'a' has a continued %preprocess command without a following "
+                            "non-empty line; using the command parsed so far."));
+}
+
+TEST(Interface, ProviderAndConsume) {
+    EXPECT_EQ(firstTask("$a\n%interface Provider\n").interfaceMode, TaskInterfaceMode::provider);
+    const TaskInfo consumer = firstTask("$a\n%interface consume 'p q'\n");
+    EXPECT_EQ(consumer.interfaceMode, TaskInterfaceMode::consume);
+    EXPECT_EQ(consumer.interfaceProvider, "p q");
+    EXPECT_EQ(firstTask("$a\n%interface consume p\n%interface provider\n").interfaceProvider, "");
+}
+
+TEST(Interface, FaultsCarryTheLine) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"%interface",
+         "t.mq:2:1-2:11: error: task 'a' has empty %interface directive; expected 'provider' or 'consume "
+         "<provider-task>'"},
+        {"%interface provider x", "t.mq:2:1-2:22: error: task 'a' has invalid %interface provider directive; "
+                                  "expected '%interface provider'"},
+        {"%interface consume", "t.mq:2:1-2:19: error: task 'a' has invalid %interface consume directive; "
+                               "expected '%interface consume "
+                               "<provider-task>'"},
+        {"%interface consume ' '", "t.mq:2:1-2:23: error: task 'a' has invalid %interface consume directive; "
+                                   "expected '%interface consume "
+                                   "<provider-task>'"},
+        {"%interface Use x", "t.mq:2:1-2:17: error: task 'a' has unknown %interface mode 'Use'; expected "
+                             "'provider' or 'consume'"},
+    };
+    for (const auto& [line, message] : rows) {
+        EXPECT_EQ(faultOf("$a\n" + std::string(line) + "\n"), message);
+    }
+}
+
+TEST(Meta, TakesTheSecondFieldOfStrucid) {
+    EXPECT_EQ(firstTask("$a\n%meta ignored\n\n  strucid s-1 rest\n").strucId, "s-1");
+    EXPECT_EQ(firstTask("$a\n%meta\n  strucid\n").strucId, "");
+    EXPECT_EQ(faultOf("$a\n%meta\n  strucname x\n"), "task 'a' has unknown %meta field 'strucname'.");
+}
+
+TEST(When, KeepsTextsAndPlaces) {
+    const TaskInfo task = firstTask("$a\n%when completed b\n  {{ b.e }} < 1 # c\n\n  defined x\n");
+    EXPECT_THAT(task.whenConditions, ElementsAre("completed b", "{{ b.e }} < 1", "defined x"));
+    EXPECT_EQ(task.whenEntries[1].text, "{{ b.e }} < 1");
+    EXPECT_EQ(formatSpan(task.whenEntries[1].span), "t.mq:3:3-3:20");
+}
+
+TEST(Mod, KeepsEntriesAndTheLastValuePerKey) {
+    const TaskInfo task = firstTask("$a\n%mod charge 1\n  charge 2\n  geom select 1-3 5\n  spin add 1 2\n");
+    EXPECT_THAT(task.modEntries, ElementsAre(ModEntry{"charge", "1"}, ModEntry{"charge", "2"},
+                                             ModEntry{"geom:select", "1-3 5"}, ModEntry{"spin:add", "1"}));
+    EXPECT_EQ(task.modValues.at("charge"), "2");
+}
+
+TEST(Source, InlineForms) {
+    EXPECT_EQ(firstTask("$a\n%source b\n").source, "b");
+    EXPECT_THAT(firstTask("$a\n%source b\n").sourceTasks, ElementsAre("b"));
+    EXPECT_EQ(firstTask("$a\n%source xyz=a,b.xyz frame=2\n").source, "xyz=a,b.xyz frame=2");
+    EXPECT_EQ(firstTask("$a\n%source \"xyz=a.xyz frame=2\"\n").source, "xyz=a.xyz frame=2");
+    EXPECT_EQ(firstTask("$a\n%source ,\n").source, "");
+    EXPECT_THAT(firstTask("$a\n%source restart\n").sourceTasks, IsEmpty());
+    EXPECT_EQ(faultOf("$a\n%source xyz=a frame=0\n"),
+              "%source xyz frame selector must be a positive integer");
+}
+
+TEST(Source, TheGuessWordMovesAndWarns) {
+    for (const char* word : {"guess", "gues"}) {
+        const auto parsed = parse("$a\n%source b  " + std::string(word) + "\n");
+        const TaskInfo& task = parsed.document.tasks[0];
+        EXPECT_EQ(task.source, "b");
+        EXPECT_TRUE(task.guessEnabled);
+        EXPECT_THAT(
+            parsed.warnings,
+            ElementsAre("task 'a' uses deprecated '%source ... guess' syntax; move guess into '%control' as "
+                        "'guess true' or 'guess <task>'."));
+    }
+    const auto cleared = parse("$a\n%control\nguess x\n%source b\n").document.tasks[0];
+    EXPECT_FALSE(cleared.guessEnabled);
+    EXPECT_EQ(cleared.guessSourceTask, "");
+}
+
+TEST(Source, SeveralTasksAreToleratedOnRequest) {
+    EXPECT_EQ(faultOf("$a\n%source b,c\n"), "t.mq:2:1-2:12: error: task 'a' uses removed multi-dependency "
+                                            "'%source a,b,...' syntax; keep the first "
+                                            "task in %source and move the rest into '%when completed ...'");
+    const auto parsed = parse("$a\n%when completed c\n%source b, c,d\n", true);
+    const TaskInfo& task = parsed.document.tasks[0];
+    EXPECT_EQ(task.source, "b");
+    EXPECT_THAT(task.sourceTasks, ElementsAre("b", "c", "d"));
+    EXPECT_THAT(task.whenConditions, ElementsAre("completed c", "completed d"));
+    EXPECT_EQ(formatSpan(task.whenEntries[1].span), "t.mq:3:1-3:15");
+    EXPECT_THAT(
+        parsed.warnings,
+        ElementsAre("task 'a' uses deprecated multi-dependency '%source a,b,...' syntax; use the first "
+                    "upstream as '%source' and express extra dependencies with '%when' completed <task> "
+                    "conditions."));
+}
+
+TEST(Source, AnImpliedConditionIsNotWrittenTwice) {
+    const auto parsed = parse("$a\n%source b,c\n%when\n  completed c\n  completed b\n  completed b\n", true);
+    EXPECT_THAT(parsed.document.tasks[0].whenConditions,
+                ElementsAre("completed c", "completed b", "completed b"));
+}
+
+TEST(Source, AStructuredBlockReplacesTheInlineSource) {
+    const TaskInfo task = firstTask("$a\n%source b\n%source\n  geom.main c\n\n  geom.x xyz=f.xyz frame=2\n");
+    EXPECT_EQ(task.source, "");
+    EXPECT_THAT(task.sourceTasks, IsEmpty());
+    ASSERT_EQ(task.sourceBindings.size(), 2U);
+    EXPECT_EQ(task.sourceBindings[0].key, "geom");
+    EXPECT_EQ(task.sourceBindings[1].frameIndex, 2);
+}
+
+TEST(Source, BlockFaultsAreWrapped) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"%source",
+         "t.mq:2:1-2:8: error: task 'a' has empty %source; provide an inline source or one or more "
+         "structured bindings"},
+        {"%source\n  geom", "t.mq:3:3-3:7: error: task 'a' has invalid structured %source entry: structured "
+                            "%source entry must have "
+                            "'<binding-key> <source> [selector=value ...]': 'geom'"},
+        {"%source\n  geom.a b", "t.mq:2:1-2:8: error: task 'a' has invalid structured %source: structured "
+                                "%source with auxiliary geometry "
+                                "bindings must also declare geom"},
+    };
+    for (const auto& [lines, message] : rows) {
+        EXPECT_EQ(faultOf("$a\n" + std::string(lines) + "\n"), message);
+    }
+}
+
+// Captured blocks.
+
+TEST(BlockCapture, KeepsLinesWithTheirPlacesAndSubstitutes) {
+    const std::vector<SourceLine> lines{{"@plot bar [k]  # c", "t.mq", 1},
+                                        {"  x [k] # kept", "", 2},
+                                        {"$no task", "u.mq", 7},
+                                        {" @end", "t.mq", 3}};
+    std::size_t index = 0;
+    const CapturedBlock block = captureBlock("@plot", lines, index, {{"k", "v"}});
+    EXPECT_EQ(index, 3U);
+    EXPECT_EQ(block.header, "bar v");
+    EXPECT_EQ(formatSpan(block.span), "t.mq:1:1-1:19");
+    ASSERT_EQ(block.lines.size(), 2U);
+    EXPECT_EQ(block.lines[0].text, "  x v # kept");
+    EXPECT_EQ(block.lines[0].lineNumber, 2U);
+    EXPECT_EQ(block.lines[0].originPath, "t.mq") << "the head's, when the line has none";
+    EXPECT_EQ(block.lines[1].originPath, "u.mq");
+}
+
+TEST(BlockCapture, FaultsOfTheCapture) {
+    std::vector<SourceLine> lines{{"@plot a", "t.mq", 1}, {"x", "t.mq", 2}};
+    const auto message = [&lines](std::string_view keyword, std::size_t index) {
+        try {
+            (void)captureBlock(keyword, lines, index, {});
+        } catch (const DiagnosticError& error) {
+            return std::string(error.what());
+        }
+        return std::string();
+    };
+    EXPECT_EQ(message("@plot", 2), "invalid @plot block start");
+    EXPECT_EQ(message("@derive", 2), "invalid @derive block start");
+    EXPECT_EQ(message("@plot", 1), "internal error: expected @plot block");
+    EXPECT_EQ(message("@derive", 0), "internal error: expected @derive block");
+    EXPECT_EQ(message("@plot", 0), "t.mq:1:1-1:8: error: unterminated @plot block; expected @end");
+    lines[1].text = " @plot b";
+    EXPECT_EQ(message("@plot", 0), "t.mq:2:2-2:9: error: nested @plot blocks are not allowed");
+    lines = {{"@derive a", "t.mq", 1}, {"@derive", "t.mq", 2}};
+    EXPECT_EQ(message("@derive", 0), "t.mq:2:1-2:8: error: nested @derive blocks are not allowed");
+    lines.pop_back();
+    EXPECT_EQ(message("@derive", 0), "t.mq:1:1-1:10: error: unterminated @derive block; expected @end");
+}
+
+} // namespace
+} // namespace morquill::taskdsl

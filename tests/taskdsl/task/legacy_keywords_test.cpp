@@ -1,0 +1,36 @@
+#include "taskdsl/task/legacy_keywords.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace morquill::views {
+namespace {
+
+TEST(LegacyKeywords, TheJobNamesTheTemplate) {
+    EXPECT_EQ(legacyTemplateName("a=1 job=resp b=2"), "resp");
+    EXPECT_EQ(legacyTemplateName("JOB = \"fitted charges\""), "fitted charges");
+    EXPECT_EQ(legacyTemplateName("x\njob='a b'"), "a b");
+    EXPECT_EQ(legacyTemplateName("job=\"open quote"), "\"open");
+    EXPECT_EQ(legacyTemplateName("xjob=a job = "), "");
+    EXPECT_EQ(legacyTemplateName("jobs=a"), "");
+    EXPECT_EQ(legacyTemplateName("job job=a"), "a");
+}
+
+TEST(LegacyKeywords, AllOtherPairsAreParameters) {
+    EXPECT_EQ(legacyParamValues("job=x a=1 Job=y b.c-d:e = \"two words\" f='' plain"),
+              "a=1 b.c-d:e=\"two words\" f=\"\"");
+    EXPECT_EQ(legacyParamValues("a=b=c"), "a=b=c");
+    EXPECT_EQ(legacyParamValues("a='b'c d=e"), "a=b d=e") << "the rest of a word behind a quote is no pair";
+    EXPECT_EQ(legacyParamValues("a= "), "");
+    EXPECT_EQ(legacyParamValues(""), "");
+}
+
+TEST(LegacyKeywords, LongTextsCostTheirLength) {
+    const std::string keys(4'000'000, 'a');
+    EXPECT_EQ(legacyParamValues(keys), "");
+    EXPECT_EQ(legacyTemplateName(keys), "");
+}
+
+} // namespace
+} // namespace morquill::views
