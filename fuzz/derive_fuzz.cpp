@@ -1,9 +1,9 @@
+#include "taskdsl/base/diagnostic.h"
 #include "taskdsl/derive/derive_output.h"
 #include "taskdsl/derive/derive_parser.h"
 #include "taskdsl/derive/derive_substitute.h"
 #include "taskdsl/derive/statement_parts.h"
 #include "taskdsl/derive/task_references.h"
-#include "taskdsl/base/diagnostic.h"
 
 #include "support/text.h"
 

@@ -1,13 +1,13 @@
 #include "app/command_table.h"
 
 #include "console/console.h"
+#include "lint/lint.h"
 #include "project/project_command.h"
 #include "project/rename/rename.h"
 #include "support/text.h"
 #include "templates/template_command.h"
 #include "views/explain.h"
 #include "views/file_commands.h"
-#include "lint/lint.h"
 
 namespace morquill::app {
 
@@ -62,7 +62,7 @@ const CommandEntry* findCommand(std::span<const CommandEntry> table, std::string
 }
 
 int runFileCommand(int argc, char** argv, int helpIndex, HelpOperation help, RunOperation run) {
-    if (help != nullptr && argc > helpIndex && isHelpToken(argv[helpIndex])) {
+    if (help != nullptr && argc > helpIndex && console::isHelpToken(argv[helpIndex])) {
         help(argv[0]);
         return 0;
     }

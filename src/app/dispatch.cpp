@@ -70,7 +70,7 @@ constexpr std::array<OlderShape, 4> olderShapes{{
 
 /// Tells what is wrong with the command line, shows the commands, gives the status.
 int refuse(const std::string& message, std::string_view programPath) {
-    writeErr(errorTag() + message + "\n");
+    console::writeErr(console::errorTag() + message + "\n");
     printTopLevelHelp(programPath);
     return 1;
 }
@@ -129,14 +129,15 @@ constexpr std::string_view examples[] = {
 std::string commandRow(const CommandRow& row) {
     std::string field(row.name);
     field.resize(std::max<std::size_t>(field.size(), 10), ' ');
-    return "  " + greenText(field) + " " + std::string(row.description) + "\n";
+    return "  " + console::greenText(field) + " " + std::string(row.description) + "\n";
 }
 
 /// Kept apart from its caller: the stack is unwound up to a function that may not throw, but that function's
 /// own objects are not destroyed.
 [[gnu::noinline]] int runUnguarded(int argc, char** argv, int (*command)(int argc, char** argv)) {
-    const LogSession session("mqkit", argc, argv, LogLevel::Warning, LogLevel::Skip);
-    return finishOutput(command(argc, argv));
+    const console::LogSession session("mqkit", argc, argv, console::LogLevel::Warning,
+                                      console::LogLevel::Skip);
+    return console::finishOutput(command(argc, argv));
 }
 
 } // namespace
@@ -148,7 +149,7 @@ int dispatchCommand(int argc, char** argv) {
     }
     const std::string first = argv[1];
     const std::string lowered = toLower(first);
-    if (isHelpToken(lowered)) {
+    if (console::isHelpToken(lowered)) {
         return showHelp(argc, argv);
     }
     std::vector<std::string> matches;
@@ -171,29 +172,30 @@ const OlderShape* findOlderShape(std::span<const char* const> arguments) {
 }
 
 void printTopLevelHelp(std::string_view programPath) {
-    const std::string program = toolBaseName(programPath);
+    const std::string program = console::toolBaseName(programPath);
     std::string text = "  Mqkit: A unified entry point for .mq and .projmq workflows.\n";
-    text += cyanHeading("Usage:") + "\n";
-    text += "  " + greenText(program + " <command> [options]") + "\n";
-    text += "  " + greenText(program + " help <command>") + "\n";
-    text += "  Commands accept unique prefixes, for example " + greenText(program + " proj co") + ".\n";
-    text += "\n" + cyanHeading("Commands:") + "\n";
+    text += console::cyanHeading("Usage:") + "\n";
+    text += "  " + console::greenText(program + " <command> [options]") + "\n";
+    text += "  " + console::greenText(program + " help <command>") + "\n";
+    text +=
+        "  Commands accept unique prefixes, for example " + console::greenText(program + " proj co") + ".\n";
+    text += "\n" + console::cyanHeading("Commands:") + "\n";
     for (const auto& row : commandRows) {
         text += commandRow(row);
     }
-    text += "\n" + cyanHeading("Examples:") + "\n";
+    text += "\n" + console::cyanHeading("Examples:") + "\n";
     for (const auto example : examples) {
-        text += "  " + greenText(program + std::string(example)) + "\n";
+        text += "  " + console::greenText(program + std::string(example)) + "\n";
     }
-    text += "\n" + yellowHeading("Tool split:") + "\n";
-    text += "  Use " + greenText("mqdb") + " for all database sync/query/template/compare workflows; " +
-            greenText(program) +
+    text += "\n" + console::yellowHeading("Tool split:") + "\n";
+    text += "  Use " + console::greenText("mqdb") +
+            " for all database sync/query/template/compare workflows; " + console::greenText(program) +
             " stays focused on templates, projects, rename, format/migrate/expand/explain, and lint.\n";
-    writeOut(text);
+    console::writeOut(text);
 }
 
 int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept {
-    prepareStandardStreams();
+    console::prepareStandardStreams();
     return runUnguarded(argc, argv, command);
 }
 

@@ -1,11 +1,11 @@
 #include "lint/file_check.h"
 
+#include "lint/rules.h"
+#include "lint/source_scan.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
 #include "taskdsl/task/when_expr.h"
-#include "lint/rules.h"
-#include "lint/source_scan.h"
 
 #include <algorithm>
 #include <exception>

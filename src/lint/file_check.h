@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/base/diagnostic.h"
 #include "lint/report.h"
+#include "taskdsl/base/diagnostic.h"
 
 #include <string>
 #include <string_view>

@@ -2,10 +2,10 @@
 
 #include "console/console.h"
 #include "console/logger.h"
-#include "support/text.h"
 #include "lint/discovery.h"
 #include "lint/file_check.h"
 #include "lint/report.h"
+#include "support/text.h"
 
 #include <optional>
 #include <string>
@@ -119,7 +119,7 @@ int runLint(int argc, char** argv) {
     }
     if (asksForJson(argc, argv)) {
         console::Logger::instance().openSession({}, console::LogLevel::Skip, console::LogLevel::Error,
-                                                 console::decideColor(argc, argv));
+                                                console::decideColor(argc, argv));
     }
     std::vector<std::string> arguments{console::toolBaseName(argv[0]) + " lint"};
     for (int i = 2; i < argc; ++i) {
@@ -132,8 +132,8 @@ void printLintHelp(std::string_view programPath) {
     const std::string command = console::toolBaseName(programPath) + " lint";
     writeOut("  Lint .mq files and directories.\n\n" + console::cyanHeading("Usage:") + "\n  " +
              console::greenText(command + std::string(optionsUsage) + "<file-or-dir>...") + "\n\n" +
-             console::cyanHeading("Examples:") + "\n  " + console::greenText(command + " task.mq") +
-             "\n  " + console::greenText(command + " --strict ./cases") + "\n");
+             console::cyanHeading("Examples:") + "\n  " + console::greenText(command + " task.mq") + "\n  " +
+             console::greenText(command + " --strict ./cases") + "\n");
 }
 
 } // namespace morquill::lint

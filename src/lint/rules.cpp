@@ -1,9 +1,9 @@
 #include "lint/rules.h"
 
+#include "lint/parse_fault.h"
 #include "support/text.h"
 #include "taskdsl/base/scan.h"
-#include "views/canonical_writer.h"
-#include "lint/parse_fault.h"
+#include "taskdsl/task/legacy_keywords.h"
 
 #include <algorithm>
 #include <array>
@@ -284,12 +284,13 @@ Found missingKeywords(const LintedTask& linted) {
 
 Found missingTemplate(const LintedTask& linted) {
     const TaskInfo& task = linted.task;
-    return atHeader(task.program == TaskProgram::other && resolvedTemplateName(task).empty(), linted);
+    return atHeader(task.program == TaskProgram::other && taskdsl::resolvedTemplateName(task).empty(),
+                    linted);
 }
 
 Found missingRunner(const LintedTask& linted) {
     const TaskInfo& task = linted.task;
-    return atHeader(task.program == TaskProgram::script && resolvedRunner(task).empty(), linted);
+    return atHeader(task.program == TaskProgram::script && taskdsl::resolvedRunner(task).empty(), linted);
 }
 
 Found missingBody(const LintedTask& linted) {

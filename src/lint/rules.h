@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/task/task_document.h"
 #include "lint/report.h"
+#include "taskdsl/task/task_document.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "lint/source_scan.h"
 
-#include "support/text.h"
 #include "lint/rules.h"
+#include "support/text.h"
 
 #include <optional>
 

@@ -1,10 +1,10 @@
 #include "project/case_files.h"
-#include "project/project_command.h"
-#include "system/prompt.h"
 #include "project/cases/target.h"
+#include "project/project_command.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/text.h"
+#include "system/prompt.h"
 
 #include <unordered_set>
 
@@ -69,13 +69,14 @@ int runProjectAdd(const ProjectOptions& options, std::string_view programPath) {
     }
     system::printLine("\n[Project Add]");
     system::printLine("  project template: " + run.file);
-    system::printLine("  case files      : " + join(options.xyzFiles, " ") + (run.dryRun ? "  (dry-run)" : ""));
+    system::printLine("  case files      : " + join(options.xyzFiles, " ") +
+                      (run.dryRun ? "  (dry-run)" : ""));
 
     int added = 0;
     int skipped = 0;
     int failed = 0;
     for (const std::string& file : options.xyzFiles) {
-        switch (addCase(run, absolutePath(file))) {
+        switch (addCase(run, absoluteLocation(file))) {
         case AddResult::added:
             ++added;
             break;
@@ -89,10 +90,12 @@ int runProjectAdd(const ProjectOptions& options, std::string_view programPath) {
     }
     system::printLine("\n[mqkit] finished: added " + std::to_string(added) + " case(s).");
     if (skipped > 0) {
-        system::printLine("[mqkit] note: " + std::to_string(skipped) + " case(s) already existed and were skipped.");
+        system::printLine("[mqkit] note: " + std::to_string(skipped) +
+                          " case(s) already existed and were skipped.");
     }
     if (failed > 0) {
-        system::printLine("[mqkit] note: " + std::to_string(failed) + " case(s) failed validation or creation.");
+        system::printLine("[mqkit] note: " + std::to_string(failed) +
+                          " case(s) failed validation or creation.");
     }
     return failed > 0 ? 2 : 0;
 }

@@ -1,10 +1,10 @@
 #include "project/case_files.h"
 
 #include "console/logger.h"
-#include "support/paths.h"
-#include "system/prompt.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
+#include "system/prompt.h"
 
 #include <algorithm>
 #include <array>

@@ -1,13 +1,13 @@
 #include "project/cases/block_pattern.h"
-#include "system/copy_item.h"
-#include "support/paths.h"
-#include "project/project_command.h"
-#include "system/prompt.h"
 #include "project/cases/selection.h"
 #include "project/cases/target.h"
+#include "project/project_command.h"
 #include "project/workflows.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
+#include "system/copy_item.h"
+#include "system/prompt.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -77,13 +77,15 @@ void printCollectHeader(const ProjectOptions& options, const ChosenBlocks& chose
 }
 
 int printCollectSummary(const CollectSummary& summary, const std::string& results) {
-    system::printLine("\n[mqkit] finished: collected " + std::to_string(summary.items) + " item(s) into " + results);
+    system::printLine("\n[mqkit] finished: collected " + std::to_string(summary.items) + " item(s) into " +
+                      results);
     if (summary.missing > 0) {
         system::printLine("[mqkit] note: " + std::to_string(summary.missing) +
-                  " case/task combinations are missing block directories.");
+                          " case/task combinations are missing block directories.");
     }
     if (summary.failed > 0) {
-        system::printLine("[mqkit] note: " + std::to_string(summary.failed) + " collected item(s) failed to copy.");
+        system::printLine("[mqkit] note: " + std::to_string(summary.failed) +
+                          " collected item(s) failed to copy.");
     }
     return summary.missing > 0 || summary.failed > 0 ? 2 : 0;
 }

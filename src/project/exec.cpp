@@ -1,13 +1,13 @@
-#include "support/paths.h"
-#include "system/process.h"
-#include "project/project_command.h"
-#include "system/prompt.h"
-#include "project/regenerate.h"
 #include "project/cases/selection.h"
 #include "project/cases/target.h"
+#include "project/project_command.h"
+#include "project/regenerate.h"
 #include "project/workflows.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
+#include "system/process.h"
+#include "system/prompt.h"
 
 #include <cstdint>
 
@@ -89,8 +89,8 @@ int runProjectExec(const ProjectOptions& options, std::string_view programPath) 
         return 1;
     }
     system::printLine("\n[Project Exec]\n  project template: " + chosen.file +
-              "\n  task blocks: " + formatSelection(chosen.selected) + "\n  command: " + options.command +
-              (options.dryRun ? "  (dry-run)\n" : "\n"));
+                      "\n  task blocks: " + formatSelection(chosen.selected) +
+                      "\n  command: " + options.command + (options.dryRun ? "  (dry-run)\n" : "\n"));
     ExecSummary summary;
     for (const auto& caseDir : caseDirs) {
         for (const auto& task : chosen.selected) {
@@ -98,10 +98,10 @@ int runProjectExec(const ProjectOptions& options, std::string_view programPath) 
         }
     }
     system::printLine("\n[mqkit] finished: executed " + std::to_string(summary.success) + "/" +
-              std::to_string(summary.total) + " block(s) successfully.");
+                      std::to_string(summary.total) + " block(s) successfully.");
     if (summary.missing > 0) {
         system::printLine("[mqkit] note: " + std::to_string(summary.missing) +
-                  " block directory/directories are missing.");
+                          " block directory/directories are missing.");
     }
     if (summary.failed > 0) {
         system::printLine("[mqkit] note: " + std::to_string(summary.failed) + " block(s) failed.");

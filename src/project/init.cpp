@@ -1,12 +1,12 @@
 #include "console/logger.h"
 #include "console/runtime_config.h"
 #include "project/case_files.h"
-#include "support/paths.h"
-#include "system/process.h"
-#include "system/prompt.h"
 #include "project/workflows.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
+#include "system/process.h"
+#include "system/prompt.h"
 
 #include <filesystem>
 #include <system_error>
@@ -26,7 +26,7 @@ std::string configuredTaskPath(const console::RuntimeConfig& config) {
     if (path.empty()) {
         path = console::getEnvOrDefault("MORQUILL_TASK_PATH", "");
     }
-    return path.empty() ? path : absolutePath(path);
+    return path.empty() ? path : absoluteLocation(path);
 }
 
 /// The name that the user gives, or that of the current directory; empty after a message.
@@ -81,7 +81,7 @@ bool makeTemplate(const std::string& source, const std::string& file) {
 void startRunner(const console::RuntimeConfig& config, const std::string& projectDir) {
     std::string runner = console::findRunnerProgram(config);
     if (runner.find('/') != std::string::npos) {
-        runner = absolutePath(runner); // the child stands in another directory
+        runner = absoluteLocation(runner); // the child stands in another directory
     }
     const std::string quotedDir = shellQuote(projectDir);
     console::logInfo("running: cd " + quotedDir + " && " + shellQuote(runner) + " kick --path " + quotedDir);
@@ -100,7 +100,7 @@ bool runProjectInit() {
         console::logError("MORQUILL_TASK_PATH is not set");
         return false;
     }
-    const std::string current = absolutePath({});
+    const std::string current = absoluteLocation({});
     const std::string name = askProjectName(current);
     if (name.empty()) {
         return false;
@@ -116,7 +116,7 @@ bool runProjectInit() {
     }
     console::logInfo("geometry files found: " + std::to_string(geometries.size()));
 
-    const std::string projectDir = absolutePath(joinPath(taskPath, name));
+    const std::string projectDir = absoluteLocation(joinPath(taskPath, name));
     const std::string templateFile = joinPath(projectDir, name + ".projmq");
     if (!makeProjectDirectory(projectDir) || !makeTemplate(source, templateFile)) {
         return false;

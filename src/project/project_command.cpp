@@ -1,11 +1,11 @@
 #include "project/project_command.h"
 
 #include "console/console.h"
-#include "system/prompt.h"
 #include "project/cases/selection.h"
 #include "project/cases/target.h"
 #include "project/workflows.h"
 #include "support/text.h"
+#include "system/prompt.h"
 
 #include <exception>
 

@@ -1,10 +1,10 @@
 #include "project/project_options.h"
 
 #include "console/console.h"
-#include "system/prompt.h"
 #include "project/cases/target.h"
 #include "support/file.h"
 #include "support/text.h"
+#include "system/prompt.h"
 
 #include <algorithm>
 #include <array>
@@ -246,7 +246,7 @@ class ProjectPathTest {
         if (token.ends_with(".projmq")) {
             return true;
         }
-        const std::string path = absolutePath(token);
+        const std::string path = absoluteLocation(token);
         if (!isRegularFile(path)) {
             return isDirectory(path) && liesInProject(path);
         }

@@ -1,14 +1,14 @@
 #include "project/rebuild.h"
 
 #include "console/runtime_config.h"
-#include "support/paths.h"
-#include "system/process.h"
-#include "system/prompt.h"
-#include "project/regenerate.h"
 #include "project/cases/selection.h"
+#include "project/regenerate.h"
 #include "project/status/status_file.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
+#include "system/process.h"
+#include "system/prompt.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -67,7 +67,7 @@ bool cleanStatus(const std::string& caseDir, const std::vector<std::string>& sel
     }
     if (count > 0) {
         system::printLine(dryRun ? "[mqkit][DRY-RUN] " + name + " : would remove " + what
-                         : "[mqkit] " + name + " : removed " + what);
+                                 : "[mqkit] " + name + " : removed " + what);
     }
     return true;
 }
@@ -77,7 +77,7 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
     if (!isDirectory(blockDir)) {
         summary.blocksMissing += 1;
         system::printLine((options.dryRun ? "[mqkit][DRY-RUN] " : "[mqkit][SKIP] ") + label +
-                  " : block directory is missing");
+                          " : block directory is missing");
         return;
     }
     summary.blocksVisited += 1;
@@ -88,8 +88,8 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
     const auto count = options.dryRun ? found : removeWorkMarkers(blockDir);
     summary.workMarkers += count;
     system::printLine((options.dryRun ? "[mqkit][DRY-RUN] " + label + " : would remove "
-                              : "[mqkit] " + label + " : removed ") +
-              std::to_string(count) + " .mqwk file(s)");
+                                      : "[mqkit] " + label + " : removed ") +
+                      std::to_string(count) + " .mqwk file(s)");
 }
 
 bool cleanCases(const WorkPlace& place, const std::vector<std::string>& selected,
@@ -104,11 +104,12 @@ bool cleanCases(const WorkPlace& place, const std::vector<std::string>& selected
         }
     }
     system::printLine("\n[mqkit] summary: cases=" + std::to_string(summary.cases) +
-              ", mq.status touched=" + std::to_string(summary.statusTouched) +
-              ", records removed=" + std::to_string(summary.recordsRemoved) +
-              ", block directories visited=" + std::to_string(summary.blocksVisited) +
-              ", block directories missing=" + std::to_string(summary.blocksMissing) + ", " +
-              (options.dryRun ? "to remove" : "removed") + " .mqwk=" + std::to_string(summary.workMarkers));
+                      ", mq.status touched=" + std::to_string(summary.statusTouched) +
+                      ", records removed=" + std::to_string(summary.recordsRemoved) +
+                      ", block directories visited=" + std::to_string(summary.blocksVisited) +
+                      ", block directories missing=" + std::to_string(summary.blocksMissing) + ", " +
+                      (options.dryRun ? "to remove" : "removed") +
+                      " .mqwk=" + std::to_string(summary.workMarkers));
     return true;
 }
 
@@ -126,12 +127,13 @@ bool startRunner(const std::string& root, bool dryRun, RebuildSummary& summary) 
     std::string failure;
     if (!dryRun && !system::runProgram(root, runner, {"kick", "--path", root}, &failure)) {
         summary.runnerFailed += 1;
-        system::printErrorLine("[mqkit][ERROR] failed to execute project runner: " + runner + inParentheses(failure));
+        system::printErrorLine("[mqkit][ERROR] failed to execute project runner: " + runner +
+                               inParentheses(failure));
         return false;
     }
     summary.runnerSuccess += 1;
     system::printLine("\n[mqkit] project runner summary: success=" + std::to_string(summary.runnerSuccess) +
-              ", failed=" + std::to_string(summary.runnerFailed));
+                      ", failed=" + std::to_string(summary.runnerFailed));
     return true;
 }
 
@@ -201,7 +203,7 @@ std::string resolveRunner(const std::string& root) {
     const WorkingDirectory inRoot(root);
     const auto runner = console::findRunnerProgram(console::loadConfig("morquill.conf"));
     // A path relative to the root means nothing once this returns; a bare name is looked up along PATH.
-    return runner.find('/') == std::string::npos ? runner : absolutePath(runner);
+    return runner.find('/') == std::string::npos ? runner : absoluteLocation(runner);
 }
 
 bool rebuildCase(const std::string& caseDir, const std::string& caseFile,

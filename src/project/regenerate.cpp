@@ -1,11 +1,11 @@
 #include "project/regenerate.h"
 
-#include "support/paths.h"
-#include "system/process.h"
-#include "system/prompt.h"
 #include "project/cases/selection.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
+#include "system/process.h"
+#include "system/prompt.h"
 
 namespace morquill::project {
 

@@ -1,14 +1,14 @@
 #include "project/update.h"
 
 #include "console/console.h"
+#include "project/cases/selection.h"
+#include "project/regenerate.h"
+#include "project/update_script.h"
+#include "support/file.h"
 #include "support/paths.h"
 #include "system/process.h"
 #include "system/prompt.h"
-#include "project/regenerate.h"
-#include "project/cases/selection.h"
 #include "system/signal_guard.h"
-#include "project/update_script.h"
-#include "support/file.h"
 
 #include <optional>
 
@@ -23,9 +23,9 @@ bool prepareRun(const WorkPlace& place, const std::vector<std::string>& selected
         return false;
     }
     system::printLine("\n[mqkit] summary: cases=" + std::to_string(summary.cases) +
-              ", mq.status scoped=" + std::to_string(summary.statusScoped) +
-              ", mq.status hidden=" + std::to_string(summary.statusHidden) +
-              ", selected completed records=" + std::to_string(summary.selectedCompletedRecords));
+                      ", mq.status scoped=" + std::to_string(summary.statusScoped) +
+                      ", mq.status hidden=" + std::to_string(summary.statusHidden) +
+                      ", selected completed records=" + std::to_string(summary.selectedCompletedRecords));
     printGeneratorCommand(place, dryRun, updateWords);
     return true;
 }
@@ -33,7 +33,8 @@ bool prepareRun(const WorkPlace& place, const std::vector<std::string>& selected
 /// Runs the generator on narrowed status files, which are back when this returns, throws or is ended by a
 /// signal.
 bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selected, UpdateSummary& summary) {
-    const system::SignalGuard signals; // goes last: the status files are back before a signal ends the program
+    const system::SignalGuard
+        signals; // goes last: the status files are back before a signal ends the program
     StatusRestorer statusFiles;
     if (!prepareRun(place, selected, false, statusFiles.backups(), summary)) {
         return false;
@@ -46,7 +47,7 @@ bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selecte
     system::printLine("[mqkit] mq.status restored after comd-only update");
     if (!refreshed) {
         system::printErrorLine("[mqkit][ERROR] failed to re-run morquill in --comd-only mode" +
-                       inParentheses(failure));
+                               inParentheses(failure));
         return false;
     }
     system::printLine("[mqkit] morquill --comd-only update completed");
@@ -60,8 +61,9 @@ bool leaveScript(const WorkPlace& place, const std::vector<std::string>& selecte
         return false;
     }
     system::printLine(std::string(dryRun ? "\n[mqkit][DRY-RUN] would generate " : "\n[mqkit] generated ") +
-              "comd runner script: " + path);
-    system::printLine("[mqkit] this script replays the same per-task 'bash comd' flow as immediate execution");
+                      "comd runner script: " + path);
+    system::printLine(
+        "[mqkit] this script replays the same per-task 'bash comd' flow as immediate execution");
     return true;
 }
 
@@ -83,7 +85,7 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
     }
     const bool allRan = runComdForCases(place->caseDirs, selected, options.dryRun, summary);
     system::printLine("\n[mqkit] comd summary: success=" + std::to_string(summary.comdSuccess) +
-              ", failed=" + std::to_string(summary.comdFailed));
+                      ", failed=" + std::to_string(summary.comdFailed));
     return allRan;
 }
 
@@ -143,7 +145,8 @@ bool runProjectUpdate(const std::string& path, const std::vector<std::string>& n
         return true;
     }
     system::printLine("\n[mqkit] selected: " + formatSelection(selected));
-    system::printLine("[mqkit] update mode always calls morquill with --comd-only to refresh command scripts only.");
+    system::printLine(
+        "[mqkit] update mode always calls morquill with --comd-only to refresh command scripts only.");
     UpdateOptions chosen = options;
     if (!chosen.runComd) {
         console::writeOut(
@@ -151,7 +154,8 @@ bool runProjectUpdate(const std::string& path, const std::vector<std::string>& n
             "mqkit_update_comd.sh): ");
         chosen.runComd = system::askYesNo();
         if (!chosen.runComd) {
-            system::printLine("[mqkit] mqkit_update_comd.sh will be written after the update for later execution.");
+            system::printLine(
+                "[mqkit] mqkit_update_comd.sh will be written after the update for later execution.");
         }
     }
     const bool updated = target.kind == TargetKind::Case

@@ -1,8 +1,8 @@
 #include "project/update_script.h"
 
-#include "support/paths.h"
 #include "project/cases/selection.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
 
 #include <filesystem>

@@ -14,11 +14,16 @@ namespace fs = std::filesystem;
 
 std::string absolutePath(std::string_view path) {
     std::error_code error;
-    fs::path absolute = path.empty() ? fs::current_path(error) : fs::absolute(fs::path(path), error);
-    if (error) { // no current directory any more
-        absolute = path.empty() ? fs::path(".") : fs::path(path);
+    const auto absolute = fs::absolute(fs::path(path), error);
+    return (error ? fs::path(path) : absolute).lexically_normal().string();
+}
+
+std::string absoluteLocation(std::string_view path) {
+    std::error_code error;
+    std::string text = absolutePath(path.empty() ? fs::current_path(error).string() : std::string(path));
+    if (text.empty()) { // no current directory any more
+        return ".";
     }
-    std::string text = absolute.lexically_normal().string();
     while (text.size() > 1 && text.back() == '/') {
         text.pop_back();
     }

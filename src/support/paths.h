@@ -9,8 +9,10 @@
 /// throws.
 namespace morquill {
 
-/// The absolute form of a path; empty gives the current directory.
+/// The absolute, lexically normal form of a path with its trailing slash, if it has one.
 [[nodiscard]] std::string absolutePath(std::string_view path);
+/// The same without a trailing slash; empty gives the current directory.
+[[nodiscard]] std::string absoluteLocation(std::string_view path);
 /// `dir` and `name` with one slash between them; a `name` with a leading slash does not leave `dir`.
 [[nodiscard]] std::string joinPath(std::string_view dir, std::string_view name);
 /// The last component of a path.

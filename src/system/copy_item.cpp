@@ -1,8 +1,8 @@
 #include "system/copy_item.h"
 
+#include "support/file.h"
 #include "support/paths.h"
 #include "system/tree_walk.h"
-#include "support/file.h"
 
 #include <array>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #include "system/process.h"
 
 #include "console/console.h"
-#include "system/signal_guard.h"
 #include "support/text.h"
+#include "system/signal_guard.h"
 
 #include <array>
 #include <cerrno>

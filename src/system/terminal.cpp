@@ -1,7 +1,6 @@
 #include "system/terminal.h"
 
 #include "console/console.h"
-#include "templates/selector/selector_dialogues.h"
 
 #include <cerrno>
 

@@ -10,7 +10,22 @@
 /// that keys and lines may alternate; an end of input is not remembered.
 namespace morquill::system {
 
-/// One key: a byte value, an arrow or the end of input (`key` in selector_state.h). The terminal hands over
+/// A key is a byte value, an arrow, or the end of input.
+namespace key {
+inline constexpr std::int32_t endOfInput = -1;
+inline constexpr std::int32_t lineFeed = 10;
+inline constexpr std::int32_t carriageReturn = 13;
+inline constexpr std::int32_t escape = 27;
+inline constexpr std::int32_t up = 1001;
+inline constexpr std::int32_t down = 1002;
+inline constexpr std::int32_t right = 1003;
+inline constexpr std::int32_t left = 1004;
+} // namespace key
+
+inline constexpr std::string_view hideCursor = "\033[?25l";
+inline constexpr std::string_view showCursor = "\033[?25h";
+
+/// One key: a byte value, an arrow or the end of input (`key`). The terminal hands over
 /// keys unechoed while this waits and is as before when it returns. A lone Esc waits for one more key, which
 /// is lost. Input that is no terminal is read plainly.
 [[nodiscard]] std::int32_t readKey(int descriptor);

@@ -4,11 +4,11 @@
 #include "support/file.h"
 #include "templates/library/define_section.h"
 #include "templates/library/merge.h"
-#include "templates/sample_workspace.h"
-#include "templates/selector/selector.h"
 #include "templates/library/template_library.h"
 #include "templates/library/template_text.h"
 #include "templates/library/variable_template.h"
+#include "templates/sample_workspace.h"
+#include "templates/selector/selector.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,14 +1,14 @@
 #include "views/canonical_writer.h"
 
 #include "support/text.h"
-#include "taskdsl/derive/derive_output.h"
-#include "taskdsl/task/directive_reader.h"
-#include "taskdsl/task/mod_operation.h"
-#include "taskdsl/plot/render.h"
-#include "taskdsl/base/scan.h"
-#include "taskdsl/task/source_spec.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/scan.h"
+#include "taskdsl/derive/derive_output.h"
+#include "taskdsl/plot/render.h"
+#include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/legacy_keywords.h"
+#include "taskdsl/task/mod_operation.h"
+#include "taskdsl/task/source_spec.h"
 
 #include <algorithm>
 #include <array>
@@ -32,7 +32,7 @@ class CanonicalText {
     }
     /// `  %<directive> <value>` with the value through the scalar rule.
     void scalar(std::string_view directive, std::string_view value) {
-        line("  %", directive, " ", quoteUnquotedScalar(value));
+        line("  %", directive, " ", taskdsl::quoteUnquotedScalar(value));
     }
     void filledScalar(std::string_view directive, std::string_view value) {
         if (!value.empty()) {
@@ -89,13 +89,13 @@ void writeSettings(CanonicalText& text, const TaskDocument& document) {
     text.line("dsl_version: 2");
     for (const auto& [key, value] : document.settings) {
         if (key != "dsl_version") {
-            text.line(key, ": ", quoteSettingScalar(value));
+            text.line(key, ": ", taskdsl::quoteSettingScalar(value));
         }
     }
     if (!document.defines.empty()) {
         text.line("define:");
         for (const auto& [key, value] : document.defines) {
-            text.line("  ", key, ": ", quoteUnquotedScalar(value));
+            text.line("  ", key, ": ", taskdsl::quoteUnquotedScalar(value));
         }
     }
 }
@@ -108,7 +108,7 @@ void writeMatrix(CanonicalText& text, const TaskDocument& document) {
     text.line("matrix:");
     if (axes.empty()) {
         for (const auto& [key, values] : document.matrixValues) {
-            text.line("  ", key, ": ", joinCanonicalList(values));
+            text.line("  ", key, ": ", taskdsl::joinCanonicalList(values));
         }
         return;
     }
@@ -116,12 +116,12 @@ void writeMatrix(CanonicalText& text, const TaskDocument& document) {
         return !axis.names.empty() || !axis.map.empty();
     });
     for (const auto& axis : axes) {
-        text.line(isLong ? "  - " : "  ", axis.key, ": ", joinCanonicalList(axis.values));
+        text.line(isLong ? "  - " : "  ", axis.key, ": ", taskdsl::joinCanonicalList(axis.values));
         if (!axis.names.empty()) {
-            text.line("    name: ", joinCanonicalList(axis.names));
+            text.line("    name: ", taskdsl::joinCanonicalList(axis.names));
         }
         if (!axis.map.empty()) {
-            text.line("    map: ", quoteCanonicalScalar(axis.map));
+            text.line("    map: ", taskdsl::quoteCanonicalScalar(axis.map));
         }
     }
 }
@@ -141,14 +141,15 @@ void writeSource(CanonicalText& text, const TaskInfo& task) {
 void writeCluster(CanonicalText& text, const taskdsl::BatchCluster& cluster) {
     std::string line = "    cluster ";
     line += cluster.metric == taskdsl::ClusterMetric::rmsd ? "rmsd" : "dist";
-    line += " geo=" + formatCanonicalNumber(cluster.geometryThreshold);
-    line += " energy=" + (cluster.energyOff ? "off" : formatCanonicalNumber(cluster.energyThreshold));
-    line += " temperature=" + formatCanonicalNumber(cluster.temperature);
+    line += " geo=" + taskdsl::formatCanonicalNumber(cluster.geometryThreshold);
+    line +=
+        " energy=" + (cluster.energyOff ? "off" : taskdsl::formatCanonicalNumber(cluster.energyThreshold));
+    line += " temperature=" + taskdsl::formatCanonicalNumber(cluster.temperature);
     if (cluster.hasMinWeight) {
-        line += " min=" + formatCanonicalNumber(cluster.minWeight);
+        line += " min=" + taskdsl::formatCanonicalNumber(cluster.minWeight);
     }
     if (cluster.hasAccumulation) {
-        line += " accum=" + formatCanonicalNumber(cluster.accumulation);
+        line += " accum=" + taskdsl::formatCanonicalNumber(cluster.accumulation);
     }
     text.line(line);
 }
@@ -221,14 +222,15 @@ void writeControl(CanonicalText& text, const TaskInfo& task) {
     if (!task.finalGeom.empty()) {
         // Its reader is one of shell words: quotes and backslashes are not plain characters there.
         const bool isPlain = task.finalGeom.find_first_of("'\\") == std::string::npos;
-        item("finalgeom", isPlain ? quoteCanonicalScalar(task.finalGeom) : quoteForcedScalar(task.finalGeom));
+        item("finalgeom", isPlain ? taskdsl::quoteCanonicalScalar(task.finalGeom)
+                                  : taskdsl::quoteForcedScalar(task.finalGeom));
     }
     filled("verbosity", task.verbosity);
 }
 
 void writeKeywords(CanonicalText& text, const TaskInfo& task) {
     if (task.keywords.starts_with("<<")) {
-        text.line("  %keywords ", quoteForcedScalar(task.keywords)); // bare, it would open a heredoc
+        text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords)); // bare, it would open a heredoc
     } else if (task.keywords.find_first_of("\n\r") == std::string::npos) {
         text.filledScalar("keywords", task.keywords);
     } else {
@@ -259,8 +261,9 @@ void writeXtbPayload(CanonicalText& text, const TaskInfo& task) {
 }
 
 void writeOtherPayload(CanonicalText& text, const TaskInfo& task) {
-    text.filledScalar("template", resolvedTemplateName(task));
-    const std::string legacy = task.paramValues.empty() ? legacyParamValues(task.keywords) : std::string();
+    text.filledScalar("template", taskdsl::resolvedTemplateName(task));
+    const std::string legacy =
+        task.paramValues.empty() ? taskdsl::legacyParamValues(task.keywords) : std::string();
     const auto params = trim(task.paramValues.empty() ? std::string_view(legacy) : task.paramValues);
     if (!params.empty()) {
         text.line("  %param ", params);
@@ -268,7 +271,7 @@ void writeOtherPayload(CanonicalText& text, const TaskInfo& task) {
 }
 
 void writeScriptPayload(CanonicalText& text, const TaskInfo& task) {
-    text.filledScalar("runner", resolvedRunner(task));
+    text.filledScalar("runner", taskdsl::resolvedRunner(task));
     text.heredoc("body", task.body);
 }
 
@@ -320,14 +323,6 @@ void writeTask(CanonicalText& text, const TaskInfo& task) {
 }
 
 } // namespace
-
-std::string resolvedTemplateName(const TaskInfo& task) {
-    return task.templateName.empty() ? legacyTemplateName(task.keywords) : task.templateName;
-}
-
-const std::string& resolvedRunner(const TaskInfo& task) noexcept {
-    return task.runner.empty() ? task.keywords : task.runner;
-}
 
 std::string renderCanonicalDocument(const TaskDocument& document, CanonicalView view) {
     CanonicalText text;

@@ -16,11 +16,4 @@ enum class CanonicalView {
 /// what it prints reads back to the same tasks, and printing that gives the same text.
 [[nodiscard]] std::string renderCanonicalDocument(const taskdsl::TaskDocument& document, CanonicalView view);
 
-/// The template of a task of `%program other`: its `%template`, else the job that older files keep in
-/// `%keywords`; may be empty.
-[[nodiscard]] std::string resolvedTemplateName(const taskdsl::TaskInfo& task);
-
-/// The runner of a script task: its `%runner`, else what older files keep in `%keywords`; may be empty.
-[[nodiscard]] const std::string& resolvedRunner(const taskdsl::TaskInfo& task) noexcept;
-
 } // namespace morquill::views

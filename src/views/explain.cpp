@@ -3,8 +3,8 @@
 #include "console/console.h"
 #include "support/json.h"
 #include "support/text.h"
-#include "taskdsl/task/source_spec.h"
 #include "taskdsl/parser/task_parser.h"
+#include "taskdsl/task/source_spec.h"
 
 #include <algorithm>
 #include <exception>

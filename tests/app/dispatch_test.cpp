@@ -1,7 +1,7 @@
 #include "app/dispatch.h"
 
 #include "console/console.h"
-#include "frontend_fixtures.h"
+#include "fixtures/console_fixtures.h"
 
 #include <csignal>
 #include <stdexcept>
@@ -12,8 +12,8 @@
 namespace morquill::app {
 namespace {
 
+using console::testing::throughPipe;
 using ::testing::StartsWith;
-using testing::throughPipe;
 
 /// What a command line gives: its status and both streams, each for itself.
 struct Outcome {
@@ -170,7 +170,7 @@ TEST(RunInSession, GivesTheStatusOfTheCommand) {
 TEST(RunInSession, AnExceptionEndsTheProgramAfterTheSessionWasClosed) {
     // What was written before shows that the session was closed: an abnormal end drops kept output.
     const auto throwing = [](int, char**) -> int {
-        writeOut("kept\n");
+        console::writeOut("kept\n");
         throw std::runtime_error("no command caught this");
     };
     EXPECT_EXIT(

@@ -1,6 +1,6 @@
 #include "console/console.h"
 
-#include "frontend_fixtures.h"
+#include "fixtures/console_fixtures.h"
 
 #include <csignal>
 

@@ -1,6 +1,6 @@
 #include "console/logger.h"
 
-#include "frontend_fixtures.h"
+#include "fixtures/console_fixtures.h"
 #include "support/file.h"
 #include "support/text.h"
 

@@ -1,6 +1,6 @@
 #include "console/runtime_config.h"
 
-#include "frontend_fixtures.h"
+#include "fixtures/console_fixtures.h"
 #include "support/file.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "lint/rules.h"
 
-#include "taskdsl/task/when_expr.h"
 #include "lint/file_check.h"
+#include "taskdsl/task/when_expr.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

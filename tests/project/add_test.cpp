@@ -1,6 +1,6 @@
 #include "project/workflows.h"
 
-#include "scratch_tree.h"
+#include "fixtures/scratch_tree.h"
 
 namespace morquill::project {
 namespace {

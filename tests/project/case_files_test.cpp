@@ -1,6 +1,6 @@
 #include "project/case_files.h"
 
-#include "scratch_tree.h"
+#include "fixtures/scratch_tree.h"
 
 #include <cerrno>
 

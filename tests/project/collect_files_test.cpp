@@ -2,8 +2,8 @@
 #include "system/copy_item.h"
 #include "system/tree_walk.h"
 
-#include "file_size_limit.h"
-#include "scratch_tree.h"
+#include "fixtures/file_size_limit.h"
+#include "fixtures/scratch_tree.h"
 
 #include <sys/stat.h>
 

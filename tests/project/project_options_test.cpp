@@ -1,6 +1,6 @@
 #include "project/project_options.h"
 
-#include "scratch_tree.h"
+#include "fixtures/scratch_tree.h"
 #include "support/text.h"
 
 namespace morquill::project {

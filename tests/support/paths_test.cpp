@@ -1,6 +1,6 @@
 #include "support/paths.h"
 
-#include "scratch_tree.h"
+#include "fixtures/scratch_tree.h"
 
 namespace morquill::project {
 namespace {
@@ -12,28 +12,28 @@ class Paths : public ScratchTree {};
 
 TEST_F(Paths, AbsoluteIsNormalAndHasNoTrailingSlash) {
     enter("a");
-    EXPECT_EQ(absolutePath(""), at("a"));
-    EXPECT_EQ(absolutePath("."), at("a"));
-    EXPECT_EQ(absolutePath("./x//y/../z/"), at("a/x/z"));
-    EXPECT_EQ(absolutePath(".."), root);
-    EXPECT_EQ(absolutePath("/"), "/");
-    EXPECT_EQ(absolutePath("/../.."), "/");
-    EXPECT_EQ(absolutePath("a b/\xff\n"), at("a/a b/\xff\n"));
-    EXPECT_EQ(absolutePath("-n"), at("a/-n"));
+    EXPECT_EQ(absoluteLocation(""), at("a"));
+    EXPECT_EQ(absoluteLocation("."), at("a"));
+    EXPECT_EQ(absoluteLocation("./x//y/../z/"), at("a/x/z"));
+    EXPECT_EQ(absoluteLocation(".."), root);
+    EXPECT_EQ(absoluteLocation("/"), "/");
+    EXPECT_EQ(absoluteLocation("/../.."), "/");
+    EXPECT_EQ(absoluteLocation("a b/\xff\n"), at("a/a b/\xff\n"));
+    EXPECT_EQ(absoluteLocation("-n"), at("a/-n"));
 }
 
 TEST_F(Paths, LinksStayAsTheyAreWritten) {
     dir("real");
     link("real", "link");
-    EXPECT_EQ(absolutePath("link/x"), at("link/x"));
+    EXPECT_EQ(absoluteLocation("link/x"), at("link/x"));
 }
 
 TEST_F(Paths, AVanishedCurrentDirectoryIsNoFault) {
     enter("gone");
     std::filesystem::remove(at("gone"));
-    EXPECT_EQ(absolutePath(""), ".");
-    EXPECT_EQ(absolutePath("x/"), "x");
-    EXPECT_EQ(absolutePath("/y"), "/y");
+    EXPECT_EQ(absoluteLocation(""), ".");
+    EXPECT_EQ(absoluteLocation("x/"), "x");
+    EXPECT_EQ(absoluteLocation("/y"), "/y");
 }
 
 TEST(PathText, TakesPathsApart) {

@@ -1,6 +1,6 @@
 #include "system/prompt.h"
 
-#include "scratch_tree.h"
+#include "fixtures/scratch_tree.h"
 
 #include <pty.h>
 #include <sys/wait.h>

@@ -1,7 +1,7 @@
 #include "system/process.h"
 #include "system/signal_guard.h"
 
-#include "scratch_tree.h"
+#include "fixtures/scratch_tree.h"
 
 #include <csignal>
 #include <functional>

@@ -1,8 +1,8 @@
 #include "project/cases/block_pattern.h"
 
+#include "support/file.h"
 #include "support/paths.h"
 #include "system/tree_walk.h"
-#include "support/file.h"
 
 #include <algorithm>
 

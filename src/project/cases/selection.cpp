@@ -1,9 +1,9 @@
 #include "project/cases/selection.h"
 
-#include "project/cases/name_list.h"
+#include "support/name_list.h"
 #include "support/paths.h"
-#include "system/prompt.h"
 #include "support/text.h"
+#include "system/prompt.h"
 
 #include <fnmatch.h>
 

@@ -48,7 +48,7 @@ bool climb(std::string& dir) {
 }
 
 std::string startDirectory(std::string_view path) {
-    std::string start = absolutePath(path);
+    std::string start = absoluteLocation(path);
     return isRegularFile(start) ? parentPath(start) : start;
 }
 
@@ -72,7 +72,7 @@ std::string severalTemplatesIn(std::string_view place, const std::string& dir) {
 }
 
 bool resolveFromCurrentDirectory(std::string& root, std::string& file, std::string& error) {
-    const std::string current = absolutePath({});
+    const std::string current = absoluteLocation({});
     TemplateCount count = takeTemplate(current, root, file);
     if (count == TemplateCount::many) {
         error = std::string(severalTemplates) + "current directory; specify one explicitly.";
@@ -144,7 +144,7 @@ std::vector<std::string> listCaseDirectories(const std::string& root) {
 }
 
 std::string findProjectDirectory(std::string_view path) {
-    const std::string absolute = absolutePath(path);
+    const std::string absolute = absoluteLocation(path);
     std::string start = absolute;
     if (isRegularFile(absolute)) {
         start = parentPath(absolute);
@@ -189,7 +189,7 @@ bool resolveProjectTemplate(std::string_view path, std::string& root, std::strin
     if (path.empty()) {
         return resolveFromCurrentDirectory(root, file, error);
     }
-    const std::string absolute = absolutePath(path);
+    const std::string absolute = absoluteLocation(path);
     if (absolute.ends_with(templateExtension) && isRegularFile(absolute)) {
         root = parentPath(absolute);
         file = absolute;
@@ -205,7 +205,7 @@ bool resolveTarget(std::string_view path, ProjectTarget& target, std::string& er
     if (path.empty()) {
         return resolveProjectTemplate(path, target.projectRoot, target.projectFile, error);
     }
-    const std::string absolute = absolutePath(path);
+    const std::string absolute = absoluteLocation(path);
     const bool regular = isRegularFile(absolute);
     if (regular && absolute.ends_with(templateExtension)) {
         target.projectRoot = parentPath(absolute);

@@ -1,9 +1,9 @@
 #include "project/cases/task_catalog.h"
 
 #include "console/logger.h"
-#include "project/cases/name_list.h"
 #include "project/cases/target.h"
 #include "support/file.h"
+#include "support/name_list.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
 

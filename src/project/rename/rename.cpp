@@ -1,13 +1,13 @@
 #include "project/rename/rename.h"
 
-#include "project/cases/name_list.h"
-#include "support/paths.h"
-#include "system/prompt.h"
-#include "project/rename/rename_files.h"
 #include "project/cases/target.h"
 #include "project/cases/task_catalog.h"
+#include "project/rename/rename_files.h"
 #include "support/file.h"
+#include "support/name_list.h"
+#include "support/paths.h"
 #include "support/text.h"
+#include "system/prompt.h"
 #include "taskdsl/parser/task_parser.h"
 
 #include <algorithm>
@@ -125,13 +125,14 @@ bool renameInProject(const RenamePlace& place, const RenamedBlock& block, Rename
 
 void printReport(const RenamedBlock& block, const RenameReport& report) {
     system::printLine("[mqkit] rename finished: $" + block.oldName + " -> $" + block.newName +
-              "\n  cases processed: " + std::to_string(report.casesProcessed) +
-              "\n  directories renamed: " + std::to_string(report.directoriesRenamed) +
-              "\n  files renamed: " + std::to_string(report.filesRenamed) +
-              "\n  text files updated: " + std::to_string(report.textFilesUpdated) +
-              "\n  databases invalidated: " + std::to_string(report.databasesInvalidated));
+                      "\n  cases processed: " + std::to_string(report.casesProcessed) +
+                      "\n  directories renamed: " + std::to_string(report.directoriesRenamed) +
+                      "\n  files renamed: " + std::to_string(report.filesRenamed) +
+                      "\n  text files updated: " + std::to_string(report.textFilesUpdated) +
+                      "\n  databases invalidated: " + std::to_string(report.databasesInvalidated));
     if (report.databasesInvalidated > 0) {
-        system::printLine("  note: rerun mqdb case/project sync or rebuild before querying database results.");
+        system::printLine(
+            "  note: rerun mqdb case/project sync or rebuild before querying database results.");
     }
     if (!report.warnings.empty()) {
         system::printLine("\n[mqkit][WARN] warnings:\n  - " + join(report.warnings, "\n  - "));
@@ -144,7 +145,7 @@ void printReport(const RenamedBlock& block, const RenameReport& report) {
 } // namespace
 
 int renameBlock(const RenameOptions& options) {
-    const auto path = absolutePath(options.file);
+    const auto path = absoluteLocation(options.file);
     if (!isRegularFile(path)) {
         system::printErrorLine("[mqkit][ERROR] file does not exist: " + path);
         return 1;

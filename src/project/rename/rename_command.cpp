@@ -1,7 +1,7 @@
 #include "console/console.h"
 #include "console/help_text.h"
-#include "system/prompt.h"
 #include "project/rename/rename.h"
+#include "system/prompt.h"
 
 #include <exception>
 

@@ -1,10 +1,10 @@
 #include "project/rename/rename_files.h"
 
-#include "support/paths.h"
-#include "system/tree_walk.h"
 #include "project/rename/word_replace.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
+#include "system/tree_walk.h"
 
 #include <algorithm>
 #include <array>

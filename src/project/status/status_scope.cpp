@@ -1,10 +1,10 @@
 #include "project/status/status_scope.h"
 
-#include "support/paths.h"
-#include "system/prompt.h"
 #include "project/cases/selection.h"
 #include "project/status/status_file.h"
 #include "support/file.h"
+#include "support/paths.h"
+#include "system/prompt.h"
 
 #include <filesystem>
 #include <system_error>
@@ -61,11 +61,12 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
             fs::remove(path, error);
         }
         if (error) {
-            system::printErrorLine("[mqkit][ERROR] failed to prepare mq.status for comd-only update: " + name);
+            system::printErrorLine("[mqkit][ERROR] failed to prepare mq.status for comd-only update: " +
+                                   name);
             return false;
         }
         system::printLine(prefix + (dryRun ? "would temporarily hide" : "temporarily hid") +
-                  " mq.status because no selected task is marked completed");
+                          " mq.status because no selected task is marked completed");
         return true;
     }
     summary.statusScoped += 1;
@@ -74,7 +75,7 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
         return false;
     }
     system::printLine(prefix + (dryRun ? "would scope" : "scoped") +
-              " mq.status to selected completed task(s): " + formatSelection(kept));
+                      " mq.status to selected completed task(s): " + formatSelection(kept));
     return true;
 }
 

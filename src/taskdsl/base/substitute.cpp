@@ -4,6 +4,8 @@
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 
+#include <utility>
+
 namespace morquill::taskdsl {
 
 namespace {
@@ -55,10 +57,14 @@ std::string substituteBrackets(std::string_view text, const ValueMap& values) {
     return result;
 }
 
-void substituteInto(std::string& text, const ValueMap& values) {
-    if (text.find('[') != std::string::npos) {
-        text = substituteBrackets(text, values);
+bool substituteInto(std::string& text, const ValueMap& values) {
+    if (text.find('[') == std::string::npos) {
+        return false;
     }
+    auto replaced = substituteBrackets(text, values);
+    const bool changed = replaced != text;
+    text = std::move(replaced);
+    return changed;
 }
 
 std::vector<std::string> bracketKeys(std::string_view text) {

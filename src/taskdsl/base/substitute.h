@@ -17,8 +17,8 @@ using ValueMap = std::map<std::string, std::string, std::less<>>;
 /// (`limits::substitutedText`).
 [[nodiscard]] std::string substituteBrackets(std::string_view text, const ValueMap& values);
 
-/// The same in place; a text without a `[` costs a scan and no copy.
-void substituteInto(std::string& text, const ValueMap& values);
+/// The same in place; a text without a `[` costs a scan and no copy. Returns whether the text changed.
+bool substituteInto(std::string& text, const ValueMap& values);
 
 /// The keys that stand in brackets, in order, as often as they stand there.
 [[nodiscard]] std::vector<std::string> bracketKeys(std::string_view text);

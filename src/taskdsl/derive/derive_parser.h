@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/derive/derive_spec.h"
 #include "taskdsl/base/source_line.h"
+#include "taskdsl/derive/derive_spec.h"
 
 namespace morquill::taskdsl::derive {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/expr/expression.h"
 #include "taskdsl/base/source_span.h"
+#include "taskdsl/expr/expression.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "support/text.h"
 #include "taskdsl/derive/statement_parts.h"
-#include "taskdsl/plot/substitute_plot.h"
+#include "taskdsl/expr/substitute_expression.h"
 
 namespace morquill::taskdsl::derive {
 
@@ -10,12 +10,7 @@ void substituteDerive(DeriveSpec& spec, const ValueMap& values) {
     if (values.empty()) {
         return;
     }
-    // Only a text with an open bracket can hold a reference, and most hold none.
-    const auto text = [&](std::string& value) {
-        if (value.find('[') != std::string::npos) {
-            value = substituteBrackets(value, values);
-        }
-    };
+    const auto text = [&](std::string& value) { substituteInto(value, values); };
     const auto expression = [&](ExprRef& value) {
         if (value) {
             value = plot::substituteExpression(value, values);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/derive/derive_spec.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/derive/derive_spec.h"
 
 namespace morquill::taskdsl::derive {
 

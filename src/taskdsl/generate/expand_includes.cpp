@@ -2,10 +2,10 @@
 
 #include "support/file.h"
 #include "support/text.h"
-#include "taskdsl/generate/fragment_arguments.h"
-#include "taskdsl/generate/fragment_library.h"
 #include "taskdsl/base/line_fault.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/generate/fragment_arguments.h"
+#include "taskdsl/generate/fragment_library.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "taskdsl/base/source_line.h"
 #include "taskdsl/generate/fragment.h"
 #include "taskdsl/generate/include_line.h"
 #include "taskdsl/generate/parse_context.h"
-#include "taskdsl/base/source_line.h"
 
 #include <string>
 #include <vector>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "taskdsl/generate/fragment.h"
-#include "taskdsl/generate/include_line.h"
 #include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/generate/fragment.h"
+#include "taskdsl/generate/include_line.h"
 
 namespace morquill::taskdsl {
 

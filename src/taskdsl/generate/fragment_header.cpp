@@ -1,9 +1,9 @@
 #include "taskdsl/generate/fragment_header.h"
 
 #include "support/text.h"
-#include "taskdsl/generate/include_line.h"
 #include "taskdsl/base/line_fault.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/generate/include_line.h"
 
 #include <set>
 #include <utility>

@@ -2,11 +2,11 @@
 
 #include "support/file.h"
 #include "support/text.h"
+#include "taskdsl/base/line_fault.h"
+#include "taskdsl/base/scan.h"
 #include "taskdsl/generate/fragment_header.h"
 #include "taskdsl/generate/include_line.h"
 #include "taskdsl/generate/include_path.h"
-#include "taskdsl/base/line_fault.h"
-#include "taskdsl/base/scan.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -2,9 +2,9 @@
 
 #include "console/runtime_config.h"
 #include "support/file.h"
+#include "support/paths.h"
 
 #include <filesystem>
-#include <system_error>
 
 namespace morquill::taskdsl {
 
@@ -36,12 +36,6 @@ std::string findInLibraryPath(const std::string& name) {
 }
 
 } // namespace
-
-std::string absolutePath(const std::string& path) {
-    std::error_code error;
-    const auto absolute = fs::absolute(path, error);
-    return (error ? fs::path(path) : absolute).lexically_normal().string();
-}
 
 std::string resolveIncludePath(std::string_view name, const std::string& baseFile) {
     if (name.empty()) {

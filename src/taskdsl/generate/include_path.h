@@ -12,7 +12,4 @@ namespace morquill::taskdsl {
 /// there is none. Empty for an empty name.
 [[nodiscard]] std::string resolveIncludePath(std::string_view name, const std::string& baseFile);
 
-/// An absolute, normalised path; nothing is asked of the file system but the current directory.
-[[nodiscard]] std::string absolutePath(const std::string& path);
-
 } // namespace morquill::taskdsl

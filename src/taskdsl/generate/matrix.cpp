@@ -1,10 +1,10 @@
 #include "taskdsl/generate/matrix.h"
 
 #include "support/text.h"
-#include "taskdsl/generate/define_block.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/generate/define_block.h"
 
 #include <algorithm>
 

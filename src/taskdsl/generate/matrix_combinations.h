@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/task/matrix_axis.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/task/matrix_axis.h"
 
 #include <cstddef>
 #include <string>

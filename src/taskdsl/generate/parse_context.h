@@ -1,10 +1,11 @@
 #pragma once
 
+#include "support/name_list.h"
 #include "taskdsl/base/diagnostic.h"
-#include "taskdsl/generate/fragment.h"
 #include "taskdsl/base/growth.h"
-#include "taskdsl/generate/include_chain.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/generate/fragment.h"
+#include "taskdsl/generate/include_chain.h"
 
 #include <cstddef>
 #include <map>
@@ -15,26 +16,11 @@
 
 namespace morquill::taskdsl {
 
-/// Paths in the order of first use, each once.
-class FileList {
-  public:
-    void add(const std::string& path) {
-        if (known.insert(path).second) {
-            paths.push_back(path);
-        }
-    }
-    [[nodiscard]] const std::vector<std::string>& list() const noexcept { return paths; }
-
-  private:
-    std::vector<std::string> paths;
-    std::set<std::string> known;
-};
-
 /// What one document brings along while it is being read.
 struct DocumentContext {
     /// The libraries that the file itself imports, by namespace alias.
     std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> namespaces;
-    FileList includedFiles; ///< files read for this document
+    NameList includedFiles; ///< files read for this document
 };
 
 /// Namespace alias to library path.

@@ -2,13 +2,13 @@
 
 #include "support/file.h"
 #include "support/text.h"
+#include "taskdsl/base/scan.h"
 #include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/fragment_library.h"
 #include "taskdsl/generate/include_line.h"
 #include "taskdsl/generate/include_path.h"
 #include "taskdsl/generate/matrix.h"
 #include "taskdsl/generate/removed_include.h"
-#include "taskdsl/base/scan.h"
 #include "taskdsl/generate/yaml_section.h"
 
 #include <utility>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "taskdsl/generate/foreach.h"
-#include "taskdsl/task/matrix_axis.h"
-#include "taskdsl/generate/parse_context.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/generate/foreach.h"
+#include "taskdsl/generate/parse_context.h"
+#include "taskdsl/task/matrix_axis.h"
 #include "taskdsl/task/task_document.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/generate/foreach.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/generate/foreach.h"
 
 #include <cstddef>
 #include <string>

@@ -2,22 +2,23 @@
 
 #include "console/logger.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
-#include "taskdsl/parser/block_capture.h"
-#include "taskdsl/generate/define_block.h"
+#include "taskdsl/base/scan.h"
 #include "taskdsl/derive/derive_parser.h"
 #include "taskdsl/derive/derive_substitute.h"
-#include "taskdsl/task/directive_reader.h"
+#include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/expand_includes.h"
 #include "taskdsl/generate/include_path.h"
 #include "taskdsl/generate/matrix_expand.h"
-#include "taskdsl/plot/plot_parser.h"
-#include "taskdsl/plot/substitute_plot.h"
 #include "taskdsl/generate/prelude.h"
 #include "taskdsl/generate/removed_include.h"
-#include "taskdsl/base/scan.h"
+#include "taskdsl/parser/block_capture.h"
 #include "taskdsl/parser/task_include.h"
 #include "taskdsl/parser/task_passes.h"
+#include "taskdsl/plot/plot_parser.h"
+#include "taskdsl/plot/substitute_plot.h"
+#include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/task_substitution.h"
 
 #include <algorithm>
@@ -298,7 +299,7 @@ TaskDocument TaskParser::readDocument(std::string_view text, const std::string& 
     substituteDefines(document);
     expandMatrix(document);
     applyHeaderMetadata(document, path, warnings);
-    document.includedFiles = context.document.includedFiles.list();
+    document.includedFiles = context.document.includedFiles.names();
     document.libraryBindings = libraryBindings(context.document);
     return document;
 }

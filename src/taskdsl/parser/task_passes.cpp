@@ -2,8 +2,8 @@
 
 #include "support/number.h"
 #include "support/text.h"
-#include "taskdsl/task/mod_operation.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/task/mod_operation.h"
 #include "taskdsl/task/when_expr.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "taskdsl/plot/enumerations.h"
-#include "taskdsl/expr/expression.h"
 #include "taskdsl/base/source_span.h"
+#include "taskdsl/expr/expression.h"
+#include "taskdsl/plot/enumerations.h"
 
 #include <cstdint>
 #include <string>

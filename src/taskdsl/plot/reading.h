@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/plot/model.h"
 #include "taskdsl/expr/statement_reader.h"
+#include "taskdsl/plot/model.h"
 
 #include <cstddef>
 #include <span>

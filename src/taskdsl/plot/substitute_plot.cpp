@@ -1,6 +1,7 @@
 #include "taskdsl/plot/substitute_plot.h"
 
 #include "support/text.h"
+#include "taskdsl/expr/substitute_expression.h"
 
 #include <utility>
 
@@ -8,19 +9,11 @@ namespace morquill::taskdsl::plot {
 
 namespace {
 
-/// Replaces in place whatever it is given, down to the texts. True when a text changed.
+/// Replaces in place whatever it is given, down to the texts.
 struct Substitution {
     const ValueMap& values;
 
-    bool operator()(std::string& text) const {
-        if (text.find('[') == std::string::npos) {
-            return false;
-        }
-        auto replaced = substituteBrackets(text, values);
-        const bool changed = replaced != text;
-        text = std::move(replaced);
-        return changed;
-    }
+    void operator()(std::string& text) const { substituteInto(text, values); }
 
     void operator()(ExprRef& expression) const { expression = substituteExpression(expression, values); }
 
@@ -71,30 +64,6 @@ void substitutePlot(PlotSpec& plot, const ValueMap& values) {
     }
     Substitution{values}.all(plot.id, plot.name, plot.ownerTask, plot.sourceArgument, plot.data,
                              plot.outputPath, plot.xAxis, plot.yAxis, plot.y2Axis, plot.legend, plot.title);
-}
-
-ExprRef substituteExpression(const ExprRef& expression, const ValueMap& values) {
-    const Substitution substitute{values};
-    return mapExpression(expression, [&](const ExprRef& node) -> ExprRef {
-        auto copy = node->node;
-        const bool changed =
-            std::visit(Match{[&](StringExpr& string) { return substitute(string.text); },
-                             [&](IdentifierExpr& identifier) { return substitute(identifier.name); },
-                             [&](SnapshotExpr& snapshot) {
-                                 const bool task = substitute(snapshot.task);
-                                 return substitute(snapshot.key) || task;
-                             },
-                             [&](CallExpr& call) {
-                                 bool any = substitute(call.name);
-                                 for (auto& argument : call.arguments) {
-                                     any = substitute(argument.name) || any;
-                                 }
-                                 return any;
-                             },
-                             [](auto&) { return false; }},
-                       copy);
-        return changed ? makeExpression(std::move(copy)) : node;
-    });
 }
 
 } // namespace morquill::taskdsl::plot

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/plot/model.h"
 #include "taskdsl/base/source_span.h"
+#include "taskdsl/plot/model.h"
 
 #include <cstdint>
 #include <string>

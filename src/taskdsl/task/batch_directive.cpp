@@ -1,7 +1,7 @@
 // %batch: lanes, collected files and clustering. Strict: every problem ends the parse.
 
-#include "taskdsl/task/directive_reader.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/task/directive_reader.h"
 
 #include "support/number.h"
 #include "support/text.h"

@@ -1,7 +1,7 @@
 // %control: resources and scheduling flags. A doubtful line warns and leaves the task as it was.
 
-#include "taskdsl/task/directive_reader.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/task/directive_reader.h"
 
 #include "support/number.h"
 #include "support/text.h"

@@ -1,9 +1,9 @@
 // The directive table and the handlers of all directives but %control, %batch and %source.
 
+#include "taskdsl/base/scan.h"
+#include "taskdsl/plot/plot_parser.h"
 #include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/mod_operation.h"
-#include "taskdsl/plot/plot_parser.h"
-#include "taskdsl/base/scan.h"
 
 #include "support/text.h"
 

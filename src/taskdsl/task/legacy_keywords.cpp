@@ -1,8 +1,8 @@
 #include "taskdsl/task/legacy_keywords.h"
 
 #include "support/text.h"
-#include "taskdsl/base/scan.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/scan.h"
 
 #include <optional>
 
@@ -89,6 +89,14 @@ std::string legacyParamValues(std::string_view keywords) {
         appendCanonicalScalar(result, taskdsl::unquote(*value));
     }
     return result;
+}
+
+std::string resolvedTemplateName(const TaskInfo& task) {
+    return task.templateName.empty() ? legacyTemplateName(task.keywords) : task.templateName;
+}
+
+const std::string& resolvedRunner(const TaskInfo& task) noexcept {
+    return task.runner.empty() ? task.keywords : task.runner;
 }
 
 } // namespace morquill::taskdsl

@@ -1,7 +1,7 @@
 // %source: one inline source, or a block of named bindings.
 
-#include "taskdsl/task/directive_reader.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/source_spec.h"
 
 #include "support/text.h"

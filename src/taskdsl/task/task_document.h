@@ -1,12 +1,12 @@
 #pragma once
 
 #include "support/shared.h"
-#include "taskdsl/derive/derive_spec.h"
-#include "taskdsl/task/matrix_axis.h"
-#include "taskdsl/plot/model.h"
 #include "taskdsl/base/source_line.h"
-#include "taskdsl/task/source_spec.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/derive/derive_spec.h"
+#include "taskdsl/plot/model.h"
+#include "taskdsl/task/matrix_axis.h"
+#include "taskdsl/task/source_spec.h"
 
 #include <cstdint>
 #include <map>

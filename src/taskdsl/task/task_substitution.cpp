@@ -1,8 +1,8 @@
 #include "taskdsl/task/task_substitution.h"
 
 #include "taskdsl/base/diagnostic.h"
-#include "taskdsl/task/mod_operation.h"
 #include "taskdsl/plot/substitute_plot.h"
+#include "taskdsl/task/mod_operation.h"
 #include "taskdsl/task/source_spec.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/expr/plot_block.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/expr/plot_block.h"
 #include "taskdsl/task/task_document.h"
 
 /// `[key]` references in the fields of tasks, plots and derives.

@@ -69,7 +69,7 @@ TemplateLibrary loadTemplateLibrary(std::string_view pathList) {
                 addTemplate(file, library);
             } catch (const std::exception& error) {
                 console::writeErr("[mqkit][ERROR] failed to load template " + quotedPath(file.path) + ": " +
-                                   error.what() + "\n");
+                                  error.what() + "\n");
             }
         });
     }

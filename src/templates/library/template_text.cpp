@@ -1,8 +1,8 @@
 #include "templates/library/template_text.h"
 
 #include "support/text.h"
-#include "taskdsl/generate/define_block.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/generate/define_block.h"
 
 #include <algorithm>
 #include <array>

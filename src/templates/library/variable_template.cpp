@@ -73,8 +73,8 @@ std::vector<VariableTemplate> loadVariableTemplates(std::string_view pathList) {
             try {
                 templates.push_back(readVariableTemplate(file));
             } catch (const std::exception& error) {
-                console::writeErr("[mqkit][ERROR] failed to load variable template " +
-                                   quotedPath(file.path) + ": " + error.what() + "\n");
+                console::writeErr("[mqkit][ERROR] failed to load variable template " + quotedPath(file.path) +
+                                  ": " + error.what() + "\n");
             }
         });
     }

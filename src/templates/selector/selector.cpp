@@ -1,8 +1,8 @@
 #include "templates/selector/selector.h"
 
 #include "console/console.h"
-#include "templates/selector/selector_dialogues.h"
 #include "system/terminal.h"
+#include "templates/selector/selector_dialogues.h"
 
 #include <utility>
 

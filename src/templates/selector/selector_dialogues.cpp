@@ -130,7 +130,7 @@ std::string describeValues(const SelectorState& state) {
 } // namespace
 
 SelectorState editVariables(SelectorState state, const SelectorConsole& console, bool& quit) {
-    console.print(showCursor);
+    console.print(system::showCursor);
     console.clearScreen();
     console.print("=== Edit variables ===\n\n");
     const auto names = selectedVariables(state);
@@ -142,24 +142,24 @@ SelectorState editVariables(SelectorState state, const SelectorConsole& console,
         }
     }
     state.previewText = composePreview(state);
-    console.print(hideCursor);
+    console.print(system::hideCursor);
     return state;
 }
 
 SelectorState generateTaskFile(SelectorState state, const SelectorConsole& console, bool& quit) {
-    console.print(showCursor);
+    console.print(system::showCursor);
     console.clearScreen();
     console.print("=== Generate task file ===\n\n");
     if (state.selected.empty()) {
         console.print("[mqkit][ERROR] no templates selected\n\n");
         quit = !waitForKey(console);
-        console.print(hideCursor);
+        console.print(system::hideCursor);
         return state;
     }
     console.print("Output filename (default: generated_task.mq): ");
     const auto answer = console.readLine();
     if (!answer) { // no answer is no consent to overwrite a file
-        console.print(hideCursor);
+        console.print(system::hideCursor);
         return state;
     }
     const std::string name = outputName(*answer);
@@ -172,12 +172,12 @@ SelectorState generateTaskFile(SelectorState state, const SelectorConsole& conso
     console.print("\nPress q to quit, or any other key to continue editing...");
     const auto pressed = console.readKey();
     quit = pressed == 'q' || pressed == key::endOfInput;
-    console.print(hideCursor);
+    console.print(system::hideCursor);
     return state;
 }
 
 void runSelectorLoop(SelectorState state, const SelectorConsole& console) {
-    console.print(hideCursor);
+    console.print(system::hideCursor);
     for (bool quit = false; !quit;) {
         state = scrollToCursors(std::move(state));
         console.clearScreen();
@@ -198,7 +198,7 @@ void runSelectorLoop(SelectorState state, const SelectorConsole& console) {
             break;
         }
     }
-    console.print(showCursor);
+    console.print(system::showCursor);
 }
 
 } // namespace morquill::templates

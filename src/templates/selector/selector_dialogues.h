@@ -13,14 +13,11 @@ namespace morquill::templates {
 /// What the selector speaks through: the terminal, or a script in tests.
 struct SelectorConsole {
     std::function<void(std::string_view text)> print;
-    std::function<void()> system::clearScreen;
-    std::function<std::int32_t()> system::readKey;
+    std::function<void()> clearScreen;
+    std::function<std::int32_t()> readKey;
     /// One line without its line end; nothing at the end of input.
-    std::function<std::optional<std::string>()> system::readLine;
+    std::function<std::optional<std::string>()> readLine;
 };
-
-inline constexpr std::string_view hideCursor = "\033[?25l";
-inline constexpr std::string_view showCursor = "\033[?25h";
 
 /// The line-by-line dialogue that sets variables. Sets `quit` when the input ended at a key.
 [[nodiscard]] SelectorState editVariables(SelectorState state, const SelectorConsole& console, bool& quit);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/terminal.h"
 #include "taskdsl/base/substitute.h"
 #include "templates/library/template_library.h"
 #include "templates/library/variable_template.h"
@@ -13,17 +14,7 @@
 /// reads, prints or writes a file.
 namespace morquill::templates {
 
-/// A key is a byte value, an arrow, or the end of input.
-namespace key {
-inline constexpr std::int32_t endOfInput = -1;
-inline constexpr std::int32_t lineFeed = 10;
-inline constexpr std::int32_t carriageReturn = 13;
-inline constexpr std::int32_t escape = 27;
-inline constexpr std::int32_t up = 1001;
-inline constexpr std::int32_t down = 1002;
-inline constexpr std::int32_t right = 1003;
-inline constexpr std::int32_t left = 1004;
-} // namespace key
+namespace key = system::key;
 
 /// Rows of a list that are shown at a time.
 inline constexpr std::int32_t viewRows = 20;

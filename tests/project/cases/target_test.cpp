@@ -1,6 +1,6 @@
 #include "project/cases/target.h"
 
-#include "scratch_tree.h"
+#include "fixtures/scratch_tree.h"
 
 #include <sys/stat.h>
 

@@ -1,8 +1,8 @@
 #include "project/rename/rename.h"
 #include "project/rename/rename_files.h"
 
-#include "file_size_limit.h"
-#include "scratch_tree.h"
+#include "fixtures/file_size_limit.h"
+#include "fixtures/scratch_tree.h"
 
 namespace morquill::project {
 namespace {

@@ -1,7 +1,7 @@
 #include "project/status/status_file.h"
 
-#include "file_size_limit.h"
-#include "scratch_tree.h"
+#include "fixtures/file_size_limit.h"
+#include "fixtures/scratch_tree.h"
 
 namespace morquill::project {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace morquill::views {
+namespace morquill::taskdsl {
 namespace {
 
 TEST(CanonicalScalar, PlainWordsStandBare) {
@@ -48,4 +48,4 @@ TEST(CanonicalScalar, ListsAndNumbers) {
 }
 
 } // namespace
-} // namespace morquill::views
+} // namespace morquill::taskdsl

@@ -1,7 +1,7 @@
 #include "taskdsl/derive/condition.h"
 
-#include "taskdsl/derive/derive_output.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/derive/derive_output.h"
 
 #include <gtest/gtest.h>
 

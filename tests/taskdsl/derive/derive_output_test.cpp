@@ -1,6 +1,6 @@
 #include "taskdsl/derive/derive_output.h"
 
-#include "blocks.h"
+#include "fixtures/blocks.h"
 #include "support/file.h"
 
 #include <gtest/gtest.h>

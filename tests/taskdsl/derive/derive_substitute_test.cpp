@@ -1,6 +1,6 @@
 #include "taskdsl/derive/derive_substitute.h"
 
-#include "blocks.h"
+#include "fixtures/blocks.h"
 
 #include <gtest/gtest.h>
 

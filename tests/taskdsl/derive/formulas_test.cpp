@@ -1,6 +1,6 @@
 #include "taskdsl/derive/formulas.h"
 
-#include "blocks.h"
+#include "fixtures/blocks.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "taskdsl/generate/expand_includes.h"
 #include "taskdsl/generate/fragment_library.h"
 
-#include "temporary_directory.h"
-#include "test_lines.h"
+#include "fixtures/temporary_directory.h"
+#include "fixtures/test_lines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

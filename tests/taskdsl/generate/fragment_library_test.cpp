@@ -1,8 +1,8 @@
 #include "taskdsl/generate/fragment_library.h"
 #include "taskdsl/generate/include_path.h"
 
-#include "temporary_directory.h"
-#include "test_lines.h"
+#include "fixtures/temporary_directory.h"
+#include "fixtures/test_lines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -91,7 +91,7 @@ TEST(LoadLibrary, ReadsNamedFragmentsWithTheirBodies) {
     EXPECT_EQ(textOf(library->fragments.at("note").lines), "# kept\nlast\n");
     EXPECT_EQ(textOf(library->fragments.at("none").lines), "");
     EXPECT_EQ(loadLibrary(path, "", context), library); // read once
-    EXPECT_THAT(context.document.includedFiles.list(), ElementsAre(path));
+    EXPECT_THAT(context.document.includedFiles.names(), ElementsAre(path));
 }
 
 TEST(LoadLibrary, LoadsWhatItNames) {
@@ -102,7 +102,7 @@ TEST(LoadLibrary, LoadsWhatItNames) {
     ParseContext context(noWarnings);
     const auto library = loadLibrary("a.mqlib", dir.path("t.mq"), context);
     EXPECT_EQ(textOf(library->dependencies.at("b")->dependencies.at("c")->fragments.at("y").lines), "2\n");
-    EXPECT_THAT(context.document.includedFiles.list(),
+    EXPECT_THAT(context.document.includedFiles.names(),
                 ElementsAre(dir.path("a.mqlib"), dir.path("sub/b.mqlib"), dir.path("sub/c.mqlib")));
 }
 
@@ -179,7 +179,7 @@ TEST(LoadFragmentFile, WithoutAHeaderItIsOfTheKindOfTheScope) {
     EXPECT_EQ(fragment.name, "f.mqfrag");
     EXPECT_EQ(fragment.path.str(), path);
     EXPECT_EQ(textOf(fragment.lines), "\na\n");
-    EXPECT_THAT(context.document.includedFiles.list(), ElementsAre(path));
+    EXPECT_THAT(context.document.includedFiles.names(), ElementsAre(path));
 }
 
 TEST(LoadFragmentFile, AHeaderCountsOnlyInAFragmentFileOutsideTextScope) {

@@ -2,7 +2,7 @@
 #include "taskdsl/generate/fragment_arguments.h"
 #include "taskdsl/generate/fragment_header.h"
 
-#include "test_lines.h"
+#include "fixtures/test_lines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

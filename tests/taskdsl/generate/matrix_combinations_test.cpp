@@ -1,6 +1,6 @@
 #include "taskdsl/generate/matrix_combinations.h"
 
-#include "test_lines.h"
+#include "fixtures/test_lines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

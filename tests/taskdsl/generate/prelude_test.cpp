@@ -1,7 +1,7 @@
 #include "taskdsl/generate/prelude.h"
 
-#include "temporary_directory.h"
-#include "test_lines.h"
+#include "fixtures/temporary_directory.h"
+#include "fixtures/test_lines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ ReadPrelude read(std::string_view text, const std::string& path = "t.mq") {
     const auto lines = splitLines(text);
     prelude.result = parsePrelude(lines, 0, prelude.next, path, context);
     prelude.bindings = libraryBindings(context.document);
-    prelude.includedFiles = context.document.includedFiles.list();
+    prelude.includedFiles = context.document.includedFiles.names();
     return prelude;
 }
 

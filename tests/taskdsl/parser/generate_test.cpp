@@ -2,9 +2,9 @@
 #include "taskdsl/generate/matrix_expand.h"
 #include "taskdsl/task/task_substitution.h"
 
-#include "parse_text.h"
-#include "temporary_directory.h"
-#include "test_lines.h"
+#include "fixtures/parse_text.h"
+#include "fixtures/temporary_directory.h"
+#include "fixtures/test_lines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 #include "taskdsl/plot/plot_parser.h"
 #include "taskdsl/plot/render.h"
 
-#include "plots.h"
+#include "fixtures/plots.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

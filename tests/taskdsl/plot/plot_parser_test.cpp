@@ -1,6 +1,6 @@
 #include "taskdsl/plot/plot_parser.h"
 
-#include "plots.h"
+#include "fixtures/plots.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "taskdsl/plot/substitute_plot.h"
 
-#include "plots.h"
+#include "fixtures/plots.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "taskdsl/expr/statement_reader.h"
 
-#include "plots.h"
+#include "fixtures/plots.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "parse_text.h"
+#include "fixtures/parse_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "parse_text.h"
+#include "fixtures/parse_text.h"
 #include "taskdsl/parser/block_capture.h"
 #include "taskdsl/task/directive_reader.h"
 

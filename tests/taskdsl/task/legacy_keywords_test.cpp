@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace morquill::views {
+namespace morquill::taskdsl {
 namespace {
 
 TEST(LegacyKeywords, TheJobNamesTheTemplate) {
@@ -33,4 +33,4 @@ TEST(LegacyKeywords, LongTextsCostTheirLength) {
 }
 
 } // namespace
-} // namespace morquill::views
+} // namespace morquill::taskdsl

@@ -1,4 +1,4 @@
-#include "parse_text.h"
+#include "fixtures/parse_text.h"
 #include "taskdsl/task/task_document.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "templates/selector/selector_dialogues.h"
 
-#include "selector_sample.h"
+#include "fixtures/selector_sample.h"
 #include "support/file.h"
 
 #include <gmock/gmock.h>

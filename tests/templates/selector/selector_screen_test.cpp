@@ -1,6 +1,6 @@
 #include "templates/selector/selector_screen.h"
 
-#include "selector_sample.h"
+#include "fixtures/selector_sample.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <vector>
 
-namespace morquill::project {
+namespace morquill {
 
 /// Names in order of first appearance, each once, none empty.
 class NameList {
@@ -22,4 +22,4 @@ class NameList {
     std::unordered_set<std::string> seen_;
 };
 
-} // namespace morquill::project
+} // namespace morquill
