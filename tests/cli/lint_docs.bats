@@ -15,14 +15,14 @@ setup() {
 }
 
 codes_of_the_program() {
-    sed -n 's/^ *{"\([a-z0-9-]*\)", [WE], ".*/\1/p' "$MQKIT_SOURCE/src/views/lint_rules.cpp" | sort -u
+    sed -n 's/^ *{"\([a-z0-9-]*\)", [WE], ".*/\1/p' "$MQKIT_SOURCE/src/lint/rules.cpp" | sort -u
 }
 
 @test "every code has one section and one row in the table, with its severity" {
     [ "$(codes_of_the_program | wc -l)" -eq 27 ]
     diff <(codes_of_the_program) <(sed -n 's/^### //p' "$MQKIT_SOURCE/docs/lint.md" | sort)
     diff <(sed -n 's/^ *{"\([a-z0-9-]*\)", W, ".*/\1 warning/p; s/^ *{"\([a-z0-9-]*\)", E, ".*/\1 error/p' \
-        "$MQKIT_SOURCE/src/views/lint_rules.cpp" | sort -u) \
+        "$MQKIT_SOURCE/src/lint/rules.cpp" | sort -u) \
         <(sed -n 's/^| \[`\([a-z0-9-]*\)`\](#\1) | \([a-z]*\) | .*/\1 \2/p' "$MQKIT_SOURCE/docs/lint.md" | sort)
 }
 
