@@ -1,5 +1,6 @@
 #include "lint/lint.h"
 
+#include "console/command_line.h"
 #include "console/console.h"
 #include "console/logger.h"
 #include "lint/discovery.h"
@@ -7,7 +8,7 @@
 #include "lint/report.h"
 #include "support/text.h"
 
-#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@ using console::writeOut;
 namespace {
 
 struct LintOptions {
+    bool help = false;
     bool strict = false;
     bool quiet = false;
     std::string format = "text";
@@ -50,50 +52,54 @@ void printDriverHelp(const std::string& program) {
              "  - lint parses task files with shared parser AST and source spans\n");
 }
 
-int refuse(const std::string& text, const std::string& program) {
-    writeErr(text + "\n");
-    printDriverHelp(program);
-    return 1;
+console::UsageError usageError(const std::string& message) {
+    return console::UsageError(console::ErrorTag::none, message);
 }
 
-/// Reads the arguments behind the program; the exit status when the command ends here.
-std::optional<int> readArguments(const std::vector<std::string>& arguments, LintOptions& options) {
-    const std::string& program = arguments.front();
-    for (std::size_t i = 1; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        if (argument == "-h" || argument == "--help") {
-            printDriverHelp(program);
-            return 0;
-        }
-        if (argument == "--strict") {
-            options.strict = true;
-        } else if (argument == "--quiet") {
-            options.quiet = true;
-        } else if (argument == "--format") {
-            if (i + 1 == arguments.size()) {
-                return refuse("--format expects a value", program);
-            }
-            options.format = toLower(arguments[++i]);
-            if (options.format != "text" && options.format != "json") {
-                return refuse("unsupported format: " + options.format, program);
-            }
-        } else if (argument.starts_with('-')) {
-            return refuse("unknown argument: " + argument, program);
-        } else {
-            options.paths.push_back(argument);
-        }
+void askHelp(LintOptions& options, console::Words /*values*/) {
+    options.help = true;
+}
+void setStrict(LintOptions& options, console::Words /*values*/) {
+    options.strict = true;
+}
+void setQuiet(LintOptions& options, console::Words /*values*/) {
+    options.quiet = true;
+}
+void setFormat(LintOptions& options, console::Words values) {
+    options.format = toLower(values.front());
+    if (options.format != "text" && options.format != "json") {
+        throw usageError("unsupported format: " + options.format);
     }
+}
+
+// clang-format off
+constexpr console::OptionRow<LintOptions> optionRows[] = {
+    {"-h",       console::restOfLine, askHelp},
+    {"--help",   console::restOfLine, askHelp},
+    {"--strict", console::noValue,    setStrict},
+    {"--quiet",  console::noValue,    setQuiet},
+    {"--format", console::oneValue,   setFormat, "--format expects a value", console::ErrorTag::none},
+};
+// clang-format on
+
+/// Reads the words behind the command word. Throws `UsageError`.
+LintOptions readCommandLine(int argc, char** argv) {
+    LintOptions options;
+    console::readWords(console::wordsFrom(argc, argv, 2), optionRows, options, [&](console::Words words) {
+        const std::string_view word = words.front();
+        if (word.starts_with('-')) {
+            throw usageError("unknown argument: " + std::string(word));
+        }
+        options.paths.emplace_back(word);
+        return std::size_t{1};
+    });
     if (options.paths.empty()) {
         options.paths.emplace_back(".");
     }
-    return std::nullopt;
+    return options;
 }
 
-int runDriver(const std::vector<std::string>& arguments) {
-    LintOptions options;
-    if (const auto status = readArguments(arguments, options)) {
-        return *status;
-    }
+int lintFiles(const LintOptions& options) {
     const auto files = findTaskFiles(options.paths);
     if (files.empty()) {
         writeErr("no .mq files found\n");
@@ -121,11 +127,19 @@ int runLint(int argc, char** argv) {
         console::Logger::instance().openSession({}, console::LogLevel::Skip, console::LogLevel::Error,
                                                 console::decideColor(argc, argv));
     }
-    std::vector<std::string> arguments{console::toolBaseName(argv[0]) + " lint"};
-    for (int i = 2; i < argc; ++i) {
-        arguments.emplace_back(argv[i]);
+    const std::string program = console::toolBaseName(argv[0]) + " lint";
+    try {
+        const LintOptions options = readCommandLine(argc, argv);
+        if (options.help) {
+            printDriverHelp(program);
+            return 0;
+        }
+        return lintFiles(options);
+    } catch (const console::UsageError& error) {
+        const int status = console::reportUsageError(error);
+        printDriverHelp(program);
+        return status;
     }
-    return runDriver(arguments);
 }
 
 void printLintHelp(std::string_view programPath) {

@@ -1,5 +1,6 @@
 #include "project/project_command.h"
 
+#include "console/command_line.h"
 #include "console/console.h"
 #include "project/cases/selection.h"
 #include "project/cases/target.h"
@@ -22,12 +23,11 @@ bool isHelpWanted(int argc, char** argv) {
     return false;
 }
 
-using ParseOperation = bool (*)(int argc, const char* const* argv, ProjectOptions& options);
-
-int runFrame(int argc, char** argv, ParseOperation parse) {
-    ProjectOptions options;
-    if (parse(argc, argv, options)) {
-        return runProjectWorkflow(options, argv[0]);
+int runFrame(int argc, char** argv, ProjectOptions (*read)(int argc, const char* const* argv)) {
+    try {
+        return runProjectWorkflow(read(argc, argv), argv[0]);
+    } catch (const console::UsageError& error) {
+        console::reportUsageError(error);
     }
     printProjectHelp(argc > 0 ? argv[0] : "");
     return isHelpWanted(argc, argv) ? 0 : 1;
@@ -75,24 +75,27 @@ int runSubCommand(const ProjectOptions& options, std::string_view programPath) {
 } // namespace
 
 int runProject(int argc, char** argv) {
-    return runFrame(argc, argv, parseProjectArguments);
+    return runFrame(argc, argv, readProjectWords);
 }
 
 int runProjectCompatibility(int argc, char** argv) {
-    return runFrame(argc, argv, parseCompatibilityArguments);
+    return runFrame(argc, argv, readCompatibilityWords);
 }
 
 int runUpdateCompatibility(int argc, char** argv) {
     if (argc < 2) {
         return 1;
     }
-    ProjectOptions options;
-    const UpdateShape shape = parseUpdateArguments(argc, argv, options);
-    if (shape == UpdateShape::run) {
-        return runProjectWorkflow(options, argv[0]);
+    int status = 0;
+    try {
+        return runProjectWorkflow(readUpdateWords(argc, argv), argv[0]);
+    } catch (const console::HelpRequest&) {
+        // the help is all there is
+    } catch (const console::UsageError& error) {
+        status = console::reportUsageError(error);
     }
     printProjectHelp(argv[0]);
-    return shape == UpdateShape::help ? 0 : 1;
+    return status;
 }
 
 int runProjectWorkflow(const ProjectOptions& options, std::string_view programPath) {

@@ -1,23 +1,24 @@
 #include "project/project_options.h"
 
+#include "console/command_line.h"
 #include "console/console.h"
 #include "project/cases/target.h"
 #include "support/file.h"
 #include "support/text.h"
-#include "system/prompt.h"
 
 #include <algorithm>
 #include <array>
 #include <iterator>
 #include <map>
 #include <optional>
-#include <span>
 
 namespace morquill::project {
 
 namespace {
 
-using Tokens = std::span<const char* const>;
+using console::ErrorTag;
+using console::UsageError;
+using console::Words;
 
 struct SubCommandRow {
     std::string_view name;
@@ -33,123 +34,107 @@ constexpr std::array<SubCommandRow, 6> subCommands{{
     {"collect", ProjectSubCommand::Collect},
 }};
 
-/// A set of sub-commands, one bit each.
-using CommandSet = std::uint32_t;
-
-constexpr CommandSet only(ProjectSubCommand command) {
-    return CommandSet{1} << static_cast<unsigned>(command);
+UsageError refusal(const std::string& message) {
+    return UsageError(ErrorTag::plain, message);
 }
-constexpr CommandSet noCommand = only(ProjectSubCommand::None);
-constexpr CommandSet everyCommand = ~CommandSet{0};
 
-enum class Values { none, one, list };
-
-/// One option of one command-line shape.
-struct OptionRow {
-    std::string_view token;
-    CommandSet validWith;    ///< what may be chosen when the option is met
-    std::string_view misuse; ///< said with any other sub-command; empty for no message
-    Values values;
-    std::string_view missingValue; ///< said when no token follows; empty for no message
-    bool (*apply)(ProjectOptions& options, Tokens values);
-};
-
-bool setPath(ProjectOptions& options, Tokens values) {
+void setPath(ProjectOptions& options, Words values) {
     if (!options.path.empty()) {
-        return false;
+        throw UsageError(ErrorTag::none);
     }
     options.path = values.front();
-    return true;
 }
 
-bool addNames(ProjectOptions& options, Tokens values) {
+void addNames(ProjectOptions& options, Words values) {
     appendNames(options, values.front());
-    return true;
 }
 
-bool setDryRun(ProjectOptions& options, Tokens /*values*/) {
-    return options.dryRun = true;
+void setDryRun(ProjectOptions& options, Words /*values*/) {
+    options.dryRun = true;
 }
 
-bool setRunComd(ProjectOptions& options, Tokens /*values*/) {
-    return options.runComd = true;
+void setRunComd(ProjectOptions& options, Words /*values*/) {
+    options.runComd = true;
 }
 
-bool setRunScript(ProjectOptions& options, Tokens /*values*/) {
-    return options.runScript = true;
+void setRunScript(ProjectOptions& options, Words /*values*/) {
+    options.runScript = true;
 }
 
-std::string joinTokens(Tokens tokens) {
-    return join({tokens.begin(), tokens.end()}, " ");
+void setCommand(ProjectOptions& options, Words values) {
+    options.command = join({values.begin(), values.end()}, " ");
 }
 
-bool setCommand(ProjectOptions& options, Tokens values) {
-    options.command = joinTokens(values);
-    return true;
-}
-
-bool chooseRebuild(ProjectOptions& options, Tokens /*values*/) {
+void chooseRebuild(ProjectOptions& options, Words /*values*/) {
     options.subCommand = ProjectSubCommand::Rebuild;
-    return true;
 }
 
-bool chooseExec(ProjectOptions& options, Tokens values) {
+void chooseExec(ProjectOptions& options, Words values) {
     options.subCommand = ProjectSubCommand::Exec;
-    return setCommand(options, values);
+    setCommand(options, values);
 }
 
-bool chooseCollect(ProjectOptions& options, Tokens values) {
+void chooseCollect(ProjectOptions& options, Words values) {
     options.subCommand = ProjectSubCommand::Collect;
     for (const std::string_view value : values) {
         if (const std::string_view pattern = trim(value); !pattern.empty()) {
             options.patterns.emplace_back(pattern);
         }
     }
-    return true;
 }
 
-constexpr std::string_view runComdMisuse = "[mqkit][ERROR] --run-comd is only valid with project update.";
-constexpr std::string_view runScriptMisuse =
-    "[mqkit][ERROR] --run-script is only valid with project rebuild.";
-constexpr std::string_view nameWithoutValue = "[mqkit][ERROR] -n/--name expects a value";
+void askHelp(ProjectOptions& /*options*/, Words /*values*/) {
+    throw console::HelpRequest();
+}
 
-// clang-format off
-constexpr OptionRow wordOptions[] = {
-    {"--path",       everyCommand,                     {},              Values::one,  {}, setPath},
-    {"-n",           everyCommand,                     {},              Values::one,  {}, addNames},
-    {"--name",       everyCommand,                     {},              Values::one,  {}, addNames},
-    {"--dry-run",    everyCommand,                     {},              Values::none, {}, setDryRun},
-    {"--run-comd",   only(ProjectSubCommand::Update),  runComdMisuse,   Values::none, {}, setRunComd},
-    {"--run-script", only(ProjectSubCommand::Rebuild), runScriptMisuse, Values::none, {}, setRunScript},
-    {"--run-runner", only(ProjectSubCommand::Rebuild), runScriptMisuse, Values::none, {}, setRunScript},
-    {"--cmd",        only(ProjectSubCommand::Exec),    {},              Values::one,  {}, setCommand},
-};
+/// Everything behind `--` is the command of `exec`, options and help words included.
+void takeCommand(ProjectOptions& options, Words values) {
+    if (options.subCommand != ProjectSubCommand::Exec) {
+        throw UsageError(ErrorTag::none);
+    }
+    if (!values.empty()) {
+        setCommand(options, values);
+    }
+}
 
-constexpr OptionRow compatibilityOptions[] = {
-    {"--dry-run",    everyCommand, {}, Values::none, {}, setDryRun},
-    {"--rebuild",    noCommand | only(ProjectSubCommand::Rebuild),
-     "[mqkit][ERROR] --rebuild cannot be combined with --exec or --collect", Values::none, {}, chooseRebuild},
-    {"--run-script", everyCommand, {}, Values::none, {}, setRunScript},
-    {"--run-runner", everyCommand, {}, Values::none, {}, setRunScript},
-    {"--run-comd",   0, runComdMisuse, Values::none, {}, setRunComd},
-    {"-n",           everyCommand, {}, Values::one, nameWithoutValue, addNames},
-    {"--name",       everyCommand, {}, Values::one, nameWithoutValue, addNames},
-    {"--exec",       noCommand | only(ProjectSubCommand::Exec),
-     "[mqkit][ERROR] --exec cannot be combined with --collect or --rebuild", Values::list,
-     "[mqkit][ERROR] --exec expects a value", chooseExec},
-    {"--collect",    noCommand | only(ProjectSubCommand::Collect),
-     "[mqkit][ERROR] --collect cannot be combined with --exec or --rebuild", Values::list,
-     "[mqkit][ERROR] --collect expects at least one argument", chooseCollect},
-};
+template <ProjectSubCommand command>
+bool isChosen(const ProjectOptions& options) noexcept {
+    return options.subCommand == command;
+}
 
-constexpr OptionRow updateOptions[] = {
-    {"--path",     everyCommand, {}, Values::one,  {},               setPath},
-    {"-n",         everyCommand, {}, Values::one,  nameWithoutValue, addNames},
-    {"--name",     everyCommand, {}, Values::one,  nameWithoutValue, addNames},
-    {"--dry-run",  everyCommand, {}, Values::none, {},               setDryRun},
-    {"--run-comd", everyCommand, {}, Values::none, {},               setRunComd},
-};
-// clang-format on
+void needUpdate(const ProjectOptions& options) {
+    if (!isChosen<ProjectSubCommand::Update>(options)) {
+        throw refusal("--run-comd is only valid with project update.");
+    }
+}
+
+void needRebuild(const ProjectOptions& options) {
+    if (!isChosen<ProjectSubCommand::Rebuild>(options)) {
+        throw refusal("--run-script is only valid with project rebuild.");
+    }
+}
+
+void needExec(const ProjectOptions& options) {
+    if (!isChosen<ProjectSubCommand::Exec>(options)) {
+        throw UsageError(ErrorTag::none);
+    }
+}
+
+/// The older shape chooses its sub-command by an option, once.
+template <ProjectSubCommand command>
+void chooseOnce(const ProjectOptions& options) {
+    if (isChosen<ProjectSubCommand::None>(options) || isChosen<command>(options)) {
+        return;
+    }
+    switch (command) {
+    case ProjectSubCommand::Rebuild:
+        throw refusal("--rebuild cannot be combined with --exec or --collect");
+    case ProjectSubCommand::Exec:
+        throw refusal("--exec cannot be combined with --collect or --rebuild");
+    default:
+        throw refusal("--collect cannot be combined with --exec or --rebuild");
+    }
+}
 
 bool namesTemplate(std::string_view token) {
     return !token.starts_with('-') && token.ends_with(".projmq");
@@ -163,66 +148,76 @@ bool endsList(std::string_view token) {
     return std::find(stops.begin(), stops.end(), token) != stops.end() || namesTemplate(token);
 }
 
-/// How many of the tokens behind an option are its values; nothing when too few are left. The first is taken
-/// whatever it is.
-std::optional<std::size_t> countValues(Values values, Tokens behind) {
-    if (values == Values::none) {
-        return 0;
-    }
+/// One value at least, whatever it is, and those behind it up to the next option or template.
+std::optional<std::size_t> severalValues(Words behind) noexcept {
     if (behind.empty()) {
         return std::nullopt;
-    }
-    if (values == Values::one) {
-        return 1;
     }
     return static_cast<std::size_t>(
         std::distance(behind.begin(), std::find_if(behind.begin() + 1, behind.end(), endsList)));
 }
 
-bool fail(std::string_view message) {
-    if (!message.empty()) {
-        system::printErrorLine(message);
-    }
-    return false;
-}
+using console::noValue;
+using console::oneValue;
+using console::restOfLine;
+using OptionRow = console::OptionRow<ProjectOptions>;
 
-bool failUnknown(std::string_view token) {
-    return fail(console::errorTag() + " unknown argument: " + std::string(token));
-}
+constexpr std::string_view nameWithoutValue = "-n/--name expects a value";
 
-enum class OptionMatch { none, taken, failed };
+// clang-format off
+constexpr OptionRow wordOptions[] = {
+    {"-h",           noValue,    askHelp},
+    {"help",         noValue,    askHelp},
+    {"--help",       noValue,    askHelp},
+    {"--",           restOfLine, takeCommand},
+    {"--path",       oneValue,   setPath},
+    {"-n",           oneValue,   addNames},
+    {"--name",       oneValue,   addNames},
+    {"--dry-run",    noValue,    setDryRun},
+    {"--run-comd",   noValue,    setRunComd,   {}, ErrorTag::none, needUpdate},
+    {"--run-script", noValue,    setRunScript, {}, ErrorTag::none, needRebuild},
+    {"--run-runner", noValue,    setRunScript, {}, ErrorTag::none, needRebuild},
+    {"--cmd",        oneValue,   setCommand,   {}, ErrorTag::none, needExec},
+};
 
-/// Looks the token at `index` up in a table and applies its row; `index` moves to its last value.
-OptionMatch matchOption(std::span<const OptionRow> table, Tokens tokens, std::size_t& index,
-                        ProjectOptions& options) {
-    const auto row = std::find_if(table.begin(), table.end(), [&](const OptionRow& candidate) {
-        return candidate.token == tokens[index];
-    });
-    if (row == table.end()) {
-        return OptionMatch::none;
-    }
-    if ((row->validWith & only(options.subCommand)) == 0) {
-        fail(row->misuse);
-        return OptionMatch::failed;
-    }
-    const Tokens behind = tokens.subspan(index + 1);
-    const std::optional<std::size_t> count = countValues(row->values, behind);
-    if (!count) {
-        fail(row->missingValue);
-        return OptionMatch::failed;
-    }
-    index += *count;
-    return row->apply(options, behind.first(*count)) ? OptionMatch::taken : OptionMatch::failed;
-}
+constexpr OptionRow compatibilityOptions[] = {
+    {"-h",           noValue,       askHelp},
+    {"help",         noValue,       askHelp},
+    {"--help",       noValue,       askHelp},
+    {"--dry-run",    noValue,       setDryRun},
+    {"--rebuild",    noValue,       chooseRebuild, {}, ErrorTag::none, chooseOnce<ProjectSubCommand::Rebuild>},
+    {"--run-script", noValue,       setRunScript},
+    {"--run-runner", noValue,       setRunScript},
+    {"--run-comd",   noValue,       setRunComd, {}, ErrorTag::none, needUpdate},
+    {"-n",           oneValue,      addNames, nameWithoutValue},
+    {"--name",       oneValue,      addNames, nameWithoutValue},
+    {"--exec",       severalValues, chooseExec, "--exec expects a value", ErrorTag::plain,
+     chooseOnce<ProjectSubCommand::Exec>},
+    {"--collect",    severalValues, chooseCollect, "--collect expects at least one argument", ErrorTag::plain,
+     chooseOnce<ProjectSubCommand::Collect>},
+};
 
-/// The sub-command that a word or its prefix stands for; a message when it stands for several.
-bool readSubCommand(std::string_view word, ProjectSubCommand& command) {
+constexpr OptionRow updateOptions[] = {
+    {"-h",         noValue,  askHelp},
+    {"help",       noValue,  askHelp},
+    {"--help",     noValue,  askHelp},
+    {"--path",     oneValue, setPath},
+    {"-n",         oneValue, addNames, nameWithoutValue},
+    {"--name",     oneValue, addNames, nameWithoutValue},
+    {"--dry-run",  noValue,  setDryRun},
+    {"--run-comd", noValue,  setRunComd},
+};
+// clang-format on
+
+/// The sub-command that a word or its prefix stands for. Throws `UsageError`, with a message when it stands
+/// for several.
+ProjectSubCommand readSubCommand(std::string_view word) {
     const std::string lowered = toLower(word);
     std::vector<std::string> candidates;
+    auto command = ProjectSubCommand::None;
     for (const SubCommandRow& row : subCommands) {
         if (row.name == lowered) {
-            command = row.command;
-            return true;
+            return row.command;
         }
         if (row.name.starts_with(lowered)) {
             candidates.emplace_back(row.name);
@@ -230,10 +225,13 @@ bool readSubCommand(std::string_view word, ProjectSubCommand& command) {
         }
     }
     if (candidates.size() > 1) {
-        return fail("[mqkit][ERROR] ambiguous project command prefix: " + std::string(word) +
-                    " (matches: " + join(candidates, ", ") + ")");
+        throw refusal("ambiguous project command prefix: " + std::string(word) +
+                      " (matches: " + join(candidates, ", ") + ")");
     }
-    return candidates.size() == 1;
+    if (candidates.empty()) {
+        throw UsageError(ErrorTag::none);
+    }
+    return command;
 }
 
 /// Tells paths of projects from other words. A list of a thousand files asks the disk once per directory.
@@ -268,25 +266,28 @@ class ProjectPathTest {
     std::map<std::string, bool> filesInProject_; // by directory: whether its files lie in a project
 };
 
-/// What a positional argument of the word form is.
-enum class Positional { taken, beginsCommand, wrong };
-
-Positional takePositional(std::string_view token, ProjectPathTest& namesProject, ProjectOptions& options) {
-    if (options.path.empty() && namesProject(token)) {
-        options.path = token;
-        return Positional::taken;
+/// Takes a word of the word form that is no known option; returns how many words went with it.
+std::size_t takePositional(Words words, ProjectPathTest& namesProject, ProjectOptions& options) {
+    const std::string_view word = words.front();
+    if (word.empty() || word.starts_with('-')) {
+        throw UsageError(ErrorTag::none);
+    }
+    if (options.path.empty() && namesProject(word)) {
+        options.path = word;
+        return 1;
     }
     switch (options.subCommand) {
     case ProjectSubCommand::Add:
-        options.xyzFiles.emplace_back(token);
-        return Positional::taken;
+        options.xyzFiles.emplace_back(word);
+        return 1;
     case ProjectSubCommand::Collect:
-        options.patterns.emplace_back(token);
-        return Positional::taken;
+        options.patterns.emplace_back(word);
+        return 1;
     case ProjectSubCommand::Exec:
-        return Positional::beginsCommand;
+        setCommand(options, words);
+        return words.size();
     default:
-        return Positional::wrong;
+        throw UsageError(ErrorTag::none);
     }
 }
 
@@ -304,103 +305,62 @@ bool isProjectPathToken(std::string_view token) {
     return ProjectPathTest()(token);
 }
 
-bool parseProjectArguments(int argc, const char* const* argv, ProjectOptions& options) {
-    if (argc < 3 || console::isHelpToken(argv[2]) || !readSubCommand(argv[2], options.subCommand)) {
-        return false;
+ProjectOptions readProjectWords(int argc, const char* const* argv) {
+    if (argc < 3) {
+        throw UsageError(ErrorTag::none);
     }
+    if (console::isHelpToken(argv[2])) {
+        throw console::HelpRequest();
+    }
+    ProjectOptions options;
+    options.subCommand = readSubCommand(argv[2]);
     if (options.subCommand == ProjectSubCommand::Init) {
-        return argc == 3;
+        if (argc > 3) {
+            throw UsageError(ErrorTag::none);
+        }
+        return options;
     }
-    const bool exec = options.subCommand == ProjectSubCommand::Exec;
     ProjectPathTest namesProject;
-    const Tokens tokens(argv + 3, argv + argc);
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const std::string_view token = tokens[i];
-        if (console::isHelpToken(token)) {
-            return false;
-        }
-        if (token == "--") {
-            // Everything behind it is the command, options and help tokens included.
-            if (exec && i + 1 < tokens.size()) {
-                setCommand(options, tokens.subspan(i + 1));
-            }
-            return exec;
-        }
-        const OptionMatch option = matchOption(wordOptions, tokens, i, options);
-        if (option == OptionMatch::taken) {
-            continue;
-        }
-        if (option == OptionMatch::failed || token.empty() || token.starts_with('-')) {
-            return false;
-        }
-        switch (takePositional(token, namesProject, options)) {
-        case Positional::taken:
-            break;
-        case Positional::beginsCommand:
-            return setCommand(options, tokens.subspan(i));
-        case Positional::wrong:
-            return false;
-        }
-    }
-    return true;
+    console::readWords(console::wordsFrom(argc, argv, 3), wordOptions, options,
+                       [&](Words words) { return takePositional(words, namesProject, options); });
+    return options;
 }
 
-bool parseCompatibilityArguments(int argc, const char* const* argv, ProjectOptions& options) {
+ProjectOptions readCompatibilityWords(int argc, const char* const* argv) {
     if (argc < 2) {
-        return false;
+        throw UsageError(ErrorTag::none);
     }
-    const Tokens tokens(argv + 1, argv + argc);
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const std::string_view token = tokens[i];
-        if (console::isHelpToken(token)) {
-            return false;
-        }
-        if (options.path.empty() && isProjectPathToken(token)) {
-            options.path = token;
-            continue;
-        }
-        switch (matchOption(compatibilityOptions, tokens, i, options)) {
-        case OptionMatch::taken:
-            break;
-        case OptionMatch::failed:
-            return false;
-        case OptionMatch::none:
-            return failUnknown(token);
-        }
-    }
+    ProjectOptions options;
+    console::readWords(console::wordsFrom(argc, argv, 1), compatibilityOptions, options,
+                       [&options](Words words) {
+                           if (!options.path.empty() || !isProjectPathToken(words.front())) {
+                               throw console::unknownArgument(words.front());
+                           }
+                           options.path = words.front();
+                           return std::size_t{1};
+                       });
     if (options.runScript && options.subCommand != ProjectSubCommand::Rebuild) {
-        return fail("[mqkit][ERROR] --run-script is only valid with rebuild.");
+        throw refusal("--run-script is only valid with rebuild.");
     }
-    return true;
+    return options;
 }
 
-UpdateShape parseUpdateArguments(int argc, const char* const* argv, ProjectOptions& options) {
+ProjectOptions readUpdateWords(int argc, const char* const* argv) {
     static constexpr std::array<std::string_view, 4> openings{"-b", "--batch", "-u", "--update"};
     if (argc < 2 || std::find(openings.begin(), openings.end(), argv[1]) == openings.end()) {
-        return UpdateShape::wrong;
+        throw UsageError(ErrorTag::none);
     }
+    ProjectOptions options;
     options.subCommand = ProjectSubCommand::Update;
-    const Tokens tokens(argv + 2, argv + argc);
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        const std::string_view token = tokens[i];
-        if (console::isHelpToken(token)) {
-            return UpdateShape::help;
+    console::readWords(console::wordsFrom(argc, argv, 2), updateOptions, options, [&options](Words words) {
+        const std::string_view word = words.front();
+        if (word.empty() || word.starts_with('-') || !options.path.empty()) {
+            throw console::unknownArgument(word);
         }
-        switch (matchOption(updateOptions, tokens, i, options)) {
-        case OptionMatch::taken:
-            continue;
-        case OptionMatch::failed:
-            return UpdateShape::wrong;
-        case OptionMatch::none:
-            break;
-        }
-        if (token.empty() || token.starts_with('-') || !options.path.empty()) {
-            failUnknown(token);
-            return UpdateShape::wrong;
-        }
-        options.path = token;
-    }
-    return UpdateShape::run;
+        options.path = word;
+        return std::size_t{1};
+    });
+    return options;
 }
 
 } // namespace morquill::project

@@ -23,19 +23,17 @@ struct ProjectOptions {
     bool runScript = false;
 };
 
-/// Reads `project <sub-command> ...`. True when the arguments make a workflow; otherwise what the text allows
-/// to be said was printed on standard error and the caller shows the help.
-[[nodiscard]] bool parseProjectArguments(int argc, const char* const* argv, ProjectOptions& options);
+// The readers of the three shapes throw `console::UsageError` for words that make no workflow; the caller
+// tells its message, when it has one, and shows the help.
+
+/// Reads `project <sub-command> ...`.
+[[nodiscard]] ProjectOptions readProjectWords(int argc, const char* const* argv);
 
 /// Reads the older shape that is known by its options or by a `.projmq` file.
-[[nodiscard]] bool parseCompatibilityArguments(int argc, const char* const* argv, ProjectOptions& options);
+[[nodiscard]] ProjectOptions readCompatibilityWords(int argc, const char* const* argv);
 
-/// How the update shape was read.
-enum class UpdateShape : std::int32_t { run, help, wrong };
-
-/// Reads the older shape that opens with -b, --batch, -u or --update: `run` makes a workflow, `help` was
-/// asked for, `wrong` is a usage error whose message, if it has one, was printed.
-[[nodiscard]] UpdateShape parseUpdateArguments(int argc, const char* const* argv, ProjectOptions& options);
+/// Reads the older shape that opens with -b, --batch, -u or --update.
+[[nodiscard]] ProjectOptions readUpdateWords(int argc, const char* const* argv);
 
 /// True when a positional argument names a project or a case: a `.projmq` name (the disk is not asked), an
 /// existing `.mq` file, or any existing file or directory inside a project.

@@ -1,5 +1,6 @@
 #include "templates/template_command.h"
 
+#include "console/command_line.h"
 #include "console/console.h"
 #include "support/file.h"
 #include "templates/library/define_section.h"
@@ -18,14 +19,12 @@ namespace morquill::templates {
 
 namespace {
 
+using console::ErrorTag;
 using console::greenText;
-using console::writeErr;
 using console::writeOut;
 
-/// A refused command line: the message behind the error tag, status 1.
-int refuse(const std::string& message) {
-    writeErr(console::errorTag() + message + "\n");
-    return 1;
+console::UsageError refusal(const std::string& message) {
+    return console::UsageError(ErrorTag::coloured, message);
 }
 
 int showHelp(char** argv) {
@@ -33,16 +32,39 @@ int showHelp(char** argv) {
     return 1;
 }
 
-bool isDirectoryOption(std::string_view argument) noexcept {
-    return argument == "-d" || argument == "--dir";
+/// What the words of `list`, `categories` and `merge` say.
+struct TemplateOptions {
+    std::optional<std::string> directory;
+    std::string output = "merged_task.mq";
+    std::vector<std::string> names;
+};
+
+void setDirectory(TemplateOptions& options, console::Words values) {
+    options.directory = values.front();
+}
+void setOutput(TemplateOptions& options, console::Words values) {
+    options.output = values.front();
 }
 
-bool isOutputOption(std::string_view argument) noexcept {
-    return argument == "-o" || argument == "--output";
-}
+constexpr std::string_view directoryNeedsValue = "-d/--dir expects a value";
+constexpr std::string_view outputNeedsValue = "-o/--output expects a value";
 
-constexpr const char* directoryNeedsValue = " -d/--dir expects a value";
-constexpr const char* outputNeedsValue = " -o/--output expects a value";
+// clang-format off
+constexpr console::OptionRow<TemplateOptions> listOptions[] = {
+    {"-d",    console::oneValue, setDirectory, directoryNeedsValue, ErrorTag::coloured},
+    {"--dir", console::oneValue, setDirectory, directoryNeedsValue, ErrorTag::coloured},
+};
+constexpr console::OptionRow<TemplateOptions> mergeOptions[] = {
+    {"-d",       console::oneValue, setDirectory, directoryNeedsValue, ErrorTag::coloured},
+    {"--dir",    console::oneValue, setDirectory, directoryNeedsValue, ErrorTag::coloured},
+    {"-o",       console::oneValue, setOutput, outputNeedsValue, ErrorTag::coloured},
+    {"--output", console::oneValue, setOutput, outputNeedsValue, ErrorTag::coloured},
+};
+// clang-format on
+
+TemplateLibrary openLibrary(const TemplateOptions& options) {
+    return loadTemplateLibrary(options.directory ? *options.directory : resolveTemplatePath());
+}
 
 /// A word of the command with the old forms that stand for it.
 struct TemplateWord {
@@ -54,11 +76,11 @@ struct TemplateWord {
 };
 
 int runList(int argc, char** argv, int firstArgument) {
-    return runTemplateList(argc, argv, firstArgument, false);
+    return runTemplateList(argc, argv, firstArgument, ListOrder::byName);
 }
 
 int runCategories(int argc, char** argv, int firstArgument) {
-    return runTemplateList(argc, argv, firstArgument, true);
+    return runTemplateList(argc, argv, firstArgument, ListOrder::byCategory);
 }
 
 int runInteractiveAnyway(int /*argc*/, char** /*argv*/, int /*firstArgument*/) {
@@ -66,8 +88,10 @@ int runInteractiveAnyway(int /*argc*/, char** /*argv*/, int /*firstArgument*/) {
 }
 
 int runInteractive(int argc, char** argv, int firstArgument) {
-    return argc > firstArgument ? refuse(" template interactive does not accept extra arguments")
-                                : runInteractiveAnyway(argc, argv, firstArgument);
+    if (argc > firstArgument) {
+        throw refusal("template interactive does not accept extra arguments");
+    }
+    return runInteractiveAnyway(argc, argv, firstArgument);
 }
 
 int runSample(int /*argc*/, char** /*argv*/, int /*firstArgument*/) {
@@ -82,6 +106,17 @@ constexpr TemplateWord templateWords[] = {
     {"interactive", "-i", "--interactive", runInteractive, runInteractiveAnyway},
     {{}, "-t", "--test", nullptr, runSample}, // has no word of its own
 };
+
+using RunWord = int (*)(int argc, char** argv, int firstArgument);
+
+/// Runs a word of the command; the status 1 with its message when the words behind it are refused.
+int runWord(RunWord run, int argc, char** argv, int firstArgument) {
+    try {
+        return run(argc, argv, firstArgument);
+    } catch (const console::UsageError& error) {
+        return console::reportUsageError(error);
+    }
+}
 
 /// A row of the help: its form and what is told about it.
 struct HelpRow {
@@ -129,7 +164,7 @@ int runTemplate(int argc, char** argv) {
     const auto* row =
         std::find_if(std::begin(templateWords), std::end(templateWords),
                      [&](const auto& entry) { return entry.run != nullptr && entry.name == word; });
-    return row == std::end(templateWords) ? showHelp(argv) : row->run(argc, argv, 3);
+    return row == std::end(templateWords) ? showHelp(argv) : runWord(row->run, argc, argv, 3);
 }
 
 int runTemplateCompat(int argc, char** argv) {
@@ -143,75 +178,58 @@ int runTemplateCompat(int argc, char** argv) {
     if (row == std::end(templateWords)) {
         return showHelp(argv);
     }
-    return (row->runOld != nullptr ? row->runOld : row->run)(argc, argv, 2);
+    return runWord(row->runOld != nullptr ? row->runOld : row->run, argc, argv, 2);
 }
 
-int runTemplateList(int argc, char** argv, int firstArgument, bool byCategory) {
-    std::optional<std::string> directory;
-    for (int i = firstArgument; i < argc; i += 2) {
-        if (!isDirectoryOption(argv[i])) {
-            return refuse(" unknown argument: " + std::string(argv[i]));
-        }
-        if (i + 1 == argc) {
-            return refuse(directoryNeedsValue);
-        }
-        directory = argv[i + 1];
-    }
-    const auto library = loadTemplateLibrary(directory ? *directory : resolveTemplatePath());
-    writeOut(byCategory ? formatTemplateCategories(library) : formatTemplateList(library));
+int runTemplateList(int argc, char** argv, int firstArgument, ListOrder order) {
+    TemplateOptions options;
+    console::readWords(
+        console::wordsFrom(argc, argv, firstArgument), listOptions, options,
+        [](console::Words words) -> std::size_t { throw console::unknownArgument(words.front()); });
+    const auto library = openLibrary(options);
+    writeOut(order == ListOrder::byCategory ? formatTemplateCategories(library)
+                                            : formatTemplateList(library));
     return 0;
 }
 
 int runTemplateMerge(int argc, char** argv, int firstArgument) {
-    std::string output = "merged_task.mq";
-    std::optional<std::string> directory;
-    std::vector<std::string> names;
-    for (int i = firstArgument; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        const bool isLast = i + 1 == argc;
-        if (isOutputOption(argument)) {
-            if (isLast) {
-                return refuse(outputNeedsValue);
-            }
-            output = argv[++i];
-        } else if (isDirectoryOption(argument)) {
-            if (isLast) {
-                return refuse(directoryNeedsValue);
-            }
-            directory = argv[++i];
-        } else if (argument.empty() || argument.starts_with('-')) {
-            return refuse(" unknown argument: " + std::string(argument));
-        } else {
-            names.emplace_back(argument);
-        }
+    TemplateOptions options;
+    console::readWords(console::wordsFrom(argc, argv, firstArgument), mergeOptions, options,
+                       [&options](console::Words words) {
+                           const std::string_view word = words.front();
+                           if (word.empty() || word.starts_with('-')) {
+                               throw console::unknownArgument(word);
+                           }
+                           options.names.emplace_back(word);
+                           return std::size_t{1};
+                       });
+    if (options.names.empty()) {
+        throw refusal("specify at least one template to merge");
     }
-    if (names.empty()) {
-        return refuse(" specify at least one template to merge");
-    }
-    const auto library = loadTemplateLibrary(directory ? *directory : resolveTemplatePath());
+    const auto library = openLibrary(options);
     std::vector<std::string_view> texts;
-    for (const auto& name : names) {
+    for (const auto& name : options.names) {
         const TaskTemplate* found = findTemplate(library, name);
         if (found == nullptr) {
-            return refuse(" template not found: '" + name + "'");
+            throw refusal("template not found: '" + name + "'");
         }
         texts.emplace_back(found->content);
     }
     const std::string merged = mergeTemplateTexts(texts);
-    if (output == "-") {
+    if (options.output == "-") {
         writeOut(merged);
         return 0;
     }
-    if (!writeTextFile(output, merged)) {
-        return refuse(" could not write output file: " + output);
+    if (!writeTextFile(options.output, merged)) {
+        throw refusal("could not write output file: " + options.output);
     }
-    writeOut("[mqkit] wrote task file: " + output + "\n");
+    writeOut("[mqkit] wrote task file: " + options.output + "\n");
     return 0;
 }
 
 int runTemplateVariable(int argc, char** argv, int firstArgument) {
     if (argc - firstArgument != 2) {
-        return refuse(" template variable expects: <task.mq> <var_template>");
+        throw refusal("template variable expects: <task.mq> <var_template>");
     }
     writeDefineSection(argv[firstArgument], argv[firstArgument + 1]);
     return 0;
@@ -220,7 +238,7 @@ int runTemplateVariable(int argc, char** argv, int firstArgument) {
 void writeDefineSection(const std::string& taskPath, const std::string& templateName) {
     const auto text = readTextFile(taskPath);
     if (!text) {
-        writeErr("[mqkit][ERROR] could not read file: " + taskPath + "\n");
+        console::reportError(ErrorTag::plain, "could not read file: " + taskPath);
         return;
     }
     const auto names = scanPlaceholders(*text, true);
@@ -231,11 +249,11 @@ void writeDefineSection(const std::string& taskPath, const std::string& template
     const auto templates = loadVariableTemplates(resolveTemplatePath());
     const VariableTemplate* found = findVariableTemplate(templates, templateName);
     if (found == nullptr) {
-        writeErr("[mqkit][ERROR] variable template not found: '" + templateName + "'\n");
+        console::reportError(ErrorTag::plain, "variable template not found: '" + templateName + "'");
         return;
     }
     if (!writeTextFile(taskPath, replaceDefineSection(*text, buildDefineSection(names, found->values)))) {
-        writeErr("[mqkit][ERROR] could not write file: " + taskPath + "\n");
+        console::reportError(ErrorTag::plain, "could not write file: " + taskPath);
         return;
     }
     writeOut("[mqkit] wrote define section for " + taskPath + " using variable template: " + templateName +

@@ -12,9 +12,14 @@ int runTemplate(int argc, char** argv);
 /// The single-letter forms without command word, such as `-l` and `--merge`.
 int runTemplateCompat(int argc, char** argv);
 
-/// The name list, or the view by category; options stand from `firstArgument` on.
-int runTemplateList(int argc, char** argv, int firstArgument, bool byCategory);
-/// Merges templates into a task file; options and names stand from `firstArgument` on.
+enum class ListOrder { byName, byCategory };
+
+// The words behind the command stand from `firstArgument` on; what is wrong with them is thrown as
+// `console::UsageError`.
+
+/// The name list, or the view by category.
+int runTemplateList(int argc, char** argv, int firstArgument, ListOrder order);
+/// Merges templates into a task file.
 int runTemplateMerge(int argc, char** argv, int firstArgument);
 /// Writes the define section that a task file needs. The status is 0 once the two arguments are there, also
 /// when a message tells of a failure.

@@ -1,5 +1,6 @@
 #include "views/explain.h"
 
+#include "console/command_line.h"
 #include "console/console.h"
 #include "support/json.h"
 #include "support/text.h"
@@ -8,13 +9,12 @@
 
 #include <algorithm>
 #include <exception>
-#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace morquill::views {
 
-using console::writeErr;
 using console::writeOut;
 using taskdsl::TaskDocument;
 using taskdsl::TaskInfo;
@@ -35,51 +35,61 @@ struct ExplainView {
     bool expanded;
 };
 
-int refuse(const std::string& text) {
-    writeErr(text + "\n");
-    return 1;
+console::UsageError usageError(const std::string& message) {
+    return console::UsageError(console::ErrorTag::none, message);
 }
 
-/// Reads the arguments behind the command word; the exit status when the command ends here.
-std::optional<int> readArguments(int argc, char** argv, ExplainOptions& options) {
+void setTask(ExplainOptions& options, console::Words values) {
+    options.taskName = values.front();
+}
+
+void setFormat(ExplainOptions& options, console::Words values) {
+    const std::string_view value = values.front();
+    if (value != "text" && value != "json") {
+        throw usageError("unsupported explain format: " + std::string(value));
+    }
+    options.format = value;
+}
+
+void setExpanded(ExplainOptions& options, console::Words /*values*/) {
+    options.expanded = true;
+}
+
+/// Help is asked for: no path, and no word behind counts.
+void askHelp(ExplainOptions& options, console::Words /*values*/) {
+    options.inputPath.clear();
+}
+
+// clang-format off
+constexpr console::OptionRow<ExplainOptions> optionRows[] = {
+    {"-h",         console::restOfLine, askHelp},
+    {"--help",     console::restOfLine, askHelp},
+    {"--task",     console::oneValue,   setTask,   "--task expects a value",   console::ErrorTag::none},
+    {"--format",   console::oneValue,   setFormat, "--format expects a value", console::ErrorTag::none},
+    {"--expanded", console::noValue,    setExpanded},
+};
+// clang-format on
+
+/// Reads the words behind the command word; without a path the help is to be shown. Throws `UsageError`.
+ExplainOptions readCommandLine(int argc, char** argv) {
     if (argc < 3) {
-        return refuse("explain expects a <task.mq> path");
+        throw usageError("explain expects a <task.mq> path");
     }
+    ExplainOptions options;
     bool hasPath = false;
-    for (int i = 2; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (argument == "-h" || argument == "--help") {
-            options.inputPath.clear();
-            break;
+    console::readWords(console::wordsFrom(argc, argv, 2), optionRows, options, [&](console::Words words) {
+        const std::string_view word = words.front();
+        if (word.starts_with('-')) {
+            throw usageError("unknown explain option: " + std::string(word));
         }
-        if (argument == "--task" || argument == "--format") {
-            if (i + 1 == argc) {
-                return refuse(argument + " expects a value");
-            }
-            const std::string value = argv[++i];
-            if (argument == "--task") {
-                options.taskName = value;
-            } else if (value == "text" || value == "json") {
-                options.format = value;
-            } else {
-                return refuse("unsupported explain format: " + value);
-            }
-        } else if (argument == "--expanded") {
-            options.expanded = true;
-        } else if (argument.starts_with('-')) {
-            return refuse("unknown explain option: " + argument);
-        } else if (hasPath) {
-            return refuse("unexpected extra argument: " + argument);
-        } else {
-            options.inputPath = argument;
-            hasPath = true;
+        if (hasPath) {
+            throw usageError("unexpected extra argument: " + std::string(word));
         }
-    }
-    if (options.inputPath.empty()) {
-        printExplainHelp(argv[0]);
-        return 0;
-    }
-    return std::nullopt;
+        options.inputPath = word;
+        hasPath = true;
+        return std::size_t{1};
+    });
+    return options;
 }
 
 ExplainView makeView(const TaskDocument& document, const ExplainOptions& options) {
@@ -255,21 +265,25 @@ std::string renderJson(const ExplainView& view) {
 } // namespace
 
 int runExplain(int argc, char** argv) {
-    ExplainOptions options;
-    if (const auto status = readArguments(argc, argv, options)) {
-        return *status;
-    }
     try {
+        const ExplainOptions options = readCommandLine(argc, argv);
+        if (options.inputPath.empty()) {
+            printExplainHelp(argv[0]);
+            return 0;
+        }
         taskdsl::TaskParser parser;
         const TaskDocument document = parser.parseFile(options.inputPath);
         const ExplainView view = makeView(document, options);
         if (view.tasks.empty() && !options.taskName.empty()) {
-            return refuse("task not found in explain view: " + options.taskName);
+            throw usageError("task not found in explain view: " + options.taskName);
         }
         writeOut(options.format == "json" ? renderJson(view) : renderText(view));
         return 0;
+    } catch (const console::UsageError& error) {
+        return console::reportUsageError(error);
     } catch (const std::exception& error) {
-        return refuse(error.what());
+        console::reportError(console::ErrorTag::none, error.what());
+        return 1;
     }
 }
 

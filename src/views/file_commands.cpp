@@ -1,26 +1,24 @@
 #include "views/file_commands.h"
 
+#include "console/command_line.h"
 #include "console/console.h"
 #include "support/file.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
 #include <exception>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace morquill::views {
 
 using console::cyanHeading;
-using console::errorTag;
+using console::ErrorTag;
 using console::greenText;
-using console::writeErr;
 using console::writeOut;
 
 namespace {
-
-/// Plain on a terminal too; `expand` and what comes after the arguments use the coloured error tag.
-constexpr std::string_view plainErrorTag = "[mqkit][ERROR]";
 
 struct FileCommandOptions {
     std::string inputPath;
@@ -29,70 +27,71 @@ struct FileCommandOptions {
     bool expanded = false;
 };
 
-/// What tells the three commands apart while their arguments are read.
-struct CommandForm {
-    std::string_view name;
-    bool allowsInPlace;
-    bool allowsExpanded;
-    bool colouredMessages;
+using OptionRow = console::OptionRow<FileCommandOptions>;
+
+void setOutputPath(FileCommandOptions& options, console::Words values) {
+    options.outputPath = values.front();
+}
+void setInPlace(FileCommandOptions& options, console::Words /*values*/) {
+    options.inPlace = true;
+}
+void setExpanded(FileCommandOptions& options, console::Words /*values*/) {
+    options.expanded = true;
+}
+
+// clang-format off
+constexpr OptionRow rewriteOptions[] = {
+    {"-o",         console::oneValue, setOutputPath, "-o expects a value"},
+    {"--out",      console::oneValue, setOutputPath, "--out expects a value"},
+    {"--output",   console::oneValue, setOutputPath, "--output expects a value"},
+    {"-i",         console::noValue,  setInPlace},
+    {"--in-place", console::noValue,  setInPlace},
 };
 
-constexpr CommandForm fmtForm{"fmt", true, false, false};
-constexpr CommandForm migrateForm{"migrate", true, false, false};
-constexpr CommandForm expandForm{"expand", false, true, true};
+constexpr OptionRow expandOptions[] = {
+    {"-o",                console::oneValue, setOutputPath, "-o expects a value", ErrorTag::coloured},
+    {"--out",             console::oneValue, setOutputPath, "--out expects a value", ErrorTag::coloured},
+    {"--output",          console::oneValue, setOutputPath, "--output expects a value", ErrorTag::coloured},
+    {"--expanded",        console::noValue,  setExpanded},
+    {"--matrix-expanded", console::noValue,  setExpanded},
+};
+// clang-format on
 
-int refuse(const CommandForm& form, std::string_view text) {
-    writeErr((form.colouredMessages ? errorTag() : std::string(plainErrorTag)) + " " + std::string(text) +
-             "\n");
-    return 1;
-}
+/// What tells the three commands apart while their words are read.
+struct CommandForm {
+    std::string_view name;
+    std::span<const OptionRow> options;
+    ErrorTag tag; ///< of a refusal; an unknown word is told in colour by every command
+};
 
-int refuseTagged(std::string_view text) {
-    writeErr(errorTag() + " " + std::string(text) + "\n");
-    return 1;
-}
+constexpr CommandForm fmtForm{"fmt", rewriteOptions, ErrorTag::plain};
+constexpr CommandForm migrateForm{"migrate", rewriteOptions, ErrorTag::plain};
+constexpr CommandForm expandForm{"expand", expandOptions, ErrorTag::coloured};
 
-bool isOutputOption(std::string_view argument) noexcept {
-    return argument == "-o" || argument == "--out" || argument == "--output";
-}
-
-/// Reads the arguments behind the command word; 0, or the exit status of a refusal that was told.
-int readArguments(const CommandForm& form, int argc, char** argv, FileCommandOptions& options) {
-    const auto missingPath = [&form] {
-        return refuse(form, std::string(form.name) + " expects a <task.mq> path");
-    };
-    if (argc < 3) {
-        return missingPath();
-    }
+/// Reads the words behind the command word. Throws `UsageError`.
+FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** argv) {
+    FileCommandOptions options;
+    const auto refuse = [&form](const std::string& text) { return console::UsageError(form.tag, text); };
     bool hasInput = false;
-    for (int i = 2; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (isOutputOption(argument)) {
-            if (i + 1 == argc) {
-                return refuse(form, argument + " expects a value");
-            }
-            options.outputPath = argv[++i];
-        } else if (form.allowsInPlace && (argument == "-i" || argument == "--in-place")) {
-            options.inPlace = true;
-        } else if (form.allowsExpanded && (argument == "--expanded" || argument == "--matrix-expanded")) {
-            options.expanded = true;
-        } else if (argument.empty() || argument.front() == '-') {
-            // What is unknown is told with the coloured tag by every command.
-            return refuseTagged("unknown argument: " + argument);
-        } else if (hasInput) {
-            return refuse(form, "unexpected extra path: " + argument);
-        } else {
-            options.inputPath = argument;
-            hasInput = true;
+    console::readWords(console::wordsFrom(argc, argv, 2), form.options, options, [&](console::Words words) {
+        const std::string_view word = words.front();
+        if (word.empty() || word.front() == '-') {
+            throw console::unknownArgument(word);
         }
-    }
+        if (hasInput) {
+            throw refuse("unexpected extra path: " + std::string(word));
+        }
+        options.inputPath = word;
+        hasInput = true;
+        return std::size_t{1};
+    });
     if (!hasInput) {
-        return missingPath();
+        throw refuse(std::string(form.name) + " expects a <task.mq> path");
     }
     if (options.inPlace && !options.outputPath.empty()) {
-        return refuse(form, "use either --in-place or --out, not both");
+        throw refuse("use either --in-place or --out, not both");
     }
-    return 0;
+    return options;
 }
 
 int reportWritten(const std::string& path) {
@@ -103,14 +102,15 @@ int reportWritten(const std::string& path) {
 int deliverCanonicalText(std::string text, const FileCommandOptions& options) {
     if (options.inPlace) {
         if (!writeTextFile(options.inputPath, text)) {
-            writeErr(std::string(plainErrorTag) + " could not write file: " + options.inputPath + "\n");
+            console::reportError(ErrorTag::plain, "could not write file: " + options.inputPath);
             return 1;
         }
         return reportWritten(options.inputPath);
     }
     if (!options.outputPath.empty()) {
         if (!writeTextFile(options.outputPath, text)) {
-            return refuseTagged("could not write output file: " + options.outputPath);
+            console::reportError(ErrorTag::coloured, "could not write output file: " + options.outputPath);
+            return 1;
         }
         return reportWritten(options.outputPath);
     }
@@ -128,16 +128,17 @@ int convert(const FileCommandOptions& options, bool allowLegacy) {
         return deliverCanonicalText(renderCanonicalDocument(parser.parseFile(options.inputPath), view),
                                     options);
     } catch (const std::exception& error) {
-        return refuseTagged(error.what());
+        console::reportError(ErrorTag::coloured, error.what());
+        return 1;
     }
 }
 
 int runRewriteCommand(int argc, char** argv, bool allowLegacy, const CommandForm& form) {
-    FileCommandOptions options;
-    if (const int status = readArguments(form, argc, argv, options); status != 0) {
-        return status;
+    try {
+        return convert(readCommandLine(form, argc, argv), allowLegacy);
+    } catch (const console::UsageError& error) {
+        return console::reportUsageError(error);
     }
-    return convert(options, allowLegacy);
 }
 
 /// One line of a help text: plain text, a heading, or text whose first part stands in green.
@@ -196,15 +197,17 @@ void printExpandHelp(std::string_view programPath) {
 }
 
 int runExpand(int argc, char** argv) {
-    FileCommandOptions options;
-    if (const int status = readArguments(expandForm, argc, argv, options); status != 0) {
-        return status;
+    try {
+        const auto options = readCommandLine(expandForm, argc, argv);
+        if (!options.outputPath.empty() &&
+            normalisedPath(options.inputPath) == normalisedPath(options.outputPath)) {
+            throw console::UsageError(ErrorTag::coloured,
+                                      "expand never overwrites its input; choose a different --output path");
+        }
+        return convert(options, false);
+    } catch (const console::UsageError& error) {
+        return console::reportUsageError(error);
     }
-    if (!options.outputPath.empty() &&
-        normalisedPath(options.inputPath) == normalisedPath(options.outputPath)) {
-        return refuseTagged("expand never overwrites its input; choose a different --output path");
-    }
-    return convert(options, false);
 }
 
 } // namespace morquill::views

@@ -1,5 +1,6 @@
 #include "project/project_options.h"
 
+#include "console/command_line.h"
 #include "fixtures/scratch_tree.h"
 #include "support/text.h"
 
@@ -34,43 +35,48 @@ using Words = std::vector<std::string>;
 class ProjectOptionsTest : public ScratchTree {
   protected:
     /// The record, or "-" and the message that came before the help.
-    std::string parse(const Words& words, bool (*parser)(int, const char* const*, ProjectOptions&)) {
+    std::string parse(const Words& words, ProjectOptions (*read)(int, const char* const*)) {
         std::vector<const char*> argv;
         for (const std::string& word : words) {
             argv.push_back(word.c_str());
         }
         argv.push_back(nullptr);
-        ProjectOptions options;
-        const Output output =
-            run("", [&] { return parser(static_cast<int>(words.size()), argv.data(), options) ? 1 : 0; });
+        std::string shown;
+        const Output output = run("", [&] {
+            try {
+                shown = show(read(static_cast<int>(words.size()), argv.data()));
+                return 1;
+            } catch (const console::UsageError& error) {
+                console::reportUsageError(error);
+                return 0;
+            }
+        });
         EXPECT_EQ(output.out, "");
         if (output.status == 1) {
             EXPECT_EQ(output.err, "");
-            return show(options);
+            return shown;
         }
         return "-" + output.err;
     }
     std::string word(Words words) {
         words.insert(words.begin(), {"mqkit", "project"});
-        return parse(words, parseProjectArguments);
+        return parse(words, readProjectWords);
     }
     std::string older(Words words) {
         words.insert(words.begin(), "mqkit");
-        return parse(words, parseCompatibilityArguments);
+        return parse(words, readCompatibilityWords);
     }
     std::string update(Words words) {
         words.insert(words.begin(), "mqkit");
-        return parse(words, [](int argc, const char* const* argv, ProjectOptions& options) {
-            switch (parseUpdateArguments(argc, argv, options)) {
-            case UpdateShape::run:
-                return true;
-            case UpdateShape::help:
+        return parse(words, [](int argc, const char* const* argv) {
+            try {
+                return readUpdateWords(argc, argv);
+            } catch (const console::HelpRequest&) {
+                ProjectOptions options;
+                options.subCommand = ProjectSubCommand::Update;
                 options.path = "help";
-                return true;
-            case UpdateShape::wrong:
-                break;
+                return options;
             }
-            return false;
         });
     }
 };

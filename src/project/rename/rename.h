@@ -20,10 +20,10 @@ struct RenameOptions {
 /// The whole help of `rename` on standard output; `programPath` is the program as it was called.
 void printRenameHelp(std::string_view programPath);
 
-/// Reads `rename <file> <old> <new>`.
-[[nodiscard]] bool parseRenameArguments(int argc, const char* const* argv, RenameOptions& options);
-/// Reads the older shape; what is wrong is told on standard error.
-[[nodiscard]] bool parseRenameCompatibility(int argc, const char* const* argv, RenameOptions& options);
+/// Reads `rename <file> <old> <new>`. Throws `console::UsageError`.
+[[nodiscard]] RenameOptions readRenameWords(int argc, const char* const* argv);
+/// Reads the older shape. Throws `console::UsageError`.
+[[nodiscard]] RenameOptions readOlderRenameWords(int argc, const char* const* argv);
 /// True for an argument that names a task file: no option, ending in ".mq" or ".projmq".
 [[nodiscard]] bool hasTaskFileSuffix(std::string_view token) noexcept;
 

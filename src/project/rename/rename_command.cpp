@@ -1,11 +1,16 @@
+#include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
 #include "project/rename/rename.h"
-#include "system/prompt.h"
 
+#include <algorithm>
 #include <exception>
+#include <optional>
 
 namespace morquill::project {
+
+using console::ErrorTag;
+using console::UsageError;
 
 namespace {
 
@@ -29,41 +34,55 @@ constexpr console::HelpLine helpLines[] = {
 };
 // clang-format on
 
-using ParseOperation = bool (*)(int argc, const char* const* argv, RenameOptions& options);
-
-int runFrame(int argc, char** argv, ParseOperation parse) {
-    RenameOptions options;
-    if (!parse(argc, argv, options)) {
-        printRenameHelp(argv[0]);
-        for (int i = 1; i < argc; ++i) {
-            if (console::isHelpToken(argv[i])) {
-                return 0;
-            }
-        }
-        return 1;
-    }
+int runFrame(int argc, char** argv, RenameOptions (*read)(int argc, const char* const* argv)) {
     try {
-        return renameBlock(options);
+        return renameBlock(read(argc, argv));
+    } catch (const console::UsageError& error) {
+        console::reportUsageError(error);
     } catch (const std::exception& failure) {
-        system::printErrorLine(console::errorTag() + " " + failure.what());
+        console::reportError(ErrorTag::coloured, failure.what());
         return 1;
     }
+    printRenameHelp(argv[0]);
+    const auto words = console::wordsFrom(argc, argv, 1);
+    return std::any_of(words.begin(), words.end(), console::isHelpToken) ? 0 : 1;
 }
 
-/// A usage error of the older shape.
-bool refuse(std::string_view message) {
-    system::printErrorLine("[mqkit][ERROR] " + std::string(message));
-    return false;
+UsageError refusal(const std::string& message) {
+    return UsageError(ErrorTag::plain, message);
 }
+
+void askHelp(RenameOptions& /*options*/, console::Words /*values*/) {
+    throw console::HelpRequest();
+}
+
+void setNames(RenameOptions& options, console::Words values) {
+    options.oldName = values[0];
+    options.newName = values[1];
+}
+
+std::optional<std::size_t> twoValues(console::Words behind) noexcept {
+    return behind.size() < 2 ? std::nullopt : std::optional<std::size_t>(2);
+}
+
+constexpr std::string_view namesMissing = "-r/--rename expects two values: <old_block> <new_block>";
+
+constexpr console::OptionRow<RenameOptions> olderOptions[] = {
+    {"-h", console::noValue, askHelp},
+    {"help", console::noValue, askHelp},
+    {"--help", console::noValue, askHelp},
+    {"-r", twoValues, setNames, namesMissing},
+    {"--rename", twoValues, setNames, namesMissing},
+};
 
 } // namespace
 
 int runRename(int argc, char** argv) {
-    return runFrame(argc, argv, parseRenameArguments);
+    return runFrame(argc, argv, readRenameWords);
 }
 
 int runRenameCompatibility(int argc, char** argv) {
-    return runFrame(argc, argv, parseRenameCompatibility);
+    return runFrame(argc, argv, readOlderRenameWords);
 }
 
 void printRenameHelp(std::string_view programPath) {
@@ -74,42 +93,38 @@ bool hasTaskFileSuffix(std::string_view token) noexcept {
     return !token.starts_with('-') && (token.ends_with(".mq") || token.ends_with(".projmq"));
 }
 
-bool parseRenameArguments(int argc, const char* const* argv, RenameOptions& options) {
+RenameOptions readRenameWords(int argc, const char* const* argv) {
     if (argc != 5 || console::isHelpToken(argv[2])) {
-        return false;
+        throw UsageError(ErrorTag::none);
     }
-    options = {argv[2], argv[3], argv[4]};
-    return !options.file.empty() && !options.oldName.empty() && !options.newName.empty();
+    RenameOptions options{argv[2], argv[3], argv[4]};
+    if (options.file.empty() || options.oldName.empty() || options.newName.empty()) {
+        throw UsageError(ErrorTag::none);
+    }
+    return options;
 }
 
-bool parseRenameCompatibility(int argc, const char* const* argv, RenameOptions& options) {
-    for (int i = 1; i < argc; ++i) {
-        const std::string_view token = argv[i];
-        if (console::isHelpToken(token)) {
-            return false;
-        }
-        if (token == "-r" || token == "--rename") {
-            if (argc - i < 3) {
-                return refuse("-r/--rename expects two values: <old_block> <new_block>");
-            }
-            options.oldName = argv[++i];
-            options.newName = argv[++i];
-        } else if (!hasTaskFileSuffix(token)) {
-            system::printErrorLine(console::errorTag() + " unknown argument: " + std::string(token));
-            return false;
-        } else if (!options.file.empty()) {
-            return refuse("specify only one .mq or .projmq file");
-        } else {
-            options.file = token;
-        }
-    }
+RenameOptions readOlderRenameWords(int argc, const char* const* argv) {
+    RenameOptions options;
+    console::readWords(console::wordsFrom(argc, argv, 1), olderOptions, options,
+                       [&options](console::Words words) {
+                           const std::string_view word = words.front();
+                           if (!hasTaskFileSuffix(word)) {
+                               throw console::unknownArgument(word);
+                           }
+                           if (!options.file.empty()) {
+                               throw refusal("specify only one .mq or .projmq file");
+                           }
+                           options.file = word;
+                           return std::size_t{1};
+                       });
     if (options.file.empty()) {
-        return refuse("specify a .mq or .projmq file");
+        throw refusal("specify a .mq or .projmq file");
     }
     if (options.oldName.empty() || options.newName.empty()) {
-        return refuse("provide the old and new block names via -r/--rename");
+        throw refusal("provide the old and new block names via -r/--rename");
     }
-    return true;
+    return options;
 }
 
 } // namespace morquill::project

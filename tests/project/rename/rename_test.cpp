@@ -1,4 +1,6 @@
 #include "project/rename/rename.h"
+
+#include "console/command_line.h"
 #include "project/rename/rename_files.h"
 
 #include "fixtures/file_size_limit.h"
@@ -52,9 +54,14 @@ TEST(RenameArguments, AreExactlyThreeAndNotEmpty) {
         {{"mqkit", "rename"}, false},
     };
     for (const auto& row : rows) {
-        RenameOptions options;
-        EXPECT_EQ(parseRenameArguments(static_cast<int>(row.words.size()), row.words.data(), options),
-                  row.good);
+        const auto read = [&row] {
+            return readRenameWords(static_cast<int>(row.words.size()), row.words.data());
+        };
+        if (row.good) {
+            EXPECT_EQ(read().file, row.words[2]);
+        } else {
+            EXPECT_THROW((void)read(), console::UsageError);
+        }
     }
 }
 
@@ -78,16 +85,19 @@ TEST_F(Rename, OfTheOlderShapeTellsWhatIsWrong) {
         {{"mqkit", "a.mq", "help", "-r"}, ""},
     };
     for (const auto& row : rows) {
-        RenameOptions options;
         const auto output = run("", [&] {
-            return parseRenameCompatibility(static_cast<int>(row.words.size()), row.words.data(), options);
+            try {
+                (void)readOlderRenameWords(static_cast<int>(row.words.size()), row.words.data());
+                return 0;
+            } catch (const console::UsageError& error) {
+                return console::reportUsageError(error);
+            }
         });
-        EXPECT_EQ(output.status, 0);
+        EXPECT_EQ(output.status, 1);
         EXPECT_EQ(output.err, row.error);
     }
-    RenameOptions options;
     const char* good[] = {"mqkit", "--rename", "opt", "-x", "a.projmq"};
-    EXPECT_TRUE(parseRenameCompatibility(5, good, options));
+    const RenameOptions options = readOlderRenameWords(5, good);
     EXPECT_EQ(options.file + " " + options.oldName + " " + options.newName, "a.projmq opt -x");
 }
 
