@@ -20,22 +20,32 @@ int fileCommand(int argc, char** argv) {
 }
 
 /// A row whose two name columns are the same word, as all of them are.
-constexpr CommandEntry row(std::string_view name, HelpOperation help, RunOperation run) {
-    return {name, name, help, run};
+constexpr CommandEntry row(std::string_view name, std::string_view description, HelpOperation help,
+                           RunOperation run) {
+    return {name, name, help, run, description};
 }
 
 } // namespace
 
 std::span<const CommandEntry> commandTable() noexcept {
     static constexpr CommandEntry table[] = {
-        row("template", templates::printTemplateHelp, templates::runTemplate),
-        row("project", project::printProjectHelp, project::runProject),
-        row("rename", project::printRenameHelp, project::runRename),
-        row("fmt", views::printFmtHelp, fileCommand<views::printFmtHelp, views::runFmt>),
-        row("migrate", views::printMigrateHelp, fileCommand<views::printMigrateHelp, views::runMigrate>),
-        row("expand", views::printExpandHelp, fileCommand<views::printExpandHelp, views::runExpand>),
-        row("explain", views::printExplainHelp, fileCommand<views::printExplainHelp, views::runExplain>),
-        row("lint", lint::printLintHelp, lint::runLint),
+        row("template", "Manage templates: list, group by category, merge, or generate variable templates",
+            templates::printTemplateHelp, templates::runTemplate),
+        row("project",
+            "Manage projects: initialize, add structures, update, rebuild, batch exec, batch collect",
+            project::printProjectHelp, project::runProject),
+        row("rename", "Rename task blocks in .mq / .projmq files and synchronize derived artifacts",
+            project::printRenameHelp, project::runRename),
+        row("fmt", "Reformat a task file into canonical DSL v2 layout", views::printFmtHelp,
+            fileCommand<views::printFmtHelp, views::runFmt>),
+        row("migrate", "Convert legacy task syntax into canonical DSL v2 output", views::printMigrateHelp,
+            fileCommand<views::printMigrateHelp, views::runMigrate>),
+        row("expand",
+            "Flatten includes, fragments, libraries, and optional matrix variants into canonical DSL",
+            views::printExpandHelp, fileCommand<views::printExpandHelp, views::runExpand>),
+        row("explain", "Parse a .mq file and explain task blocks, directives, and source spans",
+            views::printExplainHelp, fileCommand<views::printExplainHelp, views::runExplain>),
+        row("lint", "Run static checks for .mq files and directories", lint::printLintHelp, lint::runLint),
     };
     return table;
 }

@@ -19,6 +19,7 @@ struct CommandEntry {
     std::string_view displayName;
     HelpOperation help = nullptr;
     RunOperation run = nullptr;
+    std::string_view description = {}; ///< its line in the overview
 };
 
 /// All commands, in the order in which messages list them.

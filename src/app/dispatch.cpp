@@ -1,7 +1,9 @@
 #include "app/dispatch.h"
 
 #include "app/command_table.h"
+#include "console/command_line.h"
 #include "console/console.h"
+#include "console/help_text.h"
 #include "console/logger.h"
 #include "project/project_command.h"
 #include "project/rename/rename.h"
@@ -70,7 +72,7 @@ constexpr std::array<OlderShape, 4> olderShapes{{
 
 /// Tells what is wrong with the command line, shows the commands, gives the status.
 int refuse(const std::string& message, std::string_view programPath) {
-    console::writeErr(console::errorTag() + message + "\n");
+    console::reportError(console::ErrorTag::coloured, message);
     printTopLevelHelp(programPath);
     return 1;
 }
@@ -92,44 +94,42 @@ int showHelp(int argc, char** argv) {
         return 0;
     }
     return matches.size() < 2
-               ? refuse(" unknown help topic: " + topic, argv[0])
-               : refuse(" ambiguous help topic prefix: " + topic + listMatches(matches), argv[0]);
+               ? refuse("unknown help topic: " + topic, argv[0])
+               : refuse("ambiguous help topic prefix: " + topic + listMatches(matches), argv[0]);
 }
 
-struct CommandRow {
-    std::string_view name;
-    std::string_view description;
-};
+/// The overview in front of the list of commands, and behind it.
+constexpr std::string_view helpBefore = R"(  Mqkit: A unified entry point for .mq and .projmq workflows.
+# Usage:
+  `@ <command> [options]`
+  `@ help <command>`
+  Commands accept unique prefixes, for example `@ proj co`.
 
-constexpr CommandRow commandRows[] = {
-    {"template", "Manage templates: list, group by category, merge, or generate variable templates"},
-    {"project", "Manage projects: initialize, add structures, update, rebuild, batch exec, batch collect"},
-    {"rename", "Rename task blocks in .mq / .projmq files and synchronize derived artifacts"},
-    {"fmt", "Reformat a task file into canonical DSL v2 layout"},
-    {"migrate", "Convert legacy task syntax into canonical DSL v2 output"},
-    {"expand", "Flatten includes, fragments, libraries, and optional matrix variants into canonical DSL"},
-    {"explain", "Parse a .mq file and explain task blocks, directives, and source spans"},
-    {"lint", "Run static checks for .mq files and directories"},
-};
+# Commands:
+)";
 
-constexpr std::string_view examples[] = {
-    " template merge opt freq -o task.mq",
-    " project add --path ./demo_project mol1.xyz mol2.xyz",
-    " project update --path ./demo_project",
-    " project rebuild --path ./demo_project -n opt,soc --run-script",
-    " project exec --path demo.projmq -n soc -- 'cat soc*.log'",
-    " rename demo.projmq old_block new_block",
-    " migrate legacy.mq --in-place",
-    " expand task.mq --expanded -o flattened.mq",
-    " explain task.mq --task opt --expanded",
-    " fmt task.mq -o formatted.mq",
-    " lint --strict ./cases",
-};
+constexpr std::string_view helpBehind = R"(
+# Examples:
+  `@ template merge opt freq -o task.mq`
+  `@ project add --path ./demo_project mol1.xyz mol2.xyz`
+  `@ project update --path ./demo_project`
+  `@ project rebuild --path ./demo_project -n opt,soc --run-script`
+  `@ project exec --path demo.projmq -n soc -- 'cat soc*.log'`
+  `@ rename demo.projmq old_block new_block`
+  `@ migrate legacy.mq --in-place`
+  `@ expand task.mq --expanded -o flattened.mq`
+  `@ explain task.mq --task opt --expanded`
+  `@ fmt task.mq -o formatted.mq`
+  `@ lint --strict ./cases`
 
-std::string commandRow(const CommandRow& row) {
-    std::string field(row.name);
+## Tool split:
+  Use `mqdb` for all database sync/query/template/compare workflows; `@` stays focused on templates, projects, rename, format/migrate/expand/explain, and lint.
+)";
+
+std::string commandLine(const CommandEntry& entry) {
+    std::string field(entry.name);
     field.resize(std::max<std::size_t>(field.size(), 10), ' ');
-    return "  " + console::greenText(field) + " " + std::string(row.description) + "\n";
+    return "  `" + field + "` " + std::string(entry.description) + "\n";
 }
 
 /// Kept apart from its caller: the stack is unwound up to a function that may not throw, but that function's
@@ -157,12 +157,12 @@ int dispatchCommand(int argc, char** argv) {
         return entry->run(argc, argv);
     }
     if (matches.size() > 1) {
-        return refuse(" ambiguous command prefix: " + first + listMatches(matches), argv[0]);
+        return refuse("ambiguous command prefix: " + first + listMatches(matches), argv[0]);
     }
     if (const OlderShape* shape = findOlderShape({argv + 1, static_cast<std::size_t>(argc - 1)})) {
         return shape->run(argc, argv);
     }
-    return refuse(" unknown command or argument: " + first, argv[0]);
+    return refuse("unknown command or argument: " + first, argv[0]);
 }
 
 const OlderShape* findOlderShape(std::span<const char* const> arguments) {
@@ -172,26 +172,11 @@ const OlderShape* findOlderShape(std::span<const char* const> arguments) {
 }
 
 void printTopLevelHelp(std::string_view programPath) {
-    const std::string program = console::toolBaseName(programPath);
-    std::string text = "  Mqkit: A unified entry point for .mq and .projmq workflows.\n";
-    text += console::cyanHeading("Usage:") + "\n";
-    text += "  " + console::greenText(program + " <command> [options]") + "\n";
-    text += "  " + console::greenText(program + " help <command>") + "\n";
-    text +=
-        "  Commands accept unique prefixes, for example " + console::greenText(program + " proj co") + ".\n";
-    text += "\n" + console::cyanHeading("Commands:") + "\n";
-    for (const auto& row : commandRows) {
-        text += commandRow(row);
+    std::string text(helpBefore);
+    for (const auto& entry : commandTable()) {
+        text += commandLine(entry);
     }
-    text += "\n" + console::cyanHeading("Examples:") + "\n";
-    for (const auto example : examples) {
-        text += "  " + console::greenText(program + std::string(example)) + "\n";
-    }
-    text += "\n" + console::yellowHeading("Tool split:") + "\n";
-    text += "  Use " + console::greenText("mqdb") +
-            " for all database sync/query/template/compare workflows; " + console::greenText(program) +
-            " stays focused on templates, projects, rename, format/migrate/expand/explain, and lint.\n";
-    console::writeOut(text);
+    console::printHelp(text += helpBehind, programPath);
 }
 
 int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept {

@@ -1,6 +1,7 @@
 #include "console/help_text.h"
 
 #include "console/console.h"
+#include "support/text.h"
 
 #include <string>
 
@@ -8,44 +9,50 @@ namespace morquill::console {
 
 namespace {
 
-std::string plainLine(std::string_view text, const std::string& program) {
-    std::string line;
-    bool green = false;
-    while (true) {
-        const auto mark = text.find('`');
-        std::string piece(text.substr(0, mark));
-        if (const auto place = piece.find('@'); place != std::string::npos) {
-            piece.replace(place, 1, program);
+/// The text with the program in place of every "@" that no letter follows.
+std::string withProgram(std::string_view text, const std::string& program) {
+    std::string shown;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '@' && (i + 1 == text.size() || !isLetter(text[i + 1]))) {
+            shown += program;
+        } else {
+            shown += text[i];
         }
-        line += green ? console::greenText(piece) : piece;
+    }
+    return shown;
+}
+
+std::string plainLine(std::string_view line, const std::string& program) {
+    std::string shown;
+    for (bool green = false;; green = !green) {
+        const auto mark = line.find('`');
+        const std::string piece = withProgram(line.substr(0, mark), program);
+        shown += green ? greenText(piece) : piece;
         if (mark == std::string_view::npos) {
-            return line;
+            return shown;
         }
-        text.remove_prefix(mark + 1);
-        green = !green;
+        line.remove_prefix(mark + 1);
     }
 }
 
 } // namespace
 
-void printHelpLines(std::span<const HelpLine> lines, std::string_view programPath) {
-    const std::string program = console::toolBaseName(programPath);
+void printHelp(std::string_view text, std::string_view programPath) {
+    constexpr std::string_view heading = "# ";
+    constexpr std::string_view olderHeading = "## ";
+    const std::string program = toolBaseName(programPath);
     std::string help;
-    for (const HelpLine& line : lines) {
-        switch (line.style) {
-        case HelpStyle::plain:
-            help += plainLine(line.text, program);
-            break;
-        case HelpStyle::heading:
-            help += console::cyanHeading(line.text);
-            break;
-        case HelpStyle::olderHeading:
-            help += console::yellowHeading(line.text);
-            break;
+    for (const auto line : splitLines(text)) {
+        if (line.starts_with(heading)) {
+            help += cyanHeading(line.substr(heading.size()));
+        } else if (line.starts_with(olderHeading)) {
+            help += yellowHeading(line.substr(olderHeading.size()));
+        } else {
+            help += plainLine(line, program);
         }
         help += '\n';
     }
-    console::writeOut(help);
+    writeOut(help);
 }
 
 } // namespace morquill::console

@@ -2,6 +2,7 @@
 
 #include "console/command_line.h"
 #include "console/console.h"
+#include "console/help_text.h"
 #include "console/logger.h"
 #include "lint/discovery.h"
 #include "lint/file_check.h"
@@ -27,7 +28,24 @@ struct LintOptions {
     std::vector<std::string> paths;
 };
 
-constexpr std::string_view optionsUsage = " [--strict] [--quiet] [--format text|json] ";
+/// The help that the command shows for -h in the middle of its words and behind a refusal.
+constexpr std::string_view driverHelp = R"(Usage:
+  @ lint [--strict] [--quiet] [--format text|json] <path>...
+
+Notes:
+  - paths can be .mq files or directories; directories are scanned recursively
+  - lint parses task files with shared parser AST and source spans
+)";
+
+constexpr std::string_view lintHelp = R"(  Lint .mq files and directories.
+
+# Usage:
+  `@ lint [--strict] [--quiet] [--format text|json] <file-or-dir>...`
+
+# Examples:
+  `@ lint task.mq`
+  `@ lint --strict ./cases`
+)";
 
 /// True when the log must stay silent, so that no line of it mixes into the JSON. Here, and only here, the
 /// one-word form counts: the option itself is refused.
@@ -40,16 +58,6 @@ bool asksForJson(int argc, char** argv) {
         }
     }
     return false;
-}
-
-/// `program` is the program and the command word.
-void printDriverHelp(const std::string& program) {
-    writeOut("Usage:\n  " + program + std::string(optionsUsage) +
-             "<path>...\n"
-             "\n"
-             "Notes:\n"
-             "  - paths can be .mq files or directories; directories are scanned recursively\n"
-             "  - lint parses task files with shared parser AST and source spans\n");
 }
 
 console::UsageError usageError(const std::string& message) {
@@ -127,27 +135,22 @@ int runLint(int argc, char** argv) {
         console::Logger::instance().openSession({}, console::LogLevel::Skip, console::LogLevel::Error,
                                                 console::decideColor(argc, argv));
     }
-    const std::string program = console::toolBaseName(argv[0]) + " lint";
     try {
         const LintOptions options = readCommandLine(argc, argv);
         if (options.help) {
-            printDriverHelp(program);
+            console::printHelp(driverHelp, argv[0]);
             return 0;
         }
         return lintFiles(options);
     } catch (const console::UsageError& error) {
         const int status = console::reportUsageError(error);
-        printDriverHelp(program);
+        console::printHelp(driverHelp, argv[0]);
         return status;
     }
 }
 
 void printLintHelp(std::string_view programPath) {
-    const std::string command = console::toolBaseName(programPath) + " lint";
-    writeOut("  Lint .mq files and directories.\n\n" + console::cyanHeading("Usage:") + "\n  " +
-             console::greenText(command + std::string(optionsUsage) + "<file-or-dir>...") + "\n\n" +
-             console::cyanHeading("Examples:") + "\n  " + console::greenText(command + " task.mq") + "\n  " +
-             console::greenText(command + " --strict ./cases") + "\n");
+    console::printHelp(lintHelp, programPath);
 }
 
 } // namespace morquill::lint

@@ -2,6 +2,7 @@
 
 #include "console/command_line.h"
 #include "console/console.h"
+#include "console/help_text.h"
 #include "support/file.h"
 #include "templates/library/define_section.h"
 #include "templates/library/merge.h"
@@ -20,7 +21,6 @@ namespace morquill::templates {
 namespace {
 
 using console::ErrorTag;
-using console::greenText;
 using console::writeOut;
 
 console::UsageError refusal(const std::string& message) {
@@ -118,37 +118,44 @@ int runWord(RunWord run, int argc, char** argv, int firstArgument) {
     }
 }
 
-/// A row of the help: its form and what is told about it.
-struct HelpRow {
-    std::string form;
-    std::vector<std::string> lines;
-};
-
-std::string helpRows(std::string_view heading, const std::vector<HelpRow>& rows) {
-    std::string text = console::cyanHeading(heading) + "\n";
-    for (const auto& row : rows) {
-        text += "  " + greenText(row.form) + "\n";
-        for (const auto& line : row.lines) {
-            text += "      " + line + "\n";
-        }
-    }
-    return text;
-}
-
-/// The examples of the help; those with an old form are shown a second time beside it.
-struct HelpExample {
-    std::string_view form;
-    std::string_view oldForm;
-};
-
-constexpr HelpExample helpExamples[] = {
-    {" template list", " -l"},
-    {" template categories", " -c"},
-    {" template merge opt freq -o task.mq", " -m opt freq -o task.mq"},
-    {" template merge -d ./conf/mq_templates opt freq -o -", {}},
-    {" template variable task.mq mytemplate", " -v task.mq mytemplate"},
-    {" template interactive", " -i"},
-};
+constexpr std::string_view templateHelp = R"(# Usage:
+  `@ template [command] <options>`
+# Commands:
+  `list [-d <template_dir>]`
+      -- Prints available template names.
+  `categories [-d <template_dir>]`
+      -- Groups templates by category.
+  `merge [-o <output.mq>] [-d <template_dir>] <template...>`
+      -- Combines one or more templates into a task file.
+  `variable <task.mq> <var_template>`
+      -- Generates a variable-definition template for a given `task.mq`.
+  `interactive`
+      -- Enters the interactive template-selection flow.
+# Options:
+  `-d, --dir <template_dir>`
+      Template directory; overrides the default template path
+      Used by `list` / `categories` / `merge`
+  `-o, --output <output.mq>`
+      Output file for `merge`; default is `merged_task.mq`; pass `-` to write to stdout
+# Examples:
+  `@ template list`
+  `@ template categories`
+  `@ template merge opt freq -o task.mq`
+  `@ template merge -d ./conf/mq_templates opt freq -o -`
+  `@ template variable task.mq mytemplate`
+  `@ template interactive`
+# Compatibility forms:
+  `@ -l`
+      Equivalent to: `@ template list`
+  `@ -c`
+      Equivalent to: `@ template categories`
+  `@ -m opt freq -o task.mq`
+      Equivalent to: `@ template merge opt freq -o task.mq`
+  `@ -v task.mq mytemplate`
+      Equivalent to: `@ template variable task.mq mytemplate`
+  `@ -i`
+      Equivalent to: `@ template interactive`
+)";
 
 } // namespace
 
@@ -261,36 +268,7 @@ void writeDefineSection(const std::string& taskPath, const std::string& template
 }
 
 void printTemplateHelp(std::string_view programPath) {
-    const std::string program = console::toolBaseName(programPath);
-    std::vector<HelpRow> examples;
-    std::vector<HelpRow> oldForms;
-    for (const auto& example : helpExamples) {
-        const std::string form = program + std::string(example.form);
-        examples.push_back({form, {}});
-        if (!example.oldForm.empty()) {
-            oldForms.push_back(
-                {program + std::string(example.oldForm), {"Equivalent to: " + greenText(form)}});
-        }
-    }
-    writeOut(
-        helpRows("Usage:", {{program + " template [command] <options>", {}}}) +
-        helpRows("Commands:",
-                 {{"list [-d <template_dir>]", {"-- Prints available template names."}},
-                  {"categories [-d <template_dir>]", {"-- Groups templates by category."}},
-                  {"merge [-o <output.mq>] [-d <template_dir>] <template...>",
-                   {"-- Combines one or more templates into a task file."}},
-                  {"variable <task.mq> <var_template>",
-                   {"-- Generates a variable-definition template for a given " + greenText("task.mq") + "."}},
-                  {"interactive", {"-- Enters the interactive template-selection flow."}}}) +
-        helpRows("Options:",
-                 {{"-d, --dir <template_dir>",
-                   {"Template directory; overrides the default template path",
-                    "Used by " + greenText("list") + " / " + greenText("categories") + " / " +
-                        greenText("merge")}},
-                  {"-o, --output <output.mq>",
-                   {"Output file for " + greenText("merge") + "; default is " + greenText("merged_task.mq") +
-                    "; pass " + greenText("-") + " to write to stdout"}}}) +
-        helpRows("Examples:", examples) + helpRows("Compatibility forms:", oldForms));
+    console::printHelp(templateHelp, programPath);
 }
 
 } // namespace morquill::templates

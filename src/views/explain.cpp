@@ -2,6 +2,7 @@
 
 #include "console/command_line.h"
 #include "console/console.h"
+#include "console/help_text.h"
 #include "support/json.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
@@ -262,6 +263,15 @@ std::string renderJson(const ExplainView& view) {
     return out;
 }
 
+constexpr std::string_view explainHelp = R"(Usage:
+  @ explain <task.mq> [--task <name>] [--format text|json] [--expanded]
+
+Options:
+  --task <name>        explain only one task block
+  --format <fmt>       text (default) or json
+  --expanded           explain matrix-expanded task names
+)";
+
 } // namespace
 
 int runExplain(int argc, char** argv) {
@@ -288,13 +298,7 @@ int runExplain(int argc, char** argv) {
 }
 
 void printExplainHelp(std::string_view programPath) {
-    writeOut("Usage:\n  " + console::toolBaseName(programPath) +
-             " explain <task.mq> [--task <name>] [--format text|json] [--expanded]\n"
-             "\n"
-             "Options:\n"
-             "  --task <name>        explain only one task block\n"
-             "  --format <fmt>       text (default) or json\n"
-             "  --expanded           explain matrix-expanded task names\n");
+    console::printHelp(explainHelp, programPath);
 }
 
 } // namespace morquill::views

@@ -2,6 +2,7 @@
 
 #include "console/command_line.h"
 #include "console/console.h"
+#include "console/help_text.h"
 #include "support/file.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
@@ -13,9 +14,7 @@
 
 namespace morquill::views {
 
-using console::cyanHeading;
 using console::ErrorTag;
-using console::greenText;
 using console::writeOut;
 
 namespace {
@@ -141,29 +140,61 @@ int runRewriteCommand(int argc, char** argv, bool allowLegacy, const CommandForm
     }
 }
 
-/// One line of a help text: plain text, a heading, or text whose first part stands in green.
-void printRewriteHelp(std::string_view programPath, std::string_view name, std::string_view purpose,
-                      std::string_view promise, std::string_view participle, std::string_view example) {
-    const std::string prog = console::toolBaseName(programPath);
-    const std::string command = prog + " " + std::string(name) + " ";
-    const std::string written(participle);
-    const std::string file(example);
-    writeOut(cyanHeading("Usage:") + "\n  " + greenText(command + "<task.mq> [-o <output.mq> | --in-place]") +
-             "\n" + "      -- " + std::string(purpose) + "\n" + "      -- " + std::string(promise) + "\n" +
-             "      -- Choose exactly one output mode: " + greenText("-o") + " for a new file, or " +
-             greenText("--in-place") + " to overwrite the source file.\n\n" + cyanHeading("Options:") +
-             "\n  " + greenText("-o, --output <output.mq>") + "\n      Write " + written +
-             " output to a new file\n  " + greenText("--in-place") +
-             "\n      Overwrite the source task file\n\n" + cyanHeading("Examples:") + "\n  " +
-             greenText(command + file + " -o " + written + ".mq") + "\n  " +
-             greenText(command + file + " --in-place") + "\n");
-}
+constexpr std::string_view fmtHelp = R"(# Usage:
+  `@ fmt <task.mq> [-o <output.mq> | --in-place]`
+      -- Reformats a task file into canonical DSL v2 layout.
+      -- Formatting only; task semantics are preserved.
+      -- Choose exactly one output mode: `-o` for a new file, or `--in-place` to overwrite the source file.
+
+# Options:
+  `-o, --output <output.mq>`
+      Write formatted output to a new file
+  `--in-place`
+      Overwrite the source task file
+
+# Examples:
+  `@ fmt task.mq -o formatted.mq`
+  `@ fmt task.mq --in-place`
+)";
+
+constexpr std::string_view migrateHelp = R"(# Usage:
+  `@ migrate <task.mq> [-o <output.mq> | --in-place]`
+      -- Converts legacy task syntax into canonical DSL v2 output.
+      -- Intended for historical files, compatibility forms, or task files that need a unified modern layout.
+      -- Choose exactly one output mode: `-o` for a new file, or `--in-place` to overwrite the source file.
+
+# Options:
+  `-o, --output <output.mq>`
+      Write migrated output to a new file
+  `--in-place`
+      Overwrite the source task file
+
+# Examples:
+  `@ migrate legacy.mq -o migrated.mq`
+  `@ migrate legacy.mq --in-place`
+)";
+
+constexpr std::string_view expandHelp = R"(# Usage:
+  `@ expand <task.mq> [-o <output.mq>] [--expanded]`
+      -- Resolves task/YAML includes, contextual fragments, libraries, and @foreach blocks.
+      -- Emits canonical DSL v2 without modifying the source file.
+      -- By default matrix declarations remain unexpanded.
+
+# Options:
+  `-o, --output <output.mq>`
+      Write expanded output to a file instead of stdout
+  `--expanded, --matrix-expanded`
+      Emit final matrix-expanded task blocks and remove the matrix declaration
+
+# Examples:
+  `@ expand task.mq`
+  `@ expand task.mq --expanded -o flattened.mq`
+)";
 
 } // namespace
 
 void printFmtHelp(std::string_view programPath) {
-    printRewriteHelp(programPath, "fmt", "Reformats a task file into canonical DSL v2 layout.",
-                     "Formatting only; task semantics are preserved.", "formatted", "task.mq");
+    console::printHelp(fmtHelp, programPath);
 }
 
 int runFmt(int argc, char** argv) {
@@ -171,11 +202,7 @@ int runFmt(int argc, char** argv) {
 }
 
 void printMigrateHelp(std::string_view programPath) {
-    printRewriteHelp(
-        programPath, "migrate", "Converts legacy task syntax into canonical DSL v2 output.",
-        "Intended for historical files, compatibility forms, or task files that need a unified modern "
-        "layout.",
-        "migrated", "legacy.mq");
+    console::printHelp(migrateHelp, programPath);
 }
 
 int runMigrate(int argc, char** argv) {
@@ -183,17 +210,7 @@ int runMigrate(int argc, char** argv) {
 }
 
 void printExpandHelp(std::string_view programPath) {
-    const std::string command = console::toolBaseName(programPath) + " expand ";
-    writeOut(cyanHeading("Usage:") + "\n  " + greenText(command + "<task.mq> [-o <output.mq>] [--expanded]") +
-             "\n      -- Resolves task/YAML includes, contextual fragments, libraries, and @foreach blocks.\n"
-             "      -- Emits canonical DSL v2 without modifying the source file.\n"
-             "      -- By default matrix declarations remain unexpanded.\n\n" +
-             cyanHeading("Options:") + "\n  " + greenText("-o, --output <output.mq>") +
-             "\n      Write expanded output to a file instead of stdout\n  " +
-             greenText("--expanded, --matrix-expanded") +
-             "\n      Emit final matrix-expanded task blocks and remove the matrix declaration\n\n" +
-             cyanHeading("Examples:") + "\n  " + greenText(command + "task.mq") + "\n  " +
-             greenText(command + "task.mq --expanded -o flattened.mq") + "\n");
+    console::printHelp(expandHelp, programPath);
 }
 
 int runExpand(int argc, char** argv) {

@@ -14,25 +14,22 @@ using console::UsageError;
 
 namespace {
 
-// clang-format off
-constexpr console::HelpLine helpLines[] = {
-    {console::HelpStyle::heading, "Usage:"},
-    {console::HelpStyle::plain, "  `@ rename <task.mq|task.projmq> <old_block> <new_block>`"},
-    {console::HelpStyle::plain, "      -- Renames one task block and updates derived artifacts that depend on that name."},
-    {console::HelpStyle::plain, "      -- For `.mq`: updates the current case, `mq.status`, task directories, file prefixes, and related .morq metadata and Results artifacts."},
-    {console::HelpStyle::plain, "      -- For `.projmq`: updates the project template plus matching task directories and derived artifacts across all cases."},
-    {console::HelpStyle::plain, "      -- If the input `.mq` is actually a symlink to a `.projmq`, it is handled automatically in project mode."},
-    {console::HelpStyle::plain, "      -- Existing derived SQLite databases are removed so that `mqdb` can rebuild them from renamed records on the next sync/rebuild."},
-    {console::HelpStyle::heading, "Examples:"},
-    {console::HelpStyle::plain, "  `@ rename caseA.mq opt opt2`"},
-    {console::HelpStyle::plain, "  `@ rename demo.projmq old_block new_block`"},
-    {console::HelpStyle::olderHeading, "Compatibility forms:"},
-    {console::HelpStyle::plain, "  `@ caseA.mq -r opt opt2`"},
-    {console::HelpStyle::plain, "      Equivalent to: `@ rename caseA.mq opt opt2`"},
-    {console::HelpStyle::plain, "  `@ demo.projmq --rename old_block new_block`"},
-    {console::HelpStyle::plain, "      Equivalent to: `@ rename demo.projmq old_block new_block`"},
-};
-// clang-format on
+constexpr std::string_view renameHelp = R"(# Usage:
+  `@ rename <task.mq|task.projmq> <old_block> <new_block>`
+      -- Renames one task block and updates derived artifacts that depend on that name.
+      -- For `.mq`: updates the current case, `mq.status`, task directories, file prefixes, and related .morq metadata and Results artifacts.
+      -- For `.projmq`: updates the project template plus matching task directories and derived artifacts across all cases.
+      -- If the input `.mq` is actually a symlink to a `.projmq`, it is handled automatically in project mode.
+      -- Existing derived SQLite databases are removed so that `mqdb` can rebuild them from renamed records on the next sync/rebuild.
+# Examples:
+  `@ rename caseA.mq opt opt2`
+  `@ rename demo.projmq old_block new_block`
+## Compatibility forms:
+  `@ caseA.mq -r opt opt2`
+      Equivalent to: `@ rename caseA.mq opt opt2`
+  `@ demo.projmq --rename old_block new_block`
+      Equivalent to: `@ rename demo.projmq old_block new_block`
+)";
 
 int runFrame(int argc, char** argv, RenameOptions (*read)(int argc, const char* const* argv)) {
     try {
@@ -86,7 +83,7 @@ int runRenameCompatibility(int argc, char** argv) {
 }
 
 void printRenameHelp(std::string_view programPath) {
-    console::printHelpLines(helpLines, programPath);
+    console::printHelp(renameHelp, programPath);
 }
 
 bool hasTaskFileSuffix(std::string_view token) noexcept {
