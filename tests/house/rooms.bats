@@ -45,3 +45,19 @@ sources() { # the stems of the sources of all rooms, programs left out
     find src -name '*.cpp' -o -name '*.h' | xargs wc -l |
         awk '$2 != "total" && $1 > 600 { print; bad = 1 } END { exit bad }'
 }
+
+mirrored() { # <tests>: the stems of its test files; laws over the whole house mirror no source
+    find "$1" -name '*_test.cpp' ! -path "$1/house/*" | sed "s#^$1/##; s#_test\.cpp\$##" | LC_ALL=C sort
+}
+
+@test "tests mirror the sources: every source has its test file, every test file its source" {
+    [ "$(sources | wc -l)" -gt 100 ]
+    # A header alone may have a test file too, but needs none.
+    find src -name '*.h' | sed 's#^src/##; s#\.h$##' | LC_ALL=C sort >"$BATS_TEST_TMPDIR/headers"
+    mirrored tests >"$BATS_TEST_TMPDIR/tests"
+    echo "sources without a test file:"
+    diff <(sources | LC_ALL=C comm -23 - "$BATS_TEST_TMPDIR/tests") /dev/null
+    echo "test files without a source:"
+    diff <(sources | LC_ALL=C sort -u - "$BATS_TEST_TMPDIR/headers" |
+        LC_ALL=C comm -13 - "$BATS_TEST_TMPDIR/tests") /dev/null
+}
