@@ -54,8 +54,9 @@ TEST_F(Collect, ADirectoryIsTakenAsAWhole) {
 }
 
 TEST_F(Collect, MissingBlocksAndFailedCopiesAreCounted) {
-    std::filesystem::remove_all(at("p/m2/opt"));
     dir("p/results/a_m1.log"); // in the way
+    EXPECT_EQ(collect({"*.log"}, {"opt"}).status, 2);
+    std::filesystem::remove_all(at("p/m2/opt"));
     const Output output = collect({"*.log"}, {"opt"});
     EXPECT_EQ(output.status, 2);
     EXPECT_EQ(output.err, "[mqkit][WARN] copy failed: " + at("p/m1/opt/a.log") + "\n");

@@ -80,6 +80,12 @@ TEST(DeriveCondition, ACopyHasEveryFieldAndIsItsOwn) {
     EXPECT_EQ(original.children[1].children.size(), 2U);
     EXPECT_EQ(original.children[0].op, DeriveCompareOp::in);
 
+    copy = original.children[0];
+    EXPECT_EQ(copy.op, DeriveCompareOp::in);
+    EXPECT_EQ(copy.left, original.children[0].left);
+    EXPECT_EQ(copy.right, original.children[0].right);
+    EXPECT_EQ(copy.list, original.children[0].list);
+    EXPECT_TRUE(copy.children.empty());
     copy = original.children[1]; // a part of another condition
     EXPECT_EQ(copy.children.size(), 2U);
     original = original.children[1]; // a part of itself

@@ -60,6 +60,7 @@ TEST(ExpressionParser, BuildsTheTreeOfTheGrammar) {
         {"0x10", "16.0"},
         {"'it is'", "\"it is\""},
         {R"("a\tb\\")", "\"a\tb\\\""},
+        {R"('\n\r\q\'')", "\"\n\rq'\""},
         {"{{ opt.energy }}", "{opt energy}"},
         {"{{opt.a.b c}}", "{opt a.b c}"},
         {"[k].a:b", "[k].a:b"},
