@@ -1,6 +1,7 @@
 #include "console/runtime_config.h"
 
 #include "fixtures/console_fixtures.h"
+#include "fixtures/temporary_directory.h"
 #include "support/file.h"
 
 #include <filesystem>
@@ -21,17 +22,12 @@ using testing::ScopedEnv;
 class RuntimeConfigTest : public ::testing::Test {
   protected:
     RuntimeConfigTest() {
-        std::string pattern = ::testing::TempDir() + "mqkit-config-XXXXXX";
-        root = fs::canonical(::mkdtemp(pattern.data())).string();
         fs::create_directories(root + "/here");
         fs::create_directories(root + "/home/.morq/task");
         fs::create_directories(root + "/home/.morquill");
         fs::current_path(root + "/here");
     }
-    ~RuntimeConfigTest() override {
-        fs::current_path(before);
-        fs::remove_all(root);
-    }
+    ~RuntimeConfigTest() override { fs::current_path(before); }
 
     void put(const std::string& path, const std::string& text, bool executable = false) const {
         ASSERT_TRUE(writeTextFile(root + "/" + path, text));
@@ -41,7 +37,8 @@ class RuntimeConfigTest : public ::testing::Test {
     }
 
     fs::path before = fs::current_path();
-    std::string root;
+    TemporaryDirectory directory;
+    std::string root = directory.root();
     ScopedEnv unset{"MQKIT_TEST_UNSET", std::nullopt};
     ScopedEnv empty{"MQKIT_TEST_EMPTY", ""};
     ScopedEnv set{"MQKIT_TEST_SET", "value"};

@@ -8,10 +8,6 @@ setup() {
 
 rooms() { MQKIT_SOURCE=$PWD script/rooms "$@"; }
 
-sources() { # the stems of the sources of all rooms, programs left out
-    find src -name '*.cpp' ! -name 'main.cpp' ! -name '*_main.cpp' | sed 's#^src/##; s#\.cpp$##' | LC_ALL=C sort
-}
-
 @test "every room that a file includes is named in its row, and every named room is included" {
     [ "$(rooms | wc -l)" -gt 15 ]
     diff <(rooms) <(rooms --included)
@@ -44,4 +40,37 @@ sources() { # the stems of the sources of all rooms, programs left out
     done < <(rooms)
     find src -name '*.cpp' -o -name '*.h' | xargs wc -l |
         awk '$2 != "total" && $1 > 600 { print; bad = 1 } END { exit bad }'
+}
+
+stems() { # <folder> <ending>: its files with that ending, without it
+    find "$1" -name "*$2" | sed "s#^$1/##; s#$2\$##" | LC_ALL=C sort
+}
+
+unmirrored() { # <src> <tests>: what one side has and the other lacks
+    # Programs are no part of a room, and laws over the whole house mirror no source.
+    stems "$1" .cpp | grep -v -e '^main$' -e '/main$' -e '_main$' >"$BATS_TEST_TMPDIR/sources"
+    stems "$2" _test.cpp | grep -v '^house/' >"$BATS_TEST_TMPDIR/tests"
+    [ "$(wc -l <"$BATS_TEST_TMPDIR/sources")" -gt 100 ]
+    LC_ALL=C comm -23 "$BATS_TEST_TMPDIR/sources" "$BATS_TEST_TMPDIR/tests" | sed 's/$/.cpp: no test/'
+    # A header alone may have a test file too, but needs none.
+    stems "$1" .h | LC_ALL=C sort -u - "$BATS_TEST_TMPDIR/sources" |
+        LC_ALL=C comm -13 - "$BATS_TEST_TMPDIR/tests" | sed 's/$/_test.cpp: no source/'
+}
+
+@test "tests mirror the sources: every source has its test file, every test file its source" {
+    unmirrored src tests >"$BATS_TEST_TMPDIR/found"
+    diff "$BATS_TEST_TMPDIR/found" /dev/null
+}
+
+@test "a source without its test file, and a test file without its source, are found" {
+    mkdir "$BATS_TEST_TMPDIR/copy"
+    cp -r src tests "$BATS_TEST_TMPDIR/copy"
+    cd "$BATS_TEST_TMPDIR/copy"
+    touch src/support/one.cpp src/app/other_main.cpp tests/lint/two_test.cpp tests/house/law_test.cpp
+    rm tests/system/process_test.cpp
+    diff <(unmirrored src tests) - <<'END'
+support/one.cpp: no test
+system/process.cpp: no test
+lint/two_test.cpp: no source
+END
 }

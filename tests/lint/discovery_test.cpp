@@ -1,5 +1,7 @@
 #include "lint/discovery.h"
 
+#include "fixtures/temporary_directory.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,16 +20,6 @@ namespace fs = std::filesystem;
 /// An empty directory of its own for each test.
 class LintDiscovery : public ::testing::Test {
   protected:
-    LintDiscovery() {
-        std::string name = fs::temp_directory_path() / "mqkit_lint_XXXXXX";
-        if (::mkdtemp(name.data()) != nullptr) {
-            root = fs::canonical(name);
-        }
-    }
-    ~LintDiscovery() override {
-        std::error_code error;
-        fs::remove_all(root, error);
-    }
     void touch(const std::string& name) const {
         fs::create_directories((root / name).parent_path());
         std::ofstream(root / name) << "x";
@@ -45,7 +37,8 @@ class LintDiscovery : public ::testing::Test {
         }
         return found;
     }
-    fs::path root;
+    TemporaryDirectory directory;
+    fs::path root = directory.root();
 };
 
 TEST_F(LintDiscovery, WalksDirectoriesAndSortsByTheBytesOfThePath) {

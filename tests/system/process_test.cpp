@@ -1,5 +1,6 @@
 #include "system/process.h"
 
+#include "fixtures/temporary_directory.h"
 #include "support/file.h"
 
 #include <gmock/gmock.h>
@@ -43,14 +44,10 @@ namespace fs = std::filesystem;
 
 class Process : public ::testing::Test {
   protected:
-    Process() {
-        std::string name = (fs::temp_directory_path() / "mqkit-process-XXXXXX").string();
-        dir = ::mkdtemp(name.data());
-    }
-    ~Process() override { fs::remove_all(dir); }
-    [[nodiscard]] std::string at(const std::string& name) const { return (dir / name).string(); }
+    [[nodiscard]] std::string at(const std::string& name) const { return directory.path(name); }
 
-    fs::path dir;
+    TemporaryDirectory directory;
+    fs::path dir = directory.root();
     std::string failure = "untouched";
 };
 

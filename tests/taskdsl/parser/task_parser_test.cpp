@@ -1,21 +1,19 @@
+#include "taskdsl/parser/task_parser.h"
+
 #include "fixtures/parse_text.h"
+#include "fixtures/temporary_directory.h"
+#include "fixtures/test_lines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 namespace morquill::taskdsl {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-std::vector<std::string> namesOf(const Shared<std::vector<TaskInfo>>& tasks) {
-    std::vector<std::string> names;
-    for (const auto& task : tasks) {
-        names.push_back(task.name);
-    }
-    return names;
-}
 
 TEST(TaskParser, AnEmptyTextIsAnEmptyDocument) {
     for (const char* text : {"", "\n\n", "# only a comment\n", "#!/usr/bin/env mqkit\n"}) {
@@ -243,6 +241,88 @@ TEST(FinishTask, ModsMustFitTheGeometrySlots) {
               "%mod targets geometry slot 'x', but %source does not declare geom.x");
     EXPECT_EQ(faultOf("$a\n%mod charge\n"), "%mod charge requires a value");
     EXPECT_EQ(faultOf("$a\n%source\n  geom b\n  geom.x c\n%mod\n  charge.x 1\n"), "no fault");
+}
+
+TEST(TaskParser, CallersLoseToTheFileAndTheFileKeepsItsText) {
+    const auto parsed = parse("define:\n  a: file\n$[b]_[a]\n%keywords [a] [b] [c]\n", false, "t.mq",
+                              {{"a", "caller"}, {"b", "caller"}});
+    EXPECT_EQ(parsed.document.defines, (ValueMap{{"a", "file"}, {"b", "caller"}}));
+    EXPECT_EQ(parsed.document.tasks[0].name, "caller_file");
+    EXPECT_EQ(parsed.document.tasks[0].keywords, "file caller [c]");
+    EXPECT_EQ(parsed.document.templateTasks[0].keywords, "[a] [b] [c]");
+    EXPECT_EQ(messageOf([] {
+                  (void)parse("", false, "t.mq", {{"spin", "1"}});
+              }),
+              "define key 'spin' is reserved for runtime %source placeholders");
+    EXPECT_EQ(faultOf("define:\n  uhf.x: 1\n"),
+              "define key 'uhf.x' is reserved for runtime %source placeholders");
+    EXPECT_EQ(faultOf("matrix:\n  charge: 0, 1\n"),
+              "matrix axis 'charge' is reserved for runtime %source placeholders");
+}
+
+TEST(TaskParser, MakesTasksOfTheItemsOfAPrelude) {
+    const auto parsed =
+        parse("define:\n  k: v\nmols:\n  - name: water\n  - name: oh\n@foreach mols\n$sp_[mols.name]\n"
+              "%keywords [mols.index] [k]\n@end\n");
+    EXPECT_THAT(namesOf(parsed.document.templateTasks), ElementsAre("sp_water", "sp_oh"));
+    EXPECT_EQ(parsed.document.templateTasks[1].keywords, "2 [k]");
+    EXPECT_EQ(parsed.document.tasks[1].keywords, "2 v");
+}
+
+TEST(ExtraFiles, StandBeforeTheFile) {
+    const TemporaryDirectory dir;
+    const auto yaml =
+        dir.write("extra.yaml",
+                  "x: extra\ny: extra\nc: [extra]\nd: [1, 2]\ndefine:\n  k: extra\n  l: extra\n  m: extra\n"
+                  "matrix:\n  a: 1,2\n");
+    const auto task = dir.write("extra.mq", "$extra\n%keywords [k]\n");
+    const auto path =
+        dir.write("t.mq", "x: file\nc: [file]\ndefine:\n  k: file\n$t\n%keywords [k] [l] [m] [a]\n"
+                          "@foreach c\n$[c.value]\n@end\n@foreach d\n$d[d.value]\n@end\n");
+    const auto parsed = parseFile(path, {{"l", "caller"}});
+    EXPECT_THAT(namesOf(parsed.document.templateTasks),
+                ElementsAre("extra__a_1", "extra__a_2", "t", "file", "d1", "d2"));
+    EXPECT_EQ(parsed.document.settings, (ValueMap{{"x", "file"}, {"y", "extra"}}));
+    EXPECT_EQ(parsed.document.defines, (ValueMap{{"k", "file"}, {"l", "caller"}, {"m", "extra"}}));
+    EXPECT_EQ(parsed.document.tasks[0].keywords, "file");
+    EXPECT_EQ(parsed.document.tasks[2].keywords, "file caller extra 1");
+    EXPECT_THAT(parsed.document.includedFiles, ElementsAre(yaml, task));
+}
+
+TEST(ExtraFiles, AreLookedForBesideAPathWithADirectory) {
+    const TemporaryDirectory dir;
+    (void)dir.write("extra.mq", "$extra\n");
+    (void)dir.write("t.mq", "$t\n");
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(dir.path("."));
+    const auto bare = namesOf(parseFile("t.mq").document.tasks);
+    const auto dotted = namesOf(parseFile("./t.mq").document.tasks);
+    std::filesystem::current_path(before);
+    EXPECT_THAT(bare, ElementsAre("t"));
+    EXPECT_THAT(dotted, ElementsAre("extra", "t"));
+}
+
+TEST(ExtraFiles, TheExtraTaskFileIsEnteredOnce) {
+    const TemporaryDirectory dir;
+    (void)dir.write("extra.mq", "$extra\n&INCLUDE b.mq\n");
+    (void)dir.write("b.mq", "$b\n");
+    EXPECT_THAT(namesOf(parseFile(dir.path("extra.mq")).document.tasks), ElementsAre("extra", "b"));
+    const auto path = dir.write("t.mq", "$t\n&INCLUDE b.mq\n");
+    EXPECT_THAT(namesOf(parseFile(path).document.tasks), ElementsAre("extra", "b", "t", "b"));
+}
+
+TEST(TaskParser, TellsTheLibrariesThatAFileImports) {
+    const TemporaryDirectory dir;
+    const auto one = dir.write("one.mqlib", "&FRAGMENT task opt\n%keywords k\n%process\n");
+    const auto two = dir.write("two.mqlib", "");
+    const auto path = dir.write("t.mq", "a: 1\n&INCLUDE one.mqlib as one\n$t\n&INCLUDE one.opt\nfree "
+                                        "text\n&INCLUDE t2.mq\n&INCLUDE two.mqlib as two\n");
+    (void)dir.write("t2.mq", "&INCLUDE two.mqlib as one\n$u\n");
+    const auto parsed = parseFile(path);
+    EXPECT_EQ(parsed.document.libraryBindings, (ValueMap{{"one", one}, {"two", two}}));
+    EXPECT_EQ(parsed.document.tasks[0].keywords, "k");
+    EXPECT_THAT(parsed.document.tasks[0].processCommands, IsEmpty());
+    EXPECT_EQ(parsed.document.tasks[0].directives->at(0).span.path.str(), one);
 }
 
 } // namespace

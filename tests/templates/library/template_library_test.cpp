@@ -1,5 +1,7 @@
 #include "templates/library/template_library.h"
 
+#include "fixtures/temporary_directory.h"
+#include "fixtures/unprivileged.h"
 #include "support/file.h"
 #include "templates/library/template_walk.h"
 #include "templates/library/variable_template.h"
@@ -21,31 +23,8 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::UnorderedElementsAre;
 
-/// Lays down the rights of the superuser, for whom everything is readable, while it lives.
-class Unprivileged {
-  public:
-    explicit Unprivileged(const fs::path& directory) : own(::geteuid()) {
-        if (own == 0) {
-            fs::permissions(directory, fs::perms::all);
-            EXPECT_EQ(::seteuid(65534), 0);
-        }
-    }
-    Unprivileged(const Unprivileged&) = delete;
-    Unprivileged& operator=(const Unprivileged&) = delete;
-    ~Unprivileged() { EXPECT_EQ(::seteuid(own), 0); }
-
-  private:
-    uid_t own;
-};
-
 class Library : public ::testing::Test {
   protected:
-    Library() {
-        std::string name = (fs::temp_directory_path() / "mqkit-library-XXXXXX").string();
-        root = ::mkdtemp(name.data());
-    }
-    ~Library() override { fs::remove_all(root); }
-
     void put(const std::string& name, const std::string& text) const {
         fs::create_directories((root / name).parent_path());
         ASSERT_TRUE(writeTextFile((root / name).string(), text));
@@ -68,7 +47,8 @@ class Library : public ::testing::Test {
         return library;
     }
 
-    fs::path root;
+    TemporaryDirectory directory;
+    fs::path root = directory.root();
 };
 
 TEST_F(Library, TheCategoryIsTheDirectoryThatTheFileLiesIn) {
@@ -119,7 +99,7 @@ TEST_F(Library, AnUnreadableDirectoryDoesNotStopTheWalk) {
     put("z/z.mq", "");
     ASSERT_EQ(::chmod(at("closed").c_str(), 0), 0);
     {
-        const Unprivileged user(root);
+        const Unprivileged nobody;
         EXPECT_THAT(rows(load(root.string())), ElementsAre("x (a)", "z (z)"));
     }
     ASSERT_EQ(::chmod(at("closed").c_str(), 0700), 0);
@@ -189,7 +169,7 @@ TEST_F(Library, AVariableTemplateThatCannotBeReadIsReported) {
     ASSERT_EQ(::chmod(at("a.yaml").c_str(), 0), 0);
     ::testing::internal::CaptureStderr();
     {
-        const Unprivileged user(root);
+        const Unprivileged nobody;
         EXPECT_EQ(loadVariableTemplates(root.string()).size(), 1U);
     }
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "[mqkit][ERROR] failed to load variable template \"" +

@@ -1,0 +1,117 @@
+// What a whole file gives, stage by stage. Each rule's own forms are the matter of rules_test.cpp.
+
+#include "lint/file_check.h"
+
+#include "fixtures/temporary_directory.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace morquill::lint {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+const taskdsl::WarningSink silent = [](const std::string&) {};
+
+std::vector<std::string> codesOf(const LintFileReport& report) {
+    std::vector<std::string> codes;
+    for (const auto& issue : report.issues) {
+        codes.emplace_back(issue.code);
+    }
+    return codes;
+}
+
+/// The codes for the text of a task `$a` that is sound but for the given lines, beside a sound `$b`.
+std::vector<std::string> codesFor(const std::string& lines) {
+    const auto report = lintText("$a\n%keywords k\n" + lines + "$b\n%keywords k\n", "t.mq", silent);
+    EXPECT_TRUE(report.parsed);
+    return codesOf(report);
+}
+
+TEST(LintText, ASoundTextHasNoIssue) {
+    const auto report = lintText("$a\n%keywords k\n", "dir/t.mq", silent);
+    EXPECT_EQ(report.path, "dir/t.mq");
+    EXPECT_TRUE(report.parsed);
+    EXPECT_THAT(report.issues, IsEmpty());
+}
+
+TEST(LintText, TheLinesAreCheckedAlsoWhenTheTextDoesNotParse) {
+    const auto report = lintText("$a\n%keywords k\n#INCLUDE old.mq\n%nonsense\n", "t.mq", silent);
+    EXPECT_FALSE(report.parsed);
+    EXPECT_THAT(codesOf(report), ElementsAre("legacy-hash-include", "parse-error"));
+    EXPECT_EQ(report.issues[0].severity, LintSeverity::warning);
+    EXPECT_EQ(report.issues[0].span.line, 3);
+    EXPECT_EQ(report.issues[1].severity, LintSeverity::error);
+    EXPECT_EQ(report.issues[1].span.line, 4);
+}
+
+TEST(LintText, OnlyAFileOfVersionOneIsReadWithTheToleranceOfItsTime) {
+    const std::string text = "$a\n%keywords k\n%source b,c\n$b\n%keywords k\n$c\n%keywords k\n";
+    EXPECT_TRUE(lintText("dsl_version: 1\n" + text, "t.mq", silent).parsed);
+    EXPECT_FALSE(lintText("dsl_version: 2\n" + text, "t.mq", silent).parsed);
+    EXPECT_FALSE(lintText(text, "t.mq", silent).parsed);
+}
+
+TEST(LintText, ConditionsAreHeldAgainstTheTasksOfTheFile) {
+    EXPECT_THAT(codesFor("%when completed b\n"), IsEmpty());
+    EXPECT_THAT(codesFor("%when completed [ab]\n"), IsEmpty());
+    EXPECT_THAT(codesFor("%when completed z\n"), ElementsAre("missing-completed-target"));
+    EXPECT_THAT(codesFor("%when completed z*\n"), ElementsAre("missing-completed-target"));
+    EXPECT_THAT(codesFor("%when {{ b.energy }} < 1\n"), IsEmpty());
+    EXPECT_THAT(codesFor("%when {{ z.energy }} < 1\n"), ElementsAre("missing-placeholder-task"));
+    EXPECT_THAT(codesFor("%when completed allothers\n"), IsEmpty());
+}
+
+TEST(LintText, TasksAreComparedWithOneAnother) {
+    EXPECT_THAT(codesFor("%source z\n"), ElementsAre("missing-source-task"));
+    EXPECT_THAT(codesFor("%when completed allothers\n$c\n%keywords k\n%when completed allothers\n"),
+                ::testing::Contains("allothers-deadlock"));
+    EXPECT_THAT(codesFor("$b\n%keywords k\n"), ElementsAre("duplicate-task"));
+}
+
+TEST(LintText, WarningsOfTheParserGoToTheSink) {
+    std::vector<std::string> warnings;
+    (void)lintText("$a\n%program xtb\n%keywords --gfn 2\n", "t.mq",
+                   [&warnings](const std::string& text) { warnings.push_back(text); });
+    EXPECT_THAT(warnings, ElementsAre("task 'a' uses deprecated '%keywords' syntax for '%program xtb'; move "
+                                      "command-line arguments to '%args'."));
+}
+
+TEST(LintFile, WhatCannotBeReadIsAnIssue) {
+    const TemporaryDirectory dir;
+    for (const auto& path : {dir.path("missing.mq"), dir.root()}) {
+        const auto report = lintFile(path);
+        EXPECT_EQ(report.path, path);
+        EXPECT_FALSE(report.parsed);
+        ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
+        EXPECT_EQ(report.issues[0].message, "could not open file: " + path);
+        EXPECT_EQ(report.issues[0].file, path);
+        EXPECT_FALSE(isValidSpan(report.issues[0].span));
+    }
+}
+
+TEST(LintFile, AFaultInAnIncludedFileNamesThatFile) {
+    const TemporaryDirectory dir;
+    const auto inner = dir.write("inner.mq", "$b\n%nonsense\n");
+    const auto outer = dir.write("outer.mq", "$a\n%keywords k\n&INCLUDE inner.mq\n");
+    const auto report = lintFile(outer);
+    EXPECT_EQ(report.path, outer);
+    ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
+    EXPECT_EQ(report.issues[0].file, inner);
+    EXPECT_EQ(report.issues[0].span.line, 2);
+}
+
+TEST(LintFile, AnyBytesGiveAReport) {
+    const TemporaryDirectory dir;
+    std::string bytes;
+    for (int i = 0; i < 4096; ++i) {
+        bytes += static_cast<char>(i * 31 % 256);
+    }
+    const auto report = lintFile(dir.write("t.mq", bytes));
+    EXPECT_EQ(report.path, dir.path("t.mq"));
+}
+
+} // namespace
+} // namespace morquill::lint

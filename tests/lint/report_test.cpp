@@ -1,0 +1,96 @@
+#include "lint/report.h"
+
+#include <gtest/gtest.h>
+
+namespace morquill::lint {
+namespace {
+
+/// Two files: one with an error that has a place and a warning that has none, one that is sound.
+std::vector<LintFileReport> reports() {
+    return {{"a.mq",
+             {{LintSeverity::error, "a.mq", {"a.mq", 3, 2, 3, 9}, "parse-error", "say \"x\""},
+              {LintSeverity::warning, "a.mq", {}, "legacy-process-alias", "old"}},
+             false},
+            {"b.mq", {}, true}};
+}
+
+TEST(LintSummary, CountsFilesErrorsAndWarnings) {
+    const auto lenient = summariseLint(reports(), false);
+    EXPECT_EQ(lenient.files, 2U);
+    EXPECT_EQ(lenient.errors, 1U);
+    EXPECT_EQ(lenient.warnings, 1U);
+    const auto strict = summariseLint(reports(), true);
+    EXPECT_EQ(strict.errors, 2U);
+    EXPECT_EQ(strict.warnings, 0U);
+    EXPECT_EQ(summariseLint({}, true).files, 0U);
+}
+
+TEST(LintText, IsOneLinePerIssueAndTheSum) {
+    const auto all = reports();
+    EXPECT_EQ(renderLintText(all, summariseLint(all, false), false),
+              "a.mq:3:2: error [parse-error] say \"x\"\n"
+              "a.mq: warning [legacy-process-alias] old\n"
+              "checked 2 file(s), 1 error(s), 1 warning(s)\n");
+    EXPECT_EQ(renderLintText(all, summariseLint(all, true), false),
+              "a.mq:3:2: error [parse-error] say \"x\"\n"
+              "a.mq: error [legacy-process-alias] old\n"
+              "checked 2 file(s), 2 error(s), 0 warning(s) [strict]\n");
+    EXPECT_EQ(renderLintText(all, summariseLint(all, false), true),
+              "checked 2 file(s), 1 error(s), 1 warning(s)\n");
+    const std::vector<LintFileReport> sound{{"b.mq", {}, true}};
+    EXPECT_EQ(renderLintText(sound, summariseLint(sound, false), false),
+              "no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n");
+}
+
+TEST(LintJson, HoldsTheWholeResult) {
+    const auto all = reports();
+    EXPECT_EQ(renderLintJson(all, summariseLint(all, false)), R"({
+  "files": [
+    {
+      "path": "a.mq",
+      "parsed": false,
+      "issues": [
+        {
+          "severity": "error",
+          "code": "parse-error",
+          "message": "say \"x\"",
+          "span": "a.mq:3:2-3:9"
+        },
+        {
+          "severity": "warning",
+          "code": "legacy-process-alias",
+          "message": "old",
+          "span": "a.mq"
+        }
+      ]
+    },
+    {
+      "path": "b.mq",
+      "parsed": true,
+      "issues": [
+      ]
+    }
+  ],
+  "summary": {
+    "files": 2,
+    "errors": 1,
+    "warnings": 1,
+    "strict": false
+  }
+}
+)");
+    EXPECT_EQ(renderLintJson({}, summariseLint({}, true)), R"({
+  "files": [
+  ],
+  "summary": {
+    "files": 0,
+    "errors": 0,
+    "warnings": 0,
+    "strict": true
+  }
+}
+)");
+}
+
+} // namespace
+} // namespace morquill::lint

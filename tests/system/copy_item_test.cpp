@@ -1,0 +1,101 @@
+#include "system/copy_item.h"
+
+#include "fixtures/file_size_limit.h"
+#include "fixtures/scratch_tree.h"
+
+#include <sys/stat.h>
+
+namespace morquill::system {
+namespace {
+
+using ::testing::ElementsAre;
+
+using CopyItem = ScratchTree;
+
+TEST_F(CopyItem, CopiesAFileOverAnotherWithItsMode) {
+    write("a.sh", "new");
+    ASSERT_EQ(::chmod(at("a.sh").c_str(), 0750), 0);
+    write("to/a.sh", "an older and longer text");
+    EXPECT_TRUE(copyItem(at("a.sh"), at("to/a.sh")));
+    EXPECT_TRUE(copyItem(at("a.sh"), at("made/on/the/way")));
+    EXPECT_THAT(tree("to"), ElementsAre("a.sh = new"));
+    EXPECT_EQ(readTextFile(at("made/on/the/way")), "new");
+    struct stat info {};
+    ASSERT_EQ(::stat(at("to/a.sh").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777U, 0750U);
+}
+
+TEST_F(CopyItem, CopiesLinksAsLinks) {
+    write("a", "text");
+    link("a", "link");
+    write("to/link", "older");
+    EXPECT_TRUE(copyItem(at("link"), at("to/link")));
+    EXPECT_TRUE(copyItem(at("link"), at("to/second")));
+    EXPECT_THAT(tree("to"), ElementsAre("link -> a", "second -> a"));
+}
+
+TEST_F(CopyItem, NeverWritesThroughALinkThatStandsAtTheTarget) {
+    write("precious", "old");
+    write("a", "new");
+    link("../precious", "to/a");
+    EXPECT_TRUE(copyItem(at("a"), at("to/a")));
+    EXPECT_EQ(readTextFile(at("precious")), "old");
+    EXPECT_THAT(tree("to"), ElementsAre("a = new"));
+}
+
+TEST_F(CopyItem, ReplacesADirectoryAsAWhole) {
+    write("plot/a.png", "1");
+    write("plot/deep/b.png", "2");
+    dir("plot/empty");
+    link("a.png", "plot/link");
+    link("/nowhere", "plot/dangling");
+    link("deep", "plot/dirlink");
+    write("to/plot/stale", "");
+    write("to/file", "");
+    const std::vector<std::string> copied{"a.png = 1",      "dangling -> /nowhere", "deep/",
+                                          "deep/b.png = 2", "dirlink -> deep",      "empty/",
+                                          "link -> a.png"};
+    EXPECT_TRUE(copyItem(at("plot"), at("to/plot")));
+    EXPECT_EQ(tree("to/plot"), copied);
+    EXPECT_TRUE(copyItem(at("plot"), at("to/plot")));
+    EXPECT_EQ(tree("to/plot"), copied);
+    EXPECT_TRUE(copyItem(at("plot"), at("to/file")));
+    EXPECT_EQ(tree("to/file"), copied);
+}
+
+TEST_F(CopyItem, RefusesWhatIsMissingOrOfAnotherKind) {
+    link("nowhere", "dangling");
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    dir("to/dir");
+    write("a", "text");
+    EXPECT_FALSE(copyItem(at("missing"), at("to/x")));
+    EXPECT_FALSE(copyItem(at("dangling"), at("to/x")));
+    EXPECT_FALSE(copyItem(at("pipe"), at("to/x")));
+    EXPECT_FALSE(copyItem(at("a"), at("to/dir")));
+    EXPECT_FALSE(copyItem(at("a"), at("a")));
+    EXPECT_FALSE(copyItem(at("a"), at("a/b")));
+    EXPECT_THAT(tree("to"), ElementsAre("dir/"));
+    EXPECT_EQ(readTextFile(at("a")), "text");
+}
+
+TEST_F(CopyItem, ADirectoryWithAPipeInItIsCopiedWithoutIt) {
+    write("plot/z", "1");
+    ASSERT_EQ(::mkfifo(at("plot/pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(copyItem(at("plot"), at("to/plot")));
+    EXPECT_THAT(tree("to/plot"), ElementsAre("z = 1"));
+}
+
+TEST_F(CopyItem, LeavesNoHalfOfAFileOnAFullDisk) {
+    write("a", std::string(1000, 'x'));
+    const FileSizeLimit limit(500);
+    EXPECT_FALSE(copyItem(at("a"), at("to/a")));
+    EXPECT_THAT(tree("to"), ElementsAre());
+}
+
+TEST_F(CopyItem, CopiesFilesWhoseSizeTheSystemDoesNotTell) {
+    EXPECT_TRUE(copyItem("/proc/self/status", at("status")));
+    EXPECT_THAT(readTextFile(at("status")).value_or(""), ::testing::HasSubstr("VmSize"));
+}
+
+} // namespace
+} // namespace morquill::system

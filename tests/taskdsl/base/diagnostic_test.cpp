@@ -1,0 +1,48 @@
+#include "taskdsl/base/diagnostic.h"
+
+#include <gtest/gtest.h>
+
+namespace morquill::taskdsl {
+namespace {
+
+TEST(DiagnosticError, PutsAKnownPlaceInFrontOfItsMessage) {
+    struct Row {
+        SourceSpan span;
+        std::string whole;
+    };
+    const Row rows[] = {
+        {{"a.mq", 3, 2, 3, 9}, "a.mq:3:2-3:9: error: no such task"},
+        {{"a.mq", 3, 2, 5, 1}, "a.mq:3:2-5:1: error: no such task"},
+        {{"a.mq", 3, 2, 3, 2}, "a.mq:3:2: error: no such task"},
+        {{"", 3, 2, 3, 9}, "3:2-3:9: error: no such task"},
+        {{}, "no such task"},
+        {{"a.mq", 0, 0, 0, 0}, "no such task"}, // a file alone is no place
+        {{"a.mq", 3, 2, 2, 9}, "no such task"}, // ends before it begins
+    };
+    for (const auto& [span, whole] : rows) {
+        const DiagnosticError error(span, "no such task");
+        EXPECT_EQ(error.what(), whole);
+        EXPECT_EQ(error.message(), "no such task");
+        EXPECT_EQ(error.span(), span);
+    }
+}
+
+TEST(DiagnosticError, WithoutAPlaceIsItsMessage) {
+    const DiagnosticError error("a: b\nc");
+    EXPECT_STREQ(error.what(), "a: b\nc");
+    EXPECT_EQ(error.message(), "a: b\nc");
+    EXPECT_EQ(error.span(), SourceSpan{});
+}
+
+TEST(DiagnosticError, IsCaughtAsARuntimeErrorWithItsWholeMessage) {
+    try {
+        throw DiagnosticError({"a.mq", 1, 1, 1, 4}, "");
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "a.mq:1:1-1:4: error: ");
+        return;
+    }
+    FAIL();
+}
+
+} // namespace
+} // namespace morquill::taskdsl
