@@ -44,9 +44,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     holdLaw(spec);
-    // The last line is one more text that a key may stand for.
-    const std::string last(text.substr(text.find_last_of('\n') + 1));
-    plot::substitutePlot(spec, {{"key", last}, {"k", "label"}, {"n", "2"}, {"e", ""}, {"s", "a b"}});
+    // What stands behind the block is one more text that a key may stand for.
+    constexpr std::string_view close = "\n@end\n";
+    const auto end = text.find(close);
+    const std::string rest(end == std::string_view::npos ? "" : text.substr(end + close.size()));
+    plot::substitutePlot(spec, {{"key", rest}, {"k", "label"}, {"n", "2"}, {"e", ""}, {"s", "a b"}});
     holdLaw(spec);
     return 0;
 }

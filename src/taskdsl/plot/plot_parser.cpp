@@ -117,6 +117,22 @@ void readStatements(PlotReading& reading) {
     }
 }
 
+PlotSpec readBody(PlotKind kind, std::string_view lines) {
+    PlotReading reading;
+    reading.plot.kind = kind;
+    applyKindDefaults(reading.plot);
+    std::vector<SourceLine> body;
+    for (const auto line : splitLines(lines)) {
+        body.push_back({std::string(line), {}});
+    }
+    reading.statements = readPlotStatements(body);
+    for (auto& statement : reading.statements) {
+        statement.span = {};
+    }
+    readStatements(reading);
+    return std::move(reading.plot);
+}
+
 std::optional<PlotOutputFormat> formatOfPath(std::string_view path) {
     return parsePlotFormat(extensionOf(path));
 }

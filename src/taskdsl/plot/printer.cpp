@@ -112,24 +112,12 @@ void Printer::lose(std::string reason) {
 }
 
 std::optional<std::string> Printer::faultOf(std::string_view lines, const PlotData& expected) const {
-    PlotReading reading;
-    reading.plot.kind = kind_;
-    applyKindDefaults(reading.plot);
-    std::vector<SourceLine> body;
-    for (const auto text : splitLines(lines)) {
-        body.push_back({std::string(text), {}});
-    }
     try {
-        reading.statements = readPlotStatements(body);
-        for (auto& statement : reading.statements) {
-            statement.span = {};
+        if (readBody(kind_, lines).data == expected) {
+            return std::nullopt;
         }
-        readStatements(reading);
     } catch (const DiagnosticError& fault) {
         return fault.message();
-    }
-    if (reading.plot.data == expected) {
-        return std::nullopt;
     }
     return "'" + std::string(trim(lines)) + "' reads as something else";
 }

@@ -103,6 +103,8 @@ class Printer {
     /// True for a word that stands for itself wherever a plot prints one.
     [[nodiscard]] static bool isPlainWord(std::string_view word) noexcept;
 
+    /// What has been printed so far.
+    [[nodiscard]] std::string_view text() const noexcept { return out_; }
     [[nodiscard]] std::string take() { return std::move(out_); }
 
   private:

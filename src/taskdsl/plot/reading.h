@@ -37,6 +37,10 @@ struct Statement {
 /// Reads the statements that have not been taken into the plot. Throws `DiagnosticError` for the first fault.
 void readStatements(PlotReading& reading);
 
+/// What the lines of a body say of a plot of this kind, without places, checks and defaults that depend on
+/// the whole. Throws `DiagnosticError` for the first fault.
+[[nodiscard]] PlotSpec readBody(PlotKind kind, std::string_view lines);
+
 /// The format that the path's extension names; nothing when it has none or it names no format.
 [[nodiscard]] std::optional<PlotOutputFormat> formatOfPath(std::string_view path);
 

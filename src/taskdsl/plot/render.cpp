@@ -59,20 +59,6 @@ bool nameReadsBack(const PlotSpec& plot) {
     return words.size() > 2 && unquotePlotText(words[2]) == name;
 }
 
-bool sourceReadsBack(const PlotSpec& plot, const std::string& line) {
-    if (Printer::isPlainWord(plot.sourceArgument)) {
-        return true;
-    }
-    PlotReading reading;
-    try {
-        reading.statements = readPlotStatements({{line, {}}});
-        readStatements(reading);
-    } catch (const DiagnosticError&) {
-        return false;
-    }
-    return reading.plot.sourceKind == plot.sourceKind && reading.plot.sourceArgument == plot.sourceArgument;
-}
-
 /// True for `<derive>.<table>`, as the reader of `derived("...")` wants it.
 bool isSelector(std::string_view text) {
     const auto dot = text.find('.');
@@ -92,13 +78,32 @@ void printSource(Printer& print, const PlotSpec& plot) {
         print.line("from").word("derived(" + quotePlotText(argument) + ")").end();
         return;
     }
-    std::string line = "from " + std::string(plotSourceName(plot.sourceKind));
-    line += argument.empty() ? "" : " " + argument;
-    const bool named = plot.sourceKind == PlotSourceKind::task || plot.sourceKind == PlotSourceKind::variants;
-    if (named && !sourceReadsBack(plot, line)) {
-        print.lose(strayText("name of the source", argument));
+    print.line("from").word(plotSourceName(plot.sourceKind)).wordIf(!argument.empty(), argument).end();
+}
+
+/// Whether the body names the source of the plot, and says the same without the lines of the source. A name
+/// that ends in an operator takes in the next line, which may have said nothing.
+bool sourceReadsBack(const PlotSpec& plot, std::string_view sourceLines, std::string_view otherLines) {
+    try {
+        auto whole = readBody(plot.kind, std::string(sourceLines) + std::string(otherLines));
+        auto others = readBody(plot.kind, otherLines);
+        others.sourceKind = plot.sourceKind;
+        others.sourceArgument = plot.sourceArgument;
+        return whole == others;
+    } catch (const DiagnosticError&) {
+        return false;
     }
-    print.line(line).end();
+}
+
+void checkSource(Printer& print, const PlotSpec& plot, std::size_t sourceAt, std::size_t othersAt) {
+    const bool named = plot.sourceKind == PlotSourceKind::task || plot.sourceKind == PlotSourceKind::variants;
+    if (!named || Printer::isPlainWord(plot.sourceArgument)) {
+        return;
+    }
+    const auto text = print.text();
+    if (!sourceReadsBack(plot, text.substr(sourceAt, othersAt - sourceAt), text.substr(othersAt))) {
+        print.lose(strayText("name of the source", plot.sourceArgument));
+    }
 }
 
 void printAxis(Printer& print, std::string_view header, const AxisSpec& axis) {
@@ -187,13 +192,16 @@ std::string renderPlot(const PlotSpec& plot, std::string_view indent, const Warn
     }
     print.line(ofTask ? "%plot" : "@plot").word(plotKindName(plot.kind)).word(plot.name).end();
     print.level = 1;
+    const std::size_t sourceAt = print.text().size();
     printSource(print, plot);
+    const std::size_t othersAt = print.text().size();
     printData(print, plot.data);
     printAxis(print, "axis x:", plot.xAxis);
     printAxis(print, "axis y:", plot.yAxis);
     printAxis(print, "axis y2:", plot.y2Axis);
     printLegend(print, plot.legend);
     printCommonLines(print, plot);
+    checkSource(print, plot, sourceAt, othersAt);
     print.level = 0;
     print.lineIf(!ofTask, "@end");
     if (warnings) {

@@ -189,6 +189,8 @@ TEST(PlotPrinter, WhatTheCanonicalFormCannotHoldIsWarnedOf) {
          "plot '#' does not read back: the name '#' is printed without quotes"},
         {"@plot frontier p\nfrom task 'c d'", p + "the name of the source holds a blank"},
         {"%plot frontier p\nfrom task 'c#d'", p + "the name of the source 'c#d' is printed without quotes"},
+        {"@plot frontier p\nfrom task 'c-'\nspin alpha",
+         p + "the name of the source 'c-' is printed without quotes"},
         {"%plot frontier p\nfrom variants ''", p + "the name of the source is empty"},
         {"@plot bar p\nfrom derived t\nx a\ny b", p + "the source 't' is no <derive>.<table>"},
         {"@plot bar p\nfrom project\nx a\ny b\nstyle lines",
@@ -220,6 +222,7 @@ TEST(PlotPrinter, WhatReadsBackIsNotWarnedOf) {
              "@plot frontier 'a\"b c\"'\nfrom task t",
              "@plot frontier (a b)\nfrom task t",
              "@plot frontier p\nfrom task '(c d)'",
+             "@plot frontier p\nfrom task 'c-'", // joins the line `spin auto`, which is the default
              "@plot bar p\nfrom derived('a', 'b c')\nx a - (b - c)\ny (a + b) + c - -d",
              "@plot bar p\nfrom project\nx 0.1 + 1e300\ny 123456789012345",
              "@plot bar p\nfrom project\nx 1e999\ny 1.7976931348623157e308",
