@@ -83,7 +83,7 @@ bool regroups(const BinaryExpr& binary) {
 /// True for a task or key that no walk through a statement stops at.
 bool isCalm(std::string_view text) noexcept {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
-        return isLetter(c) || isDigit(c) || c == '_' || c == '-' || c == '.';
+        return isLetter(c) || isDigit(c) || std::string_view("_-.:[]").find(c) != std::string_view::npos;
     });
 }
 
