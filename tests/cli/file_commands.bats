@@ -1,4 +1,5 @@
 # fmt, migrate and expand: whole output, messages, exit status, and what is on disk.
+bats_require_minimum_version 1.5.0
 
 setup() {
     export NO_COLOR=1
@@ -224,11 +225,18 @@ limited() {
     [ "${#lines[@]}" -eq 2 ]
     [[ "${lines[0]}" == *"huge.mq: error [parse-error] could not open file: "*huge.mq ]]
     [ "${lines[1]}" = "checked 2 file(s), 1 error(s), 0 warning(s)" ]
+    mkdir -p project/m1
+    ln huge.mq project/demo.projmq 2>/dev/null || truncate -s 4T project/demo.projmq
+    ln -s ../demo.projmq project/m1/m1.mq
+    refused "could not open file: $PWD/huge.mq" rename huge.mq a b
+    refused "could not open file: $PWD/project/demo.projmq" rename project/demo.projmq a b
+    run --separate-stderr -1 "$MQKIT" project exec --path project -n a -- true
+    [ "$stderr" = "[mqkit][ERROR] failed to parse task file: could not open file: $PWD/project/demo.projmq (1 additional case parse error(s))" ]
 }
 
 @test "without memory there is one message with the path, and nothing is written" {
     ( ulimit -v 60000; "$MQKIT" help >/dev/null 2>&1 ) || skip "the program cannot be started with a limit of memory"
-    awk 'BEGIN { for (i = 0; i < 6000; ++i) printf "$t%d\n  %%keywords \"b3lyp opt [func] %d\"\n  %%process\n    echo hallo\n", i, i }' >large.mq
+    awk 'BEGIN { for (i = 0; i < 20000; ++i) printf "$t%d\n  %%keywords \"b3lyp opt [func] %d\"\n  %%process\n    echo hallo\n", i, i }' >large.mq
     cp large.mq before.mq
     local command kilobytes told=0
     for command in "fmt large.mq" "migrate -i large.mq" "expand --expanded large.mq -o new.mq" "explain large.mq"; do
@@ -250,8 +258,7 @@ limited() {
 
 @test "lint goes on with the next file when one lacks memory" {
     ( ulimit -v 60000; "$MQKIT" help >/dev/null 2>&1 ) || skip "the program cannot be started with a limit of memory"
-    awk 'BEGIN { for (i = 0; i < 40000; ++i) printf "$t%d\n  %%keywords \"b3lyp opt %d\"\n", i, i }' >large.mq
-    run -1 bash -c 'ulimit -v 30000; exec "$MQKIT" lint a.mq large.mq missing.txt' 
+    awk 'BEGIN { for (i = 0; i < 80000; ++i) printf "$t%d\n  %%keywords \"b3lyp opt %d\"\n", i, i }' >large.mq
     run --separate-stderr -1 bash -c 'ulimit -v 30000; exec "$MQKIT" lint large.mq a.mq'
     [ "$stderr" = "" ]
     [ "${#lines[@]}" -eq 2 ]
