@@ -19,6 +19,7 @@ bool colorAllowed = true;
 
 // The first failure of standard output; 0 while everything went out. Nothing is tried behind it.
 int outputError = 0;
+bool outputClosed = false;
 
 extern "C" void ignoreSignal(int /*signal*/) {}
 
@@ -36,7 +37,12 @@ void leaveToTheWrite(int signal) noexcept {
 } // namespace
 
 void writeOut(std::string_view text) noexcept {
-    if (outputError == 0 && std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
+    if (outputError != 0 || text.empty()) {
+        return;
+    }
+    if (outputClosed) {
+        outputError = EBADF;
+    } else if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
         outputError = errno;
     }
 }
@@ -55,9 +61,9 @@ void flushOut() noexcept {
 void prepareStandardStreams() noexcept {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(fd, F_GETFD) < 0) {
-            // The lowest free number is taken, and that is this one. Only for reading: input is at its end,
-            // and output fails as on the closed stream.
-            (void)::open("/dev/null", O_RDONLY);
+            // The lowest free number is taken, and that is this one.
+            (void)::open("/dev/null", O_RDWR);
+            outputClosed = outputClosed || fd == STDOUT_FILENO;
         }
     }
     leaveToTheWrite(SIGPIPE);

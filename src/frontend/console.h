@@ -20,10 +20,11 @@ void writeErr(std::string_view text) noexcept;
 /// Brings out what `writeOut` has kept back.
 void flushOut() noexcept;
 
-/// Readies the process for broken and closed streams. A standard stream that the caller closed is opened for
-/// reading on /dev/null, so that no file of the user gets its number and what is written to it is lost
-/// output; a reader that went away and a file that may not grow no longer kill the program in the middle of
-/// its work on disk (children keep the system's default). Called once, by `main`.
+/// Readies the process for broken and closed streams. A standard stream that the caller closed is opened on
+/// /dev/null, so that no file of the user gets its number and child programs can do their work; what
+/// `writeOut` is given for a closed standard output is lost all the same. A reader that went away and a file
+/// that may not grow no longer kill the program in the middle of its work on disk (children keep the system's
+/// default). Called once, by `main`.
 void prepareStandardStreams() noexcept;
 /// Brings standard output out at the end of a run and gives the exit status to use. Output that was lost
 /// turns a status of 0 into 1 and is reported, but for a reader that went away: it did not want the rest.

@@ -69,8 +69,11 @@ TEST(ConsoleStreams, OutputToAClosedStreamIsLostOutput) {
         {
             ::close(STDOUT_FILENO);
             prepareStandardStreams();
+            const bool childrenCanWrite = ::write(STDOUT_FILENO, "x", 1) == 1;
+            writeOut("");
+            const int quiet = finishOutput(0);
             writeOut("lost");
-            std::_Exit(finishOutput(0));
+            std::_Exit(childrenCanWrite && quiet == 0 ? finishOutput(0) : 2);
         },
         ::testing::ExitedWithCode(1),
         "^\\[mqkit\\]\\[ERROR\\] could not write to standard output: Bad file descriptor\n$");
