@@ -240,7 +240,7 @@ limited() {
     cp large.mq before.mq
     local command kilobytes told=0
     for command in "fmt large.mq" "migrate -i large.mq" "expand --expanded large.mq -o new.mq" "explain large.mq"; do
-        for kilobytes in $(seq 9500 1500 26000); do
+        for kilobytes in $(seq 9500 1000 20000); do
             run --separate-stderr bash -c 'ulimit -c 0; ulimit -v "$1"; shift; exec "$MQKIT" "$@"' _ "$kilobytes" $command
             if [ "$status" -eq 127 ]; then
                 continue # no memory for the libraries either
