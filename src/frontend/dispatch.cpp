@@ -5,11 +5,14 @@
 #include "frontend/logger.h"
 #include "project/project_command.h"
 #include "project/rename.h"
+#include "support/fault.h"
 #include "support/text.h"
 #include "templates/template_command.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <exception>
 #include <span>
 #include <string>
 #include <vector>
@@ -136,7 +139,28 @@ std::string commandRow(const CommandRow& row) {
 /// own objects are not destroyed.
 [[gnu::noinline]] int runUnguarded(int argc, char** argv, int (*command)(int argc, char** argv)) {
     const LogSession session("mqkit", argc, argv, LogLevel::Warning, LogLevel::Skip);
-    return finishOutput(command(argc, argv));
+    try {
+        return finishOutput(command(argc, argv));
+    } catch (const std::exception& fault) {
+        // A lack of memory is no fault of the program; whatever else gets here is one and ends it.
+        if (!isOutOfMemory(fault)) {
+            throw;
+        }
+        writeErr(errorTag() + " " + faultText(fault, {}) + "\n");
+        return finishOutput(1);
+    }
+}
+
+std::terminate_handler usualEnd = nullptr;
+
+/// Called without an exception when there was no memory even for the exception.
+[[noreturn]] void endWithoutMemory() {
+    if (std::current_exception() == nullptr) {
+        writeErr("[mqkit][ERROR] out of memory\n");
+        std::_Exit(1);
+    }
+    usualEnd();
+    std::abort();
 }
 
 } // namespace
@@ -194,6 +218,7 @@ void printTopLevelHelp(std::string_view programPath) {
 
 int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept {
     prepareStandardStreams();
+    usualEnd = std::set_terminate(endWithoutMemory);
     return runUnguarded(argc, argv, command);
 }
 

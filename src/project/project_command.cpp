@@ -5,6 +5,7 @@
 #include "project/selection.h"
 #include "project/target.h"
 #include "project/workflows.h"
+#include "support/fault.h"
 #include "support/text.h"
 
 #include <exception>
@@ -99,7 +100,8 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
     try {
         return runSubCommand(options, programPath);
     } catch (const std::exception& failure) {
-        printErrorLine(frontend::errorTag() + " " + failure.what());
+        printErrorLine(frontend::errorTag() + " " +
+                       faultText(failure, options.path.empty() ? "." : options.path));
         return 1;
     }
 }

@@ -3,6 +3,7 @@
 #include "frontend/logger.h"
 #include "project/name_list.h"
 #include "project/target.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/task_parser.h"
@@ -104,6 +105,13 @@ struct WarningWatch {
     }
 };
 
+/// A file that cannot be parsed is passed over; one that only lacked memory says nothing about its blocks.
+void stopWithoutMemory(const std::exception& failure, const std::string& file) {
+    if (isOutOfMemory(failure)) {
+        throw std::runtime_error(faultText(failure, file));
+    }
+}
+
 /// Reads the case files of one project. Most of them are links to the one template; a text that was parsed
 /// for one case is not parsed again for another when nothing but the text can have had a say.
 class CaseReader {
@@ -139,7 +147,8 @@ class CaseReader {
         WarningWatch watch{warnings_};
         try {
             builder_.add(taskdsl::TaskParser(false, watch.listener()).parseText(text, path));
-        } catch (const std::exception&) {
+        } catch (const std::exception& failure) {
+            stopWithoutMemory(failure, path);
             warned_ = watch.warned;
             return false;
         }
@@ -176,6 +185,7 @@ bool scanInto(CatalogBuilder& builder, const std::string& file, std::string& err
         builder.add(taskdsl::TaskParser(false, warnings).parseFile(file));
         return true;
     } catch (const std::exception& failure) {
+        stopWithoutMemory(failure, file);
         error = std::string(scanFailure) + failure.what();
         return false;
     }

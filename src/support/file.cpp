@@ -1,8 +1,11 @@
 #include "support/file.h"
 
+#include "support/descriptor.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <new>
 #include <system_error>
 
 #include <fcntl.h>
@@ -15,48 +18,22 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Closes a descriptor on every way out; `close` tells whether closing went well.
-class Descriptor {
-  public:
-    explicit Descriptor(int fd) noexcept : fd_(fd) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-        }
-    }
-    [[nodiscard]] int get() const noexcept { return fd_; }
-    [[nodiscard]] bool close() noexcept {
-        const int fd = fd_;
-        fd_ = -1;
-        return ::close(fd) == 0;
-    }
-
-  private:
-    int fd_;
-};
-
-bool writeAll(int fd, std::string_view text) {
-    while (!text.empty()) {
-        const auto put = ::write(fd, text.data(), text.size());
-        if (put > 0) {
-            text.remove_prefix(static_cast<std::size_t>(put));
-        } else if (put == 0 || errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
+/// True for a size that no text can have because the machine's memory does not hold it: files with holes can
+/// claim any size. Asked before the memory is, as that may be granted and missed only when it is used.
+bool exceedsMemory(off_t size) noexcept {
+    const auto pages = ::sysconf(_SC_PHYS_PAGES);
+    const auto pageSize = ::sysconf(_SC_PAGESIZE);
+    return pages > 0 && pageSize > 0 && size / pageSize >= pages;
 }
 
 } // namespace
 
-std::optional<std::string> readTextFile(const std::string& path) {
+std::optional<std::string> readTextFile(const std::string& path) try {
     // O_NONBLOCK: opening a FIFO must not wait for a writer; it has no effect on regular files.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat info {};
     if (path.find('\0') != std::string::npos || file.get() < 0 || ::fstat(file.get(), &info) != 0 ||
-        !S_ISREG(info.st_mode)) {
+        !S_ISREG(info.st_mode) || exceedsMemory(info.st_size)) {
         return std::nullopt;
     }
     std::string content;
@@ -81,17 +58,8 @@ std::optional<std::string> readTextFile(const std::string& path) {
     }
     content.resize(used);
     return content;
-}
-
-bool writeTextFile(const std::string& path, std::string_view text) {
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-    return file.get() >= 0 && writeAll(file.get(), text) && file.close();
-}
-
-bool overwriteTextFile(const std::string& path, std::string_view text) {
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
-    return file.get() >= 0 && writeAll(file.get(), text) &&
-           ::ftruncate(file.get(), static_cast<off_t>(text.size())) == 0 && file.close();
+} catch (const std::bad_alloc&) {
+    return std::nullopt;
 }
 
 bool isRegularFile(const std::string& path) {

@@ -1,6 +1,7 @@
 #include "templates/template_command.h"
 
 #include "frontend/console.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "templates/define_section.h"
 #include "templates/merge.h"
@@ -11,6 +12,7 @@
 #include "templates/variable_template.h"
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -115,6 +117,41 @@ constexpr HelpExample helpExamples[] = {
     {" template interactive", " -i"},
 };
 
+/// Does the work of a command; when the memory runs out, the message names the file that it works on.
+int namingFile(const std::string& path, const std::function<int()>& work) {
+    try {
+        return work();
+    } catch (const std::exception& fault) {
+        if (!isOutOfMemory(fault)) {
+            throw;
+        }
+        return refuse(" " + faultText(fault, path));
+    }
+}
+
+int mergeTemplates(const std::vector<std::string>& names, const std::string& pathList,
+                   const std::string& output) {
+    const auto library = loadTemplateLibrary(pathList);
+    std::vector<std::string_view> texts;
+    for (const auto& name : names) {
+        const TaskTemplate* found = findTemplate(library, name);
+        if (found == nullptr) {
+            return refuse(" template not found: '" + name + "'");
+        }
+        texts.emplace_back(found->content);
+    }
+    const std::string merged = mergeTemplateTexts(texts);
+    if (output == "-") {
+        writeOut(merged);
+        return 0;
+    }
+    if (!writeTextFile(output, merged)) {
+        return refuse(" could not write output file: " + output);
+    }
+    writeOut("[mqkit] wrote task file: " + output + "\n");
+    return 0;
+}
+
 } // namespace
 
 int runTemplate(int argc, char** argv) {
@@ -188,33 +225,20 @@ int runTemplateMerge(int argc, char** argv, int firstArgument) {
     if (names.empty()) {
         return refuse(" specify at least one template to merge");
     }
-    const auto library = loadTemplateLibrary(directory ? *directory : resolveTemplatePath());
-    std::vector<std::string_view> texts;
-    for (const auto& name : names) {
-        const TaskTemplate* found = findTemplate(library, name);
-        if (found == nullptr) {
-            return refuse(" template not found: '" + name + "'");
-        }
-        texts.emplace_back(found->content);
-    }
-    const std::string merged = mergeTemplateTexts(texts);
-    if (output == "-") {
-        writeOut(merged);
-        return 0;
-    }
-    if (!writeTextFile(output, merged)) {
-        return refuse(" could not write output file: " + output);
-    }
-    writeOut("[mqkit] wrote task file: " + output + "\n");
-    return 0;
+    return namingFile(output, [&] {
+        return mergeTemplates(names, directory ? *directory : resolveTemplatePath(), output);
+    });
 }
 
 int runTemplateVariable(int argc, char** argv, int firstArgument) {
     if (argc - firstArgument != 2) {
         return refuse(" template variable expects: <task.mq> <var_template>");
     }
-    writeDefineSection(argv[firstArgument], argv[firstArgument + 1]);
-    return 0;
+    const std::string taskPath = argv[firstArgument];
+    return namingFile(taskPath, [&] {
+        writeDefineSection(taskPath, argv[firstArgument + 1]);
+        return 0;
+    });
 }
 
 void writeDefineSection(const std::string& taskPath, const std::string& templateName) {

@@ -2,6 +2,7 @@
 
 #include "frontend/console.h"
 #include "frontend/runtime_config.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "templates/template_text.h"
@@ -69,7 +70,7 @@ TemplateLibrary loadTemplateLibrary(std::string_view pathList) {
                 addTemplate(file, library);
             } catch (const std::exception& error) {
                 frontend::writeErr("[mqkit][ERROR] failed to load template " + quotedPath(file.path) + ": " +
-                                   error.what() + "\n");
+                                   faultText(error, {}) + "\n");
             }
         });
     }

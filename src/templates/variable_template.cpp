@@ -1,6 +1,7 @@
 #include "templates/variable_template.h"
 
 #include "frontend/console.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/scan.h"
@@ -74,7 +75,7 @@ std::vector<VariableTemplate> loadVariableTemplates(std::string_view pathList) {
                 templates.push_back(readVariableTemplate(file));
             } catch (const std::exception& error) {
                 frontend::writeErr("[mqkit][ERROR] failed to load variable template " +
-                                   quotedPath(file.path) + ": " + error.what() + "\n");
+                                   quotedPath(file.path) + ": " + faultText(error, {}) + "\n");
             }
         });
     }

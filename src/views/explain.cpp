@@ -1,6 +1,7 @@
 #include "views/explain.h"
 
 #include "frontend/console.h"
+#include "support/fault.h"
 #include "support/json.h"
 #include "support/text.h"
 #include "taskdsl/source_spec.h"
@@ -269,7 +270,7 @@ int runExplain(int argc, char** argv) {
         writeOut(options.format == "json" ? renderJson(view) : renderText(view));
         return 0;
     } catch (const std::exception& error) {
-        return refuse(error.what());
+        return refuse(faultText(error, options.inputPath));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "views/file_commands.h"
 
 #include "frontend/console.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "taskdsl/task_parser.h"
 #include "views/canonical_writer.h"
@@ -128,7 +129,7 @@ int convert(const FileCommandOptions& options, bool allowLegacy) {
         return deliverCanonicalText(renderCanonicalDocument(parser.parseFile(options.inputPath), view),
                                     options);
     } catch (const std::exception& error) {
-        return refuseTagged(error.what());
+        return refuseTagged(faultText(error, options.inputPath));
     }
 }
 

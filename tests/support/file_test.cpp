@@ -8,6 +8,7 @@
 #include <string>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace morquill {
 namespace {
@@ -42,6 +43,12 @@ TEST_F(File, OnlyRegularFilesAreRead) {
     EXPECT_EQ(readTextFile("/dev/null"), std::nullopt);
 }
 
+TEST_F(File, AFileThatNoMemoryHoldsIsNotRead) {
+    ASSERT_TRUE(writeTextFile(at("huge"), "x"));
+    ASSERT_EQ(::truncate(at("huge").c_str(), off_t{1} << 42), 0);
+    EXPECT_EQ(readTextFile(at("huge")), std::nullopt);
+}
+
 TEST_F(File, WritingMakesNoParentDirectories) {
     EXPECT_FALSE(writeTextFile(at("no/such/file"), "x"));
     EXPECT_FALSE(fs::exists(at("no")));
@@ -49,14 +56,6 @@ TEST_F(File, WritingMakesNoParentDirectories) {
 
 TEST_F(File, AFullDiskIsAFailure) {
     EXPECT_FALSE(writeTextFile("/dev/full", "x"));
-}
-
-TEST_F(File, OverwritingReplacesTheContentAndMakesMissingFiles) {
-    ASSERT_TRUE(overwriteTextFile(at("x"), "a long text"));
-    ASSERT_TRUE(overwriteTextFile(at("x"), "short"));
-    EXPECT_EQ(readTextFile(at("x")), "short");
-    EXPECT_FALSE(overwriteTextFile(at("no/x"), ""));
-    EXPECT_FALSE(overwriteTextFile("/dev/full", "x"));
 }
 
 TEST_F(File, KindTestsFollowLinksAndSwallowErrors) {
