@@ -103,11 +103,6 @@ void readArgs(DirectiveReader& reader) {
     reader.task.args = std::move(text);
 }
 
-/// True when the text ends in exactly one backslash: two or more are characters of the command.
-bool isContinued(std::string_view text) noexcept {
-    return text.ends_with('\\') && !text.ends_with("\\\\");
-}
-
 std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view keyword) {
     std::vector<std::string> commands;
     while (const auto first = reader.nextFilledLine()) {
@@ -116,7 +111,7 @@ std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view 
         bool open = false;
         for (;;) {
             std::string_view text = *piece;
-            open = isContinued(text);
+            open = isContinuedCommand(text);
             if (open) {
                 text = trim(text.substr(0, text.size() - 1));
             }

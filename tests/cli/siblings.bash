@@ -59,3 +59,18 @@ tree() {
         fi
     done
 }
+
+# ordinary_user: from here on the program runs as a user for whom permissions mean something, in a project that this
+# user may change. Skips the test where that cannot be had.
+ordinary_user() {
+    [ "$(id -u)" -eq 0 ] || return 0
+    command -v setpriv >/dev/null || skip "root is stopped by no permission, and there is no setpriv"
+    cp "$MQKIT" "$BATS_TEST_TMPDIR/bin/mqkit"
+    chmod a+rx "$BATS_RUN_TMPDIR" "$BATS_RUN_TMPDIR"/*/ "$BATS_TEST_TMPDIR"
+    chown -R 65534:65534 "$root"
+    printf '#!/bin/sh\nexec setpriv --reuid 65534 --regid 65534 --clear-groups "%s" "$@"\n' \
+        "$BATS_TEST_TMPDIR/bin/mqkit" >"$BATS_TEST_TMPDIR/bin/mqkit-as-nobody"
+    chmod +x "$BATS_TEST_TMPDIR/bin/mqkit-as-nobody"
+    MQKIT="$BATS_TEST_TMPDIR/bin/mqkit-as-nobody"
+    "$MQKIT" help >/dev/null || skip "another user cannot run the program here"
+}
