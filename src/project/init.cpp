@@ -1,9 +1,11 @@
 #include "frontend/logger.h"
 #include "frontend/runtime_config.h"
 #include "project/case_files.h"
+#include "project/new_file.h"
 #include "project/paths.h"
 #include "project/process.h"
 #include "project/prompt.h"
+#include "project/signal_guard.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/text.h"
@@ -69,9 +71,8 @@ bool makeTemplate(const std::string& source, const std::string& file) {
         frontend::logInfo("project template already exists: " + file);
         return true;
     }
-    std::error_code error;
-    fs::copy_file(source, file, error);
-    if (error) {
+    const SignalGuard whole; // the next run takes whatever it finds for a good template
+    if (const std::error_code error = copyToNewFile(source, file)) {
         return failProject(error);
     }
     frontend::logInfo("wrote project template: " + file);

@@ -207,3 +207,15 @@ $(cleaned)" "[mqkit][ERROR] failed to re-run morquill (program 'morquill' exited
 Input index (e.g. 1 2 3 or 1,2,3): [mqkit] no task blocks were selected; exiting." "" project rebuild <<<"9 x"
     [ ! -e "$RECORD" ]
 }
+
+@test "a signal reaches the generator or the runner" {
+    for name in morquill mqrun; do
+        sibling morquill
+        sibling "$name" "$waiting"
+        rm -f "$RECORD"
+        started project rebuild -n opt --run-script
+        stopped TERM
+        [ "$(cat "$BATS_TEST_TMPDIR/err")" = "" ]
+        [ "$(grep -E '^(morquill|mqrun) ' "$RECORD" | tail -n 1 | cut -d ' ' -f 1)" = "$name" ]
+    done
+}
