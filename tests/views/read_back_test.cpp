@@ -162,6 +162,18 @@ TEST(ReadBack, AwkwardTextsAreTheSameDocumentAgain) {
     }
 }
 
+TEST(ReadBack, ATasksOwnResourcesStandAgainstThoseOfTheHead) {
+    const Printed printed =
+        print(parse("totcore: 7\ntotmem: 9\n$a\n%control\n totcore 2\n totmem 4\n$b\n%control\n totmem 5\n"));
+    EXPECT_EQ(printed.text, "dsl_version: 2\ntotcore: 7\ntotmem: 9\n\n"
+                            "$a\n  %source origin\n  %control\n    totcore 2\n    totmem 4\n\n"
+                            "$b\n  %source origin\n  %control\n    totcore 7\n    totmem 5\n");
+    EXPECT_THAT(printed.warnings, IsEmpty());
+    const TaskDocument read = parse(printed.text);
+    EXPECT_EQ(read.tasks[0].totalMemory, 4);
+    EXPECT_EQ(read.tasks[1].totalMemory, 5);
+}
+
 struct LossyText {
     const char* text;
     const char* warning;
