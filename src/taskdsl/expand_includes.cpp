@@ -201,6 +201,9 @@ class IncludePass {
     void readInclude(std::size_t& i) {
         const std::size_t first = i;
         const SourceLine& line = lines[first];
+        if (!context.followsIncludes) {
+            throw fault(line, "&INCLUDE lines are not followed here");
+        }
         std::string text;
         switch (gatherParentheses(lines, i, text)) {
         case GatherEnd::unterminated:

@@ -55,6 +55,7 @@ struct ParseContext {
     /// Canonical paths of the task files entered so far: an "extra.mq" among them is not looked into again.
     std::set<std::string> taskFiles;
     GrowthBudget growth;
+    bool followsIncludes = true; ///< false: an include line is a fault, no other file is read
     std::size_t includeCount = 0;
     DocumentContext document; ///< of the file being read; an included task file puts its own in its place
 

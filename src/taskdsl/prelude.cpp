@@ -89,6 +89,9 @@ class PreludeReader {
     }
 
     bool readInclude(std::string_view text) {
+        if (!context.followsIncludes) {
+            return false;
+        }
         ParenthesisCount parentheses;
         if (!parentheses.read(text) || !parentheses.balanced()) {
             return false; // its arguments go on behind this line: the include pass gathers them

@@ -203,8 +203,10 @@ std::string formatXyz(const SourceXyz& xyz) {
         std::string(xyzPrefix) + quoteInlineWord(xyz.file) + frameSuffix(xyz.hasFrame, xyz.frameIndex);
     for (const auto& word : xyz.furtherWords) {
         if (!word.empty()) {
+            // A bare last word `guess` would be taken off as the flag of older files.
+            const bool isFlag = &word == &xyz.furtherWords.back() && (word == "guess" || word == "gues");
             text += ' ';
-            text += quoteInlineWord(word);
+            text += isFlag ? inDoubleQuotes(word) : quoteInlineWord(word);
         }
     }
     return text;

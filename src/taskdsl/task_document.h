@@ -22,12 +22,16 @@ struct TaskDirective {
     std::string_view name; ///< keyword without the `%`; a text with static lifetime
     std::string value;     ///< the text behind the keyword on the directive's own line
     SourceSpan span;
+
+    friend bool operator==(const TaskDirective&, const TaskDirective&) = default;
 };
 
 /// One `%when` condition with its place.
 struct TaskWhenEntry {
     std::string text;
     SourceSpan span;
+
+    friend bool operator==(const TaskWhenEntry&, const TaskWhenEntry&) = default;
 };
 
 enum class TaskProgram : std::int32_t {
@@ -68,6 +72,8 @@ struct BatchCollect {
     std::string pattern;
     std::string destination; ///< empty when none is given
     bool required = false;
+
+    friend bool operator==(const BatchCollect&, const BatchCollect&) = default;
 };
 
 enum class ClusterMetric : std::int32_t { dist = 0, rmsd = 1 };
@@ -84,6 +90,8 @@ struct BatchCluster {
     double accumulation = 0;
     bool hasAccumulation = false;
     bool present = false;
+
+    friend bool operator==(const BatchCluster&, const BatchCluster&) = default;
 };
 
 /// One task block.

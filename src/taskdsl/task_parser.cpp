@@ -239,6 +239,22 @@ TaskDocument TaskParser::parseText(std::string_view text, const std::string& pat
     return document;
 }
 
+TaskDocument TaskParser::parseDeclaredTasks(std::string_view text) {
+    nextDocumentOrder = 0;
+    ParseContext context(warnings);
+    context.followsIncludes = false;
+    TaskDocument document;
+    auto lines = makeSourceLines(splitLines(text), 0, {});
+    lines = expandForeach(std::move(lines), {}, {});
+    lines = expandIncludes(std::move(lines), {"", nullptr, FragmentKind::document}, context);
+    LineWalk(lines, document, nextDocumentOrder, warnings, legacyMultiSource,
+             [](const IncludeDirective&, const SourceLine&) {})
+        .run();
+    finishOwnTasks(document, {}, warnings);
+    document.templateTasks = document.tasks;
+    return document;
+}
+
 TaskDocument TaskParser::readDocument(std::string_view text, const std::string& path, const ValueMap& defines,
                                       ParseContext& context) {
     TaskDocument document;

@@ -25,6 +25,10 @@ class TaskParser {
     [[nodiscard]] TaskDocument parseText(std::string_view text, const std::string& path,
                                          const ValueMap& defines = {});
 
+    /// The tasks of a text as they are declared: without prelude, substitution and matrix, and without reading
+    /// any other file (an include line is a fault). Throws `DiagnosticError`.
+    [[nodiscard]] TaskDocument parseDeclaredTasks(std::string_view text);
+
   private:
     TaskDocument readDocument(std::string_view text, const std::string& path, const ValueMap& defines,
                               ParseContext& context);

@@ -9,6 +9,7 @@
 #include "taskdsl/source_spec.h"
 #include "views/canonical_scalar.h"
 #include "views/legacy_keywords.h"
+#include "views/read_back.h"
 
 #include <algorithm>
 #include <array>
@@ -89,13 +90,13 @@ void writeSettings(CanonicalText& text, const TaskDocument& document) {
     text.line("dsl_version: 2");
     for (const auto& [key, value] : document.settings) {
         if (key != "dsl_version") {
-            text.line(key, ": ", quoteSettingScalar(value));
+            text.line(canonicalSetting(key, value));
         }
     }
     if (!document.defines.empty()) {
         text.line("define:");
         for (const auto& [key, value] : document.defines) {
-            text.line("  ", key, ": ", quoteUnquotedScalar(value));
+            text.line(canonicalDefine(key, value));
         }
     }
 }
@@ -112,17 +113,9 @@ void writeMatrix(CanonicalText& text, const TaskDocument& document) {
         }
         return;
     }
-    const bool isLong = std::any_of(axes.begin(), axes.end(), [](const taskdsl::MatrixAxis& axis) {
-        return !axis.names.empty() || !axis.map.empty();
-    });
+    const bool isLong = needsLongMatrix(document);
     for (const auto& axis : axes) {
-        text.line(isLong ? "  - " : "  ", axis.key, ": ", joinCanonicalList(axis.values));
-        if (!axis.names.empty()) {
-            text.line("    name: ", joinCanonicalList(axis.names));
-        }
-        if (!axis.map.empty()) {
-            text.line("    map: ", quoteCanonicalScalar(axis.map));
-        }
+        text.line(canonicalAxis(axis, isLong));
     }
 }
 
@@ -243,14 +236,7 @@ void writeInputPayload(CanonicalText& text, const TaskInfo& task) {
 
 void writeOrcaPayload(CanonicalText& text, const TaskInfo& task) {
     writeKeywords(text, task);
-    std::string extra = task.extraKeywords;
-    if (!task.orcaBlock.empty()) {
-        if (!extra.empty() && extra.back() != '\n') {
-            extra += '\n';
-        }
-        extra += task.orcaBlock;
-    }
-    text.filledHeredoc("extrainput", extra);
+    text.filledHeredoc("extrainput", resolvedExtraInput(task));
 }
 
 void writeXtbPayload(CanonicalText& text, const TaskInfo& task) {
@@ -260,9 +246,8 @@ void writeXtbPayload(CanonicalText& text, const TaskInfo& task) {
 
 void writeOtherPayload(CanonicalText& text, const TaskInfo& task) {
     text.filledScalar("template", resolvedTemplateName(task));
-    const std::string legacy = task.paramValues.empty() ? legacyParamValues(task.keywords) : std::string();
-    const auto params = trim(task.paramValues.empty() ? std::string_view(legacy) : task.paramValues);
-    if (!params.empty()) {
+    const std::string all = resolvedParams(task);
+    if (const auto params = trim(all); !params.empty()) {
         text.line("  %param ", params);
     }
 }
@@ -314,10 +299,74 @@ void writeTask(CanonicalText& text, const TaskInfo& task) {
         text.line("  %meta");
         text.line("    strucid ", task.strucId);
     }
-    for (const auto& plot : task.plots) {
-        text.out += renderPlot(plot, "  ");
-    }
 }
+
+/// Prints the document and, where somebody listens, reports what does not read back.
+class DocumentPrinter {
+  public:
+    explicit DocumentPrinter(const ReadBackContext& readBackContext)
+        : context(readBackContext), document(readBackContext.document) {}
+
+    std::string print() && {
+        const bool isSource = context.view == CanonicalView::sourceView;
+        if (context.warnings) {
+            reportLostHeadLines(context);
+        }
+        writeSettings(text, document);
+        if (isSource) {
+            writeMatrix(text, document);
+        }
+        text.line();
+        const auto& tasks =
+            isSource && !document.templateTasks.empty() ? document.templateTasks : document.tasks;
+        const bool hasBlocks = !document.plots.empty() || !document.derives.empty();
+        for (const TaskInfo& task : tasks) {
+            printTask(task);
+            if (hasBlocks || &task != &tasks.back()) {
+                text.line();
+            }
+        }
+        for (const auto& plot : document.plots) {
+            printBlock("plot", plot.name, renderPlot(plot, ""), true);
+            if (!document.derives.empty() || &plot != &document.plots.back()) {
+                text.line();
+            }
+        }
+        for (const auto& derive : document.derives) {
+            printBlock("derive", derive.spec.name, renderDerive(derive.spec, ""), true);
+            if (&derive != &document.derives.back()) {
+                text.line();
+            }
+        }
+        return std::move(text.out);
+    }
+
+  private:
+    void printTask(const TaskInfo& task) {
+        const std::size_t begin = text.out.size();
+        writeTask(text, task);
+        if (context.warnings) {
+            reportLostOfTask(context, task, std::string_view(text.out).substr(begin));
+        }
+        // A plot of a declared task is read as it stands; the defines come later.
+        const bool isExpanded = context.view == CanonicalView::matrixExpandedView;
+        for (const auto& plot : task.plots) {
+            printBlock("plot", plot.name, renderPlot(plot, "  "), isExpanded);
+        }
+    }
+
+    void printBlock(std::string_view what, std::string_view name, const std::string& printed,
+                    bool takesDefines) {
+        text.out += printed;
+        if (context.warnings && takesDefines) {
+            reportReplacedKey(context, what, name, printed);
+        }
+    }
+
+    const ReadBackContext context;
+    const TaskDocument& document;
+    CanonicalText text;
+};
 
 } // namespace
 
@@ -329,35 +378,49 @@ const std::string& resolvedRunner(const TaskInfo& task) noexcept {
     return task.runner.empty() ? task.keywords : task.runner;
 }
 
-std::string renderCanonicalDocument(const TaskDocument& document, CanonicalView view) {
-    CanonicalText text;
-    writeSettings(text, document);
-    const bool isSource = view == CanonicalView::sourceView;
-    if (isSource) {
-        writeMatrix(text, document);
-    }
-    text.line();
-    const auto& tasks = isSource && !document.templateTasks.empty() ? document.templateTasks : document.tasks;
-    const bool hasBlocks = !document.plots.empty() || !document.derives.empty();
-    for (const TaskInfo& task : tasks) {
-        writeTask(text, task);
-        if (hasBlocks || &task != &tasks.back()) {
-            text.line();
+std::string resolvedParams(const TaskInfo& task) {
+    return task.paramValues.empty() ? legacyParamValues(task.keywords) : task.paramValues;
+}
+
+std::string resolvedExtraInput(const TaskInfo& task) {
+    std::string extra = task.extraKeywords;
+    if (task.program == TaskProgram::orca && !task.orcaBlock.empty()) {
+        if (!extra.empty() && extra.back() != '\n') {
+            extra += '\n';
         }
+        extra += task.orcaBlock;
     }
-    for (const auto& plot : document.plots) {
-        text.out += renderPlot(plot, "");
-        if (!document.derives.empty() || &plot != &document.plots.back()) {
-            text.line();
-        }
+    return extra;
+}
+
+std::string canonicalSetting(std::string_view key, std::string_view value) {
+    return std::string(key) + ": " + quoteSettingScalar(value);
+}
+
+std::string canonicalDefine(std::string_view key, std::string_view value) {
+    return "  " + std::string(key) + ": " + quoteUnquotedScalar(value);
+}
+
+bool needsLongMatrix(const TaskDocument& document) noexcept {
+    return std::any_of(
+        document.matrixAxes.begin(), document.matrixAxes.end(),
+        [](const taskdsl::MatrixAxis& axis) { return !axis.names.empty() || !axis.map.empty(); });
+}
+
+std::string canonicalAxis(const taskdsl::MatrixAxis& axis, bool isLong) {
+    std::string lines = (isLong ? "  - " : "  ") + axis.key + ": " + joinCanonicalList(axis.values);
+    if (!axis.names.empty()) {
+        lines += "\n    name: " + joinCanonicalList(axis.names);
     }
-    for (const auto& derive : document.derives) {
-        text.out += renderDerive(derive.spec, "");
-        if (&derive != &document.derives.back()) {
-            text.line();
-        }
+    if (!axis.map.empty()) {
+        lines += "\n    map: " + joinCanonicalList({axis.map});
     }
-    return std::move(text.out);
+    return lines;
+}
+
+std::string renderCanonicalDocument(const TaskDocument& document, CanonicalView view,
+                                    const taskdsl::WarningSink& warnings) {
+    return DocumentPrinter({document, view, warnings}).print();
 }
 
 } // namespace morquill::views

@@ -1,6 +1,7 @@
 #include "views/file_commands.h"
 
 #include "frontend/console.h"
+#include "frontend/logger.h"
 #include "support/fault.h"
 #include "support/file.h"
 #include "taskdsl/task_parser.h"
@@ -126,8 +127,9 @@ int convert(const FileCommandOptions& options, bool allowLegacy) {
     try {
         taskdsl::TaskParser parser(allowLegacy);
         const auto view = options.expanded ? CanonicalView::matrixExpandedView : CanonicalView::sourceView;
-        return deliverCanonicalText(renderCanonicalDocument(parser.parseFile(options.inputPath), view),
-                                    options);
+        return deliverCanonicalText(
+            renderCanonicalDocument(parser.parseFile(options.inputPath), view, frontend::logWarning),
+            options);
     } catch (const std::exception& error) {
         return refuseTagged(faultText(error, options.inputPath));
     }

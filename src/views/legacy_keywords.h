@@ -13,4 +13,8 @@ namespace morquill::views {
 /// Every other `key=value` pair, in order, joined with one blank, each value in canonical form.
 [[nodiscard]] std::string legacyParamValues(std::string_view keywords);
 
+/// True when the text is nothing but `key=value` pairs of which the two functions above lose none: one `job`
+/// at most, and none unless `withJob`; other pairs only `withOthers`.
+[[nodiscard]] bool isLegacyPairList(std::string_view keywords, bool withJob, bool withOthers);
+
 } // namespace morquill::views

@@ -78,6 +78,61 @@ refused() { expect 1 "" "[mqkit][ERROR] $1"$'\n' "${@:2}"; }
     done
 }
 
+@test "what does not read back is reported, in one line for every task, and printed all the same" {
+    cat >lost.mq <<'MQ'
+"define": 1
+$" a"
+%keywords hf
+$b
+%program script
+%body << END
+cat << EOF
+EOF
+END
+$c
+%interface provider
+%control
+alert false
+geom check
+%keywords hf
+%args --opt
+MQ
+    local printed='dsl_version: 2
+define: 1
+
+$ a
+  %source origin
+  %keywords hf
+
+$b
+  %source origin
+  %program script
+  %body << EOF
+cat << EOF
+EOF
+EOF
+
+$c
+  %source origin
+  %keywords hf
+'
+    local read="[WARNING] task 'c' declares %args, but only '%program xtb' currently consumes that directive; the args will be ignored.
+"
+    local lost="[WARNING] setting 'define' does not read back: the prelude reads its line as something else
+[WARNING] task ' a' does not read back: the name reads back as 'a'
+[WARNING] task 'b' does not read back: %body holds a line 'EOF'
+[WARNING] task 'c' does not read back: it is written without %interface provider, alert false, geom check, %args
+"
+    for command in fmt migrate expand "expand --expanded"; do
+        # shellcheck disable=SC2086 # the command and its option are two words
+        expect 0 "$printed" "$read$lost" $command lost.mq
+    done
+    expect 0 $'[mqkit] wrote task file: b.mq\n' "$read$lost" fmt lost.mq -o b.mq
+    printf '%s' "$printed" | diff - b.mq
+    expect 0 $'[mqkit] wrote task file: lost.mq\n' "$read$lost" migrate lost.mq -i
+    printf '%s' "$printed" | diff - lost.mq
+}
+
 @test "fmt writes a new file or the source file" {
     expect 0 $'[mqkit] wrote task file: b.mq\n' "" fmt a.mq -o b.mq
     diff a.expected b.mq

@@ -17,6 +17,18 @@ std::vector<std::string> namesOf(const Shared<std::vector<TaskInfo>>& tasks) {
     return names;
 }
 
+TEST(TaskParser, DeclaredTasksAreReadAloneAndFromNoOtherFile) {
+    TaskParser parser(true, [](const std::string&) {});
+    const auto document = parser.parseDeclaredTasks("$a[k]\n%source b,c\n%mod\n charge [n]\n$b\n");
+    EXPECT_THAT(namesOf(document.tasks), ElementsAre("a[k]", "b"));
+    EXPECT_THAT(document.tasks[0].whenConditions, ElementsAre("completed c"));
+    EXPECT_TRUE(document.tasks.sharesWith(document.templateTasks));
+    for (const char* text : {"$a\n&INCLUDE other.mq\n", "$a\n%process\n  &INCLUDE other.mqfrag\n",
+                             "&INCLUDE other.mqlib as x\n", "%keywords x\n", "k: v\n%program orca\n"}) {
+        EXPECT_THROW((void)parser.parseDeclaredTasks(text), DiagnosticError) << text;
+    }
+}
+
 TEST(TaskParser, AnEmptyTextIsAnEmptyDocument) {
     for (const char* text : {"", "\n\n", "# only a comment\n", "#!/usr/bin/env mqkit\n"}) {
         const auto parsed = parse(text);
