@@ -6,6 +6,7 @@
 #include "project/target.h"
 #include "project/workflows.h"
 #include "support/text.h"
+#include "support/whole_text.h"
 
 #include <exception>
 
@@ -99,7 +100,7 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
     try {
         return runSubCommand(options, programPath);
     } catch (const std::exception& failure) {
-        printErrorLine(frontend::errorTag() + " " + failure.what());
+        printErrorLine(frontend::errorTag() + " " + wholeText(failure));
         return 1;
     }
 }

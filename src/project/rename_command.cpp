@@ -2,6 +2,7 @@
 #include "project/help_text.h"
 #include "project/prompt.h"
 #include "project/rename.h"
+#include "support/whole_text.h"
 
 #include <exception>
 
@@ -45,7 +46,7 @@ int runFrame(int argc, char** argv, ParseOperation parse) {
     try {
         return renameBlock(options);
     } catch (const std::exception& failure) {
-        printErrorLine(frontend::errorTag() + " " + failure.what());
+        printErrorLine(frontend::errorTag() + " " + wholeText(failure));
         return 1;
     }
 }

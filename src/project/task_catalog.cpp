@@ -5,6 +5,7 @@
 #include "project/target.h"
 #include "support/file.h"
 #include "support/text.h"
+#include "support/whole_text.h"
 #include "taskdsl/task_parser.h"
 
 #include <cstddef>
@@ -176,7 +177,7 @@ bool scanInto(CatalogBuilder& builder, const std::string& file, std::string& err
         builder.add(taskdsl::TaskParser(false, warnings).parseFile(file));
         return true;
     } catch (const std::exception& failure) {
-        error = std::string(scanFailure) + failure.what();
+        error = std::string(scanFailure) + wholeText(failure);
         return false;
     }
 }

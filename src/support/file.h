@@ -12,6 +12,10 @@ namespace morquill {
 /// opened or read. Directories, FIFOs and devices are never opened, so this cannot block.
 [[nodiscard]] std::optional<std::string> readTextFile(const std::string& path);
 
+/// The same for a path that the user named: a FIFO or a terminal is read to its end, too, which may wait for
+/// whoever writes there. Other devices are not: some never end.
+[[nodiscard]] std::optional<std::string> readInputFile(const std::string& path);
+
 /// One plain open, truncating write and close; true only if every byte was taken and the close succeeded.
 /// No temporary file, no backup, no creation of parent directories.
 [[nodiscard]] bool writeTextFile(const std::string& path, std::string_view text);

@@ -3,6 +3,7 @@
 #include "frontend/console.h"
 #include "support/file.h"
 #include "support/text.h"
+#include "support/whole_text.h"
 #include "taskdsl/scan.h"
 #include "templates/template_library.h"
 #include "templates/template_walk.h"
@@ -20,7 +21,7 @@ VariableTemplate readVariableTemplate(const FoundFile& file) {
     if (!text) {
         throw std::runtime_error("could not open file");
     }
-    auto result = parseVariableTemplate(*text, file.stem);
+    auto result = parseVariableTemplate(skipByteOrderMark(*text), file.stem);
     result.path = file.path;
     return result;
 }
@@ -74,7 +75,7 @@ std::vector<VariableTemplate> loadVariableTemplates(std::string_view pathList) {
                 templates.push_back(readVariableTemplate(file));
             } catch (const std::exception& error) {
                 frontend::writeErr("[mqkit][ERROR] failed to load variable template " +
-                                   quotedPath(file.path) + ": " + error.what() + "\n");
+                                   quotedPath(file.path) + ": " + wholeText(error) + "\n");
             }
         });
     }

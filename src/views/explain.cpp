@@ -3,6 +3,7 @@
 #include "frontend/console.h"
 #include "support/json.h"
 #include "support/text.h"
+#include "support/whole_text.h"
 #include "taskdsl/source_spec.h"
 #include "taskdsl/task_parser.h"
 
@@ -261,7 +262,7 @@ int runExplain(int argc, char** argv) {
     }
     try {
         taskdsl::TaskParser parser;
-        const TaskDocument document = parser.parseFile(options.inputPath);
+        const TaskDocument document = parser.parseInput(options.inputPath);
         const ExplainView view = makeView(document, options);
         if (view.tasks.empty() && !options.taskName.empty()) {
             return refuse("task not found in explain view: " + options.taskName);
@@ -269,7 +270,7 @@ int runExplain(int argc, char** argv) {
         writeOut(options.format == "json" ? renderJson(view) : renderText(view));
         return 0;
     } catch (const std::exception& error) {
-        return refuse(error.what());
+        return refuse(wholeText(error));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "support/file.h"
 #include "support/text.h"
+#include "support/whole_text.h"
 #include "taskdsl/task_parser.h"
 #include "taskdsl/when_expr.h"
 #include "views/lint_rules.h"
@@ -126,7 +127,7 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
 LintFileReport lintSource(const std::optional<std::string_view>& text, const std::string& path,
                           const taskdsl::WarningSink& warnings) {
     LintFileReport report{path, {}, false};
-    LintedFile file = scanLines(text.value_or(""), report);
+    LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
     try {
         // Only a file that says so is read with the tolerance of its time.
         taskdsl::TaskParser parser(file.version == "1", warnings);
@@ -134,7 +135,7 @@ LintFileReport lintSource(const std::optional<std::string_view>& text, const std
         report.parsed = true;
         checkDocument(document, file, report);
     } catch (const std::exception& fault) {
-        check(ParseFault{fault.what()}, report);
+        check(ParseFault{wholeText(fault)}, report);
     }
     return report;
 }
