@@ -186,7 +186,7 @@ bool scanInto(CatalogBuilder& builder, const std::string& file, std::string& err
         return true;
     } catch (const std::exception& failure) {
         stopWithoutMemory(failure, file);
-        error = std::string(scanFailure) + failure.what();
+        error = std::string(scanFailure) + wholeText(failure);
         return false;
     }
 }

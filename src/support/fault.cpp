@@ -1,9 +1,13 @@
 #include "support/fault.h"
 
 #include <new>
-#include <stdexcept>
 
 namespace morquill {
+
+std::string wholeText(const std::exception& fault) {
+    const auto* whole = dynamic_cast<const WholeTextError*>(&fault);
+    return whole != nullptr ? whole->text() : fault.what();
+}
 
 bool isOutOfMemory(const std::exception& fault) noexcept {
     return dynamic_cast<const std::bad_alloc*>(&fault) != nullptr ||
@@ -12,7 +16,7 @@ bool isOutOfMemory(const std::exception& fault) noexcept {
 
 std::string faultText(const std::exception& fault, std::string_view path) {
     if (!isOutOfMemory(fault)) {
-        return fault.what();
+        return wholeText(fault);
     }
     std::string text = "out of memory";
     if (!path.empty()) {

@@ -12,6 +12,10 @@ namespace morquill {
 /// opened, read or held in memory. Directories, FIFOs and devices are never opened, so this cannot block.
 [[nodiscard]] std::optional<std::string> readTextFile(const std::string& path);
 
+/// The same for a path that the user named: a FIFO or a terminal is read to its end, too, which may wait for
+/// whoever writes there. Other devices are not: some never end.
+[[nodiscard]] std::optional<std::string> readInputFile(const std::string& path);
+
 /// Replaces the content of a file by one plain write over it, and makes the file when there is none; true
 /// only if every byte was taken. No temporary file, no creation of parent directories; links, owner and mode
 /// stay.

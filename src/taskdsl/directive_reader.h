@@ -98,6 +98,8 @@ struct DirectiveRow {
 
 /// The row of a keyword, compared exactly; null for an unknown one.
 [[nodiscard]] const DirectiveRow* findDirective(std::string_view keyword) noexcept;
+/// True for a line that is a directive with such a keyword.
+[[nodiscard]] bool isKnownDirective(std::string_view line) noexcept;
 
 void readControlDirective(DirectiveReader& reader);
 void readBatchDirective(DirectiveReader& reader);

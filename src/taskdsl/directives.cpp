@@ -289,4 +289,12 @@ const DirectiveRow* findDirective(std::string_view keyword) noexcept {
     return row == directiveTable.end() ? nullptr : row;
 }
 
+bool isKnownDirective(std::string_view line) noexcept {
+    if (!trimLeft(line).starts_with('%')) {
+        return false;
+    }
+    const auto directive = directiveName(cleanLine(line));
+    return findDirective(directive.substr(0, directive.find(' '))) != nullptr;
+}
+
 } // namespace morquill::taskdsl

@@ -153,7 +153,7 @@ class IncludePass {
         const auto keyword = directive.substr(0, directive.find(' '));
         const auto value = trim(directive.substr(keyword.size()));
         if (atFileScope()) {
-            throw fault(line, "task directive appears outside a task block");
+            throw misplacedDirective(fileOf(line), line.lineNumber);
         }
         if (!isDocument() && frame.scope != FragmentKind::task_body) {
             throw fault(line, "task directive '%" + std::string(keyword) + "' is not valid inside a " +

@@ -35,6 +35,8 @@ struct DocumentContext {
     /// The libraries that the file itself imports, by namespace alias.
     std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> namespaces;
     FileList includedFiles; ///< files read for this document
+    /// Keys of the settings that an included task file brought along: their values were looked at with it.
+    KeySet inheritedSettings;
 };
 
 /// Namespace alias to library path.

@@ -361,9 +361,15 @@ std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& 
     try {
         validateStructuredSource(bindings, false);
     } catch (const DiagnosticError& fault) {
-        throw DiagnosticError(directiveSpan, task + " has invalid structured %source: " + fault.message());
+        throw structuredSourceFault(directiveSpan, taskName, fault);
     }
     return bindings;
+}
+
+DiagnosticError structuredSourceFault(const SourceSpan& directiveSpan, std::string_view taskName,
+                                      const DiagnosticError& reason) {
+    return {directiveSpan,
+            "task " + inQuotes(taskName) + " has invalid structured %source: " + reason.message()};
 }
 
 std::string quoteSourceToken(std::string_view token) {

@@ -167,6 +167,17 @@ struct DeriveBlock {
     std::uint64_t documentOrder = 0;
 };
 
+/// What the extra files beside a task file brought into its document, and the file itself did not say: tasks
+/// and blocks stand first in the document, everything else is told by its key.
+struct ImplicitContent {
+    KeySet settings;
+    KeySet defines;
+    KeySet axes;
+    std::size_t tasks = 0; ///< of the tasks as declared
+    std::size_t plots = 0;
+    std::size_t derives = 0;
+};
+
 /// The result of parsing one file.
 struct TaskDocument {
     ValueMap settings; ///< top-level scalar keys of the prelude, `dsl_version` among them
@@ -183,7 +194,12 @@ struct TaskDocument {
     std::string directory;                  ///< directory of the file, empty when the text came from memory
     std::vector<std::string> includedFiles; ///< every file read for this document, each once, in order of use
     ValueMap libraryBindings;               ///< namespace alias to library path, file-scope imports
+    ImplicitContent implicitContent;        ///< what came from the extra files beside the file
 };
+
+/// The document without what the extra files beside its file brought: what has to be written beside them, so
+/// that a reader who finds them there gets the whole document again.
+[[nodiscard]] TaskDocument withoutImplicitContent(TaskDocument document);
 
 /// The multi-line debug dump of a task.
 [[nodiscard]] std::string describeTask(const TaskInfo& task);

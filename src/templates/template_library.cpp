@@ -19,16 +19,17 @@ constexpr const char* pathKey = "MORQUILL_TEMPLATE_PATH";
 constexpr std::string_view noTemplates = "[mqkit] no templates found.\n";
 
 void addTemplate(const FoundFile& file, TemplateLibrary& library) {
-    auto content = readTextFile(file.path);
-    if (!content) {
+    const auto text = readTextFile(file.path);
+    if (!text) {
         return;
     }
+    const auto content = skipByteOrderMark(*text);
     TaskTemplate entry;
     entry.name = file.stem;
     entry.category = file.folder.empty() ? "General" : file.folder;
-    entry.variables = scanPlaceholders(*content, true);
-    entry.blocks = splitTemplateBlocks(*content).blocks;
-    entry.content = std::move(*content);
+    entry.variables = scanPlaceholders(content, true);
+    entry.blocks = splitTemplateBlocks(content).blocks;
+    entry.content = content;
     library.templates.push_back(std::move(entry));
 }
 

@@ -21,7 +21,7 @@ VariableTemplate readVariableTemplate(const FoundFile& file) {
     if (!text) {
         throw std::runtime_error("could not open file");
     }
-    auto result = parseVariableTemplate(*text, file.stem);
+    auto result = parseVariableTemplate(skipByteOrderMark(*text), file.stem);
     result.path = file.path;
     return result;
 }

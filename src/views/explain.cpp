@@ -262,7 +262,7 @@ int runExplain(int argc, char** argv) {
     }
     try {
         taskdsl::TaskParser parser;
-        const TaskDocument document = parser.parseFile(options.inputPath);
+        const TaskDocument document = parser.parseInput(options.inputPath);
         const ExplainView view = makeView(document, options);
         if (view.tasks.empty() && !options.taskName.empty()) {
             return refuse("task not found in explain view: " + options.taskName);

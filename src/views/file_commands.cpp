@@ -8,7 +8,9 @@
 #include "views/canonical_writer.h"
 
 #include <exception>
+#include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace morquill::views {
@@ -37,11 +39,12 @@ struct CommandForm {
     bool allowsInPlace;
     bool allowsExpanded;
     bool colouredMessages;
+    bool leavesExtraFiles; ///< what extra files beside the result bring is not written into it
 };
 
-constexpr CommandForm fmtForm{"fmt", true, false, false};
-constexpr CommandForm migrateForm{"migrate", true, false, false};
-constexpr CommandForm expandForm{"expand", false, true, true};
+constexpr CommandForm fmtForm{"fmt", true, false, false, true};
+constexpr CommandForm migrateForm{"migrate", true, false, false, true};
+constexpr CommandForm expandForm{"expand", false, true, true, false};
 
 int refuse(const CommandForm& form, std::string_view text) {
     writeErr((form.colouredMessages ? errorTag() : std::string(plainErrorTag)) + " " + std::string(text) +
@@ -123,13 +126,32 @@ int deliverCanonicalText(std::string text, const FileCommandOptions& options) {
     return 0;
 }
 
-int convert(const FileCommandOptions& options, bool allowLegacy) {
+/// True when whoever reads the result finds the extra files of the input beside it. A result that replaces
+/// one of them has to hold what that one held.
+bool isWrittenBesideInput(const FileCommandOptions& options) {
+    const std::filesystem::path output(options.inPlace ? options.inputPath : options.outputPath);
+    const auto directory = [](const std::filesystem::path& file) {
+        return normalisedPath(file.has_parent_path() ? file.parent_path().string() : ".");
+    };
+    return options.inPlace ||
+           (!output.empty() && output.filename() != "extra.mq" && output.filename() != "extra.yaml" &&
+            directory(output) == directory(options.inputPath));
+}
+
+/// A file that is written in place must be a regular one; otherwise a pipe or a terminal serves, too.
+taskdsl::TaskDocument readDocument(const FileCommandOptions& options, bool allowLegacy) {
+    taskdsl::TaskParser parser(allowLegacy);
+    return options.inPlace ? parser.parseFile(options.inputPath) : parser.parseInput(options.inputPath);
+}
+
+int convert(const CommandForm& form, const FileCommandOptions& options, bool allowLegacy) {
     try {
-        taskdsl::TaskParser parser(allowLegacy);
+        auto document = readDocument(options, allowLegacy);
+        if (form.leavesExtraFiles && isWrittenBesideInput(options)) {
+            document = taskdsl::withoutImplicitContent(std::move(document));
+        }
         const auto view = options.expanded ? CanonicalView::matrixExpandedView : CanonicalView::sourceView;
-        return deliverCanonicalText(
-            renderCanonicalDocument(parser.parseFile(options.inputPath), view, frontend::logWarning),
-            options);
+        return deliverCanonicalText(renderCanonicalDocument(document, view, frontend::logWarning), options);
     } catch (const std::exception& error) {
         return refuseTagged(faultText(error, options.inputPath));
     }
@@ -140,7 +162,7 @@ int runRewriteCommand(int argc, char** argv, bool allowLegacy, const CommandForm
     if (const int status = readArguments(form, argc, argv, options); status != 0) {
         return status;
     }
-    return convert(options, allowLegacy);
+    return convert(form, options, allowLegacy);
 }
 
 /// One line of a help text: plain text, a heading, or text whose first part stands in green.
@@ -207,7 +229,7 @@ int runExpand(int argc, char** argv) {
         normalisedPath(options.inputPath) == normalisedPath(options.outputPath)) {
         return refuseTagged("expand never overwrites its input; choose a different --output path");
     }
-    return convert(options, false);
+    return convert(expandForm, options, false);
 }
 
 } // namespace morquill::views

@@ -128,7 +128,7 @@ LintFileReport lintSource(const std::optional<std::string_view>& text, const std
                           const taskdsl::WarningSink& warnings) {
     LintFileReport report{path, {}, false};
     try {
-        LintedFile file = scanLines(text.value_or(""), report);
+        LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
         // Only a file that says so is read with the tolerance of its time.
         taskdsl::TaskParser parser(file.version == "1", warnings);
         const TaskDocument document = text ? parser.parseText(*text, path) : parser.parseFile(path);

@@ -94,18 +94,27 @@ TEST(Substitution, KeepsTheShapeOfASource) {
 }
 
 TEST(Substitution, WhatCannotBeReadAfterwardsIsAFault) {
-    EXPECT_EQ(
-        faultOf("define:\n  n: x\n$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
-        "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
+    const std::string noFrame =
+        "has invalid structured %source: structured %source binding 'geom' has an invalid frame selector; "
+        "frame must be a positive integer";
+    EXPECT_EQ(faultOf("define:\n  n: x\n$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
+              "t.mq:4:1-4:8: error: task 'a' " + noFrame);
     EXPECT_EQ(faultOf("define:\n  e: \"\"\n$a\n%source\n geom x q=[e]\n"),
-              "structured %source binding 'geom' has an invalid selector");
+              "t.mq:4:1-4:8: error: task 'a' has invalid structured %source: structured %source binding "
+              "'geom' has an invalid selector");
     for (const char* binding : {"geom xyz=[e]", "geom [e]"}) {
         EXPECT_EQ(faultOf("define:\n  e: \"\"\n$a\n%source\n " + std::string(binding) + "\n"),
-                  "structured %source binding 'geom' has an empty source reference");
+                  "t.mq:4:1-4:8: error: task 'a' has invalid structured %source: structured %source "
+                  "binding 'geom' has an empty source reference");
     }
-    EXPECT_EQ(
-        faultOf("$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
-        "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
+    EXPECT_EQ(faultOf("define:\n  s: xyz=\n$a\n%source\n geom [s]\n"),
+              "t.mq:4:1-4:8: error: task 'a' has invalid structured %source: structured %source binding "
+              "'geom' is missing the file name after xyz=");
+    EXPECT_EQ(faultOf("$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
+              "t.mq:2:1-2:8: error: task 'a' " + noFrame);
+    // The last %source counts, and the matrix names the task as it is called then.
+    EXPECT_EQ(faultOf("matrix:\n  m: x, y\n$a_[m]\n%source origin\n  %source\n geom xyz=a.xyz frame=[m]\n"),
+              "t.mq:5:3-5:10: error: task 'a_x' " + noFrame);
     EXPECT_EQ(faultOf("define:\n  r: foo\n$a\n%mod basisset SVP role=[r]\n"),
               "unsupported %mod basisset role='foo'");
 }
@@ -149,6 +158,13 @@ TEST(Matrix, OneCombinationKeepsTheNames) {
     EXPECT_EQ(parsed.document.tasks[0].matrixVariantKey, "a_1");
     EXPECT_EQ(parsed.document.tasks[0].matrixValues.get(), (ValueMap{{"a", "1"}}));
     EXPECT_EQ(parsed.document.tasks[1].source, "opt");
+}
+
+TEST(Matrix, OneCombinationRenamesNothing) {
+    const auto parsed = parse("matrix:\n  a: 1\n$opt\n$sp_[a]\n%when\n {{opt.energy}} < {{  sp_[a] .e}}\n"
+                              " completed  opt and completed  sp_[a]\n");
+    EXPECT_THAT(parsed.document.tasks[1].whenConditions,
+                ElementsAre("{{opt.energy}} < {{  sp_1 .e}}", "completed  opt and completed  sp_1"));
 }
 
 TEST(Matrix, ReferencesFollowTheNames) {
@@ -311,6 +327,34 @@ TEST(TaskInclude, HeaderValuesOfAnIncludedFileServeTheWholeDocument) {
     EXPECT_EQ(parsed.document.tasks[1].totalCores, 4);
 }
 
+TEST(TaskInclude, AnInvalidHeaderValueIsASettingLikeAnyOther) {
+    const TemporaryDirectory dir;
+    (void)dir.write("c.mq", "totmem: -1\n$c\n");
+    (void)dir.write("b.mq", "totcore: many\n$b\n&INCLUDE c.mq\n");
+    (void)dir.write("d.mq", "totcore: 4\ntotmem: 8\n$d\n");
+    const auto path = dir.write("a.mq", "$a\n&INCLUDE b.mq\n&INCLUDE d.mq\n");
+    const auto parsed = parseFile(path);
+    EXPECT_EQ(parsed.document.settings, (ValueMap{{"totcore", "many"}, {"totmem", "-1"}}));
+    EXPECT_EQ(parsed.document.tasks[0].totalCores, 0);
+    EXPECT_EQ(parsed.document.tasks[3].totalCores, 4);
+    EXPECT_THAT(
+        parsed.warnings,
+        ElementsAre(
+            "task file '" + dir.path("c.mq") + "' has invalid header metadata totmem='-1'; ignoring it.",
+            "task file '" + dir.path("b.mq") + "' has invalid header metadata totcore='many'; ignoring it."));
+}
+
+TEST(TaskInclude, AnInvalidHeaderValueOfTheFileItselfWarnsForTheFile) {
+    const TemporaryDirectory dir;
+    (void)dir.write("b.mq", "totcore: many\n$b\n");
+    const auto path = dir.write("a.mq", "totcore: few\n$a\n&INCLUDE b.mq\n");
+    EXPECT_THAT(
+        parseFile(path).warnings,
+        ElementsAre("task file '" + dir.path("b.mq") +
+                        "' has invalid header metadata totcore='many'; ignoring it.",
+                    "task file '" + path + "' has invalid header metadata totcore='few'; ignoring it."));
+}
+
 TEST(TaskInclude, DoublingFilesEnd) {
     const TemporaryDirectory dir;
     for (int i = 0; i < 220; ++i) {
@@ -360,6 +404,69 @@ TEST(ExtraFiles, TheExtraTaskFileIsEnteredOnce) {
     EXPECT_THAT(namesOf(parseFile(dir.path("extra.mq")).document.tasks), ElementsAre("extra", "b"));
     const auto path = dir.write("t.mq", "$t\n&INCLUDE b.mq\n");
     EXPECT_THAT(namesOf(parseFile(path).document.tasks), ElementsAre("extra", "b", "t", "b"));
+}
+
+TEST(ExtraFiles, WhatTheyBringCanBeLeftOut) {
+    const TemporaryDirectory dir;
+    (void)dir.write("extra.yaml", "x: extra\ny: extra\ndefine:\n  k: extra\n  l: extra\n"
+                                  "matrix:\n  a: 1,2\n  b: 3\n");
+    (void)dir.write("extra.mq", "z: extra\n$extra\n@plot barrier p\npoint x value 1\npoint y value 2\n@end\n"
+                                "@derive d\nemit e = 1\n@end\n");
+    (void)dir.write("sub/b.mq", "z: inner\nw: inner\n$b\n");
+    const auto path = dir.write("t.mq", "x: file\ndefine:\n  k: file\nmatrix:\n  b: 3\n  c: 4\n$t\n"
+                                        "%source extra\n&INCLUDE sub/b.mq\n@plot barrier q\npoint x value 1\n"
+                                        "point y value 2\n@end\n@derive f\nemit e = 1\n@end\n");
+    const auto own = withoutImplicitContent(parseFile(path).document);
+    EXPECT_EQ(own.settings, (ValueMap{{"w", "inner"}, {"x", "file"}}));
+    EXPECT_EQ(own.defines, (ValueMap{{"k", "file"}}));
+    EXPECT_THAT(own.matrixAxes, ElementsAre(MatrixAxis{"b", {"3"}, {}, {}}, MatrixAxis{"c", {"4"}, {}, {}}));
+    EXPECT_THAT(own.matrixValues,
+                ElementsAre(testing::Pair("b", ElementsAre("3")), testing::Pair("c", ElementsAre("4"))));
+    EXPECT_THAT(namesOf(own.templateTasks), ElementsAre("t", "b"));
+    EXPECT_THAT(namesOf(own.tasks),
+                ElementsAre("t__a_1__b_3__c_4", "b__a_1__b_3__c_4", "t__a_2__b_3__c_4", "b__a_2__b_3__c_4"));
+    // References to what is left out are resolved.
+    EXPECT_EQ(own.templateTasks[0].source, "extra");
+    ASSERT_EQ(own.plots.size(), 1U);
+    EXPECT_EQ(own.plots[0].name, "q");
+    ASSERT_EQ(own.derives.size(), 1U);
+    EXPECT_EQ(own.derives[0].spec.name, "f");
+}
+
+TEST(ExtraFiles, AFileOfNothingElseHasNoTasksOfItsOwn) {
+    const TemporaryDirectory dir;
+    (void)dir.write("extra.mq", "$extra\n");
+    const auto own = withoutImplicitContent(parseFile(dir.write("t.mq", "x: 1\n")).document);
+    EXPECT_THAT(own.tasks, IsEmpty());
+    EXPECT_THAT(own.templateTasks, IsEmpty());
+    EXPECT_EQ(own.settings, (ValueMap{{"x", "1"}}));
+}
+
+TEST(ByteOrderMark, IsSkippedAtTheStartOfEveryFile) {
+    const std::string mark = "\xef\xbb\xbf";
+    const TemporaryDirectory dir;
+    (void)dir.write("extra.yaml", mark + "x: yaml\n");
+    (void)dir.write("extra.mq", mark + "$extra\n");
+    (void)dir.write("b.mq", mark + "$b\n");
+    (void)dir.write("l.mqlib", mark + "&FRAGMENT task k\n%keywords hf\n");
+    (void)dir.write("f.mqfrag", mark + "&FRAGMENT task\n%args -v\n");
+    const auto parsed = parseFile(
+        dir.write("t.mq", mark + "&INCLUDE l.mqlib as l\n$t\n%program xtb\n&INCLUDE l.k\n&INCLUDE f.mqfrag\n"
+                                 "&INCLUDE b.mq\n"));
+    EXPECT_EQ(parsed.document.settings, (ValueMap{{"x", "yaml"}}));
+    EXPECT_THAT(namesOf(parsed.document.tasks), ElementsAre("extra", "t", "b"));
+    EXPECT_EQ(parsed.document.tasks[1].keywords, "hf");
+    EXPECT_EQ(parsed.document.tasks[1].args, "-v");
+    EXPECT_THAT(parsed.warnings, IsEmpty());
+}
+
+TEST(ByteOrderMark, ShiftsNoPlaceAndCountsOnceOnly) {
+    const std::string mark = "\xef\xbb\xbf";
+    const auto parsed = parse(mark + "$a\n%keywords " + mark + "hf\n");
+    EXPECT_EQ(formatSpan(parsed.document.tasks[0].headerSpan), "t.mq:1:1-1:3");
+    EXPECT_EQ(parsed.document.tasks[0].keywords, mark + "hf");
+    EXPECT_EQ(faultOf(mark + "%keywords hf\n"), "t.mq:1: task directive appears outside a task block");
+    EXPECT_THAT(parse(mark + mark + "$a\n").document.tasks, IsEmpty());
 }
 
 TEST(Parser, TellsTheLibrariesThatAFileImports) {
