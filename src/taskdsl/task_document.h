@@ -153,6 +153,8 @@ struct TaskInfo {
     std::vector<plot::PlotSpec> plots; ///< `%plot` entries of this task
     TaskInterfaceMode interfaceMode = TaskInterfaceMode::none;
     std::string interfaceProvider; ///< provider task of a consume interface
+
+    friend bool operator==(const TaskInfo&, const TaskInfo&) = default;
 };
 
 [[nodiscard]] bool isProvider(const TaskInfo& task) noexcept;

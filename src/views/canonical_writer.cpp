@@ -327,13 +327,13 @@ class DocumentPrinter {
             }
         }
         for (const auto& plot : document.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, ""), true);
+            printBlock("plot", plot.name, renderPlot(plot, "", context.warnings), true);
             if (!document.derives.empty() || &plot != &document.plots.back()) {
                 text.line();
             }
         }
         for (const auto& derive : document.derives) {
-            printBlock("derive", derive.spec.name, renderDerive(derive.spec, ""), true);
+            printBlock("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings), true);
             if (&derive != &document.derives.back()) {
                 text.line();
             }
@@ -351,7 +351,7 @@ class DocumentPrinter {
         // A plot of a declared task is read as it stands; the defines come later.
         const bool isExpanded = context.view == CanonicalView::matrixExpandedView;
         for (const auto& plot : task.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, "  "), isExpanded);
+            printBlock("plot", plot.name, renderPlot(plot, "  ", context.warnings), isExpanded);
         }
     }
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "../taskdsl/derive/without_spans.h"
+#include "../taskdsl/plot/without_spans.h"
 #include "support/text.h"
-#include "taskdsl/derive/derive_output.h"
 #include "taskdsl/mod_operation.h"
-#include "taskdsl/plot/render.h"
 #include "taskdsl/source_spec.h"
 #include "taskdsl/task_parser.h"
 #include "views/canonical_writer.h"
@@ -11,7 +11,7 @@
 
 #include <algorithm>
 #include <string>
-#include <tuple>
+#include <utility>
 #include <vector>
 
 /// Documents as they are compared: without their places (spans, files, order) and without the notes on how a
@@ -19,37 +19,13 @@
 /// and the matrix values of a variant, the version that the head names).
 namespace morquill::views {
 
-/// All of a task but its plots, which are compared by their printed text.
-inline auto fieldsOf(const taskdsl::TaskInfo& task) {
-    const auto& [headerSpan, directives, whenEntries, name, quoted, documentOrder, source, sourceBindings,
-                 sourceTasks, guessEnabled, guessSourceTask, guessConverter, smiles, filePath,
-                 documentTaskNames, program, keywords, args, extraKeywords, templateName, paramValues, runner,
-                 body, orcaBlock, verbosity, gaussianGeomControl, preProcessCommands, processCommands,
-                 modValues, modEntries, totalCores, totalMemory, gpuCount, gpuMemory, gpuType, batchLanes,
-                 batchCollect, batchCluster, controlDeclared, externalInput, waitFreq, alert, localFirst,
-                 finalGeom, whenConditions, templateTaskName, matrixVariantKey, matrixValues, strucId,
-                 metaProperties, plots, interfaceMode, interfaceProvider] = task;
-    return std::tie(headerSpan, directives, whenEntries, name, quoted, documentOrder, source, sourceBindings,
-                    sourceTasks, guessEnabled, guessSourceTask, guessConverter, smiles, filePath,
-                    documentTaskNames, program, keywords, args, extraKeywords, templateName, paramValues,
-                    runner, body, orcaBlock, verbosity, gaussianGeomControl, preProcessCommands,
-                    processCommands, modValues, modEntries, totalCores, totalMemory, gpuCount, gpuMemory,
-                    gpuType, batchLanes, batchCollect, batchCluster, controlDeclared, externalInput, waitFreq,
-                    alert, localFirst, finalGeom, whenConditions, templateTaskName, matrixVariantKey,
-                    matrixValues, strucId, metaProperties, interfaceMode, interfaceProvider);
-}
-
 /// A task with its source and its mods as they are understood.
 struct ComparableTask {
     taskdsl::TaskInfo task;
     taskdsl::SourceSpec source;
     std::vector<std::vector<std::string>> mods; ///< key and words of every operation
-    std::string plots;                          ///< printed
 
-    friend bool operator==(const ComparableTask& a, const ComparableTask& b) {
-        return fieldsOf(a.task) == fieldsOf(b.task) && a.source == b.source && a.mods == b.mods &&
-               a.plots == b.plots;
-    }
+    friend bool operator==(const ComparableTask&, const ComparableTask&) = default;
 };
 
 struct ComparableDocument {
@@ -58,8 +34,8 @@ struct ComparableDocument {
     std::map<std::string, std::vector<std::string>, std::less<>> matrixValues;
     std::vector<taskdsl::MatrixAxis> matrixAxes;
     std::vector<ComparableTask> tasks;
-    std::string plots;   ///< printed
-    std::string derives; ///< printed
+    std::vector<taskdsl::plot::PlotSpec> plots;
+    std::vector<taskdsl::derive::DeriveSpec> derives;
 
     friend bool operator==(const ComparableDocument&, const ComparableDocument&) = default;
 };
@@ -91,8 +67,8 @@ inline ComparableTask comparable(taskdsl::TaskInfo task) {
             words.emplace_back(word);
         }
     }
-    for (const auto& plot : task.plots) {
-        result.plots += renderPlot(plot, "");
+    for (auto& plot : task.plots) {
+        plot = withoutSpans(std::move(plot));
     }
     moveLegacyKeywords(task);
     task.headerSpan = {};
@@ -111,7 +87,6 @@ inline ComparableTask comparable(taskdsl::TaskInfo task) {
     task.templateTaskName.clear();
     task.matrixVariantKey.clear();
     task.matrixValues.reset();
-    task.plots.clear();
     result.task = std::move(task);
     return result;
 }
@@ -131,10 +106,10 @@ inline ComparableDocument comparable(const taskdsl::TaskDocument& document, Cano
         result.tasks.push_back(comparable(task));
     }
     for (const auto& plot : document.plots) {
-        result.plots += renderPlot(plot, "");
+        result.plots.push_back(withoutSpans(plot));
     }
     for (const auto& derive : document.derives) {
-        result.derives += renderDerive(derive.spec, "");
+        result.derives.push_back(withoutSpans(derive.spec));
     }
     return result;
 }
