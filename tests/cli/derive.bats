@@ -79,3 +79,16 @@ MQ
     run -1 "$MQKIT" fmt table.mq
     [ "$output" = "[mqkit][ERROR] table.mq:2:3-2:21: error: derived() table name must be an identifier" ]
 }
+
+@test "what a derive cannot say again is a warning, and the file is written all the same" {
+    printf '@derive d\n  require not (a or b) else "m"\n  emit e = 1\n@end\n' >a.mq
+    run --separate-stderr "$MQKIT" fmt a.mq
+    [ "$status" -eq 0 ]
+    [ "$output" = 'dsl_version: 2
+
+@derive d
+  require not a or b else "m"
+  emit e = 1
+@end' ]
+    [ "$stderr" = "[WARNING] derive 'd' does not read back: 'not' before a group prints without parentheses" ]
+}

@@ -99,3 +99,20 @@ $opt
     grep -F "unexpected character 'Δ' in plot expression" <<<"$output"
     iconv -f UTF-8 -t UTF-8 <<<"$output" >/dev/null
 }
+
+@test "what a plot cannot say again is a warning, and the file is written all the same" {
+    printf "@plot bar 'my plot'\n  from project\n  x a\n  y a + (b + c)\n@end\n" >a.mq
+    run --separate-stderr "$MQKIT" fmt a.mq
+    [ "$status" -eq 0 ]
+    [ "$output" = "dsl_version: 2
+
+@plot bar my plot
+  from project
+  x a
+  y a + b + c
+  style boxes
+  output \"Results/Plots/my plot.png\"
+  format png
+@end" ]
+    [ "$stderr" = "[WARNING] plot 'my plot' does not read back: the name holds a blank; parentheses on the right of '+' are not printed" ]
+}
