@@ -2,6 +2,7 @@
 
 #include "project/paths.h"
 #include "project/tree_walk.h"
+#include "support/descriptor.h"
 #include "support/file.h"
 
 #include <cerrno>
@@ -22,34 +23,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class Descriptor {
-  public:
-    explicit Descriptor(int fd) noexcept : fd_(fd) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { (void)close(); }
-    [[nodiscard]] int get() const noexcept { return fd_; }
-    bool close() noexcept { return fd_ < 0 || ::close(std::exchange(fd_, -1)) == 0; }
-
-  private:
-    int fd_;
-};
-
-bool writeAll(int fd, const char* data, std::size_t size) {
-    while (size > 0) {
-        const ssize_t put = ::write(fd, data, size);
-        if (put < 0 && errno == EINTR) {
-            continue;
-        }
-        if (put <= 0) {
-            return false;
-        }
-        data += put;
-        size -= static_cast<std::size_t>(put);
-    }
-    return true;
-}
-
 /// Copies all that is left of one file to another through memory.
 bool copyThroughBuffer(int from, int to) {
     constexpr std::size_t bufferSize = 1 << 18;
@@ -62,7 +35,7 @@ bool copyThroughBuffer(int from, int to) {
         if (got < 0 && errno == EINTR) {
             continue;
         }
-        if (got < 0 || !writeAll(to, buffer.get(), static_cast<std::size_t>(got))) {
+        if (got < 0 || !writeAll(to, {buffer.get(), static_cast<std::size_t>(got)})) {
             return false;
         }
     }

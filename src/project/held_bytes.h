@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/descriptor.h"
+#include "support/descriptor.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 #include "project/new_file.h"
 
-#include "project/descriptor.h"
+#include "support/descriptor.h"
 
 #include <array>
 #include <cerrno>

@@ -137,8 +137,7 @@ bool rewriteFile(const std::string& path, std::string canonical, const RenamedBl
     if (!renamed) {
         return true;
     }
-    if (!overwriteTextFile(path, *renamed)) {
-        (void)overwriteTextFile(path, *text);
+    if (!writeTextFile(path, *renamed)) {
         report.errors.push_back("could not write file back: " + path);
         return false;
     }

@@ -68,7 +68,7 @@ bool changeStatusFile(StatusBackup& backup, const std::vector<std::string>& kept
     }
     backup.held = std::move(*held);
     return kept.empty() ? ::unlink(backup.path.c_str()) == 0
-                        : overwriteTextFile(backup.path, formatStatusNames(kept));
+                        : writeTextFile(backup.path, formatStatusNames(kept));
 }
 
 bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selected, bool dryRun,
@@ -154,7 +154,7 @@ bool replaceByHeld(const StatusBackup& backup) noexcept {
 /// Writes the old bytes into the file or, where the disk is full, puts the held copy there.
 bool writeBack(const StatusBackup& backup) {
     try {
-        if (overwriteTextFile(backup.file, backup.content)) {
+        if (writeTextFile(backup.file, backup.content)) {
             return true;
         }
     } catch (const std::exception&) {

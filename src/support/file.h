@@ -26,11 +26,6 @@ namespace morquill {
 /// care. On failure `errno` has the reason.
 [[nodiscard]] bool writeTextFile(const std::string& path, std::string_view text);
 
-/// The same under its earlier name.
-[[nodiscard]] inline bool overwriteTextFile(const std::string& path, std::string_view text) {
-    return writeTextFile(path, text);
-}
-
 /// True for a regular file or a link that leads to one.
 [[nodiscard]] bool isRegularFile(const std::string& path);
 /// True for a directory or a link that leads to one.

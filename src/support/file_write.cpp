@@ -53,18 +53,6 @@ class SignalHold {
     bool sizeSignalWasPending_ = false;
 };
 
-bool writeAll(int fd, std::string_view text) noexcept {
-    while (!text.empty()) {
-        const auto put = ::write(fd, text.data(), text.size());
-        if (put > 0) {
-            text.remove_prefix(static_cast<std::size_t>(put));
-        } else if (put == 0 || errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
-
 /// Writes over a file from its first byte on and cuts off what is left of a longer one.
 bool replaceContent(int fd, std::string_view text) noexcept {
     return ::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, text) &&

@@ -1,8 +1,8 @@
-#include "project/descriptor.h"
+#include "support/descriptor.h"
 
 #include <cerrno>
 
-namespace morquill::project {
+namespace morquill {
 
 bool writeAll(int fd, std::string_view text) noexcept {
     while (!text.empty()) {
@@ -19,4 +19,4 @@ bool writeAll(int fd, std::string_view text) noexcept {
     return true;
 }
 
-} // namespace morquill::project
+} // namespace morquill
