@@ -7,11 +7,14 @@
 #include "console/logger.h"
 #include "project/project_command.h"
 #include "project/rename/rename.h"
+#include "support/fault.h"
 #include "support/text.h"
 #include "templates/template_command.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <exception>
 #include <span>
 #include <string>
 #include <vector>
@@ -137,7 +140,28 @@ std::string commandLine(const CommandEntry& entry) {
 [[gnu::noinline]] int runUnguarded(int argc, char** argv, int (*command)(int argc, char** argv)) {
     const console::LogSession session("mqkit", argc, argv, console::LogLevel::Warning,
                                       console::LogLevel::Skip);
-    return console::finishOutput(command(argc, argv));
+    try {
+        return console::finishOutput(command(argc, argv));
+    } catch (const std::exception& fault) {
+        // A lack of memory is no fault of the program; whatever else gets here is one and ends it.
+        if (!isOutOfMemory(fault)) {
+            throw;
+        }
+        console::reportError(console::ErrorTag::coloured, faultText(fault, {}));
+        return console::finishOutput(1);
+    }
+}
+
+std::terminate_handler usualEnd = nullptr;
+
+/// Called without an exception when there was no memory even for the exception.
+[[noreturn]] void endWithoutMemory() {
+    if (std::current_exception() == nullptr) {
+        console::writeErr("[mqkit][ERROR] out of memory\n");
+        std::_Exit(1);
+    }
+    usualEnd();
+    std::abort();
 }
 
 } // namespace
@@ -181,6 +205,7 @@ void printTopLevelHelp(std::string_view programPath) {
 
 int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept {
     console::prepareStandardStreams();
+    usualEnd = std::set_terminate(endWithoutMemory);
     return runUnguarded(argc, argv, command);
 }
 

@@ -19,13 +19,30 @@ bool colorAllowed = true;
 
 // The first failure of standard output; 0 while everything went out. Nothing is tried behind it.
 int outputError = 0;
+bool outputClosed = false;
 
-extern "C" void ignoreBrokenPipe(int /*signal*/) {}
+extern "C" void ignoreSignal(int /*signal*/) {}
+
+/// Leaves a signal that the system would end the program with to the result of the write that raised it. A
+/// handler, not SIG_IGN: it goes back to the default when a child program is started.
+void leaveToTheWrite(int signal) noexcept {
+    struct sigaction current {};
+    if (::sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_DFL) {
+        current.sa_handler = ignoreSignal;
+        current.sa_flags = SA_RESTART;
+        (void)::sigaction(signal, &current, nullptr);
+    }
+}
 
 } // namespace
 
 void writeOut(std::string_view text) noexcept {
-    if (outputError == 0 && std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
+    if (outputError != 0 || text.empty()) {
+        return;
+    }
+    if (outputClosed) {
+        outputError = EBADF;
+    } else if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
         outputError = errno;
     }
 }
@@ -46,24 +63,22 @@ void prepareStandardStreams() noexcept {
         if (::fcntl(fd, F_GETFD) < 0) {
             // The lowest free number is taken, and that is this one.
             (void)::open("/dev/null", O_RDWR);
+            outputClosed = outputClosed || fd == STDOUT_FILENO;
         }
     }
-    // A handler, not SIG_IGN: it goes back to the default when a child program is started.
-    struct sigaction current {};
-    if (::sigaction(SIGPIPE, nullptr, &current) == 0 && current.sa_handler == SIG_DFL) {
-        current.sa_handler = ignoreBrokenPipe;
-        current.sa_flags = SA_RESTART;
-        (void)::sigaction(SIGPIPE, &current, nullptr);
-    }
+    leaveToTheWrite(SIGPIPE);
+    leaveToTheWrite(SIGXFSZ);
 }
 
 int finishOutput(int status) {
     flushOut();
-    if (outputError == 0 || outputError == EPIPE) {
+    if (outputError == 0) {
         return status;
     }
-    const std::string reason = std::strerror(outputError);
-    writeErr(errorTag() + " could not write to standard output: " + reason + "\n");
+    if (outputError != EPIPE) {
+        const std::string reason = std::strerror(outputError);
+        writeErr(errorTag() + " could not write to standard output: " + reason + "\n");
+    }
     return status == 0 ? 1 : status;
 }
 

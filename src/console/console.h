@@ -21,12 +21,13 @@ void writeErr(std::string_view text) noexcept;
 void flushOut() noexcept;
 
 /// Readies the process for broken and closed streams. A standard stream that the caller closed is opened on
-/// /dev/null, so that no file of the user gets its number; a reader that went away no longer kills the
-/// program in the middle of its work on disk (children keep the system's default). Called once, by `main`.
+/// /dev/null, so that no file of the user gets its number and child programs can do their work; what
+/// `writeOut` is given for a closed standard output is lost all the same. A reader that went away and a file
+/// that may not grow no longer kill the program in the middle of its work on disk (children keep the system's
+/// default). Called once, by `main`.
 void prepareStandardStreams() noexcept;
-/// Brings standard output out at the end of a run and gives the exit status to use. A reader that went away
-/// changes nothing; output lost for any other reason (a full disk) is reported and turns a status of 0
-/// into 1.
+/// Brings standard output out at the end of a run and gives the exit status to use. Output that was lost
+/// turns a status of 0 into 1 and is reported, but for a reader that went away: it did not want the rest.
 [[nodiscard]] int finishOutput(int status);
 
 /// Console colours; the number is the colour's code.

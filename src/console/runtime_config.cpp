@@ -195,7 +195,7 @@ RuntimeConfig loadConfig(const std::string& fileName) {
         std::string path = directory;
         path.append("/").append(fileName);
         if (const auto text = readTextFile(path)) {
-            return parseConfigText(*text, directory);
+            return parseConfigText(skipByteOrderMark(*text), directory);
         }
     }
     return {};

@@ -2,6 +2,7 @@
 
 #include "lint/rules.h"
 #include "lint/source_scan.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
@@ -126,15 +127,15 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
 LintFileReport lintSource(const std::optional<std::string_view>& text, const std::string& path,
                           const taskdsl::WarningSink& warnings) {
     LintFileReport report{path, {}, false};
-    LintedFile file = scanLines(text.value_or(""), report);
     try {
+        LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
         // Only a file that says so is read with the tolerance of its time.
         taskdsl::TaskParser parser(file.version == "1", warnings);
         const TaskDocument document = text ? parser.parseText(*text, path) : parser.parseFile(path);
         report.parsed = true;
         checkDocument(document, file, report);
     } catch (const std::exception& fault) {
-        check(ParseFault{fault.what()}, report);
+        check(ParseFault{faultText(fault, path)}, report);
     }
     return report;
 }

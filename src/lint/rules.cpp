@@ -3,7 +3,7 @@
 #include "lint/parse_fault.h"
 #include "support/text.h"
 #include "taskdsl/base/scan.h"
-#include "taskdsl/task/legacy_keywords.h"
+#include "taskdsl/task/resolved_task.h"
 
 #include <algorithm>
 #include <array>

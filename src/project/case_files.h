@@ -15,7 +15,8 @@ namespace morquill::project {
 
 /// Makes the case directory of one geometry file: the directory, a copy of the geometry, and `<name>.mq` as a
 /// link to the template or, where links cannot be made, as a file that includes it. An existing directory is
-/// left alone. True on success.
+/// left alone. True on success; after a failure nothing of the case is left, and a signal that asks the
+/// program to end waits until the case is whole.
 [[nodiscard]] bool createCase(const std::string& geometryFile, const std::string& projectDir,
                               const std::string& templateFile);
 

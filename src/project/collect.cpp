@@ -29,7 +29,15 @@ struct CollectPlace {
     std::string label; ///< "<case> / $<task>"
     std::string blockDir;
     std::string targetDir;
+    bool intoItself = false; ///< the results would lie in the block directory, as items of the next collect
 };
+
+/// True when results below `targetDir` would lie in the block directory.
+bool holdsResults(const std::string& blockDir, const std::string& targetDir) {
+    const auto block = normalisedPath(blockDir);
+    const auto target = normalisedPath(targetDir);
+    return block == target || liesBelow(target, block);
+}
 
 bool makeDirectory(const std::string& dir) {
     std::error_code error;
@@ -57,7 +65,7 @@ void collectPattern(const CollectPlace& place, const std::string& pattern, bool 
         const auto target = joinPath(place.targetDir, targetName(source, place.caseName));
         system::printLine("[mqkit] copy: " + source + " -> " + target);
         summary.items += 1;
-        if (!dryRun && !system::copyItem(source, target)) {
+        if (place.intoItself || (!dryRun && !system::copyItem(source, target))) {
             summary.failed += 1;
             system::printErrorLine("[mqkit][WARN] copy failed: " + source);
         }
@@ -118,7 +126,9 @@ int runProjectCollect(const ProjectOptions& options, std::string_view programPat
         }
         for (const auto& caseDir : caseDirs) {
             const auto caseName = baseName(caseDir);
-            const CollectPlace place{caseName, caseName + " / $" + task, joinPath(caseDir, task), targetDir};
+            const auto blockDir = joinPath(caseDir, task);
+            const CollectPlace place{caseName, caseName + " / $" + task, blockDir, targetDir,
+                                     holdsResults(blockDir, targetDir)};
             if (!isDirectory(place.blockDir)) {
                 summary.missing += 1;
                 system::printLine("[mqkit][SKIP] " + place.label + " : block directory is missing");

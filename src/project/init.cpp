@@ -5,8 +5,10 @@
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
+#include "system/new_file.h"
 #include "system/process.h"
 #include "system/prompt.h"
+#include "system/signal_guard.h"
 
 #include <filesystem>
 #include <system_error>
@@ -69,9 +71,8 @@ bool makeTemplate(const std::string& source, const std::string& file) {
         console::logInfo("project template already exists: " + file);
         return true;
     }
-    std::error_code error;
-    fs::copy_file(source, file, error);
-    if (error) {
+    const system::SignalGuard whole; // the next run takes whatever it finds for a good template
+    if (const std::error_code error = system::copyToNewFile(source, file)) {
         return failProject(error);
     }
     console::logInfo("wrote project template: " + file);

@@ -5,6 +5,7 @@
 #include "project/cases/selection.h"
 #include "project/cases/target.h"
 #include "project/workflows.h"
+#include "support/fault.h"
 #include "support/text.h"
 #include "system/prompt.h"
 
@@ -102,7 +103,8 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
     try {
         return runSubCommand(options, programPath);
     } catch (const std::exception& failure) {
-        system::printErrorLine(console::errorTag() + " " + failure.what());
+        system::printErrorLine(console::errorTag() + " " +
+                               faultText(failure, options.path.empty() ? "." : options.path));
         return 1;
     }
 }

@@ -85,8 +85,8 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
     if (found == 0) {
         return;
     }
+    summary.workMarkers += found;
     const auto count = options.dryRun ? found : removeWorkMarkers(blockDir);
-    summary.workMarkers += count;
     system::printLine((options.dryRun ? "[mqkit][DRY-RUN] " + label + " : would remove "
                                       : "[mqkit] " + label + " : removed ") +
                       std::to_string(count) + " .mqwk file(s)");

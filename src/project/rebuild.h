@@ -16,7 +16,7 @@ struct RebuildSummary {
     std::int32_t recordsRemoved = 0;
     std::int32_t blocksVisited = 0;
     std::int32_t blocksMissing = 0;
-    std::int32_t workMarkers = 0; ///< found in a dry run, removed otherwise
+    std::int32_t workMarkers = 0; ///< that were there, also those that could not be removed
     std::int32_t runnerSuccess = 0;
     std::int32_t runnerFailed = 0;
 };

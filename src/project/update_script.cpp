@@ -5,9 +5,12 @@
 #include "support/paths.h"
 #include "support/text.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+
+#include <unistd.h>
 
 namespace morquill::project {
 
@@ -102,7 +105,14 @@ bool writeComdRunnerScript(const std::string& root, const std::vector<std::strin
     if (dryRun) {
         return true;
     }
-    if (!writeTextFile(outPath, formatComdRunnerScript(root, caseDirs, selected))) {
+    const auto text = formatComdRunnerScript(root, caseDirs, selected);
+    // What stands there goes first: writing over it would go through a link, into a file with further names,
+    // or wait for the reader of a pipe.
+    if (::unlink(outPath.c_str()) != 0 && errno != ENOENT) {
+        return false;
+    }
+    if (!writeTextFile(outPath, text)) {
+        (void)::unlink(outPath.c_str()); // a script that ends in the middle would run as far as it goes
         return false;
     }
     std::error_code ignored; // `bash mqkit_update_comd.sh` works without the permission

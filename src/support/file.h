@@ -9,18 +9,22 @@
 namespace morquill {
 
 /// The whole content of a regular file (a link to one counts), byte for byte; nothing when it cannot be
-/// opened or read. Directories, FIFOs and devices are never opened, so this cannot block.
+/// opened, read or held in memory. Directories, FIFOs and devices are never opened, so this cannot block.
 [[nodiscard]] std::optional<std::string> readTextFile(const std::string& path);
 
-/// One plain open, truncating write and close; true only if every byte was taken and the close succeeded.
-/// No temporary file, no backup, no creation of parent directories.
-[[nodiscard]] bool writeTextFile(const std::string& path, std::string_view text);
+/// The same for a path that the user named: a FIFO or a terminal is read to its end, too, which may wait for
+/// whoever writes there. Other devices are not: some never end.
+[[nodiscard]] std::optional<std::string> readInputFile(const std::string& path);
 
-/// Replaces the content of a file in place and cuts off what is left of a longer one; makes the file when
-/// there is none. Unlike truncating first, a disk that is full before the first byte leaves the old content,
-/// others never see an empty file, and file systems that guard against that need not wait for the disk at
-/// every close.
-[[nodiscard]] bool overwriteTextFile(const std::string& path, std::string_view text);
+/// Replaces the content of a file by one plain write over it, and makes the file when there is none; true
+/// only if every byte was taken. No temporary file, no creation of parent directories; links, owner and mode
+/// stay.
+///
+/// Nothing is lost on the way: a disk without room is found out before the first byte where the file system
+/// can reserve, a write that fails puts the old bytes back (a new file is removed), and signals that end or
+/// stop the program wait until the file is whole. Only a file that may be written but not read has no such
+/// care. On failure `errno` has the reason.
+[[nodiscard]] bool writeTextFile(const std::string& path, std::string_view text);
 
 /// True for a regular file or a link that leads to one.
 [[nodiscard]] bool isRegularFile(const std::string& path);

@@ -82,6 +82,11 @@ bool anyDirectoryEntry(const std::string& dir, const std::function<bool(const st
     return false;
 }
 
+bool liesBelow(std::string_view path, std::string_view tree) noexcept {
+    return !tree.empty() && path.size() > tree.size() && path.starts_with(tree) &&
+           (tree.back() == '/' || path[tree.size()] == '/');
+}
+
 std::vector<std::string> listDirectoryEntries(const std::string& dir, const std::string& pattern) {
     std::vector<std::string> names;
     static_cast<void>(anyDirectoryEntry(dir, [&](const std::string& name) {

@@ -24,6 +24,10 @@ namespace morquill {
 /// The last component without its extension.
 [[nodiscard]] std::string stemOf(std::string_view path);
 
+/// True when a path names something below the directory `tree`; both are compared as texts, so both have to
+/// be absolute and normal. Nothing lies below an empty `tree`, nor a directory below itself.
+[[nodiscard]] bool liesBelow(std::string_view path, std::string_view tree) noexcept;
+
 /// The names in `dir` that match a shell pattern (`*` and `?` do not match a slash, they do match a leading
 /// dot), in ascending byte order; empty when the directory cannot be read.
 [[nodiscard]] std::vector<std::string> listDirectoryEntries(const std::string& dir,

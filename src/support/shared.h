@@ -73,6 +73,8 @@ class Shared {
     [[nodiscard]] const auto& front() const noexcept { return get().front(); }
     [[nodiscard]] const auto& back() const noexcept { return get().back(); }
 
+    friend bool operator==(const Shared& a, const Shared& b) { return a.sharesWith(b) || *a == *b; }
+
   private:
     std::shared_ptr<T> value_;
 };

@@ -66,6 +66,13 @@ namespace morquill {
 /// The text as one word of a POSIX shell: in single quotes, an inner single quote written as '\''.
 [[nodiscard]] std::string shellQuote(std::string_view text);
 
+/// The text without a UTF-8 byte order mark at its very start: some editors put one in front of a file, where
+/// it says how the file is encoded and is no part of its first line.
+[[nodiscard]] constexpr std::string_view skipByteOrderMark(std::string_view text) noexcept {
+    constexpr std::string_view mark = "\xef\xbb\xbf";
+    return text.starts_with(mark) ? text.substr(mark.size()) : text;
+}
+
 /// The lines of a text as a line reader gives them: a final line needs no line end, an empty one behind the
 /// last line feed is not produced, carriage returns stay. The views point into `text`.
 [[nodiscard]] std::vector<std::string_view> splitLines(std::string_view text);

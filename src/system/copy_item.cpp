@@ -1,13 +1,15 @@
 #include "system/copy_item.h"
 
+#include "support/descriptor.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "system/tree_walk.h"
 
-#include <array>
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -21,34 +23,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class Descriptor {
-  public:
-    explicit Descriptor(int fd) noexcept : fd_(fd) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { (void)close(); }
-    [[nodiscard]] int get() const noexcept { return fd_; }
-    bool close() noexcept { return fd_ < 0 || ::close(std::exchange(fd_, -1)) == 0; }
-
-  private:
-    int fd_;
-};
-
-bool writeAll(int fd, const char* data, std::size_t size) {
-    while (size > 0) {
-        const ssize_t put = ::write(fd, data, size);
-        if (put < 0 && errno == EINTR) {
-            continue;
-        }
-        if (put <= 0) {
-            return false;
-        }
-        data += put;
-        size -= static_cast<std::size_t>(put);
-    }
-    return true;
-}
-
 /// Copies all that is left of one file to another through memory.
 bool copyThroughBuffer(int from, int to) {
     constexpr std::size_t bufferSize = 1 << 18;
@@ -61,7 +35,7 @@ bool copyThroughBuffer(int from, int to) {
         if (got < 0 && errno == EINTR) {
             continue;
         }
-        if (got < 0 || !writeAll(to, buffer.get(), static_cast<std::size_t>(got))) {
+        if (got < 0 || !writeAll(to, {buffer.get(), static_cast<std::size_t>(got)})) {
             return false;
         }
     }
@@ -85,53 +59,37 @@ bool copyBytes(int from, int to) {
     }
 }
 
-bool copyFile(const std::string& source, const std::string& target) {
+/// Makes a copy of a regular file under a name that is free; what could not be copied in full is taken away.
+bool makeFile(const std::string& source, const std::string& copy) {
     const Descriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat info {};
     if (from.get() < 0 || ::fstat(from.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
         return false;
     }
-    std::error_code error;
-    if (const auto parent = parentPath(target); !parent.empty()) {
-        fs::create_directories(parent, error); // a failure shows when the target is opened
-    }
-    struct stat standing {};
-    if (::lstat(target.c_str(), &standing) == 0) {
-        if (S_ISLNK(standing.st_mode)) {
-            // Writing through it would change the file it leads to.
-            fs::remove(target, error);
-        } else if (!S_ISREG(standing.st_mode) ||
-                   (standing.st_dev == info.st_dev && standing.st_ino == info.st_ino)) {
-            return false;
-        }
-    }
-    Descriptor to(
-        ::open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, info.st_mode & 0777));
+    Descriptor to(::open(copy.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, info.st_mode & 0777));
     if (to.get() < 0) {
         return false;
     }
     (void)::fchmod(to.get(), info.st_mode & 07777);
     const bool copied = copyBytes(from.get(), to.get());
     if (!to.close() || !copied) {
-        fs::remove(target, error);
+        (void)::unlink(copy.c_str());
         return false;
     }
     return true;
 }
 
-bool copyLink(const std::string& source, const std::string& target) {
+bool makeLink(const std::string& source, const std::string& copy) {
     std::error_code error;
-    fs::remove_all(target, error);
-    if (!error) {
-        fs::copy_symlink(source, target, error);
-    }
+    fs::copy_symlink(source, copy, error);
     return !error;
 }
 
-bool copyDirectory(const std::string& source, const std::string& target) {
+/// Makes a copy of a directory under a name that is free. False when something in it could not be copied; the
+/// rest is there all the same.
+bool makeDirectory(const std::string& source, const std::string& copy) {
     std::error_code error;
-    fs::remove_all(target, error);
-    if (error || (fs::create_directories(target, error), error)) {
+    if (!fs::create_directory(copy, error)) {
         return false;
     }
     bool complete = true;
@@ -140,17 +98,17 @@ bool copyDirectory(const std::string& source, const std::string& target) {
             complete = false;
             return false;
         }
-        const auto copy = target + path.substr(source.size());
+        const auto inner = copy + path.substr(source.size());
         bool copied = false;
         switch (kind) {
         case EntryKind::directory:
-            copied = fs::create_directory(copy, error);
+            copied = fs::create_directory(inner, error);
             break;
         case EntryKind::file:
-            copied = copyFile(path, copy);
+            copied = makeFile(path, inner);
             break;
         case EntryKind::link:
-            copied = copyLink(path, copy);
+            copied = makeLink(path, inner);
             break;
         default:
             break;
@@ -161,23 +119,114 @@ bool copyDirectory(const std::string& source, const std::string& target) {
     return complete;
 }
 
+bool exists(const std::string& path) {
+    struct stat info {};
+    return ::lstat(path.c_str(), &info) == 0;
+}
+
+/// A name beside `target` that is free: what is made under it can be renamed to `target`.
+std::string nameBeside(const std::string& target) {
+    const auto start = target.substr(0, target.rfind('/') + 1) + ".mqkit-" + std::to_string(::getpid()) + "-";
+    int number = 0;
+    while (exists(start + std::to_string(number))) {
+        number += 1;
+    }
+    return start + std::to_string(number);
+}
+
+/// Lets `copy` and `target`, which both exist, change places.
+bool exchange(const std::string& copy, const std::string& target) {
+    if (::renameat2(AT_FDCWD, copy.c_str(), AT_FDCWD, target.c_str(), RENAME_EXCHANGE) == 0) {
+        return true;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return false;
+    }
+    // A file system that cannot do it in one step.
+    const auto aside = nameBeside(target);
+    if (::rename(target.c_str(), aside.c_str()) != 0) {
+        return false;
+    }
+    if (::rename(copy.c_str(), target.c_str()) != 0) {
+        (void)::rename(aside.c_str(), target.c_str());
+        return false;
+    }
+    return ::rename(aside.c_str(), copy.c_str()) == 0;
+}
+
+/// Puts a copy in the place of `target` and removes what stood there. False when that is not possible; the
+/// copy is removed then.
+bool putInPlace(const std::string& copy, const std::string& target) {
+    if (::rename(copy.c_str(), target.c_str()) == 0) {
+        return true;
+    }
+    // A directory that is not empty, or one for the other kind.
+    const bool placed = exists(target) && exchange(copy, target);
+    std::error_code error;
+    fs::remove_all(copy, error); // the old result where they have changed places
+    return placed && !error;
+}
+
+/// A path without the links on the way to it; the last component may be one.
+std::string placeOf(const std::string& path) {
+    return joinPath(normalisedPath(parentPath(path)), baseName(path));
+}
+
+/// True when the source would be copied to where it is, into itself, or over what holds it.
+bool meetsItself(const std::string& source, const std::string& target) {
+    const auto from = placeOf(source);
+    const auto to = placeOf(target);
+    return from == to || liesBelow(from, to) || liesBelow(to, from);
+}
+
+/// True when a regular file may take the target's place: a free one, or that of another file or a link.
+bool takesFile(const std::string& source, const std::string& target) {
+    struct stat standing {};
+    struct stat info {};
+    if (::lstat(target.c_str(), &standing) != 0 || S_ISLNK(standing.st_mode)) {
+        return true;
+    }
+    return S_ISREG(standing.st_mode) && ::lstat(source.c_str(), &info) == 0 &&
+           (standing.st_dev != info.st_dev || standing.st_ino != info.st_ino);
+}
+
 } // namespace
 
 bool copyItem(const std::string& source, const std::string& target) {
     std::error_code error;
-    if (!fs::exists(source, error)) { // through a link: one that leads nowhere is not worth a copy
+    if (!fs::exists(source, error) ||
+        meetsItself(source, target)) { // a link that leads nowhere does not exist
         return false;
     }
-    switch (fs::symlink_status(source, error).type()) {
+    const auto kind = fs::symlink_status(source, error).type();
+    const bool isDirectory = kind == fs::file_type::directory;
+    if (kind == fs::file_type::regular && !takesFile(source, target)) {
+        return false;
+    }
+    if (const auto parent = parentPath(target); !parent.empty()) {
+        fs::create_directories(parent, error); // a failure shows when the copy is made
+    }
+    const auto copy = nameBeside(target);
+    bool complete = false;
+    switch (kind) {
     case fs::file_type::regular:
-        return copyFile(source, target);
+        complete = makeFile(source, copy);
+        break;
     case fs::file_type::symlink:
-        return copyLink(source, target);
+        complete = makeLink(source, copy);
+        break;
     case fs::file_type::directory:
-        return copyDirectory(source, target);
+        complete = makeDirectory(source, copy);
+        break;
     default:
-        return false;
+        break;
     }
+    // A directory that is not whole is better than none, but never than the one before.
+    if (complete || (isDirectory && exists(copy) && !exists(target))) {
+        return putInPlace(copy, target) && complete;
+    }
+    fs::remove_all(copy, error);
+    return false;
 }
 
 } // namespace morquill::system

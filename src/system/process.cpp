@@ -118,6 +118,7 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
         return result;
     }
     console::flushOut();
+    const SignalGuard ending; // ends this program, if that was asked for, when the child has ended
     ChildSignals signals;
     const pid_t child = ::fork();
     if (child < 0) {

@@ -24,19 +24,6 @@ std::size_t readInput(char* buffer, std::size_t size) {
     return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-/// A decimal integer that takes up the whole piece.
-std::optional<int> readIndex(std::string_view piece) {
-    if (piece.starts_with('+')) {
-        piece.remove_prefix(1);
-    }
-    int value = 0;
-    const auto [end, error] = std::from_chars(piece.data(), piece.data() + piece.size(), value);
-    if (error != std::errc{} || end != piece.data() + piece.size()) {
-        return std::nullopt;
-    }
-    return value;
-}
-
 } // namespace
 
 void printLine(std::string_view text) {
@@ -78,6 +65,18 @@ bool askYesNo() {
     }
     const std::string answer = toLower(trim(*line));
     return answer == "y" || answer == "yes";
+}
+
+std::optional<int> readIndex(std::string_view piece) noexcept {
+    if (piece.starts_with('+')) {
+        piece.remove_prefix(1);
+    }
+    int value = 0;
+    const auto [end, error] = std::from_chars(piece.data(), piece.data() + piece.size(), value);
+    if (error != std::errc{} || end != piece.data() + piece.size()) {
+        return std::nullopt;
+    }
+    return value;
 }
 
 std::vector<std::size_t> promptIndexSelection(std::string_view title, std::size_t count) {

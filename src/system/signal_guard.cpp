@@ -5,6 +5,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <utility>
 
 #include <unistd.h>
 
@@ -12,25 +13,37 @@ namespace morquill::system {
 
 namespace {
 
-constexpr std::array<int, 3> endSignals{SIGHUP, SIGINT, SIGTERM};
+// All that end a program from outside and can be caught.
+constexpr std::array endSignals{SIGHUP,  SIGINT,    SIGQUIT, SIGTERM, SIGALRM, SIGUSR1,  SIGUSR2,
+                                SIGXCPU, SIGVTALRM, SIGPROF, SIGPOLL, SIGPWR,  SIGSTKFLT};
+
+// What the outermost guard has found: how each signal, and a write past the limit, was dealt with before.
+bool guarded = false;
+std::array<struct sigaction, endSignals.size()> oldActions{};
+struct sigaction oldLimitAction {};
 
 // All that a signal handler can reach: the first signal noted and the child to pass it on to, 0 for none.
 std::atomic<int> notedSignal{0};
 std::atomic<pid_t> watchedChild{0};
 static_assert(std::atomic<int>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
 
+/// Keys and the hang-up of a terminal go to all its processes, everything else to this one alone.
+bool reachesChildAnyway(int number, int origin) noexcept {
+    return origin == SI_KERNEL && (number == SIGINT || number == SIGQUIT || number == SIGHUP);
+}
+
 extern "C" void noteSignal(int number, siginfo_t* info, void* /*context*/) {
     const int oldErrno = errno;
     int none = 0;
     notedSignal.compare_exchange_strong(none, number);
-    // Sent by a process to this one alone; what the terminal sends goes to all its processes.
-    const bool sentByProcess = info->si_code <= 0;
     const pid_t child = watchedChild.load();
-    if (sentByProcess && child > 0) {
+    if (child > 0 && !reachesChildAnyway(number, info->si_code)) {
         ::kill(child, number);
     }
     errno = oldErrno;
 }
+
+extern "C" void letWriteFail(int /*number*/) {}
 
 sigset_t endSignalSet() noexcept {
     sigset_t set;
@@ -41,26 +54,42 @@ sigset_t endSignalSet() noexcept {
     return set;
 }
 
-} // namespace
-
-SignalGuard::SignalGuard() noexcept {
-    notedSignal = 0;
-    struct sigaction action {};
-    action.sa_sigaction = noteSignal;
-    action.sa_mask = endSignalSet();
-    action.sa_flags = SA_SIGINFO | SA_RESTART;
-    for (std::size_t i = 0; i < endSignals.size(); ++i) {
-        ::sigaction(endSignals[i], nullptr, &old_[i]);
-        if (old_[i].sa_handler != SIG_IGN) {
-            ::sigaction(endSignals[i], &action, nullptr);
-        }
+/// Sets an action for a signal that would end the program and keeps the old one.
+void replaceDefault(int number, const struct sigaction& action, struct sigaction& old) noexcept {
+    ::sigaction(number, nullptr, &old);
+    if ((old.sa_flags & SA_SIGINFO) == 0 && old.sa_handler == SIG_DFL) {
+        ::sigaction(number, &action, nullptr);
     }
 }
 
-SignalGuard::~SignalGuard() {
-    for (std::size_t i = 0; i < endSignals.size(); ++i) {
-        ::sigaction(endSignals[i], &old_[i], nullptr);
+} // namespace
+
+SignalGuard::SignalGuard() noexcept : outermost_(!std::exchange(guarded, true)) {
+    if (!outermost_) {
+        return;
     }
+    notedSignal = 0;
+    struct sigaction note {};
+    note.sa_sigaction = noteSignal;
+    note.sa_mask = endSignalSet();
+    note.sa_flags = SA_SIGINFO | SA_RESTART;
+    for (std::size_t i = 0; i < endSignals.size(); ++i) {
+        replaceDefault(endSignals[i], note, oldActions[i]);
+    }
+    struct sigaction fail {};
+    fail.sa_handler = letWriteFail; // no SIG_IGN, which children would inherit
+    replaceDefault(SIGXFSZ, fail, oldLimitAction);
+}
+
+SignalGuard::~SignalGuard() {
+    if (!outermost_) {
+        return;
+    }
+    for (std::size_t i = 0; i < endSignals.size(); ++i) {
+        ::sigaction(endSignals[i], &oldActions[i], nullptr);
+    }
+    ::sigaction(SIGXFSZ, &oldLimitAction, nullptr);
+    guarded = false;
     if (const int number = noted(); number != 0) {
         console::flushOut();
         ::raise(number);

@@ -6,10 +6,11 @@
 /// Putting off the signals that ask a program to end, for as long as the disk must be left in order first.
 namespace morquill::system {
 
-/// While it lives, SIGHUP, SIGINT and SIGTERM are noted instead of ending the process; a signal that was
-/// already ignored stays ignored. Its destructor gives the process back to the system's ways and then ends it
-/// with the first noted signal. Build it before whatever has to be undone, so that it goes last. One at a
-/// time.
+/// While it lives, every signal that asks the program to end (SIGTERM, SIGINT, a batch system's SIGUSR1 or
+/// SIGXCPU, ...) is noted instead; one that was ignored or handled before stays so. A file that grows past
+/// its limit is a write that fails with `EFBIG`, not the end. The destructor gives the process back to the
+/// system's ways and then ends it with the first noted signal. Build it before whatever has to be undone, so
+/// that it goes last. Of several, one within the other, the outermost does the work.
 class SignalGuard {
   public:
     SignalGuard() noexcept;
@@ -21,15 +22,15 @@ class SignalGuard {
     [[nodiscard]] int noted() const noexcept;
 
   private:
-    struct sigaction old_[3]{};
+    bool outermost_;
 };
 
 /// Names the child that a noted signal is passed on to, from its start to its end: the program waits for it,
-/// so it must hear of the signal, too. A signal from the terminal reaches the child by itself and is not
+/// so it must hear of the signal, too. A key pressed at the terminal reaches the child by itself and is not
 /// doubled.
 ///
-/// Built before `fork`, it holds the three signals back, so that none falls between the start of the child
-/// and `watch`.
+/// Built before `fork` and under a `SignalGuard`, it holds the guard's signals back, so that none falls
+/// between the start of the child and `watch`.
 class ChildSignals {
   public:
     ChildSignals() noexcept;

@@ -3,7 +3,9 @@
 #include "console/console.h"
 
 #include <cerrno>
+#include <ctime>
 
+#include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -15,20 +17,41 @@ namespace {
 
 // What the signal handlers put back. Written before `keyMode` is set, so a handler never sees half of it.
 struct termios savedAttributes;
-struct termios keyAttributes;
 volatile std::sig_atomic_t keyDescriptor = -1;
 volatile std::sig_atomic_t keyMode = 0;
+
+/// Set when the program goes on after a stop: somebody else has used the screen meanwhile.
+volatile std::sig_atomic_t continued = 0;
+
+/// The signals that are let through while input is awaited; null outside of a session: those of the caller.
+const sigset_t* waitMask = nullptr;
+sigset_t sessionWaitMask;
+sigset_t sessionMask;
+
+/// False when the terminal belongs to another job: touching it would stop the program, in the middle of a
+/// handler as well. What is not the program's controlling terminal knows no jobs.
+bool isOurs(int descriptor) noexcept {
+    const pid_t foreground = ::tcgetpgrp(descriptor);
+    return foreground < 0 || foreground == ::getpgrp();
+}
 
 void writeToTerminal(std::string_view text) noexcept {
     while (::write(STDOUT_FILENO, text.data(), text.size()) < 0 && errno == EINTR) {
     }
 }
 
-void restoreTerminal() noexcept {
-    if (keyMode != 0) {
+void leaveKeyMode() noexcept {
+    if (keyMode != 0 && isOurs(keyDescriptor)) {
         (void)::tcsetattr(keyDescriptor, TCSANOW, &savedAttributes);
+        keyMode = 0;
     }
-    writeToTerminal(showCursor);
+}
+
+void restoreTerminal() noexcept {
+    leaveKeyMode();
+    if (isOurs(STDOUT_FILENO)) {
+        writeToTerminal(showCursor);
+    }
 }
 
 /// Ends the program by the signal. The default action is back when this runs (SA_RESETHAND), and the signal
@@ -38,7 +61,7 @@ extern "C" void restoreAndEnd(int signal) {
     (void)::raise(signal);
 }
 
-/// Stops the program and, when it goes on, takes the terminal back.
+/// Stops the program and returns when it goes on.
 extern "C" void restoreAndStop(int signal) {
     const int error = errno;
     restoreTerminal();
@@ -48,39 +71,77 @@ extern "C" void restoreAndStop(int signal) {
     (void)::sigaction(signal, &standard, &own);
     (void)::raise(signal);
     (void)::sigaction(signal, &own, nullptr);
-    if (keyMode != 0) {
-        (void)::tcsetattr(keyDescriptor, TCSANOW, &keyAttributes);
-        writeToTerminal(hideCursor);
-    }
+    continued = 1;
     errno = error;
 }
 
-/// Keys one by one and without echo, for the time of one key. Does nothing to input that is no terminal.
+extern "C" void noteContinued(int /*signal*/) {
+    continued = 1;
+}
+
+/// Keys one by one and without echo, for the time of one key. Does nothing to input that is no terminal, and
+/// nothing while the terminal is another's: `enter` is tried again after every stop.
 class KeyMode {
   public:
-    explicit KeyMode(int descriptor) noexcept {
-        if (::tcgetattr(descriptor, &savedAttributes) == 0) {
-            keyAttributes = savedAttributes;
-            keyAttributes.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
-            keyDescriptor = descriptor;
-            keyMode = 1;
-            (void)::tcsetattr(descriptor, TCSANOW, &keyAttributes);
-        }
-    }
+    explicit KeyMode(int descriptor) noexcept : descriptor_(descriptor) { enter(); }
     KeyMode(const KeyMode&) = delete;
     KeyMode& operator=(const KeyMode&) = delete;
     ~KeyMode() {
-        if (keyMode != 0) {
-            (void)::tcsetattr(keyDescriptor, TCSANOW, &savedAttributes);
-            keyMode = 0;
-        }
+        leaveKeyMode();
+        keyMode = 0;
     }
+
+    void enter() const noexcept {
+        if (!isOurs(descriptor_)) {
+            return;
+        }
+        // Still in key mode after a stop that no handler saw: what was saved before it holds.
+        if (keyMode == 0 && ::tcgetattr(descriptor_, &savedAttributes) != 0) {
+            return;
+        }
+        struct termios attributes = savedAttributes;
+        attributes.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+        keyDescriptor = descriptor_;
+        keyMode = 1;
+        (void)::tcsetattr(descriptor_, TCSANOW, &attributes);
+    }
+
+  private:
+    int descriptor_;
 };
 
-std::optional<char> readByte(int descriptor) {
+/// Reads a byte while signals may come. False with EINTR when one came.
+ssize_t awaitByte(int descriptor, char& byte) noexcept {
+    if (isOurs(descriptor)) {
+        struct pollfd input {
+            descriptor, POLLIN, 0
+        };
+        return ::ppoll(&input, 1, nullptr, waitMask) < 0 ? -1 : ::read(descriptor, &byte, 1);
+    }
+    // Another job's terminal: the system stops whoever reads from it, until the job is called back.
+    if (waitMask != nullptr) {
+        (void)::sigprocmask(SIG_SETMASK, waitMask, nullptr);
+    }
+    const auto got = ::read(descriptor, &byte, 1);
+    if (waitMask != nullptr) {
+        const int error = errno;
+        (void)::sigprocmask(SIG_SETMASK, &sessionMask, nullptr);
+        errno = error;
+    }
+    return got;
+}
+
+/// The next byte; nothing at the end of input. When the program has the terminal back after a stop, `resume`
+/// is called first.
+template <class Resume>
+std::optional<char> readByte(int descriptor, const Resume& resume) {
     char byte = 0;
     for (;;) {
-        const auto got = ::read(descriptor, &byte, 1);
+        if (continued != 0 && isOurs(descriptor)) {
+            continued = 0;
+            resume();
+        }
+        const auto got = awaitByte(descriptor, byte);
         if (got == 1) {
             return byte;
         }
@@ -90,28 +151,59 @@ std::optional<char> readByte(int descriptor) {
     }
 }
 
+/// True for a signal that ends a program by default and can be caught. The rest of the numbers are the two
+/// that cannot be caught, what the C library keeps for itself, and signals that stop, continue or do nothing.
+bool endsProgram(int signal) noexcept {
+    switch (signal) {
+    case SIGKILL:
+    case SIGSTOP:
+    case SIGTSTP:
+    case SIGTTIN:
+    case SIGTTOU:
+    case SIGCONT:
+    case SIGCHLD:
+    case SIGURG:
+    case SIGWINCH:
+        return false;
+    default:
+        return true;
+    }
+}
+
 } // namespace
 
-std::int32_t readKey(int descriptor) {
+std::int32_t readKey(int descriptor, const Redraw& redraw) {
     const KeyMode mode(descriptor);
-    const auto first = readByte(descriptor);
+    const auto next = [&] {
+        return readByte(descriptor, [&] {
+            mode.enter();
+            if (redraw) {
+                redraw();
+            }
+        });
+    };
+    const auto first = next();
     if (!first) {
         return key::endOfInput;
     }
     if (*first != key::escape) {
         return static_cast<unsigned char>(*first);
     }
-    if (readByte(descriptor) != '[') {
+    if (next() != '[') {
         return key::escape;
     }
-    const auto last = readByte(descriptor);
+    const auto last = next();
     return last && *last >= 'A' && *last <= 'D' ? key::up + (*last - 'A') : key::escape;
 }
 
-std::optional<std::string> readLine(int descriptor) {
+std::optional<std::string> readLine(int descriptor, const Redraw& redraw) {
     std::string line;
     for (bool any = false;; any = true) {
-        const auto byte = readByte(descriptor);
+        const auto byte = readByte(descriptor, [&] {
+            if (redraw) {
+                redraw();
+            }
+        });
         if (!byte) {
             return any ? std::optional(std::move(line)) : std::nullopt;
         }
@@ -133,23 +225,68 @@ void clearScreen() {
     }
 }
 
-TerminalSession::TerminalSession() {
-    for (std::size_t i = 0; i < std::size(signals); ++i) {
-        struct sigaction action {};
-        action.sa_handler = signals[i] == SIGTSTP ? restoreAndStop : restoreAndEnd;
-        // The stop signal is raised inside its own handler and has to act there.
-        action.sa_flags = signals[i] == SIGTSTP ? SA_RESTART | SA_NODEFER : static_cast<int>(SA_RESETHAND);
-        (void)::sigaction(signals[i], nullptr, &previous[i]);
-        if (previous[i].sa_handler != SIG_IGN) {
-            (void)::sigaction(signals[i], &action, nullptr);
+void awaitTerminal(int descriptor) {
+    sigset_t goOn;
+    sigemptyset(&goOn);
+    sigaddset(&goOn, SIGCONT);
+    while (!isOurs(descriptor)) {
+        (void)::raise(SIGTTIN);
+        const timespec atOnce{};
+        if (::sigtimedwait(&goOn, nullptr, &atOnce) < 0) {
+            return; // not stopped: there is no shell that could let the program go on
         }
     }
 }
 
-TerminalSession::~TerminalSession() {
-    for (std::size_t i = 0; i < std::size(signals); ++i) {
-        (void)::sigaction(signals[i], &previous[i], nullptr);
+TerminalSession::TerminalSession() : handlerStack_(static_cast<std::size_t>(SIGSTKSZ)) {
+    // Whatever stops or continues the program waits until input is awaited: a half drawn screen is no place
+    // to stop, and the wait is what has to notice that the program went on.
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGTSTP);
+    sigaddset(&held, SIGCONT);
+    (void)::sigprocmask(SIG_BLOCK, &held, &sessionWaitMask);
+    sessionMask = sessionWaitMask;
+    sigaddset(&sessionMask, SIGTSTP);
+    sigaddset(&sessionMask, SIGCONT);
+    waitMask = &sessionWaitMask;
+
+    // A stack of its own for the handlers: one of the signals says that the program's is used up.
+    stack_t stack{};
+    stack.ss_sp = handlerStack_.data();
+    stack.ss_size = handlerStack_.size();
+    (void)::sigaltstack(&stack, &previousStack_);
+    for (int signal = 1; signal < NSIG; ++signal) {
+        if (endsProgram(signal)) {
+            handle(signal, restoreAndEnd, static_cast<int>(SA_RESETHAND) | SA_ONSTACK);
+        }
     }
+    // The stop signal is raised inside its own handler and has to act there.
+    handle(SIGTSTP, restoreAndStop, SA_NODEFER);
+    handle(SIGCONT, noteContinued, 0);
+}
+
+void TerminalSession::handle(int signal, void (*handler)(int), int flags) {
+    struct sigaction action {};
+    if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) {
+        return;
+    }
+    previous_.push_back({signal, action});
+    action.sa_handler = handler;
+    action.sa_flags = flags;
+    if (handler == restoreAndEnd) {
+        sigfillset(&action.sa_mask); // the first one ends the program
+    }
+    (void)::sigaction(signal, &action, nullptr);
+}
+
+TerminalSession::~TerminalSession() {
+    for (const auto& [signal, action] : previous_) {
+        (void)::sigaction(signal, &action, nullptr);
+    }
+    (void)::sigaltstack(&previousStack_, nullptr);
+    (void)::sigprocmask(SIG_SETMASK, &sessionWaitMask, nullptr);
+    waitMask = nullptr;
 }
 
 } // namespace morquill::system

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <csignal>
 
@@ -25,19 +27,29 @@ inline constexpr std::int32_t left = 1004;
 inline constexpr std::string_view hideCursor = "\033[?25l";
 inline constexpr std::string_view showCursor = "\033[?25h";
 
+/// Shows again what the program last showed. Called while input is awaited, after the program was stopped and
+/// has the terminal back.
+using Redraw = std::function<void()>;
+
 /// One key: a byte value, an arrow or the end of input (`key`). The terminal hands over
 /// keys unechoed while this waits and is as before when it returns. A lone Esc waits for one more key, which
 /// is lost. Input that is no terminal is read plainly.
-[[nodiscard]] std::int32_t readKey(int descriptor);
+[[nodiscard]] std::int32_t readKey(int descriptor, const Redraw& redraw = {});
 
 /// One line without its line end; nothing at the end of input.
-[[nodiscard]] std::optional<std::string> readLine(int descriptor);
+[[nodiscard]] std::optional<std::string> readLine(int descriptor, const Redraw& redraw = {});
 
 /// Clears the screen with the system's `clear` command; nothing happens when there is none.
 void clearScreen();
 
-/// While it lives, a signal that ends or stops the program first puts the terminal's attributes back and
-/// shows the cursor. Signals that are ignored stay ignored. One at a time.
+/// Returns when the terminal is the program's: one that was started in the background is stopped, as if it
+/// had read from the terminal, until its job is called to the front. Needs a session.
+void awaitTerminal(int descriptor);
+
+/// While it lives, a signal that ends the program first puts the terminal's attributes back and shows the
+/// cursor; only while the terminal is the program's, for otherwise both are another's. The stop key acts
+/// while input is awaited and gives the terminal back in the same way. Signals that are ignored or already
+/// handled stay so. One at a time.
 class TerminalSession {
   public:
     TerminalSession();
@@ -45,10 +57,16 @@ class TerminalSession {
     TerminalSession& operator=(const TerminalSession&) = delete;
     ~TerminalSession();
 
-    static constexpr int signals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
-
   private:
-    struct sigaction previous[std::size(signals)];
+    void handle(int signal, void (*handler)(int), int flags);
+
+    struct Previous {
+        int signal;
+        struct sigaction action;
+    };
+    std::vector<Previous> previous_;
+    std::vector<char> handlerStack_;
+    stack_t previousStack_{};
 };
 
 } // namespace morquill::system

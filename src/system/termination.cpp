@@ -1,5 +1,7 @@
 #include "system/termination.h"
 
+#include "support/file.h"
+
 #include <algorithm>
 
 namespace morquill::system {
@@ -36,6 +38,17 @@ bool hasTerminationMarker(std::string_view log, LogProgram program) {
     return std::any_of(std::begin(markerTable), std::end(markerTable), [&](const MarkerRow& row) {
         return row.program == program && log.find(row.marker) != std::string_view::npos;
     });
+}
+
+LogCheck checkTermination(const std::string& logPath, LogProgram program) {
+    const auto log = readTextFile(logPath);
+    if (!log || log->empty()) {
+        return {false, "Log file is empty or unreadable: " + logPath};
+    }
+    if (!hasTerminationMarker(*log, program)) {
+        return {};
+    }
+    return {true, program == LogProgram::orca ? "Found ORCA termination flag in log: " + logPath : ""};
 }
 
 } // namespace morquill::system

@@ -3,6 +3,7 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "templates/library/define_section.h"
 #include "templates/library/merge.h"
@@ -13,6 +14,7 @@
 #include "templates/selector/selector.h"
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -157,6 +159,40 @@ constexpr std::string_view templateHelp = R"(# Usage:
       Equivalent to: `@ template interactive`
 )";
 
+/// Does the work of a command; when the memory runs out, the message names the file that it works on.
+int namingFile(const std::string& path, const std::function<int()>& work) {
+    try {
+        return work();
+    } catch (const std::exception& fault) {
+        if (!isOutOfMemory(fault)) {
+            throw;
+        }
+        throw refusal(faultText(fault, path));
+    }
+}
+
+int mergeTemplates(const TemplateOptions& options) {
+    const auto library = openLibrary(options);
+    std::vector<std::string_view> texts;
+    for (const auto& name : options.names) {
+        const TaskTemplate* found = findTemplate(library, name);
+        if (found == nullptr) {
+            throw refusal("template not found: '" + name + "'");
+        }
+        texts.emplace_back(found->content);
+    }
+    const std::string merged = mergeTemplateTexts(texts);
+    if (options.output == "-") {
+        writeOut(merged);
+        return 0;
+    }
+    if (!writeTextFile(options.output, merged)) {
+        throw refusal("could not write output file: " + options.output);
+    }
+    writeOut("[mqkit] wrote task file: " + options.output + "\n");
+    return 0;
+}
+
 } // namespace
 
 int runTemplate(int argc, char** argv) {
@@ -213,33 +249,18 @@ int runTemplateMerge(int argc, char** argv, int firstArgument) {
     if (options.names.empty()) {
         throw refusal("specify at least one template to merge");
     }
-    const auto library = openLibrary(options);
-    std::vector<std::string_view> texts;
-    for (const auto& name : options.names) {
-        const TaskTemplate* found = findTemplate(library, name);
-        if (found == nullptr) {
-            throw refusal("template not found: '" + name + "'");
-        }
-        texts.emplace_back(found->content);
-    }
-    const std::string merged = mergeTemplateTexts(texts);
-    if (options.output == "-") {
-        writeOut(merged);
-        return 0;
-    }
-    if (!writeTextFile(options.output, merged)) {
-        throw refusal("could not write output file: " + options.output);
-    }
-    writeOut("[mqkit] wrote task file: " + options.output + "\n");
-    return 0;
+    return namingFile(options.output, [&options] { return mergeTemplates(options); });
 }
 
 int runTemplateVariable(int argc, char** argv, int firstArgument) {
     if (argc - firstArgument != 2) {
         throw refusal("template variable expects: <task.mq> <var_template>");
     }
-    writeDefineSection(argv[firstArgument], argv[firstArgument + 1]);
-    return 0;
+    const std::string taskPath = argv[firstArgument];
+    return namingFile(taskPath, [&] {
+        writeDefineSection(taskPath, argv[firstArgument + 1]);
+        return 0;
+    });
 }
 
 void writeDefineSection(const std::string& taskPath, const std::string& templateName) {

@@ -6,9 +6,10 @@
 #include "taskdsl/derive/derive_output.h"
 #include "taskdsl/plot/render.h"
 #include "taskdsl/task/directive_reader.h"
-#include "taskdsl/task/legacy_keywords.h"
 #include "taskdsl/task/mod_operation.h"
+#include "taskdsl/task/resolved_task.h"
 #include "taskdsl/task/source_spec.h"
+#include "views/read_back.h"
 
 #include <algorithm>
 #include <array>
@@ -89,13 +90,13 @@ void writeSettings(CanonicalText& text, const TaskDocument& document) {
     text.line("dsl_version: 2");
     for (const auto& [key, value] : document.settings) {
         if (key != "dsl_version") {
-            text.line(key, ": ", taskdsl::quoteSettingScalar(value));
+            text.line(canonicalSetting(key, value));
         }
     }
     if (!document.defines.empty()) {
         text.line("define:");
         for (const auto& [key, value] : document.defines) {
-            text.line("  ", key, ": ", taskdsl::quoteUnquotedScalar(value));
+            text.line(canonicalDefine(key, value));
         }
     }
 }
@@ -112,17 +113,9 @@ void writeMatrix(CanonicalText& text, const TaskDocument& document) {
         }
         return;
     }
-    const bool isLong = std::any_of(axes.begin(), axes.end(), [](const taskdsl::MatrixAxis& axis) {
-        return !axis.names.empty() || !axis.map.empty();
-    });
+    const bool isLong = needsLongMatrix(document);
     for (const auto& axis : axes) {
-        text.line(isLong ? "  - " : "  ", axis.key, ": ", taskdsl::joinCanonicalList(axis.values));
-        if (!axis.names.empty()) {
-            text.line("    name: ", taskdsl::joinCanonicalList(axis.names));
-        }
-        if (!axis.map.empty()) {
-            text.line("    map: ", taskdsl::quoteCanonicalScalar(axis.map));
-        }
+        text.line(canonicalAxis(axis, isLong));
     }
 }
 
@@ -245,14 +238,7 @@ void writeInputPayload(CanonicalText& text, const TaskInfo& task) {
 
 void writeOrcaPayload(CanonicalText& text, const TaskInfo& task) {
     writeKeywords(text, task);
-    std::string extra = task.extraKeywords;
-    if (!task.orcaBlock.empty()) {
-        if (!extra.empty() && extra.back() != '\n') {
-            extra += '\n';
-        }
-        extra += task.orcaBlock;
-    }
-    text.filledHeredoc("extrainput", extra);
+    text.filledHeredoc("extrainput", taskdsl::resolvedExtraInput(task));
 }
 
 void writeXtbPayload(CanonicalText& text, const TaskInfo& task) {
@@ -262,10 +248,8 @@ void writeXtbPayload(CanonicalText& text, const TaskInfo& task) {
 
 void writeOtherPayload(CanonicalText& text, const TaskInfo& task) {
     text.filledScalar("template", taskdsl::resolvedTemplateName(task));
-    const std::string legacy =
-        task.paramValues.empty() ? taskdsl::legacyParamValues(task.keywords) : std::string();
-    const auto params = trim(task.paramValues.empty() ? std::string_view(legacy) : task.paramValues);
-    if (!params.empty()) {
+    const std::string all = taskdsl::resolvedParams(task);
+    if (const auto params = trim(all); !params.empty()) {
         text.line("  %param ", params);
     }
 }
@@ -317,42 +301,105 @@ void writeTask(CanonicalText& text, const TaskInfo& task) {
         text.line("  %meta");
         text.line("    strucid ", task.strucId);
     }
-    for (const auto& plot : task.plots) {
-        text.out += renderPlot(plot, "  ");
-    }
 }
+
+/// Prints the document and, where somebody listens, reports what does not read back.
+class DocumentPrinter {
+  public:
+    explicit DocumentPrinter(const ReadBackContext& readBackContext)
+        : context(readBackContext), document(readBackContext.document) {}
+
+    std::string print() && {
+        const bool isSource = context.view == CanonicalView::sourceView;
+        if (context.warnings) {
+            reportLostHeadLines(context);
+        }
+        writeSettings(text, document);
+        if (isSource) {
+            writeMatrix(text, document);
+        }
+        text.line();
+        const auto& tasks =
+            isSource && !document.templateTasks.empty() ? document.templateTasks : document.tasks;
+        const bool hasBlocks = !document.plots.empty() || !document.derives.empty();
+        for (const TaskInfo& task : tasks) {
+            printTask(task);
+            if (hasBlocks || &task != &tasks.back()) {
+                text.line();
+            }
+        }
+        for (const auto& plot : document.plots) {
+            printBlock("plot", plot.name, renderPlot(plot, "", context.warnings), true);
+            if (!document.derives.empty() || &plot != &document.plots.back()) {
+                text.line();
+            }
+        }
+        for (const auto& derive : document.derives) {
+            printBlock("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings), true);
+            if (&derive != &document.derives.back()) {
+                text.line();
+            }
+        }
+        return std::move(text.out);
+    }
+
+  private:
+    void printTask(const TaskInfo& task) {
+        const std::size_t begin = text.out.size();
+        writeTask(text, task);
+        if (context.warnings) {
+            reportLostOfTask(context, task, std::string_view(text.out).substr(begin));
+        }
+        // A plot of a declared task is read as it stands; the defines come later.
+        const bool isExpanded = context.view == CanonicalView::matrixExpandedView;
+        for (const auto& plot : task.plots) {
+            printBlock("plot", plot.name, renderPlot(plot, "  ", context.warnings), isExpanded);
+        }
+    }
+
+    void printBlock(std::string_view what, std::string_view name, const std::string& printed,
+                    bool takesDefines) {
+        text.out += printed;
+        if (context.warnings && takesDefines) {
+            reportReplacedKey(context, what, name, printed);
+        }
+    }
+
+    const ReadBackContext context;
+    const TaskDocument& document;
+    CanonicalText text;
+};
 
 } // namespace
 
-std::string renderCanonicalDocument(const TaskDocument& document, CanonicalView view) {
-    CanonicalText text;
-    writeSettings(text, document);
-    const bool isSource = view == CanonicalView::sourceView;
-    if (isSource) {
-        writeMatrix(text, document);
+std::string canonicalSetting(std::string_view key, std::string_view value) {
+    return std::string(key) + ": " + taskdsl::quoteSettingScalar(value);
+}
+
+std::string canonicalDefine(std::string_view key, std::string_view value) {
+    return "  " + std::string(key) + ": " + taskdsl::quoteUnquotedScalar(value);
+}
+
+bool needsLongMatrix(const TaskDocument& document) noexcept {
+    return std::any_of(
+        document.matrixAxes.begin(), document.matrixAxes.end(),
+        [](const taskdsl::MatrixAxis& axis) { return !axis.names.empty() || !axis.map.empty(); });
+}
+
+std::string canonicalAxis(const taskdsl::MatrixAxis& axis, bool isLong) {
+    std::string lines = (isLong ? "  - " : "  ") + axis.key + ": " + taskdsl::joinCanonicalList(axis.values);
+    if (!axis.names.empty()) {
+        lines += "\n    name: " + taskdsl::joinCanonicalList(axis.names);
     }
-    text.line();
-    const auto& tasks = isSource && !document.templateTasks.empty() ? document.templateTasks : document.tasks;
-    const bool hasBlocks = !document.plots.empty() || !document.derives.empty();
-    for (const TaskInfo& task : tasks) {
-        writeTask(text, task);
-        if (hasBlocks || &task != &tasks.back()) {
-            text.line();
-        }
+    if (!axis.map.empty()) {
+        lines += "\n    map: " + taskdsl::joinCanonicalList({axis.map});
     }
-    for (const auto& plot : document.plots) {
-        text.out += renderPlot(plot, "");
-        if (!document.derives.empty() || &plot != &document.plots.back()) {
-            text.line();
-        }
-    }
-    for (const auto& derive : document.derives) {
-        text.out += renderDerive(derive.spec, "");
-        if (&derive != &document.derives.back()) {
-            text.line();
-        }
-    }
-    return std::move(text.out);
+    return lines;
+}
+
+std::string renderCanonicalDocument(const TaskDocument& document, CanonicalView view,
+                                    const taskdsl::WarningSink& warnings) {
+    return DocumentPrinter({document, view, warnings}).print();
 }
 
 } // namespace morquill::views

@@ -3,6 +3,7 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "support/fault.h"
 #include "support/json.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
@@ -275,14 +276,15 @@ Options:
 } // namespace
 
 int runExplain(int argc, char** argv) {
+    ExplainOptions options;
     try {
-        const ExplainOptions options = readCommandLine(argc, argv);
+        options = readCommandLine(argc, argv);
         if (options.inputPath.empty()) {
             printExplainHelp(argv[0]);
             return 0;
         }
         taskdsl::TaskParser parser;
-        const TaskDocument document = parser.parseFile(options.inputPath);
+        const TaskDocument document = parser.parseInput(options.inputPath);
         const ExplainView view = makeView(document, options);
         if (view.tasks.empty() && !options.taskName.empty()) {
             throw usageError("task not found in explain view: " + options.taskName);
@@ -292,7 +294,7 @@ int runExplain(int argc, char** argv) {
     } catch (const console::UsageError& error) {
         return console::reportUsageError(error);
     } catch (const std::exception& error) {
-        console::reportError(console::ErrorTag::none, error.what());
+        console::reportError(console::ErrorTag::none, faultText(error, options.inputPath));
         return 1;
     }
 }

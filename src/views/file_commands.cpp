@@ -3,13 +3,17 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "console/logger.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
 #include <exception>
+#include <filesystem>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace morquill::views {
@@ -60,12 +64,13 @@ constexpr OptionRow expandOptions[] = {
 struct CommandForm {
     std::string_view name;
     std::span<const OptionRow> options;
-    ErrorTag tag; ///< of a refusal; an unknown word is told in colour by every command
+    ErrorTag tag;          ///< of a refusal; an unknown word is told in colour by every command
+    bool leavesExtraFiles; ///< what extra files beside the result bring is not written into it
 };
 
-constexpr CommandForm fmtForm{"fmt", rewriteOptions, ErrorTag::plain};
-constexpr CommandForm migrateForm{"migrate", rewriteOptions, ErrorTag::plain};
-constexpr CommandForm expandForm{"expand", expandOptions, ErrorTag::coloured};
+constexpr CommandForm fmtForm{"fmt", rewriteOptions, ErrorTag::plain, true};
+constexpr CommandForm migrateForm{"migrate", rewriteOptions, ErrorTag::plain, true};
+constexpr CommandForm expandForm{"expand", expandOptions, ErrorTag::coloured, false};
 
 /// Reads the words behind the command word. Throws `UsageError`.
 FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** argv) {
@@ -120,21 +125,41 @@ int deliverCanonicalText(std::string text, const FileCommandOptions& options) {
     return 0;
 }
 
-int convert(const FileCommandOptions& options, bool allowLegacy) {
+/// True when whoever reads the result finds the extra files of the input beside it. A result that replaces
+/// one of them has to hold what that one held.
+bool isWrittenBesideInput(const FileCommandOptions& options) {
+    const std::filesystem::path output(options.inPlace ? options.inputPath : options.outputPath);
+    const auto directory = [](const std::filesystem::path& file) {
+        return normalisedPath(file.has_parent_path() ? file.parent_path().string() : ".");
+    };
+    return options.inPlace ||
+           (!output.empty() && output.filename() != "extra.mq" && output.filename() != "extra.yaml" &&
+            directory(output) == directory(options.inputPath));
+}
+
+/// A file that is written in place must be a regular one; otherwise a pipe or a terminal serves, too.
+taskdsl::TaskDocument readDocument(const FileCommandOptions& options, bool allowLegacy) {
+    taskdsl::TaskParser parser(allowLegacy);
+    return options.inPlace ? parser.parseFile(options.inputPath) : parser.parseInput(options.inputPath);
+}
+
+int convert(const CommandForm& form, const FileCommandOptions& options, bool allowLegacy) {
     try {
-        taskdsl::TaskParser parser(allowLegacy);
+        auto document = readDocument(options, allowLegacy);
+        if (form.leavesExtraFiles && isWrittenBesideInput(options)) {
+            document = taskdsl::withoutImplicitContent(std::move(document));
+        }
         const auto view = options.expanded ? CanonicalView::matrixExpandedView : CanonicalView::sourceView;
-        return deliverCanonicalText(renderCanonicalDocument(parser.parseFile(options.inputPath), view),
-                                    options);
+        return deliverCanonicalText(renderCanonicalDocument(document, view, console::logWarning), options);
     } catch (const std::exception& error) {
-        console::reportError(ErrorTag::coloured, error.what());
+        console::reportError(ErrorTag::coloured, faultText(error, options.inputPath));
         return 1;
     }
 }
 
 int runRewriteCommand(int argc, char** argv, bool allowLegacy, const CommandForm& form) {
     try {
-        return convert(readCommandLine(form, argc, argv), allowLegacy);
+        return convert(form, readCommandLine(form, argc, argv), allowLegacy);
     } catch (const console::UsageError& error) {
         return console::reportUsageError(error);
     }
@@ -221,7 +246,7 @@ int runExpand(int argc, char** argv) {
             throw console::UsageError(ErrorTag::coloured,
                                       "expand never overwrites its input; choose a different --output path");
         }
-        return convert(options, false);
+        return convert(expandForm, options, false);
     } catch (const console::UsageError& error) {
         return console::reportUsageError(error);
     }

@@ -181,5 +181,14 @@ TEST(RunInSession, AnExceptionEndsTheProgramAfterTheSessionWasClosed) {
         ::testing::KilledBySignal(SIGABRT), "^kept\n(.|\n)*no command caught this");
 }
 
+TEST(RunInSession, ALackOfMemoryThatNoCommandCaughtIsToldAndFails) {
+    const char* message = "^\\[mqkit\\]\\[ERROR\\] out of memory\n$";
+    const auto throwing = [](int, char**) -> int { throw std::bad_alloc(); };
+    EXPECT_EXIT(std::_Exit(runAlone(throwing)), ::testing::ExitedWithCode(1), message);
+    // What the C++ library does when there is no memory for the exception either.
+    const auto withoutException = [](int, char**) -> int { std::terminate(); };
+    EXPECT_EXIT(std::_Exit(runAlone(withoutException)), ::testing::ExitedWithCode(1), message);
+}
+
 } // namespace
 } // namespace morquill::app

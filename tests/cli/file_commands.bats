@@ -1,4 +1,5 @@
 # fmt, migrate and expand: whole output, messages, exit status, and what is on disk.
+bats_require_minimum_version 1.5.0
 
 setup() {
     export NO_COLOR=1
@@ -75,6 +76,61 @@ refused() { expect 1 "" "[mqkit][ERROR] $1"$'\n' "${@:2}"; }
         "$MQKIT" fmt once.mq >twice.mq
         diff once.mq twice.mq
     done
+}
+
+@test "what does not read back is reported, in one line for every task, and printed all the same" {
+    cat >lost.mq <<'MQ'
+"define": 1
+$" a"
+%keywords hf
+$b
+%program script
+%body << END
+cat << EOF
+EOF
+END
+$c
+%interface provider
+%control
+alert false
+geom check
+%keywords hf
+%args --opt
+MQ
+    local printed='dsl_version: 2
+define: 1
+
+$ a
+  %source origin
+  %keywords hf
+
+$b
+  %source origin
+  %program script
+  %body << EOF
+cat << EOF
+EOF
+EOF
+
+$c
+  %source origin
+  %keywords hf
+'
+    local read="[WARNING] task 'c' declares %args, but only '%program xtb' currently consumes that directive; the args will be ignored.
+"
+    local lost="[WARNING] setting 'define' does not read back: the prelude reads its line as something else
+[WARNING] task ' a' does not read back: the name reads back as 'a'
+[WARNING] task 'b' does not read back: %body holds a line 'EOF'
+[WARNING] task 'c' does not read back: it is written without %interface provider, alert false, geom check, %args
+"
+    for command in fmt migrate expand "expand --expanded"; do
+        # shellcheck disable=SC2086 # the command and its option are two words
+        expect 0 "$printed" "$read$lost" $command lost.mq
+    done
+    expect 0 $'[mqkit] wrote task file: b.mq\n' "$read$lost" fmt lost.mq -o b.mq
+    printf '%s' "$printed" | diff - b.mq
+    expect 0 $'[mqkit] wrote task file: lost.mq\n' "$read$lost" migrate lost.mq -i
+    printf '%s' "$printed" | diff - lost.mq
 }
 
 @test "fmt writes a new file or the source file" {
@@ -154,17 +210,113 @@ refused() { expect 1 "" "[mqkit][ERROR] $1"$'\n' "${@:2}"; }
 }
 
 @test "what is no readable file is refused" {
-    mkfifo pipe
     mkdir dir
     refused "could not open file: missing.mq" fmt missing.mq
     refused "could not open file: dir" migrate dir
-    refused "could not open file: pipe" expand pipe
 }
 
 @test "a file that cannot be written is told" {
     refused "could not write output file: no/dir/b.mq" fmt a.mq -o no/dir/b.mq
     refused "could not write output file: no/dir/b.mq" expand a.mq -o no/dir/b.mq
     refused "could not write output file: /dev/full" migrate a.mq -o /dev/full
+}
+
+# limited <blocks of 1024 bytes> <arguments>: the program with a limit for the files that it writes and the
+# system's own answer to growing past it; all its output, and the status, through a pipe, which has no limit.
+limited() {
+    run bash -c 'blocks=$1; shift; { ulimit -c 0; ulimit -f "$blocks"; "$MQKIT" "$@" 2>&1; echo "status $?"; } | cat' _ "$@"
+}
+
+@test "a write that fails leaves the old file whole" {
+    { echo '$a'; echo '%process'; for i in $(seq 4000); do echo "  echo $i"; done; } >long.mq
+    cp long.mq before.mq
+    echo "another old text" >out.mq
+    for command in "fmt -i" "migrate --in-place"; do
+        limited 8 $command long.mq
+        [ "$output" = "[mqkit][ERROR] could not write file: long.mq"$'\n'"status 1" ]
+        cmp before.mq long.mq
+    done
+    for command in fmt migrate expand; do
+        limited 8 $command long.mq -o out.mq
+        [ "$output" = "[mqkit][ERROR] could not write output file: out.mq"$'\n'"status 1" ]
+        diff - out.mq <<<"another old text"
+        limited 8 $command long.mq -o new.mq
+        [ "$output" = "[mqkit][ERROR] could not write output file: new.mq"$'\n'"status 1" ]
+        [ ! -e new.mq ]
+    done
+}
+
+@test "standard output that may not grow is lost output" {
+    run bash -c '{ { ulimit -f 1; "$MQKIT" help fmt; "$MQKIT" help; } >out; echo "status $?"; } 2>&1 | cat'
+    [ "$output" = "[mqkit][ERROR] could not write to standard output: File too large"$'\n'"status 1" ]
+}
+
+@test "output that nobody takes fails every command that prints" {
+    local lost="[mqkit][ERROR] could not write to standard output: Bad file descriptor"
+    for command in "fmt a.mq" "migrate a.mq" "expand a.mq" "explain a.mq" "lint a.mq" "fmt a.mq -o b.mq" "template list -d ."; do
+        run --separate-stderr -1 bash -c '"$MQKIT" "$@" >&-' _ $command
+        [ "$stderr" = "$lost" ]
+        run --separate-stderr -1 bash -c '"$MQKIT" "$@" >/dev/full' _ $command
+        [ "$stderr" = "[mqkit][ERROR] could not write to standard output: No space left on device" ]
+        run bash -c '{ sleep 0.1; "$MQKIT" "$@"; echo "status $?" >&2; } 2>&1 >&3 3>&- | cat' _ $command 3> >(exec true)
+        [ "$output" = "status 1" ]
+    done
+    "$MQKIT" fmt a.mq | diff - b.mq
+    # What prints nothing has lost nothing.
+    run --separate-stderr -1 bash -c '"$MQKIT" fmt missing.mq >&-'
+    [ "$stderr" = "[mqkit][ERROR] could not open file: missing.mq" ]
+}
+
+@test "a file that no memory holds is one message and a failure" {
+    truncate -s 4T huge.mq
+    for command in fmt "fmt -i" migrate expand; do
+        refused "could not open file: huge.mq" $command huge.mq
+    done
+    expect 1 "" $'could not open file: huge.mq\n' explain huge.mq
+    [ "$(stat -c %s huge.mq)" -eq $((1 << 42)) ]
+    run -1 "$MQKIT" lint huge.mq a.mq
+    [ "${#lines[@]}" -eq 2 ]
+    [[ "${lines[0]}" == *"huge.mq: error [parse-error] could not open file: "*huge.mq ]]
+    [ "${lines[1]}" = "checked 2 file(s), 1 error(s), 0 warning(s)" ]
+    mkdir -p project/m1
+    ln huge.mq project/demo.projmq 2>/dev/null || truncate -s 4T project/demo.projmq
+    ln -s ../demo.projmq project/m1/m1.mq
+    refused "could not open file: $PWD/huge.mq" rename huge.mq a b
+    refused "could not open file: $PWD/project/demo.projmq" rename project/demo.projmq a b
+    run --separate-stderr -1 "$MQKIT" project exec --path project -n a -- true
+    [ "$stderr" = "[mqkit][ERROR] failed to parse task file: could not open file: $PWD/project/demo.projmq (1 additional case parse error(s))" ]
+}
+
+@test "without memory there is one message with the path, and nothing is written" {
+    ( ulimit -v 60000; "$MQKIT" help >/dev/null 2>&1 ) || skip "the program cannot be started with a limit of memory"
+    awk 'BEGIN { for (i = 0; i < 20000; ++i) printf "$t%d\n  %%keywords \"b3lyp opt [func] %d\"\n  %%process\n    echo hallo\n", i, i }' >large.mq
+    cp large.mq before.mq
+    local command kilobytes told=0
+    for command in "fmt large.mq" "migrate -i large.mq" "expand --expanded large.mq -o new.mq" "explain large.mq"; do
+        for kilobytes in $(seq 9500 1000 20000); do
+            run --separate-stderr bash -c 'ulimit -c 0; ulimit -v "$1"; shift; exec "$MQKIT" "$@"' _ "$kilobytes" $command
+            if [ "$status" -eq 127 ]; then
+                continue # no memory for the libraries either
+            fi
+            [ "$status" -eq 1 ]
+            [ "$output" = "" ]
+            [[ "$stderr" =~ ^("[mqkit][ERROR] ")?("out of memory: large.mq"|"could not open file: large.mq")$ ]]
+            [[ "$stderr" != *"out of memory: "* ]] || told=$((told + 1))
+        done
+    done
+    [ "$told" -gt 20 ]
+    cmp before.mq large.mq
+    [ ! -e new.mq ]
+}
+
+@test "lint goes on with the next file when one lacks memory" {
+    ( ulimit -v 60000; "$MQKIT" help >/dev/null 2>&1 ) || skip "the program cannot be started with a limit of memory"
+    awk 'BEGIN { for (i = 0; i < 80000; ++i) printf "$t%d\n  %%keywords \"b3lyp opt %d\"\n", i, i }' >large.mq
+    run --separate-stderr -1 bash -c 'ulimit -v 30000; exec "$MQKIT" lint large.mq a.mq'
+    [ "$stderr" = "" ]
+    [ "${#lines[@]}" -eq 2 ]
+    [[ "${lines[0]}" == *"large.mq: error [parse-error] out of memory: "*large.mq ]]
+    [ "${lines[1]}" = "checked 2 file(s), 1 error(s), 0 warning(s)" ]
 }
 
 @test "a source file that cannot be written in place is told" {

@@ -76,3 +76,26 @@ refused() {
     printf '%%process\n' >d.mq
     refused "d.mq:1: task directive appears outside a task block" d.mq
 }
+
+@test "a frame that no define fills is told with its task and place" {
+    printf '$a\n  %%source\n    geom.s xyz=a.xyz frame=[n]\n    geom a\n' >t.mq
+    refused "t.mq:2:3-2:10: error: task 'a' has invalid structured %source: structured %source binding 'geom.s' has an invalid frame selector; frame must be a positive integer" t.mq
+}
+
+@test "a matrix of one combination leaves conditions as they are written" {
+    printf 'matrix:\n  m: 1\n$a\n$b_[m]\n  %%when {{a.energy}} < {{  b_[m].e}}\n' >t.mq
+    run --separate-stderr "$MQKIT" expand --expanded t.mq
+    [ "$status" -eq 0 ]
+    [ "$stderr" = "" ]
+    [ "$output" = $'dsl_version: 2\n\n$a\n  %source origin\n\n$b_1\n  %source origin\n  %when\n    {{a.energy}} < {{  b_1.e}}' ]
+}
+
+@test "an invalid header value of an included file is kept and told once" {
+    printf 'totcore: many\n$b\n' >b.mq
+    printf '$a\n&INCLUDE b.mq\n' >t.mq
+    run --separate-stderr "$MQKIT" expand t.mq
+    [ "$status" -eq 0 ]
+    [ "${#stderr_lines[@]}" -eq 1 ]
+    [[ "$stderr" = *"task file '$PWD/b.mq' has invalid header metadata totcore='many'; ignoring it." ]]
+    [ "$output" = $'dsl_version: 2\ntotcore: many\n\n$a\n  %source origin\n\n$b\n  %source origin' ]
+}

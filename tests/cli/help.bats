@@ -170,16 +170,17 @@ colored_unknown_and_help() {
 
 @test "a reader that went away ends the program quietly" {
     run bash -c '{ sleep 0.1; "$MQKIT" help; echo "status $?" >&2; } 2>&1 >&3 3>&- | cat' 3> >(exec true)
-    [ "$output" = "status 0" ]
+    [ "$output" = "status 1" ]
 }
 
-@test "a closed standard output ends quietly and keeps the status" {
-    run --separate-stderr -0 bash -c '"$MQKIT" help >&-'
+@test "a closed standard output is lost output" {
+    local lost="[mqkit][ERROR] could not write to standard output: Bad file descriptor"
+    run --separate-stderr -1 bash -c '"$MQKIT" help >&-'
     [ "$output" = "" ]
-    [ "$stderr" = "" ]
+    [ "$stderr" = "$lost" ]
     run --separate-stderr -1 bash -c '"$MQKIT" nothing >&-'
     [ "$output" = "" ]
-    [ "$stderr" = "[mqkit][ERROR] unknown command or argument: nothing" ]
+    [ "$stderr" = "[mqkit][ERROR] unknown command or argument: nothing"$'\n'"$lost" ]
 }
 
 @test "a closed standard error loses the message and nothing else" {

@@ -1,5 +1,6 @@
 # `project add`: further cases for a project.
 bats_require_minimum_version 1.5.0
+load full_disk
 
 setup() {
     export NO_COLOR=1
@@ -92,4 +93,43 @@ END
     [ "$(tail -n 1 out)" = "[mqkit] finished: added 1000 case(s)." ]
     [ "$(ls p | wc -l)" -eq 1001 ]
     [ "$(readlink p/m1000/m1000.mq)" = "../demo.projmq" ]
+}
+
+@test "a geometry that is too large leaves no half case, and the next call makes it" {
+    yes water | head -c 5000 >big.xyz
+    opening="
+[Project Add]
+  project template: $root/p/demo.projmq
+  case files      : big.xyz water5.xyz
+[mqkit] add case: big <- $root/big.xyz"
+    run --separate-stderr bash -c "ulimit -f 4; '$MQKIT' project add --path p big.xyz water5.xyz"
+    [ "$status" -eq 2 ]
+    [ "$output" = "$opening
+[mqkit] add case: water5 <- $root/water5.xyz
+created task: water5 (symlinked to .projmq)
+
+[mqkit] finished: added 1 case(s).
+[mqkit] note: 1 case(s) failed validation or creation." ]
+    [ "$stderr" = "[ERROR] failed to create task big - File too large" ]
+    [ ! -e p/big ]
+    expect 0 "" project add --path p big.xyz water5.xyz <<END
+$opening
+created task: big (symlinked to .projmq)
+[mqkit][SKIP] case directory already exists: $root/p/water5
+
+[mqkit] finished: added 1 case(s).
+[mqkit] note: 1 case(s) already existed and were skipped.
+END
+    cmp big.xyz p/big/big.xyz
+}
+
+@test "a full disk leaves no half case, and the next call makes it" {
+    yes water | head -c 5000 >big.xyz
+    full_disk "cp '$root/p/demo.projmq' .
+fill
+'$MQKIT' project add --path . '$root/big.xyz' >/dev/null 2>'$BATS_TEST_TMPDIR/err'
+[ \$? -eq 2 ] && [ ! -e big ] || exit 1
+rm filling
+'$MQKIT' project add --path . '$root/big.xyz' && cmp '$root/big.xyz' big/big.xyz"
+    [ "$(cat "$BATS_TEST_TMPDIR/err")" = "[ERROR] failed to create task big - No space left on device" ]
 }

@@ -68,6 +68,89 @@ setup() {
 ./plot_m1/a.png = m1|" ]
 }
 
+@test "a repeated collect overwrites a read-only file for an ordinary user" {
+    chmod 0444 m1/opt/opt.log
+    ordinary_user
+    for text in first second; do
+        rm m1/opt/opt.log
+        echo $text >m1/opt/opt.log
+        chmod 0444 m1/opt/opt.log
+        run --separate-stderr "$MQKIT" project collect -n opt opt.log
+        [ "$status" -eq 0 ]
+        [ "$stderr" = "" ]
+        [ "$(tree | grep results/)" = "./results/
+./results/opt_m1.log = $text|
+./results/opt_m2.log = m2|" ]
+        [ "$(stat -c %a results/opt_m1.log)" = 444 ]
+    done
+}
+
+@test "the older result stays until the new copy is whole" {
+    "$MQKIT" project collect -n opt plot opt.log
+    mkfifo m1/opt/plot/pipe
+    head -c 5000 /dev/zero | tr '\0' x >m2/opt/opt.log
+    echo more >>m1/opt/opt.log
+    (
+        trap '' XFSZ
+        ulimit -f 2
+        expect 2 "
+[Project Collect]
+  project template: $root/demo.projmq
+  task blocks: \$opt
+  patterns : plot opt.log
+  results  : $root/results
+
+[mqkit] copy: $root/m1/opt/plot -> $root/results/plot_m1
+[mqkit] copy: $root/m1/opt/opt.log -> $root/results/opt_m1.log
+[mqkit] copy: $root/m2/opt/plot -> $root/results/plot_m2
+[mqkit] copy: $root/m2/opt/opt.log -> $root/results/opt_m2.log
+
+[mqkit] finished: collected 4 item(s) into $root/results
+[mqkit] note: 2 collected item(s) failed to copy." "[mqkit][WARN] copy failed: $root/m1/opt/plot
+[mqkit][WARN] copy failed: $root/m2/opt/opt.log" project collect -n opt plot opt.log
+    )
+    cd results
+    [ "$(tree)" = "./opt_m1.log = m1|more|
+./opt_m2.log = m2|
+./plot_m1/
+./plot_m1/a.png = m1|
+./plot_m2/
+./plot_m2/a.png = m2|" ]
+}
+
+@test "results are not collected into themselves" {
+    # A case of that name: with two blocks its own block directory is where they go.
+    mkdir -p results/opt results/soc
+    cp -P m1/m1.mq results/results.mq
+    echo r >results/opt/r.log
+    # A block directory that is a link to the project holds all the results.
+    rm -r m2/opt
+    ln -s .. m2/opt
+    before="$(tree)"
+    for dry in "" --dry-run; do
+        expect 2 "
+[Project Collect]
+  project template: $root/demo.projmq
+  task blocks: \$opt, \$soc
+  patterns : r*${dry:+  (dry-run)}
+  results  : $root/results
+  layout: multi-task mode writes to results/<task>/
+
+[mqkit][SKIP] m1 / \$opt : r*
+[mqkit] copy: $root/m2/opt/results -> $root/results/opt/results_m2
+[mqkit] copy: $root/results/opt/r.log -> $root/results/opt/r_results.log
+[mqkit][SKIP] m1 / \$soc : r*
+[mqkit][SKIP] m2 / \$soc : block directory is missing
+[mqkit][SKIP] results / \$soc : r*
+
+[mqkit] finished: collected 2 item(s) into $root/results
+[mqkit] note: 1 case/task combinations are missing block directories.
+[mqkit] note: 2 collected item(s) failed to copy." "[mqkit][WARN] copy failed: $root/m2/opt/results
+[mqkit][WARN] copy failed: $root/results/opt/r.log" project collect -n opt,soc $dry 'r*'
+        [ "$(tree)" = "$before" ]
+    done
+}
+
 @test "a dry run makes the results directory and nothing in it" {
     expect 2 "
 [Project Collect]

@@ -97,3 +97,20 @@ available task blocks: opt, soc" ]
     [ "$stderr" = "[mqkit][ERROR] no case subdirectories were found in project: $root" ]
     [ "${lines[0]}" = "Usage:" ]
 }
+
+@test "a signal reaches the command that runs, and no other follows" {
+    for signal in TERM XCPU; do
+        started project exec -n opt -- "$waiting"
+        stopped "$signal"
+        [ "$(cat "$BATS_TEST_TMPDIR/out")" = "
+[Project Exec]
+  project template: $root/demo.projmq
+  task blocks: \$opt
+  command: $waiting
+
+
+>>> [m1] $root/m1/opt
+\$ $waiting" ]
+        [ "$(cat "$BATS_TEST_TMPDIR/err")" = "" ]
+    done
+}

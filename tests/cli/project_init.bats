@@ -1,5 +1,7 @@
 # `project init`: from a directory with a task file and geometries to a project.
 bats_require_minimum_version 1.5.0
+load siblings
+load full_disk
 
 setup() {
     unset MORQUILL_TASK_PATH MORQUILL_MQRUN_PATH
@@ -131,4 +133,42 @@ END
     printf 'clusters\nn\n' | script -qec "'$MQKIT' project init" /dev/null >/dev/null
     [ -f "$root/tasks/clusters/clusters.projmq" ]
     [ -h "$root/tasks/clusters/water4/water4.mq" ]
+}
+
+@test "a torn template or case goes again, and the next run makes it" {
+    export MORQUILL_TASK_PATH="$BATS_TEST_TMPDIR/disk"
+    yes water | head -c 30000 >water1.xyz
+    yes '# a long template' | head -c 8000 >>water-clusters.mq
+    full_disk "fill; cd '$root/work'
+printf 'p\\nn\\n' | '$MQKIT' project init >/dev/null 2>'$root/err'
+[ \$? -eq 1 ] && [ \$(find ../disk -mindepth 1 | wc -l) -eq 2 ] || exit 1
+truncate -s 28k ../disk/filling
+printf 'p\\nn\\n' | '$MQKIT' project init >/dev/null 2>>'$root/err'
+[ \$? -eq 0 ] && cmp water-clusters.mq ../disk/p/p.projmq && [ ! -e ../disk/p/water1 ] || exit 2
+rm ../disk/filling
+printf 'p\\nn\\n' | '$MQKIT' project init >/dev/null && cmp water1.xyz ../disk/p/water1/water1.xyz"
+    diff - "$root/err" <<END
+[ERROR] failed to create project: No space left on device
+[WARNING] project directory already exists: $BATS_TEST_TMPDIR/disk/p
+[ERROR] failed to create task water1 - No space left on device
+END
+}
+
+@test "a number with a sign chooses a task file" {
+    export MORQUILL_TASK_PATH="$root/tasks"
+    echo '$other' >other.projmq
+    init 'p\n+1\nn\n'
+    [ "$status" -eq 0 ]
+    [ ! -s "$root/err" ]
+    cmp other.projmq "$root/tasks/p/p.projmq"
+}
+
+@test "a signal reaches the runner" {
+    export MORQUILL_TASK_PATH="$root/tasks" MORQUILL_MQRUN_PATH=mqrun RECORD="$root/record"
+    mkdir -p "$root/bin"
+    printf '#!/bin/sh\n%s\n' "$waiting" >"$root/bin/mqrun"
+    chmod +x "$root/bin/mqrun"
+    PATH="$root/bin:$PATH"
+    started project init < <(printf 'p\ny\n')
+    stopped TERM
 }

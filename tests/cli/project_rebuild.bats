@@ -65,6 +65,20 @@ $status"
     [ "$(tree)" = "$(printf '%s\n' "$before" "./m1/mq.status = $header|soc             FAILED           t2                      why|" | LC_ALL=C sort)" ]
 }
 
+@test "a marker that cannot be removed is in the summary and not among the removed" {
+    ordinary_user
+    RECORD=/dev/null
+    chmod 0555 m1/opt
+    run --separate-stderr "$MQKIT" project rebuild --path m1 -n opt,soc
+    chmod 0755 m1/opt
+    [ "$status" -eq 0 ]
+    [ "$stderr" = "[mqkit][WARN] failed to remove work marker: $root/m1/opt/.b.mqwk
+[mqkit][WARN] failed to remove work marker: $root/m1/opt/a.mqwk" ]
+    [ "${lines[-4]}" = "[mqkit] m1 / \$opt : removed 0 .mqwk file(s)" ]
+    [ "${lines[-3]}" = "[mqkit] summary: cases=1, mq.status touched=1, records removed=1, block directories visited=2, block directories missing=0, removed .mqwk=2" ]
+    [ -e m1/opt/a.mqwk ]
+}
+
 @test "the question about the runner is asked; no leaves it" {
     expect 0 "$(opening)
 
@@ -192,4 +206,16 @@ $(cleaned)" "[mqkit][ERROR] failed to re-run morquill (program 'morquill' exited
   2. soc
 Input index (e.g. 1 2 3 or 1,2,3): [mqkit] no task blocks were selected; exiting." "" project rebuild <<<"9 x"
     [ ! -e "$RECORD" ]
+}
+
+@test "a signal reaches the generator or the runner" {
+    for name in morquill mqrun; do
+        sibling morquill
+        sibling "$name" "$waiting"
+        rm -f "$RECORD"
+        started project rebuild -n opt --run-script
+        stopped TERM
+        [ "$(cat "$BATS_TEST_TMPDIR/err")" = "" ]
+        [ "$(grep -E '^(morquill|mqrun) ' "$RECORD" | tail -n 1 | cut -d ' ' -f 1)" = "$name" ]
+    done
 }

@@ -1,6 +1,7 @@
 # `project update`: what the sibling sees, what is printed, what is on disk afterwards.
 bats_require_minimum_version 1.5.0
 load siblings
+load full_disk
 
 header='# TASK            STATUS           UPDATED_AT              REASON'
 question='
@@ -218,23 +219,72 @@ $(changes)
 
 @test "signals put the status files back before they end the program" {
     before="$(tree)"
-    for signal in HUP INT TERM; do
-        rm -f "$RECORD"
-        sibling morquill 'exec sleep 60'
-        # Background jobs of a script start with SIGINT ignored, which would rightly stay so.
-        env --default-signal=HUP,INT,TERM "$MQKIT" project update -n opt --run-comd >/dev/null 2>&1 3>&- &
-        pid=$!
-        for _ in $(seq 300); do
-            [ -e "$RECORD" ] && pgrep -x sleep -P "$pid" >/dev/null && break
-            sleep 0.1
-        done
+    for signal in HUP INT TERM QUIT XCPU ALRM USR1 USR2; do
+        sibling morquill "$waiting"
+        started project update -n opt --run-comd
         [ ! -e m2/mq.status ]
-        kill -s "$signal" "$pid"
-        status=0
-        wait "$pid" || status=$?
-        [ "$status" -eq $((128 + $(kill -l "$signal"))) ]
+        stopped "$signal"
         [ "$(tree)" = "$before" ]
     done
+}
+
+@test "a signal reaches the comd that runs, and no other follows" {
+    rm m1/mq.status
+    comd m1 opt "$waiting"
+    comd m2 opt 'echo no >>"$RECORD"'
+    for signal in TERM USR1; do
+        rm -f "$RECORD"
+        started project update -n opt --run-comd
+        stopped "$signal"
+        recorded "morquill $root/demo.projmq --comd-only in $root"
+        [ "$(cat "$BATS_TEST_TMPDIR/err")" = "" ]
+        [ "$(tail -n 1 "$BATS_TEST_TMPDIR/out")" = "[mqkit] execute m1 / \$opt -> bash comd" ]
+    done
+}
+
+@test "what stood at the place of a status file stays, what comes there goes" {
+    rm m1/mq.status m2/mq.status
+    ln -s ../nowhere m1/mq.status
+    mkfifo m2/mq.status
+    mkdir m3
+    ln -s ../demo.projmq m3/m3.mq
+    ln -s ../m1 m3/mq.status
+    printf '#!/bin/sh\necho new >m1/mq.status\n' >"$BATS_TEST_TMPDIR/bin/morquill"
+    expect 0 "$(opening)
+
+[ProjMQ Update]
+  project directory: $root
+  task blocks: \$opt
+  mode: apply changes
+  morquill mode: comd-only
+
+
+[mqkit] summary: cases=3, mq.status scoped=0, mq.status hidden=0, selected completed records=0
+
+[mqkit] execute morquill '$root/demo.projmq' --comd-only
+$(restored)
+
+[mqkit] comd execution for selected task blocks
+[mqkit][SKIP] m1 / \$opt : comd is missing
+[mqkit][SKIP] m2 / \$opt : comd is missing
+[mqkit][SKIP] m3 / \$opt : block directory is missing
+
+[mqkit] comd summary: success=0, failed=0" "" project update -n opt --run-comd
+    [ "$(readlink m1/mq.status)" = ../nowhere ]
+    [ ! -e nowhere ]
+    [ -p m2/mq.status ]
+    [ "$(readlink m3/mq.status)" = ../m1 ]
+}
+
+@test "a disk that the generator fills gives every old byte back" {
+    for case in m1 m2; do seq -f '# %0.f a long history' 300 >>$case/mq.status; done
+    sibling morquill 'cat /dev/zero >filling 2>/dev/null; df --output=avail . | tail -n 1 >"$RECORD.room"'
+    cp -a . "$BATS_TEST_TMPDIR/before"
+    full_disk "cp -a '$BATS_TEST_TMPDIR/before/.' .
+'$MQKIT' project update -n opt --run-comd >/dev/null || exit 1
+[ \$(cat '$RECORD.room') -eq 0 ] || exit 2
+for case in m1 m2; do cmp \$case/mq.status '$BATS_TEST_TMPDIR/before/'\$case/mq.status || exit 3; done
+[ \$(ls -A m1 m2 | wc -l) -eq 11 ]"
 }
 
 @test "nothing chosen in the menu is a quiet success" {

@@ -1,4 +1,5 @@
 # The template command: the catalogue, merging, define sections, the sample workspace and the old forms.
+bats_require_minimum_version 1.5.0
 
 setup() {
     export NO_COLOR=1 HOME="$BATS_TEST_TMPDIR"
@@ -236,6 +237,61 @@ TEXT
         chmod a-w locked/full.mq
         expect 0 "" $'[mqkit][ERROR] could not write file: locked/full.mq\n' template variable locked/full.mq v
     fi
+}
+
+@test "a write that fails leaves the old file whole" {
+    local i value
+    value="$(printf 'v%.0s' {1..3000})"
+    put tpl/opt.mq "$(for i in {1..500}; do echo "\$t$i"; echo "  %keywords [x]"; done)"
+    put tpl/v.yaml "variables:"$'\n'"  x: $value"$'\n'
+    export MORQUILL_TEMPLATE_PATH=tpl
+    cp tpl/opt.mq task.mq
+    put merged.mq "an old text"
+    put old/generated_task.mq "an old text"
+    # limited <arguments>: with files of at most 4096 bytes and the system's own answer to growing past it.
+    limited() {
+        run bash -c '{ ulimit -c 0; ulimit -f 4; "$MQKIT" "$@" 2>&1; echo "status $?"; } | cat' _ "$@"
+    }
+    limited template variable task.mq v
+    [ "$output" = "[mqkit][ERROR] could not write file: task.mq"$'\n'"status 0" ]
+    cmp tpl/opt.mq task.mq
+    limited template merge opt -o merged.mq
+    [ "$output" = "[mqkit][ERROR] could not write output file: merged.mq"$'\n'"status 1" ]
+    holds merged.mq "an old text"
+    limited template merge opt
+    [ "$output" = "[mqkit][ERROR] could not write output file: merged_task.mq"$'\n'"status 1" ]
+    [ ! -e merged_task.mq ]
+    run bash -c '{ ulimit -f 4; printf " \r%s\nq" old/generated_task.mq | "$MQKIT" template interactive 2>&1; } | cat'
+    [[ "$output" == *"[mqkit][ERROR] could not write file old/generated_task.mq"* ]]
+    holds old/generated_task.mq "an old text"
+}
+
+@test "without memory there is one message with the path" {
+    ( ulimit -v 60000; "$MQKIT" help >/dev/null 2>&1 ) || skip "the program cannot be started with a limit of memory"
+    awk 'BEGIN { for (i = 0; i < 300000; ++i) printf "[v%d]\n", i }' >large.mq
+    cp large.mq before.mq
+    mkdir tpl
+    export MORQUILL_TEMPLATE_PATH=tpl
+    run --separate-stderr -1 bash -c 'ulimit -v 22000; exec "$MQKIT" template variable large.mq v'
+    [ "$stderr" = "[mqkit][ERROR] out of memory: large.mq" ]
+    cmp before.mq large.mq
+    mv large.mq tpl/large.mq
+    run --separate-stderr -0 bash -c 'ulimit -v 22000; exec "$MQKIT" template list'
+    [ "$stderr" = '[mqkit][ERROR] failed to load template "tpl/large.mq": out of memory' ]
+    rm tpl/large.mq
+    awk 'BEGIN { for (i = 0; i < 60000; ++i) printf "$t%d\n%%keywords a\n", i }' >tpl/many.mq
+    local kilobytes told=0
+    for kilobytes in $(seq 20000 2000 80000); do
+        run --separate-stderr bash -c 'ulimit -c 0; ulimit -v "$1"; exec "$MQKIT" template merge many -o m.mq' _ "$kilobytes"
+        [ "$status" -eq 1 ] || break
+        [ ! -e m.mq ]
+        if [ "$stderr" = "[mqkit][ERROR] out of memory: m.mq" ]; then
+            told=$((told + 1))
+        else
+            [ "$stderr" = $'[mqkit][ERROR] failed to load template "tpl/many.mq": out of memory\n[mqkit][ERROR] template not found: \'many\'' ]
+        fi
+    done
+    [ "$told" -gt 0 ]
 }
 
 @test "variable takes exactly two arguments" {

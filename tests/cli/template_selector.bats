@@ -249,6 +249,9 @@ TEXT
     cmp mine.mq generated_task.mq
     keys q
     ended 0
+    # Behind the last key the cursor is shown and not hidden any more.
+    printf ' \r\nq' | "$MQKIT" template interactive >out
+    [ "$(grep -o '25[lh]' out | tail -n 2 | tr '\n' ' ')" = "25h 25h " ]
 }
 
 @test "values can be loaded in the edit dialogue, whose end of input leaves only the dialogue" {
@@ -288,13 +291,168 @@ TEXT
 
 @test "signals give the terminal back" {
     local signal
-    for signal in INT TERM HUP; do
+    for signal in INT TERM HUP QUIT USR1 ALRM XCPU RTMAX; do
         server="selector-$signal" # a server of its own: one that is being ended takes no new session
         start
         kill -"$signal" "$(program)"
         ended $((128 + $(kill -l "$signal")))
         tmux -L "$server" kill-server
     done
+}
+
+# shell: an interactive shell with job control and the program as its job 1. Its prompt stands alone, so that
+# `see` finds what the program shows and not the command line.
+shell() {
+    cat >rc <<'RC'
+PS1='ready> '
+bind 'set enable-bracketed-paste off'
+modes() { stty -a | tr ' ;' '\n\n' | grep -x -e '-\?icanon' -e '-\?echo' | sort | tr '\n' ' '; }
+RC
+    tmux -u -L "$server" -f /dev/null new-session -d -x 100 -y 50 "bash --rcfile rc -i"
+    see "ready>"
+    keys '"$MQKIT" template interactive' "$@" Enter
+}
+
+# prompted <text>: the shell has the terminal, with its modes and its cursor, and says <text>.
+prompted() {
+    see "$1"
+    keys 'echo "$(modes)only"' Enter
+    see "echo icanon only"
+    [ "$(cursor)" -eq 1 ]
+}
+
+# stopped: the shell says so, at the next prompt after it happened.
+stopped() {
+    local i
+    for i in $(seq 100); do
+        if screen | grep -qF Stopped; then
+            return 0
+        fi
+        keys Enter
+        sleep 0.1
+    done
+    screen >&2
+    return 1
+}
+
+# gone: the program has ended.
+gone() {
+    local i
+    for i in $(seq 100); do
+        [ -n "$(program)" ] || return 0
+        sleep 0.05
+    done
+    ps -o pid,stat,wchan,args -p "$(program)" >&2
+    return 1
+}
+
+@test "the stop key gives the terminal to the shell, and fg draws at once" {
+    shell
+    see "Available templates"
+    keys Space
+    see "  ✓ opt"
+    keys C-z
+    prompted "Stopped"
+    keys clear Enter
+    see "ready>"
+    ! screen | grep -q "✓ opt"
+    keys fg Enter
+    see "  ✓ opt"
+    [ "$(screen | head -n 1)" = "=== Morquill interactive template selector ===" ]
+    [ "$(cursor)" -eq 0 ]
+    keys Space
+    see "  (none)"
+    keys q
+    prompted "ready>"
+    gone
+}
+
+@test "a dialogue is drawn again, too" {
+    shell
+    see "Available templates"
+    keys Space v
+    see "Variable index?:"
+    keys 1 Enter
+    see "input a new value:"
+    keys C-z
+    prompted "Stopped"
+    keys clear Enter
+    keys fg Enter
+    see "input a new value:"
+    [ "$(screen | head -n 1)" = "=== Edit variables ===" ]
+    screen | grep -qx "        Variable index?: 1"
+    [ "$(cursor)" -eq 1 ]
+    keys PBE Enter
+    see "[1] basis = PBE"
+    keys q Enter
+    see "Available templates"
+    keys q
+    prompted "ready>"
+}
+
+@test "a suspended program can be ended" {
+    local signal
+    for signal in TERM HUP INT QUIT USR1; do
+        server="suspended-$signal"
+        shell
+        see "Available templates"
+        keys C-z
+        prompted "Stopped"
+        keys clear Enter
+        # The shell lets a job that it ends this way go on, so that the job hears of it.
+        keys "kill -$signal %1; kill -CONT %1" Enter
+        gone
+        prompted "ready>"
+        tmux -L "$server" kill-server
+    done
+}
+
+@test "a program in the background can be ended" {
+    shell
+    see "Available templates"
+    keys C-z
+    prompted "Stopped"
+    keys clear Enter
+    keys bg Enter
+    prompted "ready>"
+    keys "kill %1" Enter
+    keys "kill -CONT %1" Enter
+    gone
+    keys clear Enter
+    keys '"$MQKIT" template interactive &' Enter
+    stopped
+    prompted "ready>"
+    keys "kill %%" Enter
+    keys "kill -CONT %%" Enter
+    gone
+    prompted "ready>"
+    ! screen | grep -q "Available templates"
+}
+
+@test "started in the background, the program works once it is called to the front" {
+    shell '&'
+    stopped
+    prompted "ready>"
+    ! screen | grep -q "Available templates"
+    keys clear Enter
+    keys fg Enter
+    see "Available templates"
+    keys Space
+    see "  ✓ opt"
+    keys q
+    prompted "ready>"
+    gone
+}
+
+@test "a stop that cannot be caught leaves nothing behind in the end" {
+    start
+    kill -STOP "$(program)"
+    kill -CONT "$(program)"
+    see "Available templates"
+    keys Space
+    see "  ✓ opt"
+    kill -TERM "$(program)"
+    ended 143
 }
 
 @test "an interrupt in a dialogue gives the terminal back too" {

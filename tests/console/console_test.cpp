@@ -4,6 +4,8 @@
 
 #include <csignal>
 
+#include <sys/resource.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -54,7 +56,6 @@ TEST(ConsoleStreams, ClosedStreamsAreOpenedOnNothing) {
             ::close(STDIN_FILENO);
             ::close(STDOUT_FILENO);
             prepareStandardStreams();
-            writeOut("lost");
             char byte = 0;
             const bool endOfInput = ::read(STDIN_FILENO, &byte, 1) == 0;
             const bool file = ::open("/dev/null", O_RDONLY) > STDERR_FILENO;
@@ -63,18 +64,50 @@ TEST(ConsoleStreams, ClosedStreamsAreOpenedOnNothing) {
         ::testing::ExitedWithCode(0), "^$");
 }
 
-TEST(ConsoleStreams, AReaderThatWentAwayChangesNothing) {
-    const auto writeToNobody = [] {
+TEST(ConsoleStreams, OutputToAClosedStreamIsLostOutput) {
+    EXPECT_EXIT(
+        {
+            ::close(STDOUT_FILENO);
+            prepareStandardStreams();
+            const bool childrenCanWrite = ::write(STDOUT_FILENO, "x", 1) == 1;
+            writeOut("");
+            const int quiet = finishOutput(0);
+            writeOut("lost");
+            std::_Exit(childrenCanWrite && quiet == 0 ? finishOutput(0) : 2);
+        },
+        ::testing::ExitedWithCode(1),
+        "^\\[mqkit\\]\\[ERROR\\] could not write to standard output: Bad file descriptor\n$");
+}
+
+TEST(ConsoleStreams, AFileThatMayNotGrowIsAFailedWrite) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGXFSZ, SIG_DFL);
+            prepareStandardStreams();
+            rlimit small{};
+            small.rlim_cur = small.rlim_max = 8192; // the message may lead to a file, too
+            ::setrlimit(RLIMIT_FSIZE, &small);
+            ::dup2(::fileno(std::tmpfile()), STDOUT_FILENO);
+            writeOut(std::string(100'000, 'x'));
+            std::_Exit(finishOutput(0));
+        },
+        ::testing::ExitedWithCode(1),
+        "^\\[mqkit\\]\\[ERROR\\] could not write to standard output: File too large\n$");
+}
+
+TEST(ConsoleStreams, AReaderThatWentAwayIsAQuietFailure) {
+    const auto writeToNobody = [](int status) {
         int ends[2];
         if (::pipe(ends) == 0 && ::close(ends[0]) == 0 && ::dup2(ends[1], STDOUT_FILENO) >= 0) {
             prepareStandardStreams();
             writeOut("lost");
             flushOut();
             writeOut("lost too");
-            std::_Exit(finishOutput(7));
+            std::_Exit(finishOutput(status));
         }
     };
-    EXPECT_EXIT(writeToNobody(), ::testing::ExitedWithCode(7), "^$");
+    EXPECT_EXIT(writeToNobody(7), ::testing::ExitedWithCode(7), "^$");
+    EXPECT_EXIT(writeToNobody(0), ::testing::ExitedWithCode(1), "^$");
 }
 
 TEST(ConsoleStreams, LostOutputIsReportedAndTurnsSuccessIntoFailure) {

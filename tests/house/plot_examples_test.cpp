@@ -59,6 +59,7 @@ TEST(PlotExamples, EachIsACanonicalFixedPointAndEveryKindHasOne) {
     for (const auto& [indent, text] : examples()) {
         const auto plot = parsed(text);
         EXPECT_EQ(renderPlot(plot, indent), text);
+        EXPECT_TRUE(readBack(plot).equal) << text;
         kinds.insert(plot.kind);
     }
     EXPECT_EQ(kinds.size(), std::variant_size_v<PlotData>);

@@ -1,5 +1,6 @@
 // What the writer prints reads back: the text that parsing and printing it gives is the same text.
 
+#include "support/file.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
@@ -8,6 +9,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
+
+#include <unistd.h>
 
 namespace morquill::views {
 namespace {
@@ -53,6 +56,44 @@ TEST(RoundTrip, ConditionsAndModsThatLookLikeStructureStayWhereTheyAre) {
         const std::string once = canonical("$a\n" + std::string(text) + "\n");
         EXPECT_EQ(canonical(once), once) << text;
     }
+}
+
+TEST(RoundTrip, WhatIsWrittenBesideTheExtraFilesReadsBackAsTheWholeDocument) {
+    const auto directory =
+        std::filesystem::temp_directory_path() / ("mqkit-beside-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(directory / "sub");
+    const auto write = [&](const char* name, const std::string& text) {
+        ASSERT_TRUE(writeTextFile((directory / name).string(), text));
+    };
+    const auto read = [&] {
+        taskdsl::TaskParser parser(true, [](const std::string&) {});
+        return parser.parseFile((directory / "t.mq").string());
+    };
+    write("extra.yaml",
+          "totmem: 9\nsite: extra\ndefine:\n  k: e\n  m: e\nmatrix:\n  - x: 1, 2\n    name: a, b\n"
+          "solvents: [water, toluene]\n");
+    write("extra.mq",
+          "queue: extra\n$first\n%keywords [k] [x]\n@plot barrier p\npoint x value 1\npoint y value "
+          "2\n@end\n@derive d\nemit e = 1\n@end\n");
+    write("sub/b.mq", "queue: b\nhost: b\ntotcore: 3\nmatrix:\n  z: 5, 6\n$b\n%keywords [k] [z]\n");
+    write("t.mq",
+          "dsl_version: 2\nsite: own\ndefine:\n  k: own\nmatrix:\n  - y: 3\n  - x2: 3, 4\n    map: "
+          "x\n$t\n%source first__x_1\n"
+          "%keywords [k] [m] [x] [y] [x2]\n@foreach solvents\n$s_[solvents.value]\n%when completed t\n"
+          "@end\n&INCLUDE sub/b.mq\n@derive own\nemit f = 1\n@end\n");
+    const auto before = read();
+    const auto printed =
+        renderCanonicalDocument(taskdsl::withoutImplicitContent(before), CanonicalView::sourceView);
+    write("t.mq", printed);
+    const auto after = read();
+    for (const auto view : {CanonicalView::sourceView, CanonicalView::matrixExpandedView}) {
+        EXPECT_EQ(renderCanonicalDocument(after, view), renderCanonicalDocument(before, view));
+    }
+    EXPECT_EQ(after.settings, before.settings);
+    EXPECT_EQ(after.matrixAxes, before.matrixAxes);
+    EXPECT_EQ(renderCanonicalDocument(taskdsl::withoutImplicitContent(after), CanonicalView::sourceView),
+              printed);
+    std::filesystem::remove_all(directory);
 }
 
 TEST(RoundTrip, TheExamplesAreStable) {

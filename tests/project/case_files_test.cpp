@@ -1,5 +1,6 @@
 #include "project/case_files.h"
 
+#include "fixtures/file_size_limit.h"
 #include "fixtures/scratch_tree.h"
 
 #include <cerrno>
@@ -79,7 +80,7 @@ TEST_F(CaseFiles, AnExistingDirectoryIsLeftAlone) {
     EXPECT_THAT(tree("p"), ElementsAre("mol/", "mol/mol.xyz = old"));
 }
 
-TEST_F(CaseFiles, FailuresNameTheCaseAndDeleteNothing) {
+TEST_F(CaseFiles, FailuresNameTheCaseAndLeaveWhatStoodThere) {
     write("mol.xyz");
     write("p/mol", "a file");
     EXPECT_EQ(create("mol.xyz").err, "[ERROR] failed to create task mol - File exists\n");
@@ -89,7 +90,7 @@ TEST_F(CaseFiles, FailuresNameTheCaseAndDeleteNothing) {
     const Output output = create("missing.xyz");
     EXPECT_EQ(output.err, "[ERROR] failed to create task missing - No such file or directory\n");
     EXPECT_EQ(output.status, 0);
-    EXPECT_THAT(tree("p"), ElementsAre("missing/", "mol = a file", "other -> nowhere"));
+    EXPECT_THAT(tree("p"), ElementsAre("mol = a file", "other -> nowhere"));
     const std::string endless(300, 'x');
     EXPECT_EQ(create(endless + ".xyz").err,
               "[ERROR] failed to create task " + endless + " - File name too long\n");
@@ -114,7 +115,7 @@ TEST_F(CaseFiles, PermissionsThatAreMissing) {
                   "[ERROR] filesystem error: Permission denied\n");
     }
     mode("closed", 0755);
-    EXPECT_THAT(tree("p"), ElementsAre("demo.projmq = ", "secret/"));
+    EXPECT_THAT(tree("p"), ElementsAre("demo.projmq = "));
     EXPECT_THAT(tree("closed"), IsEmpty());
 }
 
@@ -125,7 +126,36 @@ TEST_F(CaseFiles, AStubIsNeverWrittenThroughAnExistingFile) {
     const Output output = create("mol.mq");
     EXPECT_EQ(output.status, 0);
     EXPECT_EQ(output.err, "[ERROR] failed to create symlink: File exists\n");
-    EXPECT_THAT(tree("p"), ElementsAre("demo.projmq = template", "mol/", "mol/mol.mq = geometry"));
+    EXPECT_THAT(tree("p"), ElementsAre("demo.projmq = template"));
+}
+
+TEST_F(CaseFiles, AHalfCaseIsTakenAwaySoThatTheNextCallMakesIt) {
+    const std::string name = std::string(180, 'd') + ".projmq"; // its stub has more than 200 bytes
+    write("p/" + name);
+    write("mol.xyz", std::string(201, 'x'));
+    const auto createOnFullDisk = [&] {
+        return run("", [&] {
+            const FileSizeLimit limit(200); // enough for the message, which goes to a file here
+            return createCase(at("mol.xyz"), at("p"), at("p/" + name));
+        });
+    };
+    Output output = createOnFullDisk();
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.out, "");
+    EXPECT_EQ(output.err, "[ERROR] failed to create task mol - File too large\n");
+    EXPECT_THAT(tree("p"), ElementsAre(name + " = "));
+
+    linkError = EPERM;
+    write("mol.xyz", "short");
+    output = createOnFullDisk();
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.err, "[ERROR] failed to create symlink: File too large\n");
+    EXPECT_THAT(tree("p"), ElementsAre(name + " = "));
+
+    linkError = 0;
+    EXPECT_EQ(create("mol.xyz", "p/" + name).status, 1);
+    EXPECT_THAT(tree("p"),
+                ElementsAre(name + " = ", "mol/", "mol/mol.mq -> ../" + name, "mol/mol.xyz = short"));
 }
 
 TEST_F(CaseFiles, GeometryFilesAreKnownByTheirExtension) {
@@ -166,6 +196,12 @@ TEST_F(CaseFiles, OneOfSeveralTaskFilesIsAskedFor) {
     EXPECT_EQ(selected, at("b.mq"));
     EXPECT_EQ(output.out, menu + prompt);
     EXPECT_EQ(output.err, "");
+
+    EXPECT_EQ(select("+1\n").err, "");
+    EXPECT_EQ(selected, at("a.projmq"));
+
+    output = select("+0\n+\n++1\n+-1\n+ 1\n2\n");
+    EXPECT_EQ(selected, at("b.mq"));
 
     output = select("0\n3\nx\n1x\n-1\n\n99999999999999999999999\n1\n");
     EXPECT_EQ(selected, at("a.projmq"));

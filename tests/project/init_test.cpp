@@ -1,5 +1,6 @@
 #include "project/workflows.h"
 
+#include "fixtures/file_size_limit.h"
 #include "fixtures/scratch_tree.h"
 
 #include <cstdlib>
@@ -183,6 +184,21 @@ TEST_F(Init, FileSystemErrorsEndTheRunAndLeaveWhatStands) {
     output = init("sub/name\n");
     EXPECT_EQ(output.status, 0);
     EXPECT_EQ(output.err, "[ERROR] failed to create project: No such file or directory\n");
+}
+
+TEST_F(Init, ATornTemplateIsTakenAwaySoThatTheNextRunMakesIt) {
+    ::setenv("MORQUILL_TASK_PATH", at("tasks").c_str(), 1);
+    const std::string text(1001, '#');
+    write("work/task.mq", text);
+    const Output output = run("p\n", [] {
+        const FileSizeLimit limit(1000); // the messages go to files, too
+        return runProjectInit();
+    });
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.err, "[ERROR] failed to create project: File too large\n");
+    EXPECT_THAT(tree("tasks"), ElementsAre("p/"));
+    EXPECT_EQ(init("p\n").status, 1);
+    EXPECT_EQ(readTextFile(at("tasks/p/p.projmq")), text);
 }
 
 TEST_F(Init, ANameOfAnyBytes) {

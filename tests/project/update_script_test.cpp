@@ -1,6 +1,10 @@
 #include "project/update_script.h"
 
+#include "fixtures/file_size_limit.h"
 #include "fixtures/scratch_tree.h"
+
+#include <functional>
+#include <utility>
 
 #include <sys/stat.h>
 
@@ -97,6 +101,47 @@ TEST_F(UpdateScript, IsNotWrittenInADryRunNorWhereItCannotBe) {
     EXPECT_EQ(readTextFile(path), std::nullopt);
     dir("mqkit_update_comd.sh");
     EXPECT_FALSE(writeComdRunnerScript(root, {at("m1")}, {"opt"}, false, path));
+}
+
+TEST_F(UpdateScript, IsANewFileWhateverStoodInItsPlace) {
+    write("precious.txt", "old");
+    mode("precious.txt", 0640);
+    const auto script = at("mqkit_update_comd.sh");
+    const auto precious = at("precious.txt");
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"a link", [&] { link("precious.txt", "mqkit_update_comd.sh"); }},
+        {"a link to nowhere", [&] { link("made.txt", "mqkit_update_comd.sh"); }},
+        {"a further name", [&] { std::filesystem::create_hard_link(precious, script); }},
+        {"a pipe", [&] { ASSERT_EQ(::mkfifo(script.c_str(), 0600), 0); }},
+        {"a file that may not be written",
+         [&] { write("mqkit_update_comd.sh"), mode("mqkit_update_comd.sh", 0400); }},
+    };
+    for (const auto& [name, put] : rows) {
+        std::filesystem::remove(script);
+        put();
+        std::string path;
+        EXPECT_TRUE(writeComdRunnerScript(root, {at("m 1"), at("m2")}, {"opt", "it's"}, false, path)) << name;
+        EXPECT_EQ(tree(), (std::vector<std::string>{std::string("mqkit_update_comd.sh = ") + wholeScript,
+                                                    "precious.txt = old"}))
+            << name;
+        struct stat info {};
+        ASSERT_EQ(::stat(script.c_str(), &info), 0);
+        EXPECT_EQ(info.st_mode & 0755U, 0755U) << name;
+        ASSERT_EQ(::stat(precious.c_str(), &info), 0);
+        EXPECT_EQ(info.st_mode & 0777U, 0640U) << name;
+    }
+}
+
+TEST_F(UpdateScript, ThatCannotBeWrittenInWholeLeavesNone) {
+    for (const bool withOlder : {false, true}) {
+        if (withOlder) {
+            write("mqkit_update_comd.sh", "#!/bin/sh\n");
+        }
+        std::string path;
+        const FileSizeLimit limit(1000);
+        EXPECT_FALSE(writeComdRunnerScript(root, {at("m1")}, {"opt"}, false, path));
+        EXPECT_THAT(tree(), ::testing::IsEmpty());
+    }
 }
 
 } // namespace

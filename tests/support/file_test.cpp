@@ -3,11 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <thread>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace morquill {
 namespace {
@@ -42,6 +47,52 @@ TEST_F(File, OnlyRegularFilesAreRead) {
     EXPECT_EQ(readTextFile("/dev/null"), std::nullopt);
 }
 
+TEST_F(File, AFileThatNoMemoryHoldsIsNotRead) {
+    ASSERT_TRUE(writeTextFile(at("huge"), "x"));
+    ASSERT_EQ(::truncate(at("huge").c_str(), off_t{1} << 42), 0);
+    EXPECT_EQ(readTextFile(at("huge")), std::nullopt);
+}
+
+TEST_F(File, AnInputFileMayBeAPipe) {
+    ASSERT_TRUE(writeTextFile(at("x"), "text"));
+    EXPECT_EQ(readInputFile(at("x")), "text");
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    // More than a pipe holds at once, in two portions.
+    const std::string half(100'000, 'h');
+    std::thread writer([&] {
+        const int fd = ::open(at("pipe").c_str(), O_WRONLY);
+        for (std::string_view rest : {std::string_view(half), std::string_view(half)}) {
+            while (!rest.empty()) {
+                const auto put = ::write(fd, rest.data(), rest.size());
+                rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(put, 0)));
+            }
+        }
+        ::close(fd);
+    });
+    EXPECT_EQ(readInputFile(at("pipe")), half + half);
+    writer.join();
+}
+
+TEST_F(File, AnInputFileMayBeATerminal) {
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(terminal, 0);
+    ASSERT_EQ(::grantpt(terminal), 0);
+    ASSERT_EQ(::unlockpt(terminal), 0);
+    const std::string typed = "one\ntwo\n\x04"; // Ctrl-D ends the input
+    ASSERT_EQ(::write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+    EXPECT_EQ(readInputFile(::ptsname(terminal)), "one\ntwo\n");
+    ::close(terminal);
+}
+
+TEST_F(File, OtherKindsOfFilesAreNoInput) {
+    EXPECT_EQ(readInputFile(at("missing")), std::nullopt);
+    EXPECT_EQ(readInputFile(dir.string()), std::nullopt);
+    EXPECT_EQ(readInputFile("/dev/null"), std::nullopt);
+    EXPECT_EQ(readInputFile("/dev/zero"), std::nullopt);
+    ASSERT_TRUE(writeTextFile(at("x"), "text"));
+    EXPECT_EQ(readInputFile(at("x") + std::string("\0y", 2)), std::nullopt);
+}
+
 TEST_F(File, WritingMakesNoParentDirectories) {
     EXPECT_FALSE(writeTextFile(at("no/such/file"), "x"));
     EXPECT_FALSE(fs::exists(at("no")));
@@ -49,14 +100,6 @@ TEST_F(File, WritingMakesNoParentDirectories) {
 
 TEST_F(File, AFullDiskIsAFailure) {
     EXPECT_FALSE(writeTextFile("/dev/full", "x"));
-}
-
-TEST_F(File, OverwritingReplacesTheContentAndMakesMissingFiles) {
-    ASSERT_TRUE(overwriteTextFile(at("x"), "a long text"));
-    ASSERT_TRUE(overwriteTextFile(at("x"), "short"));
-    EXPECT_EQ(readTextFile(at("x")), "short");
-    EXPECT_FALSE(overwriteTextFile(at("no/x"), ""));
-    EXPECT_FALSE(overwriteTextFile("/dev/full", "x"));
 }
 
 TEST_F(File, KindTestsFollowLinksAndSwallowErrors) {

@@ -86,5 +86,16 @@ TEST_F(Paths, EntriesAreMatchedByAShellPattern) {
     EXPECT_THAT(listDirectoryEntries(at("a.mq"), "*"), IsEmpty());
 }
 
+TEST_F(Paths, LieBelowADirectoryByWholeNames) {
+    EXPECT_TRUE(liesBelow("/a/b", "/a"));
+    EXPECT_TRUE(liesBelow("/a/b/c", "/a"));
+    EXPECT_TRUE(liesBelow("/a", "/"));
+    EXPECT_FALSE(liesBelow("/a", "/a"));
+    EXPECT_FALSE(liesBelow("/ab", "/a"));
+    EXPECT_FALSE(liesBelow("/a", "/a/b"));
+    EXPECT_FALSE(liesBelow("/a", ""));
+    EXPECT_FALSE(liesBelow("/", "/"));
+}
+
 } // namespace
 } // namespace morquill::project

@@ -97,5 +97,81 @@ TEST_F(CopyItem, CopiesFilesWhoseSizeTheSystemDoesNotTell) {
     EXPECT_THAT(readTextFile(at("status")).value_or(""), ::testing::HasSubstr("VmSize"));
 }
 
+TEST_F(CopyItem, ReplacesAFileThatMayNotBeWritten) {
+    write("a", "1");
+    mode("a", 0444);
+    dir("to");
+    mode("to", 0777);
+    const Unprivileged user;
+    EXPECT_TRUE(copyItem(at("a"), at("to/a")));
+    EXPECT_TRUE(copyItem(at("a"), at("to/a")));
+    EXPECT_THAT(tree("to"), ElementsAre("a = 1"));
+}
+
+TEST_F(CopyItem, LeavesTheFurtherNamesOfAnOlderResultAlone) {
+    write("a", "new");
+    write("to/a", "old");
+    std::filesystem::create_hard_link(at("to/a"), at("to/kept"));
+    EXPECT_TRUE(copyItem(at("a"), at("to/a")));
+    EXPECT_THAT(tree("to"), ElementsAre("a = new", "kept = old"));
+}
+
+TEST_F(CopyItem, KeepsTheOlderResultUntilTheNewOneIsWhole) {
+    write("a", std::string(1000, 'x'));
+    write("plot/big", std::string(1000, 'x'));
+    write("to/a", "old");
+    write("to/plot/old", "old");
+    link("a", "to/link");
+    const std::vector<std::string> before{"a = old", "link -> a", "plot/", "plot/old = old"};
+    ASSERT_EQ(tree("to"), before);
+    {
+        const FileSizeLimit limit(500);
+        EXPECT_FALSE(copyItem(at("a"), at("to/a")));
+        EXPECT_FALSE(copyItem(at("a"), at("to/link")));
+        EXPECT_FALSE(copyItem(at("plot"), at("to/plot")));
+        EXPECT_FALSE(copyItem(at("plot"), at("to/a")));
+        EXPECT_EQ(tree("to"), before);
+    }
+    ASSERT_EQ(::mkfifo(at("plot/pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(copyItem(at("plot"), at("to/plot")));
+    EXPECT_EQ(tree("to"), before);
+}
+
+TEST_F(CopyItem, LetsALinkOrADirectoryTakeThePlaceOfAnything) {
+    write("plot/a.png", "1");
+    link("plot", "link");
+    for (const char* standing : {"to/file", "to/dir/inner"}) {
+        write(standing, "old");
+    }
+    link("/nowhere", "to/link");
+    for (const char* target : {"to/file", "to/dir", "to/link"}) {
+        EXPECT_TRUE(copyItem(at("plot"), at(target)));
+        EXPECT_TRUE(copyItem(at("plot"), at(target)));
+    }
+    EXPECT_THAT(tree("to"),
+                ElementsAre("dir/", "dir/a.png = 1", "file/", "file/a.png = 1", "link/", "link/a.png = 1"));
+    for (const char* target : {"to/file", "to/dir", "to/link"}) {
+        EXPECT_TRUE(copyItem(at("link"), at(target)));
+        EXPECT_TRUE(copyItem(at("link"), at(target)));
+    }
+    EXPECT_THAT(tree("to"), ElementsAre("dir -> plot", "file -> plot", "link -> plot"));
+}
+
+TEST_F(CopyItem, NeverCopiesSomethingIntoItselfOrOverWhatHoldsIt) {
+    write("plot/deep/a.png", "1");
+    link("deep", "plot/link");
+    link("plot/deep", "way");
+    const auto before = tree();
+    EXPECT_FALSE(copyItem(at("plot"), at("plot")));
+    EXPECT_FALSE(copyItem(at("plot"), at("plot/new")));
+    EXPECT_FALSE(copyItem(at("plot"), at("plot/deep/new")));
+    EXPECT_FALSE(copyItem(at("plot"), at("way/new"))); // the same by another way
+    EXPECT_FALSE(copyItem(at("plot/deep"), at("plot")));
+    EXPECT_FALSE(copyItem(at("plot/link"), at("plot")));
+    EXPECT_FALSE(copyItem(at("plot/link"), at("plot/link")));
+    EXPECT_EQ(tree(), before);
+    EXPECT_TRUE(copyItem(at("plot"), at("plot2"))); // a name that only begins alike
+}
+
 } // namespace
 } // namespace morquill::system

@@ -4,19 +4,27 @@
 #include "fixtures/scratch_tree.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <functional>
 
+#include <sys/resource.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 
 namespace morquill::system {
 namespace {
 
+constexpr int endSignals[] = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGALRM, SIGUSR1,  SIGUSR2,
+                              SIGXCPU, SIGPOLL, SIGVTALRM, SIGPROF, SIGPWR,  SIGSTKFLT};
+
 /// Runs `action` in a child of the test; the child's wait status.
 int statusOfChild(const std::function<void()>& action) {
     const pid_t child = ::fork();
     if (child == 0) {
+        const rlimit none{0, 0};
+        ::setrlimit(RLIMIT_CORE, &none);
         // A test run in the background starts with some of them ignored, and ignored they would stay.
-        for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+        for (const int number : endSignals) {
             std::signal(number, SIG_DFL);
         }
         action();
@@ -27,10 +35,18 @@ int statusOfChild(const std::function<void()>& action) {
     return status;
 }
 
-class Signals : public ScratchTree {};
+class Signals : public ScratchTree {
+  protected:
+    /// The process number that a child left in a file, 0 for none.
+    [[nodiscard]] pid_t pidIn(const std::string& name) const {
+        return static_cast<pid_t>(std::atol(readTextFile(at(name)).value_or("").c_str()));
+    }
+    /// Also true, so that no test passes by it, for a number that is none; a running process is ended.
+    static bool isRunning(pid_t process) { return process <= 1 || ::kill(process, SIGKILL) == 0; }
+};
 
 TEST_F(Signals, AreNotedUntilTheGuardGoesAndEndTheProcessThen) {
-    for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+    for (const int number : endSignals) {
         const int status = statusOfChild([&] {
             const SignalGuard guard;
             ::raise(number);
@@ -38,9 +54,42 @@ TEST_F(Signals, AreNotedUntilTheGuardGoesAndEndTheProcessThen) {
             write("alive", std::to_string(guard.noted()));
         });
         EXPECT_EQ(readTextFile(at("alive")), std::to_string(number));
-        ASSERT_TRUE(WIFSIGNALED(status));
+        ASSERT_TRUE(WIFSIGNALED(status)) << number;
         EXPECT_EQ(WTERMSIG(status), number);
     }
+}
+
+TEST_F(Signals, AreNotedOnceByGuardsWithinEachOther) {
+    const int status = statusOfChild([&] {
+        const SignalGuard outer;
+        {
+            const SignalGuard inner;
+            ::raise(SIGUSR1);
+        }
+        const SignalGuard later;
+        write("alive", std::to_string(outer.noted()) + " " + std::to_string(later.noted()));
+    });
+    EXPECT_EQ(readTextFile(at("alive")), std::to_string(SIGUSR1) + " " + std::to_string(SIGUSR1));
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGUSR1);
+}
+
+TEST_F(Signals, LeaveAWriteThatGrowsTooLargeAFailure) {
+    const int status = statusOfChild([&] {
+        const int file = ::creat(at("file").c_str(), 0600);
+        const rlimit small{4, 4};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        bool failed = false;
+        {
+            const SignalGuard guard;
+            failed = ::write(file, "12345678", 8) == 4 && ::write(file, "5", 1) < 0 && errno == EFBIG;
+            write("alive", failed ? "yes" : "no");
+        }
+        ::write(failed ? file : STDERR_FILENO, "5", 1); // the system's way again: the end
+    });
+    EXPECT_EQ(readTextFile(at("alive")), "yes");
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGXFSZ);
 }
 
 TEST_F(Signals, ThatNeverCameChangeNothing) {
@@ -50,6 +99,11 @@ TEST_F(Signals, ThatNeverCameChangeNothing) {
         {
             const SignalGuard guard;
             ::raise(SIGHUP); // ignored before, ignored still
+        }
+        std::signal(SIGUSR1, [](int) {});
+        {
+            const SignalGuard guard;
+            ::raise(SIGUSR1); // so does one that the program deals with
         }
     });
     ASSERT_TRUE(WIFEXITED(status));
@@ -65,6 +119,28 @@ TEST_F(Signals, SentToThisProgramAloneReachTheChildItWaitsFor) {
     EXPECT_EQ(readTextFile(at("child")), "15 15");
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(WTERMSIG(status), SIGTERM);
+}
+
+TEST_F(Signals, EndTheProgramOnlyAfterTheChildThatItWaitsFor) {
+    for (const int number : {SIGTERM, SIGUSR2}) {
+        const int status = statusOfChild([&] {
+            (void)spawnShell("echo $$ >pid; kill -" + std::to_string(number) + " $PPID; exec sleep 30", "");
+        });
+        ASSERT_TRUE(WIFSIGNALED(status));
+        EXPECT_EQ(WTERMSIG(status), number);
+        EXPECT_FALSE(isRunning(pidIn("pid")));
+    }
+}
+
+TEST_F(Signals, OfTheSystemToThisProgramAloneReachTheChild) {
+    const int status = statusOfChild([] {
+        const itimerval soon{{0, 0}, {0, 200'000}};
+        ::setitimer(ITIMER_REAL, &soon, nullptr); // as an alarm that was set before the program began
+        (void)spawnShell("echo $$ >pid; exec sleep 30", "");
+    });
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGALRM);
+    EXPECT_FALSE(isRunning(pidIn("pid")));
 }
 
 TEST_F(Signals, NotedBeforeTheChildStartsReachIt) {

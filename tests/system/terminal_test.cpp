@@ -7,7 +7,10 @@
 
 #include <cstdlib>
 
+#include <csignal>
+
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -112,12 +115,17 @@ TEST_F(Terminal, TheEndOfALineDialogueIsNotRemembered) {
 }
 
 TEST_F(Terminal, ASignalPutsTheAttributesBackAndShowsTheCursor) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    for (const int signal : {SIGINT,  SIGTERM, SIGHUP,    SIGQUIT, SIGABRT,  SIGALRM, SIGBUS,    SIGFPE,
+                             SIGILL,  SIGIO,   SIGPROF,   SIGPWR,  SIGSEGV,  SIGSYS,  SIGSTKFLT, SIGTRAP,
+                             SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU, SIGRTMIN, SIGRTMAX}) {
         int output[2]{};
         ASSERT_EQ(::pipe(output), 0);
         const pid_t child = ::fork();
         if (child == 0) {
             ::dup2(output[1], STDOUT_FILENO);
+            std::signal(signal, SIG_DFL); // sanitizers have handlers of their own
+            const rlimit noCore{};
+            ::setrlimit(RLIMIT_CORE, &noCore);
             const TerminalSession session;
             (void)readKey(program);
             ::_exit(0);
@@ -130,7 +138,7 @@ TEST_F(Terminal, ASignalPutsTheAttributesBackAndShowsTheCursor) {
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal;
         EXPECT_TRUE(isCooked()) << signal;
         char text[16]{};
-        EXPECT_EQ(::read(output[0], text, sizeof text), 6);
+        ASSERT_EQ(::read(output[0], text, sizeof text), 6) << signal;
         EXPECT_STREQ(text, "\033[?25h") << signal;
         ::close(output[0]);
     }
@@ -158,6 +166,37 @@ TEST_F(Terminal, AStopGivesTheTerminalBackUntilTheProgramGoesOn) {
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     EXPECT_TRUE(isCooked());
+}
+
+TEST_F(Terminal, AfterAStopTheScreenIsDrawnAgainOnceAndTheKeyThatWasAwaitedComes) {
+    int output[2]{};
+    ASSERT_EQ(::pipe(output), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::setpgid(0, 0);
+        ::dup2(output[1], STDOUT_FILENO);
+        const TerminalSession session;
+        int drawn = 0;
+        const auto pressed = readKey(program, [&] { drawn += ::write(output[1], "drawn", 5) == 5 ? 1 : 0; });
+        ::_exit(pressed == 'x' && drawn == 1 ? 0 : 1);
+    }
+    waitForKeyMode();
+    for (const int signal : {SIGSTOP, SIGCONT}) {
+        ASSERT_EQ(::kill(child, signal), 0);
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, WUNTRACED | WCONTINUED), child);
+    }
+    char text[8]{};
+    EXPECT_EQ(::read(output[0], text, 5), 5);
+    EXPECT_STREQ(text, "drawn");
+    EXPECT_FALSE(isCooked());
+    type("x");
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_TRUE(isCooked());
+    ::close(output[0]);
+    ::close(output[1]);
 }
 
 TEST(TerminalSession, LeavesIgnoredSignalsIgnoredAndPutsHandlersBack) {

@@ -2,6 +2,7 @@
 
 #include "console/logger.h"
 #include "project/cases/target.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/name_list.h"
 #include "support/text.h"
@@ -104,6 +105,13 @@ struct WarningWatch {
     }
 };
 
+/// A file that cannot be parsed is passed over; one that only lacked memory says nothing about its blocks.
+void stopWithoutMemory(const std::exception& failure, const std::string& file) {
+    if (isOutOfMemory(failure)) {
+        throw std::runtime_error(faultText(failure, file));
+    }
+}
+
 /// Reads the case files of one project. Most of them are links to the one template; a text that was parsed
 /// for one case is not parsed again for another when nothing but the text can have had a say.
 class CaseReader {
@@ -139,7 +147,8 @@ class CaseReader {
         WarningWatch watch{warnings_};
         try {
             builder_.add(taskdsl::TaskParser(false, watch.listener()).parseText(text, path));
-        } catch (const std::exception&) {
+        } catch (const std::exception& failure) {
+            stopWithoutMemory(failure, path);
             warned_ = watch.warned;
             return false;
         }
@@ -176,7 +185,8 @@ bool scanInto(CatalogBuilder& builder, const std::string& file, std::string& err
         builder.add(taskdsl::TaskParser(false, warnings).parseFile(file));
         return true;
     } catch (const std::exception& failure) {
-        error = std::string(scanFailure) + failure.what();
+        stopWithoutMemory(failure, file);
+        error = std::string(scanFailure) + wholeText(failure);
         return false;
     }
 }

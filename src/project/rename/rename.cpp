@@ -1,18 +1,19 @@
 #include "project/rename/rename.h"
 
 #include "project/cases/target.h"
-#include "project/cases/task_catalog.h"
+#include "project/rename/rename_check.h"
 #include "project/rename/rename_files.h"
 #include "support/file.h"
 #include "support/name_list.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/prompt.h"
-#include "taskdsl/parser/task_parser.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace morquill::project {
@@ -26,7 +27,8 @@ struct RenamePlace {
     std::string caseDir; ///< the directory of the given task file; empty when the template itself was given
 };
 
-/// A task file that is a link to a project template stands for the whole project.
+/// A task file that is a link to a project template, or the stub that stands for such a link, stands for the
+/// whole project.
 RenamePlace findPlace(const std::string& path) {
     if (path.ends_with(".projmq")) {
         return {true, path, ""};
@@ -37,38 +39,64 @@ RenamePlace findPlace(const std::string& path) {
             return {true, std::move(target), parentPath(path)};
         }
     }
+    if (const auto text = readTextFile(path); path.ends_with(".mq") && text) {
+        if (auto target = stubTemplate(*text, path)) {
+            return {true, *std::move(target), parentPath(path)};
+        }
+    }
     return {false, path, parentPath(path)};
 }
 
-/// The blocks of a file under the names that are written in it.
-std::vector<std::string> listBlocks(const std::string& file) {
-    NameList names;
-    for (const auto& task : taskdsl::TaskParser().parseFile(file).templateTasks) {
-        names.add(writtenName(task));
-    }
-    return names.names();
+/// A message as it stands on standard error; always false.
+bool refuse(const std::string& message) {
+    system::printErrorLine("[mqkit][ERROR] " + message);
+    return false;
 }
 
-bool checkNames(const std::string& file, const RenamedBlock& block) {
-    // A block's name is the name of its directory: with a slash, renaming would move things out of the case.
-    if (block.newName.find('/') != std::string::npos) {
-        system::printErrorLine("[mqkit][ERROR] a block name cannot hold '/': $" + block.newName);
-        return false;
-    }
-    const auto blocks = listBlocks(file);
-    const auto has = [&](const std::string& name) {
-        return std::find(blocks.begin(), blocks.end(), name) != blocks.end();
-    };
-    if (!has(block.oldName)) {
-        system::printErrorLine("[mqkit][ERROR] block not found in task file: $" + block.oldName);
-        system::printErrorLine("[mqkit] available blocks: " + join(blocks, ", "));
-        return false;
-    }
-    if (has(block.newName)) {
-        system::printErrorLine("[mqkit][ERROR] target block already exists: $" + block.newName);
-        return false;
+/// The case name with which the task file of a case is rewritten: none when the file lies elsewhere.
+std::string caseNameOf(const RenamePlace& place) {
+    const bool inside = liesBelow(normalisedPath(place.file), normalisedPath(place.caseDir));
+    return !place.project && inside ? stemOf(place.file) : "";
+}
+
+/// False, after a message, when a case would lose the way to its template: the name of a block may stand in
+/// the name of the template file.
+bool checkStubs(const std::vector<std::string>& caseDirs, const RenamedBlock& block) {
+    for (const auto& caseDir : caseDirs) {
+        for (const auto& name : listDirectoryEntries(caseDir, "*.mq")) {
+            const auto file = joinPath(caseDir, name);
+            const auto text = readTextFile(file);
+            const auto target = text ? stubTemplate(*text, file) : std::nullopt;
+            const auto renamed = target ? renamedText(*text, block, stemOf(name)) : std::nullopt;
+            if (renamed && stubTemplate(*renamed, file) != target) {
+                return refuse("renaming $" + block.oldName + " would change the include of the template in " +
+                              file);
+            }
+        }
     }
     return true;
+}
+
+/// True for a name that leads out of the case when it is taken as that of a directory.
+bool leavesCase(std::string_view name) {
+    const auto parts = splitOn(name, '/');
+    return std::any_of(parts.begin(), parts.end(),
+                       [](const std::string& part) { return part == "." || part == ".."; });
+}
+
+/// False after a message. Nothing has been touched by then.
+bool checkRename(const RenamePlace& place, const std::vector<std::string>& caseDirs,
+                 const RenamedBlock& block) {
+    if (const auto fault = blockNameFault(block.newName)) {
+        return refuse(*fault);
+    }
+    if (const auto obstacle = findObstacle(place.file, block, caseNameOf(place))) {
+        return refuse(*obstacle);
+    }
+    if (leavesCase(block.oldName)) {
+        return refuse("the directory of $" + block.oldName + " would not lie in its case");
+    }
+    return checkStubs(caseDirs, block);
 }
 
 void renameInCase(const std::string& caseDir, const std::string& name, const RenamedBlock& block,
@@ -91,22 +119,12 @@ std::vector<std::string> caseNames(const std::string& caseDir) {
     return names;
 }
 
-bool rewriteTaskFile(const std::string& file, const RenamedBlock& block, RenameReport& report) {
-    if (rewriteTextFile(file, block, "", report)) {
-        return true;
+/// The cases that are touched. One that lies elsewhere and only leads to the template was asked for by name.
+std::vector<std::string> listCases(const RenamePlace& place) {
+    if (!place.project) {
+        return {place.caseDir};
     }
-    system::printErrorLine("[mqkit][ERROR] failed to update project template: " + file);
-    return false;
-}
-
-bool renameInProject(const RenamePlace& place, const RenamedBlock& block, RenameReport& report) {
-    if (!rewriteTaskFile(place.file, block, report)) {
-        return false;
-    }
-    const auto root = parentPath(place.file);
-    report.linkRoot = normalisedPath(root);
-    auto caseDirs = listCaseDirectories(root);
-    // A case that lies elsewhere and only links to the template was asked for by name.
+    auto caseDirs = listCaseDirectories(parentPath(place.file));
     const bool listed = place.caseDir.empty() ||
                         std::any_of(caseDirs.begin(), caseDirs.end(), [&](const std::string& caseDir) {
                             return normalisedPath(caseDir) == normalisedPath(place.caseDir);
@@ -114,13 +132,19 @@ bool renameInProject(const RenamePlace& place, const RenamedBlock& block, Rename
     if (!listed) {
         caseDirs.push_back(place.caseDir);
     }
+    return caseDirs;
+}
+
+void renameInProject(const RenamePlace& place, const std::vector<std::string>& caseDirs,
+                     const RenamedBlock& block, RenameReport& report) {
+    const auto root = parentPath(place.file);
+    report.linkRoot = normalisedPath(root);
     for (const auto& caseDir : caseDirs) {
         for (const auto& name : caseNames(caseDir)) {
             renameInCase(caseDir, name, block, report);
         }
     }
     invalidateDatabases(root, "project(" + baseName(root) + ")", report);
-    return true;
 }
 
 void printReport(const RenamedBlock& block, const RenameReport& report) {
@@ -156,19 +180,20 @@ int renameBlock(const RenameOptions& options) {
         return 1;
     }
     const auto place = findPlace(path);
-    if (!checkNames(place.file, block)) {
+    const auto caseDirs = listCases(place);
+    if (!checkRename(place, caseDirs, block)) {
         return 1;
     }
+    // The task file comes first: while it has the old name, nothing else may have the new one.
     RenameReport report;
+    if (!rewriteTextFile(place.file, block, caseNameOf(place), report)) {
+        system::printErrorLine("[mqkit][ERROR] failed to update project template: " + place.file);
+        return 1;
+    }
     if (place.project) {
-        if (!renameInProject(place, block, report)) {
-            return 1;
-        }
+        renameInProject(place, caseDirs, block, report);
     } else {
         renameInCase(place.caseDir, stemOf(place.file), block, report);
-        if (!rewriteTaskFile(place.file, block, report)) {
-            return 1;
-        }
     }
     printReport(block, report);
     return report.errors.empty() ? 0 : 1;

@@ -2,6 +2,7 @@
 #include "console/console.h"
 #include "console/help_text.h"
 #include "project/rename/rename.h"
+#include "support/fault.h"
 
 #include <algorithm>
 #include <exception>
@@ -32,12 +33,14 @@ constexpr std::string_view renameHelp = R"(# Usage:
 )";
 
 int runFrame(int argc, char** argv, RenameOptions (*read)(int argc, const char* const* argv)) {
+    RenameOptions options;
     try {
-        return renameBlock(read(argc, argv));
+        options = read(argc, argv);
+        return renameBlock(options);
     } catch (const console::UsageError& error) {
         console::reportUsageError(error);
     } catch (const std::exception& failure) {
-        console::reportError(ErrorTag::coloured, failure.what());
+        console::reportError(ErrorTag::coloured, faultText(failure, options.file));
         return 1;
     }
     printRenameHelp(argv[0]);

@@ -99,27 +99,6 @@ bool beginsBinary(const std::string& path) {
     return got > 0 && std::memchr(buffer.data(), '\0', static_cast<std::size_t>(got)) != nullptr;
 }
 
-/// The text with the new name in it; nothing when it does not change.
-std::optional<std::string> renamedText(const std::string& text, const RenamedBlock& block,
-                                       const std::string& caseName) {
-    // Every form begins with the old name: most files end here.
-    if (!containsText(text, block.oldName)) {
-        return std::nullopt;
-    }
-    std::string renamed = text;
-    if (!caseName.empty()) {
-        renamed = replaceText(renamed, block.oldName + "_" + caseName, block.newName + "_" + caseName);
-    }
-    renamed = replaceText(renamed, block.oldName + "_[", block.newName + "_[");
-    renamed = replaceWord(renamed, block.oldName, block.newName);
-    return renamed == text ? std::nullopt : std::optional(std::move(renamed));
-}
-
-bool liesIn(std::string_view path, std::string_view tree) {
-    return !tree.empty() && path.size() > tree.size() && path.starts_with(tree) &&
-           (tree.back() == '/' || path[tree.size()] == '/');
-}
-
 bool isClosedTree(std::string_view dir) {
     return std::any_of(std::begin(closedTrees), std::end(closedTrees),
                        [&](std::string_view end) { return dir.ends_with(end); });
@@ -127,7 +106,7 @@ bool isClosedTree(std::string_view dir) {
 
 /// True for a link target that a rename may change: below one of the two trees and in no content store.
 bool isOpenTarget(const std::string& target, const std::string& caseTree, const std::string& linkRoot) {
-    if (!liesIn(target, caseTree) && !liesIn(target, linkRoot)) {
+    if (!liesBelow(target, caseTree) && !liesBelow(target, linkRoot)) {
         return false;
     }
     return std::none_of(std::begin(closedTrees), std::end(closedTrees), [&](std::string_view tree) {
@@ -158,8 +137,7 @@ bool rewriteFile(const std::string& path, std::string canonical, const RenamedBl
     if (!renamed) {
         return true;
     }
-    if (!overwriteTextFile(path, *renamed)) {
-        (void)overwriteTextFile(path, *text);
+    if (!writeTextFile(path, *renamed)) {
         report.errors.push_back("could not write file back: " + path);
         return false;
     }
@@ -167,10 +145,8 @@ bool rewriteFile(const std::string& path, std::string canonical, const RenamedBl
     return true;
 }
 
-} // namespace
-
-void renameBlockArtifacts(const std::string& caseDir, const std::string& caseName, const RenamedBlock& block,
-                          RenameReport& report) {
+/// The block directory of a case and the prefixed files in it.
+void renameBlockDirectory(const std::string& caseDir, const RenamedBlock& block, RenameReport& report) {
     const auto oldDir = joinPath(caseDir, block.oldName);
     const auto newDir = joinPath(caseDir, block.newName);
     if (isDirectory(oldDir)) {
@@ -186,6 +162,32 @@ void renameBlockArtifacts(const std::string& caseDir, const std::string& caseNam
     }
     const auto workingDir = isDirectory(newDir) ? newDir : oldDir;
     renamePrefixedFiles(workingDir, block.oldName + "_", block.newName + "_", true, report);
+}
+
+} // namespace
+
+std::optional<std::string> renamedText(const std::string& text, const RenamedBlock& block,
+                                       const std::string& caseName) {
+    // Every form begins with the old name: most files end here.
+    if (!containsText(text, block.oldName)) {
+        return std::nullopt;
+    }
+    RewrittenText renamed(text);
+    if (!caseName.empty()) {
+        renamed.replaceText(block.oldName + "_" + caseName, block.newName + "_" + caseName);
+    }
+    renamed.replaceText(block.oldName + "_[", block.newName + "_[");
+    renamed.replaceWord(block.oldName, block.newName);
+    return renamed.text() == text ? std::nullopt : std::optional(std::move(renamed).take());
+}
+
+void renameBlockArtifacts(const std::string& caseDir, const std::string& caseName, const RenamedBlock& block,
+                          RenameReport& report) {
+    // A case has one block directory, whatever the number of its names: `opt_a`, once it is `opt_x_a`, would
+    // begin with `opt_` again.
+    if (report.visitedCases.insert(normalisedPath(caseDir)).second) {
+        renameBlockDirectory(caseDir, block, report);
+    }
     if (caseName.empty()) {
         return;
     }

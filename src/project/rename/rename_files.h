@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -25,13 +26,20 @@ struct RenameReport {
     std::vector<std::string> errors;
     /// Canonical paths of the files that were looked at: a file reached twice is rewritten once.
     std::unordered_set<std::string> visitedFiles;
+    /// Canonical paths of the cases whose block directory was looked at.
+    std::unordered_set<std::string> visitedCases;
     /// Canonical path of the project root in a project-wide rename: links from a case to files below it are
     /// followed, all others leave the tree and are not. Empty for the rename in one case.
     std::string linkRoot;
 };
 
-/// Renames the block directory of a case, the prefixed files in it, and the files of that block and case in
-/// the derived trees below `.morq` and `Results`.
+/// The text with the new name in it; nothing when it does not change. With a case name `<old>_<case>` is
+/// replaced first, then `<old>_[`, then the old name as a word of its own; what was put in stays as it is.
+[[nodiscard]] std::optional<std::string> renamedText(const std::string& text, const RenamedBlock& block,
+                                                     const std::string& caseName);
+
+/// Renames the block directory of a case and the prefixed files in it, once for every case, and the files of
+/// that block and case in the derived trees below `.morq` and `Results`.
 void renameBlockArtifacts(const std::string& caseDir, const std::string& caseName, const RenamedBlock& block,
                           RenameReport& report);
 
@@ -40,8 +48,8 @@ void renameBlockArtifacts(const std::string& caseDir, const std::string& caseNam
 void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, const std::string& newPrefix,
                          bool recursive, RenameReport& report);
 
-/// Puts the new name into one text file; files of binary kinds, files with NUL bytes and files that were
-/// visited are left alone. With a case name, `<old>_<case>` is replaced as well. False only when the file
+/// Puts the new name into one text file, see `renamedText`; files of binary kinds, files with NUL bytes and
+/// files that were visited are left alone. False only when the file
 /// could not be written; it then has its old text, as far as the disk allows.
 [[nodiscard]] bool rewriteTextFile(const std::string& path, const RenamedBlock& block,
                                    const std::string& caseName, RenameReport& report);

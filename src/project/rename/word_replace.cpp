@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace morquill::project {
@@ -99,34 +100,57 @@ bool containsText(std::string_view text, std::string_view needle) {
     return found;
 }
 
-std::string replaceText(std::string_view text, std::string_view from, std::string_view to) {
+/// `accept` is asked about every occurrence that overlaps no earlier match and nothing that was put in
+/// before, with its first byte and the byte behind it, in ascending order.
+template <class Accept>
+void RewrittenText::replace(std::string_view from, std::string_view to, Accept accept) {
     std::string result;
-    std::size_t copied = 0; // text up to here is in the result
-    scan(text, from, [&](std::size_t at) {
-        if (at >= copied) {
-            result.append(text, copied, at - copied).append(to);
-            copied = at + from.size();
+    std::vector<Range> putIn;
+    std::size_t copied = 0;  // text up to here is in the result
+    std::size_t settled = 0; // of the earlier ranges, those that end before the place that is looked at
+    std::size_t moved = 0;   // of those, the ones whose new place is known
+    const auto copyUpTo = [&](std::size_t end) {
+        for (; moved < settled; ++moved) {
+            putIn.push_back(
+                {putIn_[moved].begin - copied + result.size(), putIn_[moved].end - copied + result.size()});
+        }
+        result.append(text_, copied, end - copied);
+        copied = end;
+    };
+    scan(text_, from, [&](std::size_t at) {
+        const std::size_t end = at + from.size();
+        while (settled < putIn_.size() && putIn_[settled].end <= at) {
+            ++settled;
+        }
+        const bool taken = at < copied || (settled < putIn_.size() && putIn_[settled].begin < end);
+        if (!taken && accept(at, end)) {
+            copyUpTo(at);
+            putIn.push_back({result.size(), result.size() + to.size()});
+            result.append(to);
+            copied = end;
         }
         return true;
     });
-    return result.append(text, copied);
+    settled = putIn_.size();
+    copyUpTo(text_.size());
+    text_ = std::move(result);
+    putIn_ = std::move(putIn);
 }
 
-std::string replaceWord(std::string_view text, std::string_view word, std::string_view to) {
-    std::string result;
-    std::size_t copied = 0; // text up to here is in the result
-    std::size_t taken = 0;  // text up to here belongs to a match, its right neighbour included
-    scan(text, word, [&](std::size_t at) {
-        const std::size_t end = at + word.size();
-        const bool opens = at == 0 || (at > taken && !isWordByte(text[at - 1]));
-        if (opens && (end == text.size() || !isWordByte(text[end]))) {
-            result.append(text, copied, at - copied).append(to);
-            copied = end;
-            taken = end < text.size() ? end + 1 : end;
+void RewrittenText::replaceText(std::string_view from, std::string_view to) {
+    replace(from, to, [](std::size_t, std::size_t) { return true; });
+}
+
+void RewrittenText::replaceWord(std::string_view word, std::string_view to) {
+    std::size_t taken = 0; // text up to here belongs to a match, its right neighbour included
+    replace(word, to, [&](std::size_t at, std::size_t end) {
+        const bool opens = at == 0 || (at > taken && !isWordByte(text_[at - 1]));
+        if (!opens || (end < text_.size() && isWordByte(text_[end]))) {
+            return false;
         }
+        taken = end < text_.size() ? end + 1 : end;
         return true;
     });
-    return result.append(text, copied);
 }
 
 } // namespace morquill::project

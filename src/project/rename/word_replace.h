@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 /// Replacing names in whole texts, in time linear in the text whatever text and name look like.
 namespace morquill::project {
@@ -9,13 +12,34 @@ namespace morquill::project {
 /// True when `needle` stands in the text. An empty needle stands nowhere.
 [[nodiscard]] bool containsText(std::string_view text, std::string_view needle);
 
-/// Replaces every occurrence of `from`, left to right, without overlap; an empty `from` changes nothing.
-[[nodiscard]] std::string replaceText(std::string_view text, std::string_view from, std::string_view to);
+/// A text that is rewritten by one rule after another. What a rule has put in is not matched again by the
+/// rules behind it; it counts for them only as the neighbour of what stands beside it.
+class RewrittenText {
+  public:
+    explicit RewrittenText(std::string text) : text_(std::move(text)) {}
 
-/// Replaces `word` where it stands by itself: behind a byte that is no ASCII letter, digit or underscore, or
-/// at the start of the text, and before such a byte or at the end of the text. A match takes both neighbours
-/// with it, so of two words with one separator between them the second stands; what was put in is not scanned
-/// again.
-[[nodiscard]] std::string replaceWord(std::string_view text, std::string_view word, std::string_view to);
+    /// Replaces every occurrence of `from`, left to right, without overlap; an empty `from` changes nothing.
+    void replaceText(std::string_view from, std::string_view to);
+
+    /// Replaces `word` where it stands by itself: behind a byte that is no ASCII letter, digit or underscore,
+    /// or at the start of the text, and before such a byte or at the end of the text. A match takes both
+    /// neighbours with it, so of two words with one separator between them the second stands.
+    void replaceWord(std::string_view word, std::string_view to);
+
+    [[nodiscard]] const std::string& text() const noexcept { return text_; }
+    [[nodiscard]] std::string take() && { return std::move(text_); }
+
+  private:
+    /// A part of the text that was put in.
+    struct Range {
+        std::size_t begin;
+        std::size_t end;
+    };
+    template <class Accept>
+    void replace(std::string_view from, std::string_view to, Accept accept);
+
+    std::string text_;
+    std::vector<Range> putIn_; ///< in ascending order, none touches another's bytes
+};
 
 } // namespace morquill::project

@@ -154,7 +154,7 @@ std::string formatStatusNames(const std::vector<std::string>& names) {
 
 bool writeStatusRecords(const std::string& path, const StatusRecords& records) {
     if (!records.empty()) {
-        return overwriteTextFile(path, formatStatusRecords(records));
+        return writeTextFile(path, formatStatusRecords(records));
     }
     std::error_code error;
     const auto kind = fs::status(path, error).type();
@@ -181,13 +181,7 @@ bool removeTaskRecords(const std::string& caseDir, const std::vector<std::string
     for (const auto& name : names) {
         records.erase(name);
     }
-    if (writeStatusRecords(path, records)) {
-        return true;
-    }
-    if (!records.empty()) {
-        (void)overwriteTextFile(path, *text);
-    }
-    return false;
+    return writeStatusRecords(path, records);
 }
 
 } // namespace morquill::project

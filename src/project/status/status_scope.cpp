@@ -1,16 +1,25 @@
 #include "project/status/status_scope.h"
 
+#include "console/console.h"
 #include "project/cases/selection.h"
 #include "project/status/status_file.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "system/prompt.h"
 
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace morquill::project {
 
@@ -18,8 +27,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
+std::optional<FileIdentity> identityAt(const std::string& path) noexcept {
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) != 0) {
+        return std::nullopt;
+    }
+    return FileIdentity{info.st_dev, info.st_ino, info.st_mode & S_IFMT};
+}
+
 /// Fills in what stands at the backup's path; false when it cannot be read.
 bool takeBackup(StatusBackup& backup) {
+    backup.entry = identityAt(backup.path);
+    std::error_code error;
+    if (backup.entry && S_ISLNK(backup.entry->kind)) {
+        backup.link = fs::read_symlink(backup.path, error).string();
+    }
     struct stat info {};
     if (::stat(backup.path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
         return true;
@@ -31,9 +53,22 @@ bool takeBackup(StatusBackup& backup) {
     backup.existed = true;
     backup.content = std::move(*text);
     backup.mode = info.st_mode & 07777;
-    std::error_code noLink;
-    backup.link = fs::read_symlink(backup.path, noLink).string();
-    return true;
+    backup.file = backup.link.empty() ? backup.path : fs::canonical(backup.path, error).string();
+    return !error;
+}
+
+/// Takes the status file away or, with names to keep, narrows it to them.
+bool changeStatusFile(StatusBackup& backup, const std::vector<std::string>& kept) {
+    if (kept.empty() && !backup.link.empty()) {
+        return ::unlink(backup.path.c_str()) == 0; // the bytes stay where the link leads
+    }
+    auto held = system::holdBytes(backup.file, backup.content);
+    if (!held) {
+        return false;
+    }
+    backup.held = std::move(*held);
+    return kept.empty() ? ::unlink(backup.path.c_str()) == 0
+                        : writeTextFile(backup.path, formatStatusNames(kept));
 }
 
 bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selected, bool dryRun,
@@ -46,73 +81,162 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
         system::printErrorLine("[mqkit][ERROR] failed to read mq.status: " + path);
         return false;
     }
-    const bool existed = backup.existed;
     const auto kept = keptTasks(selected, parseCompletedTasks(backup.content));
     backups.push_back(std::move(backup));
     summary.selectedCompletedRecords += static_cast<std::int32_t>(kept.size());
-    if (!existed) {
+    if (!backups.back().existed) {
         return true;
     }
-    const auto prefix = (dryRun ? "[mqkit][DRY-RUN] " : "[mqkit] ") + name + " : ";
-    if (kept.empty()) {
-        summary.statusHidden += 1;
-        std::error_code error;
-        if (!dryRun) {
-            fs::remove(path, error);
-        }
-        if (error) {
-            system::printErrorLine("[mqkit][ERROR] failed to prepare mq.status for comd-only update: " +
-                                   name);
-            return false;
-        }
-        system::printLine(prefix + (dryRun ? "would temporarily hide" : "temporarily hid") +
-                          " mq.status because no selected task is marked completed");
-        return true;
-    }
-    summary.statusScoped += 1;
-    if (!dryRun && !overwriteTextFile(path, formatStatusNames(kept))) {
+    (kept.empty() ? summary.statusHidden : summary.statusScoped) += 1;
+    if (!dryRun && !changeStatusFile(backups.back(), kept)) {
         system::printErrorLine("[mqkit][ERROR] failed to prepare mq.status for comd-only update: " + name);
         return false;
     }
-    system::printLine(prefix + (dryRun ? "would scope" : "scoped") +
-                      " mq.status to selected completed task(s): " + formatSelection(kept));
+    const auto prefix = (dryRun ? "[mqkit][DRY-RUN] " : "[mqkit] ") + name + " : ";
+    if (kept.empty()) {
+        system::printLine(prefix + (dryRun ? "would temporarily hide" : "temporarily hid") +
+                          " mq.status because no selected task is marked completed");
+    } else {
+        system::printLine(prefix + (dryRun ? "would scope" : "scoped") +
+                          " mq.status to selected completed task(s): " + formatSelection(kept));
+    }
     return true;
 }
 
-/// Puts the text back; a file that had to be made anew gets its old kind and permissions, too.
-bool restoreText(const StatusBackup& backup) {
-    std::error_code error;
-    const bool gone = fs::symlink_status(backup.path, error).type() == fs::file_type::not_found;
-    if (gone && !backup.link.empty()) {
-        fs::create_symlink(backup.link, backup.path, error);
+// What follows runs when memory may have run out, too: nothing in it but the write itself may allocate.
+
+/// True when the path is a symbolic link with exactly this target.
+bool isLinkTo(const std::string& path, std::string_view target) noexcept {
+    std::array<char, PATH_MAX> text{};
+    const ssize_t size = ::readlink(path.c_str(), text.data(), text.size());
+    return size >= 0 && std::string_view(text.data(), static_cast<std::size_t>(size)) == target;
+}
+
+/// True when a file holds exactly these bytes.
+bool holdsText(const std::string& path, std::string_view text) noexcept {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    std::array<char, 4096> buffer{};
+    for (;;) {
+        const ssize_t got = ::read(file.get(), buffer.data(), buffer.size());
+        if (got <= 0) {
+            return got == 0 && text.empty();
+        }
+        const std::string_view piece(buffer.data(), static_cast<std::size_t>(got));
+        if (!text.starts_with(piece)) {
+            return false;
+        }
+        text.remove_prefix(piece.size());
     }
-    if (!overwriteTextFile(backup.path, backup.content)) {
+}
+
+/// Makes the path what it was, a link or a place for a plain file; what came there instead goes, a directory
+/// excepted.
+bool restoreEntry(const StatusBackup& backup) noexcept {
+    const auto now = identityAt(backup.path);
+    if (now && S_ISDIR(now->kind)) {
         return false;
     }
-    if (gone) {
-        (void)::chmod(backup.path.c_str(), backup.mode);
+    const bool asBefore =
+        !backup.link.empty() ? isLinkTo(backup.path, backup.link) : !now || S_ISREG(now->kind);
+    if (asBefore) {
+        return true;
     }
-    return true;
+    return (!now || ::unlink(backup.path.c_str()) == 0) &&
+           (backup.link.empty() || ::symlink(backup.link.c_str(), backup.path.c_str()) == 0);
 }
 
-bool restoreOne(const StatusBackup& backup) {
-    const auto message = "[mqkit][ERROR] failed to restore mq.status: " + backup.path;
-    if (backup.existed) {
-        if (!restoreText(backup)) {
-            system::printErrorLine(message);
-            return false;
+/// Puts the held copy in the place of a file that does not take its old bytes any more.
+bool replaceByHeld(const StatusBackup& backup) noexcept {
+    return backup.held.canReplace() && (::unlink(backup.file.c_str()) == 0 || errno == ENOENT) &&
+           backup.held.linkTo(backup.file);
+}
+
+/// Writes the old bytes into the file or, where the disk is full, puts the held copy there.
+bool writeBack(const StatusBackup& backup) {
+    try {
+        if (writeTextFile(backup.file, backup.content)) {
+            return true;
+        }
+    } catch (const std::exception&) {
+        if (!replaceByHeld(backup)) {
+            throw;
         }
         return true;
     }
-    std::error_code error;
-    if (fs::symlink_status(backup.path, error).type() != fs::file_type::directory) {
-        fs::remove(backup.path, error);
-        if (error) {
-            system::printErrorLine(message + " (" + error.message() + ")");
+    return replaceByHeld(backup);
+}
+
+bool restoreText(const StatusBackup& backup) {
+    const bool entryRestored = restoreEntry(backup);
+    struct stat info {};
+    const bool gone = ::stat(backup.file.c_str(), &info) != 0;
+    if ((!entryRestored && backup.link.empty()) || (!gone && !S_ISREG(info.st_mode))) {
+        return false;
+    }
+    // What lay behind a link goes back even where the link cannot.
+    if (gone && backup.held.linkTo(backup.file)) {
+        return entryRestored;
+    }
+    if ((gone || !holdsText(backup.file, backup.content)) && !writeBack(backup)) {
+        return false;
+    }
+    if (gone || (info.st_mode & 07777) != backup.mode) {
+        (void)::chmod(backup.file.c_str(), backup.mode);
+    }
+    return entryRestored;
+}
+
+/// Removes a file that came while the generator ran, at the path or behind a link that led to none before.
+/// The error number of a failure, else 0.
+int removeArrival(const StatusBackup& backup) noexcept {
+    const auto now = identityAt(backup.path);
+    if (!now || S_ISDIR(now->kind)) {
+        return 0;
+    }
+    if (now != backup.entry) {
+        if (::unlink(backup.path.c_str()) != 0) {
+            return errno;
+        }
+        const bool linked = backup.link.empty() || ::symlink(backup.link.c_str(), backup.path.c_str()) == 0;
+        return linked ? 0 : errno;
+    }
+    struct stat info {};
+    std::array<char, PATH_MAX> target{};
+    if (!S_ISLNK(now->kind) || ::stat(backup.path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+        return 0;
+    }
+    const bool removed =
+        ::realpath(backup.path.c_str(), target.data()) != nullptr && ::unlink(target.data()) == 0;
+    return removed ? 0 : errno;
+}
+
+void reportRestoreFailure(const StatusBackup& backup, std::string_view reason) noexcept {
+    for (const std::string_view piece :
+         {std::string_view("[mqkit][ERROR] failed to restore mq.status: "), std::string_view(backup.path),
+          std::string_view(reason.empty() ? "" : " ("), reason,
+          std::string_view(reason.empty() ? "\n" : ")\n")}) {
+        console::writeErr(piece);
+    }
+}
+
+bool restoreOne(const StatusBackup& backup) noexcept {
+    try {
+        if (!backup.existed) {
+            const int error = removeArrival(backup);
+            if (error != 0) {
+                reportRestoreFailure(backup, std::strerror(error));
+            }
+            return error == 0;
+        }
+        if (!restoreText(backup)) {
+            reportRestoreFailure(backup, "");
             return false;
         }
+        return true;
+    } catch (const std::exception& failure) {
+        reportRestoreFailure(backup, failure.what());
+        return false;
     }
-    return true;
 }
 
 } // namespace
@@ -128,7 +252,7 @@ bool scopeStatusFiles(const std::vector<std::string>& caseDirs, const std::vecto
     return true;
 }
 
-bool restoreStatusFiles(const std::vector<StatusBackup>& backups) {
+bool restoreStatusFiles(const std::vector<StatusBackup>& backups) noexcept {
     bool allRestored = true;
     for (auto backup = backups.rbegin(); backup != backups.rend(); ++backup) {
         allRestored = restoreOne(*backup) && allRestored;
@@ -140,7 +264,7 @@ StatusRestorer::~StatusRestorer() {
     (void)restore();
 }
 
-bool StatusRestorer::restore() {
+bool StatusRestorer::restore() noexcept {
     return restoreStatusFiles(std::exchange(backups_, {}));
 }
 

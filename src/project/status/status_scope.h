@@ -1,6 +1,9 @@
 #pragma once
 
+#include "system/held_bytes.h"
+
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,13 +13,25 @@
 /// selected and completed tasks look finished.
 namespace morquill::project {
 
+/// What lies at a path itself, by which it is known again later.
+struct FileIdentity {
+    dev_t device = 0;
+    ino_t inode = 0;
+    mode_t kind = 0; ///< the type bits: a number given up by one file may soon be another's
+
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
 /// What stood at the path of one case's status file before it was touched.
 struct StatusBackup {
     std::string path;
-    bool existed = false;
-    std::string content; ///< every byte, when it existed
-    mode_t mode = 0644;  ///< its permissions
-    std::string link;    ///< where it led to, when it was a symbolic link
+    bool existed = false;              ///< a regular file, or a link to one
+    std::string content;               ///< every byte, when it existed
+    mode_t mode = 0644;                ///< its permissions
+    std::string file;                  ///< where the bytes lie: the path, links resolved
+    std::string link;                  ///< where the path led to, when it was a symbolic link
+    std::optional<FileIdentity> entry; ///< what lay at the path itself, of whatever kind
+    system::HeldBytes held;            ///< the content on its disk, from just before it was touched
 };
 
 /// What an update did, for its summary lines.
@@ -36,9 +51,10 @@ struct UpdateSummary {
                                     const std::vector<std::string>& selected, bool dryRun,
                                     std::vector<StatusBackup>& backups, UpdateSummary& summary);
 
-/// Puts back what the backups hold, the last one first; a file that has appeared since is removed. Reports
-/// every failure, is stopped by none; false when there was one.
-[[nodiscard]] bool restoreStatusFiles(const std::vector<StatusBackup>& backups);
+/// Puts back what the backups hold, the last one first; a file that has come since is removed, what stood
+/// there before without being a status file (a directory, a FIFO, a link that leads to none) stays. Reports
+/// every failure, is stopped by none, not even by a lack of memory; false when there was one.
+[[nodiscard]] bool restoreStatusFiles(const std::vector<StatusBackup>& backups) noexcept;
 
 /// Restores on every way out of the scope, once.
 class StatusRestorer {
@@ -51,7 +67,7 @@ class StatusRestorer {
     /// The list that `scopeStatusFiles` fills.
     [[nodiscard]] std::vector<StatusBackup>& backups() noexcept { return backups_; }
     /// Restores now and forgets the backups; false when a file could not be restored.
-    [[nodiscard]] bool restore();
+    [[nodiscard]] bool restore() noexcept;
 
   private:
     std::vector<StatusBackup> backups_;

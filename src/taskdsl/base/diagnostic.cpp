@@ -13,9 +13,9 @@ std::string wholeMessage(const SourceSpan& span, const std::string& message) {
 } // namespace
 
 DiagnosticError::DiagnosticError(std::string message)
-    : std::runtime_error(message), message_(std::move(message)) {}
+    : WholeTextError(message), message_(std::move(message)) {}
 
 DiagnosticError::DiagnosticError(SourceSpan span, std::string message)
-    : std::runtime_error(wholeMessage(span, message)), span_(std::move(span)), message_(std::move(message)) {}
+    : WholeTextError(wholeMessage(span, message)), span_(std::move(span)), message_(std::move(message)) {}
 
 } // namespace morquill::taskdsl

@@ -1,17 +1,17 @@
 #pragma once
 
+#include "support/fault.h"
 #include "taskdsl/base/source_span.h"
 
 #include <functional>
-#include <stdexcept>
 #include <string>
 
 namespace morquill::taskdsl {
 
-/// A fault of the input that ends the parse. `what()` is the whole message: `<span>: error: <message>`, or
+/// A fault of the input that ends the parse. `text()` is the whole message: `<span>: error: <message>`, or
 /// the bare message when the span is invalid. The parts are kept, so that a tool need not take the text
 /// apart.
-class DiagnosticError : public std::runtime_error {
+class DiagnosticError : public WholeTextError {
   public:
     explicit DiagnosticError(std::string message);
     DiagnosticError(SourceSpan span, std::string message);

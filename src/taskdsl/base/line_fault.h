@@ -3,6 +3,7 @@
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/source_line.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,12 @@ namespace morquill::taskdsl {
     const std::string_view origin = line.originPath;
     return DiagnosticError(shownPath(origin.empty() ? currentFile : origin) + ":" +
                            std::to_string(line.lineNumber) + ": " + std::string(message));
+}
+
+/// The fault of a directive that stands in no task; `number` counts from 1.
+[[nodiscard]] inline DiagnosticError misplacedDirective(std::string_view path, std::size_t number) {
+    return DiagnosticError(shownPath(path) + ":" + std::to_string(number) +
+                           ": task directive appears outside a task block");
 }
 
 } // namespace morquill::taskdsl

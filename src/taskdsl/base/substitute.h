@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,8 @@ namespace morquill::taskdsl {
 
 /// Values by key, in byte order.
 using ValueMap = std::map<std::string, std::string, std::less<>>;
+/// Keys of a `ValueMap`.
+using KeySet = std::set<std::string, std::less<>>;
 
 /// Replaces every `[key]` whose key is in `values`; unknown keys stay as written, and what was put in is not
 /// scanned again. A key is one or more of letters, digits, `_`, `.` and `-` (pattern

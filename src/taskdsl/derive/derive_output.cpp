@@ -1,9 +1,13 @@
 #include "taskdsl/derive/derive_output.h"
 
 #include "support/text.h"
+#include "taskdsl/derive/condition_output.h"
+#include "taskdsl/derive/expression_walk.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace morquill::taskdsl::derive {
 
@@ -11,66 +15,19 @@ using plot::quotePlotText;
 
 namespace {
 
-std::string text(const ExprRef& expression) {
-    return plot::renderPlotExpression(expression);
-}
+/// Words that make another statement of an emit.
+constexpr std::string_view emitWords[] = {"artifact", "atomvec", "kv", "report", "table", "value"};
+
+/// What the reader takes off the front of an atom property.
+constexpr std::string_view propertyPrefix = "atoms.";
 
 /// ` word "value"`, or nothing for an empty value.
 std::string optional(std::string_view word, std::string_view value) {
     return value.empty() ? std::string() : std::string(word) + quotePlotText(value);
 }
 
-std::string renderLeaf(const DeriveCondition& leaf) {
-    if (leaf.op == DeriveCompareOp::truthy) {
-        return text(leaf.left);
-    }
-    std::string line = text(leaf.left);
-    if (leaf.op == DeriveCompareOp::in) {
-        line += " in [";
-        std::string_view separator;
-        for (const auto& value : leaf.list) {
-            line += separator;
-            line += text(value);
-            separator = ", ";
-        }
-        return line + ']';
-    }
-    line += ' ';
-    line += deriveCompareOpName(leaf.op);
-    line += ' ';
-    return line + text(leaf.right);
-}
-
-/// Appends the condition; goes down the last child in a loop, since chains lean that way.
-void renderCondition(const DeriveCondition& condition, std::string& line) {
-    std::string closing;
-    const DeriveCondition* node = &condition;
-    const auto opensGroup = [](const DeriveCondition& parent, const DeriveCondition& child) {
-        return parent.kind == DeriveConditionKind::conjunction &&
-               child.kind == DeriveConditionKind::disjunction;
-    };
-    while (!node->children.empty()) {
-        if (node->kind == DeriveConditionKind::negation) {
-            line += "not ";
-        } else {
-            const DeriveCondition& left = node->children.front();
-            const bool grouped = opensGroup(*node, left);
-            line += grouped ? "(" : "";
-            renderCondition(left, line);
-            line += grouped ? ")" : "";
-            line += ' ';
-            line += deriveConditionKindName(node->kind);
-            line += ' ';
-        }
-        const DeriveCondition& last = node->children.back();
-        if (opensGroup(*node, last)) {
-            line += '(';
-            closing += ')';
-        }
-        node = &last;
-    }
-    line += renderLeaf(*node);
-    line += closing;
+std::string named(std::string_view keyword, std::string_view name) {
+    return std::string(keyword).append(" ").append(name);
 }
 
 std::string renderAtoms(const std::string& task, const std::string& alias) {
@@ -99,109 +56,185 @@ std::string render(const DerivedTableSource& source) {
     return "derived(" + (plain ? selector : quotePlotText(selector)) + ")";
 }
 
-std::string render(const LetStatement& s) {
-    return "let " + s.name + " = " + text(s.value);
-}
+/// Prints the statements of one derive, a line each.
+class StatementPrinter {
+  public:
+    StatementPrinter(std::string_view derive, const WarningSink& warnings) : check_(derive, warnings) {}
 
-std::string render(const RequireStatement& s) {
-    return "require " + renderDeriveCondition(s.condition) + optional(" else ", s.message);
-}
-
-std::string render(const EmitScalarStatement& s) {
-    return "emit " + s.name + " = " + text(s.value) + optional(" unit ", s.unit);
-}
-
-std::string render(const ReportStatement& s) {
-    return "report " + quotePlotText(s.label) + " = " + text(s.value);
-}
-
-std::string render(const FromStatement& s) {
-    return "from " + std::visit([](const auto& source) { return render(source); }, s.source);
-}
-
-std::string render(const JoinStatement& s) {
-    return "join " + renderAtoms(s.task, s.alias) + " on " + s.key;
-}
-
-std::string render(const WhereStatement& s) {
-    return "where " + renderDeriveCondition(s.condition);
-}
-
-std::string render(const SelectStatement& s) {
-    return "select " + s.name + " = " + text(s.value);
-}
-
-std::string render(const SortStatement& s) {
-    return "sort " + text(s.key) + ' ' + std::string(deriveSortDirectionName(s.direction));
-}
-
-std::string render(const LimitStatement& s) {
-    return "limit " + std::to_string(s.count);
-}
-
-std::string render(const GroupByStatement& s) {
-    std::string line = "group by ";
-    std::string_view separator;
-    for (const auto& key : s.keys) {
-        line += separator;
-        line += text(key.expression) + " as " + key.name;
-        separator = ", ";
+    std::string operator()(const LetStatement& s) {
+        return print(s, &LetStatement::value, named("let", s.name) + " = ", "");
     }
-    return line;
-}
 
-std::string render(const AggregateStatement& s) {
-    return "aggregate " + s.name + " = " + text(s.value);
-}
-
-std::string render(const EmitTableStatement& s) {
-    std::string line = "emit table " + s.name;
-    if (s.sink != DeriveSinkFormat::none) {
-        line += " to " + std::string(deriveSinkFormatName(s.sink)) + ' ' + quotePlotText(s.path);
+    std::string operator()(const RequireStatement& s) {
+        const auto mark = check_.mark();
+        std::string line = "require " + printCondition(s.condition, "require", ElseWord::ends, check_) +
+                           optional(" else ", s.message);
+        check_.confirm(mark, line, "require", s);
+        return line;
     }
-    return line;
-}
 
-std::string render(const EmitValueStatement& s) {
-    return "emit value " + s.name + " to kv " + quotePlotText(s.path);
-}
+    std::string operator()(const EmitScalarStatement& s) {
+        const std::string head = named("emit", s.name) + " = ";
+        const std::string tail = optional(" unit ", s.unit);
+        if (std::any_of(std::begin(emitWords), std::end(emitWords),
+                        [&](std::string_view word) { return equalsNoCase(s.name, word); })) {
+            check_.report(quoted(named("emit", s.name)) + " begins another statement");
+            return head + plot::renderPlotExpression(s.value) + tail;
+        }
+        return print(s, &EmitScalarStatement::value, head, tail);
+    }
 
-std::string render(const EmitReportStatement& s) {
-    return "emit report to root" + optional(" ", s.path);
-}
+    std::string operator()(const ReportStatement& s) {
+        checkText("report", s.label);
+        return print(s, &ReportStatement::value, "report " + quotePlotText(s.label) + " = ", "");
+    }
 
-std::string render(const EmitAtomVectorStatement& s) {
-    return "emit atomvec " + s.property + " = " + text(s.value);
-}
+    std::string operator()(const FromStatement& s) {
+        return "from " + std::visit([](const auto& source) { return render(source); }, s.source);
+    }
 
-std::string renderAtomSink(std::string_view statement, const std::string& target, const std::string& property,
-                           const ExprRef& value) {
-    return std::string(statement) + quotePlotText(target) + " from " + text(value) +
-           (property.empty() ? "" : " as " + property);
-}
+    std::string operator()(const JoinStatement& s) {
+        return "join " + renderAtoms(s.task, s.alias) + " on " + s.key;
+    }
 
-std::string render(const EmitArtifactStatement& s) {
-    return renderAtomSink("emit artifact ", s.target, s.property, s.value);
-}
+    std::string operator()(const WhereStatement& s) {
+        const auto mark = check_.mark();
+        std::string line = "where " + printCondition(s.condition, "where", ElseWord::ordinary, check_);
+        check_.confirm(mark, line, "where", s);
+        return line;
+    }
 
-std::string render(const EmitKvStatement& s) {
-    return renderAtomSink("emit kv ", s.target, s.property, s.value);
-}
+    std::string operator()(const SelectStatement& s) {
+        return print(s, &SelectStatement::value, named("select", s.name) + " = ", "");
+    }
+
+    std::string operator()(const SortStatement& s) {
+        return print(s, &SortStatement::key, "sort ",
+                     ' ' + std::string(deriveSortDirectionName(s.direction)));
+    }
+
+    std::string operator()(const LimitStatement& s) { return "limit " + std::to_string(s.count); }
+
+    std::string operator()(const GroupByStatement& s) {
+        const auto mark = check_.mark();
+        std::string line = "group by ";
+        std::string_view separator;
+        for (const auto& key : s.keys) {
+            line += separator;
+            line += check_.print(key.expression, "group by", [&](const auto& text, const ExprRef& reading) {
+                return readsAs("group by " + text + " as " + key.name,
+                               GroupByStatement{{{key.name, reading}}, {}});
+            });
+            line += " as " + key.name;
+            separator = ", ";
+        }
+        check_.confirm(mark, line, "group by", s);
+        return line;
+    }
+
+    std::string operator()(const AggregateStatement& s) {
+        const std::string head = named("aggregate", s.name) + " = ";
+        return callsFunction(s.value) ? print(s, &AggregateStatement::value, head, "")
+                                      : choose(s, &AggregateStatement::value, head, "");
+    }
+
+    std::string operator()(const EmitTableStatement& s) {
+        std::string line = "emit table " + s.name;
+        if (s.sink != DeriveSinkFormat::none) {
+            checkText("emit table", s.path);
+            line += " to " + std::string(deriveSinkFormatName(s.sink)) + ' ' + quotePlotText(s.path);
+        }
+        return line;
+    }
+
+    std::string operator()(const EmitValueStatement& s) {
+        checkText("emit value", s.path);
+        return "emit value " + s.name + " to kv " + quotePlotText(s.path);
+    }
+
+    std::string operator()(const EmitReportStatement& s) {
+        return "emit report to root" + optional(" ", s.path);
+    }
+
+    std::string operator()(const EmitAtomVectorStatement& s) {
+        const auto read = asRead(s);
+        return print(read, &EmitAtomVectorStatement::value, named("emit atomvec", s.property) + " = ", "");
+    }
+
+    std::string operator()(const EmitArtifactStatement& s) { return printAtomSink("emit artifact", s); }
+
+    std::string operator()(const EmitKvStatement& s) { return printAtomSink("emit kv", s); }
+
+  private:
+    static std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+    /// The statement's line from `head` to `tail`, its one expression between them.
+    template <class Statement>
+    std::string print(const Statement& s, ExprRef Statement::*expression, const std::string& head,
+                      const std::string& tail) {
+        return isUnusual(s.*expression) ? choose(s, expression, head, tail)
+                                        : head + plot::renderPlotExpression(s.*expression) + tail;
+    }
+
+    template <class Statement>
+    std::string choose(const Statement& s, ExprRef Statement::*expression, const std::string& head,
+                       const std::string& tail) {
+        const auto statement = trim(head.ends_with(" = ") ? std::string_view(head).substr(0, head.size() - 3)
+                                                          : std::string_view(head));
+        return head +
+               check_.choose(s.*expression, statement,
+                             [&](const std::string& text, const ExprRef& reading) {
+                                 Statement expected = s;
+                                 expected.*expression = reading;
+                                 return readsAs(head + text + tail, expected);
+                             }) +
+               tail;
+    }
+
+    template <class Statement>
+    std::string printAtomSink(const std::string& keyword, const Statement& s) {
+        checkText(keyword, s.target);
+        const auto read = asRead(s);
+        return print(read, &Statement::value, keyword + ' ' + quotePlotText(s.target) + " from ",
+                     s.property.empty() ? "" : " as " + s.property);
+    }
+
+    /// The statement with the property that the reader leaves of the printed one.
+    template <class Statement>
+    Statement asRead(const Statement& s) {
+        Statement read = s;
+        if (s.property.starts_with(propertyPrefix)) {
+            check_.report("the property " + quoted(s.property) + " loses its " + quoted(propertyPrefix));
+            read.property.erase(0, propertyPrefix.size());
+        }
+        return read;
+    }
+
+    /// A text that a statement needs may be empty once values are put in.
+    void checkText(std::string_view statement, std::string_view text) {
+        if (text.empty()) {
+            check_.report("a text of " + quoted(statement) + " is empty");
+        }
+    }
+
+    ReadBackCheck check_;
+};
 
 } // namespace
 
 std::string renderDeriveCondition(const DeriveCondition& condition) {
-    std::string line;
-    renderCondition(condition, line);
-    return line;
+    const WarningSink nobody;
+    ReadBackCheck check("", nobody);
+    return printCondition(condition, "", ElseWord::ordinary, check);
 }
 
-std::string renderDerive(const DeriveSpec& spec, std::string_view indent) {
+std::string renderDerive(const DeriveSpec& spec, std::string_view indent, const WarningSink& warnings) {
+    StatementPrinter printer(spec.name, warnings);
     std::string block;
     block.append(indent).append("@derive ").append(spec.name).append("\n");
     for (const auto& statement : spec.statements) {
         block.append(indent).append("  ");
-        block += std::visit([](const auto& s) { return render(s); }, statement);
+        block += std::visit(printer, statement);
         block += '\n';
     }
     block.append(indent).append("@end\n");

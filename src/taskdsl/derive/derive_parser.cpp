@@ -1,8 +1,10 @@
 #include "taskdsl/derive/derive_parser.h"
 
 #include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
 #include "taskdsl/derive/block_reader.h"
 #include "taskdsl/derive/derive_text.h"
+#include "taskdsl/derive/read_back.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <array>
@@ -152,13 +154,17 @@ void checkPhase(const BlockReader& reader, const StatementRow& row) {
     }
 }
 
-void readStatement(BlockReader& reader) {
+enum class Phases { checked, ignored };
+
+void readStatement(BlockReader& reader, Phases phases) {
     const auto& line = reader.lines[reader.next++];
     reader.span = line.span;
     reader.indent = line.indent;
     const std::string_view text = line.text;
     const StatementRow& row = rowOf(reader, text);
-    checkPhase(reader, row);
+    if (phases == Phases::checked) {
+        checkPhase(reader, row);
+    }
     row.read(reader, trim(text.substr(std::min(row.keyword.size(), text.size()))));
     reader.seen |= row.sets;
 }
@@ -179,7 +185,7 @@ DeriveSpec parseDerive(const CapturedBlock& block) {
     reader.spec.name = readName(block);
     reader.lines = plot::readPlotStatements(block.lines, "@derive");
     while (reader.next < reader.lines.size()) {
-        readStatement(reader);
+        readStatement(reader, Phases::checked);
     }
     reader.span = block.span;
     if ((reader.seen & seenEmit) == 0) {
@@ -189,6 +195,24 @@ DeriveSpec parseDerive(const CapturedBlock& block) {
         reader.fail("table pipeline must end with at least one emit sink");
     }
     return std::move(reader.spec);
+}
+
+std::optional<DeriveStatement> readSingleStatement(std::string_view text) {
+    std::vector<SourceLine> lines;
+    for (const auto line : splitLines(text)) {
+        lines.push_back({std::string(line), {}, 1});
+    }
+    BlockReader reader;
+    try {
+        reader.lines = plot::readPlotStatements(lines, "@derive");
+        if (reader.lines.size() == 1) {
+            readStatement(reader, Phases::ignored);
+        }
+    } catch (const DiagnosticError&) {
+        return std::nullopt;
+    }
+    auto& statements = reader.spec.statements;
+    return statements.size() == 1 ? std::optional(std::move(statements.front())) : std::nullopt;
 }
 
 } // namespace morquill::taskdsl::derive

@@ -59,6 +59,8 @@ struct DeriveCondition {
     DeriveCondition(DeriveCondition&& other) noexcept = default;
     DeriveCondition& operator=(DeriveCondition other) noexcept;
     ~DeriveCondition();
+
+    friend bool operator==(const DeriveCondition& left, const DeriveCondition& right);
 };
 
 /// `let name = value`.
@@ -66,12 +68,16 @@ struct LetStatement {
     std::string name;
     ExprRef value;
     SourceSpan span;
+
+    friend bool operator==(const LetStatement& left, const LetStatement& right);
 };
 /// `require condition else message`.
 struct RequireStatement {
     DeriveCondition condition;
     std::string message; ///< may be empty
     SourceSpan span;
+
+    friend bool operator==(const RequireStatement&, const RequireStatement&) = default;
 };
 /// `emit name = value unit unit`.
 struct EmitScalarStatement {
@@ -79,33 +85,45 @@ struct EmitScalarStatement {
     ExprRef value;
     std::string unit; ///< may be empty
     SourceSpan span;
+
+    friend bool operator==(const EmitScalarStatement& left, const EmitScalarStatement& right);
 };
 /// `report label = value`.
 struct ReportStatement {
     std::string label;
     ExprRef value;
     SourceSpan span;
+
+    friend bool operator==(const ReportStatement& left, const ReportStatement& right);
 };
 /// Rows are tasks.
 struct TasksSource {
     std::vector<std::string> patterns; ///< "*" if none was written
     std::string program;
     std::string templateName; ///< template task
+
+    friend bool operator==(const TasksSource&, const TasksSource&) = default;
 };
 /// Rows are the atoms of one task.
 struct AtomsSource {
     std::string task;
     std::string alias;
+
+    friend bool operator==(const AtomsSource&, const AtomsSource&) = default;
 };
 /// Rows are those of a table that another derive emits.
 struct DerivedTableSource {
     std::string derive;
     std::string table;
+
+    friend bool operator==(const DerivedTableSource&, const DerivedTableSource&) = default;
 };
 /// `from source`: opens the table pipeline.
 struct FromStatement {
     std::variant<TasksSource, AtomsSource, DerivedTableSource> source;
     SourceSpan span;
+
+    friend bool operator==(const FromStatement&, const FromStatement&) = default;
 };
 /// `join atoms(task) as alias on key`.
 struct JoinStatement {
@@ -113,43 +131,59 @@ struct JoinStatement {
     std::string alias;
     std::string key; ///< always "atom.id"
     SourceSpan span;
+
+    friend bool operator==(const JoinStatement&, const JoinStatement&) = default;
 };
 /// `where condition`.
 struct WhereStatement {
     DeriveCondition condition;
     SourceSpan span;
+
+    friend bool operator==(const WhereStatement&, const WhereStatement&) = default;
 };
 /// One column; a list of columns is several statements.
 struct SelectStatement {
     std::string name;
     ExprRef value;
     SourceSpan span;
+
+    friend bool operator==(const SelectStatement& left, const SelectStatement& right);
 };
 /// One sort key.
 struct SortStatement {
     ExprRef key;
     DeriveSortDirection direction = DeriveSortDirection::asc;
     SourceSpan span;
+
+    friend bool operator==(const SortStatement& left, const SortStatement& right);
 };
 /// `limit count`.
 struct LimitStatement {
     std::uint64_t count = 1; ///< rows, at least 1
     SourceSpan span;
+
+    friend bool operator==(const LimitStatement&, const LimitStatement&) = default;
 };
 struct DeriveGroupKey {
     std::string name;
     ExprRef expression;
+
+    friend bool operator==(const DeriveGroupKey& left, const DeriveGroupKey& right);
 };
 /// `group by key as name, ...`.
 struct GroupByStatement {
     std::vector<DeriveGroupKey> keys;
     SourceSpan span;
+
+    friend bool operator==(const GroupByStatement&, const GroupByStatement&) = default;
 };
 /// One aggregated column.
 struct AggregateStatement {
     std::string name;
     ExprRef value;
     SourceSpan span;
+
+    friend bool operator==(const AggregateStatement& left, const AggregateStatement& right);
 };
 /// `emit table name to sink path`.
 struct EmitTableStatement {
@@ -157,23 +191,31 @@ struct EmitTableStatement {
     DeriveSinkFormat sink = DeriveSinkFormat::none;
     std::string path; ///< empty without a sink
     SourceSpan span;
+
+    friend bool operator==(const EmitTableStatement&, const EmitTableStatement&) = default;
 };
 /// `emit value name to kv path`.
 struct EmitValueStatement {
     std::string name;
     std::string path;
     SourceSpan span;
+
+    friend bool operator==(const EmitValueStatement&, const EmitValueStatement&) = default;
 };
 /// `emit report to root path`.
 struct EmitReportStatement {
     std::string path; ///< may be empty
     SourceSpan span;
+
+    friend bool operator==(const EmitReportStatement&, const EmitReportStatement&) = default;
 };
 /// `emit atomvec property = value`.
 struct EmitAtomVectorStatement {
     std::string property;
     ExprRef value;
     SourceSpan span;
+
+    friend bool operator==(const EmitAtomVectorStatement& left, const EmitAtomVectorStatement& right);
 };
 /// `emit artifact target from value as property`.
 struct EmitArtifactStatement {
@@ -181,6 +223,8 @@ struct EmitArtifactStatement {
     std::string property;
     ExprRef value;
     SourceSpan span;
+
+    friend bool operator==(const EmitArtifactStatement& left, const EmitArtifactStatement& right);
 };
 /// `emit kv target from value as property`.
 struct EmitKvStatement {
@@ -188,6 +232,8 @@ struct EmitKvStatement {
     std::string property;
     ExprRef value;
     SourceSpan span;
+
+    friend bool operator==(const EmitKvStatement& left, const EmitKvStatement& right);
 };
 
 /// One statement. The order of the alternatives is fixed.
@@ -202,6 +248,8 @@ struct DeriveSpec {
     SourceSpan span; ///< the header line
     std::string name;
     std::vector<DeriveStatement> statements; ///< in source order, lists taken apart, binds lowered to lets
+
+    friend bool operator==(const DeriveSpec&, const DeriveSpec&) = default;
 };
 
 } // namespace morquill::taskdsl::derive

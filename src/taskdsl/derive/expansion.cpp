@@ -1,9 +1,11 @@
 #include "taskdsl/derive/formulas.h"
 
 #include "support/text.h"
+#include "taskdsl/derive/expression_walk.h"
 #include "taskdsl/expr/statement_reader.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <set>
 #include <utility>
@@ -28,7 +30,8 @@ using Bindings = std::map<std::string_view, Expanded>;
 /// Where an expression stands.
 struct Place {
     const Bindings* bindings = nullptr; ///< of the formula whose body this is
-    std::size_t formulas = 0;           ///< formulas and profiles around it
+    std::uint32_t formulas = 0;         ///< formulas around it
+    std::uint32_t profiles = 0;         ///< profiles around it
     std::size_t nesting = 0;            ///< calls, signs and parentheses around it
     int asked = 0;                      ///< precedence below which a binary node is printed in parentheses
 };
@@ -101,7 +104,7 @@ class Expander {
     }
 
     void visit(const Place& place) {
-        if (place.formulas == 0) {
+        if (place.formulas == 0 && place.profiles == 0) {
             ++written_;
         } else {
             charge(surface_.visitedNodes, 1, span_);
@@ -120,8 +123,8 @@ class Expander {
     }
 
     Expanded expandSign(const plot::UnaryExpr& node, const ExprRef& expression, const Place& place) {
-        Expanded operand =
-            expand(node.operand, {place.bindings, place.formulas, place.nesting + 1, unaryPrecedence});
+        Expanded operand = expand(node.operand, {place.bindings, place.formulas, place.profiles,
+                                                 place.nesting + 1, unaryPrecedence});
         Expanded result{expression, operand.nodes + 1,
                         operand.depth + 1 + parentheses(operand.expression, unaryPrecedence)};
         if (operand.expression != node.operand) {
@@ -264,25 +267,25 @@ class Expander {
     }
 
     /// Calls `take` with the arguments of the call but `using=`, then with those of the profile. What a
-    /// profile gives stands outside every formula body, and counts as a level of its own: a profile whose
-    /// values use it again would not end.
+    /// profile gives stands outside every formula body. A profile whose values use it again would not end,
+    /// so profiles have a bound of their own.
     template <class Take>
     void forEachArgument(const plot::CallExpr& call, const ParameterProfile* profile, const Place& place,
                          Take take) {
         for (const auto& argument : call.arguments) {
             if (!isUsing(argument)) {
-                take(argument, Place{place.bindings, place.formulas, place.nesting + 1, 0});
+                take(argument, Place{place.bindings, place.formulas, place.profiles, place.nesting + 1, 0});
             }
         }
         if (profile != nullptr) {
-            const Place inside{nullptr, enter(place), place.nesting + 1, 0};
+            const Place inside{nullptr, place.formulas, enterProfile(place), place.nesting + 1, 0};
             for (const auto& argument : profile->arguments) {
                 take(argument, inside);
             }
         }
     }
 
-    [[gnu::noinline]] std::size_t enter(const Place& place) const {
+    [[gnu::noinline]] std::uint32_t enterFormula(const Place& place) const {
         if (place.formulas >= maxFormulaDepth) {
             plotError(span_,
                       "formula expansion exceeds the maximum depth of " + std::to_string(maxFormulaDepth));
@@ -290,13 +293,22 @@ class Expander {
         return place.formulas + 1;
     }
 
+    [[gnu::noinline]] std::uint32_t enterProfile(const Place& place) const {
+        if (place.profiles >= maxProfileDepth) {
+            plotError(span_,
+                      "profile expansion exceeds the maximum depth of " + std::to_string(maxProfileDepth));
+        }
+        return place.profiles + 1;
+    }
+
     Expanded expandFormula(const FormulaDefinition& formula, const plot::CallExpr& call,
                            const ParameterProfile* profile, const Place& place) {
         checkRecursion(formula.name);
-        const auto inside = enter(place);
+        const auto inside = enterFormula(place);
         Bindings bindings = bind(formula, call, profile, place);
         names_.push_back(formula.name);
-        Expanded result = expand(formula.body, {&bindings, inside, place.nesting, place.asked});
+        Expanded result =
+            expand(formula.body, {&bindings, inside, place.profiles, place.nesting, place.asked});
         names_.pop_back();
         std::size_t grown = result.nodes;
         for (const auto& [name, value] : bindings) {
@@ -364,24 +376,7 @@ class Expander {
 } // namespace
 
 void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span) {
-    std::vector<const ExprRef*> pending{&expression};
-    while (!pending.empty()) {
-        const ExprRef& node = *pending.back();
-        pending.pop_back();
-        charge(surface.expandedNodes, 1, span);
-        std::visit(Match{[&](const plot::CallExpr& call) {
-                             for (const auto& argument : call.arguments) {
-                                 pending.push_back(&argument.value);
-                             }
-                         },
-                         [&](const plot::UnaryExpr& unary) { pending.push_back(&unary.operand); },
-                         [&](const plot::BinaryExpr& binary) {
-                             pending.push_back(&binary.right);
-                             pending.push_back(&binary.left);
-                         },
-                         [](const auto&) {}},
-                   node->node);
-    }
+    forEachNode(expression, [&](const plot::PlotExpression&) { charge(surface.expandedNodes, 1, span); });
 }
 
 ExprRef expandFormulas(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span) {

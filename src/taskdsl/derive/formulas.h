@@ -38,8 +38,10 @@ struct DeriveSurface {
     std::size_t visitedNodes = 0;  ///< nodes of formula bodies and profiles that were gone through for it
 };
 
-/// The deepest nesting of formulas (and profiles) within formulas.
+/// The deepest nesting of formulas within formulas.
 inline constexpr std::size_t maxFormulaDepth = 64;
+/// The deepest nesting of profiles within the values of profiles.
+inline constexpr std::size_t maxProfileDepth = 64;
 /// The most nodes that formulas, profiles, binds and report modifiers may add to one block, and the most that
 /// may be gone through to find them: definitions that double each other end here and not in memory. What is
 /// written out in full is not counted.

@@ -2,6 +2,7 @@
 #include "taskdsl/derive/block_reader.h"
 #include "taskdsl/derive/condition.h"
 #include "taskdsl/derive/derive_text.h"
+#include "taskdsl/derive/expression_walk.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <charconv>
@@ -84,14 +85,19 @@ AtomsSource readAtomsSource(BlockReader& reader, std::string_view text) {
             requireIdentifier(halves->right, "atom source alias must be a simple identifier", reader.span)};
 }
 
+DerivedTableSource derivedTable(const BlockReader& reader, std::string_view derive, std::string_view table) {
+    return {requireIdentifier(derive, "derived() derive id must be an identifier", reader.span),
+            requireIdentifier(table, "derived() table name must be an identifier", reader.span)};
+}
+
 /// `derived(derive.table)`: the names stand before and behind the first dot.
-DerivedTableSource splitShorthand(const BlockReader& reader, const std::string& text) {
+DerivedTableSource splitShorthand(const BlockReader& reader, std::string_view text) {
     const auto selector = trim(text);
     const auto dot = selector.find('.');
     if (dot == std::string_view::npos || dot == 0 || dot + 1 == selector.size()) {
         reader.fail("derived() shorthand must be 'derive.table'");
     }
-    return {std::string(selector.substr(0, dot)), std::string(selector.substr(dot + 1))};
+    return derivedTable(reader, selector.substr(0, dot), selector.substr(dot + 1));
 }
 
 DerivedTableSource readDerivedSource(BlockReader& reader, std::string_view text) {
@@ -126,8 +132,7 @@ DerivedTableSource readDerivedSource(BlockReader& reader, std::string_view text)
     if (!table) {
         return splitShorthand(reader, *derive);
     }
-    return {requireIdentifier(trim(*derive), "derived() derive id must be an identifier", reader.span),
-            requireIdentifier(trim(*table), "derived() table name must be an identifier", reader.span)};
+    return derivedTable(reader, trim(*derive), trim(*table));
 }
 
 /// A list entry that names what it holds.
@@ -248,18 +253,15 @@ void readGroupBy(BlockReader& reader, std::string_view text) {
     reader.add(std::move(statement));
 }
 
-/// True when the text calls a function somewhere. The call need not be the whole of it: an expanded formula
-/// may put a factor beside it, and must read back.
-bool callsFunction(std::string_view text) noexcept {
-    bool behindName = false;
-    for (const char c : text) {
-        if (c == '(' && behindName) {
-            return true;
-        }
-        behindName = isLetter(c) || isDigit(c) || c == '_' || c == ']' || (behindName && isSpace(c));
-    }
-    return false;
+namespace {
+
+/// True for a value that calls a function, somewhere in it. A value in parentheses passes, too: the call of a
+/// formula may leave none behind once it is expanded, and what it leaves is printed so.
+bool isAggregate(const ExprRef& value, std::string_view text) {
+    return callsFunction(value) || insideParentheses(text);
 }
+
+} // namespace
 
 void readAggregate(BlockReader& reader, std::string_view text) {
     for (const auto entry : splitAtCommas(text)) {
@@ -272,8 +274,12 @@ void readAggregate(BlockReader& reader, std::string_view text) {
         }
         AggregateStatement statement;
         statement.name = requireIdentifier(halves->left, "aggregate name must be an identifier", reader.span);
-        statement.value = reader.expression(halves->right, "aggregate statement requires an expression");
-        if (!callsFunction(halves->right)) {
+        if (halves->right.empty()) {
+            reader.fail("aggregate statement requires an expression");
+        }
+        const auto written = plot::parsePlotExpression(halves->right, reader.span);
+        statement.value = expandFormulas(written, reader.surface, reader.span);
+        if (!isAggregate(written, halves->right)) {
             reader.fail("aggregate entry must be 'name = function(expression)'");
         }
         if (!reader.aggregates.insert(statement.name).second) {

@@ -1,17 +1,16 @@
 #include "taskdsl/expr/expression.h"
 
-#include "support/number.h"
 #include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace morquill::taskdsl::plot {
 
 namespace {
-
-constexpr int significantDigits = 15;
 
 /// Calls `visit` with the reference to each child of the node, from left to right.
 template <class Node, class Visit>
@@ -70,49 +69,157 @@ struct PrintItem {
     std::string_view text;
     const PlotExpression* expression = nullptr;
     int asked = anything;
+    bool closes = false; ///< a level of nesting ends here
 };
 
-/// Prints what stands at the front of a node and leaves the rest on the stack, last part first.
-void printNode(const PlotExpression::Node& node, std::string& out, std::vector<PrintItem>& stack) {
-    std::visit(
-        Match{[&](const NumberExpr& number) { out += formatSignificant(number.value, significantDigits); },
-              [&](const StringExpr& string) { out += quotePlotText(string.text); },
-              [&](const IdentifierExpr& identifier) { out += identifier.name; },
-              [&](const SnapshotExpr& snapshot) {
-                  out += "{{ ";
-                  out += snapshot.task;
-                  out += '.';
-                  out += snapshot.key;
-                  out += " }}";
-              },
-              [&](const CallExpr& call) {
-                  out += call.name;
-                  out += '(';
-                  stack.push_back({")", nullptr, anything});
-                  for (auto it = call.arguments.rbegin(); it != call.arguments.rend(); ++it) {
-                      stack.push_back({{}, it->value.get(), anything});
-                      if (it->named) {
-                          stack.push_back({"=", nullptr, anything});
-                          stack.push_back({it->name, nullptr, anything});
-                      }
-                      if (std::next(it) != call.arguments.rend()) {
-                          stack.push_back({", ", nullptr, anything});
-                      }
-                  }
-              },
-              [&](const UnaryExpr& unary) {
-                  out += unary.op == UnaryOp::minus ? '-' : '+';
-                  stack.push_back({{}, unary.operand.get(), signs});
-              },
-              [&](const BinaryExpr& binary) {
-                  const int own = isProduct(binary.op) ? products : sums;
-                  const bool strict = binary.op == BinaryOp::subtract || binary.op == BinaryOp::divide;
-                  stack.push_back({{}, binary.right.get(), own + (strict ? 1 : 0)});
-                  stack.push_back({operatorText(binary.op), nullptr, anything});
-                  stack.push_back({{}, binary.left.get(), own});
-              }},
-        node);
+/// True for a binary node that prints without parentheses on the right of a node of its own precedence, and
+/// so becomes a part of the left side when it is read.
+bool regroups(const BinaryExpr& binary) {
+    const auto* right = expressionAs<BinaryExpr>(binary.right);
+    const bool strict = binary.op == BinaryOp::subtract || binary.op == BinaryOp::divide;
+    return right != nullptr && !strict && isProduct(right->op) == isProduct(binary.op);
 }
+
+/// True for a task or key that no walk through a statement stops at.
+bool isCalm(std::string_view text) noexcept {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+        return isLetter(c) || isDigit(c) || std::string_view("_-.:[]").find(c) != std::string_view::npos;
+    });
+}
+
+std::string textOf(const SnapshotExpr& snapshot) {
+    return "{{ " + snapshot.task + "." + snapshot.key + " }}";
+}
+
+bool readsBack(const SnapshotExpr& snapshot) {
+    try {
+        const auto again = parsePlotExpression(textOf(snapshot), {});
+        const auto* reference = expressionAs<SnapshotExpr>(again);
+        return reference != nullptr && reference->task == snapshot.task && reference->key == snapshot.key;
+    } catch (const DiagnosticError&) {
+        return false;
+    }
+}
+
+/// Prints a tree from its root, keeping what is still to be printed on a stack.
+class ExpressionPrinter {
+  public:
+    explicit ExpressionPrinter(const ExprRef& root) {
+        stack_.reserve(16); // most expressions need no more
+        push(root, anything);
+    }
+
+    PrintedExpression print() {
+        while (!stack_.empty()) {
+            const PrintItem item = stack_.back();
+            stack_.pop_back();
+            if (item.expression != nullptr) {
+                open(*item.expression, item.asked);
+                continue;
+            }
+            printed_.text += item.text;
+            depth_ -= item.closes ? 1 : 0;
+        }
+        if (printed_.depth > maxExpressionDepth) {
+            lose("the expression is nested too deeply");
+        }
+        return std::move(printed_);
+    }
+
+    void operator()(const NumberExpr& number) {
+        if (std::isinf(number.value)) {
+            printed_.text += "1e+999"; // "inf" would be a name
+            return;
+        }
+        printed_.text += plotNumberText(number.value);
+        if (!plotNumberReadsBack(number.value)) {
+            lose(plotNumberLoss(number.value));
+        }
+    }
+    void operator()(const StringExpr& string) { printed_.text += quotePlotText(string.text); }
+    void operator()(const IdentifierExpr& identifier) { name(identifier.name); }
+    void operator()(const SnapshotExpr& snapshot) {
+        const auto text = textOf(snapshot);
+        printed_.text += text;
+        const bool calm = isCalm(snapshot.task) && isCalm(snapshot.key);
+        printed_.oddReference = printed_.oddReference || !calm;
+        if ((!calm || snapshot.task.find('.') != std::string::npos) && !readsBack(snapshot)) {
+            lose("'" + text + "' is no reference");
+        }
+    }
+    void operator()(const CallExpr& call) {
+        name(call.name);
+        printed_.text += '(';
+        goDeeper();
+        close(")");
+        for (auto it = call.arguments.rbegin(); it != call.arguments.rend(); ++it) {
+            push(it->value, anything);
+            if (it->named) {
+                push("=");
+                push(it->name);
+                checkName(it->name);
+            }
+            if (std::next(it) != call.arguments.rend()) {
+                push(", ");
+            }
+        }
+    }
+    void operator()(const UnaryExpr& unary) {
+        printed_.text += unary.op == UnaryOp::minus ? '-' : '+';
+        goDeeper();
+        close({});
+        push(unary.operand, signs);
+    }
+    void operator()(const BinaryExpr& binary) {
+        const int own = isProduct(binary.op) ? products : sums;
+        const bool strict = binary.op == BinaryOp::subtract || binary.op == BinaryOp::divide;
+        push(binary.right, own + (strict ? 1 : 0));
+        push(operatorText(binary.op));
+        push(binary.left, own);
+        if (regroups(binary)) {
+            lose("parentheses on the right of '" + std::string(trim(operatorText(binary.op))) +
+                 "' are not printed");
+        }
+    }
+
+  private:
+    /// Prints what stands at the front of a node and leaves the rest on the stack, last part first.
+    void open(const PlotExpression& expression, int asked) {
+        if (precedenceOf(expression.node) < asked) {
+            printed_.text += '(';
+            goDeeper();
+            close(")");
+        }
+        std::visit(*this, expression.node);
+    }
+
+    void push(std::string_view text) { stack_.push_back({text, nullptr, anything}); }
+    void push(const ExprRef& expression, int asked) { stack_.push_back({{}, expression.get(), asked}); }
+    void close(std::string_view text) { stack_.push_back({text, nullptr, anything, true}); }
+
+    void goDeeper() { printed_.depth = std::max(printed_.depth, ++depth_); }
+
+    void name(const std::string& text) {
+        printed_.text += text;
+        checkName(text);
+    }
+    void checkName(const std::string& text) {
+        if (!isExpressionName(text)) {
+            lose("'" + text + "' is no name");
+        }
+    }
+
+    /// The first reason is kept.
+    void lose(std::string reason) {
+        if (printed_.loss.empty()) {
+            printed_.loss = std::move(reason);
+        }
+    }
+
+    PrintedExpression printed_;
+    std::vector<PrintItem> stack_;
+    std::size_t depth_ = 0;
+};
 
 /// True when the nodes are alike but for their children.
 bool equalHeads(const PlotExpression::Node& left, const PlotExpression::Node& right) {
@@ -160,25 +267,12 @@ ExprRef makeExpression(PlotExpression::Node node) {
     return std::make_shared<PlotExpression>(std::move(node));
 }
 
+PrintedExpression printExpression(const ExprRef& expression) {
+    return ExpressionPrinter(expression).print();
+}
+
 std::string renderPlotExpression(const ExprRef& expression) {
-    std::string out;
-    std::vector<PrintItem> stack;
-    stack.reserve(16); // most expressions need no more
-    stack.push_back({{}, expression.get(), anything});
-    while (!stack.empty()) {
-        const PrintItem item = stack.back();
-        stack.pop_back();
-        if (item.expression == nullptr) {
-            out += item.text;
-            continue;
-        }
-        if (precedenceOf(item.expression->node) < item.asked) {
-            out += '(';
-            stack.push_back({")", nullptr, anything});
-        }
-        printNode(item.expression->node, out, stack);
-    }
-    return out;
+    return printExpression(expression).text;
 }
 
 ExprRef mapExpression(const ExprRef& expression, const std::function<ExprRef(const ExprRef&)>& replace) {

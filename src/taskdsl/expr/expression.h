@@ -92,8 +92,23 @@ inline constexpr std::size_t maxExpressionDepth = 1000;
 /// Throws `DiagnosticError` with the span of the statement for the leftmost fault.
 [[nodiscard]] ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span);
 
+/// True for a text that is one name of an expression: a letter, `_` or `[`, then letters, digits and `_.:[]`.
+[[nodiscard]] bool isExpressionName(std::string_view text) noexcept;
+
 /// The expression with as few parentheses as its tree needs; an empty reference gives an empty text.
 [[nodiscard]] std::string renderPlotExpression(const ExprRef& expression);
+
+/// An expression in print, and what print makes of it.
+struct PrintedExpression {
+    std::string text;
+    std::string loss;          ///< why the text does not read as the same expression; empty when it does
+    std::size_t depth = 0;     ///< of the deepest nesting, counted as `maxExpressionDepth` is
+    bool oddReference = false; ///< a reference holds bytes that a walk through a statement stops at
+};
+/// The same text, and whether it reads back. It does not where a number has more than 15 digits, where a sum
+/// or a product in parentheses stands on the right of another one, and where substitution has put something
+/// else than a name in a name's place.
+[[nodiscard]] PrintedExpression printExpression(const ExprRef& expression);
 
 /// Rebuilds a tree from its leaves up: `replace` is given every node, its children replaced already, and
 /// gives what stands in its place (the node itself to keep it). Nodes below which nothing changed are shared,

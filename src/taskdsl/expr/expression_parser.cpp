@@ -2,6 +2,7 @@
 #include "taskdsl/expr/expression.h"
 #include "taskdsl/expr/statement_reader.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -43,6 +44,18 @@ constexpr bool isIdentifierStart(char c) noexcept {
 
 constexpr bool isIdentifierChar(char c) noexcept {
     return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == ':' || c == '[' || c == ']';
+}
+
+/// The whole UTF-8 character that begins at `at`; the one byte where none begins.
+std::string_view characterAt(std::string_view text, std::size_t at) noexcept {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(at);
+    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+    std::size_t end = at + 1;
+    while (end < text.size() && end - at < length && (byte(end) & 0xC0) == 0x80) {
+        ++end;
+    }
+    return text.substr(at, end - at == length ? length : 1);
 }
 
 struct Punctuation {
@@ -90,7 +103,8 @@ class Lexer {
                 return {kind, take(at_ + 1), {}, 0};
             }
         }
-        plotError(span_, std::string("unexpected character '") + c + "' in plot expression");
+        plotError(span_,
+                  "unexpected character '" + std::string(characterAt(text_, at_)) + "' in plot expression");
     }
 
     /// True when the token that comes next is "=".
@@ -338,6 +352,11 @@ class Parser {
 };
 
 } // namespace
+
+bool isExpressionName(std::string_view text) noexcept {
+    return !text.empty() && isIdentifierStart(text.front()) &&
+           std::all_of(text.begin(), text.end(), isIdentifierChar);
+}
 
 ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span) {
     return Parser(text, span).read();

@@ -4,10 +4,13 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace morquill::taskdsl::plot {
 
 namespace {
+
+constexpr int printedDigits = 15;
 
 constexpr bool isWordChar(char c) noexcept {
     return isLetter(c) || isDigit(c) || c == '_';
@@ -224,6 +227,24 @@ bool isPlotIdentifier(std::string_view text) noexcept {
 
 std::optional<double> parsePlotNumber(std::string_view text) {
     return readDouble(text);
+}
+
+std::string plotNumberText(double value) {
+    constexpr double roundsToInfinity = 1.797693134862315e308; // 15 digits of anything above are too much
+    const bool edge = std::isfinite(value) && std::abs(value) >= roundsToInfinity;
+    return formatSignificant(value, edge ? exactDigits : printedDigits);
+}
+
+bool plotNumberReadsBack(double value) {
+    constexpr double allIntegers = 1e15;
+    if (!std::isfinite(value) || (std::abs(value) < allIntegers && value == std::trunc(value))) {
+        return true;
+    }
+    return readDouble(plotNumberText(value)) == value;
+}
+
+std::string plotNumberLoss(double value) {
+    return "the number " + formatSignificant(value, exactDigits) + " prints with 15 digits";
 }
 
 } // namespace morquill::taskdsl::plot

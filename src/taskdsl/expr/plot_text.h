@@ -78,4 +78,16 @@ struct KeywordOptions {
 /// The number that takes up the whole trimmed text (`strtod` semantics, so "nan" and "inf" are numbers).
 [[nodiscard]] std::optional<double> parsePlotNumber(std::string_view text);
 
+/// The significant digits that tell any two doubles apart.
+inline constexpr int exactDigits = 17;
+
+/// The number as plots and derives print it: 15 significant digits, 17 where 15 round up to infinity.
+[[nodiscard]] std::string plotNumberText(double value);
+
+/// True when that text reads as the very number; no number reads as no number.
+[[nodiscard]] bool plotNumberReadsBack(double value);
+
+/// What is said of a number that does not read back.
+[[nodiscard]] std::string plotNumberLoss(double value);
+
 } // namespace morquill::taskdsl::plot

@@ -153,7 +153,7 @@ class IncludePass {
         const auto keyword = directive.substr(0, directive.find(' '));
         const auto value = trim(directive.substr(keyword.size()));
         if (atFileScope()) {
-            throw fault(line, "task directive appears outside a task block");
+            throw misplacedDirective(fileOf(line), line.lineNumber);
         }
         if (!isDocument() && frame.scope != FragmentKind::task_body) {
             throw fault(line, "task directive '%" + std::string(keyword) + "' is not valid inside a " +
@@ -201,6 +201,9 @@ class IncludePass {
     void readInclude(std::size_t& i) {
         const std::size_t first = i;
         const SourceLine& line = lines[first];
+        if (!context.followsIncludes) {
+            throw fault(line, "&INCLUDE lines are not followed here");
+        }
         std::string text;
         switch (gatherParentheses(lines, i, text)) {
         case GatherEnd::unterminated:

@@ -123,7 +123,8 @@ std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, cons
         if (!text) {
             throw DiagnosticError("fragment library not found: " + path);
         }
-        library = std::make_shared<const FragmentLibrary>(LibraryReader(*text, path, context).read());
+        library = std::make_shared<const FragmentLibrary>(
+            LibraryReader(skipByteOrderMark(*text), path, context).read());
     }
     return library;
 }
@@ -155,7 +156,7 @@ FragmentDefinition loadFragmentFile(const std::string& name, const std::string& 
     context.document.includedFiles.add(path);
 
     const SharedText shared(path);
-    auto lines = linesOf(*text, shared);
+    auto lines = linesOf(skipByteOrderMark(*text), shared);
     FragmentDefinition fragment;
     std::size_t body = 0;
     if (scope != FragmentKind::text && path.ends_with(".mqfrag")) {

@@ -4,7 +4,7 @@
 #include "taskdsl/base/limits.h"
 #include "taskdsl/generate/matrix_combinations.h"
 #include "taskdsl/task/task_substitution.h"
-#include "taskdsl/task/when_expr.h"
+#include "taskdsl/task/when_references.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -34,26 +34,34 @@ class Renames {
     /// the new names first carry a mark that no task name begins with: `a` becomes `a__x_1` and stays so
     /// beside a task `a__x_1` of its own.
     void applyToCondition(std::string& text) const {
-        std::string marked = rewriteWhenReferences(text, markedNames());
-        text = marked == text ? std::move(marked) : rewriteWhenReferences(marked, unmarkedNames());
+        const ValueMap& marked = markedNames();
+        if (marked.empty()) {
+            return;
+        }
+        std::string renamed = rewriteWhenReferences(text, marked);
+        text = renamed == text ? std::move(renamed) : rewriteWhenReferences(renamed, unmarks);
     }
 
   private:
     static constexpr char mark = '\x01';
 
+    /// A name that stays is no rename: a condition that mentions it keeps its spacing.
     const ValueMap& markedNames() const {
-        if (marks.empty()) {
+        if (!marksMade) {
             for (const auto& [oldName, newName] : names) {
-                marks.emplace(oldName, mark + newName);
-                unmarks.emplace(mark + newName, newName);
+                if (oldName != newName) {
+                    marks.emplace(oldName, mark + newName);
+                    unmarks.emplace(mark + newName, newName);
+                }
             }
+            marksMade = true;
         }
         return marks;
     }
-    const ValueMap& unmarkedNames() const { return unmarks; }
 
     ValueMap names;
-    mutable ValueMap marks; ///< made when the first condition asks for them
+    mutable bool marksMade = false; ///< they are made when the first condition asks for them
+    mutable ValueMap marks;
     mutable ValueMap unmarks;
 };
 

@@ -21,6 +21,8 @@ struct DocumentContext {
     /// The libraries that the file itself imports, by namespace alias.
     std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> namespaces;
     NameList includedFiles; ///< files read for this document
+    /// Keys of the settings that an included task file brought along: their values were looked at with it.
+    KeySet inheritedSettings;
 };
 
 /// Namespace alias to library path.
@@ -41,6 +43,7 @@ struct ParseContext {
     /// Canonical paths of the task files entered so far: an "extra.mq" among them is not looked into again.
     std::set<std::string> taskFiles;
     GrowthBudget growth;
+    bool followsIncludes = true; ///< false: an include line is a fault, no other file is read
     std::size_t includeCount = 0;
     DocumentContext document; ///< of the file being read; an included task file puts its own in its place
 

@@ -2,6 +2,7 @@
 
 #include "support/file.h"
 #include "support/text.h"
+#include "taskdsl/base/line_fault.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/fragment_library.h"
@@ -10,6 +11,7 @@
 #include "taskdsl/generate/matrix.h"
 #include "taskdsl/generate/removed_include.h"
 #include "taskdsl/generate/yaml_section.h"
+#include "taskdsl/task/directive_reader.h"
 
 #include <utility>
 
@@ -65,14 +67,18 @@ class PreludeReader {
             return readInclude(text);
         }
         if (text.starts_with(defineKeyword)) {
-            for (auto& [key, value] : parseDefineBlock(lines, index + 1, index)) {
+            const std::size_t first = index + 1;
+            for (auto& [key, value] : parseDefineBlock(lines, first, index)) {
                 result.defines.insert_or_assign(key, std::move(value));
             }
+            requireNoDirective(first);
             return true;
         }
         if (text.starts_with(matrixKeyword)) {
-            mergeMatrixAxes({result.matrixAxes, result.matrixValues},
-                            parseMatrixBlock(lines, index + 1, index), true);
+            const std::size_t first = index + 1;
+            mergeMatrixAxes({result.matrixAxes, result.matrixValues}, parseMatrixBlock(lines, first, index),
+                            true);
+            requireNoDirective(first);
             return true;
         }
         if (isIndented(lines[index]) || !isKeyLine(text)) {
@@ -82,6 +88,15 @@ class PreludeReader {
         return true;
     }
 
+    /// Directives under a missing task header are no entries of the section above, lines from `first` on.
+    void requireNoDirective(std::size_t first) const {
+        for (std::size_t i = first; i < index; ++i) {
+            if (isKnownDirective(lines[i])) {
+                throw misplacedDirective(path, i + 1);
+            }
+        }
+    }
+
     void warnIfRemovedInclude() const {
         if (const auto raw = trim(lines[index]); isHashInclude(raw)) {
             warnHashInclude(raw, path, context.warnings);
@@ -89,6 +104,9 @@ class PreludeReader {
     }
 
     bool readInclude(std::string_view text) {
+        if (!context.followsIncludes) {
+            return false;
+        }
         ParenthesisCount parentheses;
         if (!parentheses.read(text) || !parentheses.balanced()) {
             return false; // its arguments go on behind this line: the include pass gathers them
@@ -113,11 +131,15 @@ class PreludeReader {
     }
 
     /// Takes the lines of a YAML section. A nested key may be called "define" or "matrix": those begin a
-    /// section of their own only at the margin.
+    /// section of their own only at the margin. A `%` at the margin is a directive whose task header is
+    /// missing: to the YAML library the document ends there, and what follows is not read.
     void readSection() {
         const std::size_t first = index;
         std::string text;
         for (; index < lines.size() && (index == first || !endsSection(lines[index])); ++index) {
+            if (lines[index].starts_with('%')) {
+                throw misplacedDirective(path, index + 1);
+            }
             if (index != first) {
                 warnIfRemovedInclude();
             }
@@ -140,6 +162,22 @@ class PreludeReader {
     PreludeResult result;
 };
 
+/// `---` or `...` at the margin, alone or with more behind a blank.
+bool isDocumentMarker(std::string_view line) noexcept {
+    return matchWord(line, "---") || matchWord(line, "...");
+}
+
+/// A YAML file has no body: what stands behind its prelude is not read. `number` counts from 1.
+void reportUnreadLine(std::string_view line, std::size_t number, const std::string& path,
+                      const ParseContext& context) {
+    const auto text = cleanLine(line);
+    if (text.starts_with('%')) {
+        throw misplacedDirective(path, number);
+    }
+    context.warnings("Warning: Included YAML file is read up to line " + std::to_string(number) +
+                     " only, where '" + std::string(text) + "' ends its prelude: " + path);
+}
+
 } // namespace
 
 PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size_t start, std::size_t& next,
@@ -147,6 +185,24 @@ PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size
     PreludeReader reader(lines, start, path, context);
     next = reader.read();
     return reader.take();
+}
+
+void requireWholePrelude(const std::vector<std::string_view>& lines, std::size_t next,
+                         std::string_view path) {
+    if (next == lines.size() || !isDocumentMarker(lines[next])) {
+        return;
+    }
+    for (std::size_t i = next + 1; i < lines.size(); ++i) {
+        const auto text = cleanLine(lines[i]);
+        if (beginsBody(text) || beginsBlock(text, "&INCLUDE")) {
+            return;
+        }
+        if (!text.empty() && !isDocumentMarker(lines[i])) {
+            throw DiagnosticError(
+                shownPath(path) + ":" + std::to_string(next + 1) +
+                ": a YAML document marker ends the prelude; the lines behind it are not read");
+        }
+    }
 }
 
 PreludeResult parseYamlInclude(const std::string& target, const std::string& base, ParseContext& context) {
@@ -167,8 +223,13 @@ PreludeResult parseYamlInclude(const std::string& target, const std::string& bas
     }
     context.countInclude();
     context.document.includedFiles.add(path);
+    const auto lines = splitLines(skipByteOrderMark(*text));
     std::size_t next = 0;
-    return parsePrelude(splitLines(*text), 0, next, path, context);
+    auto prelude = parsePrelude(lines, 0, next, path, context);
+    if (next < lines.size()) {
+        reportUnreadLine(lines[next], next + 1, path, context);
+    }
+    return prelude;
 }
 
 void mergePrelude(TaskDocument& document, const PreludeResult& prelude, bool override) {

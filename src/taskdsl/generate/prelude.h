@@ -29,6 +29,11 @@ struct PreludeResult {
 [[nodiscard]] PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size_t start,
                                          std::size_t& next, const std::string& path, ParseContext& context);
 
+/// Refuses a YAML document marker (`---`, `...`) as the line that ended the prelude of a file, when it hides
+/// lines from it: what stands between the prelude and the first block is passed over without a word. Throws
+/// `DiagnosticError`.
+void requireWholePrelude(const std::vector<std::string_view>& lines, std::size_t next, std::string_view path);
+
 /// Reads a YAML file as a prelude. `target` is resolved from the file `base`. A missing file is a warning and
 /// gives nothing.
 [[nodiscard]] PreludeResult parseYamlInclude(const std::string& target, const std::string& base,

@@ -1,16 +1,26 @@
 #include "taskdsl/generate/yaml_section.h"
 
+#include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 #include "taskdsl/base/line_fault.h"
+#include "taskdsl/base/scan.h"
+#include "taskdsl/task/directive_reader.h"
 
+#include <yaml-cpp/eventhandler.h>
 #include <yaml-cpp/yaml.h>
 
+#include <optional>
+#include <sstream>
+#include <string_view>
 #include <utility>
 
 namespace morquill::taskdsl {
 
 namespace {
+
+/// The library's tag of a scalar without quotes, block indicator and tag of its own.
+constexpr std::string_view plainTag = "?";
 
 /// Walks the nodes of one section. An alias makes two names for one node, so a small text can stand for a
 /// huge or even an endless tree: what is taken out of it is counted.
@@ -99,6 +109,75 @@ class SectionWalk {
     std::size_t text = 0;
 };
 
+/// Hears a document without keeping it.
+class DocumentProbe : public YAML::EventHandler {
+  public:
+    YAML::Mark start;
+    bool holdsSomething = false;
+
+    void OnDocumentStart(const YAML::Mark& mark) override { start = mark; }
+    void OnDocumentEnd() override {}
+    void OnNull(const YAML::Mark&, YAML::anchor_t) override {}
+    void OnAlias(const YAML::Mark&, YAML::anchor_t) override { holdsSomething = true; }
+    void OnScalar(const YAML::Mark&, const std::string&, YAML::anchor_t, const std::string&) override {
+        holdsSomething = true;
+    }
+    void OnSequenceStart(const YAML::Mark&, const std::string&, YAML::anchor_t,
+                         YAML::EmitterStyle::value) override {
+        holdsSomething = true;
+    }
+    void OnSequenceEnd() override {}
+    void OnMapStart(const YAML::Mark&, const std::string&, YAML::anchor_t,
+                    YAML::EmitterStyle::value) override {
+        holdsSomething = true;
+    }
+    void OnMapEnd() override {}
+};
+
+/// `YAML::Load` reads the first document and drops what stands behind it. Empty documents are harmless: some
+/// people set the body off with a line of dashes.
+void requireOneDocument(const std::string& text) {
+    std::istringstream input(text);
+    YAML::Parser parser(input);
+    DocumentProbe first;
+    parser.HandleNextDocument(first);
+    for (int last = first.start.pos; parser;) {
+        DocumentProbe next;
+        parser.HandleNextDocument(next);
+        // A document that does not move on is something that the library cannot take in.
+        if (next.holdsSomething || next.start.pos <= last) {
+            throw YAML::ParserException(next.start, "a second YAML document is not read");
+        }
+        last = next.start.pos;
+    }
+}
+
+/// The number of the section's first line, counted from 0, that is a directive and was taken for more of a
+/// plain value at the root; nothing when there is none. In other values such a line is text.
+std::optional<std::size_t> findSwallowedDirective(const YAML::Node& root, std::string_view text) {
+    if (!root.IsMap() || root.Style() == YAML::EmitterStyle::Flow ||
+        text.find('%') == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto lines = splitLines(text);
+    for (const auto& pair : root) {
+        const bool isPlain = pair.second.IsScalar() && pair.second.Tag() == plainTag;
+        if (!isPlain || pair.second.Scalar().find('%') == std::string::npos) {
+            continue;
+        }
+        for (auto i = static_cast<std::size_t>(pair.first.Mark().line) + 1; i < lines.size(); ++i) {
+            const auto line = lines[i];
+            if (!trim(line).empty() && line.front() != ' ' && line.front() != '\t') {
+                break;
+            }
+            if (isKnownDirective(line)) {
+                return i;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
 /// The library's own message, with the line as it is counted in the file.
 std::string reasonOf(const YAML::Exception& error, std::size_t firstLine) {
     if (error.mark.is_null()) {
@@ -114,7 +193,12 @@ std::string reasonOf(const YAML::Exception& error, std::size_t firstLine) {
 void readYamlSection(const std::string& text, const std::string& path, std::size_t firstLine,
                      ValueMap& settings, Collections& collections) {
     try {
-        SectionWalk(settings, collections).readRoot(YAML::Load(text));
+        const auto root = YAML::Load(text);
+        if (const auto line = findSwallowedDirective(root, text)) {
+            throw misplacedDirective(path, firstLine + *line);
+        }
+        requireOneDocument(text);
+        SectionWalk(settings, collections).readRoot(root);
     } catch (const YAML::Exception& error) {
         throw DiagnosticError("failed to parse YAML prelude in '" + shownPath(path) +
                               "': " + reasonOf(error, firstLine));

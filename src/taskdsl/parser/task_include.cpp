@@ -1,7 +1,6 @@
 #include "taskdsl/parser/task_include.h"
 
 #include "support/file.h"
-#include "support/number.h"
 #include "support/text.h"
 #include "taskdsl/generate/include_path.h"
 
@@ -17,16 +16,6 @@ template <class T>
 void append(std::vector<T>& target, std::vector<T>& source) {
     target.insert(target.end(), std::make_move_iterator(source.begin()),
                   std::make_move_iterator(source.end()));
-}
-
-/// Header values that are no positive numbers were told with the file itself and count as absent behind it.
-void dropInvalidHeaderValues(ValueMap& settings) {
-    for (const char* key : {"totcore", "totmem"}) {
-        const auto found = settings.find(key);
-        if (found != settings.end() && !readPositiveInt(trim(found->second))) {
-            settings.erase(found);
-        }
-    }
 }
 
 } // namespace
@@ -52,14 +41,17 @@ void parseTaskInclude(const std::string& target, const std::string& base, TaskDo
     context.document.includedFiles.add(path);
 
     DocumentContext outer = std::exchange(context.document, {});
-    TaskDocument inner = read(*text, path, document.defines);
+    TaskDocument inner = read(skipByteOrderMark(*text), path, document.defines);
     for (const auto& file : inner.includedFiles) {
         outer.includedFiles.add(file);
     }
     context.document = std::move(outer);
 
-    dropInvalidHeaderValues(inner.settings);
-    document.settings.merge(inner.settings);
+    for (auto& [key, value] : inner.settings) {
+        if (document.settings.try_emplace(key, std::move(value)).second) {
+            context.document.inheritedSettings.insert(key);
+        }
+    }
     // The written form of an included task is of no use: only what it became is taken over.
     inner.templateTasks.reset();
     append(document.tasks.edit(), inner.tasks.edit());

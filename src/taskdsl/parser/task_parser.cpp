@@ -209,6 +209,61 @@ void substituteDefines(TaskDocument& document) {
     }
 }
 
+/// From the tasks as written to those that run.
+void expandTasks(TaskDocument& document) {
+    document.templateTasks = document.tasks;
+    substituteDefines(document);
+    expandMatrix(document);
+}
+
+/// Reads the "extra.yaml" beside the file, when there is one, into a document that holds the caller's defines
+/// and nothing else yet. Returns its collections.
+Collections readExtraYaml(TaskDocument& document, const std::string& path, ParseContext& context) {
+    if (!isRegularFile(resolveIncludePath("extra.yaml", path))) {
+        return {};
+    }
+    auto extra = parseYamlInclude("extra.yaml", path, context);
+    ImplicitContent& implicit = document.implicitContent;
+    for (const auto& [key, value] : extra.settings) {
+        implicit.settings.insert(key);
+    }
+    for (const auto& [key, value] : extra.defines) {
+        if (!document.defines.contains(key)) {
+            implicit.defines.insert(key);
+        }
+    }
+    for (const auto& axis : extra.matrixAxes) {
+        implicit.axes.insert(axis.key);
+    }
+    mergePrelude(document, extra, false);
+    return std::move(extra.collections);
+}
+
+/// Puts the file's own prelude into the document: what it says itself did not come from beside it.
+void mergeOwnPrelude(TaskDocument& document, const PreludeResult& prelude) {
+    mergePrelude(document, prelude, true);
+    ImplicitContent& implicit = document.implicitContent;
+    for (const auto& [key, value] : prelude.settings) {
+        implicit.settings.erase(key);
+    }
+    for (const auto& [key, value] : prelude.defines) {
+        implicit.defines.erase(key);
+    }
+    for (const auto& axis : prelude.matrixAxes) {
+        implicit.axes.erase(axis.key);
+    }
+}
+
+/// Remembers what the "extra.mq" beside the file has brought: the only task file included so far.
+void noteExtraTasks(TaskDocument& document, const ParseContext& context) {
+    ImplicitContent& implicit = document.implicitContent;
+    implicit.tasks = document.tasks.size();
+    implicit.plots = document.plots.size();
+    implicit.derives = document.derives.size();
+    const KeySet& settings = context.document.inheritedSettings;
+    implicit.settings.insert(settings.begin(), settings.end());
+}
+
 } // namespace
 
 TaskParser::TaskParser(bool multiSource, WarningSink sink)
@@ -216,7 +271,15 @@ TaskParser::TaskParser(bool multiSource, WarningSink sink)
       warnings(sink ? std::move(sink) : [](const std::string& text) { console::logWarning(text); }) {}
 
 TaskDocument TaskParser::parseFile(const std::string& path, const ValueMap& defines) {
-    const auto text = readTextFile(path);
+    return parseContent(readTextFile(path), path, defines);
+}
+
+TaskDocument TaskParser::parseInput(const std::string& path) {
+    return parseContent(readInputFile(path), path, {});
+}
+
+TaskDocument TaskParser::parseContent(const std::optional<std::string>& text, const std::string& path,
+                                      const ValueMap& defines) {
     if (!text) {
         throw DiagnosticError("could not open file: " + path);
     }
@@ -234,9 +297,25 @@ TaskDocument TaskParser::parseText(std::string_view text, const std::string& pat
         const auto absolute = absolutePath(path);
         entry.emplace(context.taskChain, normalisedPath(absolute), absolute);
     }
-    TaskDocument document = readDocument(text, path, defines, context);
+    TaskDocument document = readDocument(skipByteOrderMark(text), path, defines, context);
     shareTaskNames(document);
     warnAboutDeadlocks(document, path, warnings);
+    return document;
+}
+
+TaskDocument TaskParser::parseDeclaredTasks(std::string_view text) {
+    nextDocumentOrder = 0;
+    ParseContext context(warnings);
+    context.followsIncludes = false;
+    TaskDocument document;
+    auto lines = makeSourceLines(splitLines(text), 0, {});
+    lines = expandForeach(std::move(lines), {}, {});
+    lines = expandIncludes(std::move(lines), {"", nullptr, FragmentKind::document}, context);
+    LineWalk(lines, document, nextDocumentOrder, warnings, legacyMultiSource,
+             [](const IncludeDirective&, const SourceLine&) {})
+        .run();
+    finishOwnTasks(document, {}, warnings);
+    document.templateTasks = document.tasks;
     return document;
 }
 
@@ -259,18 +338,14 @@ TaskDocument TaskParser::readDocument(std::string_view text, const std::string& 
         included.push_back({begin, document.tasks.size()});
     };
 
-    Collections collections;
     const bool hasDirectory = !directory.empty();
-    if (hasDirectory && isRegularFile(resolveIncludePath("extra.yaml", path))) {
-        auto extra = parseYamlInclude("extra.yaml", path, context);
-        mergePrelude(document, extra, false);
-        collections = std::move(extra.collections);
-    }
+    Collections collections = hasDirectory ? readExtraYaml(document, path, context) : Collections{};
     const auto rawLines = splitLines(text);
     std::size_t next = 0;
     {
         auto prelude = parsePrelude(rawLines, 0, next, path, context);
-        mergePrelude(document, prelude, true);
+        requireWholePrelude(rawLines, next, path);
+        mergeOwnPrelude(document, prelude);
         prelude.collections.merge(collections);
         collections = std::move(prelude.collections);
     }
@@ -281,6 +356,7 @@ TaskDocument TaskParser::readDocument(std::string_view text, const std::string& 
         const auto extra = resolveIncludePath("extra.mq", path);
         if (isRegularFile(extra) && context.taskFiles.count(normalisedPath(extra)) == 0) {
             includeTasks("extra.mq", path);
+            noteExtraTasks(document, context);
         }
     }
     {
@@ -295,10 +371,8 @@ TaskDocument TaskParser::readDocument(std::string_view text, const std::string& 
             .run();
     }
     finishOwnTasks(document, included, warnings);
-    document.templateTasks = document.tasks;
-    substituteDefines(document);
-    expandMatrix(document);
-    applyHeaderMetadata(document, path, warnings);
+    expandTasks(document);
+    applyHeaderMetadata(document, path, context.document.inheritedSettings, warnings);
     document.includedFiles = context.document.includedFiles.names();
     document.libraryBindings = libraryBindings(context.document);
     return document;

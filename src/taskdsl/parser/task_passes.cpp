@@ -91,14 +91,15 @@ void finishTask(TaskInfo& task, const std::vector<MatrixAxis>& axes, const Warni
     checkModsAgainstSources(task);
 }
 
-void applyHeaderMetadata(TaskDocument& document, std::string_view path, const WarningSink& warn) {
+void applyHeaderMetadata(TaskDocument& document, std::string_view path, const KeySet& inherited,
+                         const WarningSink& warn) {
     const auto headerValue = [&](const char* key) -> std::optional<std::int32_t> {
         const auto found = document.settings.find(key);
         if (found == document.settings.end()) {
             return std::nullopt;
         }
         const auto value = readPositiveInt(trim(found->second));
-        if (!value) {
+        if (!value && !inherited.contains(key)) {
             warn("task file '" + std::string(pathOrMemory(path)) + "' has invalid header metadata " + key +
                  "='" + found->second + "'; ignoring it.");
         }

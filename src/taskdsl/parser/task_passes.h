@@ -15,8 +15,9 @@ namespace morquill::taskdsl {
 void finishTask(TaskInfo& task, const std::vector<MatrixAxis>& axes, const WarningSink& warn);
 
 /// Gives "totcore" and "totmem" of the header to every task that has no value of its own. An invalid value
-/// warns and counts as absent.
-void applyHeaderMetadata(TaskDocument& document, std::string_view path, const WarningSink& warn);
+/// counts as absent and warns, unless its key is among `inherited`: the file that it came from has warned.
+void applyHeaderMetadata(TaskDocument& document, std::string_view path, const KeySet& inherited,
+                         const WarningSink& warn);
 
 /// Stores the names of all tasks that are not providers in every task; the list is held once.
 void shareTaskNames(TaskDocument& document);

@@ -88,6 +88,7 @@ void sortBar(BarPlotData& data, const std::string& value, const Statement& state
     }
     if (words.front() == "none" || words.front() == "false") {
         data.sortEnabled = false;
+        data.sortDescending = true; // a statement stands for itself, also when it is repeated
         return;
     }
     const std::size_t key = words.front() == "by" ? 1 : 0;

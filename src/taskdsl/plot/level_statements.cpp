@@ -3,6 +3,7 @@
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/plot/statements.h"
 
+#include <optional>
 #include <utility>
 
 namespace morquill::taskdsl::plot {
@@ -51,6 +52,11 @@ std::int32_t readMultiplicity(std::string_view value, const Statement& statement
     return *multiplicity;
 }
 
+/// A root: a positive integer that takes up the whole word and may have a plus sign.
+std::optional<std::int32_t> readRoot(std::string_view word) {
+    return readPositiveInt(word.starts_with('+') ? word.substr(1) : word);
+}
+
 /// The words of an arrow, taken one after the other.
 struct ArrowWords {
     const Statement& statement;
@@ -87,7 +93,7 @@ struct ArrowWords {
     }
 
     std::int32_t root(const char* missing, const char* invalid) {
-        const auto number = readPositiveInt(take(missing));
+        const auto number = readRoot(take(missing));
         if (!number) {
             fail(statement, invalid);
         }
@@ -241,7 +247,7 @@ void readRoots(PlotReading& reading, const Statement& statement) {
             roots.clear();
             return;
         }
-        const auto root = readPositiveInt(text);
+        const auto root = readRoot(text);
         if (!root) {
             fail(statement, "roots requires a positive integer root");
         }

@@ -9,7 +9,8 @@
 #include <variant>
 #include <vector>
 
-/// A parsed plot: plain records that are copied by value; only expression trees are shared.
+/// A parsed plot: plain records that are copied by value; only expression trees are shared. Records are equal
+/// when all their fields are, places included; expressions are compared as trees.
 namespace morquill::taskdsl::plot {
 
 /// An expression with its presentation: `x`, `y`, `z`, `yerr` and named series. Without an expression it
@@ -25,6 +26,8 @@ struct PlotSeries {
     PlotStyle style = PlotStyle::lines;
     bool styleDeclared = false;
     SourceSpan span;
+
+    friend bool operator==(const PlotSeries& left, const PlotSeries& right);
 };
 
 struct BarrierPoint {
@@ -32,6 +35,8 @@ struct BarrierPoint {
     std::string label;
     ExprRef value;
     SourceSpan span;
+
+    friend bool operator==(const BarrierPoint& left, const BarrierPoint& right);
 };
 
 /// A horizontal reference line of a convergence plot.
@@ -42,6 +47,8 @@ struct ThresholdLine {
     std::string unit;
     PlotAxis axis = PlotAxis::y;
     SourceSpan span;
+
+    friend bool operator==(const ThresholdLine& left, const ThresholdLine& right);
 };
 
 /// One column of a frontier or excited-state level plot; label and task are the id when they are not written.
@@ -52,6 +59,8 @@ struct PlotColumn {
     std::int32_t multiplicity = 0;
     bool multiplicityDeclared = false;
     SourceSpan span;
+
+    friend bool operator==(const PlotColumn&, const PlotColumn&) = default;
 };
 
 /// A transition between levels, to a given root or to the nearest one of a column.
@@ -64,6 +73,8 @@ struct ExcitedArrow {
     ArrowTargetMode targetMode = ArrowTargetMode::explicitRoot;
     ArrowLineStyle style = ArrowLineStyle::solid;
     SourceSpan span;
+
+    friend bool operator==(const ExcitedArrow&, const ExcitedArrow&) = default;
 };
 
 struct AxisSpec {
@@ -73,6 +84,8 @@ struct AxisSpec {
     AxisScale scale = AxisScale::linear;
     bool scaleDeclared = false;
     SourceSpan span;
+
+    friend bool operator==(const AxisSpec&, const AxisSpec&) = default;
 };
 
 struct LegendSpec {
@@ -81,6 +94,8 @@ struct LegendSpec {
     LegendPosition position = LegendPosition::automatic;
     std::vector<std::string> order; ///< series ids
     SourceSpan span;
+
+    friend bool operator==(const LegendSpec&, const LegendSpec&) = default;
 };
 
 struct BarrierPlotData {
@@ -88,11 +103,15 @@ struct BarrierPlotData {
     RelativeMode relativeMode = RelativeMode::none;
     std::string relativePoint;
     std::string unit = "kcal/mol";
+
+    friend bool operator==(const BarrierPlotData&, const BarrierPlotData&) = default;
 };
 struct ConvergencePlotData {
     PlotSeries x;
     std::vector<PlotSeries> series;
     std::vector<ThresholdLine> thresholds;
+
+    friend bool operator==(const ConvergencePlotData&, const ConvergencePlotData&) = default;
 };
 struct CurvePlotData {
     PlotSeries x;
@@ -100,6 +119,8 @@ struct CurvePlotData {
     RelativeMode relativeMode = RelativeMode::none;
     std::string relativePoint;
     bool sortByX = false;
+
+    friend bool operator==(const CurvePlotData&, const CurvePlotData&) = default;
 };
 struct SpectrumPlotData {
     PlotSeries x;
@@ -112,6 +133,8 @@ struct SpectrumPlotData {
     double rangeHigh = 0;
     bool rangeDeclared = false;
     bool sortByX = true;
+
+    friend bool operator==(const SpectrumPlotData&, const SpectrumPlotData&) = default;
 };
 struct ScatterPlotData {
     PlotSeries x;
@@ -119,11 +142,15 @@ struct ScatterPlotData {
     bool diagonal = false;
     bool fitLinear = false;
     std::vector<std::string> metrics;
+
+    friend bool operator==(const ScatterPlotData&, const ScatterPlotData&) = default;
 };
 struct HeatmapPlotData {
     PlotSeries x;
     PlotSeries y;
     PlotSeries z;
+
+    friend bool operator==(const HeatmapPlotData&, const HeatmapPlotData&) = default;
 };
 struct HistogramPlotData {
     PlotSeries x;
@@ -132,6 +159,8 @@ struct HistogramPlotData {
     double rangeHigh = 0;
     bool rangeDeclared = false;
     bool density = false;
+
+    friend bool operator==(const HistogramPlotData&, const HistogramPlotData&) = default;
 };
 struct BarPlotData {
     PlotSeries x;
@@ -140,24 +169,32 @@ struct BarPlotData {
     bool sortDescending = true;
     std::int64_t limit = 0;
     bool limitDeclared = false;
+
+    friend bool operator==(const BarPlotData&, const BarPlotData&) = default;
 };
 struct ErrorbarPlotData {
     PlotSeries x;
     PlotSeries y;
     PlotSeries yerr;
     bool sortByX = false;
+
+    friend bool operator==(const ErrorbarPlotData&, const ErrorbarPlotData&) = default;
 };
 struct FrontierPlotData {
     std::vector<PlotColumn> columns;
     std::vector<std::string> orbitals;
     SpinSelection spin = SpinSelection::automatic;
     std::string unit = "eV";
+
+    friend bool operator==(const FrontierPlotData&, const FrontierPlotData&) = default;
 };
 struct ExcitedPlotData {
     std::vector<PlotColumn> columns;
     std::vector<std::int32_t> roots; ///< empty means all roots
     std::vector<ExcitedArrow> arrows;
     std::string unit = "eV";
+
+    friend bool operator==(const ExcitedPlotData&, const ExcitedPlotData&) = default;
 };
 
 /// The data of a plot, one alternative per `PlotKind` in the order of the kinds.
@@ -190,10 +227,15 @@ struct PlotSpec {
     LegendSpec legend;
     std::string title;
     SourceSpan span; ///< the header
+
+    friend bool operator==(const PlotSpec&, const PlotSpec&) = default;
 };
 
 /// Puts the defaults of `plot.kind` into `plot.data` and, for the kinds that have a style of their own, into
 /// `plot.style`.
 void applyKindDefaults(PlotSpec& plot);
+
+/// The style of a plot of this kind that declares none.
+[[nodiscard]] PlotStyle defaultStyle(PlotKind kind) noexcept;
 
 } // namespace morquill::taskdsl::plot

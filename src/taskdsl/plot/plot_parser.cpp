@@ -84,7 +84,7 @@ void settleOutput(PlotSpec& plot, bool formatDeclared) {
         plot.outputPath += plotFormatName(plot.format);
         return;
     }
-    const auto format = parsePlotFormat(extensionOf(plot.outputPath));
+    const auto format = formatOfPath(plot.outputPath);
     if (!format) {
         return;
     }
@@ -100,10 +100,7 @@ PlotSpec parsePlot(const PlotBlock& block) {
     PlotReading reading;
     reading.plot = readHeader(block);
     reading.statements = readPlotStatements(block.captured.lines);
-    while (reading.next < reading.statements.size()) {
-        const PlotStatement& source = reading.statements[reading.next++];
-        readStatement(reading, source);
-    }
+    readStatements(reading);
     settleOutput(reading.plot, reading.formatDeclared);
     for (const auto& issue : validatePlot(reading.plot)) {
         if (issue.severity == PlotIssue::error) {
@@ -111,6 +108,33 @@ PlotSpec parsePlot(const PlotBlock& block) {
         }
     }
     return std::move(reading.plot);
+}
+
+void readStatements(PlotReading& reading) {
+    while (reading.next < reading.statements.size()) {
+        const PlotStatement& source = reading.statements[reading.next++];
+        readStatement(reading, source);
+    }
+}
+
+PlotSpec readBody(PlotKind kind, std::string_view lines) {
+    PlotReading reading;
+    reading.plot.kind = kind;
+    applyKindDefaults(reading.plot);
+    std::vector<SourceLine> body;
+    for (const auto line : splitLines(lines)) {
+        body.push_back({std::string(line), {}});
+    }
+    reading.statements = readPlotStatements(body);
+    for (auto& statement : reading.statements) {
+        statement.span = {};
+    }
+    readStatements(reading);
+    return std::move(reading.plot);
+}
+
+std::optional<PlotOutputFormat> formatOfPath(std::string_view path) {
+    return parsePlotFormat(extensionOf(path));
 }
 
 Statement openStatement(const PlotStatement& source) {

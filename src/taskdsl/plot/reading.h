@@ -4,6 +4,7 @@
 #include "taskdsl/plot/model.h"
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -32,6 +33,16 @@ struct Statement {
 
 /// The statement as its first word and the rest; views into `source`.
 [[nodiscard]] Statement openStatement(const PlotStatement& source);
+
+/// Reads the statements that have not been taken into the plot. Throws `DiagnosticError` for the first fault.
+void readStatements(PlotReading& reading);
+
+/// What the lines of a body say of a plot of this kind, without places, checks and defaults that depend on
+/// the whole. Throws `DiagnosticError` for the first fault.
+[[nodiscard]] PlotSpec readBody(PlotKind kind, std::string_view lines);
+
+/// The format that the path's extension names; nothing when it has none or it names no format.
+[[nodiscard]] std::optional<PlotOutputFormat> formatOfPath(std::string_view path);
 
 /// Takes the statements that follow and are indented deeper than `statement`.
 [[nodiscard]] std::span<const PlotStatement> takeBody(PlotReading& reading, const Statement& statement);

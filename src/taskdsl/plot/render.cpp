@@ -1,282 +1,117 @@
 #include "taskdsl/plot/render.h"
 
-#include "support/number.h"
 #include "support/text.h"
+#include "taskdsl/base/scan.h"
 #include "taskdsl/expr/plot_text.h"
+#include "taskdsl/plot/printer.h"
+#include "taskdsl/plot/reading.h"
+#include "taskdsl/plot/render_data.h"
+#include "taskdsl/plot/validate.h"
+
+#include <algorithm>
 
 namespace morquill::taskdsl::plot {
 
 namespace {
 
-std::string number(double value) {
-    return formatSignificant(value, 15);
+constexpr bool isLineBreak(char c) noexcept {
+    return c == '\n';
 }
 
-/// The text of a plot as it grows, line by line.
-struct Printer {
-    std::string out;
-    std::string_view indent;
-    std::size_t level = 0; ///< of the line, in steps of two blanks behind the indent
-
-    /// Begins a line.
-    Printer& line(std::string_view text) {
-        out += indent;
-        out.append(2 * level, ' ');
-        out += text;
-        return *this;
+/// The text within one line.
+std::string inOneLine(const std::string& text) {
+    if (text.find_first_of("\n\r") == std::string::npos) {
+        return text;
     }
-    Printer& word(std::string_view text) {
-        out += ' ';
-        out += text;
-        return *this;
+    std::string result;
+    for (const char c : text) {
+        result += c == '\n' ? "\\n" : c == '\r' ? "\\r" : std::string(1, c);
     }
-    Printer& quoted(std::string_view text) { return word(quotePlotText(text)); }
-    void end() { out += '\n'; }
-
-    /// ` <keyword> <quoted text>`, unless the text is empty.
-    Printer& quotedOption(std::string_view keyword, std::string_view text) {
-        return text.empty() ? *this : word(keyword).quoted(text);
-    }
-    /// ` <keyword> <text>`, unless the text is empty.
-    Printer& bareOption(std::string_view keyword, std::string_view text) {
-        return text.empty() ? *this : word(keyword).word(text);
-    }
-    Printer& wordIf(bool condition, std::string_view text) { return condition ? word(text) : *this; }
-
-    void quotedLine(std::string_view keyword, std::string_view text) {
-        if (!text.empty()) {
-            line(keyword).quoted(text).end();
-        }
-    }
-    void bareLine(std::string_view keyword, std::string_view text) {
-        if (!text.empty()) {
-            line(keyword).word(text).end();
-        }
-    }
-    void lineIf(bool condition, std::string_view text) {
-        if (condition) {
-            line(text).end();
-        }
-    }
-};
-
-/// ` <expression>` and the modifiers of a series.
-void printSeriesTail(Printer& print, const PlotSeries& series) {
-    print.word(renderPlotExpression(series.expression)).quotedOption("label", series.label);
-    print.bareOption("unit", series.unit).wordIf(series.logScale, "log");
-    if (series.axisDeclared) {
-        print.word("axis").word(plotAxisName(series.axis));
-    }
-    if (series.styleDeclared) {
-        print.word("style").word(plotStyleName(series.style));
-    }
-    print.end();
+    return result;
 }
 
-void printSeries(Printer& print, std::string_view keyword, const PlotSeries& series) {
-    if (series.expression) {
-        printSeriesTail(print.line(keyword), series);
+/// Why a text that is printed as it stands reads as something else.
+std::string strayText(std::string_view what, std::string_view text) {
+    const std::string subject = "the " + std::string(what);
+    if (text.empty()) {
+        return subject + " is empty";
     }
+    if (std::any_of(text.begin(), text.end(), isLineBreak)) {
+        return subject + " holds a line break";
+    }
+    if (std::any_of(text.begin(), text.end(), isSpace)) {
+        return subject + " holds a blank";
+    }
+    return subject + " '" + std::string(text) + "' is printed without quotes";
 }
 
-void printSeriesList(Printer& print, const std::vector<PlotSeries>& list) {
-    for (const auto& series : list) {
-        if (series.id.empty()) {
-            printSeries(print, "y", series);
-        } else {
-            printSeriesTail(print.line("series").word(series.id).word("="), series);
-        }
+/// The header names the plot by its second word; what stands behind it is passed over.
+bool nameReadsBack(const PlotSpec& plot) {
+    const std::string& name = plot.name;
+    if (Printer::isPlainWord(name)) {
+        return true;
     }
+    if (std::any_of(name.begin(), name.end(), isLineBreak)) {
+        return false;
+    }
+    const auto header = "@plot " + std::string(plotKindName(plot.kind)) + " " + name;
+    const auto words = splitPlotWords(cleanLine(header));
+    return words.size() > 2 && unquotePlotText(words[2]) == name;
 }
 
-void printRange(Printer& print, bool declared, double low, double high) {
-    if (declared) {
-        print.line("range").word(number(low)).word(number(high)).end();
-    }
+/// True for `<derive>.<table>`, as the reader of `derived("...")` wants it.
+bool isSelector(std::string_view text) {
+    const auto dot = text.find('.');
+    return dot != std::string_view::npos && dot != 0 && dot + 1 != text.size();
 }
-
-std::string multiplicityText(std::int32_t multiplicity) {
-    switch (multiplicity) {
-    case 1:
-        return "singlet";
-    case 2:
-        return "doublet";
-    case 3:
-        return "triplet";
-    case 4:
-        return "quartet";
-    default:
-        return std::to_string(multiplicity);
-    }
-}
-
-void printColumn(Printer& print, const PlotColumn& column, bool withMultiplicity) {
-    print.line("column").word(column.id);
-    if (column.label != column.id) {
-        print.word("label").quoted(column.label);
-    }
-    if (column.task != column.id) {
-        print.word("task").quoted(column.task);
-    }
-    if (withMultiplicity && column.multiplicityDeclared) {
-        print.word("multiplicity").word(multiplicityText(column.multiplicity));
-    }
-    print.end();
-}
-
-void printArrow(Printer& print, const ExcitedArrow& arrow) {
-    print.line("arrow from")
-        .word(arrow.sourceColumn)
-        .word("root")
-        .word(std::to_string(arrow.sourceRoot))
-        .word("to");
-    if (arrow.targetMode == ArrowTargetMode::explicitRoot) {
-        print.word(arrow.targetColumn).word("root").word(std::to_string(arrow.targetRoot));
-    } else {
-        print.word(arrow.relativeColumn).word(arrowTargetName(arrow.targetMode));
-    }
-    print.word("style").word(arrowStyleName(arrow.style)).end();
-}
-
-/// The lines of each kind.
-struct DataPrinter {
-    Printer& print;
-
-    void operator()(const BarrierPlotData& data) const {
-        for (const auto& point : data.points) {
-            print.line("point").word(point.id).quotedOption("label", point.label);
-            print.bareOption("value", renderPlotExpression(point.value)).end();
-        }
-        if (data.relativeMode == RelativeMode::toPoint) {
-            print.line("relative to").word(data.relativePoint).end();
-        }
-        printRelative(data.relativeMode);
-        print.bareLine("unit", data.unit);
-    }
-
-    void operator()(const ConvergencePlotData& data) const {
-        printSeries(print, "x", data.x);
-        printSeriesList(print, data.series);
-        for (const auto& threshold : data.thresholds) {
-            print.line("threshold").word(renderPlotExpression(threshold.property));
-            print.word("value").word(number(threshold.value)).quotedOption("label", threshold.label);
-            print.bareOption("unit", threshold.unit).wordIf(threshold.axis == PlotAxis::y2, "axis y2").end();
-        }
-    }
-
-    void operator()(const CurvePlotData& data) const {
-        printSeries(print, "x", data.x);
-        printSeriesList(print, data.series);
-        printRelative(data.relativeMode);
-        print.lineIf(data.sortByX, "sort by x");
-    }
-
-    void operator()(const SpectrumPlotData& data) const {
-        printSeries(print, "x", data.x);
-        printSeries(print, "y", data.y);
-        print.line("mode").word(spectrumModeName(data.mode)).end();
-        if (data.broadening != BroadenFunction::none) {
-            print.line("broaden")
-                .word(broadenFunctionName(data.broadening))
-                .word("fwhm")
-                .word(number(data.fwhm));
-            print.bareOption("unit", data.fwhmUnit).end();
-        }
-        printRange(print, data.rangeDeclared, data.rangeLow, data.rangeHigh);
-        print.lineIf(!data.sortByX, "sort none");
-    }
-
-    void operator()(const ScatterPlotData& data) const {
-        printSeries(print, "x", data.x);
-        printSeries(print, "y", data.y);
-        print.lineIf(data.diagonal, "diagonal y=x");
-        print.lineIf(data.fitLinear, "fit linear");
-        printWords("metrics", data.metrics);
-    }
-
-    void operator()(const HeatmapPlotData& data) const {
-        printSeries(print, "x", data.x);
-        printSeries(print, "y", data.y);
-        printSeries(print, "z", data.z);
-    }
-
-    void operator()(const HistogramPlotData& data) const {
-        printSeries(print, "x", data.x);
-        print.line("bins").word(std::to_string(data.bins)).end();
-        printRange(print, data.rangeDeclared, data.rangeLow, data.rangeHigh);
-        print.lineIf(data.density, "density true");
-    }
-
-    void operator()(const BarPlotData& data) const {
-        printSeries(print, "x", data.x);
-        printSeries(print, "y", data.y);
-        print.lineIf(data.sortEnabled, data.sortDescending ? "sort by y desc" : "sort by y asc");
-        if (data.limitDeclared) {
-            print.line("limit").word(std::to_string(data.limit)).end();
-        }
-    }
-
-    void operator()(const ErrorbarPlotData& data) const {
-        printSeries(print, "x", data.x);
-        printSeries(print, "y", data.y);
-        printSeries(print, "yerr", data.yerr);
-        print.lineIf(data.sortByX, "sort by x");
-    }
-
-    void operator()(const FrontierPlotData& data) const {
-        for (const auto& column : data.columns) {
-            printColumn(print, column, false);
-        }
-        printWords("orbitals", data.orbitals);
-        print.line("spin").word(spinSelectionName(data.spin)).end();
-        print.bareLine("unit", data.unit);
-    }
-
-    void operator()(const ExcitedPlotData& data) const {
-        for (const auto& column : data.columns) {
-            printColumn(print, column, true);
-        }
-        std::vector<std::string> roots;
-        for (const auto root : data.roots) {
-            roots.push_back(std::to_string(root));
-        }
-        printWords("roots", roots);
-        for (const auto& arrow : data.arrows) {
-            printArrow(print, arrow);
-        }
-        print.bareLine("unit", data.unit);
-    }
-
-  private:
-    void printRelative(RelativeMode mode) const {
-        print.lineIf(mode == RelativeMode::first, "relative first");
-        print.lineIf(mode == RelativeMode::minimum, "relative minimum");
-    }
-
-    void printWords(std::string_view keyword, const std::vector<std::string>& words) const {
-        if (!words.empty()) {
-            print.line(keyword).word(join(words, " ")).end();
-        }
-    }
-};
 
 void printSource(Printer& print, const PlotSpec& plot) {
     const bool implied = plot.sourceKind == PlotSourceKind::self && plot.scope == PlotScope::task;
     if (plot.sourceKind == PlotSourceKind::unspecified || implied) {
         return;
     }
-    print.line("from");
+    const std::string& argument = plot.sourceArgument;
     if (plot.sourceKind == PlotSourceKind::derived) {
-        print.word("derived(" + quotePlotText(plot.sourceArgument) + ")").end();
+        if (!isSelector(argument)) {
+            print.lose("the source '" + argument + "' is no <derive>.<table>");
+        }
+        print.line("from").word("derived(" + quotePlotText(argument) + ")").end();
         return;
     }
-    print.word(plotSourceName(plot.sourceKind));
-    print.wordIf(!plot.sourceArgument.empty(), plot.sourceArgument).end();
+    print.line("from").word(plotSourceName(plot.sourceKind)).wordIf(!argument.empty(), argument).end();
+}
+
+/// Whether the body names the source of the plot, and says the same without the lines of the source. A name
+/// that ends in an operator takes in the next line, which may have said nothing.
+bool sourceReadsBack(const PlotSpec& plot, std::string_view sourceLines, std::string_view otherLines) {
+    try {
+        auto whole = readBody(plot.kind, std::string(sourceLines) + std::string(otherLines));
+        auto others = readBody(plot.kind, otherLines);
+        others.sourceKind = plot.sourceKind;
+        others.sourceArgument = plot.sourceArgument;
+        return whole == others;
+    } catch (const DiagnosticError&) {
+        return false;
+    }
+}
+
+void checkSource(Printer& print, const PlotSpec& plot, std::size_t sourceAt, std::size_t othersAt) {
+    const bool named = plot.sourceKind == PlotSourceKind::task || plot.sourceKind == PlotSourceKind::variants;
+    if (!named || Printer::isPlainWord(plot.sourceArgument)) {
+        return;
+    }
+    const auto text = print.text();
+    if (!sourceReadsBack(plot, text.substr(sourceAt, othersAt - sourceAt), text.substr(othersAt))) {
+        print.lose(strayText("name of the source", plot.sourceArgument));
+    }
 }
 
 void printAxis(Printer& print, std::string_view header, const AxisSpec& axis) {
     if (!axis.declared) {
         return;
+    }
+    if (axis.label.empty() && axis.unit.empty() && !axis.scaleDeclared) {
+        print.lose("'" + std::string(header) + "' has no body");
     }
     print.line(header).end();
     ++print.level;
@@ -301,25 +136,22 @@ void printLegend(Printer& print, const LegendSpec& legend) {
     if (!legend.order.empty()) {
         print.line("order").word(join(legend.order, " ")).end();
     }
+    for (const auto& id : legend.order) {
+        if (!isPlotIdentifier(id)) {
+            print.lose("the legend's series id '" + id + "' is no identifier");
+        }
+    }
     --print.level;
 }
 
-} // namespace
-
-std::string renderPlot(const PlotSpec& plot, std::string_view indent) {
-    Printer print{{}, indent};
-    const bool ofTask = plot.scope == PlotScope::task;
-    print.line(ofTask ? "%plot" : "@plot").word(plotKindName(plot.kind)).word(plot.name).end();
-    print.level = 1;
-    printSource(print, plot);
-    std::visit(DataPrinter{print}, plot.data);
-    printAxis(print, "axis x:", plot.xAxis);
-    printAxis(print, "axis y:", plot.yAxis);
-    printAxis(print, "axis y2:", plot.y2Axis);
-    printLegend(print, plot.legend);
+/// Title, style, output and the like, which plots of every kind have.
+void printCommonLines(Printer& print, const PlotSpec& plot) {
     print.quotedLine("title", plot.title);
     if (plot.style != PlotStyle::lines) {
         print.line("style").word(plotStyleName(plot.style)).end();
+    } else if (defaultStyle(plot.kind) != PlotStyle::lines) {
+        print.lose("the style 'lines' is not printed and becomes '" +
+                   std::string(plotStyleName(defaultStyle(plot.kind))) + "'");
     }
     if (plot.theme != PlotTheme::automatic) {
         print.line("theme").word(plotThemeName(plot.theme)).end();
@@ -327,14 +159,55 @@ std::string renderPlot(const PlotSpec& plot, std::string_view indent) {
     if (plot.missing != MissingPolicy::error) {
         print.line("missing").word(missingPolicyName(plot.missing)).end();
     }
+    if (plot.outputPath.empty()) {
+        print.lose("the output is empty");
+    } else if (formatOfPath(plot.outputPath).value_or(plot.format) != plot.format) {
+        print.lose("the output '" + plot.outputPath + "' is not of the format '" +
+                   std::string(plotFormatName(plot.format)) + "'");
+    }
     print.line("output").quoted(plot.outputPath).end();
     print.line("format").word(plotFormatName(plot.format)).end();
     if (plot.sizeDeclared) {
         print.line("size").word(std::to_string(plot.width)).word(std::to_string(plot.height)).end();
     }
+}
+
+void warnOfLosses(Printer& print, const PlotSpec& plot, const WarningSink& warnings) {
+    // Substitution may have brought in what is refused when it is read, such as an id that is there already.
+    for (const auto& issue : validatePlot(plot)) {
+        print.lose(issue.message);
+    }
+    if (!print.losses().empty()) {
+        warnings(inOneLine("plot '" + plot.name + "' does not read back: " + join(print.losses(), "; ")));
+    }
+}
+
+} // namespace
+
+std::string renderPlot(const PlotSpec& plot, std::string_view indent, const WarningSink& warnings) {
+    Printer print(plot.kind, indent);
+    const bool ofTask = plot.scope == PlotScope::task;
+    if (!nameReadsBack(plot)) {
+        print.lose(strayText("name", plot.name));
+    }
+    print.line(ofTask ? "%plot" : "@plot").word(plotKindName(plot.kind)).word(plot.name).end();
+    print.level = 1;
+    const std::size_t sourceAt = print.text().size();
+    printSource(print, plot);
+    const std::size_t othersAt = print.text().size();
+    printData(print, plot.data);
+    printAxis(print, "axis x:", plot.xAxis);
+    printAxis(print, "axis y:", plot.yAxis);
+    printAxis(print, "axis y2:", plot.y2Axis);
+    printLegend(print, plot.legend);
+    printCommonLines(print, plot);
+    checkSource(print, plot, sourceAt, othersAt);
     print.level = 0;
     print.lineIf(!ofTask, "@end");
-    return std::move(print.out);
+    if (warnings) {
+        warnOfLosses(print, plot, warnings);
+    }
+    return print.take();
 }
 
 } // namespace morquill::taskdsl::plot

@@ -262,14 +262,17 @@ void checkRoots(Findings& findings) {
 void checkArrows(Findings& findings) {
     for (const auto& arrow : std::get<ExcitedPlotData>(findings.plot.data).arrows) {
         if (arrow.sourceColumn.empty() || arrow.sourceRoot < 1) {
-            findings.add("excited-arrow-from", "excited-state arrow requires 'from <column> root <n>'");
+            findings.add("excited-arrow-from", "excited-state arrow requires 'from <column> root <n>'",
+                         arrow.span);
         }
         const bool toRoot = arrow.targetMode == ArrowTargetMode::explicitRoot;
         if (!toRoot && arrow.relativeColumn.empty()) {
-            findings.add("excited-arrow-target", "relative excited-state arrow requires a target column");
+            findings.add("excited-arrow-target", "relative excited-state arrow requires a target column",
+                         arrow.span);
         }
         if (toRoot && (arrow.targetColumn.empty() || arrow.targetRoot < 1)) {
-            findings.add("excited-arrow-to", "explicit excited-state arrow requires 'to <column> root <n>'");
+            findings.add("excited-arrow-to", "explicit excited-state arrow requires 'to <column> root <n>'",
+                         arrow.span);
         }
     }
 }
@@ -283,18 +286,18 @@ void checkArrowColumns(Findings& findings) {
     for (const auto& column : data.columns) {
         known.insert(column.id);
     }
-    const auto require = [&](const std::string& id) {
+    const auto require = [&](const std::string& id, const SourceSpan& span) {
         if (!known.contains(id)) {
             findings.add("excited-arrow-column",
-                         "excited-state arrow references unknown column " + quoted(id));
+                         "excited-state arrow references unknown column " + quoted(id), span);
         }
     };
     for (const auto& arrow : data.arrows) {
-        require(arrow.sourceColumn);
+        require(arrow.sourceColumn, arrow.span);
         const bool toRoot = arrow.targetMode == ArrowTargetMode::explicitRoot;
         const auto& target = toRoot ? arrow.targetColumn : arrow.relativeColumn;
         if (!target.empty()) {
-            require(target);
+            require(target, arrow.span);
         }
     }
 }

@@ -27,6 +27,15 @@ bool isStructureLine(std::string_view text) noexcept {
     }
 }
 
+bool isContinuedCommand(std::string_view text) noexcept {
+    return text.ends_with('\\') && !text.ends_with("\\\\");
+}
+
+std::string_view heredocTerminator(std::string_view value) noexcept {
+    const auto terminator = trim(value.substr(2));
+    return terminator.empty() ? "EOF" : terminator;
+}
+
 SourceSpan DirectiveReader::span() const {
     const auto& line = lines[index];
     return spanOfLine(line.originPath, line.lineNumber, line.text);
@@ -65,11 +74,6 @@ std::optional<std::string_view> DirectiveReader::nextFilledLine() {
         text = nextLine();
     }
     return text;
-}
-
-std::string DirectiveReader::heredocTerminator() const {
-    const auto terminator = trim(value.substr(2));
-    return terminator.empty() ? "EOF" : std::string(terminator);
 }
 
 bool DirectiveReader::readHeredoc(std::string& text) {

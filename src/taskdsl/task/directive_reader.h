@@ -20,6 +20,13 @@ namespace morquill::taskdsl {
 /// `&INCLUDE` line or a block keyword.
 [[nodiscard]] bool isStructureLine(std::string_view text) noexcept;
 
+/// True for a command line that goes on in the next line: it ends in exactly one backslash, two or more are
+/// characters of the command. Takes a cleaned line.
+[[nodiscard]] bool isContinuedCommand(std::string_view text) noexcept;
+
+/// The terminator of the heredoc that a directive's value (`<<`, `<< END`) opens; "EOF" when none is written.
+[[nodiscard]] std::string_view heredocTerminator(std::string_view value) noexcept;
+
 /// What the handler of one directive works on: the task it fills in, the text behind the keyword, and the
 /// lines behind it, from which a block directive takes its block.
 class DirectiveReader {
@@ -57,7 +64,9 @@ class DirectiveReader {
     /// True when the value opens a heredoc.
     [[nodiscard]] bool opensHeredoc() const noexcept { return value.starts_with("<<"); }
     /// The terminator of the heredoc that the value opens; "EOF" when none is written.
-    [[nodiscard]] std::string heredocTerminator() const;
+    [[nodiscard]] std::string heredocTerminator() const {
+        return std::string(taskdsl::heredocTerminator(value));
+    }
     /// Reads raw lines up to the terminator into `text`, joined with newlines; false when it is missing.
     bool readHeredoc(std::string& text);
     /// Reads the raw lines of an indented text block, joined with newlines; nothing when no line was taken.
@@ -89,6 +98,8 @@ struct DirectiveRow {
 
 /// The row of a keyword, compared exactly; null for an unknown one.
 [[nodiscard]] const DirectiveRow* findDirective(std::string_view keyword) noexcept;
+/// True for a line that is a directive with such a keyword.
+[[nodiscard]] bool isKnownDirective(std::string_view line) noexcept;
 
 void readControlDirective(DirectiveReader& reader);
 void readBatchDirective(DirectiveReader& reader);

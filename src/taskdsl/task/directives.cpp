@@ -103,11 +103,6 @@ void readArgs(DirectiveReader& reader) {
     reader.task.args = std::move(text);
 }
 
-/// True when the text ends in exactly one backslash: two or more are characters of the command.
-bool isContinued(std::string_view text) noexcept {
-    return text.ends_with('\\') && !text.ends_with("\\\\");
-}
-
 std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view keyword) {
     std::vector<std::string> commands;
     while (const auto first = reader.nextFilledLine()) {
@@ -116,7 +111,7 @@ std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view 
         bool open = false;
         for (;;) {
             std::string_view text = *piece;
-            open = isContinued(text);
+            open = isContinuedCommand(text);
             if (open) {
                 text = trim(text.substr(0, text.size() - 1));
             }
@@ -211,8 +206,7 @@ void readMod(DirectiveReader& reader) {
     }
 }
 
-/// The conditions that a tolerated `%source a,b` before this directive has added. Migrating a file twice must
-/// not write them twice.
+/// The conditions that a tolerated `%source a,b` before this directive has added.
 std::unordered_set<std::string> conditionsOfSource(const TaskInfo& task) {
     std::unordered_set<std::string> conditions;
     for (std::size_t i = 1; i < task.sourceTasks.size(); ++i) {
@@ -221,20 +215,34 @@ std::unordered_set<std::string> conditionsOfSource(const TaskInfo& task) {
     return conditions;
 }
 
+/// Of the conditions that a source implies, those that stand in `written` too take the place that they have
+/// there, once: migrating a file twice must write neither another order nor a condition twice.
+void placeImpliedConditions(TaskInfo& task, std::vector<TaskWhenEntry>& written) {
+    const auto implied = conditionsOfSource(task);
+    if (implied.empty()) {
+        return;
+    }
+    std::unordered_set<std::string> placed;
+    std::erase_if(written, [&](const TaskWhenEntry& entry) {
+        return implied.contains(entry.text) && !placed.insert(entry.text).second;
+    });
+    std::erase_if(task.whenConditions, [&](const std::string& text) { return placed.contains(text); });
+    std::erase_if(task.whenEntries, [&](const TaskWhenEntry& entry) { return placed.contains(entry.text); });
+}
+
 void readWhen(DirectiveReader& reader) {
-    const auto implied = conditionsOfSource(reader.task);
-    const auto add = [&](std::string_view text) {
-        std::string condition(text);
-        if (implied.empty() || !implied.contains(condition)) {
-            reader.task.whenEntries.push_back({condition, reader.conditionSpan()});
-            reader.task.whenConditions.push_back(std::move(condition));
-        }
-    };
+    std::vector<TaskWhenEntry> written;
     if (!reader.value.empty()) {
-        add(reader.value);
+        written.push_back({std::string(reader.value), reader.conditionSpan()});
     }
     while (const auto line = reader.nextFilledLine()) {
-        add(*line);
+        written.push_back({std::string(*line), reader.conditionSpan()});
+    }
+    TaskInfo& task = reader.task;
+    placeImpliedConditions(task, written);
+    for (auto& entry : written) {
+        task.whenConditions.push_back(entry.text);
+        task.whenEntries.push_back(std::move(entry));
     }
 }
 
@@ -279,6 +287,14 @@ const DirectiveRow* findDirective(std::string_view keyword) noexcept {
     const auto* row = std::find_if(directiveTable.begin(), directiveTable.end(),
                                    [keyword](const DirectiveRow& r) { return r.keyword == keyword; });
     return row == directiveTable.end() ? nullptr : row;
+}
+
+bool isKnownDirective(std::string_view line) noexcept {
+    if (!trimLeft(line).starts_with('%')) {
+        return false;
+    }
+    const auto directive = directiveName(cleanLine(line));
+    return findDirective(directive.substr(0, directive.find(' '))) != nullptr;
 }
 
 } // namespace morquill::taskdsl

@@ -62,6 +62,29 @@ std::string legacyTemplateName(std::string_view keywords) {
     return {};
 }
 
+bool isLegacyPairList(std::string_view keywords, bool withJob, bool withOthers) {
+    std::size_t i = skipSpace(keywords, 0);
+    while (i < keywords.size()) {
+        const std::size_t begin = i;
+        while (i < keywords.size() && isKeyChar(keywords[i])) {
+            ++i;
+        }
+        const auto key = keywords.substr(begin, i - begin);
+        if (key.empty() || !readAssignedValue(keywords, i)) {
+            return false;
+        }
+        bool& allowed = equalsNoCase(key, "job") ? withJob : withOthers;
+        if (!allowed || (i < keywords.size() && !isSpace(keywords[i]))) {
+            return false;
+        }
+        if (&allowed == &withJob) {
+            withJob = false;
+        }
+        i = skipSpace(keywords, i);
+    }
+    return true;
+}
+
 std::string legacyParamValues(std::string_view keywords) {
     std::string result;
     std::size_t i = 0;
@@ -89,14 +112,6 @@ std::string legacyParamValues(std::string_view keywords) {
         appendCanonicalScalar(result, taskdsl::unquote(*value));
     }
     return result;
-}
-
-std::string resolvedTemplateName(const TaskInfo& task) {
-    return task.templateName.empty() ? legacyTemplateName(task.keywords) : task.templateName;
-}
-
-const std::string& resolvedRunner(const TaskInfo& task) noexcept {
-    return task.runner.empty() ? task.keywords : task.runner;
 }
 
 } // namespace morquill::taskdsl

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "taskdsl/task/task_document.h"
-
 #include <string>
 #include <string_view>
 
@@ -15,11 +13,8 @@ namespace morquill::taskdsl {
 /// Every other `key=value` pair, in order, joined with one blank, each value in canonical form.
 [[nodiscard]] std::string legacyParamValues(std::string_view keywords);
 
-/// The template of a task of `%program other`: its `%template`, else the job that older files keep in
-/// `%keywords`; may be empty.
-[[nodiscard]] std::string resolvedTemplateName(const TaskInfo& task);
-
-/// The runner of a script task: its `%runner`, else what older files keep in `%keywords`; may be empty.
-[[nodiscard]] const std::string& resolvedRunner(const TaskInfo& task) noexcept;
+/// True when the text is nothing but `key=value` pairs of which the two functions above lose none: one `job`
+/// at most, and none unless `withJob`; other pairs only `withOthers`.
+[[nodiscard]] bool isLegacyPairList(std::string_view keywords, bool withJob, bool withOthers);
 
 } // namespace morquill::taskdsl

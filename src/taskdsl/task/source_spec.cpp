@@ -203,8 +203,10 @@ std::string formatXyz(const SourceXyz& xyz) {
         std::string(xyzPrefix) + quoteInlineWord(xyz.file) + frameSuffix(xyz.hasFrame, xyz.frameIndex);
     for (const auto& word : xyz.furtherWords) {
         if (!word.empty()) {
+            // A bare last word `guess` would be taken off as the flag of older files.
+            const bool isFlag = &word == &xyz.furtherWords.back() && (word == "guess" || word == "gues");
             text += ' ';
-            text += quoteInlineWord(word);
+            text += isFlag ? inDoubleQuotes(word) : quoteInlineWord(word);
         }
     }
     return text;
@@ -359,9 +361,15 @@ std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& 
     try {
         validateStructuredSource(bindings, false);
     } catch (const DiagnosticError& fault) {
-        throw DiagnosticError(directiveSpan, task + " has invalid structured %source: " + fault.message());
+        throw structuredSourceFault(directiveSpan, taskName, fault);
     }
     return bindings;
+}
+
+DiagnosticError structuredSourceFault(const SourceSpan& directiveSpan, std::string_view taskName,
+                                      const DiagnosticError& reason) {
+    return {directiveSpan,
+            "task " + inQuotes(taskName) + " has invalid structured %source: " + reason.message()};
 }
 
 std::string quoteSourceToken(std::string_view token) {

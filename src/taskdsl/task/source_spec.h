@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/source_span.h"
 
 #include <cstdint>
@@ -105,6 +106,11 @@ struct SourceEntryLine {
 [[nodiscard]] std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& lines,
                                                           std::string_view taskName,
                                                           const SourceSpan& directiveSpan);
+
+/// The fault of a whole `%source` block: "task '<name>' has invalid structured %source: <reason>" with the
+/// span of the directive.
+[[nodiscard]] DiagnosticError structuredSourceFault(const SourceSpan& directiveSpan,
+                                                    std::string_view taskName, const DiagnosticError& reason);
 
 /// A token as it stands in a structured source: bare when it is not empty and has no white space and none of
 /// `"`, `#`, `'`, backslash; otherwise in double quotes, with `"` and backslash escaped by a backslash.

@@ -17,6 +17,33 @@ constexpr std::array<std::string_view, 12> programNames{"gaussian", "orca",     
 constexpr std::string_view supportedPrograms =
     "gaussian, orca, gamess, xtb, mrcc, maple, amesp, bdf, mopac, fcclasses, other, script";
 
+/// Removes the entries of a map whose keys are in the set.
+template <class Map>
+void eraseKeys(Map& map, const KeySet& keys) {
+    for (const auto& key : keys) {
+        if (const auto found = map.find(key); found != map.end()) {
+            map.erase(found);
+        }
+    }
+}
+
+template <class T>
+void eraseFirst(std::vector<T>& list, std::size_t count) {
+    list.erase(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(count));
+}
+
+/// The tasks that run without the variants of the first `count` of `declared` tasks: every combination of the
+/// matrix has one variant of each declared task, in their order.
+std::vector<TaskInfo> withoutVariants(std::vector<TaskInfo> tasks, std::size_t declared, std::size_t count) {
+    std::vector<TaskInfo> kept;
+    for (std::size_t i = 0; i < tasks.size(); ++i) {
+        if (i % declared >= count) {
+            kept.push_back(std::move(tasks[i]));
+        }
+    }
+    return kept;
+}
+
 } // namespace
 
 std::string_view programName(TaskProgram program) noexcept {
@@ -70,6 +97,31 @@ bool hasExternalSource(const TaskInfo& task) noexcept {
     const bool hasSource =
         task.program == TaskProgram::fcclasses ? hasStructuredSource(task) : !task.source.empty();
     return hasSource && task.externalInput;
+}
+
+TaskDocument withoutImplicitContent(TaskDocument document) {
+    const ImplicitContent implicit = std::exchange(document.implicitContent, {});
+    eraseKeys(document.settings, implicit.settings);
+    eraseKeys(document.defines, implicit.defines);
+    eraseKeys(document.matrixValues, implicit.axes);
+    std::erase_if(document.matrixAxes,
+                  [&implicit](const MatrixAxis& axis) { return implicit.axes.contains(axis.key); });
+    eraseFirst(document.plots, implicit.plots);
+    eraseFirst(document.derives, implicit.derives);
+    if (implicit.tasks > 0) {
+        const bool oneList = document.tasks.sharesWith(document.templateTasks);
+        const std::size_t declared = document.templateTasks.size();
+        if (!oneList) {
+            document.tasks = withoutVariants(std::move(document.tasks.edit()), declared, implicit.tasks);
+        } else {
+            document.tasks.reset();
+        }
+        eraseFirst(document.templateTasks.edit(), implicit.tasks);
+        if (oneList) {
+            document.tasks = document.templateTasks;
+        }
+    }
+    return document;
 }
 
 } // namespace morquill::taskdsl

@@ -22,12 +22,16 @@ struct TaskDirective {
     std::string_view name; ///< keyword without the `%`; a text with static lifetime
     std::string value;     ///< the text behind the keyword on the directive's own line
     SourceSpan span;
+
+    friend bool operator==(const TaskDirective&, const TaskDirective&) = default;
 };
 
 /// One `%when` condition with its place.
 struct TaskWhenEntry {
     std::string text;
     SourceSpan span;
+
+    friend bool operator==(const TaskWhenEntry&, const TaskWhenEntry&) = default;
 };
 
 enum class TaskProgram : std::int32_t {
@@ -68,6 +72,8 @@ struct BatchCollect {
     std::string pattern;
     std::string destination; ///< empty when none is given
     bool required = false;
+
+    friend bool operator==(const BatchCollect&, const BatchCollect&) = default;
 };
 
 enum class ClusterMetric : std::int32_t { dist = 0, rmsd = 1 };
@@ -84,6 +90,8 @@ struct BatchCluster {
     double accumulation = 0;
     bool hasAccumulation = false;
     bool present = false;
+
+    friend bool operator==(const BatchCluster&, const BatchCluster&) = default;
 };
 
 /// One task block.
@@ -145,6 +153,8 @@ struct TaskInfo {
     std::vector<plot::PlotSpec> plots; ///< `%plot` entries of this task
     TaskInterfaceMode interfaceMode = TaskInterfaceMode::none;
     std::string interfaceProvider; ///< provider task of a consume interface
+
+    friend bool operator==(const TaskInfo&, const TaskInfo&) = default;
 };
 
 [[nodiscard]] bool isProvider(const TaskInfo& task) noexcept;
@@ -157,6 +167,17 @@ struct DeriveBlock {
     CapturedBlock captured;
     derive::DeriveSpec spec;
     std::uint64_t documentOrder = 0;
+};
+
+/// What the extra files beside a task file brought into its document, and the file itself did not say: tasks
+/// and blocks stand first in the document, everything else is told by its key.
+struct ImplicitContent {
+    KeySet settings;
+    KeySet defines;
+    KeySet axes;
+    std::size_t tasks = 0; ///< of the tasks as declared
+    std::size_t plots = 0;
+    std::size_t derives = 0;
 };
 
 /// The result of parsing one file.
@@ -175,7 +196,12 @@ struct TaskDocument {
     std::string directory;                  ///< directory of the file, empty when the text came from memory
     std::vector<std::string> includedFiles; ///< every file read for this document, each once, in order of use
     ValueMap libraryBindings;               ///< namespace alias to library path, file-scope imports
+    ImplicitContent implicitContent;        ///< what came from the extra files beside the file
 };
+
+/// The document without what the extra files beside its file brought: what has to be written beside them, so
+/// that a reader who finds them there gets the whole document again.
+[[nodiscard]] TaskDocument withoutImplicitContent(TaskDocument document);
 
 /// The multi-line debug dump of a task.
 [[nodiscard]] std::string describeTask(const TaskInfo& task);

@@ -68,12 +68,28 @@ void substituteBinding(SourceBinding& binding, const ValueMap& values) {
     rereadBinding(binding);
 }
 
-void substituteSource(TaskInfo& task, const ValueMap& values, bool final) {
-    if (hasStructuredSource(task)) {
+/// The place of the `%source` that counts, the last one; no place for a task that was not read from a text.
+SourceSpan sourceDirectiveSpan(const TaskInfo& task) {
+    const auto& directives = task.directives.get();
+    const auto last = std::find_if(directives.rbegin(), directives.rend(),
+                                   [](const TaskDirective& directive) { return directive.name == "source"; });
+    return last == directives.rend() ? SourceSpan{} : last->span;
+}
+
+void substituteBindings(TaskInfo& task, const ValueMap& values, bool final) {
+    try {
         for (auto& binding : task.sourceBindings) {
             substituteBinding(binding, values);
         }
         validateStructuredSource(task.sourceBindings, final);
+    } catch (const DiagnosticError& fault) {
+        throw structuredSourceFault(sourceDirectiveSpan(task), task.name, fault);
+    }
+}
+
+void substituteSource(TaskInfo& task, const ValueMap& values, bool final) {
+    if (hasStructuredSource(task)) {
+        substituteBindings(task, values, final);
         return;
     }
     if (!sourceHoldsBracket(task)) {

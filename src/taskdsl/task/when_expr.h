@@ -1,7 +1,5 @@
 #pragma once
 
-#include "taskdsl/base/substitute.h"
-
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -77,10 +75,6 @@ inline constexpr int maxWhenNesting = 50;
 /// all parentheses, `{{ }}` and quotes. The parts are trimmed views into `text`, empty ones are dropped.
 [[nodiscard]] std::vector<std::string_view> splitWhenTopLevel(std::string_view text,
                                                               std::string_view keyword);
-
-/// Renames task references: `{{ <old>.` and `completed <old>`. The pairs are applied one after the other in
-/// key order, so that a name brought in by one pair is renamed again by a later one.
-[[nodiscard]] std::string rewriteWhenReferences(std::string_view text, const ValueMap& renames);
 
 /// True when the trimmed text is enclosed in `{{` and `}}`.
 [[nodiscard]] bool isWhenPlaceholder(std::string_view text) noexcept;

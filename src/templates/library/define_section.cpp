@@ -43,11 +43,14 @@ std::string buildDefineSection(const std::vector<std::string>& names, const task
 }
 
 std::string replaceDefineSection(std::string_view text, std::string_view section) {
-    const auto lines = splitOn(text, '\n');
+    // A byte order mark stays where it is: in front of everything.
+    const auto body = skipByteOrderMark(text);
+    const auto mark = text.substr(0, text.size() - body.size());
+    const auto lines = splitOn(body, '\n');
     const auto begin =
         std::find_if(lines.begin(), lines.end(), [](const auto& line) { return trim(line) == "define:"; });
     if (begin == lines.end()) {
-        return std::string(section) + "\n\n" + std::string(text);
+        return std::string(mark).append(section).append("\n\n").append(body);
     }
     const auto end = std::find_if(begin + 1, lines.end(), [](const auto& line) {
         const auto content = trim(line);
@@ -57,7 +60,7 @@ std::string replaceDefineSection(std::string_view text, std::string_view section
     result.emplace_back(section);
     result.emplace_back();
     result.insert(result.end(), end, lines.end());
-    return join(result, "\n");
+    return std::string(mark).append(join(result, "\n"));
 }
 
 } // namespace morquill::templates

@@ -2,6 +2,7 @@
 
 #include "console/console.h"
 #include "console/runtime_config.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "templates/library/template_text.h"
@@ -18,16 +19,17 @@ constexpr const char* pathKey = "MORQUILL_TEMPLATE_PATH";
 constexpr std::string_view noTemplates = "[mqkit] no templates found.\n";
 
 void addTemplate(const FoundFile& file, TemplateLibrary& library) {
-    auto content = readTextFile(file.path);
-    if (!content) {
+    const auto text = readTextFile(file.path);
+    if (!text) {
         return;
     }
+    const auto content = skipByteOrderMark(*text);
     TaskTemplate entry;
     entry.name = file.stem;
     entry.category = file.folder.empty() ? "General" : file.folder;
-    entry.variables = scanPlaceholders(*content, true);
-    entry.blocks = splitTemplateBlocks(*content).blocks;
-    entry.content = std::move(*content);
+    entry.variables = scanPlaceholders(content, true);
+    entry.blocks = splitTemplateBlocks(content).blocks;
+    entry.content = content;
     library.templates.push_back(std::move(entry));
 }
 
@@ -69,7 +71,7 @@ TemplateLibrary loadTemplateLibrary(std::string_view pathList) {
                 addTemplate(file, library);
             } catch (const std::exception& error) {
                 console::writeErr("[mqkit][ERROR] failed to load template " + quotedPath(file.path) + ": " +
-                                  error.what() + "\n");
+                                  faultText(error, {}) + "\n");
             }
         });
     }

@@ -1,6 +1,7 @@
 #include "templates/library/variable_template.h"
 
 #include "console/console.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/base/scan.h"
@@ -20,7 +21,7 @@ VariableTemplate readVariableTemplate(const FoundFile& file) {
     if (!text) {
         throw std::runtime_error("could not open file");
     }
-    auto result = parseVariableTemplate(*text, file.stem);
+    auto result = parseVariableTemplate(skipByteOrderMark(*text), file.stem);
     result.path = file.path;
     return result;
 }
@@ -74,7 +75,7 @@ std::vector<VariableTemplate> loadVariableTemplates(std::string_view pathList) {
                 templates.push_back(readVariableTemplate(file));
             } catch (const std::exception& error) {
                 console::writeErr("[mqkit][ERROR] failed to load variable template " + quotedPath(file.path) +
-                                  ": " + error.what() + "\n");
+                                  ": " + faultText(error, {}) + "\n");
             }
         });
     }

@@ -172,7 +172,9 @@ SelectorState generateTaskFile(SelectorState state, const SelectorConsole& conso
     console.print("\nPress q to quit, or any other key to continue editing...");
     const auto pressed = console.readKey();
     quit = pressed == 'q' || pressed == key::endOfInput;
-    console.print(system::hideCursor);
+    if (!quit) {
+        console.print(system::hideCursor);
+    }
     return state;
 }
 

@@ -11,6 +11,18 @@
 namespace morquill::project {
 namespace {
 
+std::string replaceWord(std::string text, std::string_view word, std::string_view to) {
+    RewrittenText rewritten(std::move(text));
+    rewritten.replaceWord(word, to);
+    return std::move(rewritten).take();
+}
+
+std::string replaceText(std::string text, std::string_view from, std::string_view to) {
+    RewrittenText rewritten(std::move(text));
+    rewritten.replaceText(from, to);
+    return std::move(rewritten).take();
+}
+
 /// The word replacement as it is written down: a regular expression over the whole text. Slow, and it
 /// overflows the stack on long texts; good enough for short ones.
 std::string replaceWordSlowly(const std::string& text, const std::string& word, const std::string& to) {
@@ -148,6 +160,31 @@ TEST(ReplaceText, IsLiteralAndWithoutOverlap) {
     EXPECT_FALSE(containsText("abc", ""));
     EXPECT_TRUE(containsText(std::string(200, '.') + "abc", "abc"));
     EXPECT_FALSE(containsText(std::string("ab"), "abc"));
+}
+
+/// `opt` becomes `to` in the forms `opt_m1`, `opt_[` and `opt`, one rule after the other.
+std::string rename(std::string text, const std::string& to) {
+    RewrittenText rewritten(std::move(text));
+    rewritten.replaceText("opt_m1", to + "_m1");
+    rewritten.replaceText("opt_[", to + "_[");
+    rewritten.replaceWord("opt", to);
+    return std::move(rewritten).take();
+}
+
+TEST(RewrittenText, IsNotMatchedWhereSomethingWasPutIn) {
+    EXPECT_EQ(rename("opt_m1 opt opt_[x]", "opt-tight"), "opt-tight_m1 opt-tight opt-tight_[x]");
+    EXPECT_EQ(rename("opt_m1", "x opt y"), "x opt y_m1");
+    EXPECT_EQ(rename("opt_m1opt_m1 opt", "opt"), "opt_m1opt_m1 opt");
+    // the second rule does not find what the first has put in
+    EXPECT_EQ(rename("opt_m1", "opt_[a]"), "opt_[a]_m1");
+    EXPECT_EQ(rename("opt opt_[opt] opt_m1", "opt_[a]"), "opt_[a] opt_[a]_[opt_[a]] opt_[a]_m1");
+    // ... but both are neighbours
+    EXPECT_EQ(rename("opt_[opt]", "new"), "new_[new]");
+    EXPECT_EQ(rename("opt_[opt_[opt]opt_m1", "a"), "a_[a_[a]a_m1");
+    // What stands between two places that were put in is still looked at, and only that.
+    EXPECT_EQ(rename("opt_m1 opt opt_m1 opt opt_[ opt", "s-opt"),
+              "s-opt_m1 s-opt s-opt_m1 s-opt s-opt_[ s-opt");
+    EXPECT_EQ(rename("", "opt-x"), "");
 }
 
 } // namespace

@@ -4,9 +4,26 @@
 #include "fixtures/scratch_tree.h"
 
 #include <csignal>
+#include <cstdlib>
+#include <new>
 #include <stdexcept>
 
 #include <sys/stat.h>
+
+namespace {
+bool memoryIsUsedUp = false; // what every allocation meets in the test that needs it
+} // namespace
+
+void* operator new(std::size_t size) {
+    void* memory = memoryIsUsedUp ? nullptr : std::malloc(size);
+    return memory != nullptr ? memory : throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
 
 namespace morquill::project {
 namespace {
@@ -117,6 +134,131 @@ TEST_F(StatusScope, AFullDiskStopsItAndTheOldTextComesBack) {
     EXPECT_EQ(output.err, "[mqkit][ERROR] failed to prepare mq.status for comd-only update: m1\n");
     EXPECT_EQ(restore().status, 1);
     EXPECT_EQ(readTextFile(at("m1/mq.status")), "opt\n");
+}
+
+TEST_F(StatusScope, ADiskWithoutRoomForTheOldBytesStopsItBeforeAnythingIsTouched) {
+    const std::string old = "freq\n" + std::string(200, '#') + "\n";
+    write("m1/mq.status", old);
+    const auto output = run("", [&] {
+        const FileSizeLimit limit(150); // enough for the message, which goes to a file here
+        const bool scoped = scopeStatusFiles({at("m1")}, {"opt"}, false, backups, summary);
+        return scoped || readTextFile(at("m1/mq.status")) != old;
+    });
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to prepare mq.status for comd-only update: m1\n");
+    EXPECT_EQ(restore().status, 1);
+    EXPECT_EQ(readTextFile(at("m1/mq.status")), old);
+}
+
+TEST_F(StatusScope, ADiskThatFillsUpMeanwhileKeepsNothingBack) {
+    const std::string comment = "# " + std::string(500, 'x') + "\n";
+    write("m1/mq.status", "freq\n" + comment);
+    write("m2/mq.status", "opt\n" + comment);
+    write("m3/target", "opt\n" + comment);
+    link("target", "m3/mq.status");
+    mode("m2/mq.status", 0640);
+    const auto before = tree();
+    ASSERT_EQ(scope({"m1", "m2", "m3"}, {"opt"}).status, 1);
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m2/", "m2/mq.status = " + header + optRow, "m3/",
+                                    "m3/mq.status -> target", "m3/target = " + header + optRow));
+    const auto restored = run("", [&] {
+        const FileSizeLimit limit(100);
+        return restoreStatusFiles(backups);
+    });
+    EXPECT_EQ(restored.status, 1);
+    EXPECT_EQ(restored.err, "");
+    EXPECT_EQ(tree(), before);
+    struct stat info {};
+    ASSERT_EQ(::stat(at("m2/mq.status").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777U, 0640U);
+}
+
+TEST_F(StatusScope, ALackOfMemoryStopsNoRestore) {
+    write("m1/mq.status", "freq\n");
+    write("m2/mq.status", "opt\nfreq\n");
+    write("m3/status", "freq\n");
+    link("status", "m3/mq.status");
+    dir("m4");
+    write("m5/mq.status", "freq\n");
+    const auto before = tree();
+    ASSERT_EQ(scope({"m1", "m2", "m3", "m4", "m5"}, {"opt"}).status, 1);
+    write("m4/mq.status", "new\n");
+    dir("m5/mq.status");
+    const auto output = run("", [&] {
+        memoryIsUsedUp = true;
+        const bool restored = restoreStatusFiles(backups);
+        memoryIsUsedUp = false;
+        return restored;
+    });
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to restore mq.status: " + at("m5/mq.status") + "\n");
+    std::filesystem::remove(at("m5/mq.status"));
+    write("m5/mq.status", "freq\n");
+    EXPECT_EQ(tree(), before);
+}
+
+TEST_F(StatusScope, OnlyWhatCameMeanwhileIsRemoved) {
+    link("../nowhere.status", "dangling/mq.status");
+    link("../m1", "linked/mq.status");
+    dir("m1");
+    dir("piped");
+    ASSERT_EQ(::mkfifo(at("piped/mq.status").c_str(), 0600), 0);
+    const auto identity = [&](const std::string& name) {
+        struct stat info {};
+        EXPECT_EQ(::lstat(at(name).c_str(), &info), 0) << name;
+        return std::pair(info.st_ino, info.st_mode & S_IFMT);
+    };
+    const auto fifo = identity("piped/mq.status");
+    const auto known = {std::string("dangling"), std::string("linked"), std::string("piped")};
+    EXPECT_EQ(scope(known, {"opt"}).out, "");
+    EXPECT_EQ(restore().status, 1);
+    EXPECT_EQ(identity("piped/mq.status"), fifo);
+    const auto links = ElementsAre("dangling/", "dangling/mq.status -> ../nowhere.status", "linked/",
+                                   "linked/mq.status -> ../m1", "m1/", "piped/");
+    std::filesystem::remove(at("piped/mq.status"));
+    EXPECT_THAT(tree(), links);
+
+    // What the generator writes through the dangling link, or puts in the place of a link, has come.
+    backups.clear();
+    EXPECT_EQ(scope(known, {"opt"}).out, "");
+    write("dangling/mq.status", "new\n");
+    EXPECT_EQ(readTextFile(at("nowhere.status")), "new\n");
+    std::filesystem::remove(at("linked/mq.status"));
+    write("linked/mq.status", "new\n");
+    ASSERT_EQ(::mkfifo(at("piped/mq.status").c_str(), 0600), 0);
+    EXPECT_EQ(restore().status, 1);
+    EXPECT_THAT(tree(), links);
+}
+
+TEST_F(StatusScope, WhatCameInThePlaceOfAStatusFileIsNeverWrittenThrough) {
+    write("m1/mq.status", "freq\n");
+    write("m2/mq.status", "opt\nfreq\n");
+    write("shared", "opt\n");
+    link("../shared", "m3/mq.status");
+    write("foreign", "keep\n");
+    const auto before = tree();
+    ASSERT_EQ(scope({"m1", "m2", "m3"}, {"opt"}).status, 1);
+    ASSERT_EQ(::mkfifo(at("m1/mq.status").c_str(), 0600), 0);
+    for (const std::string name : {"m2/mq.status", "m3/mq.status"}) {
+        std::filesystem::remove(at(name));
+        link("../foreign", name);
+    }
+    const auto restored = restore();
+    EXPECT_EQ(restored.status, 1);
+    EXPECT_EQ(restored.err, "");
+    EXPECT_EQ(tree(), before);
+}
+
+TEST_F(StatusScope, WhatLayBehindALinkGoesBackEvenWhereTheLinkCannot) {
+    write("shared", "opt\nfreq\n");
+    link("../shared", "m1/mq.status");
+    ASSERT_EQ(scope({"m1"}, {"opt"}).status, 1);
+    std::filesystem::remove(at("m1/mq.status"));
+    dir("m1/mq.status");
+    const auto output = restore();
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to restore mq.status: " + at("m1/mq.status") + "\n");
+    EXPECT_EQ(readTextFile(at("shared")), "opt\nfreq\n");
 }
 
 TEST_F(StatusScope, EveryFailedRestoreIsReportedAndStopsNone) {

@@ -96,7 +96,9 @@ TEST(DeriveOutput, ExamplesAreCanonical) {
     std::size_t blocks = 0;
     for (const auto& name : listDirectoryEntries("examples/derive")) {
         for (const auto& [block, text, canonical] : blocksOf("examples/derive/" + name)) {
-            EXPECT_EQ(renderDerive(parseDerive(block), ""), text) << name;
+            const auto [print, warnings] = printed(parseDerive(block));
+            EXPECT_EQ(print, text) << name;
+            EXPECT_EQ(warnings.size(), 0U) << name;
             ++blocks;
         }
     }

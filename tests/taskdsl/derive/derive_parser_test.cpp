@@ -345,8 +345,7 @@ TEST(DeriveFrom, SelectsATableOfAnotherDerive) {
                     {"from Derived('d.t')", "from derived(d.t)"},
                     {"from derived(d, table=t)", "from derived(d.t)"},
                     {"from derived(name=' t ', derive=d)", "from derived(d.t)"},
-                    {"from derived('my run.t')", "from derived(\"my run.t\")"},
-                    {"from derived(a.b.c)", "from derived(a.b.c)"},
+                    {"from derived(' d.t ')", "from derived(d.t)"},
                 });
     expectFaults({
         {"from derived(d.t) + 1",
@@ -364,6 +363,12 @@ TEST(DeriveFrom, SelectsATableOfAnotherDerive) {
         {"from derived(d.e, table=t)", "derived() derive id must be an identifier"},
         {"from derived(d, table='')", "derived() table name must be an identifier"},
         {"from derived(d)", "derived() shorthand must be 'derive.table'"},
+        {"from derived('1d.t')", "derived() derive id must be an identifier"},
+        {"from derived('a b.t')", "derived() derive id must be an identifier"},
+        {"from derived('d .t')", "derived() derive id must be an identifier"},
+        {"from derived('d. t')", "derived() table name must be an identifier"},
+        {"from derived(d.t.u)", "derived() table name must be an identifier"},
+        {"from derived(d.t[1])", "derived() table name must be an identifier"},
         {"from derived('.t')", "derived() shorthand must be 'derive.table'"},
         {"from derived('d.')", "derived() shorthand must be 'derive.table'"},
         {"from derived('')", "derived() shorthand must be 'derive.table'"},
@@ -443,20 +448,25 @@ TEST(DeriveAggregate, NamesItsColumns) {
     EXPECT_EQ(
         canonical(lead + "aggregate n = count(), e = mean(energy)\nreduce w = sum(x) / count()\n" + sink),
         lead + "aggregate n = count()\naggregate e = mean(energy)\naggregate w = sum(x) / count()\n" + sink);
-    expectFaultsBehind(lead,
-                       {
-                           {"aggregate a = f(b),,c = f(d)", "aggregate list contains an empty entry"},
-                           {"aggregate ,", "@derive statement ends with a continuation operator"},
-                           {"aggregate mean(e)", "aggregate entry must be 'name = function(expression)'"},
-                           {"aggregate a = e", "aggregate entry must be 'name = function(expression)'"},
-                           {"aggregate a = 2 * (e)", "aggregate entry must be 'name = function(expression)'"},
-                           {"reduce a.b = mean(e)", "aggregate name must be an identifier"},
-                           {"aggregate = mean(e)", "aggregate name must be an identifier"},
-                           {"aggregate a =", "aggregate statement requires an expression"},
-                           {"aggregate a = f(b), a = f(c)", "duplicate aggregate column 'a'"},
-                           {"aggregate a = f(b)\naggregate a = f(c)", "duplicate aggregate column 'a'"},
-                           {"aggregate m = f(b)", "duplicate table column/group key 'm'"},
-                       });
+    expectFaultsBehind(
+        lead, {
+                  {"aggregate a = f(b),,c = f(d)", "aggregate list contains an empty entry"},
+                  {"aggregate ,", "@derive statement ends with a continuation operator"},
+                  {"aggregate mean(e)", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = e", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = 2 * (e)", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = (e) + (f)", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = \"f(x)\"", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = e + \"f(x)\"", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = 'f(x)' * e", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = {{ f(x).e }}", "aggregate entry must be 'name = function(expression)'"},
+                  {"reduce a.b = mean(e)", "aggregate name must be an identifier"},
+                  {"aggregate = mean(e)", "aggregate name must be an identifier"},
+                  {"aggregate a =", "aggregate statement requires an expression"},
+                  {"aggregate a = f(b), a = f(c)", "duplicate aggregate column 'a'"},
+                  {"aggregate a = f(b)\naggregate a = f(c)", "duplicate aggregate column 'a'"},
+                  {"aggregate m = f(b)", "duplicate table column/group key 'm'"},
+              });
 }
 
 TEST(DeriveSort, TakesKeysWithADirection) {

@@ -181,6 +181,16 @@ TEST(Formula, DepthIsBoundedAt64) {
     EXPECT_EQ(refusal(chain + "emit e = f65(a)"), "formula expansion exceeds the maximum depth of 64");
 }
 
+TEST(Formula, ProfilesDoNotCountTowardsTheDepth) {
+    const std::string profiles = "profile p for g = (a=1)\nprofile q for g = (a=g(using=p))\n";
+    const std::string chain = chainOfFormulas(64, "g(x, using=q)", "#(x)");
+    EXPECT_EQ(canonical(profiles + chain + "emit e = f64(b)"), "emit e = g(b, a=g(a=1))\n");
+    const std::string inner =
+        "formula h(x) = x\nprofile r for g = (a=h(1))\n" + chainOfFormulas(64, "g(x, using=r)", "#(x)");
+    EXPECT_EQ(canonical(inner + "emit e = f63(b)"), "emit e = g(b, a=1)\n");
+    EXPECT_EQ(refusal(inner + "emit e = f64(b)"), "formula expansion exceeds the maximum depth of 64");
+}
+
 TEST(Formula, DoublingDefinitionsEndInAnErrorNotInMemory) {
     const std::string message = "derive expansion exceeds the maximum size of 100000 nodes";
     EXPECT_EQ(refusal(chainOfFormulas(64, "x + x", "#(x) + #(x)") + "emit e = f64(a)"), message);
@@ -291,10 +301,23 @@ TEST(Profile, CallsAreChecked) {
 }
 
 TEST(Profile, ThatUsesItselfEnds) {
-    EXPECT_EQ(refusal("profile p for g = (a=g(using=p))\nemit e = g(using=p)"),
-              "formula expansion exceeds the maximum depth of 64");
+    const std::string message = "profile expansion exceeds the maximum depth of 64";
+    EXPECT_EQ(refusal("profile p for g = (a=g(using=p))\nemit e = g(using=p)"), message);
     EXPECT_EQ(refusal("formula f(x, y) = x\nprofile p for f = (y=f(1, using=p))\nemit e = f(1, using=p)"),
-              "formula expansion exceeds the maximum depth of 64");
+              message);
+}
+
+TEST(Profile, NestsUpTo64Levels) {
+    const auto chain = [](int count) {
+        std::string text = "profile p1 for g = (a=1)\n";
+        for (int n = 2; n <= count; ++n) {
+            text +=
+                "profile p" + std::to_string(n) + " for g = (a=g(using=p" + std::to_string(n - 1) + "))\n";
+        }
+        return text + "emit e = g(using=p" + std::to_string(count) + ")";
+    };
+    EXPECT_EQ(refusal(chain(64)), "(accepted)");
+    EXPECT_EQ(refusal(chain(65)), "profile expansion exceeds the maximum depth of 64");
 }
 
 TEST(Bind, LowersToOneLetPerQuantity) {

@@ -107,8 +107,13 @@ TEST(ReadAggregate, NeedsAFunctionAndAFreeName) {
     EXPECT_THAT(reader.aggregates, ElementsAre("e", "n"));
     EXPECT_EQ(faultOfLast(readAggregate, {"n = energy"}),
               "aggregate entry must be 'name = function(expression)'");
-    EXPECT_EQ(faultOfLast(readAggregate, {"n = (energy)"}),
+    EXPECT_EQ(faultOfLast(readAggregate, {"n = energy + (energy)"}),
               "aggregate entry must be 'name = function(expression)'");
+    // A formula that expands to no call is printed so: it has to be read again.
+    EXPECT_EQ(
+        printed(std::get<AggregateStatement>(readAll(readAggregate, {"n = (energy)"}).spec.statements.at(0))
+                    .value),
+        "energy");
     EXPECT_EQ(faultOfLast(readAggregate, {"n = count()", "n = sum(a)"}), "duplicate aggregate column 'n'");
     BlockReader grouped = readerAt();
     readGroupBy(grouped, "element");

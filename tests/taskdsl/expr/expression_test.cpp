@@ -113,6 +113,8 @@ TEST(PlotExpression, PrintsWithMinimalParentheses) {
         {"0.1", "0.1"},
         {"0x1F", "31"},
         {"627.509474063112345", "627.509474063112"},
+        {"1e999", "1e+999"},
+        {"1.7976931348623157e308", "1.7976931348623157e+308"},
         {R"("a\\b\"c\'d\te")", R"("a\\b\"c'd\te")"},
         {"{{a.b}}", "{{ a.b }}"},
         {"{{ a.  b.c d }}", "{{ a.b.c d }}"},
@@ -122,6 +124,49 @@ TEST(PlotExpression, PrintsWithMinimalParentheses) {
         EXPECT_EQ(printed(text), expected) << text;
         EXPECT_EQ(printed(expected), expected) << text;
     }
+}
+
+TEST(PlotExpression, PrintTellsWhatItLoses) {
+    const std::vector<std::pair<std::string_view, std::string_view>> rows{
+        {"a - (b - c) * -d / (e * f)", ""},
+        {"(a + b) + c", ""},
+        {"0.1 + 123456789012345 + 1e300 + 1e999", ""},
+        {"1.7976931348623157e308", ""},
+        {"{{ a.b c.d }} + {{ a b.\\ }}", ""},
+        {"a + (b - c)", "parentheses on the right of '+' are not printed"},
+        {"f(a, x=-(a * (b / c)))", "parentheses on the right of '*' are not printed"},
+        {"a + b * (c + 627.509474063112345)", "the number 627.50947406311229 prints with 15 digits"},
+    };
+    for (const auto& [text, expected] : rows) {
+        const auto expression = read(text);
+        const auto print = printExpression(expression);
+        EXPECT_EQ(print.loss, expected) << text;
+        EXPECT_EQ(equalExpressions(read(print.text), expression), expected.empty()) << print.text;
+    }
+}
+
+TEST(PlotExpression, PrintTellsWhatOnlySubstitutionCanBringIn) {
+    const auto name = [](const std::string& text) { return makeExpression(IdentifierExpr{text}); };
+    const std::vector<std::pair<ExprRef, std::string_view>> rows{
+        {name(""), "'' is no name"},
+        {name("a b"), "'a b' is no name"},
+        {name("2"), "'2' is no name"},
+        {makeExpression(CallExpr{"f g", {}}), "'f g' is no name"},
+        {makeExpression(CallExpr{"f", {{"x y", true, name("a")}}}), "'x y' is no name"},
+        {makeExpression(SnapshotExpr{"a.b", "c"}), "'{{ a.b.c }}' is no reference"},
+        {makeExpression(SnapshotExpr{"", "c"}), "'{{ .c }}' is no reference"},
+        {makeExpression(SnapshotExpr{"a", " c"}), "'{{ a. c }}' is no reference"},
+    };
+    for (const auto& [expression, expected] : rows) {
+        EXPECT_EQ(printExpression(expression).loss, expected);
+    }
+    ExprRef deep = name("a");
+    for (std::size_t i = 0; i < maxExpressionDepth; ++i) {
+        deep = makeExpression(UnaryExpr{UnaryOp::minus, deep});
+    }
+    EXPECT_EQ(printExpression(deep).loss, "");
+    deep = makeExpression(CallExpr{"f", {{"", false, deep}}});
+    EXPECT_EQ(printExpression(deep).loss, "the expression is nested too deeply");
 }
 
 TEST(PlotExpression, TheTreeIsLeftAssociative) {
@@ -171,7 +216,13 @@ TEST(PlotExpression, EveryFault) {
         {"]", "unexpected character ']' in plot expression"},
         {".", "unexpected character '.' in plot expression"},
         {"\\", "unexpected character '\\' in plot expression"},
+        {"\u0394G", "unexpected character '\u0394' in plot expression"},
+        {"a + \u20AC", "unexpected character '\u20AC' in plot expression"},
+        {"\U0001F9EAx", "unexpected character '\U0001F9EA' in plot expression"},
+        // What is no UTF-8 is named byte by byte.
         {"\xC3", "unexpected character '\xC3' in plot expression"},
+        {"\xE2\x82x", "unexpected character '\xE2' in plot expression"},
+        {"\x82", "unexpected character '\x82' in plot expression"},
         {std::string("a\0b", 3), std::string("unexpected character '\0' in plot expression", 43)},
         {"a +", needed},
         {"* a", needed},

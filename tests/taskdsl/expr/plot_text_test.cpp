@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace morquill::taskdsl::plot {
 namespace {
 
@@ -139,6 +141,28 @@ TEST(PlotText, Numbers) {
     EXPECT_EQ(parsePlotNumber("0x10"), 16.0);
     for (const std::string_view text : {"", " ", "1.5 eV", "one", "1,5"}) {
         EXPECT_FALSE(parsePlotNumber(text).has_value()) << text;
+    }
+}
+
+TEST(PlotText, NumbersPrintWithFifteenDigits) {
+    struct Row {
+        double value;
+        std::string_view text;
+        bool readsBack;
+    };
+    const std::vector<Row> rows{
+        {0, "0", true},
+        {-0.1, "-0.1", true},
+        {123456789012345, "123456789012345", true},
+        {1e20, "1e+20", true},
+        {1234567890123456, "1.23456789012346e+15", false},
+        {627.509474063112345, "627.509474063112", false},
+        {1.7976931348623157e308, "1.7976931348623157e+308", true}, // 15 digits would be infinity
+        {HUGE_VAL, "inf", true},
+    };
+    for (const auto& [value, text, same] : rows) {
+        EXPECT_EQ(plotNumberText(value), text);
+        EXPECT_EQ(plotNumberReadsBack(value), same) << text;
     }
 }
 

@@ -117,5 +117,12 @@ TEST(ExpandMatrix, LongValuesCountAlthoughNoTaskHoldsThem) {
     EXPECT_EQ(faultOf(text + "$t\n"), "matrix variants hold more than 1024 MiB of text");
 }
 
+TEST(Matrix, OneCombinationRenamesNothing) {
+    const auto parsed = parse("matrix:\n  a: 1\n$opt\n$sp_[a]\n%when\n {{opt.energy}} < {{  sp_[a] .e}}\n"
+                              " completed  opt and completed  sp_[a]\n");
+    EXPECT_THAT(parsed.document.tasks[1].whenConditions,
+                ElementsAre("{{opt.energy}} < {{  sp_1 .e}}", "completed  opt and completed  sp_1"));
+}
+
 } // namespace
 } // namespace morquill::taskdsl

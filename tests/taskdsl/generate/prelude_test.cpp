@@ -119,6 +119,79 @@ TEST(Prelude, TellsYamlFaultsWithFileAndLine) {
     EXPECT_EQ(fault("\"a: b\"\n"), "structured prelude must be a YAML mapping");
 }
 
+TEST(Prelude, ADirectiveInTheYamlPartHasLostItsTask) {
+    const std::string message = ": task directive appears outside a task block";
+    EXPECT_EQ(fault("dsl_version: 2\n%keywords hf\n"), "t.mq:2" + message);
+    EXPECT_EQ(fault("a:\n- 1\n%\nb: 2\n"), "t.mq:3" + message);
+    EXPECT_EQ(fault("a: \"x\n%y\"\n", ""), "<memory>:2" + message);
+    // Indented, YAML takes it for more of the value above, and the sections for an entry without a key.
+    EXPECT_EQ(fault("dsl_version: 2\n\n  %source origin\n  %keywords hf\n"), "t.mq:3" + message);
+    EXPECT_EQ(fault("# c\na: {x: 5%}\nb: 1\n  more\n  %keywords hf\nc: 2\n"), "t.mq:5" + message);
+    EXPECT_EQ(fault("define:\n  a: 1\n\n  %source origin\n"), "t.mq:4" + message);
+    EXPECT_EQ(fault("a: 1\nmatrix:\n  b: 1\n  %keywords hf # x\n"), "t.mq:4" + message);
+}
+
+TEST(Prelude, APercentSignInAValueIsText) {
+    EXPECT_EQ(read("a: |\n  %keywords hf\nb: 50\n  %of it\nc: 'x\n  %when y'\n").result.settings,
+              (ValueMap{{"a", "%keywords hf\n"}, {"b", "50 %of it"}, {"c", "x %when y"}}));
+}
+
+TEST(Prelude, WhatTheYamlLibraryLeavesUnreadIsAFault) {
+    const auto second = [](const std::string& place) {
+        return "failed to parse YAML prelude in 't.mq': yaml-cpp: error at " + place +
+               ": a second YAML document is not read";
+    };
+    EXPECT_EQ(fault("a: 1\n---\nb: 2\n$t\n"), second("line 2, column 1"));
+    EXPECT_EQ(fault("# c\na: 1\n...\n# c\nb: 2\n"), second("line 5, column 1"));
+    EXPECT_EQ(fault("a: 1\n---\n---\n...\n--- some text\n"), second("line 5, column 1"));
+    EXPECT_EQ(fault("{a: 1}\nb: 2\n"), second("line 2, column 1"));
+    EXPECT_EQ(fault("a: 1\n--- [1]\n"), second("line 2, column 1"));
+    EXPECT_EQ(fault("a: &x 1\n--- *x\n"),
+              "failed to parse YAML prelude in 't.mq': yaml-cpp: error at line 2, column 5: the referenced "
+              "anchor is not defined");
+}
+
+TEST(Prelude, AnEmptySecondYamlDocumentIsHarmless) {
+    for (const char* text : {"a: 1\n---\n\n# text\n$t\n", "a: 1\n...\n$t\n", "a: 1\n---\n---\n...\n...\n",
+                             "a: |\n  ---\n  ...\nb: 2\n"}) {
+        EXPECT_EQ(read(text).result.settings.count("a"), 1U) << text;
+    }
+}
+
+TEST(Prelude, ADocumentMarkerHidesNoLines) {
+    const auto check = [](std::string_view text) {
+        return messageOf([&] {
+            const auto lines = splitLines(text);
+            requireWholePrelude(lines, read(text).next, "t.mq");
+        });
+    };
+    const std::string message = ": a YAML document marker ends the prelude; the lines behind it are not read";
+    EXPECT_EQ(check("---\na: 1\n$t\n"), "t.mq:1" + message);
+    EXPECT_EQ(check("define:\n  a: 1\n\n...\n---\n  b: 2\n"), "t.mq:4" + message);
+    EXPECT_EQ(check("# c\n--- # c\n...\n\n$t\na: 1\n"), "no fault");
+    EXPECT_EQ(check("---\n&INCLUDE a.mq\na: 1\n"), "no fault");
+    EXPECT_EQ(check("---more\na: 1\n"), "no fault"); // free text
+    EXPECT_EQ(check("---\n"), "no fault");
+}
+
+TEST(Prelude, AYamlFileIsReadToItsEnd) {
+    const TemporaryDirectory dir;
+    const auto path = dir.write("a.yaml", "---\na: 1\n");
+    (void)dir.write("b.yaml", "b: 1\n\n$t # text\n");
+    (void)dir.write("c.yaml", "c: 1\n# text\n\n");
+    (void)dir.write("d.yaml", "define:\n  a: 1\n%keywords hf\n");
+    const auto prelude = read("&INCLUDE a.yaml\n&INCLUDE b.yaml\n&INCLUDE c.yaml\n", dir.path("t.mq"));
+    EXPECT_EQ(prelude.result.settings, (ValueMap{{"b", "1"}, {"c", "1"}}));
+    EXPECT_THAT(
+        prelude.warnings,
+        ElementsAre("Warning: Included YAML file is read up to line 1 only, where '---' ends its prelude: " +
+                        path,
+                    "Warning: Included YAML file is read up to line 3 only, where '$t' ends its prelude: " +
+                        dir.path("b.yaml")));
+    EXPECT_EQ(fault("&INCLUDE d.yaml\n", dir.path("t.mq")),
+              dir.path("d.yaml") + ":3: task directive appears outside a task block");
+}
+
 TEST(Prelude, SmallTextsThatStandForHugeOnesEnd) {
     std::string bomb = "a0: &a0 {x: 1, y: 2}\n";
     for (int i = 1; i < 60; ++i) {

@@ -94,5 +94,33 @@ TEST(TaskInclude, DoublingFilesEnd) {
               "task include is nested more than 200 deep: " + dir.path("f200.mq"));
 }
 
+TEST(TaskInclude, AnInvalidHeaderValueIsASettingLikeAnyOther) {
+    const TemporaryDirectory dir;
+    (void)dir.write("c.mq", "totmem: -1\n$c\n");
+    (void)dir.write("b.mq", "totcore: many\n$b\n&INCLUDE c.mq\n");
+    (void)dir.write("d.mq", "totcore: 4\ntotmem: 8\n$d\n");
+    const auto path = dir.write("a.mq", "$a\n&INCLUDE b.mq\n&INCLUDE d.mq\n");
+    const auto parsed = parseFile(path);
+    EXPECT_EQ(parsed.document.settings, (ValueMap{{"totcore", "many"}, {"totmem", "-1"}}));
+    EXPECT_EQ(parsed.document.tasks[0].totalCores, 0);
+    EXPECT_EQ(parsed.document.tasks[3].totalCores, 4);
+    EXPECT_THAT(
+        parsed.warnings,
+        ElementsAre(
+            "task file '" + dir.path("c.mq") + "' has invalid header metadata totmem='-1'; ignoring it.",
+            "task file '" + dir.path("b.mq") + "' has invalid header metadata totcore='many'; ignoring it."));
+}
+
+TEST(TaskInclude, AnInvalidHeaderValueOfTheFileItselfWarnsForTheFile) {
+    const TemporaryDirectory dir;
+    (void)dir.write("b.mq", "totcore: many\n$b\n");
+    const auto path = dir.write("a.mq", "totcore: few\n$a\n&INCLUDE b.mq\n");
+    EXPECT_THAT(
+        parseFile(path).warnings,
+        ElementsAre("task file '" + dir.path("b.mq") +
+                        "' has invalid header metadata totcore='many'; ignoring it.",
+                    "task file '" + path + "' has invalid header metadata totcore='few'; ignoring it."));
+}
+
 } // namespace
 } // namespace morquill::taskdsl

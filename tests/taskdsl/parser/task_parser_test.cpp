@@ -15,6 +15,18 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
+TEST(TaskParser, DeclaredTasksAreReadAloneAndFromNoOtherFile) {
+    TaskParser parser(true, [](const std::string&) {});
+    const auto document = parser.parseDeclaredTasks("$a[k]\n%source b,c\n%mod\n charge [n]\n$b\n");
+    EXPECT_THAT(namesOf(document.tasks), ElementsAre("a[k]", "b"));
+    EXPECT_THAT(document.tasks[0].whenConditions, ElementsAre("completed c"));
+    EXPECT_TRUE(document.tasks.sharesWith(document.templateTasks));
+    for (const char* text : {"$a\n&INCLUDE other.mq\n", "$a\n%process\n  &INCLUDE other.mqfrag\n",
+                             "&INCLUDE other.mqlib as x\n", "%keywords x\n", "k: v\n%program orca\n"}) {
+        EXPECT_THROW((void)parser.parseDeclaredTasks(text), DiagnosticError) << text;
+    }
+}
+
 TEST(TaskParser, AnEmptyTextIsAnEmptyDocument) {
     for (const char* text : {"", "\n\n", "# only a comment\n", "#!/usr/bin/env mqkit\n"}) {
         const auto parsed = parse(text);
@@ -323,6 +335,69 @@ TEST(TaskParser, TellsTheLibrariesThatAFileImports) {
     EXPECT_EQ(parsed.document.tasks[0].keywords, "k");
     EXPECT_THAT(parsed.document.tasks[0].processCommands, IsEmpty());
     EXPECT_EQ(parsed.document.tasks[0].directives->at(0).span.path.str(), one);
+}
+
+TEST(ExtraFiles, WhatTheyBringCanBeLeftOut) {
+    const TemporaryDirectory dir;
+    (void)dir.write("extra.yaml", "x: extra\ny: extra\ndefine:\n  k: extra\n  l: extra\n"
+                                  "matrix:\n  a: 1,2\n  b: 3\n");
+    (void)dir.write("extra.mq", "z: extra\n$extra\n@plot barrier p\npoint x value 1\npoint y value 2\n@end\n"
+                                "@derive d\nemit e = 1\n@end\n");
+    (void)dir.write("sub/b.mq", "z: inner\nw: inner\n$b\n");
+    const auto path = dir.write("t.mq", "x: file\ndefine:\n  k: file\nmatrix:\n  b: 3\n  c: 4\n$t\n"
+                                        "%source extra\n&INCLUDE sub/b.mq\n@plot barrier q\npoint x value 1\n"
+                                        "point y value 2\n@end\n@derive f\nemit e = 1\n@end\n");
+    const auto own = withoutImplicitContent(parseFile(path).document);
+    EXPECT_EQ(own.settings, (ValueMap{{"w", "inner"}, {"x", "file"}}));
+    EXPECT_EQ(own.defines, (ValueMap{{"k", "file"}}));
+    EXPECT_THAT(own.matrixAxes, ElementsAre(MatrixAxis{"b", {"3"}, {}, {}}, MatrixAxis{"c", {"4"}, {}, {}}));
+    EXPECT_THAT(own.matrixValues,
+                ElementsAre(testing::Pair("b", ElementsAre("3")), testing::Pair("c", ElementsAre("4"))));
+    EXPECT_THAT(namesOf(own.templateTasks), ElementsAre("t", "b"));
+    EXPECT_THAT(namesOf(own.tasks),
+                ElementsAre("t__a_1__b_3__c_4", "b__a_1__b_3__c_4", "t__a_2__b_3__c_4", "b__a_2__b_3__c_4"));
+    // References to what is left out are resolved.
+    EXPECT_EQ(own.templateTasks[0].source, "extra");
+    ASSERT_EQ(own.plots.size(), 1U);
+    EXPECT_EQ(own.plots[0].name, "q");
+    ASSERT_EQ(own.derives.size(), 1U);
+    EXPECT_EQ(own.derives[0].spec.name, "f");
+}
+
+TEST(ExtraFiles, AFileOfNothingElseHasNoTasksOfItsOwn) {
+    const TemporaryDirectory dir;
+    (void)dir.write("extra.mq", "$extra\n");
+    const auto own = withoutImplicitContent(parseFile(dir.write("t.mq", "x: 1\n")).document);
+    EXPECT_THAT(own.tasks, IsEmpty());
+    EXPECT_THAT(own.templateTasks, IsEmpty());
+    EXPECT_EQ(own.settings, (ValueMap{{"x", "1"}}));
+}
+
+TEST(ByteOrderMark, IsSkippedAtTheStartOfEveryFile) {
+    const std::string mark = "\xef\xbb\xbf";
+    const TemporaryDirectory dir;
+    (void)dir.write("extra.yaml", mark + "x: yaml\n");
+    (void)dir.write("extra.mq", mark + "$extra\n");
+    (void)dir.write("b.mq", mark + "$b\n");
+    (void)dir.write("l.mqlib", mark + "&FRAGMENT task k\n%keywords hf\n");
+    (void)dir.write("f.mqfrag", mark + "&FRAGMENT task\n%args -v\n");
+    const auto parsed = parseFile(
+        dir.write("t.mq", mark + "&INCLUDE l.mqlib as l\n$t\n%program xtb\n&INCLUDE l.k\n&INCLUDE f.mqfrag\n"
+                                 "&INCLUDE b.mq\n"));
+    EXPECT_EQ(parsed.document.settings, (ValueMap{{"x", "yaml"}}));
+    EXPECT_THAT(namesOf(parsed.document.tasks), ElementsAre("extra", "t", "b"));
+    EXPECT_EQ(parsed.document.tasks[1].keywords, "hf");
+    EXPECT_EQ(parsed.document.tasks[1].args, "-v");
+    EXPECT_THAT(parsed.warnings, IsEmpty());
+}
+
+TEST(ByteOrderMark, ShiftsNoPlaceAndCountsOnceOnly) {
+    const std::string mark = "\xef\xbb\xbf";
+    const auto parsed = parse(mark + "$a\n%keywords " + mark + "hf\n");
+    EXPECT_EQ(formatSpan(parsed.document.tasks[0].headerSpan), "t.mq:1:1-1:3");
+    EXPECT_EQ(parsed.document.tasks[0].keywords, mark + "hf");
+    EXPECT_EQ(faultOf(mark + "%keywords hf\n"), "t.mq:1: task directive appears outside a task block");
+    EXPECT_THAT(parse(mark + mark + "$a\n").document.tasks, IsEmpty());
 }
 
 } // namespace

@@ -76,7 +76,7 @@ TEST(ApplyHeaderMetadata, FillsWhatATaskDoesNotSayInBothLists) {
     TaskDocument document = documentOf({TaskInfo("a"), own});
     document.settings = {{"totcore", " 8 "}, {"totmem", "16000"}};
     Warnings warnings;
-    applyHeaderMetadata(document, "t.mq", warnings.sink);
+    applyHeaderMetadata(document, "t.mq", {}, warnings.sink);
     EXPECT_EQ(document.tasks[0].totalCores, 8);
     EXPECT_EQ(document.tasks[0].totalMemory, 16000);
     EXPECT_TRUE(document.tasks[0].controlDeclared);
@@ -91,7 +91,7 @@ TEST(ApplyHeaderMetadata, AnInvalidValueWarnsAndCountsAsAbsent) {
         TaskDocument document = documentOf({TaskInfo("a")});
         document.settings = {{"totcore", value}};
         Warnings warnings;
-        applyHeaderMetadata(document, "t.mq", warnings.sink);
+        applyHeaderMetadata(document, "t.mq", {}, warnings.sink);
         EXPECT_EQ(document.tasks[0].totalCores, 0) << value;
         EXPECT_FALSE(document.tasks[0].controlDeclared) << value;
         EXPECT_THAT(warnings.texts, ElementsAre("task file 't.mq' has invalid header metadata totcore='" +
@@ -100,7 +100,7 @@ TEST(ApplyHeaderMetadata, AnInvalidValueWarnsAndCountsAsAbsent) {
     TaskDocument memory = documentOf({});
     memory.settings = {{"totmem", "x"}};
     Warnings warnings;
-    applyHeaderMetadata(memory, "", warnings.sink);
+    applyHeaderMetadata(memory, "", {}, warnings.sink);
     EXPECT_THAT(warnings.texts,
                 ElementsAre("task file '<memory>' has invalid header metadata totmem='x'; ignoring it."));
 }

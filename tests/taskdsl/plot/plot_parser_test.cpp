@@ -315,6 +315,10 @@ TEST(PlotStatementTable, EveryMessageOfAStatement) {
         {"excited", "roots", "roots requires at least one root selector or all"},
         {"excited", "roots 0", "roots requires a positive integer root"},
         {"excited", "roots 1 2x", "roots requires a positive integer root"},
+        {"excited", "roots ++1", "roots requires a positive integer root"},
+        {"excited", "roots '+'", "roots requires a positive integer root"},
+        {"excited", "roots +0", "roots requires a positive integer root"},
+        {"excited", "roots -1", "roots requires a positive integer root"},
         {"excited", "roots 99999999999", "roots requires a positive integer root"},
         // arrows
         {"excited", "arrow", "arrow requires a source and target"},
@@ -596,7 +600,7 @@ TEST(BarStatements, SortForms) {
                                                                 {"sort by y descending", true, true},
                                                                 {"sort none", false, true},
                                                                 {"sort false", false, true},
-                                                                {"sort y asc\nsort none", false, false}};
+                                                                {"sort y asc\nsort none", false, true}};
     for (const auto& [statement, enabled, descending] : rows) {
         const auto data = dataWith<BarPlotData>("bar", statement);
         EXPECT_EQ(data.sortEnabled, enabled) << statement;
@@ -667,6 +671,7 @@ TEST(LevelColumns, OrbitalsSpinAndRoots) {
         EXPECT_EQ(dataWith<FrontierPlotData>("frontier", statement).spin, spin) << statement;
     }
     EXPECT_THAT(dataWith<ExcitedPlotData>("excited", "roots 1 \"2\" 3").roots, ElementsAre(1, 2, 3));
+    EXPECT_THAT(dataWith<ExcitedPlotData>("excited", "roots +4 '+5'").roots, ElementsAre(4, 5));
     EXPECT_THAT(dataWith<ExcitedPlotData>("excited", "roots 1\nroots 2 ALL x").roots, IsEmpty());
     EXPECT_THAT(dataWith<ExcitedPlotData>("excited", "roots 1\nroots \"*\"").roots, IsEmpty());
 }
@@ -680,6 +685,7 @@ TEST(ExcitedArrows, EveryForm) {
     const auto higher = ArrowTargetMode::firstHigher;
     const std::vector<Row> rows{
         {"arrow from a root 1 to b root 2", "a", 1, "b", 2, "", toRoot, 0},
+        {"arrow from a root +1 to b +2", "a", 1, "b", 2, "", toRoot, 0},
         {"transition a 1 -> b 2 dashed", "a", 1, "b", 2, "", toRoot, 1},
         {"arrow 'a b' S 1 => b State 2 style DOTTED", "a b", 1, "b", 2, "", toRoot, 1},
         {"arrow a state 3 TO b first lower", "a", 3, "", 0, "b", lower, 0},

@@ -278,6 +278,7 @@ TEST(RenderPlot, CanonicalTextIsItsOwnFixedPoint) {
     for (const auto& row : rows) {
         EXPECT_EQ(reprinted(row.written), row.expected);
         EXPECT_EQ(reprinted(row.expected), row.expected);
+        EXPECT_TRUE(readBack(parsed(row.written)).lawful()) << row.written;
     }
 }
 
@@ -300,14 +301,14 @@ TEST(RenderPlot, TheIndentStandsBeforeEveryLine) {
               "\t@end\n");
 }
 
-TEST(RenderPlot, PrintsBareNamesAndDefaultStylesAsTheyAre) {
-    // These do not read back as they were: the forms have no quotes, and "lines" is the style that is left
-    // out.
+TEST(RenderPlot, PrintsNamesAndDefaultStylesAsTheyAre) {
+    // These do not read back as they were: the forms of the name and the source have no quotes, and "lines"
+    // is the style that is left out.
     EXPECT_EQ(reprinted("@plot bar \"a b\"\nfrom task 'c d'\nx a\ny b unit 'k l'\nstyle lines"),
               "@plot bar a b\n"
               "  from task c d\n"
               "  x a\n"
-              "  y b unit k l\n"
+              "  y b unit \"k l\"\n"
               "  output \"Results/Plots/a b.png\"\n"
               "  format png\n"
               "@end\n");

@@ -286,19 +286,19 @@ TEST(PlotChecks, ExcitedColumnsRootsAndArrows) {
     const std::vector<std::string> arrows{
         "excited-root 1: excited-state root selectors must be positive",
         "excited-root 1: excited-state root selectors must be positive",
-        "excited-arrow-from 1: excited-state arrow requires 'from <column> root <n>'",
-        "excited-arrow-to 1: explicit excited-state arrow requires 'to <column> root <n>'",
-        "excited-arrow-from 1: excited-state arrow requires 'from <column> root <n>'",
-        "excited-arrow-target 1: relative excited-state arrow requires a target column",
+        "excited-arrow-from 4: excited-state arrow requires 'from <column> root <n>'",
+        "excited-arrow-to 4: explicit excited-state arrow requires 'to <column> root <n>'",
+        "excited-arrow-from 4: excited-state arrow requires 'from <column> root <n>'",
+        "excited-arrow-target 4: relative excited-state arrow requires a target column",
     };
     auto expected = columns;
     expected.insert(expected.end(), arrows.begin(), arrows.end());
     // The column without an id is known by its empty id; a relative target without a column is reported once.
     expected.insert(expected.end(),
                     {
-                        "excited-arrow-column 1: excited-state arrow references unknown column 'b'",
-                        "excited-arrow-column 1: excited-state arrow references unknown column 'c'",
-                        "excited-arrow-column 1: excited-state arrow references unknown column 'd'",
+                        "excited-arrow-column 4: excited-state arrow references unknown column 'b'",
+                        "excited-arrow-column 4: excited-state arrow references unknown column 'c'",
+                        "excited-arrow-column 4: excited-state arrow references unknown column 'd'",
                     });
     EXPECT_EQ(findings(plot), expected);
 
@@ -312,7 +312,7 @@ TEST(PlotChecks, FindingsOfParsedPlotsStandWhereTheyBelong) {
     EXPECT_EQ(faultOf("@plot excited e\n  column a\n  column a"),
               "a.mq:3:3-3:10: error: plot 'e': duplicate excited-state level column id 'a'");
     EXPECT_EQ(faultOf("@plot excited e\n  column a\n  arrow a 1 to b 1"),
-              "a.mq:1:1-1:16: error: plot 'e': excited-state arrow references unknown column 'b'");
+              "a.mq:3:3-3:18: error: plot 'e': excited-state arrow references unknown column 'b'");
     EXPECT_EQ(faultOf("@plot curve c\n  from project\n  x a\n  series b = c\n  series b = d"),
               "a.mq:5:3-5:14: error: plot 'c': duplicate plot series id 'b'");
     EXPECT_EQ(faultOf("%plot curve\n  series b = d"),

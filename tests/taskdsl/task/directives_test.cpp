@@ -207,6 +207,11 @@ TEST(Source, SeveralTasksAreToleratedOnRequest) {
 }
 
 TEST(Source, AnImpliedConditionIsNotWrittenTwice) {
+    const auto placed = parse("$a\n%source b,c,d\n%when x\n%when\n  completed d\n  completed c\n", true);
+    EXPECT_THAT(placed.document.tasks[0].whenConditions, ElementsAre("x", "completed d", "completed c"))
+        << "a condition that is written stands where it is written";
+    EXPECT_EQ(placed.document.tasks[0].whenEntries[0].text, "x");
+    EXPECT_EQ(placed.document.tasks[0].whenEntries.size(), 3U);
     const auto parsed = parse("$a\n%source b,c\n%when\n  completed c\n  completed b\n  completed b\n", true);
     EXPECT_THAT(parsed.document.tasks[0].whenConditions,
                 ElementsAre("completed c", "completed b", "completed b"));

@@ -26,6 +26,17 @@ TEST(LegacyKeywords, AllOtherPairsAreParameters) {
     EXPECT_EQ(legacyParamValues(""), "");
 }
 
+TEST(LegacyKeywords, APairListIsCarriedOverWhole) {
+    EXPECT_TRUE(isLegacyPairList("", false, false));
+    EXPECT_TRUE(isLegacyPairList(" job=x a=1\tb = \"two words\"\n", true, true));
+    EXPECT_FALSE(isLegacyPairList("job=x a=1", false, true));
+    EXPECT_FALSE(isLegacyPairList("job=x a=1", true, false));
+    EXPECT_FALSE(isLegacyPairList("job=x Job=y", true, true)) << "one template";
+    EXPECT_FALSE(isLegacyPairList("job=x word", true, true));
+    EXPECT_FALSE(isLegacyPairList("a='b'c", true, true));
+    EXPECT_FALSE(isLegacyPairList("+a=b", true, true));
+}
+
 TEST(LegacyKeywords, LongTextsCostTheirLength) {
     const std::string keys(4'000'000, 'a');
     EXPECT_EQ(legacyParamValues(keys), "");

@@ -71,18 +71,27 @@ TEST(Substitution, KeepsTheShapeOfASource) {
 }
 
 TEST(Substitution, WhatCannotBeReadAfterwardsIsAFault) {
-    EXPECT_EQ(
-        faultOf("define:\n  n: x\n$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
-        "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
+    const std::string noFrame =
+        "has invalid structured %source: structured %source binding 'geom' has an invalid frame selector; "
+        "frame must be a positive integer";
+    EXPECT_EQ(faultOf("define:\n  n: x\n$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
+              "t.mq:4:1-4:8: error: task 'a' " + noFrame);
     EXPECT_EQ(faultOf("define:\n  e: \"\"\n$a\n%source\n geom x q=[e]\n"),
-              "structured %source binding 'geom' has an invalid selector");
+              "t.mq:4:1-4:8: error: task 'a' has invalid structured %source: structured %source binding "
+              "'geom' has an invalid selector");
     for (const char* binding : {"geom xyz=[e]", "geom [e]"}) {
         EXPECT_EQ(faultOf("define:\n  e: \"\"\n$a\n%source\n " + std::string(binding) + "\n"),
-                  "structured %source binding 'geom' has an empty source reference");
+                  "t.mq:4:1-4:8: error: task 'a' has invalid structured %source: structured %source "
+                  "binding 'geom' has an empty source reference");
     }
-    EXPECT_EQ(
-        faultOf("$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
-        "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
+    EXPECT_EQ(faultOf("define:\n  s: xyz=\n$a\n%source\n geom [s]\n"),
+              "t.mq:4:1-4:8: error: task 'a' has invalid structured %source: structured %source binding "
+              "'geom' is missing the file name after xyz=");
+    EXPECT_EQ(faultOf("$a\n%source\n geom xyz=a.xyz frame=[n]\n"),
+              "t.mq:2:1-2:8: error: task 'a' " + noFrame);
+    // The last %source counts, and the matrix names the task as it is called then.
+    EXPECT_EQ(faultOf("matrix:\n  m: x, y\n$a_[m]\n%source origin\n  %source\n geom xyz=a.xyz frame=[m]\n"),
+              "t.mq:5:3-5:10: error: task 'a_x' " + noFrame);
     EXPECT_EQ(faultOf("define:\n  r: foo\n$a\n%mod basisset SVP role=[r]\n"),
               "unsupported %mod basisset role='foo'");
 }

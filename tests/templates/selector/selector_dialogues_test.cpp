@@ -211,6 +211,13 @@ TEST_F(Dialogue, GenerateEndsWithTheSmallLetterOnly) {
     EXPECT_TRUE(quit);
 }
 
+TEST_F(Dialogue, GenerateLeavesTheCursorVisibleAtTheEnd) {
+    state.selected = {"note"};
+    for (const std::int32_t last : {std::int32_t{'q'}, key::endOfInput}) {
+        EXPECT_THAT(generatePrinted({"a"}, last), EndsWith("or any other key to continue editing..."));
+    }
+}
+
 TEST_F(Dialogue, GenerateTellsAFailure) {
     state.selected = {"sp"};
     EXPECT_THAT(generatePrinted({"no/such/dir"}, 'x'),

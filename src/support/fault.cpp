@@ -1,0 +1,28 @@
+#include "support/fault.h"
+
+#include <new>
+
+namespace morquill {
+
+std::string wholeText(const std::exception& fault) {
+    const auto* whole = dynamic_cast<const WholeTextError*>(&fault);
+    return whole != nullptr ? whole->text() : fault.what();
+}
+
+bool isOutOfMemory(const std::exception& fault) noexcept {
+    return dynamic_cast<const std::bad_alloc*>(&fault) != nullptr ||
+           dynamic_cast<const std::length_error*>(&fault) != nullptr;
+}
+
+std::string faultText(const std::exception& fault, std::string_view path) {
+    if (!isOutOfMemory(fault)) {
+        return wholeText(fault);
+    }
+    std::string text = "out of memory";
+    if (!path.empty()) {
+        text.append(": ").append(path);
+    }
+    return text;
+}
+
+} // namespace morquill

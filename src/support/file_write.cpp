@@ -1,0 +1,182 @@
+#include "support/descriptor.h"
+#include "support/file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <ctime>
+#include <filesystem>
+#include <new>
+#include <optional>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace morquill {
+
+namespace {
+
+/// Holds back, while it lives, every signal that can be held: none may end or stop the program while a file
+/// is half old and half new. What a fault of the program itself raises is not held.
+class SignalHold {
+  public:
+    SignalHold() noexcept {
+        sigset_t held;
+        sigfillset(&held);
+        for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS}) {
+            sigdelset(&held, number);
+        }
+        ::sigprocmask(SIG_BLOCK, &held, &old_);
+        sigset_t pending;
+        sigpending(&pending);
+        sizeSignalWasPending_ = sigismember(&pending, SIGXFSZ) == 1;
+    }
+    SignalHold(const SignalHold&) = delete;
+    SignalHold& operator=(const SignalHold&) = delete;
+    ~SignalHold() {
+        const int error = errno;
+        if (!sizeSignalWasPending_) {
+            // The caller hears of a file that grew too large by the result of the write.
+            sigset_t sizeSignal;
+            sigemptyset(&sizeSignal);
+            sigaddset(&sizeSignal, SIGXFSZ);
+            const timespec atOnce{};
+            (void)::sigtimedwait(&sizeSignal, nullptr, &atOnce);
+        }
+        ::sigprocmask(SIG_SETMASK, &old_, nullptr);
+        errno = error;
+    }
+
+  private:
+    sigset_t old_{};
+    bool sizeSignalWasPending_ = false;
+};
+
+/// Writes over a file from its first byte on and cuts off what is left of a longer one.
+bool replaceContent(int fd, std::string_view text) noexcept {
+    return ::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, text) &&
+           ::ftruncate(fd, static_cast<off_t>(text.size())) == 0;
+}
+
+/// Some file systems report a failed write only when a descriptor is closed; a copy of it serves as well and
+/// leaves the file open for putting things right.
+bool reachedTheServer(int fd) noexcept {
+    const int copy = ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
+    return copy < 0 || ::close(copy) == 0;
+}
+
+/// Asks the file system for the room that the text needs; true also when it cannot promise any. The size of
+/// the file does not change, so nothing has happened yet when there is no room.
+bool reserveRoom(int fd, const struct stat& info, std::size_t size) noexcept {
+    constexpr blkcnt_t blockUnit = 512; // of st_blocks, whatever the file system's own blocks are
+    const auto needed = static_cast<off_t>(size);
+    if (needed <= info.st_blocks * blockUnit || ::fallocate(fd, FALLOC_FL_KEEP_SIZE, 0, needed) == 0) {
+        return true;
+    }
+    return errno != ENOSPC && errno != EDQUOT && errno != EFBIG && errno != EIO;
+}
+
+/// The first bytes of a file, fewer when it is shorter; nothing when they cannot be read or held.
+std::optional<std::string> readStart(int fd, std::size_t size) {
+    std::string start;
+    try {
+        start.resize(size);
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return std::nullopt;
+    }
+    std::size_t used = 0;
+    while (used < size) {
+        const auto got = ::pread(fd, start.data() + used, size - used, static_cast<off_t>(used));
+        if (got < 0) {
+            return std::nullopt;
+        }
+        if (got == 0) {
+            break;
+        }
+        used += static_cast<std::size_t>(got);
+    }
+    start.resize(used);
+    return start;
+}
+
+/// A file that is readable keeps its old bytes when the write fails: those behind the text are cut off last,
+/// so only as many as the text covers have to be remembered.
+bool overwriteFile(int fd, bool readable, std::string_view text) {
+    struct stat info {};
+    if (::fstat(fd, &info) != 0) {
+        return false;
+    }
+    const auto covered = std::min(text.size(), static_cast<std::size_t>(info.st_size));
+    const auto old = readable ? readStart(fd, covered) : std::optional<std::string>();
+    if (readable && !old) {
+        return false;
+    }
+    if (reserveRoom(fd, info, text.size()) && replaceContent(fd, text) && reachedTheServer(fd)) {
+        return true;
+    }
+    const int error = errno;
+    if (old) {
+        (void)(::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, *old));
+        // Also gives back the room that was reserved behind the end.
+        (void)::ftruncate(fd, info.st_size);
+    }
+    errno = error;
+    return false;
+}
+
+bool overwriteExisting(const std::string& path, std::string_view text) {
+    int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOCTTY);
+    const bool readable = fd >= 0;
+    if (fd < 0 && errno == EACCES) {
+        fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    }
+    Descriptor file(fd);
+    return file.get() >= 0 && overwriteFile(file.get(), readable, text) && file.close();
+}
+
+/// A file that cannot be written in whole is not left behind.
+bool writeNewFile(const std::string& path, std::string_view text) {
+    // Through a link whose target does not exist yet the target is made.
+    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666));
+    if (file.get() < 0) {
+        return false;
+    }
+    if (writeAll(file.get(), text) && file.close()) {
+        return true;
+    }
+    const int error = errno;
+    std::error_code ignored;
+    const auto made = std::filesystem::canonical(path, ignored);
+    (void)::unlink(made.empty() ? path.c_str() : made.c_str());
+    errno = error;
+    return false;
+}
+
+/// Into a pipe, a terminal or another device: there are no old bytes, and the write may have to wait.
+bool writeToDevice(const std::string& path, std::string_view text) {
+    Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    return file.get() >= 0 && writeAll(file.get(), text) && file.close();
+}
+
+} // namespace
+
+bool writeTextFile(const std::string& path, std::string_view text) {
+    if (path.find('\0') != std::string::npos) {
+        errno = EINVAL;
+        return false;
+    }
+    struct stat info {};
+    const bool exists = ::stat(path.c_str(), &info) == 0;
+    if (exists && !S_ISREG(info.st_mode)) {
+        return writeToDevice(path, text);
+    }
+    if (!exists && errno != ENOENT) {
+        return false;
+    }
+    const SignalHold hold;
+    return exists ? overwriteExisting(path, text) : writeNewFile(path, text);
+}
+
+} // namespace morquill

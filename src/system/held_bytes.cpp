@@ -1,0 +1,72 @@
+#include "system/held_bytes.h"
+
+#include "support/paths.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace morquill::system {
+
+namespace {
+
+constexpr std::array noRoomErrors{ENOSPC, EDQUOT, EFBIG, EIO};
+
+/// Moves a descriptor above the soft limit, if the hard one allows it: thousands of them must not use up the
+/// numbers that the rest of the program needs. Without any to spare the result is closed.
+Descriptor moveOutOfTheWay(Descriptor low) {
+    constexpr rlim_t spared = 64;
+    rlimit ordinary{};
+    if (::getrlimit(RLIMIT_NOFILE, &ordinary) != 0) {
+        return low;
+    }
+    const rlimit wide{ordinary.rlim_max, ordinary.rlim_max};
+    (void)::setrlimit(RLIMIT_NOFILE, &wide);
+    Descriptor high(::fcntl(low.get(), F_DUPFD_CLOEXEC, static_cast<int>(ordinary.rlim_cur)));
+    (void)::setrlimit(RLIMIT_NOFILE, &ordinary);
+    if (high.isOpen()) {
+        return high;
+    }
+    return static_cast<rlim_t>(low.get()) + spared < ordinary.rlim_cur ? std::move(low) : Descriptor();
+}
+
+} // namespace
+
+bool HeldBytes::linkTo(const std::string& path) const noexcept {
+    if (!file_.isOpen()) {
+        return false;
+    }
+    // The first form is refused to ordinary users by older kernels, the second needs /proc.
+    if (::linkat(file_.get(), "", AT_FDCWD, path.c_str(), AT_EMPTY_PATH) == 0) {
+        return true;
+    }
+    std::array<char, 32> name{};
+    std::snprintf(name.data(), name.size(), "/proc/self/fd/%d", file_.get());
+    return ::linkat(AT_FDCWD, name.data(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
+std::optional<HeldBytes> holdBytes(const std::string& path, std::string_view bytes) {
+    struct stat info {};
+    Descriptor file(::open(parentPath(path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+    bool held = file.isOpen();
+    if (held) {
+        held = writeAll(file.get(), bytes);
+    }
+    if (!held) {
+        const bool noRoom = std::find(noRoomErrors.begin(), noRoomErrors.end(), errno) != noRoomErrors.end();
+        return noRoom ? std::nullopt : std::optional<HeldBytes>(HeldBytes());
+    }
+    if (::stat(path.c_str(), &info) == 0) {
+        // The owner first: a change of owner may take permission bits away.
+        (void)!::fchown(file.get(), info.st_uid, info.st_gid);
+        (void)::fchmod(file.get(), info.st_mode & 07777);
+    }
+    return HeldBytes(moveOutOfTheWay(std::move(file)));
+}
+
+} // namespace morquill::system

@@ -1,0 +1,148 @@
+#include "taskdsl/plot/printer.h"
+
+#include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
+#include "taskdsl/expr/plot_text.h"
+#include "taskdsl/plot/reading.h"
+
+#include <algorithm>
+#include <array>
+
+namespace morquill::taskdsl::plot {
+
+namespace {
+
+/// The bytes that mean nothing to any walk through a statement.
+constexpr auto isPlainByte = [] {
+    std::array<bool, 256> plain{};
+    for (std::size_t i = 0; i < plain.size(); ++i) {
+        const char c = static_cast<char>(i);
+        plain[i] = isLetter(c) || isDigit(c) || i >= 0x80;
+    }
+    for (const char c : std::string_view("_.-/^%+*:[]")) {
+        plain[static_cast<unsigned char>(c)] = true;
+    }
+    return plain;
+}();
+
+/// The words that begin an option behind a word of free text.
+constexpr std::string_view optionWords[] = {"label", "unit",  "log",  "scale",       "axis",
+                                            "style", "value", "task", "multiplicity"};
+
+std::string inParentheses(std::string_view text) {
+    return "(" + std::string(text) + ")";
+}
+
+} // namespace
+
+Printer& Printer::line(std::string_view text) {
+    out_ += indent_;
+    out_.append(2 * level, ' ');
+    out_ += text;
+    return *this;
+}
+
+Printer& Printer::word(std::string_view text) {
+    out_ += ' ';
+    out_ += text;
+    return *this;
+}
+
+Printer& Printer::quoted(std::string_view text) {
+    return word(quotePlotText(text));
+}
+
+Printer& Printer::quotedOption(std::string_view keyword, std::string_view text) {
+    return text.empty() ? *this : word(keyword).quoted(text);
+}
+
+void Printer::quotedLine(std::string_view keyword, std::string_view text) {
+    if (!text.empty()) {
+        line(keyword).quoted(text).end();
+    }
+}
+
+void Printer::lineIf(bool condition, std::string_view text) {
+    if (condition) {
+        line(text).end();
+    }
+}
+
+Printer& Printer::name(std::string_view text) {
+    return piece(!isPlainWord(text), text, inQuotes);
+}
+
+Printer& Printer::nameOption(std::string_view keyword, std::string_view text) {
+    return text.empty() ? *this : word(keyword).name(text);
+}
+
+Printer& Printer::expression(const PrintedValue& value, std::initializer_list<std::string_view> keywords,
+                             bool colonOpensBody) {
+    const bool doubtful = value.reads && (value.odd || (colonOpensBody && value.text.ends_with(':')) ||
+                                          !splitKeywordOptions(value.text, keywords).options.empty());
+    return piece(doubtful, value.text, inParentheses);
+}
+
+PrintedValue Printer::valueOf(const ExprRef& expression) {
+    auto printed = printExpression(expression);
+    PrintedValue value{std::move(printed.text), expression, printed.oddReference};
+    if (!printed.loss.empty()) {
+        lose(std::move(printed.loss));
+        try {
+            value.reads = parsePlotExpression(value.text, {});
+        } catch (const DiagnosticError&) {
+            value.reads = nullptr;
+        }
+    }
+    return value;
+}
+
+std::string Printer::number(double value) {
+    if (!plotNumberReadsBack(value)) {
+        lose(plotNumberLoss(value));
+    }
+    return plotNumberText(value);
+}
+
+void Printer::lose(std::string reason) {
+    constexpr std::size_t mostReasons = 8; // the line stays short, and the search too
+    if (losses_.size() < mostReasons && std::find(losses_.begin(), losses_.end(), reason) == losses_.end()) {
+        losses_.push_back(std::move(reason));
+    }
+}
+
+std::optional<std::string> Printer::faultOf(std::string_view lines, const PlotData& expected) const {
+    try {
+        if (readBody(kind_, lines).data == expected) {
+            return std::nullopt;
+        }
+    } catch (const DiagnosticError& fault) {
+        return fault.message();
+    }
+    return "'" + std::string(trim(lines)) + "' reads as something else";
+}
+
+bool Printer::isPlainWord(std::string_view word) noexcept {
+    const bool plainBytes = std::all_of(word.begin(), word.end(),
+                                        [](char c) { return isPlainByte[static_cast<unsigned char>(c)]; });
+    if (word.empty() || !plainBytes ||
+        std::string_view("*+,-/:").find(word.back()) != std::string_view::npos) {
+        return false;
+    }
+    const auto run = word.substr(0, word.find_first_of(".-/^%+*:[]"));
+    return std::none_of(std::begin(optionWords), std::end(optionWords),
+                        [run](std::string_view option) { return equalsNoCase(option, run); });
+}
+
+Printer& Printer::piece(bool doubtful, std::string_view plain, std::string (*guard)(std::string_view)) {
+    const bool guarded = (guarded_ & piece_) != 0;
+    doubtful_ |= doubtful ? piece_ : 0U;
+    piece_ <<= 1U;
+    return guarded ? word(guard(plain)) : word(plain);
+}
+
+std::string Printer::inQuotes(std::string_view text) {
+    return quotePlotText(text);
+}
+
+} // namespace morquill::taskdsl::plot

@@ -1,0 +1,108 @@
+// The prelude of a printed document, line by line: settings, defines and matrix axes.
+
+#include "views/read_back.h"
+
+#include "support/text.h"
+#include "taskdsl/generate/define_block.h"
+#include "taskdsl/generate/matrix.h"
+#include "taskdsl/generate/parse_context.h"
+#include "taskdsl/generate/prelude.h"
+#include "views/canonical_writer.h"
+
+#include <algorithm>
+#include <string>
+
+namespace morquill::views {
+
+using taskdsl::DiagnosticError;
+using taskdsl::MatrixAxis;
+using taskdsl::ValueMap;
+
+namespace {
+
+bool isNameByte(char c) noexcept {
+    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '-';
+}
+
+/// A key that every reader of the prelude takes as it stands.
+bool isPlainKey(std::string_view key) noexcept {
+    return !key.empty() && (isLetter(key.front()) || key.front() == '_') &&
+           std::all_of(key.begin(), key.end(), isNameByte) && key != "define" && key != "matrix" &&
+           !equalsNoCase(key, "null");
+}
+
+/// A value that YAML takes as it stands, bare or between double quotes: printable ASCII.
+bool isPlainSettingValue(std::string_view value) noexcept {
+    return value.empty() || (isNameByte(value.front()) && std::all_of(value.begin(), value.end(), [](char c) {
+                                 return c >= ' ' && c <= '~';
+                             }));
+}
+
+/// Reads one line of settings behind the line that every head begins with.
+bool readsAsSetting(const std::string& line, const std::string& key, const std::string& value) {
+    const std::string text = "dsl_version: 2\n" + line;
+    const taskdsl::WarningSink silent = [](const std::string&) {};
+    taskdsl::ParseContext context(silent);
+    context.followsIncludes = false;
+    const auto lines = splitLines(text);
+    std::size_t next = 0;
+    try {
+        const auto read = taskdsl::parsePrelude(lines, 0, next, "", context);
+        return next == lines.size() && read.defines.empty() && read.matrixAxes.empty() &&
+               read.collections.empty() && read.settings == ValueMap{{"dsl_version", "2"}, {key, value}};
+    } catch (const DiagnosticError&) {
+        return false;
+    }
+}
+
+bool readsAsDefine(const std::string& line, const std::string& key, const std::string& value) {
+    std::size_t next = 0;
+    return taskdsl::parseDefineBlock(splitLines(line), 0, next) == ValueMap{{key, value}};
+}
+
+bool readsAsAxis(const std::string& lines, const MatrixAxis& axis) {
+    std::size_t next = 0;
+    try {
+        return taskdsl::parseMatrixBlock(splitLines(lines), 0, next) == std::vector{axis};
+    } catch (const DiagnosticError&) {
+        return false;
+    }
+}
+
+/// True when the matrix prints this axis with a line that reads back.
+bool isFaithfulAxis(const MatrixAxis& axis, bool isLong) {
+    return isPlainKey(axis.key) || readsAsAxis(canonicalAxis(axis, isLong), axis);
+}
+
+} // namespace
+
+void reportLostHeadLines(const ReadBackContext& context) {
+    const auto report = [&context](std::string_view what, std::string_view key) {
+        const auto shown = replaceAll(replaceAll(key, "\n", "\\n"), "\r", "\\r");
+        context.warnings(std::string(what) + " '" + shown +
+                         "' does not read back: the prelude reads its line as something else");
+    };
+    const auto& document = context.document;
+    for (const auto& [key, value] : document.settings) {
+        if (key != "dsl_version" && !(isPlainKey(key) && isPlainSettingValue(value)) &&
+            !readsAsSetting(canonicalSetting(key, value), key, value)) {
+            report("setting", key);
+        }
+    }
+    for (const auto& [key, value] : document.defines) {
+        if (!isPlainKey(key) && !readsAsDefine(canonicalDefine(key, value), key, value)) {
+            report("define", key);
+        }
+    }
+    if (context.view != CanonicalView::sourceView) {
+        return;
+    }
+    const bool isLong = needsLongMatrix(document);
+    for (const auto& axis : document.matrixAxes) {
+        if (!isFaithfulAxis(axis, isLong)) {
+            report("matrix axis", axis.key);
+        }
+    }
+}
+
+} // namespace morquill::views

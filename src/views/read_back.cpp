@@ -1,0 +1,403 @@
+#include "views/read_back.h"
+
+#include "support/text.h"
+#include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/scan.h"
+#include "taskdsl/generate/foreach.h"
+#include "taskdsl/parser/task_parser.h"
+#include "taskdsl/task/mod_operation.h"
+#include "taskdsl/task/resolved_task.h"
+#include "taskdsl/task/source_spec.h"
+#include "taskdsl/task/task_substitution.h"
+#include "views/dropped_fields.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace morquill::views {
+
+using taskdsl::DiagnosticError;
+using taskdsl::TaskDocument;
+using taskdsl::TaskInfo;
+using taskdsl::ValueMap;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr std::string_view heredocEnd = "EOF";
+
+/// The text on one line, for messages.
+std::string oneLine(std::string_view text) {
+    return replaceAll(replaceAll(text, "\n", "\\n"), "\r", "\\r");
+}
+
+std::string inQuotes(std::string_view text) {
+    return "'" + oneLine(text) + "'";
+}
+
+// What passes without being read. Each test may refuse a text that would read back, never the other way.
+
+/// A word that every reader of this language takes as it stands: no white space, quote, `#` or backslash.
+bool isPlainWord(std::string_view text) noexcept {
+    return !text.empty() && std::none_of(text.begin(), text.end(), [](char c) {
+        return (c >= '\0' && c <= ' ') || c == '"' || c == '\'' || c == '#' || c == '\\';
+    });
+}
+
+/// A line of a block that neither ends the block nor loses anything to trimming or a comment.
+bool isPlainLine(std::string_view text) noexcept {
+    constexpr std::string_view marks = "%$&@";
+    return !text.empty() && !isTrimmed(text.front()) && !isTrimmed(text.back()) &&
+           marks.find(text.front()) == std::string_view::npos &&
+           text.find_first_of("#\n") == std::string_view::npos;
+}
+
+bool isPlainCommand(std::string_view text) noexcept {
+    return isPlainLine(text) && text.back() != '\\';
+}
+
+/// A heredoc without a line that ends it and without one that looks like a loop or a block.
+bool isPlainHeredoc(std::string_view text) noexcept {
+    if (text.find(heredocEnd) != std::string_view::npos) {
+        return false;
+    }
+    for (auto at = text.find('@'); at != std::string_view::npos; at = text.find('@', at + 1)) {
+        auto begin = at;
+        while (begin > 0 && isTrimmed(text[begin - 1]) && text[begin - 1] != '\n') {
+            --begin;
+        }
+        if (begin == 0 || text[begin - 1] == '\n') {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool isPlainBinding(const taskdsl::SourceBinding& binding) noexcept {
+    const bool isNamed = binding.sourceKind == taskdsl::BindingSource::task ||
+                         binding.sourceKind == taskdsl::BindingSource::xyz;
+    return isPlainWord(binding.key) && (!isNamed || isPlainWord(binding.sourceValue)) &&
+           std::all_of(binding.selectors.begin(), binding.selectors.end(),
+                       [](const auto& selector) { return isPlainWord(selector.second); });
+}
+
+/// Words that a source reads as more than the name of a task.
+bool isSourceWord(std::string_view text) noexcept {
+    return text == "origin" || text == "restart" || text == "guess" || text == "gues" ||
+           text.starts_with("xyz=") || text.find(',') != std::string_view::npos;
+}
+
+bool hasPlainSource(const TaskInfo& task) noexcept {
+    if (taskdsl::hasStructuredSource(task)) {
+        return std::all_of(task.sourceBindings.begin(), task.sourceBindings.end(), isPlainBinding);
+    }
+    if (!isPlainWord(task.source)) {
+        return false;
+    }
+    if (task.sourceTasks.empty()) {
+        return task.source == "origin" || task.source == "restart" || task.source.starts_with("xyz=");
+    }
+    return task.sourceTasks.size() == 1 && task.sourceTasks.front() == task.source &&
+           !isSourceWord(task.source);
+}
+
+bool hasPlainBatch(const TaskInfo& task) noexcept {
+    return !task.batchCluster.present &&
+           std::all_of(task.batchCollect.begin(), task.batchCollect.end(), [](const auto& entry) {
+               return isPlainWord(entry.pattern) &&
+                      (entry.destination.empty() || isPlainWord(entry.destination));
+           });
+}
+
+bool hasPlainControl(const TaskInfo& task) noexcept {
+    const auto plainOrEmpty = [](std::string_view text) { return text.empty() || isPlainWord(text); };
+    return plainOrEmpty(task.gpuType) && plainOrEmpty(task.guessSourceTask) &&
+           !equalsNoCase(task.guessSourceTask, "true") && plainOrEmpty(task.guessConverter) &&
+           plainOrEmpty(task.finalGeom);
+}
+
+/// A `%mod` line `<name> <words>` without operation. Only such lines are told without reading them.
+bool isPlainMod(const taskdsl::ModEntry& entry) {
+    constexpr std::array<std::string_view, 4> operations{"add", "subtract", "select", "remove"};
+    const auto words = splitBlank(entry.value);
+    return isPlainLine(entry.key) && isPlainWord(entry.key) && !words.empty() &&
+           entry.key.find(':') == std::string::npos && std::all_of(words.begin(), words.end(), isPlainWord) &&
+           std::find(operations.begin(), operations.end(), words.front()) == operations.end();
+}
+
+bool hasPlainMods(const TaskInfo& task) {
+    if (task.modEntries.empty()) {
+        return task.modValues.empty();
+    }
+    return std::all_of(task.modEntries.begin(), task.modEntries.end(), isPlainMod);
+}
+
+bool hasPlainKeywords(const TaskInfo& task) noexcept {
+    const std::string& text = task.keywords;
+    if (text.empty()) {
+        return true;
+    }
+    // A pair of quotes around the whole value would be taken off once more.
+    const bool isUnquoted =
+        text.front() != '"' && text.front() != '\'' && !isTrimmed(text.front()) && !isTrimmed(text.back());
+    return isUnquoted && (text.find_first_of("\n\r") == std::string::npos || isPlainHeredoc(text));
+}
+
+bool hasPlainPayload(const TaskInfo& task) {
+    switch (task.program) {
+    case taskdsl::TaskProgram::xtb:
+        return isPlainHeredoc(task.extraKeywords);
+    case taskdsl::TaskProgram::other:
+        return task.keywords.empty() && (task.paramValues.empty() || isPlainLine(task.paramValues));
+    case taskdsl::TaskProgram::script:
+        return isPlainHeredoc(task.body);
+    default:
+        return hasPlainKeywords(task) && isPlainHeredoc(task.extraKeywords) && isPlainHeredoc(task.orcaBlock);
+    }
+}
+
+bool isPlainTask(const TaskInfo& task) {
+    return isPlainWord(task.name) && hasPlainSource(task) && hasPlainBatch(task) && hasPlainControl(task) &&
+           std::all_of(task.whenConditions.begin(), task.whenConditions.end(), isPlainLine) &&
+           hasPlainPayload(task) &&
+           std::all_of(task.preProcessCommands.begin(), task.preProcessCommands.end(), isPlainCommand) &&
+           std::all_of(task.processCommands.begin(), task.processCommands.end(), isPlainCommand) &&
+           hasPlainMods(task) && (task.strucId.empty() || isPlainWord(task.strucId));
+}
+
+// What a task that was read has of one that was printed.
+
+/// The key and the words of every `%mod` operation: blanks and tabs between words are alike.
+std::vector<Texts> modsOf(const TaskInfo& task) {
+    std::vector<Texts> operations;
+    for (const auto& entry : taskdsl::modEntriesOf(task)) {
+        const auto operation = taskdsl::normalizeMod(entry.key, entry.value, false);
+        const std::string value = taskdsl::formatModValue(operation);
+        const auto words = splitBlank(value);
+        Texts& key = operations.emplace_back(Texts{taskdsl::formatModKey(operation)});
+        key.insert(key.end(), words.begin(), words.end());
+    }
+    return operations;
+}
+
+bool sameBatch(const TaskInfo& a, const TaskInfo& b) {
+    return a.batchLanes == b.batchLanes && a.batchCollect == b.batchCollect &&
+           a.batchCluster == b.batchCluster;
+}
+
+bool sameFlags(const TaskInfo& a, const TaskInfo& b) {
+    return std::max(a.totalCores, 0) == b.totalCores && std::max(a.totalMemory, 0) == b.totalMemory &&
+           a.gpuCount == b.gpuCount && a.gpuMemory == b.gpuMemory && a.waitFreq == b.waitFreq &&
+           a.localFirst == b.localFirst && a.externalInput == b.externalInput && a.verbosity == b.verbosity;
+}
+
+bool sameGuess(const TaskInfo& a, const TaskInfo& b) {
+    return a.guessEnabled == b.guessEnabled && a.guessSourceTask == b.guessSourceTask &&
+           a.guessConverter == b.guessConverter;
+}
+
+bool sameParams(const TaskInfo& a, const TaskInfo& b) {
+    return trim(taskdsl::resolvedParams(a)) == trim(b.paramValues);
+}
+
+/// One part of a task: what a message calls it, when it is printed, and when the one that was read is the
+/// one that was printed.
+struct PartRow {
+    std::string_view what;
+    Payload payload; ///< the payload it belongs to; `none` for what every task prints
+    bool (*same)(const TaskInfo& printed, const TaskInfo& read);
+};
+
+constexpr std::array<PartRow, 18> parts{{
+    {"%source", Payload::none,
+     [](const TaskInfo& a, const TaskInfo& b) { return sourceSpecOf(a) == sourceSpecOf(b); }},
+    {"%program", Payload::none, [](const TaskInfo& a, const TaskInfo& b) { return a.program == b.program; }},
+    {"%batch", Payload::none, sameBatch},
+    {"%control gpu_type", Payload::none,
+     [](const TaskInfo& a, const TaskInfo& b) { return a.gpuType == b.gpuType; }},
+    {"%control guess", Payload::none, sameGuess},
+    {"%control finalgeom", Payload::none,
+     [](const TaskInfo& a, const TaskInfo& b) { return a.finalGeom == b.finalGeom; }},
+    {"%control", Payload::none, sameFlags},
+    {"%when", Payload::none,
+     [](const TaskInfo& a, const TaskInfo& b) { return a.whenConditions == b.whenConditions; }},
+    {"%keywords", Payload::keywords,
+     [](const TaskInfo& a, const TaskInfo& b) { return a.keywords == b.keywords; }},
+    {"%args", Payload::args, [](const TaskInfo& a, const TaskInfo& b) { return a.args == b.args; }},
+    {"%extrainput", Payload::extraInput,
+     [](const TaskInfo& a, const TaskInfo& b) { return taskdsl::resolvedExtraInput(a) == b.extraKeywords; }},
+    {"%template", Payload::templateName,
+     [](const TaskInfo& a, const TaskInfo& b) { return taskdsl::resolvedTemplateName(a) == b.templateName; }},
+    {"%param", Payload::params, sameParams},
+    {"%runner", Payload::runner,
+     [](const TaskInfo& a, const TaskInfo& b) { return taskdsl::resolvedRunner(a) == b.runner; }},
+    {"%body", Payload::body, [](const TaskInfo& a, const TaskInfo& b) { return a.body == b.body; }},
+    {"%preprocess", Payload::none,
+     [](const TaskInfo& a, const TaskInfo& b) { return a.preProcessCommands == b.preProcessCommands; }},
+    {"%process", Payload::none,
+     [](const TaskInfo& a, const TaskInfo& b) { return a.processCommands == b.processCommands; }},
+    {"%mod", Payload::none, [](const TaskInfo& a, const TaskInfo& b) { return modsOf(a) == modsOf(b); }},
+}};
+
+Texts changedParts(const TaskInfo& printed, const TaskInfo& read) {
+    Texts reasons;
+    if (read.name != printed.name) {
+        reasons.push_back("the name reads back as " + inQuotes(read.name));
+    }
+    for (const auto& part : parts) {
+        if (printsPayload(printed.program, part.payload) && !part.same(printed, read)) {
+            reasons.push_back(std::string(part.what) + " reads back as something else");
+        }
+    }
+    if (read.strucId != printed.strucId) {
+        reasons.push_back("%meta strucid reads back as " + inQuotes(read.strucId));
+    }
+    return reasons;
+}
+
+/// A long text of a task and what a message calls it.
+struct LongText {
+    std::string_view what;
+    Payload payload;
+    std::string TaskInfo::*text;
+};
+
+constexpr std::array<LongText, 3> longTexts{{{"%keywords", Payload::keywords, &TaskInfo::keywords},
+                                             {"%extrainput", Payload::extraInput, &TaskInfo::extraKeywords},
+                                             {"%body", Payload::body, &TaskInfo::body}}};
+
+bool endsHeredoc(std::string_view line) noexcept {
+    return trim(line) == heredocEnd;
+}
+
+/// A line that the loop pass, which knows no texts, takes for its own.
+bool beginsLoopOrBlock(std::string_view line) {
+    const auto text = taskdsl::cleanLine(line);
+    return taskdsl::isBlockKeyword(text) || taskdsl::parseForeachHeader(text).valid;
+}
+
+/// Names the first line of a printed heredoc that `test` holds for.
+std::optional<std::string> findHeredocLine(const TaskInfo& task, bool (*test)(std::string_view)) {
+    for (const auto& row : longTexts) {
+        const std::string& text = task.*row.text;
+        const bool isHeredoc =
+            row.payload != Payload::keywords || text.find_first_of("\n\r") != std::string::npos;
+        if (!isHeredoc || !printsPayload(task.program, row.payload)) {
+            continue;
+        }
+        for (const auto line : splitLines(text)) {
+            if (test(line)) {
+                return std::string(row.what) + " holds a line " + inQuotes(trim(line));
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+/// Reads a printed task back and says what has become of it.
+Texts readBackFaults(const TaskInfo& task, std::string_view printed) {
+    if (auto ended = findHeredocLine(task, endsHeredoc)) {
+        return {*std::move(ended)};
+    }
+    try {
+        taskdsl::TaskParser parser(true, [](const std::string&) {});
+        const TaskDocument read = parser.parseDeclaredTasks(printed);
+        if (read.tasks.size() == 1 && read.plots.empty() && read.derives.empty()) {
+            return changedParts(task, read.tasks.front());
+        }
+        return {"its block reads back as something else"};
+    } catch (const DiagnosticError& fault) {
+        if (auto block = findHeredocLine(task, beginsLoopOrBlock)) {
+            return {*std::move(block)};
+        }
+        return {"what is printed is refused: " + oneLine(fault.message())};
+    }
+}
+
+std::optional<std::string> firstDefinedKey(std::string_view text, const ValueMap& values) {
+    if (values.empty() || text.find('[') == std::string_view::npos) {
+        return std::nullopt;
+    }
+    for (auto& key : taskdsl::bracketKeys(text)) {
+        if (values.contains(key)) {
+            return std::move(key);
+        }
+    }
+    return std::nullopt;
+}
+
+std::string replacedKey(std::string_view what, const std::string& key) {
+    return std::string(what) + " holds '[" + key + "]', which is a define";
+}
+
+/// The defines that go into task names where the text is read: an axis of the same name wins.
+ValueMap nameValues(const ReadBackContext& context) {
+    ValueMap values = context.document.defines;
+    if (context.view == CanonicalView::sourceView) {
+        for (const auto& axis : context.document.matrixAxes) {
+            values.erase(axis.key);
+        }
+    }
+    return values;
+}
+
+/// True when the defines change an expanded task once more.
+bool isChangedByDefines(const TaskInfo& task, const ValueMap& defines) {
+    TaskInfo again = task;
+    try {
+        substituteTask(again, defines, true);
+    } catch (const DiagnosticError&) {
+        return true;
+    }
+    return !changedParts(task, again).empty();
+}
+
+/// Expanded tasks stand beside the defines that they were made with: a `[key]` that a value has brought would
+/// be replaced, too. Of declared tasks that is so for the name alone.
+void addReplacedKeys(const ReadBackContext& context, const TaskInfo& task, std::string_view printed,
+                     Texts& reasons) {
+    const ValueMap& defines = context.document.defines;
+    if (!firstDefinedKey(printed, defines)) {
+        return;
+    }
+    const ValueMap values = nameValues(context);
+    if (const auto key = firstDefinedKey(task.name, values);
+        key && taskdsl::substituteBrackets(task.name, values) != task.name) {
+        reasons.push_back(replacedKey("the name", *key));
+    } else if (context.view == CanonicalView::matrixExpandedView && isChangedByDefines(task, defines)) {
+        reasons.push_back(replacedKey("its text", *firstDefinedKey(printed, defines)));
+    }
+}
+
+} // namespace
+
+void reportLostOfTask(const ReadBackContext& context, const TaskInfo& task, std::string_view printed) {
+    Texts reasons;
+    if (const Texts dropped = droppedFields(task); !dropped.empty()) {
+        reasons.push_back("it is written without " + join(dropped, ", "));
+    }
+    if (!isPlainTask(task)) {
+        Texts faults = readBackFaults(task, printed);
+        std::move(faults.begin(), faults.end(), std::back_inserter(reasons));
+    }
+    addReplacedKeys(context, task, printed, reasons);
+    if (!reasons.empty()) {
+        context.warnings("task " + inQuotes(task.name) + " does not read back: " + join(reasons, "; "));
+    }
+}
+
+void reportReplacedKey(const ReadBackContext& context, std::string_view what, std::string_view name,
+                       std::string_view printed) {
+    const ValueMap& defines = context.document.defines;
+    const auto key = firstDefinedKey(printed, defines);
+    if (key && taskdsl::substituteBrackets(printed, defines) != printed) {
+        context.warnings(std::string(what) + " " + inQuotes(name) +
+                         " does not read back: " + replacedKey("it", *key));
+    }
+}
+
+} // namespace morquill::views

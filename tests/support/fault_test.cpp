@@ -1,0 +1,28 @@
+#include "support/fault.h"
+
+#include <gtest/gtest.h>
+
+#include <new>
+#include <stdexcept>
+#include <vector>
+
+namespace morquill {
+namespace {
+
+TEST(FaultText, IsWhatTheFaultSays) {
+    EXPECT_EQ(faultText(std::runtime_error("no such thing"), "a.mq"), "no such thing");
+}
+
+TEST(FaultText, NamesTheFileWhenTheMemoryRanOut) {
+    EXPECT_EQ(faultText(std::bad_alloc(), "a.mq"), "out of memory: a.mq");
+    EXPECT_EQ(faultText(std::bad_array_new_length(), "a.mq"), "out of memory: a.mq");
+    EXPECT_EQ(faultText(std::bad_alloc(), ""), "out of memory");
+    try {
+        std::string().resize(std::string().max_size() + 1);
+    } catch (const std::exception& fault) {
+        EXPECT_EQ(faultText(fault, "a.mq"), "out of memory: a.mq");
+    }
+}
+
+} // namespace
+} // namespace morquill

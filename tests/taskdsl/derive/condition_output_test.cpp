@@ -1,0 +1,36 @@
+#include "taskdsl/derive/condition_output.h"
+
+#include "taskdsl/derive/condition.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace morquill::taskdsl::derive {
+namespace {
+
+/// The condition in print, with the losses behind it.
+std::string printed(std::string_view text, std::string_view keyword, ElseWord elseWord) {
+    DeriveSurface surface;
+    const auto condition = parseDeriveCondition(text, surface, {});
+    std::string losses;
+    const WarningSink sink = [&losses](const std::string& line) { losses += " | " + line; };
+    ReadBackCheck check("d", sink);
+    return printCondition(condition, keyword, elseWord, check) + losses;
+}
+
+TEST(ConditionOutput, ElseIsAWordOfRequireAlone) {
+    EXPECT_EQ(printed("(else)", "require", ElseWord::ends), "(else)");
+    EXPECT_EQ(printed("else", "where", ElseWord::ordinary), "else");
+    EXPECT_EQ(printed("energy < 0 and done", "require", ElseWord::ends), "energy < 0 and done");
+}
+
+TEST(ConditionOutput, WhatPrintsWithoutItsParenthesesIsReported) {
+    EXPECT_EQ(printed("not (a or b)", "where", ElseWord::ordinary),
+              "not a or b | derive 'd' does not read back: 'not' before a group prints without parentheses");
+    EXPECT_EQ(printed("(a or b) and c", "where", ElseWord::ordinary), "(a or b) and c");
+}
+
+} // namespace
+} // namespace morquill::taskdsl::derive
