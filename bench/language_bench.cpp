@@ -58,7 +58,7 @@ std::string derivesOf(int derives) {
 
 void formatText(benchmark::State& state, const std::string& text) {
     for (auto _ : state) {
-        taskdsl::TaskParser parser(false, [](const std::string&) {});
+        taskdsl::TaskParser parser;
         benchmark::DoNotOptimize(
             renderCanonicalDocument(parser.parseText(text, "bench.mq"), views::CanonicalView::sourceView,
                                     [](const std::string&) {})); // as fmt does: what is printed is checked
@@ -99,7 +99,7 @@ void expandVariants(benchmark::State& state) {
     const std::string text = matrixOf(static_cast<int>(state.range(0)));
     std::size_t variants = 0;
     for (auto _ : state) {
-        taskdsl::TaskParser parser(false, [](const std::string&) {});
+        taskdsl::TaskParser parser;
         const auto document = parser.parseText(text, "bench.mq");
         benchmark::DoNotOptimize(renderCanonicalDocument(document, views::CanonicalView::matrixExpandedView,
                                                          [](const std::string&) {}));

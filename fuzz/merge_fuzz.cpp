@@ -37,7 +37,7 @@ bool isSubsequence(const std::vector<std::string_view>& part, const std::vector<
 
 void parse(const std::string& text) {
     try {
-        (void)taskdsl::TaskParser(false, [](const std::string&) {}).parseText(text, "");
+        (void)taskdsl::TaskParser().parseText(text, "");
     } catch (const std::runtime_error&) {
         // A fault of the input, told as such.
     }

@@ -19,7 +19,7 @@ using taskdsl::DiagnosticError;
 using taskdsl::TaskDocument;
 
 TaskDocument parse(const std::string& text) {
-    return taskdsl::TaskParser(true, [](const std::string&) {}).parseText(text, "");
+    return taskdsl::TaskParser({.toleratesMultiSource = true}).parseText(text, "");
 }
 
 [[noreturn]] void fail(const char* fault, const std::string& text) {

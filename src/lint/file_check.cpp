@@ -1,5 +1,6 @@
 #include "lint/file_check.h"
 
+#include "console/library_file.h"
 #include "lint/rules.h"
 #include "lint/source_scan.h"
 #include "support/fault.h"
@@ -29,7 +30,8 @@ void check(const Subject& subject, LintFileReport& report) {
     applyRules(subject, [&report](const LintRule& rule, LintFinding finding) {
         std::string message = lintMessage(rule, finding);
         report.issues.push_back({rule.severity, finding.file.empty() ? report.path : std::move(finding.file),
-                                 std::move(finding.span), rule.code, std::move(message)});
+                                 std::move(finding.span), rule.code, std::move(message),
+                                 finding.messageNamesPlace});
     });
 }
 
@@ -118,7 +120,7 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
     const auto lines = splitLines(text);
     for (auto& pending : scanRawLines(lines, SharedText(report.path))) {
         report.issues.push_back({LintSeverity::warning, report.path, std::move(pending.span), pending.code,
-                                 std::move(pending.message)});
+                                 std::move(pending.message), false});
     }
     return {rawDslVersion(lines), text.find("{{ energy }}") != std::string_view::npos, {}};
 }
@@ -130,12 +132,17 @@ LintFileReport lintSource(const std::optional<std::string_view>& text, const std
     try {
         LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
         // Only a file that says so is read with the tolerance of its time.
-        taskdsl::TaskParser parser(file.version == "1", warnings);
+        const taskdsl::TaskParser parser({.toleratesMultiSource = file.version == "1",
+                                          .findLibraryFile = console::findLibraryFile,
+                                          .warnings = warnings});
         const TaskDocument document = text ? parser.parseText(*text, path) : parser.parseFile(path);
         report.parsed = true;
         checkDocument(document, file, report);
+    } catch (const taskdsl::DiagnosticError& fault) {
+        check(ParseFault{fault.message(), fault.span(), fault.messageNamesPlace()}, report);
     } catch (const std::exception& fault) {
-        check(ParseFault{faultText(fault, path)}, report);
+        const std::string message = faultText(fault, path);
+        check(ParseFault{message, {}, false}, report);
     }
     return report;
 }
@@ -147,8 +154,8 @@ LintFileReport lintText(std::string_view text, const std::string& path,
     return lintSource(text, path, warnings);
 }
 
-LintFileReport lintFile(const std::string& path) {
-    return lintSource(readTextFile(path), path, {});
+LintFileReport lintFile(const std::string& path, const taskdsl::WarningSink& warnings) {
+    return lintSource(readTextFile(path), path, warnings);
 }
 
 } // namespace morquill::lint

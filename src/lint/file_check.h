@@ -9,11 +9,11 @@
 namespace morquill::lint {
 
 /// Checks one task file: its lines as written, its parse, and the tasks it declares. Never throws for what a
-/// file holds or for one that cannot be read: that is an issue. The parser's warnings go to the log.
-[[nodiscard]] LintFileReport lintFile(const std::string& path);
+/// file holds or for one that cannot be read: that is an issue. The parser's warnings go to the sink.
+[[nodiscard]] LintFileReport lintFile(const std::string& path, const taskdsl::WarningSink& warnings);
 
-/// Checks a text as if it were the file `path`. Without a sink, the parser's warnings go to the log.
+/// Checks a text as if it were the file `path`.
 [[nodiscard]] LintFileReport lintText(std::string_view text, const std::string& path,
-                                      const taskdsl::WarningSink& warnings = {});
+                                      const taskdsl::WarningSink& warnings);
 
 } // namespace morquill::lint

@@ -25,6 +25,7 @@ struct LintOptions {
     bool strict = false;
     bool quiet = false;
     std::string format = "text";
+    bool dropsWarnings = false; ///< the parser's: no line of the log may mix into the JSON
     std::vector<std::string> paths;
 };
 
@@ -47,19 +48,6 @@ constexpr std::string_view lintHelp = R"(  Lint .mq files and directories.
   `@ lint --strict ./cases`
 )";
 
-/// True when the log must stay silent, so that no line of it mixes into the JSON. Here, and only here, the
-/// one-word form counts: the option itself is refused.
-bool asksForJson(int argc, char** argv) {
-    for (int i = 2; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        if (argument == "--format=json" ||
-            (argument == "--format" && i + 1 < argc && std::string_view(argv[i + 1]) == "json")) {
-            return true;
-        }
-    }
-    return false;
-}
-
 console::UsageError usageError(const std::string& message) {
     return console::UsageError(console::ErrorTag::none, message);
 }
@@ -74,6 +62,8 @@ void setQuiet(LintOptions& options, console::Words /*values*/) {
     options.quiet = true;
 }
 void setFormat(LintOptions& options, console::Words values) {
+    // Only this spelling keeps the log silent, also when a later --format takes it back.
+    options.dropsWarnings = options.dropsWarnings || std::string_view(values.front()) == "json";
     options.format = toLower(values.front());
     if (options.format != "text" && options.format != "json") {
         throw usageError("unsupported format: " + options.format);
@@ -113,10 +103,14 @@ int lintFiles(const LintOptions& options) {
         writeErr("no .mq files found\n");
         return 1;
     }
+    taskdsl::WarningSink warnings;
+    if (!options.dropsWarnings) {
+        warnings = console::logWarning;
+    }
     std::vector<LintFileReport> reports;
     reports.reserve(files.size());
     for (const auto& file : files) {
-        reports.push_back(lintFile(file));
+        reports.push_back(lintFile(file, warnings));
     }
     const LintSummary summary = summariseLint(reports, options.strict);
     writeOut(options.format == "json" ? renderLintJson(reports, summary)
@@ -130,10 +124,6 @@ int runLint(int argc, char** argv) {
     if (argc > 2 && console::isHelpToken(argv[2])) {
         printLintHelp(argv[0]);
         return 0;
-    }
-    if (asksForJson(argc, argv)) {
-        console::Logger::instance().openSession({}, console::LogLevel::Skip, console::LogLevel::Error,
-                                                console::decideColor(argc, argv));
     }
     try {
         const LintOptions options = readCommandLine(argc, argv);

@@ -22,7 +22,7 @@ void addLine(std::string& out, const Pieces&... pieces) {
 
 void addIssueText(std::string& out, const LintIssue& issue, bool strict) {
     out += issue.file;
-    if (isValidSpan(issue.span)) {
+    if (isValidSpan(issue.span) && !issue.messageNamesPlace) {
         out += ':' + std::to_string(issue.span.line) + ':' + std::to_string(issue.span.column);
     }
     addLine(out, ": ", severityText(issue, strict), " [", issue.code, "] ", issue.message);

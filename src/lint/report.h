@@ -20,6 +20,7 @@ struct LintIssue {
     taskdsl::SourceSpan span; ///< invalid when no place is known
     std::string_view code;    ///< a text with static lifetime
     std::string message;
+    bool messageNamesPlace = false; ///< the text does not put the place in front once more
 };
 
 struct LintFileReport {

@@ -1,6 +1,5 @@
 #include "lint/rules.h"
 
-#include "lint/parse_fault.h"
 #include "support/text.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/task/resolved_task.h"
@@ -112,8 +111,12 @@ Found processAlias(const RawLine& line) {
 // The file.
 
 Found parseError(const ParseFault& fault) {
-    auto parts = splitParseFault(fault.text);
-    return LintFinding{std::move(parts.span), std::move(parts.message), {}, std::move(parts.file)};
+    const bool placed = isValidSpan(fault.span) && !fault.messageNamesPlace;
+    return LintFinding{fault.span,
+                       std::string(fault.message),
+                       {},
+                       placed ? fault.span.path.str() : std::string(),
+                       fault.messageNamesPlace};
 }
 
 Found unknownVersion(const LintedFile& file) {

@@ -25,9 +25,11 @@ struct RawLine {
     std::string_view processText; ///< likewise of `%process` and `%preprocess`
 };
 
-/// The text of the exception that ended the reading of the file.
+/// The exception that ended the reading of the file.
 struct ParseFault {
-    std::string_view text;
+    std::string_view message;
+    taskdsl::SourceSpan span;       ///< invalid when no place is known
+    bool messageNamesPlace = false; ///< the message begins with the place in words of its own
 };
 
 /// What all tasks of a file share.
@@ -78,9 +80,10 @@ using AllOthersUses = std::vector<AllOthersUse>; ///< of one file
 /// What a check has found: the place and what goes into the message.
 struct LintFinding {
     taskdsl::SourceSpan span;
-    std::string value;     ///< for "<value>"
-    std::string canonical; ///< for "<canonical>"
-    std::string file;      ///< where the fault lies when that is not the linted file
+    std::string value;              ///< for "<value>"
+    std::string canonical;          ///< for "<canonical>"
+    std::string file;               ///< where the fault lies when that is not the linted file
+    bool messageNamesPlace = false; ///< see `LintIssue`
 };
 
 template <class Subject>

@@ -2,6 +2,7 @@
 
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/derive/derive_output.h"
 #include "taskdsl/plot/render.h"
@@ -60,7 +61,7 @@ class CanonicalText {
             line("  %", directive);
         }
         for (const auto& text : lines) {
-            if (taskdsl::isStructureLine(text)) {
+            if (isStructure(taskdsl::kindOfCleanLine(text))) {
                 line("    \\");
             }
             line("    ", text);
@@ -70,7 +71,7 @@ class CanonicalText {
         bool open = false;
         for (const auto& text : lines) {
             // A text that would end the block (it came from behind the keyword) stands there again.
-            if (taskdsl::isStructureLine(text)) {
+            if (isStructure(taskdsl::kindOfCleanLine(text))) {
                 line("  %", directive, " ", text);
                 open = false;
                 continue;

@@ -3,6 +3,8 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "console/library_file.h"
+#include "console/logger.h"
 #include "support/fault.h"
 #include "support/json.h"
 #include "support/text.h"
@@ -283,7 +285,8 @@ int runExplain(int argc, char** argv) {
             printExplainHelp(argv[0]);
             return 0;
         }
-        taskdsl::TaskParser parser;
+        const taskdsl::TaskParser parser(
+            {.findLibraryFile = console::findLibraryFile, .warnings = console::logWarning});
         const TaskDocument document = parser.parseInput(options.inputPath);
         const ExplainView view = makeView(document, options);
         if (view.tasks.empty() && !options.taskName.empty()) {

@@ -3,6 +3,7 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "console/library_file.h"
 #include "console/logger.h"
 #include "support/fault.h"
 #include "support/file.h"
@@ -139,7 +140,9 @@ bool isWrittenBesideInput(const FileCommandOptions& options) {
 
 /// A file that is written in place must be a regular one; otherwise a pipe or a terminal serves, too.
 taskdsl::TaskDocument readDocument(const FileCommandOptions& options, bool allowLegacy) {
-    taskdsl::TaskParser parser(allowLegacy);
+    const taskdsl::TaskParser parser({.toleratesMultiSource = allowLegacy,
+                                      .findLibraryFile = console::findLibraryFile,
+                                      .warnings = console::logWarning});
     return options.inPlace ? parser.parseFile(options.inputPath) : parser.parseInput(options.inputPath);
 }
 

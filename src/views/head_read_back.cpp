@@ -41,10 +41,10 @@ bool isPlainSettingValue(std::string_view value) noexcept {
 /// Reads one line of settings behind the line that every head begins with.
 bool readsAsSetting(const std::string& line, const std::string& key, const std::string& value) {
     const std::string text = "dsl_version: 2\n" + line;
-    const taskdsl::WarningSink silent = [](const std::string&) {};
-    taskdsl::ParseContext context(silent);
-    context.followsIncludes = false;
-    const auto lines = splitLines(text);
+    taskdsl::ParseContext run({});
+    run.followsIncludes = false;
+    taskdsl::DocumentContext context(run);
+    const auto lines = taskdsl::makeSourceLines(text, {});
     std::size_t next = 0;
     try {
         const auto read = taskdsl::parsePrelude(lines, 0, next, "", context);
@@ -57,13 +57,13 @@ bool readsAsSetting(const std::string& line, const std::string& key, const std::
 
 bool readsAsDefine(const std::string& line, const std::string& key, const std::string& value) {
     std::size_t next = 0;
-    return taskdsl::parseDefineBlock(splitLines(line), 0, next) == ValueMap{{key, value}};
+    return taskdsl::parseDefineBlock(taskdsl::makeSourceLines(line, {}), 0, next) == ValueMap{{key, value}};
 }
 
 bool readsAsAxis(const std::string& lines, const MatrixAxis& axis) {
     std::size_t next = 0;
     try {
-        return taskdsl::parseMatrixBlock(splitLines(lines), 0, next) == std::vector{axis};
+        return taskdsl::parseMatrixBlock(taskdsl::makeSourceLines(lines, {}), 0, next) == std::vector{axis};
     } catch (const DiagnosticError&) {
         return false;
     }

@@ -2,8 +2,8 @@
 
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
-#include "taskdsl/generate/foreach.h"
 #include "taskdsl/parser/task_parser.h"
 #include "taskdsl/task/mod_operation.h"
 #include "taskdsl/task/resolved_task.h"
@@ -276,8 +276,8 @@ bool endsHeredoc(std::string_view line) noexcept {
 
 /// A line that the loop pass, which knows no texts, takes for its own.
 bool beginsLoopOrBlock(std::string_view line) {
-    const auto text = taskdsl::cleanLine(line);
-    return taskdsl::isBlockKeyword(text) || taskdsl::parseForeachHeader(text).valid;
+    const auto kind = taskdsl::kindOfCleanLine(taskdsl::cleanLine(line));
+    return opensBlock(kind) || kind == taskdsl::LineKind::end || kind == taskdsl::LineKind::loop;
 }
 
 /// Names the first line of a printed heredoc that `test` holds for.
@@ -304,7 +304,7 @@ Texts readBackFaults(const TaskInfo& task, std::string_view printed) {
         return {*std::move(ended)};
     }
     try {
-        taskdsl::TaskParser parser(true, [](const std::string&) {});
+        const taskdsl::TaskParser parser({.toleratesMultiSource = true});
         const TaskDocument read = parser.parseDeclaredTasks(printed);
         if (read.tasks.size() == 1 && read.plots.empty() && read.derives.empty()) {
             return changedParts(task, read.tasks.front());

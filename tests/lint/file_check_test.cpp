@@ -82,7 +82,7 @@ TEST(LintText, WarningsOfTheParserGoToTheSink) {
 TEST(LintFile, WhatCannotBeReadIsAnIssue) {
     const TemporaryDirectory dir;
     for (const auto& path : {dir.path("missing.mq"), dir.root()}) {
-        const auto report = lintFile(path);
+        const auto report = lintFile(path, silent);
         EXPECT_EQ(report.path, path);
         EXPECT_FALSE(report.parsed);
         ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
@@ -96,11 +96,34 @@ TEST(LintFile, AFaultInAnIncludedFileNamesThatFile) {
     const TemporaryDirectory dir;
     const auto inner = dir.write("inner.mq", "$b\n%nonsense\n");
     const auto outer = dir.write("outer.mq", "$a\n%keywords k\n&INCLUDE inner.mq\n");
-    const auto report = lintFile(outer);
+    const auto report = lintFile(outer, silent);
     EXPECT_EQ(report.path, outer);
     ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
     EXPECT_EQ(report.issues[0].file, inner);
     EXPECT_EQ(report.issues[0].span.line, 2);
+}
+
+TEST(LintFile, AFaultThatSaysItsLineInItsMessageHasItsPlaceAsWell) {
+    const TemporaryDirectory dir;
+    const auto library = dir.write("l.mqlib", "\n  nonsense\n");
+    const auto path = dir.write("t.mq", "&INCLUDE l.mqlib as l\n$a\n%keywords k\n");
+    const auto report = lintFile(path, silent);
+    ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
+    const LintIssue& issue = report.issues[0];
+    EXPECT_EQ(issue.file, path);
+    EXPECT_EQ(issue.message, library + ":2: expected &FRAGMENT declaration");
+    EXPECT_EQ(formatSpan(issue.span), library + ":2:3-2:11");
+    EXPECT_TRUE(issue.messageNamesPlace);
+}
+
+TEST(LintText, TheMessageOfAFaultIsTakenFromTheFault) {
+    // A text that looks like another fault stays what it is: quoted input.
+    const auto report = lintText("$a\n%u.mq:1:2:error:x\n", "t.mq", silent);
+    ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
+    EXPECT_EQ(report.issues[0].file, "t.mq");
+    EXPECT_EQ(formatSpan(report.issues[0].span), "t.mq:2:1-2:18");
+    EXPECT_EQ(report.issues[0].message, "task 'a' contains unknown directive '%u.mq:1:2:error:x'");
+    EXPECT_FALSE(report.issues[0].messageNamesPlace);
 }
 
 TEST(LintFile, AnyBytesGiveAReport) {
@@ -109,7 +132,7 @@ TEST(LintFile, AnyBytesGiveAReport) {
     for (int i = 0; i < 4096; ++i) {
         bytes += static_cast<char>(i * 31 % 256);
     }
-    const auto report = lintFile(dir.write("t.mq", bytes));
+    const auto report = lintFile(dir.write("t.mq", bytes), silent);
     EXPECT_EQ(report.path, dir.path("t.mq"));
 }
 

@@ -276,7 +276,7 @@ TEST(LintFile, SurvivesAnything) {
 }
 
 TEST(LintFile, TellsOfAFileThatIsNotThere) {
-    const auto report = lintFile("no/such/file.mq");
+    const auto report = lintFile("no/such/file.mq", [](const std::string&) {});
     ASSERT_EQ(report.issues.size(), 1u);
     EXPECT_EQ(report.path, "no/such/file.mq");
     EXPECT_FALSE(report.parsed);

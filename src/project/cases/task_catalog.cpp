@@ -1,6 +1,6 @@
 #include "project/cases/task_catalog.h"
 
-#include "console/logger.h"
+#include "console/library_file.h"
 #include "project/cases/target.h"
 #include "support/fault.h"
 #include "support/file.h"
@@ -96,14 +96,14 @@ struct WarningWatch {
     taskdsl::WarningSink listener() {
         return [this](const std::string& text) {
             warned = true;
-            if (sink) {
-                sink(text);
-            } else {
-                console::logWarning(text);
-            }
+            sink(text);
         };
     }
 };
+
+taskdsl::TaskParser parserWith(taskdsl::WarningSink sink) {
+    return taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile, .warnings = std::move(sink)});
+}
 
 /// A file that cannot be parsed is passed over; one that only lacked memory says nothing about its blocks.
 void stopWithoutMemory(const std::exception& failure, const std::string& file) {
@@ -146,7 +146,7 @@ class CaseReader {
     bool parse(const std::string& text, const std::string& path) {
         WarningWatch watch{warnings_};
         try {
-            builder_.add(taskdsl::TaskParser(false, watch.listener()).parseText(text, path));
+            builder_.add(parserWith(watch.listener()).parseText(text, path));
         } catch (const std::exception& failure) {
             stopWithoutMemory(failure, path);
             warned_ = watch.warned;
@@ -182,7 +182,7 @@ class CaseReader {
 bool scanInto(CatalogBuilder& builder, const std::string& file, std::string& error,
               const taskdsl::WarningSink& warnings) {
     try {
-        builder.add(taskdsl::TaskParser(false, warnings).parseFile(file));
+        builder.add(parserWith(warnings).parseFile(file));
         return true;
     } catch (const std::exception& failure) {
         stopWithoutMemory(failure, file);

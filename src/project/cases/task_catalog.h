@@ -1,5 +1,6 @@
 #pragma once
 
+#include "console/logger.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/task/task_document.h"
 
@@ -26,13 +27,14 @@ struct TaskCatalog {
 [[nodiscard]] const std::string& writtenName(const taskdsl::TaskInfo& task) noexcept;
 
 /// The blocks of one task file. False with the whole message in `error` when it cannot be read or parsed.
-/// Warnings of the language go to the sink, without one to the log.
+/// Warnings of the language go to the sink.
 [[nodiscard]] bool scanTaskFile(const std::string& file, TaskCatalog& catalog, std::string& error,
-                                const taskdsl::WarningSink& warnings = {});
+                                const taskdsl::WarningSink& warnings = console::logWarning);
 
 /// The blocks of a project: its template and the task file of every case. A file that does not parse is left
 /// out; false, with the first failure and the count of the others in `error`, only when none parses.
 [[nodiscard]] bool loadCatalog(const std::string& root, const std::string& file, TaskCatalog& catalog,
-                               std::string& error, const taskdsl::WarningSink& warnings = {});
+                               std::string& error,
+                               const taskdsl::WarningSink& warnings = console::logWarning);
 
 } // namespace morquill::project

@@ -1,16 +1,18 @@
 #include "project/rename/rename_check.h"
 
+#include "console/library_file.h"
+#include "console/logger.h"
 #include "project/cases/task_catalog.h"
 #include "support/file.h"
 #include "support/name_list.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/generate/include_line.h"
 #include "taskdsl/generate/include_path.h"
 #include "taskdsl/generate/written_headers.h"
 #include "taskdsl/parser/task_parser.h"
-#include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/when_expr.h"
 
 #include <algorithm>
@@ -154,7 +156,8 @@ std::optional<std::string> compareDocuments(const TaskDocument& before, const st
                                             const std::string& file, const RenamedBlock& block) {
     const std::string change = "with $" + block.newName + " for $" + block.oldName + " the task file would ";
     try {
-        const auto after = taskdsl::TaskParser(false, [](const std::string&) {}).parseText(text, file);
+        const taskdsl::TaskParser parser({.findLibraryFile = console::findLibraryFile});
+        const auto after = parser.parseText(text, file);
         if (saysTheSame(before, after)) {
             return std::nullopt;
         }
@@ -199,12 +202,12 @@ std::optional<std::string> stubTemplate(const std::string& text, const std::stri
         if (clean.empty()) {
             continue;
         }
-        if (found || !taskdsl::isIncludeLine(clean)) {
+        if (found || taskdsl::kindOfCleanLine(clean) != taskdsl::LineKind::include) {
             return std::nullopt;
         }
         try {
             const auto include = taskdsl::parseIncludeLine(clean);
-            found = taskdsl::resolveIncludePath(searchName(include), path);
+            found = taskdsl::resolveIncludePath(searchName(include), path, console::findLibraryFile);
         } catch (const taskdsl::DiagnosticError&) {
             return std::nullopt;
         }
@@ -221,7 +224,9 @@ std::optional<std::string> findObstacle(const std::string& file, const RenamedBl
     if (!text) {
         throw taskdsl::DiagnosticError("could not open file: " + file);
     }
-    const auto document = taskdsl::TaskParser().parseText(*text, file);
+    const taskdsl::TaskParser parser(
+        {.findLibraryFile = console::findLibraryFile, .warnings = console::logWarning});
+    const auto document = parser.parseText(*text, file);
     const auto headers = taskdsl::listWrittenHeaders(*text);
     if (linesOf(headers, block.oldName).empty()) {
         return "block not found in task file: $" + block.oldName +

@@ -33,8 +33,6 @@ namespace morquill::taskdsl {
 /// The trimmed text behind a leading `$`, without one pair of double quotes; empty when the line is no
 /// header.
 [[nodiscard]] std::string_view taskHeaderName(std::string_view text) noexcept;
-/// "@plot" or "@derive" followed by a blank or the end, or exactly "@end".
-[[nodiscard]] bool isBlockKeyword(std::string_view text) noexcept;
 /// `keyword` at the front, followed by a blank or the end.
 [[nodiscard]] bool beginsBlock(std::string_view text, std::string_view keyword) noexcept;
 /// `word` at the front, followed by white space or the end.

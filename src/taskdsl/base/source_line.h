@@ -1,21 +1,61 @@
 #pragma once
 
+#include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/source_span.h"
+#include "taskdsl/base/substitute.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace morquill::taskdsl {
 
-/// One line on its way through the parser.
-struct SourceLine {
-    std::string text;               ///< raw text without the line end
+/// One line on its way through the parser. What it is by its own text is worked out once, when the text is
+/// set.
+class SourceLine {
+  public:
+    SourceLine(std::string text, SharedText path, std::uint32_t number = 0)
+        : originPath(std::move(path)), lineNumber(number), text_(std::move(text)) {
+        classify();
+    }
+
     SharedText originPath;          ///< file it came from; empty means the file being parsed
     std::uint32_t lineNumber = 0;   ///< in its own file, from 1
     bool directiveBoundary = false; ///< a synthetic empty line that closes the directive block before it
-    bool verbatim = false;          ///< belongs to a heredoc or text body and is taken as it stands
+    bool verbatim = false;          ///< belongs to a heredoc or text body and is taken as it is written
+
+    /// The raw text without the line end.
+    [[nodiscard]] const std::string& text() const noexcept { return text_; }
+    /// The text without its comment, trimmed; a view that lives as long as the line stays where it is and
+    /// keeps its text.
+    [[nodiscard]] std::string_view clean() const noexcept {
+        return std::string_view(text_).substr(cleanBegin_, cleanSize_);
+    }
+    [[nodiscard]] LineKind kind() const noexcept { return kind_; }
+    /// The place of the line in its file.
+    [[nodiscard]] SourceSpan span() const { return spanOfLine(originPath, lineNumber, text_); }
+
+    /// Puts the values of `[key]` in; a line that is changed is classified anew.
+    void substitute(const ValueMap& values) {
+        if (!values.empty() && substituteInto(text_, values)) {
+            classify();
+        }
+    }
+
+  private:
+    void classify() noexcept;
+
+    LineKind kind_ = LineKind::empty;
+    std::string text_;
+    std::size_t cleanBegin_ = 0;
+    std::size_t cleanSize_ = 0;
 };
+
+/// The lines of a text, numbered from 1.
+[[nodiscard]] std::vector<SourceLine> makeSourceLines(std::string_view text, const SharedText& path);
 
 /// A `@plot`, `%plot` or `@derive` block as it was found, before its own language is applied.
 struct CapturedBlock {

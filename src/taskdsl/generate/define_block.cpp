@@ -37,14 +37,14 @@ void requireFreeDefineKey(std::string_view key) {
     }
 }
 
-ValueMap parseDefineBlock(const std::vector<std::string_view>& lines, std::size_t start, std::size_t& next) {
+ValueMap parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start, std::size_t& next) {
     ValueMap defines;
     for (next = start; next < lines.size(); ++next) {
-        const auto text = cleanLine(lines[next]);
+        const auto text = lines[next].clean();
         if (text.empty()) {
             continue;
         }
-        if (!lines[next].starts_with("  ") || !taskHeaderName(text).empty()) {
+        if (!lines[next].text().starts_with("  ") || lines[next].kind() == LineKind::taskHeader) {
             break;
         }
         const auto colon = text.find(':');

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
 #include "taskdsl/task/task_document.h"
 
@@ -18,7 +19,7 @@ namespace morquill::taskdsl {
 void requireFreeDefineKey(std::string_view key);
 
 /// Reads the body of a `define:` section from line `start`; `next` is the first line behind it.
-[[nodiscard]] ValueMap parseDefineBlock(const std::vector<std::string_view>& lines, std::size_t start,
+[[nodiscard]] ValueMap parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start,
                                         std::size_t& next);
 
 /// Puts defines into the document; without `override` a key that is there keeps its value. Throws

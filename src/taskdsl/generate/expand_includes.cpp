@@ -2,13 +2,13 @@
 
 #include "support/file.h"
 #include "support/text.h"
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/line_fault.h"
-#include "taskdsl/base/scan.h"
 #include "taskdsl/generate/fragment_arguments.h"
 #include "taskdsl/generate/fragment_library.h"
+#include "taskdsl/task/directive_reader.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <iterator>
 #include <string_view>
@@ -18,43 +18,6 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// Which scope a directive opens for the lines behind it, and on which values.
-enum class ScopeRule { always, emptyValue, emptyValueOrHeredoc };
-struct DirectiveScopeRow {
-    std::string_view keyword;
-    FragmentExpansionScope scope;
-    ScopeRule rule;
-};
-constexpr std::array<DirectiveScopeRow, 13> directiveScopes{{
-    {"process", FragmentKind::process, ScopeRule::always},
-    {"preprocess", FragmentKind::preprocess, ScopeRule::always},
-    {"control", FragmentKind::control, ScopeRule::always},
-    {"when", FragmentKind::when, ScopeRule::always},
-    {"meta", FragmentKind::meta, ScopeRule::always},
-    {"param", FragmentKind::param, ScopeRule::always},
-    {"args", FragmentKind::args, ScopeRule::always},
-    {"batch", FragmentKind::batch, ScopeRule::always},
-    {"mod", FragmentKind::mod, ScopeRule::emptyValue},
-    {"body", FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
-    {"extrainput", FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
-    {"extrainputs", FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
-    {"keywords", FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
-}};
-
-bool opensHeredoc(std::string_view value) noexcept {
-    return value.starts_with("<<");
-}
-
-FragmentExpansionScope scopeOfDirective(std::string_view keyword, std::string_view value) noexcept {
-    for (const auto& row : directiveScopes) {
-        if (row.keyword == keyword && (row.rule == ScopeRule::always || value.empty() ||
-                                       (row.rule == ScopeRule::emptyValueOrHeredoc && opensHeredoc(value)))) {
-            return row.scope;
-        }
-    }
-    return FragmentKind::task_body;
-}
-
 /// A fragment and the library it lies in; the library is null for a standalone file.
 struct FoundFragment {
     const FragmentDefinition* definition = nullptr;
@@ -63,7 +26,8 @@ struct FoundFragment {
 
 class IncludePass {
   public:
-    IncludePass(std::vector<SourceLine> allLines, const IncludeFrame& passFrame, ParseContext& parseContext)
+    IncludePass(std::vector<SourceLine> allLines, const IncludeFrame& passFrame,
+                DocumentContext& parseContext)
         : lines(std::move(allLines)), frame(passFrame), context(parseContext), current(passFrame.scope) {}
 
     std::vector<SourceLine> run() {
@@ -86,27 +50,18 @@ class IncludePass {
     /// Reads the line at `i`; leaves `i` on the last line consumed.
     void readLine(std::size_t& i) {
         const SourceLine& line = lines[i];
-        const auto begin = trimLeft(line.text);
-        constexpr std::string_view marks = "&%$@";
-        if (begin.empty() || marks.find(begin.front()) == std::string_view::npos || line.verbatim ||
-            line.directiveBoundary) {
-            keep(i);
-            return;
-        }
-        const auto text = cleanLine(line.text);
-        if (beginsBlock(text, "&INCLUDE")) {
+        const LineKind kind = line.verbatim || line.directiveBoundary ? LineKind::text : line.kind();
+        if (kind == LineKind::include) {
             readInclude(i);
-        } else if (frame.scope == FragmentKind::text) {
+        } else if (!isStructure(kind) || frame.scope == FragmentKind::text) {
             keep(i);
-        } else if (!taskHeaderName(text).empty()) {
+        } else if (kind == LineKind::taskHeader) {
             openTask(line);
             keep(i);
-        } else if (!directiveName(text).empty()) {
-            readDirective(i, directiveName(text));
-        } else if (isBlockKeyword(text)) {
-            copyBlock(i, text);
+        } else if (kind == LineKind::directive) {
+            readDirective(i);
         } else {
-            keep(i);
+            copyBlock(i);
         }
     }
 
@@ -115,6 +70,14 @@ class IncludePass {
         if (changed) {
             result.push_back(std::move(lines[i]));
         }
+    }
+
+    /// Passes on the lines from `i` through `last`; leaves `i` there.
+    void keepThrough(std::size_t& i, std::size_t last) {
+        for (; i < last; ++i) {
+            keep(i);
+        }
+        keep(i);
     }
 
     /// Puts lines in the place of the include line (the lines from `first` on).
@@ -148,60 +111,53 @@ class IncludePass {
     }
     [[nodiscard]] std::string kindName() const { return std::string(fragmentKindName(frame.scope)); }
 
-    void readDirective(std::size_t& i, std::string_view directive) {
+    void readDirective(std::size_t& i) {
         const SourceLine& line = lines[i];
-        const auto keyword = directive.substr(0, directive.find(' '));
-        const auto value = trim(directive.substr(keyword.size()));
+        const auto directive = splitDirective(line.clean());
         if (atFileScope()) {
-            throw misplacedDirective(fileOf(line), line.lineNumber);
+            throw misplacedDirective(line, frame.baseFile);
         }
         if (!isDocument() && frame.scope != FragmentKind::task_body) {
-            throw fault(line, "task directive '%" + std::string(keyword) + "' is not valid inside a " +
-                                  kindName() + " fragment");
+            throw fault(line, "task directive '%" + std::string(directive.keyword) +
+                                  "' is not valid inside a " + kindName() + " fragment");
         }
-        current = scopeOfDirective(keyword, value);
-        if (current == FragmentKind::text && opensHeredoc(value)) {
-            copyHeredoc(i, value);
+        current = scopeBehind(directive);
+        if (current == FragmentKind::text && opensHeredoc(directive.value)) {
+            copyHeredoc(i, heredocTerminator(directive.value));
         } else {
             keep(i);
         }
     }
 
-    void copyHeredoc(std::size_t& i, std::string_view value) {
-        const auto word = trim(value.substr(2));
-        const std::string terminator(word.empty() ? "EOF" : word);
-        std::size_t end = i + 1;
-        while (end < lines.size() && trim(lines[end].text) != terminator) {
-            lines[end].verbatim = true;
-            if (lines[end].originPath.empty()) {
-                lines[end].originPath = frame.baseFile;
+    void copyHeredoc(std::size_t& i, std::string_view terminator) {
+        const BlockEnd end = findHeredocEnd(lines, i, terminator);
+        if (!end.isClosed) {
+            throw fault(lines[i], "heredoc is missing terminator '" + std::string(terminator) + "'");
+        }
+        for (std::size_t body = i + 1; body < end.index; ++body) {
+            lines[body].verbatim = true;
+            if (lines[body].originPath.empty()) {
+                lines[body].originPath = frame.baseFile;
             }
-            ++end;
         }
-        if (end == lines.size()) {
-            throw fault(lines[i], "heredoc is missing terminator '" + terminator + "'");
-        }
-        for (; i < end; ++i) {
-            keep(i);
-        }
-        keep(end);
+        keepThrough(i, end.index);
     }
 
     /// A block keyword ends the task; a `@plot` or `@derive` block is passed on through its "@end".
-    void copyBlock(std::size_t& i, std::string_view text) {
+    void copyBlock(std::size_t& i) {
         closeTask();
-        bool ended = text == "@end";
-        keep(i);
-        while (!ended && i + 1 < lines.size()) {
-            ended = cleanLine(lines[++i].text) == "@end";
+        if (lines[i].kind() == LineKind::end) {
             keep(i);
+            return;
         }
+        const BlockEnd end = findBlockEnd(lines, i, lines.size());
+        keepThrough(i, end.isClosed ? end.index : end.index - 1);
     }
 
     void readInclude(std::size_t& i) {
         const std::size_t first = i;
         const SourceLine& line = lines[first];
-        if (!context.followsIncludes) {
+        if (!context.run.followsIncludes) {
             throw fault(line, "&INCLUDE lines are not followed here");
         }
         std::string text;
@@ -214,7 +170,7 @@ class IncludePass {
             break;
         }
         const auto include = parseIncludeLine(text);
-        const bool indented = line.text.front() == ' ' || line.text.front() == '\t';
+        const bool indented = line.text().front() == ' ' || line.text().front() == '\t';
         if (include.kind == IncludeTarget::fragmentName && include.hasArguments && frame.library == nullptr) {
             throw fault(line, "fragment references outside a library must use namespace.name syntax");
         }
@@ -268,9 +224,9 @@ class IncludePass {
         if (frame.library != nullptr) {
             throw fault(line, "library imports are only allowed at file scope");
         }
-        const std::string file = fileOf(line);
-        bindLibrary(include.alias, searchName(include), file,
-                    shownPath(file) + ":" + std::to_string(line.lineNumber) + ": ", context);
+        if (const auto refusal = bindLibrary(include.alias, searchName(include), fileOf(line), context)) {
+            throw fault(line, *refusal);
+        }
     }
 
     /// Puts a fragment in. With `endsTask` a fragment of kind document ends the task that it stands behind.
@@ -290,14 +246,18 @@ class IncludePass {
         auto inserted = instantiateFragment(*found.definition, include, placedLine(line), found.library,
                                             current, context);
         if (found.definition->kind == FragmentKind::task_body) {
-            inserted.push_back({"", line.originPath, line.lineNumber, true, false});
+            inserted.emplace_back("", line.originPath, line.lineNumber);
+            inserted.back().directiveBoundary = true;
         }
         insert(std::move(inserted), first);
     }
 
-    /// What messages need of an include line: its number and its file.
-    [[nodiscard]] SourceLine placedLine(const SourceLine& line) const {
-        return {"", line.originPath.empty() ? frame.baseFile : line.originPath, line.lineNumber};
+    /// The line with its file, for messages.
+    [[nodiscard]] SourceLine placedLine(SourceLine line) const {
+        if (line.originPath.empty()) {
+            line.originPath = frame.baseFile;
+        }
+        return line;
     }
 
     /// The fragment that `namespace.name` names, or, inside a library, a name of its own.
@@ -308,7 +268,7 @@ class IncludePass {
         const FragmentLibrary* library = frame.library;
         std::string shown = "current library";
         if (library == nullptr || (space != "this" && space != "self")) {
-            const auto& known = library ? library->dependencies : context.document.namespaces;
+            const auto& known = library ? library->dependencies : context.namespaces;
             const auto bound = known.find(space);
             if (bound == known.end()) {
                 throw fault(line, "unknown fragment library namespace '" + std::string(space) + "'");
@@ -325,7 +285,7 @@ class IncludePass {
 
     std::vector<SourceLine> lines;
     const IncludeFrame& frame;
-    ParseContext& context;
+    DocumentContext& context;
     FragmentExpansionScope current; ///< what an include may bring at this line
     bool inTask = false;            ///< behind a task header; only in document scope
     bool changed = false;           ///< an include was met: lines go to `result`
@@ -335,14 +295,14 @@ class IncludePass {
 } // namespace
 
 std::vector<SourceLine> expandIncludes(std::vector<SourceLine> lines, const IncludeFrame& frame,
-                                       ParseContext& context) {
+                                       DocumentContext& context) {
     return IncludePass(std::move(lines), frame, context).run();
 }
 
 std::vector<SourceLine> instantiateFragment(const FragmentDefinition& definition,
                                             const IncludeDirective& include, const SourceLine& includeLine,
                                             const FragmentLibrary* library, FragmentExpansionScope scope,
-                                            ParseContext& context) {
+                                            DocumentContext& context) {
     const auto& name = definition.name;
     if (!kindFits(definition.kind, scope)) {
         throw lineFault(includeLine, {},
@@ -351,19 +311,17 @@ std::vector<SourceLine> instantiateFragment(const FragmentDefinition& definition
     }
     // A library is loaded once, so its path tells it apart; a standalone file may come by several paths.
     const auto& path = definition.path.str();
-    const IncludeChain::Entry entry(context.fragmentChain,
+    const IncludeChain::Entry entry(context.run.fragmentChain,
                                     library ? path + "::" + name : normalisedPath(path), path + "::" + name);
     const auto values = bindArguments(definition, include, includeLine);
 
     std::vector<SourceLine> lines;
     lines.reserve(definition.lines.size());
-    context.growth.takeFragment();
+    context.run.growth.takeFragment();
     for (const auto& line : definition.lines) {
         lines.push_back(line);
-        if (!values.empty() && line.text.find('[') != std::string::npos) {
-            lines.back().text = substituteBrackets(line.text, values);
-        }
-        context.growth.takeLine(lines.back().text.size());
+        lines.back().substitute(values);
+        context.run.growth.takeLine(lines.back().text().size());
     }
     const auto kind = definition.kind == FragmentKind::unknown ? scope : definition.kind;
     lines = expandIncludes(std::move(lines), {definition.path, library, kind}, context);

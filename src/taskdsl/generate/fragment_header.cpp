@@ -51,19 +51,15 @@ void readParameters(FragmentDefinition& fragment, std::string_view text) {
 
 } // namespace
 
-bool isFragmentLine(std::string_view text) noexcept {
-    return beginsBlock(text, keyword);
-}
-
 FragmentDefinition parseFragmentHeader(const std::vector<SourceLine>& lines, std::size_t& index,
-                                       const SharedText& path, bool nameRequired) {
+                                       const SharedText& path, FragmentNaming naming) {
     const SourceLine& first = lines[index];
-    if (!isFragmentLine(cleanLine(first.text))) {
+    if (first.kind() != LineKind::fragment) {
         throw DiagnosticError("expected &FRAGMENT declaration");
     }
     FragmentDefinition fragment;
     fragment.path = path;
-    fragment.span = spanOfLine(path, first.lineNumber, first.text);
+    fragment.span = spanOfLine(path, first.lineNumber, first.text());
     const std::string header = gatherHeader(lines, index, path);
     std::string_view rest = header;
 
@@ -79,7 +75,7 @@ FragmentDefinition parseFragmentHeader(const std::vector<SourceLine>& lines, std
         throw DiagnosticError("unterminated fragment parameter list");
     }
     fragment.name = trim(rest.substr(0, open));
-    if (fragment.name.empty() && nameRequired) {
+    if (fragment.name.empty() && naming == FragmentNaming::required) {
         throw DiagnosticError("library fragments must have a name");
     }
     if (!fragment.name.empty() && !isFragmentName(fragment.name)) {

@@ -290,7 +290,7 @@ bool ParenthesisCount::read(std::string_view text) noexcept {
 GatherEnd gatherParentheses(const std::vector<SourceLine>& lines, std::size_t& index, std::string& text) {
     ParenthesisCount count;
     for (std::size_t i = index; i < lines.size(); ++i) {
-        const auto piece = cleanLine(lines[i].text);
+        const auto piece = lines[i].clean();
         if (i != index) {
             text += ' ';
         }

@@ -133,16 +133,16 @@ std::vector<std::string> splitValueList(std::string_view text) {
     return fields;
 }
 
-std::vector<MatrixAxis> parseMatrixBlock(const std::vector<std::string_view>& lines, std::size_t start,
+std::vector<MatrixAxis> parseMatrixBlock(const std::vector<SourceLine>& lines, std::size_t start,
                                          std::size_t& next) {
     BlockReader reader;
     for (next = start; next < lines.size(); ++next) {
-        const auto text = cleanLine(lines[next]);
+        const auto text = lines[next].clean();
         if (text.empty()) {
             continue;
         }
-        const auto indent = leadingBlanks(lines[next]);
-        if (indent < 2 || !taskHeaderName(text).empty()) {
+        const auto indent = leadingBlanks(lines[next].text());
+        if (indent < 2 || lines[next].kind() == LineKind::taskHeader) {
             break;
         }
         if (text == "-" || text.starts_with("- ")) {

@@ -19,7 +19,7 @@ namespace morquill::taskdsl {
 /// syntax
 /// (`  - key: values` with `name:` and `map:` lines below); `next` is the first line behind it. Throws
 /// `DiagnosticError` when the syntaxes are mixed or a line does not fit.
-[[nodiscard]] std::vector<MatrixAxis> parseMatrixBlock(const std::vector<std::string_view>& lines,
+[[nodiscard]] std::vector<MatrixAxis> parseMatrixBlock(const std::vector<SourceLine>& lines,
                                                        std::size_t start, std::size_t& next);
 
 /// Declared axes in order, and their value lists by key.

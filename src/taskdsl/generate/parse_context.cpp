@@ -1,6 +1,32 @@
 #include "taskdsl/generate/parse_context.h"
 
+#include <utility>
+
 namespace morquill::taskdsl {
+
+namespace {
+
+ParserOptions withSink(ParserOptions options) {
+    if (!options.warnings) {
+        options.warnings = [](const std::string&) {};
+    }
+    return options;
+}
+
+} // namespace
+
+ParseContext::ParseContext(ParserOptions parserOptions) : options(withSink(std::move(parserOptions))) {}
+
+void ParseContext::countInclude() {
+    if (++includeCount > limits::includes) {
+        throw DiagnosticError("more than " + std::to_string(limits::includes) +
+                              " &INCLUDE lines were followed");
+    }
+}
+
+std::string ParseContext::resolveIncludePath(std::string_view name, const std::string& baseFile) const {
+    return taskdsl::resolveIncludePath(name, baseFile, options.findLibraryFile);
+}
 
 ValueMap libraryBindings(const DocumentContext& document) {
     ValueMap bindings;
@@ -8,13 +34,6 @@ ValueMap libraryBindings(const DocumentContext& document) {
         bindings.emplace(alias, library->path);
     }
     return bindings;
-}
-
-void ParseContext::countInclude() {
-    if (++includeCount > limits::includes) {
-        throw DiagnosticError("more than " + std::to_string(limits::includes) +
-                              " &INCLUDE lines were followed");
-    }
 }
 
 } // namespace morquill::taskdsl

@@ -6,34 +6,26 @@
 #include "taskdsl/base/substitute.h"
 #include "taskdsl/generate/fragment.h"
 #include "taskdsl/generate/include_chain.h"
+#include "taskdsl/generate/parser_options.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace morquill::taskdsl {
 
-/// What one document brings along while it is being read.
-struct DocumentContext {
-    /// The libraries that the file itself imports, by namespace alias.
-    std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> namespaces;
-    NameList includedFiles; ///< files read for this document
-    /// Keys of the settings that an included task file brought along: their values were looked at with it.
-    KeySet inheritedSettings;
-};
-
-/// Namespace alias to library path.
-[[nodiscard]] ValueMap libraryBindings(const DocumentContext& document);
-
 /// The state of one run of the parser: it lives from the first line of the main file to the last one, through
 /// all files that are included.
 struct ParseContext {
-    explicit ParseContext(const WarningSink& sink) : warnings(sink) {}
+    /// A missing warning sink becomes one that does nothing: stages call it unasked.
+    explicit ParseContext(ParserOptions parserOptions);
 
-    const WarningSink& warnings;
+    const ParserOptions options;
     IncludeChain taskChain{"task include"};
     IncludeChain yamlChain{"YAML include"};
     IncludeChain libraryChain{"fragment library include"};
@@ -45,10 +37,28 @@ struct ParseContext {
     GrowthBudget growth;
     bool followsIncludes = true; ///< false: an include line is a fault, no other file is read
     std::size_t includeCount = 0;
-    DocumentContext document; ///< of the file being read; an included task file puts its own in its place
+    std::uint64_t nextDocumentOrder = 0; ///< counts tasks, plots and derives in the order they are met
 
     /// Counts an include line that is followed. Throws `DiagnosticError` beyond `limits::includes`.
     void countInclude();
+
+    /// The file that an include target names, see `taskdsl::resolveIncludePath`.
+    [[nodiscard]] std::string resolveIncludePath(std::string_view name, const std::string& baseFile) const;
 };
+
+/// What one document brings along while it is being read: every included task file has its own.
+struct DocumentContext {
+    explicit DocumentContext(ParseContext& parseRun) : run(parseRun) {}
+
+    ParseContext& run;
+    /// The libraries that the file itself imports, by namespace alias.
+    std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> namespaces;
+    NameList includedFiles; ///< files read for this document
+    /// Keys of the settings that an included task file brought along: their values were looked at with it.
+    KeySet inheritedSettings;
+};
+
+/// Namespace alias to library path.
+[[nodiscard]] ValueMap libraryBindings(const DocumentContext& document);
 
 } // namespace morquill::taskdsl

@@ -7,7 +7,6 @@
 #include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/fragment_library.h"
 #include "taskdsl/generate/include_line.h"
-#include "taskdsl/generate/include_path.h"
 #include "taskdsl/generate/matrix.h"
 #include "taskdsl/generate/removed_include.h"
 #include "taskdsl/generate/yaml_section.h"
@@ -23,8 +22,9 @@ constexpr std::string_view defineKeyword = "define:";
 constexpr std::string_view matrixKeyword = "matrix:";
 
 /// A task header, a block or a loop: the body of the file begins here.
-bool beginsBody(std::string_view text) {
-    return !taskHeaderName(text).empty() || isBlockKeyword(text) || parseForeachHeader(text).valid;
+bool beginsBody(LineKind kind) noexcept {
+    return kind == LineKind::taskHeader || opensBlock(kind) || kind == LineKind::end ||
+           kind == LineKind::loop;
 }
 
 bool isIndented(std::string_view line) noexcept {
@@ -39,11 +39,11 @@ bool isKeyLine(std::string_view text) noexcept {
 
 class PreludeReader {
   public:
-    PreludeReader(const std::vector<std::string_view>& allLines, std::size_t start, const std::string& file,
-                  ParseContext& parseContext)
+    PreludeReader(const std::vector<SourceLine>& allLines, std::size_t start, const std::string& file,
+                  DocumentContext& parseContext)
         : lines(allLines), index(start), path(file), context(parseContext) {}
 
-    /// Reads on to the first line that is no part of the prelude and gives its index.
+    /// Reads on to the first line that is no part of the prelude and returns its index.
     std::size_t read() {
         while (index < lines.size() && readLine()) {
         }
@@ -55,15 +55,15 @@ class PreludeReader {
     /// Moves behind the line or section at `index`; false, and no move, where the prelude ends.
     bool readLine() {
         warnIfRemovedInclude();
-        const auto text = cleanLine(lines[index]);
+        const auto text = lines[index].clean();
         if (text.empty()) {
             ++index;
             return true;
         }
-        if (beginsBody(text)) {
+        if (beginsBody(lines[index].kind())) {
             return false;
         }
-        if (beginsBlock(text, "&INCLUDE")) {
+        if (lines[index].kind() == LineKind::include) {
             return readInclude(text);
         }
         if (text.starts_with(defineKeyword)) {
@@ -81,7 +81,7 @@ class PreludeReader {
             requireNoDirective(first);
             return true;
         }
-        if (isIndented(lines[index]) || !isKeyLine(text)) {
+        if (isIndented(lines[index].text()) || !isKeyLine(text)) {
             return false;
         }
         readSection();
@@ -91,20 +91,20 @@ class PreludeReader {
     /// Directives under a missing task header are no entries of the section above, lines from `first` on.
     void requireNoDirective(std::size_t first) const {
         for (std::size_t i = first; i < index; ++i) {
-            if (isKnownDirective(lines[i])) {
-                throw misplacedDirective(path, i + 1);
+            if (isKnownDirective(lines[i].clean())) {
+                throw misplacedDirective(lines[i], path);
             }
         }
     }
 
     void warnIfRemovedInclude() const {
-        if (const auto raw = trim(lines[index]); isHashInclude(raw)) {
-            warnHashInclude(raw, path, context.warnings);
+        if (lines[index].kind() == LineKind::removedInclude) {
+            warnHashInclude(trim(lines[index].text()), path, context.run.options.warnings);
         }
     }
 
     bool readInclude(std::string_view text) {
-        if (!context.followsIncludes) {
+        if (!context.run.followsIncludes) {
             return false;
         }
         ParenthesisCount parentheses;
@@ -115,7 +115,9 @@ class PreludeReader {
         if (include.kind == IncludeTarget::yamlFile) {
             mergeMissing(parseYamlInclude(searchName(include), path, context));
         } else if (include.kind == IncludeTarget::library && !include.alias.empty()) {
-            bindLibrary(include.alias, searchName(include), path, "", context);
+            if (const auto refusal = bindLibrary(include.alias, searchName(include), path, context)) {
+                throw DiagnosticError(*refusal);
+            }
         } else {
             return false;
         }
@@ -137,28 +139,27 @@ class PreludeReader {
         const std::size_t first = index;
         std::string text;
         for (; index < lines.size() && (index == first || !endsSection(lines[index])); ++index) {
-            if (lines[index].starts_with('%')) {
-                throw misplacedDirective(path, index + 1);
+            if (lines[index].text().starts_with('%')) {
+                throw misplacedDirective(lines[index], path);
             }
             if (index != first) {
                 warnIfRemovedInclude();
             }
-            text += lines[index];
+            text += lines[index].text();
             text += '\n';
         }
         readYamlSection(text, path, first + 1, result.settings, result.collections);
     }
 
-    static bool endsSection(std::string_view line) {
-        const auto text = cleanLine(line);
-        return beginsBody(text) || beginsBlock(text, "&INCLUDE") || line.starts_with(defineKeyword) ||
-               line.starts_with(matrixKeyword);
+    static bool endsSection(const SourceLine& line) noexcept {
+        return beginsBody(line.kind()) || line.kind() == LineKind::include ||
+               line.text().starts_with(defineKeyword) || line.text().starts_with(matrixKeyword);
     }
 
-    const std::vector<std::string_view>& lines;
+    const std::vector<SourceLine>& lines;
     std::size_t index;
     const std::string& path;
-    ParseContext& context;
+    DocumentContext& context;
     PreludeResult result;
 };
 
@@ -167,67 +168,64 @@ bool isDocumentMarker(std::string_view line) noexcept {
     return matchWord(line, "---") || matchWord(line, "...");
 }
 
-/// A YAML file has no body: what stands behind its prelude is not read. `number` counts from 1.
-void reportUnreadLine(std::string_view line, std::size_t number, const std::string& path,
-                      const ParseContext& context) {
-    const auto text = cleanLine(line);
-    if (text.starts_with('%')) {
-        throw misplacedDirective(path, number);
+/// A YAML file has no body: what is behind its prelude is not read.
+void reportUnreadLine(const SourceLine& line, const std::string& path, const DocumentContext& context) {
+    if (line.clean().starts_with('%')) {
+        throw misplacedDirective(line, path);
     }
-    context.warnings("Warning: Included YAML file is read up to line " + std::to_string(number) +
-                     " only, where '" + std::string(text) + "' ends its prelude: " + path);
+    context.run.options.warnings("Warning: Included YAML file is read up to line " +
+                                 std::to_string(line.lineNumber) + " only, where '" +
+                                 std::string(line.clean()) + "' ends its prelude: " + path);
 }
 
 } // namespace
 
-PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size_t start, std::size_t& next,
-                           const std::string& path, ParseContext& context) {
+PreludeResult parsePrelude(const std::vector<SourceLine>& lines, std::size_t start, std::size_t& next,
+                           const std::string& path, DocumentContext& context) {
     PreludeReader reader(lines, start, path, context);
     next = reader.read();
     return reader.take();
 }
 
-void requireWholePrelude(const std::vector<std::string_view>& lines, std::size_t next,
-                         std::string_view path) {
-    if (next == lines.size() || !isDocumentMarker(lines[next])) {
+void requireWholePrelude(const std::vector<SourceLine>& lines, std::size_t next, std::string_view path) {
+    if (next == lines.size() || !isDocumentMarker(lines[next].text())) {
         return;
     }
     for (std::size_t i = next + 1; i < lines.size(); ++i) {
-        const auto text = cleanLine(lines[i]);
-        if (beginsBody(text) || beginsBlock(text, "&INCLUDE")) {
+        const SourceLine& line = lines[i];
+        if (beginsBody(line.kind()) || line.kind() == LineKind::include) {
             return;
         }
-        if (!text.empty() && !isDocumentMarker(lines[i])) {
-            throw DiagnosticError(
-                shownPath(path) + ":" + std::to_string(next + 1) +
-                ": a YAML document marker ends the prelude; the lines behind it are not read");
+        if (!line.clean().empty() && !isDocumentMarker(line.text())) {
+            throw lineFault(lines[next], path,
+                            "a YAML document marker ends the prelude; the lines behind it are not read");
         }
     }
 }
 
-PreludeResult parseYamlInclude(const std::string& target, const std::string& base, ParseContext& context) {
-    const auto path = resolveIncludePath(target, base);
+PreludeResult parseYamlInclude(const std::string& target, const std::string& base, DocumentContext& context) {
+    const auto path = context.run.resolveIncludePath(target, base);
     if (path.empty()) {
-        context.warnings("Warning: Empty path in &INCLUDE directive.");
+        context.run.options.warnings("Warning: Empty path in &INCLUDE directive.");
         return {};
     }
-    const auto entry = enterFile(context.yamlChain, path);
+    const auto entry = enterFile(context.run.yamlChain, path);
     if (!isRegularFile(path)) {
-        context.warnings("Warning: Included YAML file not found: " + path);
+        context.run.options.warnings("Warning: Included YAML file not found: " + path);
         return {};
     }
     const auto text = readTextFile(path);
     if (!text) {
-        context.warnings("Warning: Cannot open included YAML file: " + path);
+        context.run.options.warnings("Warning: Cannot open included YAML file: " + path);
         return {};
     }
-    context.countInclude();
-    context.document.includedFiles.add(path);
-    const auto lines = splitLines(skipByteOrderMark(*text));
+    context.run.countInclude();
+    context.includedFiles.add(path);
+    const auto lines = makeSourceLines(skipByteOrderMark(*text), SharedText(path));
     std::size_t next = 0;
     auto prelude = parsePrelude(lines, 0, next, path, context);
     if (next < lines.size()) {
-        reportUnreadLine(lines[next], next + 1, path, context);
+        reportUnreadLine(lines[next], path, context);
     }
     return prelude;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
 #include "taskdsl/generate/foreach.h"
 #include "taskdsl/generate/parse_context.h"
@@ -26,18 +27,19 @@ struct PreludeResult {
 /// Reads the prelude from line `start`; `next` is the first line that is no part of it. YAML files and
 /// libraries that it names are read relative to `path`. Throws `DiagnosticError` for a section that cannot be
 /// read.
-[[nodiscard]] PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size_t start,
-                                         std::size_t& next, const std::string& path, ParseContext& context);
+[[nodiscard]] PreludeResult parsePrelude(const std::vector<SourceLine>& lines, std::size_t start,
+                                         std::size_t& next, const std::string& path,
+                                         DocumentContext& context);
 
 /// Refuses a YAML document marker (`---`, `...`) as the line that ended the prelude of a file, when it hides
 /// lines from it: what stands between the prelude and the first block is passed over without a word. Throws
 /// `DiagnosticError`.
-void requireWholePrelude(const std::vector<std::string_view>& lines, std::size_t next, std::string_view path);
+void requireWholePrelude(const std::vector<SourceLine>& lines, std::size_t next, std::string_view path);
 
 /// Reads a YAML file as a prelude. `target` is resolved from the file `base`. A missing file is a warning and
 /// gives nothing.
 [[nodiscard]] PreludeResult parseYamlInclude(const std::string& target, const std::string& base,
-                                             ParseContext& context);
+                                             DocumentContext& context);
 
 /// Puts the settings, defines and axes of a prelude into the document. Without `override` only where the name
 /// is free. Throws `DiagnosticError` for a reserved name.

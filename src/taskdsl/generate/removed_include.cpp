@@ -13,12 +13,6 @@ constexpr std::string_view keyword = "#INCLUDE";
 
 } // namespace
 
-bool isHashInclude(std::string_view trimmed) noexcept {
-    return trimmed.starts_with('#') && trimmed.size() >= keyword.size() &&
-           equalsNoCase(trimmed.substr(0, keyword.size()), keyword) &&
-           (trimmed.size() == keyword.size() || isSpace(trimmed[keyword.size()]));
-}
-
 void warnHashInclude(std::string_view trimmed, const std::string& path, const WarningSink& warn) {
     const std::string target(unquote(stripComment(trimmed.substr(keyword.size()))));
     const std::string file = std::filesystem::path(path).filename().string();

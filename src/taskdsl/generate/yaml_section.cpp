@@ -10,6 +10,7 @@
 #include <yaml-cpp/eventhandler.h>
 #include <yaml-cpp/yaml.h>
 
+#include <cstdint>
 #include <optional>
 #include <sstream>
 #include <string_view>
@@ -170,12 +171,22 @@ std::optional<std::size_t> findSwallowedDirective(const YAML::Node& root, std::s
             if (!trim(line).empty() && line.front() != ' ' && line.front() != '\t') {
                 break;
             }
-            if (isKnownDirective(line)) {
+            if (isKnownDirective(cleanLine(line))) {
                 return i;
             }
         }
     }
     return std::nullopt;
+}
+
+/// Where the library met the fault; an invalid span when it does not know.
+SourceSpan placeOf(const YAML::Exception& error, const std::string& path, std::size_t firstLine) {
+    if (error.mark.is_null()) {
+        return {};
+    }
+    const auto line = static_cast<std::int32_t>(static_cast<std::size_t>(error.mark.line) + firstLine);
+    const std::int32_t column = error.mark.column + 1;
+    return {SharedText(path), line, column, line, column};
 }
 
 /// The library's own message, with the line as it is counted in the file.
@@ -195,13 +206,15 @@ void readYamlSection(const std::string& text, const std::string& path, std::size
     try {
         const auto root = YAML::Load(text);
         if (const auto line = findSwallowedDirective(root, text)) {
-            throw misplacedDirective(path, firstLine + *line);
+            const auto number = static_cast<std::uint32_t>(firstLine + *line);
+            throw misplacedDirective({std::string(splitLines(text)[*line]), path, number}, path);
         }
         requireOneDocument(text);
         SectionWalk(settings, collections).readRoot(root);
     } catch (const YAML::Exception& error) {
-        throw DiagnosticError("failed to parse YAML prelude in '" + shownPath(path) +
-                              "': " + reasonOf(error, firstLine));
+        throw DiagnosticError::namingPlace(placeOf(error, path, firstLine),
+                                           "failed to parse YAML prelude in '" + shownPath(path) +
+                                               "': " + reasonOf(error, firstLine));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/scan.h"
 
 #include <utility>
@@ -15,31 +16,28 @@ CapturedBlock captureBlock(std::string_view keyword, const std::vector<SourceLin
         throw DiagnosticError("invalid " + name + " block start");
     }
     const SourceLine& head = lines[index];
-    const auto headText = cleanLine(head.text);
-    if (!beginsBlock(headText, keyword)) {
+    if (!beginsBlock(head.clean(), keyword)) {
         throw DiagnosticError("internal error: expected " + name + " block");
     }
     CapturedBlock block;
-    block.header = substituteBrackets(trim(headText.substr(keyword.size())), values);
-    block.span = spanOfLine(head.originPath, head.lineNumber, head.text);
-    for (std::size_t i = index + 1; i < lines.size(); ++i) {
-        const auto text = cleanLine(lines[i].text);
-        if (text == "@end") {
-            index = i;
-            return block;
+    block.header = substituteBrackets(trim(head.clean().substr(keyword.size())), values);
+    block.span = head.span();
+    const BlockEnd end = findBlockEnd(lines, index, lines.size());
+    for (std::size_t i = index + 1; i < end.index; ++i) {
+        if (lines[i].kind() == head.kind()) {
+            throw DiagnosticError(lines[i].span(), "nested " + name + " blocks are not allowed");
         }
-        if (beginsBlock(text, keyword)) {
-            throw DiagnosticError(spanOfLine(lines[i].originPath, lines[i].lineNumber, lines[i].text),
-                                  "nested " + name + " blocks are not allowed");
-        }
-        SourceLine kept = lines[i];
-        kept.text = substituteBrackets(kept.text, values);
+        SourceLine& kept = block.lines.emplace_back(lines[i]);
+        kept.substitute(values);
         if (kept.originPath.empty()) {
             kept.originPath = head.originPath;
         }
-        block.lines.push_back(std::move(kept));
     }
-    throw DiagnosticError(block.span, "unterminated " + name + " block; expected @end");
+    if (!end.isClosed) {
+        throw DiagnosticError(block.span, "unterminated " + name + " block; expected @end");
+    }
+    index = end.index;
+    return block;
 }
 
 } // namespace morquill::taskdsl

@@ -31,11 +31,11 @@ std::string emptyText(std::string_view keyword) {
 /// doubtful, or an indented block, which must have a line.
 std::string readLongText(DirectiveReader& reader, std::string_view keyword) {
     if (reader.opensHeredoc()) {
-        std::string text;
-        if (!reader.readHeredoc(text)) {
+        auto heredoc = reader.readHeredoc();
+        if (!heredoc.isClosed) {
             reader.warn(missingTerminator(reader, keyword));
         }
-        return text;
+        return std::move(heredoc.text);
     }
     auto text = reader.readTextBlock();
     if (!text) {
@@ -63,9 +63,13 @@ void readProgram(DirectiveReader& reader) {
 void readKeywords(DirectiveReader& reader) {
     if (!reader.opensHeredoc()) {
         reader.task.keywords = readScalar(reader.value);
-    } else if (!reader.readHeredoc(reader.task.keywords)) {
+        return;
+    }
+    auto heredoc = reader.readHeredoc();
+    if (!heredoc.isClosed) {
         reader.fail(missingTerminator(reader, "keywords"));
     }
+    reader.task.keywords = std::move(heredoc.text);
 }
 
 void readExtraInput(DirectiveReader& reader) {
@@ -263,21 +267,21 @@ constexpr std::array<DirectiveRow, 19> directiveTable{{
     {"source", "source", readSourceDirective},
     {"program", "program", readProgram},
     {"interface", "interface", readInterface},
-    {"batch", "batch", readBatchDirective},
-    {"control", "control", readControlDirective},
-    {"when", "when", readWhen},
-    {"keywords", "keywords", readKeywords},
-    {"extrainput", "extrainput", readExtraInput},
-    {"extrainputs", "extrainput", readExtraInput},
+    {"batch", "batch", readBatchDirective, FragmentKind::batch},
+    {"control", "control", readControlDirective, FragmentKind::control},
+    {"when", "when", readWhen, FragmentKind::when},
+    {"keywords", "keywords", readKeywords, FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
+    {"extrainput", "extrainput", readExtraInput, FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
+    {"extrainputs", "extrainput", readExtraInput, FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
     {"template", "template", readTemplate},
-    {"param", "param", readParam},
-    {"args", "args", readArgs},
+    {"param", "param", readParam, FragmentKind::param},
+    {"args", "args", readArgs, FragmentKind::args},
     {"runner", "runner", readRunner},
-    {"body", "body", readBody},
-    {"preprocess", "preprocess", readPreProcess},
-    {"process", "process", readProcess},
-    {"mod", "mod", readMod},
-    {"meta", "meta", readMeta},
+    {"body", "body", readBody, FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
+    {"preprocess", "preprocess", readPreProcess, FragmentKind::preprocess},
+    {"process", "process", readProcess, FragmentKind::process},
+    {"mod", "mod", readMod, FragmentKind::mod, ScopeRule::emptyValue},
+    {"meta", "meta", readMeta, FragmentKind::meta},
     {"plot", "plot", readPlot},
 }};
 
@@ -289,12 +293,18 @@ const DirectiveRow* findDirective(std::string_view keyword) noexcept {
     return row == directiveTable.end() ? nullptr : row;
 }
 
-bool isKnownDirective(std::string_view line) noexcept {
-    if (!trimLeft(line).starts_with('%')) {
-        return false;
+FragmentKind scopeBehind(const WrittenDirective& directive) noexcept {
+    const DirectiveRow* row = findDirective(directive.keyword);
+    if (row == nullptr) {
+        return FragmentKind::task_body;
     }
-    const auto directive = directiveName(cleanLine(line));
-    return findDirective(directive.substr(0, directive.find(' '))) != nullptr;
+    const bool opens = row->rule == ScopeRule::always || directive.value.empty() ||
+                       (row->rule == ScopeRule::emptyValueOrHeredoc && opensHeredoc(directive.value));
+    return opens ? row->scope : FragmentKind::task_body;
+}
+
+bool isKnownDirective(std::string_view clean) noexcept {
+    return findDirective(splitDirective(clean).keyword) != nullptr;
 }
 
 } // namespace morquill::taskdsl

@@ -22,7 +22,8 @@ struct ExpandIncludes : testing::Test {
 
     /// The expanded lines of a task file; every file-scope import stands in its text.
     std::vector<SourceLine> lines(std::string_view text) const {
-        ParseContext context(warnings);
+        ParseContext run({.warnings = warnings});
+        DocumentContext context(run);
         const SharedText path = dir.path("t.mq");
         return expandIncludes(linesOf(text, path), {path, nullptr, FragmentKind::document}, context);
     }

@@ -13,7 +13,7 @@ using ::testing::IsEmpty;
 
 std::vector<MatrixAxis> readBlock(std::string_view text) {
     std::size_t next = 0;
-    return parseMatrixBlock(splitLines(text), 0, next);
+    return parseMatrixBlock(makeSourceLines(text, "t.mq"), 0, next);
 }
 
 TEST(ValueList, SplitsAtCommasOutsideQuotes) {
@@ -28,7 +28,7 @@ TEST(ValueList, SplitsAtCommasOutsideQuotes) {
 TEST(MatrixBlock, MappingSyntaxHasOneAxisPerLine) {
     std::size_t next = 0;
     const auto lines =
-        splitLines("matrix:\n  a: 1, 2 # values\n\n# comment\n   b: x\n  c:\n  no colon\n $t\n");
+        makeSourceLines("matrix:\n  a: 1, 2 # values\n\n# comment\n   b: x\n  c:\n  no colon\n $t\n", "t.mq");
     EXPECT_THAT(parseMatrixBlock(lines, 1, next),
                 ElementsAre(MatrixAxis{"a", {"1", "2"}, {}, {}}, MatrixAxis{"b", {"x"}, {}, {}},
                             MatrixAxis{"c", {}, {}, {}}));

@@ -8,8 +8,7 @@ namespace morquill::taskdsl {
 namespace {
 
 TEST(ParseContext, FollowsAHundredThousandIncludesAndNotOneMore) {
-    const WarningSink sink;
-    ParseContext context(sink);
+    ParseContext context({});
     EXPECT_EQ(messageOf([&] {
                   for (int i = 0; i < 100'000; ++i) {
                       context.countInclude();
@@ -19,10 +18,28 @@ TEST(ParseContext, FollowsAHundredThousandIncludesAndNotOneMore) {
     EXPECT_EQ(messageOf([&] { context.countInclude(); }), "more than 100000 &INCLUDE lines were followed");
 }
 
+TEST(ParseContext, WithoutASinkWarningsGoNowhere) {
+    const ParseContext silent({});
+    silent.options.warnings("lost");
+    std::string heard;
+    const ParseContext loud({.warnings = [&heard](const std::string& text) { heard += text; }});
+    loud.options.warnings("kept");
+    EXPECT_EQ(heard, "kept");
+}
+
+TEST(ParseContext, AsksTheCallerForNamesInAngles) {
+    const ParseContext alone({});
+    EXPECT_EQ(alone.resolveIncludePath("<x.mqlib>", "/a/b.mq"), "/a/x.mqlib");
+    const ParseContext context({.findLibraryFile = [](const std::string& name) { return "/lib/" + name; }});
+    EXPECT_EQ(context.resolveIncludePath("<x.mqlib>", "/a/b.mq"), "/lib/x.mqlib");
+    EXPECT_EQ(context.resolveIncludePath("x.mqlib", "/a/b.mq"), "/a/x.mqlib");
+}
+
 TEST(LibraryBindings, NameThePathOfEveryAlias) {
     const auto library = std::make_shared<FragmentLibrary>();
     library->path = "/l/one.mqlib";
-    DocumentContext document;
+    ParseContext run({});
+    DocumentContext document(run);
     EXPECT_EQ(libraryBindings(document), ValueMap{});
     document.namespaces = {{"a", library}, {"b", library}};
     EXPECT_EQ(libraryBindings(document), (ValueMap{{"a", "/l/one.mqlib"}, {"b", "/l/one.mqlib"}}));

@@ -16,7 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 TEST(TaskParser, DeclaredTasksAreReadAloneAndFromNoOtherFile) {
-    TaskParser parser(true, [](const std::string&) {});
+    TaskParser parser({.toleratesMultiSource = true});
     const auto document = parser.parseDeclaredTasks("$a[k]\n%source b,c\n%mod\n charge [n]\n$b\n");
     EXPECT_THAT(namesOf(document.tasks), ElementsAre("a[k]", "b"));
     EXPECT_THAT(document.tasks[0].whenConditions, ElementsAre("completed c"));
@@ -398,6 +398,32 @@ TEST(ByteOrderMark, ShiftsNoPlaceAndCountsOnceOnly) {
     EXPECT_EQ(parsed.document.tasks[0].keywords, mark + "hf");
     EXPECT_EQ(faultOf(mark + "%keywords hf\n"), "t.mq:1: task directive appears outside a task block");
     EXPECT_THAT(parse(mark + mark + "$a\n").document.tasks, IsEmpty());
+}
+
+TEST(TaskParser, EveryCallIsARunOfItsOwn) {
+    const TaskParser parser;
+    for (int i = 0; i < 2; ++i) {
+        const auto document = parser.parseText("$a\n$b\n", "");
+        EXPECT_EQ(document.tasks[0].documentOrder, 0U);
+        EXPECT_EQ(document.tasks[1].documentOrder, 1U);
+    }
+}
+
+TEST(TaskParser, AsksItsCallerForNamesInAngles) {
+    const TemporaryDirectory dir;
+    const auto library = dir.write("lib/l.mqlib", "&FRAGMENT process clean\nrm x\n");
+    const auto path = dir.write("t.mq", "&INCLUDE <l.mqlib> as l\n$a\n%process\n  &INCLUDE l.clean\n");
+    std::vector<std::string> asked;
+    const TaskParser parser({.findLibraryFile = [&](const std::string& name) {
+        asked.push_back(name);
+        return library;
+    }});
+    const auto document = parser.parseFile(path);
+    EXPECT_THAT(document.tasks[0].processCommands, testing::ElementsAre("rm x"));
+    EXPECT_EQ(document.libraryBindings, (ValueMap{{"l", library}}));
+    EXPECT_THAT(asked, testing::ElementsAre("l.mqlib"));
+    EXPECT_EQ(messageOf([&] { (void)TaskParser().parseFile(path); }),
+              "fragment library not found: " + dir.path("l.mqlib"));
 }
 
 } // namespace

@@ -256,7 +256,7 @@ TEST(BlockCapture, KeepsLinesWithTheirPlacesAndSubstitutes) {
     EXPECT_EQ(block.header, "bar v");
     EXPECT_EQ(formatSpan(block.span), "t.mq:1:1-1:19");
     ASSERT_EQ(block.lines.size(), 2U);
-    EXPECT_EQ(block.lines[0].text, "  x v # kept");
+    EXPECT_EQ(block.lines[0].text(), "  x v # kept");
     EXPECT_EQ(block.lines[0].lineNumber, 2U);
     EXPECT_EQ(block.lines[0].originPath, "t.mq") << "the head's, when the line has none";
     EXPECT_EQ(block.lines[1].originPath, "u.mq");
@@ -277,12 +277,44 @@ TEST(BlockCapture, FaultsOfTheCapture) {
     EXPECT_EQ(message("@plot", 1), "internal error: expected @plot block");
     EXPECT_EQ(message("@derive", 0), "internal error: expected @derive block");
     EXPECT_EQ(message("@plot", 0), "t.mq:1:1-1:8: error: unterminated @plot block; expected @end");
-    lines[1].text = " @plot b";
+    lines[1] = SourceLine(" @plot b", "t.mq", 2);
     EXPECT_EQ(message("@plot", 0), "t.mq:2:2-2:9: error: nested @plot blocks are not allowed");
     lines = {{"@derive a", "t.mq", 1}, {"@derive", "t.mq", 2}};
     EXPECT_EQ(message("@derive", 0), "t.mq:2:1-2:8: error: nested @derive blocks are not allowed");
     lines.pop_back();
     EXPECT_EQ(message("@derive", 0), "t.mq:1:1-1:10: error: unterminated @derive block; expected @end");
+}
+
+TEST(ScopeBehind, IsWhatTheRowOfTheDirectiveOpens) {
+    struct Row {
+        const char* line;
+        FragmentKind scope;
+    };
+    const Row rows[] = {
+        {"%process", FragmentKind::process},       {"%process x", FragmentKind::process},
+        {"%preprocess", FragmentKind::preprocess}, {"%control", FragmentKind::control},
+        {"%when completed a", FragmentKind::when}, {"%meta", FragmentKind::meta},
+        {"%param x", FragmentKind::param},         {"%args", FragmentKind::args},
+        {"%batch", FragmentKind::batch},           {"%mod", FragmentKind::mod},
+        {"%mod a b", FragmentKind::task_body},     {"%body", FragmentKind::text},
+        {"%body << END", FragmentKind::text},      {"%body x", FragmentKind::task_body},
+        {"%extrainput", FragmentKind::text},       {"%extrainputs <<", FragmentKind::text},
+        {"%keywords <<", FragmentKind::text},      {"%keywords hf", FragmentKind::task_body},
+        {"%program xtb", FragmentKind::task_body}, {"%source a", FragmentKind::task_body},
+        {"%plot", FragmentKind::task_body},        {"%nonsense", FragmentKind::task_body},
+    };
+    for (const auto& [line, scope] : rows) {
+        EXPECT_EQ(fragmentKindName(scopeBehind(splitDirective(line))), fragmentKindName(scope)) << line;
+    }
+}
+
+TEST(KnownDirectives, AreThoseOfTheTable) {
+    EXPECT_TRUE(isKnownDirective("%keywords hf"));
+    EXPECT_TRUE(isKnownDirective("%body"));
+    EXPECT_FALSE(isKnownDirective("%nonsense"));
+    EXPECT_FALSE(isKnownDirective("%body\tx"));
+    EXPECT_FALSE(isKnownDirective("keywords hf"));
+    EXPECT_FALSE(isKnownDirective(""));
 }
 
 } // namespace

@@ -1,9 +1,11 @@
-#include "taskdsl/generate/fragment.h"
+#include "taskdsl/task/fragment_kind.h"
 
 #include "support/text.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <string>
 
 namespace morquill::taskdsl {
 
