@@ -280,42 +280,75 @@ bool beginsLoopOrBlock(std::string_view line) {
     return taskdsl::isBlockKeyword(text) || taskdsl::parseForeachHeader(text).valid;
 }
 
-/// Names the first line of a printed heredoc that `test` holds for.
-std::optional<std::string> findHeredocLine(const TaskInfo& task, bool (*test)(std::string_view)) {
-    for (const auto& row : longTexts) {
-        const std::string& text = task.*row.text;
-        const bool isHeredoc =
-            row.payload != Payload::keywords || text.find_first_of("\n\r") != std::string::npos;
-        if (!isHeredoc || !printsPayload(task.program, row.payload)) {
-            continue;
-        }
-        for (const auto line : splitLines(text)) {
-            if (test(line)) {
-                return std::string(row.what) + " holds a line " + inQuotes(trim(line));
-            }
+/// The text of a row where the task prints it as a heredoc; empty otherwise.
+std::string heredocOf(const TaskInfo& task, const LongText& row) {
+    if (!printsPayload(task.program, row.payload)) {
+        return {};
+    }
+    std::string text =
+        row.payload == Payload::extraInput ? taskdsl::resolvedExtraInput(task) : task.*row.text;
+    const bool isHeredoc =
+        row.payload != Payload::keywords || text.find_first_of("\n\r") != std::string::npos;
+    return isHeredoc ? text : std::string();
+}
+
+/// The first line of the row's heredoc that `test` holds for, in words.
+std::optional<std::string> findHeredocLine(const TaskInfo& task, const LongText& row,
+                                           bool (*test)(std::string_view)) {
+    const std::string text = heredocOf(task, row);
+    for (const auto line : splitLines(text)) {
+        if (test(line)) {
+            return std::string(row.what) + " holds a line " + inQuotes(trim(line));
         }
     }
     return std::nullopt;
 }
 
+/// Takes the texts that end their own heredoc out of the task and out of its printed block, so that the rest
+/// can be read; returns what is wrong with them.
+Texts takeOutEndedTexts(TaskInfo& task, std::string& block) {
+    Texts reasons;
+    for (const auto& row : longTexts) {
+        auto ended = findHeredocLine(task, row, endsHeredoc);
+        if (!ended) {
+            continue;
+        }
+        reasons.push_back(*std::move(ended));
+        const std::string heredoc =
+            "  " + std::string(row.what) + " << EOF\n" + heredocOf(task, row) + "\nEOF\n";
+        if (const auto at = block.find(heredoc); at != std::string::npos) {
+            block.erase(at, heredoc.size());
+        }
+        (task.*row.text).clear();
+        if (row.payload == Payload::extraInput) {
+            task.orcaBlock.clear();
+        }
+    }
+    return reasons;
+}
+
 /// Reads a printed task back and says what has become of it.
-Texts readBackFaults(const TaskInfo& task, std::string_view printed) {
-    if (auto ended = findHeredocLine(task, endsHeredoc)) {
-        return {*std::move(ended)};
-    }
+Texts readBackFaults(TaskInfo task, std::string_view printed) {
+    std::string block(printed);
+    Texts reasons = takeOutEndedTexts(task, block);
+    const auto add = [&reasons](std::string reason) { reasons.push_back(std::move(reason)); };
     try {
-        taskdsl::TaskParser parser(true, [](const std::string&) {});
-        const TaskDocument read = parser.parseDeclaredTasks(printed);
+        taskdsl::TaskParser parser(false, [](const std::string&) {});
+        const TaskDocument read = parser.parseDeclaredTasks(block);
         if (read.tasks.size() == 1 && read.plots.empty() && read.derives.empty()) {
-            return changedParts(task, read.tasks.front());
+            std::ranges::for_each(changedParts(task, read.tasks.front()), add);
+        } else {
+            add("its block reads back as something else");
         }
-        return {"its block reads back as something else"};
     } catch (const DiagnosticError& fault) {
-        if (auto block = findHeredocLine(task, beginsLoopOrBlock)) {
-            return {*std::move(block)};
-        }
-        return {"what is printed is refused: " + oneLine(fault.message())};
+        const auto* row =
+            std::find_if(longTexts.begin(), longTexts.end(), [&task](const LongText& candidate) {
+                return findHeredocLine(task, candidate, beginsLoopOrBlock).has_value();
+            });
+        add(row != longTexts.end() ? *findHeredocLine(task, *row, beginsLoopOrBlock)
+                                   : "what is printed is refused: " + oneLine(fault.message()));
     }
+    return reasons;
 }
 
 std::optional<std::string> firstDefinedKey(std::string_view text, const ValueMap& values) {

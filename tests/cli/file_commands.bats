@@ -49,6 +49,7 @@ MQ
 [WARNING] task 'fit' uses deprecated multi-dependency '%source a,b,...' syntax; use the first upstream as '%source' and express extra dependencies with '%when' completed <task> conditions.
 [WARNING] task 'sp' uses deprecated '%keywords' as script runner/shebang; move the runner to '%runner'.
 [WARNING] task 'fit' uses deprecated '%keywords' syntax for '%program other'; move template selection to '%template' plus '%param'.
+[WARNING] task 'fit' does not read back: what is printed is refused: task 'fit' uses removed multi-dependency '%source a,b,...' syntax; keep the first task in %source and move the rest into '%when completed ...'
 MQ
     printf '$a\n%%keywords hf\n' >a.mq
     printf 'dsl_version: 2\n\n$a\n  %%source origin\n  %%keywords hf\n' >a.expected

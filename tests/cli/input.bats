@@ -177,8 +177,6 @@ define:
 
 $t
   %source first
-  %control
-    totcore 4
   %keywords "[k] [m] [x]"
 
 @derive d
@@ -251,4 +249,24 @@ $t
         holds $target "$whole"
         cp kept.mq dir/extra.mq
     done
+}
+
+@test "in-place fmt leaves the header values of the extra files where they are" {
+    printf 'totcore: 8\n' >extra.yaml
+    printf '$m\n%%keywords z\n$n\n%%keywords y\n%%control\n totcore 8\n totmem 4\n' >m.mq
+    "$MQKIT" fmt -i m.mq >/dev/null
+    diff m.mq - <<'END'
+dsl_version: 2
+
+$m
+  %source origin
+  %keywords z
+
+$n
+  %source origin
+  %control
+    totcore 8
+    totmem 4
+  %keywords y
+END
 }

@@ -44,12 +44,18 @@ bool hasPairOfSingleQuotes(std::string_view text) noexcept {
     return text.size() >= 2 && text.front() == '\'' && text.back() == '\'';
 }
 
-/// True when YAML reads the bare text as something other than this text: an indicator at its start, or a
-/// null.
+/// Bytes that YAML refuses in a bare text.
+bool isControl(char c) noexcept {
+    return (c >= '\0' && c < ' ') || c == '\x7f';
+}
+
+/// True when YAML reads the bare text as something other than this text: an indicator at its start, a
+/// null, or a control character.
 bool isMoreThanTextInYaml(std::string_view text) noexcept {
     constexpr std::string_view indicators = "*&!%@`|>[]{}'";
     return text.empty() || indicators.find(text.front()) != std::string_view::npos || text == "-" ||
-           text == "?" || text == "~" || text == "---" || text == "..." || equalsNoCase(text, "null");
+           text == "?" || text == "~" || text == "---" || text == "..." || equalsNoCase(text, "null") ||
+           std::any_of(text.begin(), text.end(), isControl);
 }
 
 } // namespace

@@ -61,6 +61,9 @@ class StatementPrinter {
   public:
     StatementPrinter(std::string_view derive, const WarningSink& warnings) : check_(derive, warnings) {}
 
+    /// Reports what of the derive does not read back.
+    void warn() const { check_.warn(); }
+
     std::string operator()(const LetStatement& s) {
         return print(s, &LetStatement::value, named("let", s.name) + " = ", "");
     }
@@ -238,6 +241,7 @@ std::string renderDerive(const DeriveSpec& spec, std::string_view indent, const 
         block += '\n';
     }
     block.append(indent).append("@end\n");
+    printer.warn();
     return block;
 }
 

@@ -218,10 +218,17 @@ std::string formOf(std::string_view text, ExpressionForm form) {
 
 void ReadBackCheck::report(std::string_view why) {
     ++reports_;
-    if (!warnings_ || !reported_.emplace(why).second) {
+    if (std::find(reasons_.begin(), reasons_.end(), why) == reasons_.end()) {
+        reasons_.emplace_back(why);
+    }
+}
+
+void ReadBackCheck::warn() const {
+    if (!warnings_ || reasons_.empty()) {
         return;
     }
-    const std::string line = "derive '" + std::string(derive_) + "' does not read back: " + std::string(why);
+    const std::string line =
+        "derive '" + std::string(derive_) + "' does not read back: " + join(reasons_, "; ");
     warnings_(replaceAll(replaceAll(line, "\n", "\\n"), "\r", "\\r"));
 }
 

@@ -5,10 +5,10 @@
 
 #include <cstddef>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 /// What keeps the printed form of a derive from reading back, and what is done about it. Not for use outside
 /// this room.
@@ -98,14 +98,16 @@ class ReadBackCheck {
         }
     }
 
-    /// Warns that the derive does not read back, once for the same reason.
+    /// Notes why the derive does not read back.
     void report(std::string_view why);
+    /// Warns in one line of all that was noted, each reason once.
+    void warn() const;
     void reportStatement(std::string_view statement);
 
   private:
     std::string_view derive_;
     const WarningSink& warnings_;
-    std::set<std::string, std::less<>> reported_;
+    std::vector<std::string> reasons_;
     std::size_t unusual_ = 0; ///< unusual expressions
     std::size_t reports_ = 0; ///< repeated ones counted
 };

@@ -48,6 +48,17 @@ void changeTasks(TaskDocument& document, const Change& change) {
     }
 }
 
+/// Header values of the extra files fill in tasks of the file, but are not the file's own.
+void rememberOwnResources(TaskDocument& document) {
+    ImplicitContent& implicit = document.implicitContent;
+    if (!implicit.settings.contains("totcore") && !implicit.settings.contains("totmem")) {
+        return;
+    }
+    for (const TaskInfo& task : document.templateTasks) {
+        implicit.ownResources.push_back({task.totalCores, task.totalMemory, task.controlDeclared});
+    }
+}
+
 std::string_view pathOrMemory(std::string_view path) noexcept {
     return path.empty() ? "<memory>" : path;
 }
@@ -110,6 +121,7 @@ void applyHeaderMetadata(TaskDocument& document, std::string_view path, const Ke
     if (!cores && !memory) {
         return;
     }
+    rememberOwnResources(document);
     changeTasks(document, [&](TaskInfo& task) {
         const bool takesCores = cores && task.totalCores <= 0;
         const bool takesMemory = memory && task.totalMemory <= 0;

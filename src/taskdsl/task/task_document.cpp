@@ -44,6 +44,29 @@ std::vector<TaskInfo> withoutVariants(std::vector<TaskInfo> tasks, std::size_t d
     return kept;
 }
 
+/// The declared tasks with what they had of their own in place of header values from the extra files.
+void takeBackResources(TaskDocument& document, const ImplicitContent& implicit) {
+    if (implicit.ownResources.empty()) {
+        return;
+    }
+    const bool oneList = document.tasks.sharesWith(document.templateTasks);
+    auto& declared = document.templateTasks.edit();
+    for (std::size_t i = 0; i < declared.size() && i < implicit.ownResources.size(); ++i) {
+        const TaskResources& own = implicit.ownResources[i];
+        if (implicit.settings.contains("totcore")) {
+            declared[i].totalCores = own.totalCores;
+        }
+        if (implicit.settings.contains("totmem")) {
+            declared[i].totalMemory = own.totalMemory;
+        }
+        declared[i].controlDeclared = own.controlDeclared || declared[i].totalCores > own.totalCores ||
+                                      declared[i].totalMemory > own.totalMemory;
+    }
+    if (oneList) {
+        document.tasks = document.templateTasks;
+    }
+}
+
 } // namespace
 
 std::string_view programName(TaskProgram program) noexcept {
@@ -106,6 +129,7 @@ TaskDocument withoutImplicitContent(TaskDocument document) {
     eraseKeys(document.matrixValues, implicit.axes);
     std::erase_if(document.matrixAxes,
                   [&implicit](const MatrixAxis& axis) { return implicit.axes.contains(axis.key); });
+    takeBackResources(document, implicit);
     eraseFirst(document.plots, implicit.plots);
     eraseFirst(document.derives, implicit.derives);
     if (implicit.tasks > 0) {

@@ -169,6 +169,13 @@ struct DeriveBlock {
     std::uint64_t documentOrder = 0;
 };
 
+/// What the header of a file may fill into a task.
+struct TaskResources {
+    std::int32_t totalCores = 0;
+    std::int32_t totalMemory = 0;
+    bool controlDeclared = false;
+};
+
 /// What the extra files beside a task file brought into its document, and the file itself did not say: tasks
 /// and blocks stand first in the document, everything else is told by its key.
 struct ImplicitContent {
@@ -178,6 +185,9 @@ struct ImplicitContent {
     std::size_t tasks = 0; ///< of the tasks as declared
     std::size_t plots = 0;
     std::size_t derives = 0;
+    /// What the declared tasks had of their own before header values from there filled in; empty when none
+    /// did.
+    std::vector<TaskResources> ownResources;
 };
 
 /// The result of parsing one file.
@@ -200,7 +210,8 @@ struct TaskDocument {
 };
 
 /// The document without what the extra files beside its file brought: what has to be written beside them, so
-/// that a reader who finds them there gets the whole document again.
+/// that a reader who finds them there gets the whole document again. Header values from there are taken back
+/// from the declared tasks; the tasks of a matrix that run keep them.
 [[nodiscard]] TaskDocument withoutImplicitContent(TaskDocument document);
 
 /// The multi-line debug dump of a task.

@@ -47,5 +47,11 @@ TEST(CanonicalScalar, ListsAndNumbers) {
     EXPECT_EQ(formatCanonicalNumber(1234567890123.0), "1.23456789012e+12");
 }
 
+TEST(SettingScalar, ControlCharactersStandBetweenQuotes) {
+    EXPECT_EQ(quoteSettingScalar(std::string_view("a\0b", 3)), std::string("\"a\0b\"", 5));
+    EXPECT_EQ(quoteSettingScalar("a\x7f"), "\"a\x7f\"");
+    EXPECT_EQ(quoteSettingScalar("\xc3\xa4"), "\xc3\xa4");
+}
+
 } // namespace
 } // namespace morquill::taskdsl
