@@ -1,5 +1,7 @@
 #include "console/console.h"
 
+#include "console/messages.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -77,7 +79,7 @@ int finishOutput(int status) {
     }
     if (outputError != EPIPE) {
         const std::string reason = std::strerror(outputError);
-        writeErr(errorTag() + " could not write to standard output: " + reason + "\n");
+        reportError(ErrorTag::coloured, "could not write to standard output: " + reason);
     }
     return status == 0 ? 1 : status;
 }

@@ -1,6 +1,6 @@
 #include "templates/sample_workspace.h"
 
-#include "console/console.h"
+#include "console/messages.h"
 #include "support/file.h"
 
 #include <filesystem>
@@ -113,7 +113,7 @@ int createSampleWorkspace() {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     if (!isDirectory(directory)) {
-        console::writeErr("[mqkit][ERROR] could not create directory: " + directory + "/\n");
+        console::reportError("could not create directory: " + directory + "/");
         return 1;
     }
     struct SampleFile {
@@ -123,11 +123,11 @@ int createSampleWorkspace() {
     for (const auto& file : {SampleFile{directory + "/test.xyz", sampleGeometry()},
                              SampleFile{directory + "/test.mq", sampleTaskFile()}}) {
         if (!writeTextFile(file.path, file.text)) {
-            console::writeErr("[mqkit][ERROR] could not write file: " + file.path + "\n");
+            console::reportError("could not write file: " + file.path);
             return 1;
         }
     }
-    console::writeOut("[mqkit] Test workspace created: " + directory + "/\n");
+    console::printNote("Test workspace created: " + directory + "/");
     return 0;
 }
 

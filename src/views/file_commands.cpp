@@ -4,6 +4,7 @@
 #include "console/console.h"
 #include "console/help_text.h"
 #include "console/logger.h"
+#include "console/messages.h"
 #include "support/fault.h"
 #include "support/file.h"
 #include "taskdsl/parser/task_parser.h"
@@ -99,14 +100,14 @@ FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** arg
 }
 
 int reportWritten(const std::string& path) {
-    writeOut("[mqkit] wrote task file: " + path + "\n");
+    console::printNote("wrote task file: " + path);
     return 0;
 }
 
 int deliverCanonicalText(std::string text, const FileCommandOptions& options) {
     if (options.inPlace) {
         if (!writeTextFile(options.inputPath, text)) {
-            console::reportError(ErrorTag::plain, "could not write file: " + options.inputPath);
+            console::reportError("could not write file: " + options.inputPath);
             return 1;
         }
         return reportWritten(options.inputPath);

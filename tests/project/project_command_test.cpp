@@ -111,6 +111,14 @@ TEST_F(ProjectCommand, AParseFailureShowsTheHelp) {
     EXPECT_EQ(nothing.out + nothing.err, "");
 }
 
+TEST_F(ProjectCommand, AHelpWordInALineThatCouldBeReadIsNoQuestion) {
+    write("demo.projmq", "$opt\n%keywords a\n");
+    expectHelp(call(runProject, {"mqkit", "project", "exec", "-n", "x", "--", "ls", "--help"}), 1,
+               "[mqkit][ERROR] task block not found in .projmq: x\navailable task blocks: opt\n");
+    expectHelp(call(runProject, {"mqkit", "project", "exec", "-n", "help", "--cmd", "ls"}), 1,
+               "[mqkit][ERROR] task block not found in .projmq: help\navailable task blocks: opt\n");
+}
+
 TEST_F(ProjectCommand, AddTakesNoBlockNames) {
     write("demo.projmq", "$opt\n%keywords a\n");
     expectHelp(call(runProject, {"mqkit", "project", "add", "-n", "opt", "a.xyz"}), 1,

@@ -1,5 +1,6 @@
 #include "project/rename/rename.h"
 
+#include "console/messages.h"
 #include "project/cases/target.h"
 #include "project/rename/rename_check.h"
 #include "project/rename/rename_files.h"
@@ -7,7 +8,6 @@
 #include "support/name_list.h"
 #include "support/paths.h"
 #include "support/text.h"
-#include "system/prompt.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -47,9 +47,9 @@ RenamePlace findPlace(const std::string& path) {
     return {false, path, parentPath(path)};
 }
 
-/// A message as it stands on standard error; always false.
+/// Reports why nothing is renamed; always false.
 bool refuse(const std::string& message) {
-    system::printErrorLine("[mqkit][ERROR] " + message);
+    console::reportError(message);
     return false;
 }
 
@@ -148,21 +148,24 @@ void renameInProject(const RenamePlace& place, const std::vector<std::string>& c
 }
 
 void printReport(const RenamedBlock& block, const RenameReport& report) {
-    system::printLine("[mqkit] rename finished: $" + block.oldName + " -> $" + block.newName +
-                      "\n  cases processed: " + std::to_string(report.casesProcessed) +
-                      "\n  directories renamed: " + std::to_string(report.directoriesRenamed) +
-                      "\n  files renamed: " + std::to_string(report.filesRenamed) +
-                      "\n  text files updated: " + std::to_string(report.textFilesUpdated) +
-                      "\n  databases invalidated: " + std::to_string(report.databasesInvalidated));
+    console::printNote("rename finished: $" + block.oldName + " -> $" + block.newName +
+                       "\n  cases processed: " + std::to_string(report.casesProcessed) +
+                       "\n  directories renamed: " + std::to_string(report.directoriesRenamed) +
+                       "\n  files renamed: " + std::to_string(report.filesRenamed) +
+                       "\n  text files updated: " + std::to_string(report.textFilesUpdated) +
+                       "\n  databases invalidated: " + std::to_string(report.databasesInvalidated));
     if (report.databasesInvalidated > 0) {
-        system::printLine(
+        console::printLine(
             "  note: rerun mqdb case/project sync or rebuild before querying database results.");
     }
     if (!report.warnings.empty()) {
-        system::printLine("\n[mqkit][WARN] warnings:\n  - " + join(report.warnings, "\n  - "));
+        console::printLine();
+        console::printMessage(console::MessageKind::warning,
+                              "warnings:\n  - " + join(report.warnings, "\n  - "));
     }
     if (!report.errors.empty()) {
-        system::printErrorLine("\n[mqkit][ERROR] errors:\n  - " + join(report.errors, "\n  - "));
+        console::printErrorLine();
+        console::reportError("errors:\n  - " + join(report.errors, "\n  - "));
     }
 }
 
@@ -171,12 +174,12 @@ void printReport(const RenamedBlock& block, const RenameReport& report) {
 int renameBlock(const RenameOptions& options) {
     const auto path = absoluteLocation(options.file);
     if (!isRegularFile(path)) {
-        system::printErrorLine("[mqkit][ERROR] file does not exist: " + path);
+        console::reportError("file does not exist: " + path);
         return 1;
     }
     const RenamedBlock block{options.oldName, options.newName};
     if (block.oldName == block.newName) {
-        system::printErrorLine("[mqkit][ERROR] old and new block names are identical; nothing to rename");
+        console::reportError("old and new block names are identical; nothing to rename");
         return 1;
     }
     const auto place = findPlace(path);
@@ -187,7 +190,7 @@ int renameBlock(const RenameOptions& options) {
     // The task file comes first: while it has the old name, nothing else may have the new one.
     RenameReport report;
     if (!rewriteTextFile(place.file, block, caseNameOf(place), report)) {
-        system::printErrorLine("[mqkit][ERROR] failed to update project template: " + place.file);
+        console::reportError("failed to update project template: " + place.file);
         return 1;
     }
     if (place.project) {

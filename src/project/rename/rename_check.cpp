@@ -1,5 +1,6 @@
 #include "project/rename/rename_check.h"
 
+#include "console/messages.h"
 #include "project/cases/task_catalog.h"
 #include "support/file.h"
 #include "support/name_list.h"
@@ -224,8 +225,8 @@ std::optional<std::string> findObstacle(const std::string& file, const RenamedBl
     const auto document = taskdsl::TaskParser().parseText(*text, file);
     const auto headers = taskdsl::listWrittenHeaders(*text);
     if (linesOf(headers, block.oldName).empty()) {
-        return "block not found in task file: $" + block.oldName +
-               "\n[mqkit] available blocks: " + listNames(headers);
+        return "block not found in task file: $" + block.oldName + "\n" +
+               console::tagged(console::MessageKind::note, "available blocks: " + listNames(headers));
     }
     if (takenNames(document, headers, file, block.oldName).contains(block.newName)) {
         return "target block already exists: $" + block.newName;

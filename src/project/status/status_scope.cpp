@@ -1,11 +1,10 @@
 #include "project/status/status_scope.h"
 
-#include "console/console.h"
+#include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/status/status_file.h"
 #include "support/file.h"
 #include "support/paths.h"
-#include "system/prompt.h"
 
 #include <array>
 #include <cerrno>
@@ -78,7 +77,7 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
     StatusBackup backup;
     backup.path = path;
     if (!takeBackup(backup)) {
-        system::printErrorLine("[mqkit][ERROR] failed to read mq.status: " + path);
+        console::reportError("failed to read mq.status: " + path);
         return false;
     }
     const auto kept = keptTasks(selected, parseCompletedTasks(backup.content));
@@ -89,17 +88,15 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
     }
     (kept.empty() ? summary.statusHidden : summary.statusScoped) += 1;
     if (!dryRun && !changeStatusFile(backups.back(), kept)) {
-        system::printErrorLine("[mqkit][ERROR] failed to prepare mq.status for comd-only update: " + name);
+        console::reportError("failed to prepare mq.status for comd-only update: " + name);
         return false;
     }
-    const auto prefix = (dryRun ? "[mqkit][DRY-RUN] " : "[mqkit] ") + name + " : ";
-    if (kept.empty()) {
-        system::printLine(prefix + (dryRun ? "would temporarily hide" : "temporarily hid") +
-                          " mq.status because no selected task is marked completed");
-    } else {
-        system::printLine(prefix + (dryRun ? "would scope" : "scoped") +
-                          " mq.status to selected completed task(s): " + formatSelection(kept));
-    }
+    const auto step = kept.empty()
+                          ? (dryRun ? "would temporarily hide" : "temporarily hid") +
+                                std::string(" mq.status because no selected task is marked completed")
+                          : (dryRun ? "would scope" : "scoped") +
+                                (" mq.status to selected completed task(s): " + formatSelection(kept));
+    console::printMessage(console::stepKind(dryRun), name + " : " + step);
     return true;
 }
 
@@ -211,12 +208,9 @@ int removeArrival(const StatusBackup& backup) noexcept {
 }
 
 void reportRestoreFailure(const StatusBackup& backup, std::string_view reason) noexcept {
-    for (const std::string_view piece :
-         {std::string_view("[mqkit][ERROR] failed to restore mq.status: "), std::string_view(backup.path),
-          std::string_view(reason.empty() ? "" : " ("), reason,
-          std::string_view(reason.empty() ? "\n" : ")\n")}) {
-        console::writeErr(piece);
-    }
+    const bool hasReason = !reason.empty();
+    console::reportErrorInPieces(
+        {"failed to restore mq.status: ", backup.path, hasReason ? " (" : "", reason, hasReason ? ")" : ""});
 }
 
 bool restoreOne(const StatusBackup& backup) noexcept {
