@@ -2,47 +2,70 @@
 
 #include "taskdsl/expr/expression.h"
 
-#include <utility>
+#include <algorithm>
+#include <cstddef>
 #include <variant>
 #include <vector>
 
-/// Walks over the nodes of an expression. Not for use outside this room.
-namespace morquill::taskdsl::derive {
+/// Walks over the nodes of an expression, all without recursion: a sum leans to the left with a level per
+/// term.
+namespace morquill::taskdsl::plot {
 
-/// Calls `visit` with every node of the tree, from left to right, a node before those below it. Works without
-/// recursion, since a sum leans to the left with a level per term.
-template <class Visit>
-void forEachNode(const plot::ExprRef& expression, const Visit& visit) {
-    const plot::PlotExpression* node = expression.get();
-    std::vector<const plot::PlotExpression*> pending; // the next node is the last
-    while (node != nullptr) {
-        visit(*node);
-        const plot::PlotExpression* next = nullptr;
-        if (const auto* binary = std::get_if<plot::BinaryExpr>(&node->node)) {
-            pending.push_back(binary->right.get());
-            next = binary->left.get();
-        } else if (const auto* unary = std::get_if<plot::UnaryExpr>(&node->node)) {
-            next = unary->operand.get();
-        } else if (const auto* call = std::get_if<plot::CallExpr>(&node->node)) {
-            for (auto it = call->arguments.rbegin(); it != call->arguments.rend(); ++it) {
-                pending.push_back(it->value.get());
+/// Takes every argument of a call.
+struct EveryArgument {
+    [[nodiscard]] bool operator()(const PlotCallArgument& /*argument*/) const noexcept { return true; }
+};
+
+/// Calls `visit` with the reference to each child of the node, from left to right; of the arguments of a call
+/// with those that `takes`. A reference may be empty.
+template <class Node, class Visit, class Takes = EveryArgument>
+void forEachChild(Node& node, const Visit& visit, const Takes& takes = {}) {
+    if (auto* call = std::get_if<CallExpr>(&node)) {
+        for (auto& argument : call->arguments) {
+            if (takes(argument)) {
+                visit(argument.value);
             }
         }
-        while (next == nullptr && !pending.empty()) {
-            next = pending.back();
+    } else if (auto* unary = std::get_if<UnaryExpr>(&node)) {
+        visit(unary->operand);
+    } else if (auto* binary = std::get_if<BinaryExpr>(&node)) {
+        visit(binary->left);
+        visit(binary->right);
+    }
+}
+
+/// Calls `visit` with every node of the tree, a node before those below it and from left to right. Arguments
+/// that are not `takes` are passed over with all that stands below them.
+template <class Visit, class Takes = EveryArgument>
+void forEachNode(const ExprRef& expression, const Visit& visit, const Takes& takes = {}) {
+    std::vector<const PlotExpression*> pending; // the next node is the last
+    const PlotExpression* node = expression.get();
+    while (node != nullptr) {
+        visit(*node);
+        const auto first = static_cast<std::ptrdiff_t>(pending.size());
+        forEachChild(
+            node->node,
+            [&](const ExprRef& child) {
+                if (child) {
+                    pending.push_back(child.get());
+                }
+            },
+            takes);
+        std::reverse(pending.begin() + first, pending.end());
+        node = pending.empty() ? nullptr : pending.back();
+        if (node != nullptr) {
             pending.pop_back();
         }
-        node = next;
     }
 }
 
 /// True when the expression is or holds a call.
-[[nodiscard]] inline bool callsFunction(const plot::ExprRef& expression) {
+[[nodiscard]] inline bool callsFunction(const ExprRef& expression) {
     bool calls = false;
-    forEachNode(expression, [&](const plot::PlotExpression& node) {
-        calls = calls || std::holds_alternative<plot::CallExpr>(node.node);
+    forEachNode(expression, [&](const PlotExpression& node) {
+        calls = calls || std::holds_alternative<CallExpr>(node.node);
     });
     return calls;
 }
 
-} // namespace morquill::taskdsl::derive
+} // namespace morquill::taskdsl::plot
