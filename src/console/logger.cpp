@@ -1,5 +1,7 @@
 #include "console/logger.h"
 
+#include "support/word_table.h"
+
 #include <array>
 #include <cstdlib>
 #include <ctime>
@@ -10,25 +12,13 @@ namespace morquill::console {
 
 namespace {
 
-struct LevelRow {
-    std::string_view name;
-    ConsoleColor color;
-};
-
-constexpr std::array<LevelRow, 5> levels{{
-    {"DEBUG", ConsoleColor::cyan},
-    {"SKIP", ConsoleColor::white},
-    {"INFO", ConsoleColor::white},
-    {"WARNING", ConsoleColor::yellow},
-    {"ERROR", ConsoleColor::red},
-}};
-
-constexpr LevelRow unknownLevel{"UNKNOWN", ConsoleColor::white};
-
-constexpr const LevelRow& levelRow(LogLevel level) noexcept {
-    const auto index = static_cast<std::size_t>(level); // a negative value becomes a large one
-    return index < levels.size() ? levels[index] : unknownLevel;
-}
+constexpr auto levelWords = wordTable<LogLevel>({
+    {"DEBUG", LogLevel::Debug},
+    {"SKIP", LogLevel::Skip},
+    {"INFO", LogLevel::Info},
+    {"WARNING", LogLevel::Warning},
+    {"ERROR", LogLevel::Error},
+});
 
 /// Local time as "2026-01-31 23:59:59.042".
 std::string timeStamp() {
@@ -50,11 +40,22 @@ void put(std::FILE* stream, std::string_view text) noexcept {
 } // namespace
 
 std::string_view logLevelName(LogLevel level) noexcept {
-    return levelRow(level).name;
+    return levelWords.wordOf(level).value_or("UNKNOWN");
 }
 
 ConsoleColor logLevelColor(LogLevel level) noexcept {
-    return levelRow(level).color;
+    switch (level) {
+    case LogLevel::Debug:
+        return ConsoleColor::cyan;
+    case LogLevel::Warning:
+        return ConsoleColor::yellow;
+    case LogLevel::Error:
+        return ConsoleColor::red;
+    case LogLevel::Skip:
+    case LogLevel::Info:
+        break;
+    }
+    return ConsoleColor::white;
 }
 
 Logger& Logger::instance() {

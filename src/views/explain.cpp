@@ -5,6 +5,7 @@
 #include "console/help_text.h"
 #include "support/fault.h"
 #include "support/json.h"
+#include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
 #include "taskdsl/task/source_spec.h"
@@ -128,71 +129,59 @@ std::string_view boolText(bool value) noexcept {
     return value ? "true" : "false";
 }
 
-template <class... Pieces>
-void addLine(std::string& out, const Pieces&... pieces) {
-    (out.append(std::string_view(pieces)), ...);
-    out += '\n';
-}
-
-void addFilled(std::string& out, std::string_view label, std::string_view value) {
-    if (!value.empty()) {
-        addLine(out, label, value);
-    }
-}
-
-void addTaskText(std::string& out, const TaskInfo& task) {
-    addLine(out, "task: ", task.name);
-    addLine(out, "  block_span: ", formatSpan(task.headerSpan));
-    addLine(out, "  program: ", taskdsl::programName(task.program));
+void addTaskText(LineBuilder& out, const TaskInfo& task) {
+    out.line("task: ", task.name);
+    out.line("  block_span: ", formatSpan(task.headerSpan));
+    out.line("  program: ", taskdsl::programName(task.program));
     if (taskdsl::hasStructuredSource(task)) {
-        addLine(out, "  source:");
+        out.line("  source:");
         for (const auto& binding : task.sourceBindings) {
-            addLine(out, "    ", taskdsl::formatSourceBinding(binding));
+            out.line("    ", taskdsl::formatSourceBinding(binding));
         }
     } else {
-        addLine(out, "  source: ", sourceText(task));
+        out.line("  source: ", sourceText(task));
     }
-    addLine(out, "  dependencies: [", join(task.sourceTasks, ", "), "]");
-    addLine(out, "  use_guess: ", boolText(task.guessEnabled));
-    addLine(out, "  alert: ", boolText(task.alert));
-    addLine(out, "  localfirst: ", boolText(task.localFirst));
-    addFilled(out, "  finalgeom: ", task.finalGeom);
-    addFilled(out, "  guess_source: ", task.guessSourceTask);
-    addFilled(out, "  guess_converter: ", task.guessConverter);
+    out.line("  dependencies: [", join(task.sourceTasks, ", "), "]");
+    out.line("  use_guess: ", boolText(task.guessEnabled));
+    out.line("  alert: ", boolText(task.alert));
+    out.line("  localfirst: ", boolText(task.localFirst));
+    out.filled("  finalgeom: ", task.finalGeom);
+    out.filled("  guess_source: ", task.guessSourceTask);
+    out.filled("  guess_converter: ", task.guessConverter);
     if (task.templateTaskName != task.name) {
-        addFilled(out, "  template_task_name: ", task.templateTaskName);
+        out.filled("  template_task_name: ", task.templateTaskName);
     }
-    addFilled(out, "  matrix_variant_key: ", task.matrixVariantKey);
+    out.filled("  matrix_variant_key: ", task.matrixVariantKey);
     if (!task.whenConditions.empty()) {
-        addLine(out, "  when_conditions:");
+        out.line("  when_conditions:");
         for (std::size_t i = 0; i < task.whenConditions.size(); ++i) {
-            addLine(out, "    - ", task.whenConditions[i], "    [", conditionSpan(task, i), "]");
+            out.line("    - ", task.whenConditions[i], "    [", conditionSpan(task, i), "]");
         }
     }
     if (!task.directives.empty()) {
-        addLine(out, "  directives:");
+        out.line("  directives:");
         for (const auto& directive : task.directives) {
-            addLine(out, "    - %", directive.name, directive.value.empty() ? "" : " ", directive.value,
-                    "    [", formatSpan(directive.span), "]");
+            out.line("    - %", directive.name, directive.value.empty() ? "" : " ", directive.value, "    [",
+                     formatSpan(directive.span), "]");
         }
     }
 }
 
 std::string renderText(const ExplainView& view) {
-    std::string out;
-    addLine(out, "file: ", view.document.filePath);
-    addLine(out, "dsl_version: ", dslVersion(view.document, "<missing>"));
-    addLine(out, "task_view: ", view.expanded ? "expanded" : "source");
-    addLine(out, "task_count: ", std::to_string(view.tasks.size()));
-    addLine(out, "expanded_task_count: ", std::to_string(view.document.tasks.size()));
-    addLine(out);
+    LineBuilder out;
+    out.line("file: ", view.document.filePath);
+    out.line("dsl_version: ", dslVersion(view.document, "<missing>"));
+    out.line("task_view: ", view.expanded ? "expanded" : "source");
+    out.line("task_count: ", std::to_string(view.tasks.size()));
+    out.line("expanded_task_count: ", std::to_string(view.document.tasks.size()));
+    out.line();
     for (const TaskInfo* task : view.tasks) {
         if (task != view.tasks.front()) {
-            addLine(out);
+            out.line();
         }
         addTaskText(out, *task);
     }
-    return out;
+    return out.take();
 }
 
 /// One-line array of the JSON values that `item` makes of the elements.
@@ -207,13 +196,13 @@ std::string jsonArray(const List& list, const Item& item) {
     return out + "]";
 }
 
-void addTaskJson(std::string& out, const TaskInfo& task) {
+void addTaskJson(LineBuilder& out, const TaskInfo& task) {
     const auto key = [&out](std::string_view name, const std::string& value, std::string_view end = ",") {
-        addLine(out, "      \"", name, "\": ", value, end);
+        out.line("      \"", name, "\": ", value, end);
     };
     const auto text = [&key](std::string_view name, std::string_view value) { key(name, jsonString(value)); };
     const auto flag = [&key](std::string_view name, bool value) { key(name, std::string(boolText(value))); };
-    addLine(out, "    {");
+    out.line("    {");
     text("name", task.name);
     text("block_span", formatSpan(task.headerSpan));
     text("program", taskdsl::programName(task.program));
@@ -241,27 +230,28 @@ void addTaskJson(std::string& out, const TaskInfo& task) {
                              jsonString(formatSpan(directive.span)) + "}";
                   }),
         "");
-    out += "    }";
+    out.open("    }");
 }
 
 std::string renderJson(const ExplainView& view) {
-    std::string out = "{\n";
+    LineBuilder out;
+    out.line("{");
     const auto key = [&out](std::string_view name, const std::string& value) {
-        addLine(out, "  \"", name, "\": ", value, ",");
+        out.line("  \"", name, "\": ", value, ",");
     };
     key("file", jsonString(view.document.filePath));
     key("dsl_version", jsonString(dslVersion(view.document, "")));
     key("task_view", jsonString(view.expanded ? "expanded" : "source"));
     key("task_count", std::to_string(view.tasks.size()));
     key("expanded_task_count", std::to_string(view.document.tasks.size()));
-    addLine(out, R"(  "tasks": [)");
+    out.line(R"(  "tasks": [)");
     for (const TaskInfo* task : view.tasks) {
         addTaskJson(out, *task);
-        addLine(out, task == view.tasks.back() ? "" : ",");
+        out.add(task == view.tasks.back() ? "" : ",").close();
     }
-    addLine(out, "  ]");
-    addLine(out, "}");
-    return out;
+    out.line("  ]");
+    out.line("}");
+    return out.take();
 }
 
 constexpr std::string_view explainHelp = R"(Usage:

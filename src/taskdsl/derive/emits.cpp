@@ -1,6 +1,7 @@
 #include "support/text.h"
 #include "taskdsl/derive/block_reader.h"
 #include "taskdsl/derive/derive_text.h"
+#include "taskdsl/derive/derive_words.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <algorithm>
@@ -159,11 +160,7 @@ void readEmitTable(BlockReader& reader, std::string_view text) {
             reader.fail("emit table sink must be 'to csv|tsv|jsonl <path>'");
         }
         const auto [format, path] = plot::splitFirstWord(rest);
-        for (const auto known : {DeriveSinkFormat::csv, DeriveSinkFormat::tsv, DeriveSinkFormat::jsonl}) {
-            if (equalsNoCase(format, deriveSinkFormatName(known))) {
-                statement.sink = known;
-            }
-        }
+        statement.sink = sinkFormatWords.find(format).value_or(DeriveSinkFormat::none);
         if (statement.sink == DeriveSinkFormat::none) {
             reader.fail("emit table file sink must be csv, tsv, or jsonl");
         }

@@ -201,7 +201,20 @@ class Parser {
         if (token_.kind == PlotTokenKind::end) {
             plotError(span_, "empty plot expression");
         }
-        ExprRef result = expression();
+        return whole(expression());
+    }
+
+    /// The name of the function is not part of the text.
+    ExprRef readCall(std::string name) {
+        if (!accept(PlotTokenKind::open)) {
+            plotError(span_, "expected '(' in plot expression");
+        }
+        return whole(sumFrom(productFrom(call(std::move(name)))));
+    }
+
+  private:
+    /// The result when the text ends behind it.
+    ExprRef whole(ExprRef result) const {
         if (token_.kind != PlotTokenKind::end) {
             const bool string = token_.kind == PlotTokenKind::string;
             plotError(span_,
@@ -210,9 +223,11 @@ class Parser {
         return result;
     }
 
-  private:
-    ExprRef expression() {
-        ExprRef left = term();
+    ExprRef expression() { return sumFrom(term()); }
+
+    ExprRef term() { return productFrom(factor()); }
+
+    ExprRef sumFrom(ExprRef left) {
         for (;;) {
             if (accept(PlotTokenKind::plus)) {
                 left = makeExpression(BinaryExpr{BinaryOp::add, std::move(left), term()});
@@ -224,8 +239,7 @@ class Parser {
         }
     }
 
-    ExprRef term() {
-        ExprRef left = factor();
+    ExprRef productFrom(ExprRef left) {
         for (;;) {
             if (accept(PlotTokenKind::star)) {
                 left = makeExpression(BinaryExpr{BinaryOp::multiply, std::move(left), factor()});
@@ -360,6 +374,10 @@ bool isExpressionName(std::string_view text) noexcept {
 
 ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span) {
     return Parser(text, span).read();
+}
+
+ExprRef parseCallOf(std::string name, std::string_view text, const SourceSpan& span) {
+    return Parser(text, span).readCall(std::move(name));
 }
 
 } // namespace morquill::taskdsl::plot

@@ -107,22 +107,12 @@ void sortBar(BarPlotData& data, const std::string& value, const Statement& state
     }
 }
 
-struct RelativeWord {
-    std::string_view word;
-    RelativeMode mode;
-};
-constexpr RelativeWord relativeWords[] = {
-    {"to", RelativeMode::toPoint},  {"first", RelativeMode::first}, {"minimum", RelativeMode::minimum},
-    {"min", RelativeMode::minimum}, {"none", RelativeMode::none},
-};
-
 RelativeMode readRelativeMode(std::string_view word, const Statement& statement) {
-    for (const auto& row : relativeWords) {
-        if (equalsNoCase(row.word, word)) {
-            return row.mode;
-        }
+    const auto mode = parseRelativeMode(word);
+    if (!mode) {
+        fail(statement, "unsupported relative mode '" + toLower(word) + "'");
     }
-    fail(statement, "unsupported relative mode '" + toLower(word) + "'");
+    return *mode;
 }
 
 } // namespace

@@ -13,11 +13,8 @@ namespace {
 
 /// The text of a selector of `derived(...)`: an identifier or a string.
 std::string selectorText(const ExprRef& value, const Statement& statement, std::string_view label) {
-    if (const auto* identifier = expressionAs<IdentifierExpr>(value)) {
-        return identifier->name;
-    }
-    if (const auto* string = expressionAs<StringExpr>(value)) {
-        return string->text;
+    if (const auto* text = nameOrString(value)) {
+        return *text;
     }
     fail(statement, std::string(label) + " must be an identifier or string literal");
 }
@@ -70,19 +67,19 @@ std::string readDerivedCall(const Statement& statement) {
     return std::string(left) + "." + std::string(right);
 }
 
-struct SourceWord {
-    std::string_view word;
-    PlotSourceKind kind;
-    std::string_view noArgument; ///< message when the argument is missing; empty when the source takes none
-};
-constexpr SourceWord sourceWords[] = {
-    {"self", PlotSourceKind::self, {}},
-    {"task", PlotSourceKind::task, "from task requires a task name"},
-    {"variants", PlotSourceKind::variants, "from variants requires a template task name"},
-    {"matrix", PlotSourceKind::variants, "from variants requires a template task name"},
-    {"project", PlotSourceKind::project, {}},
-    {"derived", PlotSourceKind::derived, "from derived requires a derive.table selector"},
-};
+/// What is said when a source comes without its argument; empty for a source that takes none.
+std::string_view missingArgument(PlotSourceKind source) noexcept {
+    switch (source) {
+    case PlotSourceKind::task:
+        return "from task requires a task name";
+    case PlotSourceKind::variants:
+        return "from variants requires a template task name";
+    case PlotSourceKind::derived:
+        return "from derived requires a derive.table selector";
+    default:
+        return {};
+    }
+}
 
 /// Refuses the second statement of a body that may say a thing once.
 void once(bool& seen, const Statement& statement, std::string_view what) {
@@ -204,26 +201,23 @@ void readFrom(PlotReading& reading, const Statement& statement) {
     if (words.empty()) {
         fail(statement, "from requires a source");
     }
-    const auto choice = toLower(words.front());
-    if (choice.starts_with("derived(")) {
+    if (toLower(words.front()).starts_with("derived(")) {
         plot.sourceArgument = readDerivedCall(statement);
         plot.sourceKind = PlotSourceKind::derived;
         plot.sourceSpan = statement.span;
         return;
     }
-    for (const auto& [word, kind, noArgument] : sourceWords) {
-        if (word != choice) {
-            continue;
-        }
-        if (!noArgument.empty() && words.size() < 2) {
-            fail(statement, std::string(noArgument));
-        }
-        plot.sourceArgument = noArgument.empty() ? std::string() : unquotePlotText(words[1]);
-        plot.sourceKind = kind;
-        plot.sourceSpan = statement.span;
-        return;
+    const auto source = parsePlotSource(words.front());
+    if (!source) {
+        fail(statement, "unsupported plot source '" + std::string(words.front()) + "'");
     }
-    fail(statement, "unsupported plot source '" + std::string(words.front()) + "'");
+    const auto missing = missingArgument(*source);
+    if (!missing.empty() && words.size() < 2) {
+        fail(statement, std::string(missing));
+    }
+    plot.sourceArgument = missing.empty() ? std::string() : unquotePlotText(words[1]);
+    plot.sourceKind = *source;
+    plot.sourceSpan = statement.span;
 }
 
 void readAxis(PlotReading& reading, const Statement& statement) {

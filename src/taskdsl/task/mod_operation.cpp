@@ -1,6 +1,7 @@
 #include "taskdsl/task/mod_operation.h"
 
 #include "support/text.h"
+#include "support/word_table.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/task/task_document.h"
@@ -17,50 +18,36 @@ namespace {
 constexpr std::string_view mainSlot = "main";
 constexpr std::string_view basisKey = "basisset";
 
-constexpr std::array<std::string_view, 3> targetNames{"charge", "spin", "geom"};
+constexpr auto targetWords = wordTable<ModTargetKind>({
+    {"charge", ModTargetKind::charge},
+    {"spin", ModTargetKind::spin},
+    {"geom", ModTargetKind::geom},
+});
+
 constexpr std::array<std::string_view, 4> operationNames{"add", "subtract", "select", "remove"};
 
-/// A word of the `%mod` language and what it stands for. The first word of a value is the one that is
-/// printed.
-template <class T>
-struct Word {
-    std::string_view text;
-    T value;
-};
-
-constexpr std::array<Word<BasisRole>, 8> roleWords{{{"orbital", BasisRole::orbital},
-                                                    {"aux-j", BasisRole::auxJ},
-                                                    {"auxj", BasisRole::auxJ},
-                                                    {"aux-jk", BasisRole::auxJk},
-                                                    {"auxjk", BasisRole::auxJk},
-                                                    {"aux-c", BasisRole::auxC},
-                                                    {"auxc", BasisRole::auxC},
-                                                    {"cabs", BasisRole::cabs}}};
-constexpr std::array<Word<BasisEcp>, 4> ecpWords{{{"auto", BasisEcp::automatic},
-                                                  {"none", BasisEcp::none},
-                                                  {"disabled", BasisEcp::none},
-                                                  {"required", BasisEcp::required}}};
-constexpr std::array<Word<BasisSelector>, 4> selectorWords{{{"element:", BasisSelector::element},
-                                                            {"elements:", BasisSelector::element},
-                                                            {"atom:", BasisSelector::atom},
-                                                            {"atoms:", BasisSelector::atom}}};
-
-template <class T, std::size_t N>
-const T* findWord(const std::array<Word<T>, N>& words, std::string_view text) {
-    for (const auto& word : words) {
-        if (equalsNoCase(word.text, text)) {
-            return &word.value;
-        }
-    }
-    return nullptr;
-}
-
-template <class T, std::size_t N>
-std::string wordOf(const std::array<Word<T>, N>& words, T value) {
-    const auto found =
-        std::find_if(words.begin(), words.end(), [value](const auto& word) { return word.value == value; });
-    return std::string(found == words.end() ? words.front().text : found->text);
-}
+constexpr auto roleWords = wordTable<BasisRole>({
+    {"orbital", BasisRole::orbital},
+    {"aux-j", BasisRole::auxJ},
+    {"auxj", BasisRole::auxJ},
+    {"aux-jk", BasisRole::auxJk},
+    {"auxjk", BasisRole::auxJk},
+    {"aux-c", BasisRole::auxC},
+    {"auxc", BasisRole::auxC},
+    {"cabs", BasisRole::cabs},
+});
+constexpr auto ecpWords = wordTable<BasisEcp>({
+    {"auto", BasisEcp::automatic},
+    {"none", BasisEcp::none},
+    {"disabled", BasisEcp::none},
+    {"required", BasisEcp::required},
+});
+constexpr auto selectorWords = wordTable<BasisSelector>({
+    {"element:", BasisSelector::element},
+    {"elements:", BasisSelector::element},
+    {"atom:", BasisSelector::atom},
+    {"atoms:", BasisSelector::atom},
+});
 
 [[noreturn]] void fail(std::string_view before, std::string_view quoted, std::string_view after = {}) {
     throw DiagnosticError(std::string(before) + "'" + std::string(quoted) + "'" + std::string(after));
@@ -70,8 +57,12 @@ std::string slotSuffix(std::string_view slot) {
     return slot == mainSlot ? std::string{} : "." + std::string(slot);
 }
 
+std::string targetText(ModTargetKind kind, std::string_view slot) {
+    return std::string(targetWords.nameOf(kind)) + slotSuffix(slot);
+}
+
 std::string targetText(const ModTarget& target) {
-    return std::string(targetNames[static_cast<std::size_t>(target.kind)]) + slotSuffix(target.slot);
+    return targetText(target.kind, target.slot);
 }
 
 bool isOneOf(std::string_view text, std::string_view a, std::string_view b) noexcept {
@@ -114,18 +105,15 @@ void readSelector(BasisSetMod& basis, std::string_view value) {
     if (equalsNoCase(value, "all")) {
         return;
     }
-    for (const auto& word : selectorWords) {
-        if (!equalsNoCase(value.substr(0, word.text.size()), word.text)) {
-            continue;
-        }
-        const bool byElement = word.value == BasisSelector::element;
+    if (const auto* row = selectorWords.atFront(value)) {
+        const bool byElement = row->value == BasisSelector::element;
         auto& list = byElement ? basis.elements : basis.atoms;
-        list = splitTrimmed(value.substr(word.text.size()), ',');
+        list = splitTrimmed(value.substr(row->word.size()), ',');
         if (list.empty()) {
             throw DiagnosticError(byElement ? "%mod basisset element selector is empty"
                                             : "%mod basisset atom selector is empty");
         }
-        basis.selector = word.value;
+        basis.selector = row->value;
         return;
     }
     fail("unsupported %mod basisset selector ", value,
@@ -133,16 +121,16 @@ void readSelector(BasisSetMod& basis, std::string_view value) {
 }
 
 void readRole(BasisSetMod& basis, std::string_view value) {
-    const auto* role = findWord(roleWords, value);
-    if (role == nullptr) {
+    const auto role = roleWords.find(value);
+    if (!role) {
         fail("unsupported %mod basisset role=", value);
     }
     basis.role = *role;
 }
 
 void readEcp(BasisSetMod& basis, std::string_view value) {
-    const auto* ecp = findWord(ecpWords, value);
-    if (ecp == nullptr) {
+    const auto ecp = ecpWords.find(value);
+    if (!ecp) {
         fail("unsupported %mod basisset ecp=", value);
     }
     basis.ecp = *ecp;
@@ -195,13 +183,13 @@ std::string formatBasisSet(const BasisSetMod& basis) {
     auto text = basis.name;
     if (basis.selector != BasisSelector::all) {
         const auto& list = basis.selector == BasisSelector::element ? basis.elements : basis.atoms;
-        text += " on=" + wordOf(selectorWords, basis.selector) + join(list, ",");
+        text += " on=" + std::string(selectorWords.nameOf(basis.selector)) + join(list, ",");
     }
     if (basis.role != BasisRole::orbital) {
-        text += " role=" + wordOf(roleWords, basis.role);
+        text += " role=" + std::string(roleWords.nameOf(basis.role));
     }
     if (basis.ecp != BasisEcp::automatic) {
-        text += " ecp=" + wordOf(ecpWords, basis.ecp);
+        text += " ecp=" + std::string(ecpWords.nameOf(basis.ecp));
     }
     return text;
 }
@@ -247,24 +235,24 @@ struct Head {
 };
 
 Head headOf(const ModOperation& op) {
-    return std::visit(Match{[](const ScalarMod& mod) {
-                                const bool charge = mod.target == ScalarModTarget::charge;
-                                return Head{std::string(targetNames[charge ? 0 : 1]) + slotSuffix(mod.slot),
-                                            mod.op == ScalarModOp::add        ? "add"
-                                            : mod.op == ScalarModOp::subtract ? "subtract"
-                                                                              : ""};
-                            },
-                            [](const AtomsMod& mod) {
-                                return Head{std::string(targetNames[2]) + slotSuffix(mod.slot),
-                                            mod.remove ? "remove" : "select"};
-                            },
-                            [](const BasisSetMod&) {
-                                return Head{std::string(basisKey), {}};
-                            },
-                            [](const OtherMod& mod) {
-                                return Head{mod.key, {}};
-                            }},
-                      op);
+    return std::visit(
+        Match{[](const ScalarMod& mod) {
+                  const bool charge = mod.target == ScalarModTarget::charge;
+                  const auto kind = charge ? ModTargetKind::charge : ModTargetKind::spin;
+                  return Head{targetText(kind, mod.slot), mod.op == ScalarModOp::add        ? "add"
+                                                          : mod.op == ScalarModOp::subtract ? "subtract"
+                                                                                            : ""};
+              },
+              [](const AtomsMod& mod) {
+                  return Head{targetText(ModTargetKind::geom, mod.slot), mod.remove ? "remove" : "select"};
+              },
+              [](const BasisSetMod&) {
+                  return Head{std::string(basisKey), {}};
+              },
+              [](const OtherMod& mod) {
+                  return Head{mod.key, {}};
+              }},
+        op);
 }
 
 std::string withValue(std::string head, const std::string& value) {
@@ -354,8 +342,7 @@ std::vector<ModEntry> modEntriesOf(const TaskInfo& task) {
 
 std::optional<ModTarget> parseModTarget(std::string_view name) {
     const auto dot = name.find('.');
-    for (std::size_t i = 0; i < targetNames.size(); ++i) {
-        const auto target = targetNames[i];
+    for (const auto& [target, kind] : targetWords) {
         if (!name.starts_with(target)) {
             continue;
         }
@@ -366,7 +353,6 @@ std::optional<ModTarget> parseModTarget(std::string_view name) {
                  " is not supported; declare a named geom.<slot> source and use " + std::string(target) +
                      ".<slot>");
         }
-        const auto kind = static_cast<ModTargetKind>(i);
         if (rest.empty()) {
             return ModTarget{kind, std::string(mainSlot)};
         }

@@ -1,6 +1,7 @@
 #include "taskdsl/task/task_document.h"
 
 #include "support/text.h"
+#include "support/word_table.h"
 #include "taskdsl/base/diagnostic.h"
 
 #include <array>
@@ -10,12 +11,20 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::array<std::string_view, 12> programNames{"gaussian", "orca",      "gamess", "xtb",
-                                                        "mrcc",     "maple",     "amesp",  "bdf",
-                                                        "mopac",    "fcclasses", "other",  "script"};
-
-constexpr std::string_view supportedPrograms =
-    "gaussian, orca, gamess, xtb, mrcc, maple, amesp, bdf, mopac, fcclasses, other, script";
+constexpr auto programWords = wordTable<TaskProgram>({
+    {"gaussian", TaskProgram::gaussian},
+    {"orca", TaskProgram::orca},
+    {"gamess", TaskProgram::gamess},
+    {"xtb", TaskProgram::xtb},
+    {"mrcc", TaskProgram::mrcc},
+    {"maple", TaskProgram::maple},
+    {"amesp", TaskProgram::amesp},
+    {"bdf", TaskProgram::bdf},
+    {"mopac", TaskProgram::mopac},
+    {"fcclasses", TaskProgram::fcclasses},
+    {"other", TaskProgram::other},
+    {"script", TaskProgram::script},
+});
 
 /// Removes the entries of a map whose keys are in the set.
 template <class Map>
@@ -70,19 +79,13 @@ void takeBackResources(TaskDocument& document, const ImplicitContent& implicit) 
 } // namespace
 
 std::string_view programName(TaskProgram program) noexcept {
-    const auto number = static_cast<std::size_t>(program);
-    return number < programNames.size() ? programNames[number] : programNames[0];
+    return programWords.nameOf(program);
 }
 
 bool parseProgramName(std::string_view text, TaskProgram& program) {
-    text = trim(text);
-    for (std::size_t i = 0; i < programNames.size(); ++i) {
-        if (equalsNoCase(text, programNames[i])) {
-            program = static_cast<TaskProgram>(i);
-            return true;
-        }
-    }
-    return false;
+    const auto found = programWords.find(trim(text));
+    program = found.value_or(program);
+    return found.has_value();
 }
 
 TaskProgram requireProgram(std::string_view value, std::string_view location) {
@@ -95,7 +98,12 @@ TaskProgram requireProgram(std::string_view value, std::string_view location) {
         message.append(location).append(": ");
     }
     message.append("unknown %program '").append(value).append("'; supported values are ");
-    throw DiagnosticError(message.append(supportedPrograms));
+    std::string_view separator;
+    for (const auto& row : programWords) {
+        message.append(separator).append(row.word);
+        separator = ", ";
+    }
+    throw DiagnosticError(std::move(message));
 }
 
 TaskInfo::TaskInfo(std::string taskName, TaskProgram taskProgram)

@@ -1,6 +1,7 @@
 #include "taskdsl/task/when_expr.h"
 
 #include "support/text.h"
+#include "support/word_table.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
 
@@ -16,27 +17,20 @@ namespace {
 
 constexpr std::string_view trimmedChars = " \t\r\n";
 
-struct CompareWord {
-    std::string_view text;
-    WhenCompareOp op;
-};
-
 /// In the order in which they are tried at one place.
-constexpr std::array<CompareWord, 7> compareWords{{{"==", WhenCompareOp::equal},
-                                                   {"=", WhenCompareOp::equal},
-                                                   {"!=", WhenCompareOp::notEqual},
-                                                   {"<=", WhenCompareOp::lessEqual},
-                                                   {">=", WhenCompareOp::greaterEqual},
-                                                   {"<", WhenCompareOp::less},
-                                                   {">", WhenCompareOp::greater}}};
+constexpr auto compareWords = wordTable<WhenCompareOp>({
+    {"==", WhenCompareOp::equal},
+    {"=", WhenCompareOp::equal},
+    {"!=", WhenCompareOp::notEqual},
+    {"<=", WhenCompareOp::lessEqual},
+    {">=", WhenCompareOp::greaterEqual},
+    {"<", WhenCompareOp::less},
+    {">", WhenCompareOp::greater},
+});
 
+/// Equality is printed in its short form.
 std::string_view compareText(WhenCompareOp op) noexcept {
-    for (const auto& word : compareWords) {
-        if (word.op == op && word.text != "==") {
-            return word.text;
-        }
-    }
-    return "=";
+    return op == WhenCompareOp::equal ? "=" : compareWords.wordOf(op).value_or("=");
 }
 
 /// What a walk over a condition is inside of.
@@ -178,12 +172,12 @@ WhenOperand readOperand(std::string_view text) {
 
 /// The comparison whose operator begins at `at`, if one does and a right side follows it.
 std::optional<WhenComparison> compareAt(const ComparisonText& whole, std::string_view left, std::size_t at) {
-    for (const auto& word : compareWords) {
-        if (!whole.text.substr(at).starts_with(word.text)) {
+    for (const auto& [word, op] : compareWords) {
+        if (!whole.text.substr(at).starts_with(word)) {
             continue;
         }
-        if (const auto right = matchRightSide(whole, at + word.text.size())) {
-            return WhenComparison{readOperand(left), readOperand(*right), word.op};
+        if (const auto right = matchRightSide(whole, at + word.size())) {
+            return WhenComparison{readOperand(left), readOperand(*right), op};
         }
     }
     return std::nullopt;

@@ -121,5 +121,24 @@ TEST(ExpressionParser, NestingEndsAtItsBoundAndASumOfAnyLengthDoesNotNest) {
     EXPECT_EQ(read(sum), "no fault");
 }
 
+TEST(ExpressionParser, ReadsWhatStandsBehindTheNameOfAFunction) {
+    const auto text = [](std::string_view behind) {
+        try {
+            return renderPlotExpression(parseCallOf("f", behind, {}));
+        } catch (const DiagnosticError& fault) {
+            return fault.message();
+        }
+    };
+    EXPECT_EQ(text("()"), "f()");
+    EXPECT_EQ(text("(a, b=1 + c)"), "f(a, b=1 + c)");
+    EXPECT_EQ(text("(a) * 2 - (b)"), "f(a) * 2 - b");
+    EXPECT_EQ(text("(a"), "expected ',' or ')' after function argument");
+    EXPECT_EQ(text("(a) b)"), "unexpected token 'b'");
+    EXPECT_EQ(text("a"), "expected '(' in plot expression");
+    const auto call = parseCallOf("f", "(b=1)", {});
+    ASSERT_NE(expressionAs<CallExpr>(call), nullptr);
+    EXPECT_TRUE(expressionAs<CallExpr>(call)->arguments.front().named);
+}
+
 } // namespace
 } // namespace morquill::taskdsl::plot
