@@ -141,7 +141,7 @@ struct KeywordPart {
 };
 
 /// The first word of the text; nothing when no blank ends it. Neither a tab nor the end of the text ends a
-/// word of a keyword, and one blank stands between two of them.
+/// word of a keyword, and the two words of one are a single blank apart.
 std::optional<KeywordPart> keywordPart(std::string_view text) noexcept {
     const auto blank = text.find(' ');
     return blank == std::string_view::npos

@@ -3,8 +3,8 @@
 #include "support/word_table.h"
 #include "taskdsl/derive/derive_spec.h"
 
-/// The words of the enumerations. Not for use outside this room. The name of value 0 is no word of the
-/// language where a derive cannot say it: "truthy", "leaf" and "none".
+/// The words of the enumerations. Not for use outside this room. "truthy", "leaf" and "none" are names only,
+/// no words of the language.
 namespace morquill::taskdsl::derive {
 
 inline constexpr auto compareOpWords = wordTable<DeriveCompareOp>({

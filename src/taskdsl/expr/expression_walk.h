@@ -11,13 +11,13 @@
 /// term.
 namespace morquill::taskdsl::plot {
 
-/// Takes every argument of a call.
+/// The filter of a walk that skips no argument of a call.
 struct EveryArgument {
     [[nodiscard]] bool operator()(const PlotCallArgument& /*argument*/) const noexcept { return true; }
 };
 
-/// Calls `visit` with the reference to each child of the node, from left to right; of the arguments of a call
-/// with those that `takes`. A reference may be empty.
+/// Calls `visit` with the reference to each child of the node, from left to right; arguments of a call that
+/// `takes` refuses are skipped. A reference may be empty.
 template <class Node, class Visit, class Takes = EveryArgument>
 void forEachChild(Node& node, const Visit& visit, const Takes& takes = {}) {
     if (auto* call = std::get_if<CallExpr>(&node)) {
@@ -35,7 +35,7 @@ void forEachChild(Node& node, const Visit& visit, const Takes& takes = {}) {
 }
 
 /// Calls `visit` with every node of the tree, a node before those below it and from left to right. Arguments
-/// that are not `takes` are passed over with all that stands below them.
+/// that `takes` refuses are skipped with everything below them.
 template <class Visit, class Takes = EveryArgument>
 void forEachNode(const ExprRef& expression, const Visit& visit, const Takes& takes = {}) {
     std::vector<const PlotExpression*> pending; // the next node is the last

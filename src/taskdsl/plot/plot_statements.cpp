@@ -1,5 +1,6 @@
 #include "support/number.h"
 #include "support/text.h"
+#include "support/word_table.h"
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/plot/series.h"
 #include "taskdsl/plot/statements.h"
@@ -124,16 +125,16 @@ void readAxisBody(AxisSpec& axis, std::span<const PlotStatement> body) {
     }
 }
 
-std::optional<bool> readVisible(std::string_view text) {
-    const auto choice = choiceOf(text);
-    if (choice == "true" || choice == "yes" || choice == "on" || choice == "1") {
-        return true;
-    }
-    if (choice == "false" || choice == "no" || choice == "off" || choice == "0") {
-        return false;
-    }
-    return std::nullopt;
-}
+constexpr auto visibleWords = wordTable<bool>({
+    {"true", true},
+    {"yes", true},
+    {"on", true},
+    {"1", true},
+    {"false", false},
+    {"no", false},
+    {"off", false},
+    {"0", false},
+});
 
 void readLegendOrder(LegendSpec& legend, const Statement& statement) {
     for (const auto word : splitPlotWords(statement.rest)) {
@@ -166,7 +167,7 @@ void readLegendBody(LegendSpec& legend, std::span<const PlotStatement> body) {
             legend.position = *position;
         } else if (statement.word == "visible") {
             once(visibleSeen, statement, "legend visibility");
-            const auto visible = readVisible(statement.rest);
+            const auto visible = visibleWords.find(choiceOf(statement.rest));
             if (!visible) {
                 fail(statement, "legend visible requires true or false");
             }
