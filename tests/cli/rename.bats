@@ -1,6 +1,7 @@
 # `rename`: a whole project before and after.
 bats_require_minimum_version 1.5.0
 load siblings
+load golden
 
 setup() {
     setup_project
@@ -34,6 +35,17 @@ setup() {
 put() {
     mkdir -p "$(dirname "$1")"
     echo "$2" >"$1"
+}
+
+@test "the help is whole, plain in a pipe and coloured on a terminal" {
+    for words in "rename help" "help rename" "ren -h"; do
+        "$MQKIT" $words >out 2>err
+        diff <(plain_help rename) out
+        [ ! -s err ]
+    done
+    env -u NO_COLOR TERM=xterm SHELL=/bin/sh script -qec "'$MQKIT' rename --help" /dev/null </dev/null |
+        tr -d '\r' >out
+    diff <(colored_help rename) out
 }
 
 @test "a block is renamed everywhere it left a trace" {
