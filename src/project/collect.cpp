@@ -124,6 +124,9 @@ int runProjectCollect(const ProjectOptions& options, std::string_view programPat
             system::printErrorLine("[mqkit][ERROR] could not create result directory: " + targetDir);
             return 1;
         }
+        if (!options.dryRun) {
+            system::removeStaleCopies(targetDir);
+        }
         for (const auto& caseDir : caseDirs) {
             const auto caseName = baseName(caseDir);
             const auto blockDir = joinPath(caseDir, task);
