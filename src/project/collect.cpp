@@ -123,6 +123,9 @@ int runProjectCollect(const ProjectOptions& options) {
             console::reportError("could not create result directory: " + targetDir);
             return 1;
         }
+        if (!options.dryRun) {
+            system::removeStaleCopies(targetDir);
+        }
         for (const auto& caseDir : caseDirs) {
             const auto caseName = baseName(caseDir);
             const auto blockDir = joinPath(caseDir, task);

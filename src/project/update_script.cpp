@@ -2,9 +2,9 @@
 
 #include "project/cases/selection.h"
 #include "project/update_script_text.h"
-#include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
+#include "system/new_file.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -61,8 +61,7 @@ bool writeComdRunnerScript(const std::string& root, const std::vector<std::strin
     if (::unlink(outPath.c_str()) != 0 && errno != ENOENT) {
         return false;
     }
-    if (!writeTextFile(outPath, text)) {
-        (void)::unlink(outPath.c_str()); // a script that ends in the middle would run as far as it goes
+    if (system::writeNewFile(outPath, text)) {
         return false;
     }
     std::error_code ignored; // `bash mqkit_update_comd.sh` works without the permission

@@ -144,7 +144,20 @@ taskdsl::TaskDocument readDocument(const FileCommandOptions& options, bool allow
     return options.inPlace ? parser.parseFile(options.inputPath) : parser.parseInput(options.inputPath);
 }
 
+/// True for a pipe, a terminal or another device.
+bool isStream(const std::string& path) {
+    std::error_code error;
+    const auto type = std::filesystem::status(path, error).type();
+    return type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::character ||
+           type == std::filesystem::file_type::socket;
+}
+
 int convert(const CommandForm& form, const FileCommandOptions& options, bool allowLegacy) {
+    if (options.inPlace && isStream(options.inputPath)) {
+        console::reportError(ErrorTag::coloured, "--in-place needs a regular file to write to, " +
+                                                     options.inputPath + " is none");
+        return 1;
+    }
     try {
         auto document = readDocument(options, allowLegacy);
         if (form.leavesExtraFiles && isWrittenBesideInput(options)) {

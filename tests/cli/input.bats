@@ -51,8 +51,9 @@ holds() { printf '%s' "$2" | diff - "$1"; }
 @test "a pipe that is to be overwritten, directories and devices are refused" {
     mkfifo pipe
     mkdir dir
-    refused "could not open file: pipe" fmt -i pipe
-    refused "could not open file: pipe" migrate --in-place pipe
+    refused "--in-place needs a regular file to write to, pipe is none" fmt -i pipe
+    refused "--in-place needs a regular file to write to, pipe is none" migrate --in-place pipe
+    refused "--in-place needs a regular file to write to, /dev/stdin is none" fmt /dev/stdin -i < <(echo '$a')
     refused "could not open file: dir" fmt dir
     refused "could not open file: /dev/null" expand /dev/null
     expect 1 "" $'could not open file: /dev/zero\n' explain /dev/zero

@@ -5,6 +5,7 @@
 #include "project/status/status_file.h"
 #include "support/file.h"
 #include "support/paths.h"
+#include "system/new_file.h"
 
 #include <array>
 #include <cerrno>
@@ -207,10 +208,48 @@ int removeArrival(const StatusBackup& backup) noexcept {
     return removed ? 0 : errno;
 }
 
-void reportRestoreFailure(const StatusBackup& backup, std::string_view reason) noexcept {
-    const bool hasReason = !reason.empty();
-    console::reportErrorInPieces(
-        {"failed to restore mq.status: ", backup.path, hasReason ? " (" : "", reason, hasReason ? ")" : ""});
+/// Leaves the old bytes under a free name where they belong, or where that directory has been moved to; the
+/// path of the file, empty when they could not be left anywhere.
+std::string saveBeside(const StatusBackup& backup) {
+    constexpr int mostNames = 100;
+    const auto name = baseName(backup.file);
+    for (const auto& dir : {parentPath(backup.file), backup.held.directory()}) {
+        for (int i = 0; i < mostNames && isDirectory(dir); ++i) {
+            const auto path = joinPath(dir, i == 0   ? name
+                                            : i == 1 ? name + ".saved"
+                                                     : name + ".saved-" + std::to_string(i));
+            if (!identityAt(path) &&
+                (backup.held.linkTo(path) || !system::writeNewFile(path, backup.content))) {
+                return path;
+            }
+        }
+    }
+    return {};
+}
+
+/// Why a status file could not be put back.
+const char* restoreObstacle(const StatusBackup& backup) {
+    const auto now = identityAt(backup.path);
+    if (now && S_ISDIR(now->kind)) {
+        return "a directory is in its place";
+    }
+    return isDirectory(parentPath(backup.path)) ? "it cannot be written" : "its directory is gone";
+}
+
+void reportRestoreFailure(const StatusBackup& backup, std::string_view reason,
+                          std::string_view saved) noexcept {
+    console::reportErrorInPieces({"failed to restore mq.status: ", backup.path, " (", reason,
+                                  saved.empty() ? "" : "; what it held is in ", saved, ")"});
+}
+
+/// Keeps what could not be put back and tells where it is and why.
+void keepUnrestored(const StatusBackup& backup, std::string_view reason) noexcept {
+    try {
+        const auto saved = holdsText(backup.file, backup.content) ? backup.file : saveBeside(backup);
+        reportRestoreFailure(backup, reason, saved);
+    } catch (const std::exception&) {
+        reportRestoreFailure(backup, reason, "");
+    }
 }
 
 bool restoreOne(const StatusBackup& backup) noexcept {
@@ -218,17 +257,17 @@ bool restoreOne(const StatusBackup& backup) noexcept {
         if (!backup.existed) {
             const int error = removeArrival(backup);
             if (error != 0) {
-                reportRestoreFailure(backup, std::strerror(error));
+                reportRestoreFailure(backup, std::strerror(error), "");
             }
             return error == 0;
         }
         if (!restoreText(backup)) {
-            reportRestoreFailure(backup, "");
+            keepUnrestored(backup, restoreObstacle(backup));
             return false;
         }
         return true;
     } catch (const std::exception& failure) {
-        reportRestoreFailure(backup, failure.what());
+        keepUnrestored(backup, failure.what());
         return false;
     }
 }

@@ -13,8 +13,6 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
 constexpr std::array<std::string_view, 4> heredocDirectives{"body", "extrainput", "extrainputs", "keywords"};
 constexpr std::array<std::string_view, 2> commandDirectives{"preprocess", "process"};
 
@@ -87,10 +85,7 @@ class HeaderScan {
 } // namespace
 
 std::vector<WrittenHeader> listWrittenHeaders(std::string_view text) {
-    if (text.starts_with(byteOrderMark)) {
-        text.remove_prefix(byteOrderMark.size());
-    }
-    return HeaderScan(text).run();
+    return HeaderScan(skipByteOrderMark(text)).run();
 }
 
 } // namespace morquill::taskdsl
