@@ -78,8 +78,8 @@ console::UsageError refusal(const std::string& message) {
     return console::UsageError(console::ErrorTag::coloured, message);
 }
 
-/// The command that a word stands for; null when it stands for none. Throws `UsageError`, which calls the
-/// word by `what`, when it stands for several.
+/// The command that a word or its prefix names; null when there is none. Throws `UsageError` when there are
+/// several; `what` is what the word was meant to be.
 const CommandEntry* findOneCommand(const std::string& word, std::string_view what) {
     std::vector<std::string> matches;
     const CommandEntry* entry = findCommand(commandTable(), word, matches);
