@@ -43,10 +43,11 @@ TEST_F(TaskReferences, AreThoseOfEveryDirectiveThatNamesTasks) {
 
 TEST_F(TaskReferences, KnowTheFileThatTheyAreWrittenIn) {
     write("inner.mq", "$soc\n%source opt\n");
+    // The lines of a fragment have the place of the line that includes it.
     write("f.mqlib", "&FRAGMENT task wait\n%when completed opt\n");
     EXPECT_THAT(
         collect("&INCLUDE f.mqlib as f\n&INCLUDE inner.mq\n$opt\n%program orca\n$last\n&INCLUDE f.wait\n"),
-        ElementsAre("inner.mq: opt", "f.mqlib: opt"));
+        ElementsAre("inner.mq: opt", "a.mq: opt"));
 }
 
 TEST_F(TaskReferences, AreThoseOfPlotsAndDerives) {
