@@ -1,6 +1,6 @@
 #include "taskdsl/derive/condition.h"
 
-#include "support/text.h"
+#include "support/cursor.h"
 #include "taskdsl/derive/derive_text.h"
 #include "taskdsl/expr/statement_reader.h"
 
@@ -49,10 +49,6 @@ constexpr OperatorMark operatorMarks[] = {
     {"<", DeriveCompareOp::less},       {">", DeriveCompareOp::greater},
 };
 
-bool isWordChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.';
-}
-
 /// All marks of the text outside quotes and snapshots, found in one pass. Parentheses and square brackets are
 /// one kind of level.
 std::vector<Mark> findMarks(std::string_view text) {
@@ -64,13 +60,12 @@ std::vector<Mark> findMarks(std::string_view text) {
             continue;
         }
         const char c = text[i];
-        if (isWordChar(c)) {
+        if (isDottedWordChar(c)) {
             const auto begin = i;
-            while (i < text.size() && isWordChar(text[i])) {
-                ++i;
-            }
+            const auto name = Cursor(text, begin).takeWhile(isDottedWordChar);
+            i += name.size();
             for (const auto& word : wordMarks) {
-                if (equalsNoCase(text.substr(begin, i - begin), word.word)) {
+                if (equalsNoCase(name, word.word)) {
                     marks.push_back({word.kind, begin, i, word.op});
                 }
             }
