@@ -2,7 +2,7 @@
 
 #include "lint/parse_fault.h"
 #include "support/text.h"
-#include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/task/resolved_task.h"
 
 #include <algorithm>

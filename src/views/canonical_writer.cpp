@@ -4,6 +4,7 @@
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/derive/derive_output.h"
 #include "taskdsl/plot/render.h"
 #include "taskdsl/task/directive_reader.h"
@@ -148,7 +149,7 @@ void writeCluster(LineBuilder& text, const taskdsl::BatchCluster& cluster) {
 std::string destinationText(const std::string& destination) {
     const auto words = taskdsl::splitShellWords(taskdsl::cleanLine("as " + destination));
     const bool readsBack = join({words.begin() + 1, words.end()}, " ") == destination;
-    return readsBack ? destination : taskdsl::quoteSourceToken(destination);
+    return readsBack ? destination : taskdsl::quoteShellWord(destination);
 }
 
 void writeBatch(LineBuilder& text, const TaskInfo& task) {
@@ -167,7 +168,7 @@ void writeBatch(LineBuilder& text, const TaskInfo& task) {
     }
     for (const auto& entry : task.batchCollect) {
         // A pattern that would not be one word again is quoted.
-        text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteSourceToken(entry.pattern),
+        text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteShellWord(entry.pattern),
                   entry.destination.empty() ? "" : " as ", destinationText(entry.destination));
     }
 }

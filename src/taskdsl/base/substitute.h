@@ -23,6 +23,9 @@ using KeySet = std::set<std::string, std::less<>>;
 /// The same in place; a text without a `[` costs a scan and no copy. Returns whether the text changed.
 bool substituteInto(std::string& text, const ValueMap& values);
 
+/// True when a `[key]` is in the text.
+[[nodiscard]] bool holdsBracketKey(std::string_view text) noexcept;
+
 /// The keys that stand in brackets, in order, as often as they stand there.
 [[nodiscard]] std::vector<std::string> bracketKeys(std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "taskdsl/generate/define_block.h"
 
 #include "support/text.h"
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
 

@@ -1,6 +1,7 @@
 #include "taskdsl/generate/matrix.h"
 
 #include "support/text.h"
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 #include "taskdsl/base/scan.h"
@@ -104,34 +105,6 @@ void BlockReader::readAttribute(std::string_view text, std::size_t indent) {
 }
 
 } // namespace
-
-std::vector<std::string> splitValueList(std::string_view text) {
-    std::vector<std::string> fields;
-    const auto take = [&fields](std::string_view field) {
-        if (auto value = readScalar(field); !value.empty()) {
-            fields.push_back(std::move(value));
-        }
-    };
-    std::size_t begin = 0;
-    char quote = '\0';
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quote != '\0') {
-            if (c == '\\') {
-                ++i;
-            } else if (c == quote) {
-                quote = '\0';
-            }
-        } else if (c == ',') {
-            take(text.substr(begin, i - begin));
-            begin = i + 1;
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        }
-    }
-    take(text.substr(begin));
-    return fields;
-}
 
 std::vector<MatrixAxis> parseMatrixBlock(const std::vector<std::string_view>& lines, std::size_t start,
                                          std::size_t& next) {

@@ -11,10 +11,6 @@
 /// `matrix:` sections as they are declared.
 namespace morquill::taskdsl {
 
-/// The fields of a comma list, trimmed and unquoted; commas inside quotes do not count, empty fields are
-/// dropped.
-[[nodiscard]] std::vector<std::string> splitValueList(std::string_view text);
-
 /// Reads the body of a `matrix:` section from line `start`, in mapping syntax (`  key: values`) or list
 /// syntax
 /// (`  - key: values` with `name:` and `map:` lines below); `next` is the first line behind it. Throws

@@ -2,7 +2,7 @@
 
 #include "support/number.h"
 #include "support/text.h"
-#include "taskdsl/base/scan.h"
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/task/mod_operation.h"
 #include "taskdsl/task/when_expr.h"
 

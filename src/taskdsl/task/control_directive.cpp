@@ -1,6 +1,8 @@
 // %control: resources and scheduling flags. A doubtful line warns and leaves the task as it was.
 
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/task/directive_reader.h"
 
 #include "support/number.h"
@@ -118,8 +120,8 @@ bool readLegacyGpuMemory(const ControlLine& line) {
 
 bool readFinalGeom(const ControlLine& line) {
     // A value that the canonical writer quoted comes back whole, its escapes decoded.
-    if (std::string value; decodeCanonicalScalar(line.rest, value) && !value.empty()) {
-        line.task.finalGeom = std::move(value);
+    if (auto value = decodeCanonicalScalar(line.rest); value && !value->empty()) {
+        line.task.finalGeom = std::move(*value);
         return true;
     }
     const auto words = splitShellWords(line.rest);

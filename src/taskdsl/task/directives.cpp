@@ -1,6 +1,8 @@
 // The directive table and the handlers of all directives but %control, %batch and %source.
 
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/plot/plot_parser.h"
 #include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/mod_operation.h"
@@ -97,10 +99,8 @@ void readParam(DirectiveReader& reader) {
 
 void readArgs(DirectiveReader& reader) {
     std::string text = readJoinedEntries(reader, ' ');
-    if (std::string value; decodeCanonicalScalar(text, value)) {
-        text = std::move(value);
-    }
-    reader.task.args = std::move(text);
+    auto value = decodeCanonicalScalar(text);
+    reader.task.args = value ? std::move(*value) : std::move(text);
 }
 
 std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view keyword) {

@@ -86,21 +86,6 @@ SplitKey splitModKey(std::string_view key) {
     return {key, {}};
 }
 
-/// True when a `[key]` stands in the text: pattern `\[[A-Za-z0-9_.\-]+\]`.
-bool holdsPlaceholder(std::string_view text) noexcept {
-    for (auto open = text.find('['); open != std::string_view::npos; open = text.find('[', open + 1)) {
-        auto i = open + 1;
-        while (i < text.size() && (isLetter(text[i]) || isDigit(text[i]) || text[i] == '_' ||
-                                   text[i] == '.' || text[i] == '-')) {
-            ++i;
-        }
-        if (i > open + 1 && i < text.size() && text[i] == ']') {
-            return true;
-        }
-    }
-    return false;
-}
-
 void readSelector(BasisSetMod& basis, std::string_view value) {
     if (equalsNoCase(value, "all")) {
         return;
@@ -385,7 +370,7 @@ ModOperation normalizeMod(std::string_view key, std::string_view value, bool str
     if (key != basisKey) {
         return readOther(key, value);
     }
-    if (strictValues || !holdsPlaceholder(value)) {
+    if (strictValues || !holdsBracketKey(value)) {
         return readBasisSet(value);
     }
     try {

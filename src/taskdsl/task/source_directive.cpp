@@ -1,6 +1,6 @@
 // %source: one inline source, or a block of named bindings.
 
-#include "taskdsl/base/scan.h"
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/source_spec.h"
 
@@ -45,8 +45,8 @@ void takeGuessWord(DirectiveReader& reader, std::string& value) {
 void readInlineSource(DirectiveReader& reader) {
     TaskInfo& task = reader.task;
     std::string value(reader.value);
-    if (std::string decoded; decodeCanonicalScalar(value, decoded)) {
-        value = trim(decoded);
+    if (const auto decoded = decodeCanonicalScalar(value)) {
+        value = trim(*decoded);
     }
     task.guessEnabled = false;
     task.guessSourceTask.clear();

@@ -4,6 +4,7 @@
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/task/task_document.h"
 
 #include <algorithm>
@@ -32,18 +33,6 @@ std::string inQuotes(std::string_view text) {
     fail("structured %source binding " + inQuotes(key) + " " + std::string(fault));
 }
 
-std::string inDoubleQuotes(std::string_view token) {
-    std::string quoted = "\"";
-    for (const char c : token) {
-        if (c == '"' || c == '\\') {
-            quoted += '\\';
-        }
-        quoted += c;
-    }
-    quoted += '"';
-    return quoted;
-}
-
 /// Takes off every pair of quotes that still encloses a word after the words were split. One pair alone would
 /// leave a value that loses the next one when it is printed and read again.
 std::string_view unquoteAll(std::string_view word) {
@@ -61,7 +50,7 @@ std::string quoteInlineWord(std::string_view word) {
     const bool plain =
         !word.empty() && word.back() != '\\' && word.find("\\\\") == std::string_view::npos &&
         std::none_of(word.begin(), word.end(), [](char c) { return isSpace(c) || c == '"' || c == '\''; });
-    return plain ? std::string(word) : inDoubleQuotes(word);
+    return plain ? std::string(word) : quoteForcedShellWord(word);
 }
 
 std::string frameSuffix(bool hasFrame, std::int32_t frameIndex) {
@@ -175,15 +164,15 @@ void validateBinding(const SourceBinding& binding, bool strictFrames) {
 
 std::string bindingReference(const SourceBinding& binding) {
     if (isBareTask(binding)) {
-        return quoteSourceToken(binding.sourceTask);
+        return quoteShellWord(binding.sourceTask);
     }
     switch (binding.sourceKind) {
     case BindingSource::restart:
         return "restart";
     case BindingSource::task:
-        return quoteSourceToken(binding.sourceValue);
+        return quoteShellWord(binding.sourceValue);
     case BindingSource::xyz:
-        return std::string(xyzPrefix) + quoteSourceToken(binding.sourceValue) +
+        return std::string(xyzPrefix) + quoteShellWord(binding.sourceValue) +
                frameSuffix(binding.hasFrame, binding.frameIndex);
     case BindingSource::origin:
         break;
@@ -206,7 +195,7 @@ std::string formatXyz(const SourceXyz& xyz) {
             // A bare last word `guess` would be taken off as the flag of older files.
             const bool isFlag = &word == &xyz.furtherWords.back() && (word == "guess" || word == "gues");
             text += ' ';
-            text += isFlag ? inDoubleQuotes(word) : quoteInlineWord(word);
+            text += isFlag ? quoteForcedShellWord(word) : quoteInlineWord(word);
         }
     }
     return text;
@@ -372,18 +361,11 @@ DiagnosticError structuredSourceFault(const SourceSpan& directiveSpan, std::stri
             "task " + inQuotes(taskName) + " has invalid structured %source: " + reason.message()};
 }
 
-std::string quoteSourceToken(std::string_view token) {
-    const bool plain = !token.empty() && std::none_of(token.begin(), token.end(), [](char c) {
-        return isSpace(c) || c == '"' || c == '#' || c == '\'' || c == '\\';
-    });
-    return plain ? std::string(token) : inDoubleQuotes(token);
-}
-
 std::string formatSourceBinding(const SourceBinding& binding) {
     auto text = bindingKey(binding) + " " + bindingReference(binding);
     for (const auto& [key, value] : binding.selectors) {
         if (!key.empty()) {
-            text += " " + key + "=" + quoteSourceToken(value);
+            text += " " + key + "=" + quoteShellWord(value);
         }
     }
     return text;

@@ -112,10 +112,6 @@ struct SourceEntryLine {
 [[nodiscard]] DiagnosticError structuredSourceFault(const SourceSpan& directiveSpan,
                                                     std::string_view taskName, const DiagnosticError& reason);
 
-/// A token as it stands in a structured source: bare when it is not empty and has no white space and none of
-/// `"`, `#`, `'`, backslash; otherwise in double quotes, with `"` and backslash escaped by a backslash.
-[[nodiscard]] std::string quoteSourceToken(std::string_view token);
-
 /// The text of one binding: `<key> <source>` and each selector as ` <selector>=<value>`.
 [[nodiscard]] std::string formatSourceBinding(const SourceBinding& binding);
 

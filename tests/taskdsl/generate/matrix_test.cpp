@@ -16,15 +16,6 @@ std::vector<MatrixAxis> readBlock(std::string_view text) {
     return parseMatrixBlock(splitLines(text), 0, next);
 }
 
-TEST(ValueList, SplitsAtCommasOutsideQuotes) {
-    EXPECT_THAT(splitValueList(" a , 'b,c' ,, \"d,e\", f g "), ElementsAre("a", "b,c", "d,e", "f g"));
-    EXPECT_THAT(splitValueList(R"("a\",b", c)"), ElementsAre("a\",b", "c"));
-    EXPECT_THAT(splitValueList("\"\", ''"), IsEmpty());
-    EXPECT_THAT(splitValueList(""), IsEmpty());
-    EXPECT_THAT(splitValueList("a, don't, b"), ElementsAre("a", "don't, b"));
-    EXPECT_THAT(splitValueList("a, \"b\\"), ElementsAre("a", "\"b\\"));
-}
-
 TEST(MatrixBlock, MappingSyntaxHasOneAxisPerLine) {
     std::size_t next = 0;
     const auto lines =

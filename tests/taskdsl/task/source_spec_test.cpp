@@ -199,15 +199,6 @@ TEST(SourceBinding, RecordsFilledByHandPrintToo) {
     EXPECT_EQ(formatSourceBinding(binding), "geom.ts a k=\"\"");
 }
 
-TEST(QuoteSourceToken, NarrowRule) {
-    EXPECT_EQ(quoteSourceToken(""), "\"\"");
-    EXPECT_EQ(quoteSourceToken("a,b:c=[d]"), "a,b:c=[d]");
-    EXPECT_EQ(quoteSourceToken("a\nb"), "\"a\nb\"");
-    EXPECT_EQ(quoteSourceToken("a\vb"), "\"a\vb\"");
-    EXPECT_EQ(quoteSourceToken("\xa0\x85"), "\xa0\x85");
-    EXPECT_EQ(quoteSourceToken(R"(a\"#')"), R"("a\\\"#'")");
-}
-
 SourceBinding bindingWith(const std::function<void(SourceBinding&)>& change) {
     auto binding = parseSourceBinding("geom xyz=a");
     change(binding);
