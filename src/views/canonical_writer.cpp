@@ -122,12 +122,13 @@ void writeMatrix(CanonicalText& text, const TaskDocument& document) {
 void writeSource(CanonicalText& text, const TaskInfo& task) {
     if (taskdsl::hasStructuredSource(task)) {
         text.line("  %source");
-        for (const auto& binding : task.sourceBindings) {
+        for (const auto& binding : sourceBindings(task)) {
             text.line("    ", taskdsl::formatSourceBinding(binding));
         }
         return;
     }
-    const std::string source = taskdsl::formatSourceSpec(taskdsl::sourceSpecOf(task));
+    requireNumericFrame(task.source);
+    const std::string source = formatSourceSpec(task.source);
     text.scalar("source", source.empty() ? "origin" : source);
 }
 
@@ -276,7 +277,7 @@ void writePayload(CanonicalText& text, const TaskInfo& task) {
 
 void writeMods(CanonicalText& text, const TaskInfo& task) {
     std::vector<std::string> lines;
-    for (const auto& entry : taskdsl::modEntriesOf(task)) {
+    for (const auto& entry : task.modEntries) {
         if (std::string line = taskdsl::formatModEntry(entry); !line.empty()) {
             lines.push_back(std::move(line));
         }
@@ -292,7 +293,7 @@ void writeTask(CanonicalText& text, const TaskInfo& task) {
     }
     writeBatch(text, task);
     writeControl(text, task);
-    text.block("when", task.whenConditions);
+    text.block("when", whenConditions(task));
     writePayload(text, task);
     text.commands("preprocess", task.preProcessCommands);
     text.commands("process", task.processCommands);
@@ -329,13 +330,13 @@ class DocumentPrinter {
             }
         }
         for (const auto& plot : document.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, "", context.warnings), true);
+            printSubstituted("plot", plot.name, renderPlot(plot, "", context.warnings));
             if (!document.derives.empty() || &plot != &document.plots.back()) {
                 text.line();
             }
         }
         for (const auto& derive : document.derives) {
-            printBlock("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings), true);
+            printSubstituted("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings));
             if (&derive != &document.derives.back()) {
                 text.line();
             }
@@ -353,14 +354,19 @@ class DocumentPrinter {
         // A plot of a declared task is read as it stands; the defines come later.
         const bool isExpanded = context.view == CanonicalView::matrixExpandedView;
         for (const auto& plot : task.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, "  ", context.warnings), isExpanded);
+            const std::string printed = renderPlot(plot, "  ", context.warnings);
+            if (isExpanded) {
+                printSubstituted("plot", plot.name, printed);
+            } else {
+                text.out += printed;
+            }
         }
     }
 
-    void printBlock(std::string_view what, std::string_view name, const std::string& printed,
-                    bool takesDefines) {
+    /// Prints a block into which the defines go where it is read.
+    void printSubstituted(std::string_view what, std::string_view name, const std::string& printed) {
         text.out += printed;
-        if (context.warnings && takesDefines) {
+        if (context.warnings) {
             reportReplacedKey(context, what, name, printed);
         }
     }
