@@ -82,6 +82,13 @@ TEST(TaskInfo, AnExternalSourceNeedsItsFlag) {
     EXPECT_FALSE(hasExternalSource(task));
 }
 
+TEST(TaskInfo, ConditionsAreTheTextsOfTheirEntries) {
+    TaskInfo task("a");
+    EXPECT_TRUE(whenConditions(task).empty());
+    task.whenEntries = {{"completed b", {"t.mq", 2, 1, 2, 18}}, {"defined x", {}}};
+    EXPECT_EQ(whenConditions(task), (std::vector<std::string>{"completed b", "defined x"}));
+}
+
 TEST(TaskDump, AFreshTask) {
     EXPECT_EQ(describeTask(TaskInfo("a")), "TaskInfo: a\n"
                                            "Program: gaussian\n"
