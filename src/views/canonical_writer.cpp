@@ -120,12 +120,13 @@ void writeMatrix(LineBuilder& text, const TaskDocument& document) {
 void writeSource(LineBuilder& text, const TaskInfo& task) {
     if (taskdsl::hasStructuredSource(task)) {
         text.line("  %source");
-        for (const auto& binding : task.sourceBindings) {
+        for (const auto& binding : sourceBindings(task)) {
             text.line("    ", taskdsl::formatSourceBinding(binding));
         }
         return;
     }
-    const std::string source = taskdsl::formatSourceSpec(taskdsl::sourceSpecOf(task));
+    requireNumericFrame(task.source);
+    const std::string source = formatSourceSpec(task.source);
     addScalar(text, "source", source.empty() ? "origin" : source);
 }
 
@@ -274,7 +275,7 @@ void writePayload(LineBuilder& text, const TaskInfo& task) {
 
 void writeMods(LineBuilder& text, const TaskInfo& task) {
     std::vector<std::string> lines;
-    for (const auto& entry : taskdsl::modEntriesOf(task)) {
+    for (const auto& entry : task.modEntries) {
         if (std::string line = taskdsl::formatModEntry(entry); !line.empty()) {
             lines.push_back(std::move(line));
         }
@@ -290,7 +291,7 @@ void writeTask(LineBuilder& text, const TaskInfo& task) {
     }
     writeBatch(text, task);
     writeControl(text, task);
-    addBlock(text, "when", task.whenConditions);
+    addBlock(text, "when", whenConditions(task));
     writePayload(text, task);
     addCommands(text, "preprocess", task.preProcessCommands);
     addCommands(text, "process", task.processCommands);
@@ -327,13 +328,13 @@ class DocumentPrinter {
             }
         }
         for (const auto& plot : document.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, "", context.warnings), true);
+            printSubstituted("plot", plot.name, renderPlot(plot, "", context.warnings));
             if (!document.derives.empty() || &plot != &document.plots.back()) {
                 text.line();
             }
         }
         for (const auto& derive : document.derives) {
-            printBlock("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings), true);
+            printSubstituted("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings));
             if (&derive != &document.derives.back()) {
                 text.line();
             }
@@ -351,14 +352,19 @@ class DocumentPrinter {
         // A plot of a declared task is read as it stands; the defines come later.
         const bool isExpanded = context.view == CanonicalView::matrixExpandedView;
         for (const auto& plot : task.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, "  ", context.warnings), isExpanded);
+            const std::string printed = renderPlot(plot, "  ", context.warnings);
+            if (isExpanded) {
+                printSubstituted("plot", plot.name, printed);
+            } else {
+                text.add(printed);
+            }
         }
     }
 
-    void printBlock(std::string_view what, std::string_view name, const std::string& printed,
-                    bool takesDefines) {
+    /// Prints a block into which the defines go where it is read.
+    void printSubstituted(std::string_view what, std::string_view name, const std::string& printed) {
         text.add(printed);
-        if (context.warnings && takesDefines) {
+        if (context.warnings) {
             reportReplacedKey(context, what, name, printed);
         }
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <set>
@@ -13,6 +14,9 @@ namespace morquill::taskdsl {
 using ValueMap = std::map<std::string, std::string, std::less<>>;
 /// Keys of a `ValueMap`.
 using KeySet = std::set<std::string, std::less<>>;
+
+/// Whether a text may still hold a `[key]` that a later substitution replaces.
+enum class Placeholders : std::uint8_t { refused, allowed };
 
 /// Replaces every `[key]` whose key is in `values`; unknown keys stay as written, and what was put in is not
 /// scanned again. A key is one or more of letters, digits, `_`, `.` and `-` (pattern

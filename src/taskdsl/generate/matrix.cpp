@@ -5,7 +5,6 @@
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 #include "taskdsl/base/scan.h"
-#include "taskdsl/generate/define_block.h"
 
 #include <algorithm>
 
@@ -129,7 +128,7 @@ std::vector<MatrixAxis> parseMatrixBlock(const std::vector<std::string_view>& li
     return std::move(reader.axes);
 }
 
-void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, bool override) {
+void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash) {
     for (const auto& axis : axes) {
         if (isReservedKey(axis.key)) {
             throw DiagnosticError("matrix axis '" + axis.key +
@@ -140,7 +139,7 @@ void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, boo
                 throw DiagnosticError("matrix has more than " + std::to_string(limits::matrixAxes) + " axes");
             }
             target.axes.push_back(axis);
-        } else if (override) {
+        } else if (clash == NameClash::takeNew) {
             known->second = axis.values;
             const auto declared =
                 std::find_if(target.axes.begin(), target.axes.end(),
@@ -152,8 +151,8 @@ void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, boo
     }
 }
 
-void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, bool override) {
-    mergeMatrixAxes({document.matrixAxes, document.matrixValues}, axes, override);
+void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, NameClash clash) {
+    mergeMatrixAxes({document.matrixAxes, document.matrixValues}, axes, clash);
 }
 
 } // namespace morquill::taskdsl

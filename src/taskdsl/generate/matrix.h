@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/generate/define_block.h"
 #include "taskdsl/task/matrix_axis.h"
 #include "taskdsl/task/task_document.h"
 
@@ -24,9 +25,9 @@ struct MatrixAxes {
     std::map<std::string, std::vector<std::string>, std::less<>>& values;
 };
 
-/// Puts axes behind those that are there; an axis of the same key is replaced in its place with `override`
-/// and kept otherwise. Throws `DiagnosticError` for a reserved key.
-void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, bool override);
-void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, bool override);
+/// Puts axes behind those that are there; an axis of the same key is replaced in its place or kept. Throws
+/// `DiagnosticError` for a reserved key.
+void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash);
+void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, NameClash clash);
 
 } // namespace morquill::taskdsl

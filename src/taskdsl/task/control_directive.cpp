@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <initializer_list>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -29,7 +31,7 @@ struct ControlLine {
     std::string_view rest; ///< the text behind the key's letters, trimmed
 };
 
-/// Gives true when the line declares a control of the task.
+/// Returns whether the line declares a control of the task.
 using ControlHandler = bool (*)(const ControlLine&);
 
 struct ControlRow {
@@ -64,31 +66,28 @@ void warnExtraTokens(const ControlLine& line, std::string_view canonicalKey) {
                      " value; ignoring them.");
 }
 
-bool readInteger(const ControlLine& line, std::int32_t& target, bool allowNegative) {
-    const auto field = secondField(line.text);
-    if (!field) {
+/// Reads an integer of at least `least` into a field of the task.
+template <std::int32_t TaskInfo::*field, std::int32_t least>
+bool readInteger(const ControlLine& line) {
+    const auto text = secondField(line.text);
+    if (!text) {
         return false;
     }
-    const auto value = readLeadingInt(*field);
-    if (!value || (*value < 0 && !allowNegative)) {
-        warnInvalid(line, *field);
+    const auto value = readLeadingInt(*text);
+    if (!value || *value < least) {
+        warnInvalid(line, *text);
         return false;
     }
-    target = *value;
+    line.task.*field = *value;
     return true;
 }
 
-bool readTotalCores(const ControlLine& line) {
-    return readInteger(line, line.task.totalCores, true);
-}
-
-bool readTotalMemory(const ControlLine& line) {
-    return readInteger(line, line.task.totalMemory, true);
-}
-
-bool readGpus(const ControlLine& line) {
-    return readInteger(line, line.task.gpuCount, false);
-}
+// The sign of the first two is checked where a header value may take their place.
+constexpr std::int32_t anyInteger = std::numeric_limits<std::int32_t>::min();
+constexpr ControlHandler readTotalCores = readInteger<&TaskInfo::totalCores, anyInteger>;
+constexpr ControlHandler readTotalMemory = readInteger<&TaskInfo::totalMemory, anyInteger>;
+constexpr ControlHandler readGpus = readInteger<&TaskInfo::gpuCount, 0>;
+constexpr ControlHandler readGpuMemory = readInteger<&TaskInfo::gpuMemory, 0>;
 
 bool readLegacyGpus(const ControlLine& line) {
     warnLegacyName(line, "gpus");
@@ -107,10 +106,6 @@ bool readGpuType(const ControlLine& line) {
 bool readLegacyGpuType(const ControlLine& line) {
     warnLegacyName(line, "gpu_type");
     return readGpuType(line);
-}
-
-bool readGpuMemory(const ControlLine& line) {
-    return readInteger(line, line.task.gpuMemory, false);
 }
 
 bool readLegacyGpuMemory(const ControlLine& line) {

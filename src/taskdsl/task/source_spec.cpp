@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace morquill::taskdsl {
 
@@ -57,25 +58,22 @@ std::string frameSuffix(bool hasFrame, std::int32_t frameIndex) {
     return hasFrame ? " frame=" + std::to_string(frameIndex) : std::string{};
 }
 
-SourceXyz parseInlineXyz(std::string_view text) {
-    const auto words = splitShellWords(text.substr(xyzPrefix.size()));
+SourceXyz readXyz(std::string_view text) {
+    auto words = splitShellWords(text.substr(xyzPrefix.size()));
     SourceXyz xyz;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::string_view word = words[i];
-        if (i == 0) {
-            xyz.file = unquoteAll(word);
-        } else if (!xyz.hasFrame && word.starts_with(framePrefix)) {
-            const auto frame = readPositiveInt(word.substr(framePrefix.size()));
-            if (!frame) {
-                fail("%source xyz frame selector must be a positive integer");
-            }
-            xyz.frameIndex = *frame;
-            xyz.hasFrame = true;
-        } else if (!word.empty()) {
-            xyz.furtherWords.emplace_back(word);
-        }
+    if (!words.empty()) {
+        xyz.file = std::move(words.front());
+        words.erase(words.begin());
     }
+    xyz.furtherWords = std::move(words);
+    rereadXyz(xyz);
     return xyz;
+}
+
+/// The first `frame=` among the further words.
+auto findFrameWord(const SourceXyz& xyz) {
+    return std::find_if(xyz.furtherWords.begin(), xyz.furtherWords.end(),
+                        [](const std::string& word) { return word.starts_with(framePrefix); });
 }
 
 void readBindingKey(SourceBinding& binding, std::string_view key) {
@@ -139,7 +137,7 @@ bool isBareTask(const SourceBinding& binding) noexcept {
     return !binding.sourceTask.empty() && binding.sourceValue.empty();
 }
 
-void validateBinding(const SourceBinding& binding, bool strictFrames) {
+void validateBinding(const SourceBinding& binding, Placeholders placeholders) {
     if (!isDottedIdentifier(binding.key)) {
         fail("structured %source contains an invalid binding key");
     }
@@ -153,7 +151,7 @@ void validateBinding(const SourceBinding& binding, bool strictFrames) {
     }
     const bool isXyz = binding.sourceKind == BindingSource::xyz && !isBareTask(binding);
     for (const auto& [key, value] : binding.selectors) {
-        if (strictFrames && isXyz && key == frameKey) {
+        if (placeholders == Placeholders::refused && isXyz && key == frameKey) {
             failBinding(binding.key, "has an invalid frame selector; frame must be a positive integer");
         }
         if (!isDottedIdentifier(key) || value.empty()) {
@@ -214,7 +212,7 @@ std::string formatBindings(const std::vector<SourceBinding>& bindings) {
 
 } // namespace
 
-SourceSpec parseInlineSource(std::string_view text) {
+SourceSpec readInlineSource(std::string_view text) {
     text = trim(text);
     if (text.empty()) {
         return SourceNone{};
@@ -226,13 +224,26 @@ SourceSpec parseInlineSource(std::string_view text) {
         return SourceRestart{};
     }
     if (text.starts_with(xyzPrefix)) {
-        return parseInlineXyz(text);
+        return readXyz(text);
     }
     auto names = splitTrimmed(text, ',');
     if (names.empty()) {
         names.emplace_back(text);
     }
     return SourceTaskList{std::move(names)};
+}
+
+void requireNumericFrame(const SourceSpec& source) {
+    const auto* xyz = std::get_if<SourceXyz>(&source);
+    if (xyz != nullptr && !xyz->hasFrame && findFrameWord(*xyz) != xyz->furtherWords.end()) {
+        fail("%source xyz frame selector must be a positive integer");
+    }
+}
+
+SourceSpec parseInlineSource(std::string_view text) {
+    auto source = readInlineSource(text);
+    requireNumericFrame(source);
+    return source;
 }
 
 SourceSpec parseSourceText(std::string_view text) {
@@ -247,7 +258,7 @@ SourceSpec parseSourceText(std::string_view text) {
             structured.bindings.push_back(parseSourceBinding(entry));
         }
     }
-    validateStructuredSource(structured.bindings, true);
+    validateStructuredSource(structured.bindings, Placeholders::refused);
     return structured;
 }
 
@@ -282,13 +293,13 @@ SourceBinding parseSourceBinding(std::string_view line) {
     return binding;
 }
 
-void validateStructuredSource(const std::vector<SourceBinding>& bindings, bool strictFrames) {
+void validateStructuredSource(const std::vector<SourceBinding>& bindings, Placeholders placeholders) {
     if (bindings.empty()) {
         fail("structured %source must contain at least one binding");
     }
     std::set<std::string_view> slots;
     for (const auto& binding : bindings) {
-        validateBinding(binding, strictFrames);
+        validateBinding(binding, placeholders);
         if (binding.role != BindingRole::geometry) {
             continue;
         }
@@ -327,6 +338,20 @@ void rereadBinding(SourceBinding& binding) {
     }
 }
 
+void rereadXyz(SourceXyz& xyz) {
+    xyz.file = std::string(unquoteAll(xyz.file));
+    std::erase_if(xyz.furtherWords, [](const std::string& word) { return word.empty(); });
+    const auto word = findFrameWord(xyz);
+    if (xyz.hasFrame || word == xyz.furtherWords.end()) {
+        return;
+    }
+    if (const auto frame = readPositiveInt(std::string_view(*word).substr(framePrefix.size()))) {
+        xyz.frameIndex = *frame;
+        xyz.hasFrame = true;
+        xyz.furtherWords.erase(word);
+    }
+}
+
 std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& lines,
                                             std::string_view taskName, const SourceSpan& directiveSpan) {
     const std::string task = "task " + inQuotes(taskName);
@@ -348,7 +373,7 @@ std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& 
             task + " has empty %source; provide an inline source or one or more structured bindings");
     }
     try {
-        validateStructuredSource(bindings, false);
+        validateStructuredSource(bindings, Placeholders::allowed);
     } catch (const DiagnosticError& fault) {
         throw structuredSourceFault(directiveSpan, taskName, fault);
     }
@@ -382,34 +407,49 @@ std::string formatSourceSpec(const SourceSpec& spec) {
         spec);
 }
 
-SourceSpec sourceSpecOf(const TaskInfo& task) {
-    if (hasStructuredSource(task)) {
-        return SourceStructured{task.sourceBindings};
-    }
-    const auto& names = task.sourceTasks;
-    if (!names.empty() && (task.source.empty() || names.size() > 1 || names.front() == task.source)) {
-        return SourceTaskList{names};
-    }
-    return parseInlineSource(task.source);
+void applySource(TaskInfo& task, SourceSpec source) {
+    const auto* list = std::get_if<SourceTaskList>(&source);
+    const auto* structured = std::get_if<SourceStructured>(&source);
+    const bool isEmpty =
+        (list != nullptr && list->names.empty()) || (structured != nullptr && structured->bindings.empty());
+    task.source = isEmpty ? SourceSpec(SourceNone{}) : std::move(source);
 }
 
-void applySource(TaskInfo& task, const SourceSpec& spec, bool keepList) {
-    task.sourceBindings.clear();
-    task.sourceTasks.clear();
-    if (const auto* structured = std::get_if<SourceStructured>(&spec)) {
-        task.source.clear();
-        task.sourceBindings = structured->bindings;
-        return;
+std::string sourceText(const TaskInfo& task) {
+    if (!hasSimpleSource(task)) {
+        return {};
     }
-    const auto* list = std::get_if<SourceTaskList>(&spec);
-    if (list == nullptr || list->names.empty()) {
-        task.source = formatSourceSpec(spec);
-        return;
+    const auto& names = sourceTasks(task);
+    return names.empty() ? formatSourceSpec(task.source) : names.front();
+}
+
+const std::vector<std::string>& sourceTasks(const TaskInfo& task) noexcept {
+    static const std::vector<std::string> none;
+    const auto* list = std::get_if<SourceTaskList>(&task.source);
+    return list == nullptr ? none : list->names;
+}
+
+const std::vector<SourceBinding>& sourceBindings(const TaskInfo& task) noexcept {
+    static const std::vector<SourceBinding> none;
+    const auto* structured = std::get_if<SourceStructured>(&task.source);
+    return structured == nullptr ? none : structured->bindings;
+}
+
+bool hasStructuredSource(const TaskInfo& task) noexcept {
+    return !sourceBindings(task).empty();
+}
+
+bool hasSimpleSource(const TaskInfo& task) noexcept {
+    if (const auto* list = std::get_if<SourceTaskList>(&task.source)) {
+        return !list->names.empty() && !list->names.front().empty();
     }
-    task.source = list->names.front();
-    if (list->names.size() > 1 || keepList) {
-        task.sourceTasks = list->names;
-    }
+    return !std::holds_alternative<SourceNone>(task.source) &&
+           !std::holds_alternative<SourceStructured>(task.source);
+}
+
+std::string_view upstreamTask(const TaskInfo& task) noexcept {
+    const auto& names = sourceTasks(task);
+    return names.empty() ? std::string_view{} : names.front();
 }
 
 } // namespace morquill::taskdsl

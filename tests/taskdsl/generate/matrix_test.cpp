@@ -60,12 +60,12 @@ TEST(MatrixBlock, TellsWhatDoesNotFit) {
 
 TEST(MergeMatrixAxes, ReplacesInPlaceOrKeeps) {
     TaskDocument document;
-    mergeMatrixAxes(document, {{"a", {"1"}, {}, {}}, {"b", {"2"}, {}, {}}}, true);
-    mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}, {"c", {}, {}, "b"}}, false);
+    mergeMatrixAxes(document, {{"a", {"1"}, {}, {}}, {"b", {"2"}, {}, {}}}, NameClash::takeNew);
+    mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}, {"c", {}, {}, "b"}}, NameClash::keepOld);
     EXPECT_THAT(document.matrixAxes,
                 ElementsAre(MatrixAxis{"a", {"1"}, {}, {}}, MatrixAxis{"b", {"2"}, {}, {}},
                             MatrixAxis{"c", {}, {}, "b"}));
-    mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}}, true);
+    mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}}, NameClash::takeNew);
     EXPECT_EQ(document.matrixAxes[0], (MatrixAxis{"a", {"3"}, {"n"}, {}}));
     EXPECT_THAT(document.matrixValues,
                 ElementsAre(testing::Pair("a", ElementsAre("3")), testing::Pair("b", ElementsAre("2")),
@@ -75,14 +75,15 @@ TEST(MergeMatrixAxes, ReplacesInPlaceOrKeeps) {
 TEST(MergeMatrixAxes, RefusesReservedKeysAndMoreAxesThanAnybodyNeeds) {
     TaskDocument document;
     EXPECT_EQ(messageOf([&] {
-                  mergeMatrixAxes(document, {{"geom.a", {}, {}, {}}}, true);
+                  mergeMatrixAxes(document, {{"geom.a", {}, {}, {}}}, NameClash::takeNew);
               }),
               "matrix axis 'geom.a' is reserved for runtime %source placeholders");
     std::vector<MatrixAxis> many;
     for (int i = 0; i <= 1000; ++i) {
         many.push_back({"a_" + std::to_string(i), {}, {}, {}});
     }
-    EXPECT_EQ(messageOf([&] { mergeMatrixAxes(document, many, true); }), "matrix has more than 1000 axes");
+    EXPECT_EQ(messageOf([&] { mergeMatrixAxes(document, many, NameClash::takeNew); }),
+              "matrix has more than 1000 axes");
 }
 
 } // namespace
