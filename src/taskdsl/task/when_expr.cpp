@@ -16,7 +16,6 @@ namespace morquill::taskdsl {
 
 namespace {
 
-
 /// In the order in which they are tried at one place.
 constexpr auto compareWords = wordTable<WhenCompareOp>({
     {"==", WhenCompareOp::equal},
