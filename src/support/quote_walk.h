@@ -35,8 +35,8 @@ struct QuoteRow {
     Backslash backslash = Backslash::inQuotes;
     Protected isProtected = Protected::anyByte;
     Snapshots snapshots = Snapshots::none;
-    std::string_view opening = ""; ///< brackets that count outside quotes and snapshots; all are of one kind
-    std::string_view closing = ""; ///< one that closes nothing changes nothing
+    std::string_view opening = {}; ///< brackets that count outside quotes and snapshots; all are of one kind
+    std::string_view closing = {}; ///< one that closes nothing changes nothing
 };
 
 /// A row, ready for a walk: what each byte may mean.
