@@ -20,20 +20,15 @@ using taskdsl::ValueMap;
 
 namespace {
 
-bool isNameByte(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '-';
-}
-
 /// A key that every reader of the prelude takes as it stands.
 bool isPlainKey(std::string_view key) noexcept {
-    return !key.empty() && (isLetter(key.front()) || key.front() == '_') &&
-           std::all_of(key.begin(), key.end(), isNameByte) && key != "define" && key != "matrix" &&
-           !equalsNoCase(key, "null");
+    return !key.empty() && isWordStart(key.front()) && std::all_of(key.begin(), key.end(), isKeyChar) &&
+           key != "define" && key != "matrix" && !equalsNoCase(key, "null");
 }
 
 /// A value that YAML takes as it stands, bare or between double quotes: printable ASCII.
 bool isPlainSettingValue(std::string_view value) noexcept {
-    return value.empty() || (isNameByte(value.front()) && std::all_of(value.begin(), value.end(), [](char c) {
+    return value.empty() || (isKeyChar(value.front()) && std::all_of(value.begin(), value.end(), [](char c) {
                                  return c >= ' ' && c <= '~';
                              }));
 }
@@ -45,9 +40,8 @@ bool readsAsSetting(const std::string& line, const std::string& key, const std::
     run.followsIncludes = false;
     taskdsl::DocumentContext context(run);
     const auto lines = taskdsl::makeSourceLines(text, {});
-    std::size_t next = 0;
     try {
-        const auto read = taskdsl::parsePrelude(lines, 0, next, "", context);
+        const auto [read, next] = taskdsl::parsePrelude(lines, "", context);
         return next == lines.size() && read.defines.empty() && read.matrixAxes.empty() &&
                read.collections.empty() && read.settings == ValueMap{{"dsl_version", "2"}, {key, value}};
     } catch (const DiagnosticError&) {
@@ -56,14 +50,12 @@ bool readsAsSetting(const std::string& line, const std::string& key, const std::
 }
 
 bool readsAsDefine(const std::string& line, const std::string& key, const std::string& value) {
-    std::size_t next = 0;
-    return taskdsl::parseDefineBlock(taskdsl::makeSourceLines(line, {}), 0, next) == ValueMap{{key, value}};
+    return taskdsl::parseDefineBlock(taskdsl::makeSourceLines(line, {}), 0).value == ValueMap{{key, value}};
 }
 
 bool readsAsAxis(const std::string& lines, const MatrixAxis& axis) {
-    std::size_t next = 0;
     try {
-        return taskdsl::parseMatrixBlock(taskdsl::makeSourceLines(lines, {}), 0, next) == std::vector{axis};
+        return taskdsl::parseMatrixBlock(taskdsl::makeSourceLines(lines, {}), 0).value == std::vector{axis};
     } catch (const DiagnosticError&) {
         return false;
     }

@@ -1,11 +1,13 @@
 #include "taskdsl/generate/define_block.h"
 
 #include "support/text.h"
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace morquill::taskdsl {
 
@@ -37,9 +39,10 @@ void requireFreeDefineKey(std::string_view key) {
     }
 }
 
-ValueMap parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start, std::size_t& next) {
+TakenLines<ValueMap> parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start) {
     ValueMap defines;
-    for (next = start; next < lines.size(); ++next) {
+    std::size_t next = start;
+    for (; next < lines.size(); ++next) {
         const auto text = lines[next].clean();
         if (text.empty()) {
             continue;
@@ -53,13 +56,13 @@ ValueMap parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t star
             defines.insert_or_assign(std::string(key), readScalar(text.substr(colon + 1)));
         }
     }
-    return defines;
+    return {std::move(defines), next};
 }
 
-void mergeDefines(TaskDocument& document, const ValueMap& defines, bool override) {
+void mergeDefines(TaskDocument& document, const ValueMap& defines, NameClash clash) {
     for (const auto& [key, value] : defines) {
         requireFreeDefineKey(key);
-        if (override) {
+        if (clash == NameClash::takeNew) {
             document.defines.insert_or_assign(key, value);
         } else {
             document.defines.try_emplace(key, value);

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
 #include "taskdsl/task/task_document.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -18,12 +20,13 @@ namespace morquill::taskdsl {
 /// Throws `DiagnosticError` for a reserved define key.
 void requireFreeDefineKey(std::string_view key);
 
-/// Reads the body of a `define:` section from line `start`; `next` is the first line behind it.
-[[nodiscard]] ValueMap parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start,
-                                        std::size_t& next);
+/// Reads the body of a `define:` section from line `start`.
+[[nodiscard]] TakenLines<ValueMap> parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start);
 
-/// Puts defines into the document; without `override` a key that is there keeps its value. Throws
-/// `DiagnosticError` for a reserved key.
-void mergeDefines(TaskDocument& document, const ValueMap& defines, bool override);
+/// What a merge does with a name that is there already.
+enum class NameClash : std::uint8_t { keepOld, takeNew };
+
+/// Puts defines into the document. Throws `DiagnosticError` for a reserved key.
+void mergeDefines(TaskDocument& document, const ValueMap& defines, NameClash clash);
 
 } // namespace morquill::taskdsl

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/base/quote_rules.h"
 #include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
 
@@ -54,19 +55,23 @@ class ParenthesisCount {
     /// Reads on; false when a parenthesis is closed that was not opened.
     bool read(std::string_view text) noexcept;
     /// True when every opened parenthesis is closed.
-    [[nodiscard]] bool balanced() const noexcept { return depth == 0; }
+    [[nodiscard]] bool balanced() const noexcept { return walk_.depth() == 0; }
 
   private:
-    std::size_t depth = 0;
-    char quote = '\0';
+    QuoteWalk walk_{quote_rules::includeLine};
 };
 
 /// How a list of parentheses that runs over several lines ended.
 enum class GatherEnd { balanced, unterminated, unmatched };
 
-/// The cleaned line at `index` and those behind it, joined with one blank until the parentheses balance.
-/// `index` is left on the last line taken.
-[[nodiscard]] GatherEnd gatherParentheses(const std::vector<SourceLine>& lines, std::size_t& index,
-                                          std::string& text);
+/// Lines that were joined into one text.
+struct GatheredLines {
+    std::string text;
+    std::size_t last = 0; ///< the last line taken
+    GatherEnd end = GatherEnd::unterminated;
+};
+
+/// The cleaned line at `first` and those behind it, joined with one blank until the parentheses balance.
+[[nodiscard]] GatheredLines gatherParentheses(const std::vector<SourceLine>& lines, std::size_t first);
 
 } // namespace morquill::taskdsl

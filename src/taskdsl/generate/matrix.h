@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/generate/define_block.h"
 #include "taskdsl/task/matrix_axis.h"
 #include "taskdsl/task/task_document.h"
 
@@ -11,16 +12,11 @@
 /// `matrix:` sections as they are declared.
 namespace morquill::taskdsl {
 
-/// The fields of a comma list, trimmed and unquoted; commas inside quotes do not count, empty fields are
-/// dropped.
-[[nodiscard]] std::vector<std::string> splitValueList(std::string_view text);
-
 /// Reads the body of a `matrix:` section from line `start`, in mapping syntax (`  key: values`) or list
-/// syntax
-/// (`  - key: values` with `name:` and `map:` lines below); `next` is the first line behind it. Throws
-/// `DiagnosticError` when the syntaxes are mixed or a line does not fit.
-[[nodiscard]] std::vector<MatrixAxis> parseMatrixBlock(const std::vector<SourceLine>& lines,
-                                                       std::size_t start, std::size_t& next);
+/// syntax (`  - key: values` with `name:` and `map:` lines below). Throws `DiagnosticError` when the syntaxes
+/// are mixed or a line does not fit.
+[[nodiscard]] TakenLines<std::vector<MatrixAxis>> parseMatrixBlock(const std::vector<SourceLine>& lines,
+                                                                   std::size_t start);
 
 /// Declared axes in order, and their value lists by key.
 struct MatrixAxes {
@@ -28,9 +24,9 @@ struct MatrixAxes {
     std::map<std::string, std::vector<std::string>, std::less<>>& values;
 };
 
-/// Puts axes behind those that are there; an axis of the same key is replaced in its place with `override`
-/// and kept otherwise. Throws `DiagnosticError` for a reserved key.
-void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, bool override);
-void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, bool override);
+/// Puts axes behind those that are there; an axis of the same key is replaced in its place or kept. Throws
+/// `DiagnosticError` for a reserved key.
+void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash);
+void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, NameClash clash);
 
 } // namespace morquill::taskdsl

@@ -2,6 +2,7 @@
 
 #include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/foreach.h"
 #include "taskdsl/generate/parse_context.h"
 #include "taskdsl/task/matrix_axis.h"
@@ -24,12 +25,10 @@ struct PreludeResult {
     Collections collections;
 };
 
-/// Reads the prelude from line `start`; `next` is the first line that is no part of it. YAML files and
-/// libraries that it names are read relative to `path`. Throws `DiagnosticError` for a section that cannot be
-/// read.
-[[nodiscard]] PreludeResult parsePrelude(const std::vector<SourceLine>& lines, std::size_t start,
-                                         std::size_t& next, const std::string& path,
-                                         DocumentContext& context);
+/// Reads the prelude off the front of a file's lines. YAML files and libraries that it names are read
+/// relative to `path`. Throws `DiagnosticError` for a section that cannot be read.
+[[nodiscard]] TakenLines<PreludeResult> parsePrelude(const std::vector<SourceLine>& lines,
+                                                     const std::string& path, DocumentContext& context);
 
 /// Refuses a YAML document marker (`---`, `...`) as the line that ended the prelude of a file, when it hides
 /// lines from it: what stands between the prelude and the first block is passed over without a word. Throws
@@ -41,8 +40,8 @@ void requireWholePrelude(const std::vector<SourceLine>& lines, std::size_t next,
 [[nodiscard]] PreludeResult parseYamlInclude(const std::string& target, const std::string& base,
                                              DocumentContext& context);
 
-/// Puts the settings, defines and axes of a prelude into the document. Without `override` only where the name
-/// is free. Throws `DiagnosticError` for a reserved name.
-void mergePrelude(TaskDocument& document, const PreludeResult& prelude, bool override);
+/// Puts the settings, defines and axes of a prelude into the document. Throws `DiagnosticError` for a
+/// reserved name.
+void mergePrelude(TaskDocument& document, const PreludeResult& prelude, NameClash clash);
 
 } // namespace morquill::taskdsl

@@ -53,7 +53,7 @@ void substituteDefines(TaskDocument& document) {
     if (document.matrixAxes.empty() &&
         std::any_of(document.tasks.begin(), document.tasks.end(), holdsBrackets)) {
         for (auto& task : document.tasks.edit()) {
-            substituteTask(task, document.defines, true);
+            substituteTask(task, document.defines);
         }
     }
     for (auto& plot : document.plots) {
@@ -90,22 +90,21 @@ Collections readExtraYaml(TaskDocument& document, const std::string& path, Docum
     for (const auto& axis : extra.matrixAxes) {
         implicit.axes.insert(axis.key);
     }
-    mergePrelude(document, extra, false);
+    mergePrelude(document, extra, NameClash::keepOld);
     return std::move(extra.collections);
 }
 
 /// Reads the prelude off the front of a file's lines; those of its body stay.
 PreludeResult takePrelude(std::vector<SourceLine>& lines, const std::string& path, DocumentContext& context) {
-    std::size_t next = 0;
-    auto prelude = parsePrelude(lines, 0, next, path, context);
-    requireWholePrelude(lines, next, path);
-    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(next));
-    return prelude;
+    auto prelude = parsePrelude(lines, path, context);
+    requireWholePrelude(lines, prelude.next, path);
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(prelude.next));
+    return std::move(prelude.value);
 }
 
 /// Puts the file's own prelude into the document: what it says itself did not come from beside it.
 void mergeOwnPrelude(TaskDocument& document, const PreludeResult& prelude) {
-    mergePrelude(document, prelude, true);
+    mergePrelude(document, prelude, NameClash::takeNew);
     ImplicitContent& implicit = document.implicitContent;
     for (const auto& [key, value] : prelude.settings) {
         implicit.settings.erase(key);
@@ -135,7 +134,7 @@ TaskDocument readDocument(std::string_view text, const std::string& path, const 
     document.filePath = path;
     const std::filesystem::path directory = std::filesystem::path(path).parent_path();
     document.directory = directory.string();
-    mergeDefines(document, defines, true);
+    mergeDefines(document, defines, NameClash::takeNew);
 
     std::vector<IncludedTasks> included;
     const auto includeTasks = [&](const std::string& target, const std::string& base) {
