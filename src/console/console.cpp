@@ -1,5 +1,7 @@
 #include "console/console.h"
 
+#include "support/fault.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -76,7 +78,7 @@ int finishOutput(int status) {
         return status;
     }
     if (outputError != EPIPE) {
-        const std::string reason = std::strerror(outputError);
+        const std::string reason = systemErrorText(outputError);
         writeErr(errorTag() + " could not write to standard output: " + reason + "\n");
     }
     return status == 0 ? 1 : status;

@@ -61,9 +61,12 @@ int refuse(std::string_view message, std::string_view programPath) {
 int runProjectAdd(const ProjectOptions& options, std::string_view programPath) {
     AddRun run;
     run.dryRun = options.dryRun;
-    if (std::string error; !resolveProjectTemplate(options.path, run.root, run.file, error)) {
-        return refuse(error, programPath);
+    const auto project = resolveProjectTemplate(options.path);
+    if (!project) {
+        return refuse("[mqkit][ERROR] " + project.error(), programPath);
     }
+    run.root = project->root;
+    run.file = project->file;
     if (options.xyzFiles.empty()) {
         return refuse("[mqkit][ERROR] project add requires at least one .xyz file.", programPath);
     }

@@ -1,6 +1,6 @@
 #include "project/cases/block_pattern.h"
 #include "project/cases/selection.h"
-#include "project/cases/target.h"
+#include "project/choice.h"
 #include "project/project_command.h"
 #include "project/workflows.h"
 #include "support/file.h"
@@ -56,7 +56,8 @@ std::string targetName(const std::string& source, const std::string& caseName) {
 void collectPattern(const CollectPlace& place, const std::string& pattern, bool dryRun,
                     CollectSummary& summary) {
     const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
-    const auto matches = expandBlockPattern(place.blockDir, pattern, directoriesOnly);
+    const auto matches = expandBlockPattern(place.blockDir, pattern,
+                                            directoriesOnly ? MatchedKind::directories : MatchedKind::any);
     if (matches.empty()) {
         system::printLine("[mqkit][SKIP] " + place.label + " : " + pattern);
     }
@@ -101,9 +102,9 @@ int printCollectSummary(const CollectSummary& summary, const std::string& result
 } // namespace
 
 int runProjectCollect(const ProjectOptions& options, std::string_view programPath) {
-    ChosenBlocks chosen;
-    std::vector<std::string> caseDirs;
-    if (!chooseBlocks(options, programPath, chosen) || !chooseCases(chosen.root, programPath, caseDirs)) {
+    const auto chosen = chooseBlocks(options, programPath);
+    const auto caseDirs = chosen ? chooseCases(chosen->root, programPath) : std::nullopt;
+    if (!caseDirs) {
         return 1;
     }
     if (options.patterns.empty()) {
@@ -111,20 +112,20 @@ int runProjectCollect(const ProjectOptions& options, std::string_view programPat
         printProjectHelp(programPath);
         return 1;
     }
-    const auto results = joinPath(chosen.root, "results");
+    const auto results = joinPath(chosen->root, "results");
     if (!makeDirectory(results)) { // also in a dry run
         system::printErrorLine("[mqkit][ERROR] could not create results directory: " + results);
         return 1;
     }
-    printCollectHeader(options, chosen, results);
+    printCollectHeader(options, *chosen, results);
     CollectSummary summary;
-    for (const auto& task : chosen.selected) {
-        const auto targetDir = chosen.selected.size() > 1 ? joinPath(results, task) : results;
+    for (const auto& task : chosen->selected) {
+        const auto targetDir = chosen->selected.size() > 1 ? joinPath(results, task) : results;
         if (!options.dryRun && !makeDirectory(targetDir)) {
             system::printErrorLine("[mqkit][ERROR] could not create result directory: " + targetDir);
             return 1;
         }
-        for (const auto& caseDir : caseDirs) {
+        for (const auto& caseDir : *caseDirs) {
             const auto caseName = baseName(caseDir);
             const auto blockDir = joinPath(caseDir, task);
             const CollectPlace place{caseName, caseName + " / $" + task, blockDir, targetDir,

@@ -1,7 +1,7 @@
 #include "project/cases/selection.h"
-#include "project/cases/target.h"
+#include "project/choice.h"
+#include "project/phrases.h"
 #include "project/project_command.h"
-#include "project/regenerate.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/paths.h"
@@ -10,6 +10,7 @@
 #include "system/prompt.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace morquill::project {
 
@@ -57,30 +58,21 @@ void execInBlock(const ProjectOptions& options, const std::string& caseDir, cons
     const auto command = resolveCommand(options.command, task, caseName);
     system::printLine("\n>>> [" + caseName + "] " + blockDir + "\n$ " + command);
     summary.total += 1;
-    std::string failure;
-    if (options.dryRun || system::runShellCommand(blockDir, command, &failure)) {
+    const auto failure = options.dryRun ? std::nullopt : system::runShellCommand(blockDir, command);
+    if (!failure) {
         summary.success += 1;
         return;
     }
     summary.failed += 1;
-    system::printErrorLine("[mqkit][WARN] command failed: " + blockDir + inParentheses(failure));
+    system::printErrorLine("[mqkit][WARN] command failed: " + blockDir + inParentheses(*failure));
 }
 
 } // namespace
 
-bool chooseCases(const std::string& root, std::string_view programPath, std::vector<std::string>& caseDirs) {
-    caseDirs = listCaseDirectories(root);
-    if (caseDirs.empty()) {
-        system::printErrorLine("[mqkit][ERROR] no case subdirectories were found in project: " + root);
-        printProjectHelp(programPath);
-    }
-    return !caseDirs.empty();
-}
-
 int runProjectExec(const ProjectOptions& options, std::string_view programPath) {
-    ChosenBlocks chosen;
-    std::vector<std::string> caseDirs;
-    if (!chooseBlocks(options, programPath, chosen) || !chooseCases(chosen.root, programPath, caseDirs)) {
+    const auto chosen = chooseBlocks(options, programPath);
+    const auto caseDirs = chosen ? chooseCases(chosen->root, programPath) : std::nullopt;
+    if (!caseDirs) {
         return 1;
     }
     if (trim(options.command).empty()) {
@@ -88,12 +80,12 @@ int runProjectExec(const ProjectOptions& options, std::string_view programPath) 
         printProjectHelp(programPath);
         return 1;
     }
-    system::printLine("\n[Project Exec]\n  project template: " + chosen.file +
-                      "\n  task blocks: " + formatSelection(chosen.selected) +
+    system::printLine("\n[Project Exec]\n  project template: " + chosen->file +
+                      "\n  task blocks: " + formatSelection(chosen->selected) +
                       "\n  command: " + options.command + (options.dryRun ? "  (dry-run)\n" : "\n"));
     ExecSummary summary;
-    for (const auto& caseDir : caseDirs) {
-        for (const auto& task : chosen.selected) {
+    for (const auto& caseDir : *caseDirs) {
+        for (const auto& task : chosen->selected) {
             execInBlock(options, caseDir, task, summary);
         }
     }

@@ -2,11 +2,9 @@
 
 #include "console/command_line.h"
 #include "console/console.h"
-#include "project/cases/selection.h"
-#include "project/cases/target.h"
+#include "project/choice.h"
 #include "project/workflows.h"
 #include "support/fault.h"
-#include "support/text.h"
 #include "system/prompt.h"
 
 #include <exception>
@@ -67,7 +65,7 @@ int runSubCommand(const ProjectOptions& options, std::string_view programPath) {
     }
     // Names without anything to do with them: they are checked, so that a wrong one is told, and the help
     // says what could be done.
-    if (ChosenBlocks chosen; chooseBlocks(options, programPath, chosen)) {
+    if (chooseBlocks(options, programPath)) {
         printProjectHelp(programPath);
     }
     return 1;
@@ -107,33 +105,6 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
                                faultText(failure, options.path.empty() ? "." : options.path));
         return 1;
     }
-}
-
-bool chooseBlocks(const ProjectOptions& options, std::string_view programPath, ChosenBlocks& chosen) {
-    std::string error;
-    if (!resolveProjectTemplate(options.path, chosen.root, chosen.file, error)) {
-        system::printErrorLine(error);
-        printProjectHelp(programPath);
-        return false;
-    }
-    if (options.names.empty()) {
-        system::printErrorLine("[mqkit][ERROR] specify at least one task block with -n/--name.");
-        printProjectHelp(programPath);
-        return false;
-    }
-    TaskCatalog catalog;
-    if (!loadCatalog(chosen.root, chosen.file, catalog, error)) {
-        system::printErrorLine(error);
-        return false;
-    }
-    std::vector<std::string> missing;
-    if (!selectTaskBlocks(catalog, options.names, true, chosen.selected, missing)) {
-        system::printErrorLine("[mqkit][ERROR] task block not found in .projmq: " + join(missing, ", "));
-        printKnownBlocks(catalog);
-        printProjectHelp(programPath);
-        return false;
-    }
-    return true;
 }
 
 } // namespace morquill::project

@@ -2,6 +2,8 @@
 
 #include "console/console.h"
 #include "project/cases/selection.h"
+#include "project/choice.h"
+#include "project/phrases.h"
 #include "project/regenerate.h"
 #include "project/update_script.h"
 #include "support/file.h"
@@ -32,22 +34,22 @@ bool prepareRun(const WorkPlace& place, const std::vector<std::string>& selected
 
 /// Runs the generator on narrowed status files, which are back when this returns, throws or is ended by a
 /// signal.
-bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selected, UpdateSummary& summary) {
+bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selected,
+                 const UpdateOptions& options, UpdateSummary& summary) {
     const system::SignalGuard
         signals; // goes last: the status files are back before a signal ends the program
     StatusRestorer statusFiles;
-    if (!prepareRun(place, selected, false, statusFiles.backups(), summary)) {
+    if (!prepareRun(place, selected, options.dryRun, statusFiles.backups(), summary)) {
         return false;
     }
-    std::string failure;
-    const bool refreshed = signals.noted() == 0 && runGenerator(place, updateWords, failure);
+    const auto failure = signals.noted() == 0 ? runGenerator(place, updateWords) : std::nullopt;
     if (!statusFiles.restore() || signals.noted() != 0) {
         return false;
     }
     system::printLine("[mqkit] mq.status restored after comd-only update");
-    if (!refreshed) {
+    if (failure) {
         system::printErrorLine("[mqkit][ERROR] failed to re-run morquill in --comd-only mode" +
-                               inParentheses(failure));
+                               inParentheses(*failure));
         return false;
     }
     system::printLine("[mqkit] morquill --comd-only update completed");
@@ -55,8 +57,8 @@ bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selecte
 }
 
 bool leaveScript(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun) {
-    std::string path;
-    if (!writeComdRunnerScript(place.directory, place.caseDirs, selected, dryRun, path)) {
+    const auto path = comdRunnerScriptPath(place.directory);
+    if (!dryRun && !writeComdRunnerScript(place.directory, place.caseDirs, selected)) {
         system::printErrorLine("[mqkit][ERROR] failed to write comd runner script: " + path);
         return false;
     }
@@ -75,8 +77,8 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
     printWorkHeader(*place, selected, options.dryRun, updateWords);
     UpdateSummary summary;
     std::vector<StatusBackup> untouched;
-    const bool refreshed = options.dryRun ? prepareRun(*place, selected, true, untouched, summary)
-                                          : refreshComd(*place, selected, summary);
+    const bool refreshed = options.dryRun ? prepareRun(*place, selected, options.dryRun, untouched, summary)
+                                          : refreshComd(*place, selected, options, summary);
     if (!refreshed) {
         return false;
     }
@@ -99,10 +101,10 @@ bool runComd(const std::string& blockDir, const std::string& label, bool dryRun,
         return true;
     }
     system::printLine(std::string(executePrefix(dryRun)) + label + " -> bash comd");
-    std::string failure;
-    if (!dryRun && !system::runProgram(blockDir, "bash", {"comd"}, &failure)) {
+    const auto failure = dryRun ? std::nullopt : system::runProgram(blockDir, "bash", {"comd"});
+    if (failure) {
         summary.comdFailed += 1;
-        system::printErrorLine("[mqkit][WARN] comd execution failed: " + blockDir + inParentheses(failure));
+        system::printErrorLine("[mqkit][WARN] comd execution failed: " + blockDir + inParentheses(*failure));
         return false;
     }
     summary.comdSuccess += 1;
@@ -136,11 +138,11 @@ bool updateProject(const std::string& root, const std::string& file, const std::
 
 bool runProjectUpdate(const std::string& path, const std::vector<std::string>& names,
                       const UpdateOptions& options) {
-    ProjectTarget target;
-    std::vector<std::string> selected;
-    if (!chooseWork(path, names, "\n[mqkit] select task blocks to update comd:", target, selected)) {
+    const auto work = chooseWork(path, names, "\n[mqkit] select task blocks to update comd:");
+    if (!work) {
         return false;
     }
+    const auto& [target, selected] = *work;
     if (selected.empty()) {
         return true;
     }

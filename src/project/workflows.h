@@ -20,24 +20,6 @@ struct RebuildOptions {
     bool removeWorkMarkers = true;
 };
 
-/// A project and the blocks chosen from it by name.
-struct ChosenBlocks {
-    std::string root;
-    std::string file;                  ///< the project template
-    std::vector<std::string> selected; ///< expanded block names
-};
-
-/// What `exec`, `collect` and a run without sub-command begin with: resolves the template, demands names,
-/// loads the catalog and selects with wildcards. False after a message (and the project help where it
-/// belongs): the exit status is then 1.
-[[nodiscard]] bool chooseBlocks(const ProjectOptions& options, std::string_view programPath,
-                                ChosenBlocks& chosen);
-
-/// The case directories of a project in order, for `exec` and `collect`. False after a message and the
-/// project help when there is none.
-[[nodiscard]] bool chooseCases(const std::string& root, std::string_view programPath,
-                               std::vector<std::string>& caseDirs);
-
 /// Makes a project from the task and geometry files of the current directory. True on success.
 [[nodiscard]] bool runProjectInit();
 /// Adds cases to a project; the exit status.

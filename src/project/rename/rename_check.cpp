@@ -3,6 +3,7 @@
 #include "project/cases/task_catalog.h"
 #include "support/file.h"
 #include "support/name_list.h"
+#include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"

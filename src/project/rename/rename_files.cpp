@@ -1,10 +1,12 @@
 #include "project/rename/rename_files.h"
 
 #include "project/rename/word_replace.h"
+#include "support/descriptor.h"
+#include "support/directory.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
-#include "system/tree_walk.h"
 
 #include <algorithm>
 #include <array>
@@ -37,12 +39,13 @@ constexpr off_t largestText = off_t{2} << 30;
 /// The derived trees in which files carry the block and case in their names; only the last of each is deep.
 struct DerivedDirectory {
     const char* path;
-    bool recursive;
+    Depth depth;
 };
 constexpr DerivedDirectory derivedDirectories[] = {
-    {".morq/cache/snapshots", false}, {".morq/store/records", false},  {".morq/run/db-queue", false},
-    {".morq/store/revisions", true},  {"Results/DB/snapshots", false}, {"Results/DB/records", false},
-    {"Results/DB/queue", false},      {"Results/DB/revisions", true},
+    {".morq/cache/snapshots", Depth::one}, {".morq/store/records", Depth::one},
+    {".morq/run/db-queue", Depth::one},    {".morq/store/revisions", Depth::any},
+    {"Results/DB/snapshots", Depth::one},  {"Results/DB/records", Depth::one},
+    {"Results/DB/queue", Depth::one},      {"Results/DB/revisions", Depth::any},
 };
 
 /// Content stores, addressed by checksum: a changed file would no longer be what its name says.
@@ -56,10 +59,6 @@ constexpr DerivedDatabase derivedDatabases[] = {
     {".morq/cache/project.db", " cache DB"},
     {"Results/DB/project.db", " legacy DB"},
 };
-
-std::string systemText(int number) {
-    return std::strerror(number);
-}
 
 bool existsUnfollowed(const std::string& path) {
     struct stat info {};
@@ -90,12 +89,8 @@ bool isBinaryName(std::string_view name) {
 /// True when a file that is too large to be looked at whole shows by its first bytes that it is no text.
 bool beginsBinary(const std::string& path) {
     std::array<char, 1 << 16> buffer{};
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0) {
-        return false;
-    }
-    const ssize_t got = ::read(fd, buffer.data(), buffer.size());
-    ::close(fd);
+    const Descriptor file = openFile(path, O_RDONLY | O_NONBLOCK);
+    const ssize_t got = readFull(file.get(), buffer.data(), buffer.size());
     return got > 0 && std::memchr(buffer.data(), '\0', static_cast<std::size_t>(got)) != nullptr;
 }
 
@@ -157,11 +152,11 @@ void renameBlockDirectory(const std::string& caseDir, const RenamedBlock& block,
             report.errors.push_back("target block directory already exists: " + newDir);
         } else {
             report.errors.push_back("failed to rename block directory: " + oldDir + " -> " + newDir + ": " +
-                                    systemText(error));
+                                    systemErrorText(error));
         }
     }
     const auto workingDir = isDirectory(newDir) ? newDir : oldDir;
-    renamePrefixedFiles(workingDir, block.oldName + "_", block.newName + "_", true, report);
+    renamePrefixedFiles(workingDir, block.oldName + "_", block.newName + "_", Depth::any, report);
 }
 
 } // namespace
@@ -193,12 +188,12 @@ void renameBlockArtifacts(const std::string& caseDir, const std::string& caseNam
     }
     for (const auto& derived : derivedDirectories) {
         renamePrefixedFiles(joinPath(caseDir, derived.path), block.oldName + "_" + caseName,
-                            block.newName + "_" + caseName, derived.recursive, report);
+                            block.newName + "_" + caseName, derived.depth, report);
     }
 }
 
 void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, const std::string& newPrefix,
-                         bool recursive, RenameReport& report) {
+                         Depth reach, RenameReport& report) {
     if (oldPrefix == newPrefix || !isDirectory(dir)) {
         return;
     }
@@ -207,15 +202,15 @@ void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, c
         std::string path;
     };
     std::vector<Entry> entries;
-    system::walkTree(dir, [&](const std::string& path, system::EntryKind kind) {
-        if (kind == system::EntryKind::unreadable) {
+    walkTree(dir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
+        if (kind == EntryKind::unreadable) {
             report.errors.push_back("failed to read directory: " + path);
         } else if (std::string_view(path).substr(path.rfind('/') + 1).starts_with(oldPrefix)) {
             entries.push_back(
                 {std::count_if(path.begin(), path.end(), [](char c) { return c == '/' || c == '\\'; }),
                  path});
         }
-        return recursive;
+        return reach == Depth::any;
     });
     std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
         return std::tuple(b.depth, b.path.size(), std::string_view(a.path)) <
@@ -230,7 +225,8 @@ void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, c
         } else if (error == EEXIST) {
             report.errors.push_back("target already exists; cannot rename: " + target);
         } else {
-            report.errors.push_back("failed to rename: " + path + " -> " + target + ": " + systemText(error));
+            report.errors.push_back("failed to rename: " + path + " -> " + target + ": " +
+                                    systemErrorText(error));
         }
     }
 }
@@ -245,14 +241,14 @@ void rewriteCaseTree(const std::string& caseDir, const RenamedBlock& block, cons
     // Links below are not entered, so the canonical path of a file is that of the case and the rest of its
     // path.
     const auto canonicalCase = normalisedPath(caseDir);
-    system::walkTree(caseDir, [&](const std::string& path, system::EntryKind kind) {
+    walkTree(caseDir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         switch (kind) {
-        case system::EntryKind::directory:
+        case EntryKind::directory:
             return !isClosedTree(path);
-        case system::EntryKind::file:
+        case EntryKind::file:
             (void)rewriteFile(path, canonicalCase + path.substr(caseDir.size()), block, caseName, report);
             break;
-        case system::EntryKind::link:
+        case EntryKind::link:
             if (isRegularFile(path)) {
                 const auto target = normalisedPath(path);
                 if (isOpenTarget(target, canonicalCase, report.linkRoot)) {
@@ -260,10 +256,10 @@ void rewriteCaseTree(const std::string& caseDir, const RenamedBlock& block, cons
                 }
             }
             break;
-        case system::EntryKind::unreadable:
+        case EntryKind::unreadable:
             report.warnings.push_back("could not read directory; skipped: " + path);
             break;
-        case system::EntryKind::other:
+        case EntryKind::other:
             break;
         }
         return false;
@@ -278,7 +274,7 @@ void invalidateDatabases(const std::string& dir, const std::string& label, Renam
                 removed = true;
             } else if (errno != ENOENT && errno != ENOTDIR) {
                 report.warnings.push_back(label + database.label +
-                                          " failed to remove stale database: " + systemText(errno));
+                                          " failed to remove stale database: " + systemErrorText(errno));
             }
         }
         report.databasesInvalidated += removed ? 1 : 0;
