@@ -269,7 +269,7 @@ void writeDefineSection(const std::string& taskPath, const std::string& template
         console::reportError(ErrorTag::plain, "could not read file: " + taskPath);
         return;
     }
-    const auto names = scanPlaceholders(*text, true);
+    const auto names = scanPlaceholders(*text, BuiltIns::drop);
     if (names.empty()) {
         writeOut("[mqkit] file " + taskPath + " has no placeholders that require define values\n");
         return;
