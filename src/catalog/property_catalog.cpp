@@ -12,10 +12,6 @@ namespace {
 
 using catalog_rows::rows;
 
-constexpr bool isKeyChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '-' || c == '.';
-}
-
 /// One name and the row it reaches.
 struct IndexEntry {
     std::string_view name;

@@ -96,8 +96,7 @@ bool beginsWithHome(std::string_view text) {
 /// The length of the identifier at the start of `text`: a letter or "_", then letters, digits and "_".
 std::size_t identifierLength(std::string_view text) {
     std::size_t length = 0;
-    while (length < text.size() &&
-           (isLetter(text[length]) || text[length] == '_' || (length > 0 && isDigit(text[length])))) {
+    while (length < text.size() && (isWordStart(text[length]) || (length > 0 && isDigit(text[length])))) {
         ++length;
     }
     return length;

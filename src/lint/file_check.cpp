@@ -61,11 +61,10 @@ bool addMatches(const std::string& target, const TaskNames& known, TaskNames& ma
 }
 
 /// Checks one condition of a task.
-void checkCondition(const LintedFile& file, const TaskInfo& task, std::size_t number, AllOthersUses& uses,
-                    LintFileReport& report) {
-    const SourceSpan& span =
-        number < task.whenEntries.size() ? task.whenEntries[number].span : task.headerSpan;
-    const auto condition = taskdsl::parseWhenExpr(task.whenConditions[number]);
+void checkCondition(const LintedFile& file, const TaskInfo& task, const taskdsl::TaskWhenEntry& entry,
+                    AllOthersUses& uses, LintFileReport& report) {
+    const SourceSpan& span = entry.span;
+    const auto condition = taskdsl::parseWhenExpr(entry.text);
     TaskNames referenced;
     for (const auto& target : taskdsl::collectCompletedTargets(condition)) {
         if (!equalsNoCase(target, "allothers")) {
@@ -106,8 +105,8 @@ void checkDocument(const TaskDocument& document, LintedFile& file, LintFileRepor
     AllOthersUses uses;
     for (const TaskInfo& task : tasks) {
         check(LintedTask{file, task, !seen.insert(task.name).second, rawSource(task)}, report);
-        for (std::size_t i = 0; i < task.whenConditions.size(); ++i) {
-            checkCondition(file, task, i, uses, report);
+        for (const auto& condition : task.whenEntries) {
+            checkCondition(file, task, condition, uses, report);
         }
     }
     check(uses, report);

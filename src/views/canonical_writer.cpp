@@ -4,6 +4,7 @@
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/derive/derive_output.h"
 #include "taskdsl/plot/render.h"
 #include "taskdsl/task/directive_reader.h"
@@ -119,12 +120,13 @@ void writeMatrix(LineBuilder& text, const TaskDocument& document) {
 void writeSource(LineBuilder& text, const TaskInfo& task) {
     if (taskdsl::hasStructuredSource(task)) {
         text.line("  %source");
-        for (const auto& binding : task.sourceBindings) {
+        for (const auto& binding : sourceBindings(task)) {
             text.line("    ", taskdsl::formatSourceBinding(binding));
         }
         return;
     }
-    const std::string source = taskdsl::formatSourceSpec(taskdsl::sourceSpecOf(task));
+    requireNumericFrame(task.source);
+    const std::string source = formatSourceSpec(task.source);
     addScalar(text, "source", source.empty() ? "origin" : source);
 }
 
@@ -148,7 +150,7 @@ void writeCluster(LineBuilder& text, const taskdsl::BatchCluster& cluster) {
 std::string destinationText(const std::string& destination) {
     const auto words = taskdsl::splitShellWords(taskdsl::cleanLine("as " + destination));
     const bool readsBack = join({words.begin() + 1, words.end()}, " ") == destination;
-    return readsBack ? destination : taskdsl::quoteSourceToken(destination);
+    return readsBack ? destination : taskdsl::quoteShellWord(destination);
 }
 
 void writeBatch(LineBuilder& text, const TaskInfo& task) {
@@ -167,7 +169,7 @@ void writeBatch(LineBuilder& text, const TaskInfo& task) {
     }
     for (const auto& entry : task.batchCollect) {
         // A pattern that would not be one word again is quoted.
-        text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteSourceToken(entry.pattern),
+        text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteShellWord(entry.pattern),
                   entry.destination.empty() ? "" : " as ", destinationText(entry.destination));
     }
 }
@@ -273,7 +275,7 @@ void writePayload(LineBuilder& text, const TaskInfo& task) {
 
 void writeMods(LineBuilder& text, const TaskInfo& task) {
     std::vector<std::string> lines;
-    for (const auto& entry : taskdsl::modEntriesOf(task)) {
+    for (const auto& entry : task.modEntries) {
         if (std::string line = taskdsl::formatModEntry(entry); !line.empty()) {
             lines.push_back(std::move(line));
         }
@@ -289,7 +291,7 @@ void writeTask(LineBuilder& text, const TaskInfo& task) {
     }
     writeBatch(text, task);
     writeControl(text, task);
-    addBlock(text, "when", task.whenConditions);
+    addBlock(text, "when", whenConditions(task));
     writePayload(text, task);
     addCommands(text, "preprocess", task.preProcessCommands);
     addCommands(text, "process", task.processCommands);
@@ -326,13 +328,13 @@ class DocumentPrinter {
             }
         }
         for (const auto& plot : document.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, "", context.warnings), true);
+            printSubstituted("plot", plot.name, renderPlot(plot, "", context.warnings));
             if (!document.derives.empty() || &plot != &document.plots.back()) {
                 text.line();
             }
         }
         for (const auto& derive : document.derives) {
-            printBlock("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings), true);
+            printSubstituted("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings));
             if (&derive != &document.derives.back()) {
                 text.line();
             }
@@ -350,14 +352,19 @@ class DocumentPrinter {
         // A plot of a declared task is read as it stands; the defines come later.
         const bool isExpanded = context.view == CanonicalView::matrixExpandedView;
         for (const auto& plot : task.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, "  ", context.warnings), isExpanded);
+            const std::string printed = renderPlot(plot, "  ", context.warnings);
+            if (isExpanded) {
+                printSubstituted("plot", plot.name, printed);
+            } else {
+                text.add(printed);
+            }
         }
     }
 
-    void printBlock(std::string_view what, std::string_view name, const std::string& printed,
-                    bool takesDefines) {
+    /// Prints a block into which the defines go where it is read.
+    void printSubstituted(std::string_view what, std::string_view name, const std::string& printed) {
         text.add(printed);
-        if (context.warnings && takesDefines) {
+        if (context.warnings) {
             reportReplacedKey(context, what, name, printed);
         }
     }

@@ -109,15 +109,14 @@ ExplainView makeView(const TaskDocument& document, const ExplainOptions& options
 
 /// The source as its directive gave it: unlike the canonical writer, this view shows no "origin" that nobody
 /// wrote.
-std::string sourceText(const TaskInfo& task) {
+std::string declaredSource(const TaskInfo& task) {
     const bool declared = std::any_of(task.directives.begin(), task.directives.end(),
                                       [](const taskdsl::TaskDirective& d) { return d.name == "source"; });
-    return declared ? taskdsl::formatSourceSpec(taskdsl::sourceSpecOf(task)) : std::string();
-}
-
-/// The place of the condition with that number, in the task's file.
-std::string conditionSpan(const TaskInfo& task, std::size_t number) {
-    return number < task.whenEntries.size() ? formatSpan(task.whenEntries[number].span) : "<unknown>";
+    if (!declared) {
+        return {};
+    }
+    requireNumericFrame(task.source);
+    return formatSourceSpec(task.source);
 }
 
 std::string dslVersion(const TaskDocument& document, std::string_view missing) {
@@ -135,13 +134,13 @@ void addTaskText(LineBuilder& out, const TaskInfo& task) {
     out.line("  program: ", taskdsl::programName(task.program));
     if (taskdsl::hasStructuredSource(task)) {
         out.line("  source:");
-        for (const auto& binding : task.sourceBindings) {
+        for (const auto& binding : sourceBindings(task)) {
             out.line("    ", taskdsl::formatSourceBinding(binding));
         }
     } else {
-        out.line("  source: ", sourceText(task));
+        out.line("  source: ", declaredSource(task));
     }
-    out.line("  dependencies: [", join(task.sourceTasks, ", "), "]");
+    out.line("  dependencies: [", join(sourceTasks(task), ", "), "]");
     out.line("  use_guess: ", boolText(task.guessEnabled));
     out.line("  alert: ", boolText(task.alert));
     out.line("  localfirst: ", boolText(task.localFirst));
@@ -152,10 +151,10 @@ void addTaskText(LineBuilder& out, const TaskInfo& task) {
         out.filled("  template_task_name: ", task.templateTaskName);
     }
     out.filled("  matrix_variant_key: ", task.matrixVariantKey);
-    if (!task.whenConditions.empty()) {
+    if (!task.whenEntries.empty()) {
         out.line("  when_conditions:");
-        for (std::size_t i = 0; i < task.whenConditions.size(); ++i) {
-            out.line("    - ", task.whenConditions[i], "    [", conditionSpan(task, i), "]");
+        for (const auto& condition : task.whenEntries) {
+            out.line("    - ", condition.text, "    [", formatSpan(condition.span), "]");
         }
     }
     if (!task.directives.empty()) {
@@ -188,10 +187,9 @@ std::string renderText(const ExplainView& view) {
 template <class List, class Item>
 std::string jsonArray(const List& list, const Item& item) {
     std::string out = "[";
-    std::size_t number = 0;
     for (const auto& element : list) {
-        out += number == 0 ? "" : ", ";
-        out += item(element, number++);
+        out += &element == &*std::begin(list) ? "" : ", ";
+        out += item(element);
     }
     return out + "]";
 }
@@ -206,9 +204,9 @@ void addTaskJson(LineBuilder& out, const TaskInfo& task) {
     text("name", task.name);
     text("block_span", formatSpan(task.headerSpan));
     text("program", taskdsl::programName(task.program));
-    text("source", sourceText(task));
+    text("source", declaredSource(task));
     key("dependencies",
-        jsonArray(task.sourceTasks, [](const std::string& name, std::size_t) { return jsonString(name); }));
+        jsonArray(sourceTasks(task), [](const std::string& name) { return jsonString(name); }));
     flag("use_guess", task.guessEnabled);
     flag("alert", task.alert);
     flag("localfirst", task.localFirst);
@@ -217,14 +215,13 @@ void addTaskJson(LineBuilder& out, const TaskInfo& task) {
     text("guess_converter", task.guessConverter);
     text("template_task_name", task.templateTaskName);
     text("matrix_variant_key", task.matrixVariantKey);
-    key("when_conditions",
-        jsonArray(task.whenConditions, [&task](const std::string& condition, std::size_t number) {
-            return R"({"text": )" + jsonString(condition) + R"(, "span": )" +
-                   jsonString(conditionSpan(task, number)) + "}";
+    key("when_conditions", jsonArray(task.whenEntries, [](const taskdsl::TaskWhenEntry& condition) {
+            return R"({"text": )" + jsonString(condition.text) + R"(, "span": )" +
+                   jsonString(formatSpan(condition.span)) + "}";
         }));
     key("directives",
         jsonArray(task.directives.get(),
-                  [](const taskdsl::TaskDirective& directive, std::size_t) {
+                  [](const taskdsl::TaskDirective& directive) {
                       return R"({"name": )" + jsonString(directive.name) + R"(, "argument": )" +
                              jsonString(directive.value) + R"(, "span": )" +
                              jsonString(formatSpan(directive.span)) + "}";

@@ -68,11 +68,12 @@ struct CommandForm {
     std::span<const OptionRow> options;
     ErrorTag tag;          ///< of a refusal; an unknown word is told in colour by every command
     bool leavesExtraFiles; ///< what extra files beside the result bring is not written into it
+    bool toleratesLegacy;  ///< removed forms that can be converted are read
 };
 
-constexpr CommandForm fmtForm{"fmt", rewriteOptions, ErrorTag::plain, true};
-constexpr CommandForm migrateForm{"migrate", rewriteOptions, ErrorTag::plain, true};
-constexpr CommandForm expandForm{"expand", expandOptions, ErrorTag::coloured, false};
+constexpr CommandForm fmtForm{"fmt", rewriteOptions, ErrorTag::plain, true, false};
+constexpr CommandForm migrateForm{"migrate", rewriteOptions, ErrorTag::plain, true, true};
+constexpr CommandForm expandForm{"expand", expandOptions, ErrorTag::coloured, false, false};
 
 /// Reads the words behind the command word. Throws `UsageError`.
 FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** argv) {
@@ -140,8 +141,8 @@ bool isWrittenBesideInput(const FileCommandOptions& options) {
 }
 
 /// A file that is written in place must be a regular one; otherwise a pipe or a terminal serves, too.
-taskdsl::TaskDocument readDocument(const FileCommandOptions& options, bool allowLegacy) {
-    taskdsl::TaskParser parser(allowLegacy);
+taskdsl::TaskDocument readDocument(const CommandForm& form, const FileCommandOptions& options) {
+    taskdsl::TaskParser parser(form.toleratesLegacy);
     return options.inPlace ? parser.parseFile(options.inputPath) : parser.parseInput(options.inputPath);
 }
 
@@ -153,14 +154,14 @@ bool isStream(const std::string& path) {
            type == std::filesystem::file_type::socket;
 }
 
-int convert(const CommandForm& form, const FileCommandOptions& options, bool allowLegacy) {
+int convert(const CommandForm& form, const FileCommandOptions& options) {
     if (options.inPlace && isStream(options.inputPath)) {
         console::reportError(ErrorTag::coloured, "--in-place needs a regular file to write to, " +
                                                      options.inputPath + " is none");
         return 1;
     }
     try {
-        auto document = readDocument(options, allowLegacy);
+        auto document = readDocument(form, options);
         if (form.leavesExtraFiles && isWrittenBesideInput(options)) {
             document = taskdsl::withoutImplicitContent(std::move(document));
         }
@@ -172,9 +173,9 @@ int convert(const CommandForm& form, const FileCommandOptions& options, bool all
     }
 }
 
-int runRewriteCommand(int argc, char** argv, bool allowLegacy, const CommandForm& form) {
+int runRewriteCommand(int argc, char** argv, const CommandForm& form) {
     try {
-        return convert(form, readCommandLine(form, argc, argv), allowLegacy);
+        return convert(form, readCommandLine(form, argc, argv));
     } catch (const console::UsageError& error) {
         return console::reportUsageError(error);
     }
@@ -238,7 +239,7 @@ void printFmtHelp(std::string_view programPath) {
 }
 
 int runFmt(int argc, char** argv) {
-    return runRewriteCommand(argc, argv, false, fmtForm);
+    return runRewriteCommand(argc, argv, fmtForm);
 }
 
 void printMigrateHelp(std::string_view programPath) {
@@ -246,7 +247,7 @@ void printMigrateHelp(std::string_view programPath) {
 }
 
 int runMigrate(int argc, char** argv) {
-    return runRewriteCommand(argc, argv, true, migrateForm);
+    return runRewriteCommand(argc, argv, migrateForm);
 }
 
 void printExpandHelp(std::string_view programPath) {
@@ -261,7 +262,7 @@ int runExpand(int argc, char** argv) {
             throw console::UsageError(ErrorTag::coloured,
                                       "expand never overwrites its input; choose a different --output path");
         }
-        return convert(expandForm, options, false);
+        return convert(expandForm, options);
     } catch (const console::UsageError& error) {
         return console::reportUsageError(error);
     }

@@ -20,6 +20,7 @@
 namespace morquill::views {
 
 using taskdsl::DiagnosticError;
+using taskdsl::Placeholders;
 using taskdsl::TaskDocument;
 using taskdsl::TaskInfo;
 using taskdsl::ValueMap;
@@ -93,16 +94,14 @@ bool isSourceWord(std::string_view text) noexcept {
 
 bool hasPlainSource(const TaskInfo& task) noexcept {
     if (taskdsl::hasStructuredSource(task)) {
-        return std::all_of(task.sourceBindings.begin(), task.sourceBindings.end(), isPlainBinding);
+        const auto& bindings = sourceBindings(task);
+        return std::all_of(bindings.begin(), bindings.end(), isPlainBinding);
     }
-    if (!isPlainWord(task.source)) {
-        return false;
+    if (const auto& names = sourceTasks(task); !names.empty()) {
+        return names.size() == 1 && isPlainWord(names.front()) && !isSourceWord(names.front());
     }
-    if (task.sourceTasks.empty()) {
-        return task.source == "origin" || task.source == "restart" || task.source.starts_with("xyz=");
-    }
-    return task.sourceTasks.size() == 1 && task.sourceTasks.front() == task.source &&
-           !isSourceWord(task.source);
+    const auto* xyz = std::get_if<taskdsl::SourceXyz>(&task.source);
+    return xyz == nullptr ? hasSimpleSource(task) : isPlainWord(xyz->file) && xyz->furtherWords.empty();
 }
 
 bool hasPlainBatch(const TaskInfo& task) noexcept {
@@ -130,9 +129,6 @@ bool isPlainMod(const taskdsl::ModEntry& entry) {
 }
 
 bool hasPlainMods(const TaskInfo& task) {
-    if (task.modEntries.empty()) {
-        return task.modValues.empty();
-    }
     return std::all_of(task.modEntries.begin(), task.modEntries.end(), isPlainMod);
 }
 
@@ -162,7 +158,8 @@ bool hasPlainPayload(const TaskInfo& task) {
 
 bool isPlainTask(const TaskInfo& task) {
     return isPlainWord(task.name) && hasPlainSource(task) && hasPlainBatch(task) && hasPlainControl(task) &&
-           std::all_of(task.whenConditions.begin(), task.whenConditions.end(), isPlainLine) &&
+           std::all_of(task.whenEntries.begin(), task.whenEntries.end(),
+                       [](const auto& condition) { return isPlainLine(condition.text); }) &&
            hasPlainPayload(task) &&
            std::all_of(task.preProcessCommands.begin(), task.preProcessCommands.end(), isPlainCommand) &&
            std::all_of(task.processCommands.begin(), task.processCommands.end(), isPlainCommand) &&
@@ -174,8 +171,8 @@ bool isPlainTask(const TaskInfo& task) {
 /// The key and the words of every `%mod` operation: blanks and tabs between words are alike.
 std::vector<Texts> modsOf(const TaskInfo& task) {
     std::vector<Texts> operations;
-    for (const auto& entry : taskdsl::modEntriesOf(task)) {
-        const auto operation = taskdsl::normalizeMod(entry.key, entry.value, false);
+    for (const auto& entry : task.modEntries) {
+        const auto operation = taskdsl::normalizeMod(entry.key, entry.value, Placeholders::allowed);
         const std::string value = taskdsl::formatModValue(operation);
         const auto words = splitBlank(value);
         Texts& key = operations.emplace_back(Texts{taskdsl::formatModKey(operation)});
@@ -213,8 +210,7 @@ struct PartRow {
 };
 
 constexpr std::array<PartRow, 18> parts{{
-    {"%source", Payload::none,
-     [](const TaskInfo& a, const TaskInfo& b) { return sourceSpecOf(a) == sourceSpecOf(b); }},
+    {"%source", Payload::none, [](const TaskInfo& a, const TaskInfo& b) { return a.source == b.source; }},
     {"%program", Payload::none, [](const TaskInfo& a, const TaskInfo& b) { return a.program == b.program; }},
     {"%batch", Payload::none, sameBatch},
     {"%control gpu_type", Payload::none,
@@ -224,7 +220,7 @@ constexpr std::array<PartRow, 18> parts{{
      [](const TaskInfo& a, const TaskInfo& b) { return a.finalGeom == b.finalGeom; }},
     {"%control", Payload::none, sameFlags},
     {"%when", Payload::none,
-     [](const TaskInfo& a, const TaskInfo& b) { return a.whenConditions == b.whenConditions; }},
+     [](const TaskInfo& a, const TaskInfo& b) { return whenConditions(a) == whenConditions(b); }},
     {"%keywords", Payload::keywords,
      [](const TaskInfo& a, const TaskInfo& b) { return a.keywords == b.keywords; }},
     {"%args", Payload::args, [](const TaskInfo& a, const TaskInfo& b) { return a.args == b.args; }},
@@ -382,7 +378,7 @@ ValueMap nameValues(const ReadBackContext& context) {
 bool isChangedByDefines(const TaskInfo& task, const ValueMap& defines) {
     TaskInfo again = task;
     try {
-        substituteTask(again, defines, true);
+        substituteTask(again, defines);
     } catch (const DiagnosticError&) {
         return true;
     }

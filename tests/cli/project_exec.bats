@@ -118,7 +118,7 @@ available task blocks: opt, soc" ]
 # Ended, if perhaps not yet taken note of by the process that inherited it.
 ended() {
     for _ in {1..100}; do
-        case "$(ps -o stat= -p "$1")" in '' | Z*) return ;; esac
+        case "$(ps -o stat= -p "$1")" in '' | Z*) return 0 ;; esac
         sleep 0.1
     done
     kill -9 "$1"

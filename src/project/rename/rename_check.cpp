@@ -133,10 +133,10 @@ bool isBuiltAlike(const TaskWhenExpr& before, const TaskWhenExpr& after) {
 }
 
 /// True when both conditions wait alike; one that waits for all others names no task.
-bool waitsAlike(const std::string& before, const std::string& after) {
+bool waitsAlike(const taskdsl::TaskWhenEntry& before, const taskdsl::TaskWhenEntry& after) {
     try {
-        const auto left = taskdsl::parseWhenExpr(before);
-        const auto right = taskdsl::parseWhenExpr(after);
+        const auto left = taskdsl::parseWhenExpr(before.text);
+        const auto right = taskdsl::parseWhenExpr(after.text);
         return isBuiltAlike(left, right) && hasAllOthers(left) == hasAllOthers(right);
     } catch (const taskdsl::DiagnosticError&) {
         return true; // nested too deep to be read at all; a name changes nothing about that
@@ -146,11 +146,11 @@ bool waitsAlike(const std::string& before, const std::string& after) {
 /// True when a task depends on as much before as after. A new name like `origin` or `and` is read as
 /// something other than a name where it stands for the old one.
 bool dependsAlike(const TaskInfo& before, const TaskInfo& after) {
-    return before.sourceTasks.size() == after.sourceTasks.size() &&
-           before.sourceBindings.size() == after.sourceBindings.size() &&
+    return sourceTasks(before).size() == sourceTasks(after).size() &&
+           sourceBindings(before).size() == sourceBindings(after).size() &&
            before.guessSourceTask.empty() == after.guessSourceTask.empty() &&
-           std::equal(before.whenConditions.begin(), before.whenConditions.end(),
-                      after.whenConditions.begin(), after.whenConditions.end(), waitsAlike);
+           std::equal(before.whenEntries.begin(), before.whenEntries.end(), after.whenEntries.begin(),
+                      after.whenEntries.end(), waitsAlike);
 }
 
 bool saysTheSame(const TaskDocument& before, const TaskDocument& after) {

@@ -31,10 +31,10 @@ void addTask(ReferencePlace& place, const std::string& name) {
 
 ReferencePlace referencesOfSource(const TaskInfo& task) {
     ReferencePlace place{fileOf(task, "source"), {}};
-    for (const auto& name : task.sourceTasks) {
+    for (const auto& name : sourceTasks(task)) {
         addTask(place, name);
     }
-    for (const auto& binding : task.sourceBindings) {
+    for (const auto& binding : sourceBindings(task)) {
         addTask(place, binding.sourceTask);
     }
     return place;

@@ -1,6 +1,6 @@
 #include "taskdsl/derive/condition.h"
 
-#include "support/text.h"
+#include "support/cursor.h"
 #include "taskdsl/derive/derive_text.h"
 #include "taskdsl/derive/derive_words.h"
 #include "taskdsl/expr/statement_reader.h"
@@ -44,10 +44,6 @@ std::optional<std::pair<MarkKind, DeriveCompareOp>> meaningOf(std::string_view w
     return std::nullopt;
 }
 
-bool isWordChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.';
-}
-
 /// All marks of the text outside quotes and snapshots, found in one pass. Parentheses and square brackets are
 /// one kind of level.
 std::vector<Mark> findMarks(std::string_view text) {
@@ -59,12 +55,11 @@ std::vector<Mark> findMarks(std::string_view text) {
             continue;
         }
         const char c = text[i];
-        if (isWordChar(c)) {
+        if (isDottedWordChar(c)) {
             const auto begin = i;
-            while (i < text.size() && isWordChar(text[i])) {
-                ++i;
-            }
-            if (const auto meaning = meaningOf(text.substr(begin, i - begin))) {
+            const auto name = Cursor(text, begin).takeWhile(isDottedWordChar);
+            i += name.size();
+            if (const auto meaning = meaningOf(name)) {
                 marks.push_back({meaning->first, begin, i, meaning->second});
             }
             continue;

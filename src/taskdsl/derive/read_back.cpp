@@ -24,15 +24,11 @@ bool isStructureWord(std::string_view name) noexcept {
                        [&](std::string_view word) { return equalsNoCase(name, word); });
 }
 
-bool isNameChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.';
-}
-
 /// A name is unusual when it is a word of the language, when a colon or bracket in it counts where it stands,
 /// or when substitution has put something else in its place.
 bool isUnusualName(std::string_view name) noexcept {
     return name.empty() || isDigit(name.front()) || name.front() == '.' ||
-           !std::all_of(name.begin(), name.end(), isNameChar) || isStructureWord(name);
+           !std::all_of(name.begin(), name.end(), isDottedWordChar) || isStructureWord(name);
 }
 
 bool holdsUnusualName(const plot::PlotExpression& node) {
@@ -50,27 +46,14 @@ bool holdsUnusualName(const plot::PlotExpression& node) {
 
 /// The place behind a name with the arguments of its call, or behind a text in parentheses.
 std::size_t endOfOperand(std::string_view text, std::size_t at) noexcept {
-    const auto isChar = [](char c) { return isNameChar(c) || c == ':' || c == '[' || c == ']'; };
+    const auto isChar = [](char c) { return isDottedWordChar(c) || c == ':' || c == '[' || c == ']'; };
     while (at < text.size() && isChar(text[at])) {
         ++at;
     }
     if (at == text.size() || text[at] != '(') {
         return at;
     }
-    std::size_t depth = 0;
-    while (at < text.size()) {
-        if (const auto behind = skipOpaque(text, at); behind != at) {
-            at = behind;
-            continue;
-        }
-        depth += text[at] == '(' ? 1 : 0;
-        depth -= text[at] == ')' ? 1 : 0;
-        ++at;
-        if (depth == 0) {
-            break;
-        }
-    }
-    return at;
+    return std::min(skipParentheses(text, at), text.size());
 }
 
 /// Parentheses around every operand at level zero that begins with an unusual name.
@@ -81,7 +64,7 @@ std::string wrapNames(std::string_view text) {
         const auto end = std::max(opaque == at ? endOfOperand(text, at) : opaque, at + 1);
         const auto operand = text.substr(at, end - at);
         const auto name = operand.substr(0, operand.find('('));
-        const bool named = isLetter(operand.front()) || operand.front() == '_' || operand.front() == '[';
+        const bool named = isWordStart(operand.front()) || operand.front() == '[';
         const bool wrap = named && isUnusualName(name);
         wrapped.append(wrap ? "(" : "").append(operand).append(wrap ? ")" : "");
         at = end;

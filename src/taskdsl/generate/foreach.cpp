@@ -1,5 +1,6 @@
 #include "taskdsl/generate/foreach.h"
 
+#include "support/cursor.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/growth.h"
@@ -16,13 +17,6 @@ namespace morquill::taskdsl {
 
 namespace {
 
-std::string_view skipSpace(std::string_view text) noexcept {
-    while (!text.empty() && isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    return text;
-}
-
 std::string_view dropSpaceBehind(std::string_view text) noexcept {
     while (!text.empty() && isSpace(text.back())) {
         text.remove_suffix(1);
@@ -30,23 +24,14 @@ std::string_view dropSpaceBehind(std::string_view text) noexcept {
     return text;
 }
 
-bool isNameChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '-';
-}
-
-/// Takes `-?\d+` off the front of the text; nothing when no digit stands there.
-std::string_view takeNumber(std::string_view& text) noexcept {
-    const std::size_t sign = text.starts_with('-') ? 1 : 0;
-    std::size_t end = sign;
-    while (end < text.size() && isDigit(text[end])) {
-        ++end;
-    }
-    if (end == sign) {
+/// Takes `-?\d+`; nothing, and the cursor is where it was, when that does not come next.
+std::string_view takeNumber(Cursor& cursor) noexcept {
+    Cursor ahead = cursor;
+    ahead.take('-');
+    if (ahead.takeWhile(isDigit).empty()) {
         return {};
     }
-    const auto number = text.substr(0, end);
-    text.remove_prefix(end);
-    return number;
+    return cursor.takeTo(ahead.place());
 }
 
 struct Series {
@@ -59,20 +44,16 @@ Series parseSeries(const std::string& source) {
     const auto unsupported = [&source] {
         return DiagnosticError("unsupported @foreach source expression '" + source + "'");
     };
-    constexpr std::string_view opening = "series(";
-    std::string_view rest = source;
-    if (!rest.starts_with(opening)) {
+    Cursor cursor(source);
+    if (!cursor.take("series(")) {
         throw unsupported();
     }
-    rest = skipSpace(rest.substr(opening.size()));
-    const auto first = takeNumber(rest);
-    rest = skipSpace(rest);
-    if (first.empty() || !rest.starts_with('-')) {
+    const auto first = takeNumber(cursor.skipSpace());
+    if (first.empty() || !cursor.skipSpace().take('-')) {
         throw unsupported();
     }
-    rest = skipSpace(rest.substr(1));
-    const auto last = takeNumber(rest);
-    if (last.empty() || skipSpace(rest) != ")") {
+    const auto last = takeNumber(cursor.skipSpace());
+    if (last.empty() || cursor.skipSpace().rest() != ")") {
         throw unsupported();
     }
     Series series;
@@ -310,29 +291,22 @@ bool holdsBlocks(const std::vector<SourceLine>& lines) noexcept {
 
 ForeachHeader parseForeachHeader(std::string_view text) {
     // ^@foreach(\?)?\s+([A-Za-z_][A-Za-z0-9_.-]*)\s+in\s+(.+?)\s*$, else the same without " in <source>"
-    constexpr std::string_view keyword = "@foreach";
-    if (!text.starts_with(keyword)) {
+    Cursor cursor(dropSpaceBehind(text));
+    if (!cursor.take("@foreach")) {
         return {};
     }
     ForeachHeader header;
-    text.remove_prefix(keyword.size());
-    if (text.starts_with('?')) {
-        header.optional = true;
-        text.remove_prefix(1);
-    }
-    const auto rest = skipSpace(text);
-    if (rest.size() == text.size() || rest.empty() || !(isLetter(rest.front()) || rest.front() == '_')) {
+    header.optional = cursor.take('?');
+    const auto keywordEnd = cursor.place();
+    if (cursor.skipSpace().place() == keywordEnd || cursor.atEnd() || !isWordStart(cursor.rest().front())) {
         return {};
     }
-    std::size_t end = 1;
-    while (end < rest.size() && isNameChar(rest[end])) {
-        ++end;
-    }
-    header.name = rest.substr(0, end);
-    const auto behind = dropSpaceBehind(rest.substr(end));
-    header.valid = behind.empty();
-    if (const auto word = skipSpace(behind); word.size() < behind.size() && matchWord(word, "in")) {
-        header.source = skipSpace(word.substr(2));
+    header.name = cursor.takeWhile(isKeyChar);
+    header.valid = cursor.atEnd();
+    const auto nameEnd = cursor.place();
+    if (cursor.skipSpace().place() > nameEnd && matchWord(cursor.rest(), "in")) {
+        cursor.take("in");
+        header.source = cursor.skipSpace().rest();
         header.hasSource = !header.source.empty();
         header.valid = header.hasSource;
     }

@@ -14,9 +14,7 @@ constexpr std::string_view keyword = "#INCLUDE";
 } // namespace
 
 bool isHashInclude(std::string_view trimmed) noexcept {
-    return trimmed.starts_with('#') && trimmed.size() >= keyword.size() &&
-           equalsNoCase(trimmed.substr(0, keyword.size()), keyword) &&
-           (trimmed.size() == keyword.size() || isSpace(trimmed[keyword.size()]));
+    return trimmed.starts_with('#') && textBehindWord(trimmed, keyword).has_value();
 }
 
 void warnHashInclude(std::string_view trimmed, const std::string& path, const WarningSink& warn) {

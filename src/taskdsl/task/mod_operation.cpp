@@ -86,21 +86,6 @@ SplitKey splitModKey(std::string_view key) {
     return {key, {}};
 }
 
-/// True when a `[key]` stands in the text: pattern `\[[A-Za-z0-9_.\-]+\]`.
-bool holdsPlaceholder(std::string_view text) noexcept {
-    for (auto open = text.find('['); open != std::string_view::npos; open = text.find('[', open + 1)) {
-        auto i = open + 1;
-        while (i < text.size() && (isLetter(text[i]) || isDigit(text[i]) || text[i] == '_' ||
-                                   text[i] == '.' || text[i] == '-')) {
-            ++i;
-        }
-        if (i > open + 1 && i < text.size() && text[i] == ']') {
-            return true;
-        }
-    }
-    return false;
-}
-
 void readSelector(BasisSetMod& basis, std::string_view value) {
     if (equalsNoCase(value, "all")) {
         return;
@@ -259,21 +244,60 @@ std::string withValue(std::string head, const std::string& value) {
     return value.empty() ? std::move(head) : std::move(head) + " " + value;
 }
 
-/// True when a line of a `%mod` block reads as the operation; blanks and tabs within a value are alike.
-bool readsBackAs(const std::string& line, const ModOperation& op) {
-    const auto entry = parseModLine(cleanLine(line));
-    if (entry.key.empty()) {
-        return false;
+/// The words of a value as the reader of a line takes them: split at single blanks, white space left out.
+std::vector<std::string> lineWords(std::string_view text) {
+    auto words = splitOn(text, ' ');
+    std::erase_if(words,
+                  [](const std::string& word) { return std::all_of(word.begin(), word.end(), isSpace); });
+    return words;
+}
+
+bool holdsComment(std::string_view line) noexcept {
+    return stripComment(line).size() != line.size();
+}
+
+std::string withTabs(std::string value) {
+    std::replace(value.begin(), value.end(), ' ', '\t');
+    return value;
+}
+
+/// The forms of a line, the plainest first.
+enum class Spelling : std::uint8_t {
+    words,       ///< `<target> [<operation>] <value>`
+    keyAndValue, ///< `<target>:<operation> <value>`
+    tabs,        ///< the same with tabs for the blanks of the value
+    quotes,      ///< `<key>:"<value>"`, one word
+};
+
+/// The form in which a line reads as its operation. `line` is the one in words.
+Spelling spellingOf(const Head& head, const std::string& value, std::string_view line) {
+    const auto words = lineWords(value);
+    if (holdsComment(line) || (words.empty() && !value.empty())) {
+        return Spelling::quotes; // a `#` behind white space, or white space alone
     }
-    try {
-        const auto read = normalizeMod(entry.key, entry.value, false);
-        const auto value = formatModValue(op);
-        const auto readValue = formatModValue(read);
-        return read.index() == op.index() && formatModKey(read) == formatModKey(op) &&
-               splitBlank(readValue) == splitBlank(value);
-    } catch (const DiagnosticError&) {
-        return false;
+    if (words.size() < 2 || head.target.empty() || head.target.find(' ') != std::string::npos) {
+        return Spelling::words; // no form reads a target of several words
     }
+    // Behind `add` and `subtract` as its second word the reader takes one word of a line and drops the rest.
+    if (isOneOf(words.front(), "add", "subtract")) {
+        return isOneOf(head.operation, "select", "remove") ? Spelling::words : Spelling::tabs;
+    }
+    return isOneOf(head.operation, "add", "subtract") ? Spelling::keyAndValue : Spelling::words;
+}
+
+/// `<key>:"<value>"`, or with single quotes when the others would end too early; nothing for a key that
+/// cannot stand there and for a value that both kinds of quotes fail to hide.
+std::optional<std::string> quotedLine(const std::string& key, const std::string& value) {
+    if (key.find_first_of(": ") != std::string::npos) {
+        return std::nullopt;
+    }
+    for (const char quote : {'"', '\''}) {
+        auto line = (key + ":").append(1, quote).append(withTabs(value)).append(1, quote);
+        if (!holdsComment(line)) {
+            return line;
+        }
+    }
+    return std::nullopt;
 }
 
 const std::string* slotOf(const ModOperation& op) {
@@ -289,12 +313,7 @@ const std::string* slotOf(const ModOperation& op) {
 } // namespace
 
 ModEntry parseModLine(std::string_view text) {
-    std::vector<std::string> fields;
-    for (auto& field : splitOn(trim(text), ' ')) {
-        if (!std::all_of(field.begin(), field.end(), isSpace)) {
-            fields.push_back(std::move(field));
-        }
-    }
+    const auto fields = lineWords(trim(text));
     if (fields.size() < 2) {
         const std::string_view line = fields.empty() ? std::string_view{} : fields.front();
         const auto colon = line.find(':');
@@ -321,23 +340,17 @@ ModEntry parseModLine(std::string_view text) {
 
 void addModLine(TaskInfo& task, std::string_view text) {
     auto entry = parseModLine(text);
-    if (entry.key.empty()) {
-        return;
+    if (!entry.key.empty()) {
+        task.modEntries.push_back(std::move(entry));
     }
-    task.modValues[entry.key] = entry.value;
-    task.modEntries.push_back(std::move(entry));
 }
 
-std::vector<ModEntry> modEntriesOf(const TaskInfo& task) {
-    if (!task.modEntries.empty()) {
-        return task.modEntries;
+std::map<std::string, std::string> modValues(const TaskInfo& task) {
+    std::map<std::string, std::string> values;
+    for (const auto& [key, value] : task.modEntries) {
+        values.insert_or_assign(key, value);
     }
-    std::vector<ModEntry> entries;
-    entries.reserve(task.modValues.size());
-    for (const auto& [key, value] : task.modValues) {
-        entries.push_back({key, value});
-    }
-    return entries;
+    return values;
 }
 
 std::optional<ModTarget> parseModTarget(std::string_view name) {
@@ -372,7 +385,7 @@ std::optional<ModTarget> parseModTarget(std::string_view name) {
     return std::nullopt;
 }
 
-ModOperation normalizeMod(std::string_view key, std::string_view value, bool strictValues) {
+ModOperation normalizeMod(std::string_view key, std::string_view value, Placeholders placeholders) {
     key = trim(key);
     value = trim(value);
     const auto [base, operation] = splitModKey(key);
@@ -385,7 +398,7 @@ ModOperation normalizeMod(std::string_view key, std::string_view value, bool str
     if (key != basisKey) {
         return readOther(key, value);
     }
-    if (strictValues || !holdsPlaceholder(value)) {
+    if (placeholders == Placeholders::refused || !holdsBracketKey(value)) {
         return readBasisSet(value);
     }
     try {
@@ -411,42 +424,37 @@ std::string formatModValue(const ModOperation& op) {
 std::string formatModText(const ModOperation& op) {
     const auto head = headOf(op);
     const auto value = formatModValue(op);
-    auto line = withValue(withValue(head.target, std::string(head.operation)), value);
-    if (readsBackAs(line, op)) {
-        return line;
-    }
-    // A second word `add` or `subtract` makes the reader drop all but the third, and a `#` behind white space
-    // begins a comment. Blanks inside the value can be tabs, and quotes behind a colon are taken off again.
+    const auto line = withValue(withValue(head.target, std::string(head.operation)), value);
     const auto key = formatModKey(op);
-    auto tabbed = value;
-    std::replace(tabbed.begin(), tabbed.end(), ' ', '\t');
-    const auto quoted = [&](char quote) {
-        return std::string(key).append(":").append(1, quote).append(tabbed).append(1, quote);
-    };
-    for (auto& other : {withValue(key, value), withValue(key, tabbed), quoted('"'), quoted('\'')}) {
-        if (readsBackAs(other, op)) {
-            return other;
-        }
+    switch (spellingOf(head, value, line)) {
+    case Spelling::keyAndValue:
+        return withValue(key, value);
+    case Spelling::tabs:
+        return withValue(key, withTabs(value));
+    case Spelling::quotes:
+        return quotedLine(key, value).value_or(line);
+    case Spelling::words:
+        break;
     }
     return line;
 }
 
 std::string formatModEntry(const ModEntry& entry) {
-    return formatModText(normalizeMod(entry.key, entry.value, false));
+    return formatModText(normalizeMod(entry.key, entry.value, Placeholders::allowed));
 }
 
-void checkModsAgainstSources(const TaskInfo& task, bool strictValues) {
-    if (task.modEntries.empty() && task.modValues.empty()) {
+void checkModsAgainstSources(const TaskInfo& task, Placeholders placeholders) {
+    if (task.modEntries.empty()) {
         return;
     }
     std::set<std::string_view> slots{mainSlot};
-    for (const auto& binding : task.sourceBindings) {
+    for (const auto& binding : sourceBindings(task)) {
         if (binding.role == BindingRole::geometry) {
             slots.insert(binding.slot);
         }
     }
-    for (const auto& entry : modEntriesOf(task)) {
-        const auto op = normalizeMod(entry.key, entry.value, strictValues);
+    for (const auto& entry : task.modEntries) {
+        const auto op = normalizeMod(entry.key, entry.value, placeholders);
         const auto* slot = slotOf(op);
         if (slot != nullptr && !slots.contains(*slot)) {
             fail("%mod targets geometry slot ", *slot, ", but %source does not declare geom." + *slot);

@@ -117,17 +117,22 @@ bool isConsumer(const TaskInfo& task) noexcept {
     return task.interfaceMode == TaskInterfaceMode::consume && !task.interfaceProvider.empty();
 }
 
-bool hasStructuredSource(const TaskInfo& task) noexcept {
-    return !task.sourceBindings.empty();
-}
-
 bool hasExternalSource(const TaskInfo& task) noexcept {
     if (isProvider(task)) {
         return false;
     }
     const bool hasSource =
-        task.program == TaskProgram::fcclasses ? hasStructuredSource(task) : !task.source.empty();
+        task.program == TaskProgram::fcclasses ? hasStructuredSource(task) : hasSimpleSource(task);
     return hasSource && task.externalInput;
+}
+
+std::vector<std::string> whenConditions(const TaskInfo& task) {
+    std::vector<std::string> texts;
+    texts.reserve(task.whenEntries.size());
+    for (const auto& entry : task.whenEntries) {
+        texts.push_back(entry.text);
+    }
+    return texts;
 }
 
 TaskDocument withoutImplicitContent(TaskDocument document) {

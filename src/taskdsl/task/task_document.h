@@ -101,13 +101,11 @@ struct TaskInfo {
 
     SourceSpan headerSpan;
     Shared<std::vector<TaskDirective>> directives; ///< every directive in file order
-    std::vector<TaskWhenEntry> whenEntries;        ///< the conditions with their places
+    std::vector<TaskWhenEntry> whenEntries;        ///< the conditions in order; their texts: `whenConditions`
     std::string name;                              ///< quotes removed
     bool quoted = false;                           ///< the header was written `$"name"`
     std::uint64_t documentOrder = 0;               ///< place among all tasks and derive blocks of the run
-    std::string source = "origin"; ///< simple source: "origin", "restart", `xyz=...` or a task name
-    std::vector<SourceBinding> sourceBindings; ///< structured source
-    std::vector<std::string> sourceTasks;      ///< the names of a comma list in `%source`
+    SourceSpec source = SourceOrigin{}; ///< views of it: `sourceText`, `sourceTasks`, `sourceBindings`
     bool guessEnabled = false;
     std::string guessSourceTask;
     std::string guessConverter; ///< "mokit", "multiwfn" or empty
@@ -128,8 +126,7 @@ struct TaskInfo {
     std::string gaussianGeomControl; ///< "check" or empty
     std::vector<std::string> preProcessCommands;
     std::vector<std::string> processCommands;
-    std::map<std::string, std::string> modValues; ///< last value per key
-    std::vector<ModEntry> modEntries;             ///< all lines in order
+    std::vector<ModEntry> modEntries; ///< all lines in order; the last value per key: `modValues`
     std::int32_t totalCores = 0;
     std::int32_t totalMemory = 0;
     std::int32_t gpuCount = 0;
@@ -144,7 +141,6 @@ struct TaskInfo {
     bool alert = true;
     bool localFirst = false;
     std::string finalGeom;
-    std::vector<std::string> whenConditions;
     std::string templateTaskName;  ///< name before matrix expansion
     std::string matrixVariantKey;  ///< suffix of a matrix variant
     Shared<ValueMap> matrixValues; ///< axis key to chosen value
@@ -159,8 +155,9 @@ struct TaskInfo {
 
 [[nodiscard]] bool isProvider(const TaskInfo& task) noexcept;
 [[nodiscard]] bool isConsumer(const TaskInfo& task) noexcept;
-[[nodiscard]] bool hasStructuredSource(const TaskInfo& task) noexcept;
 [[nodiscard]] bool hasExternalSource(const TaskInfo& task) noexcept;
+/// The texts of the conditions, in order.
+[[nodiscard]] std::vector<std::string> whenConditions(const TaskInfo& task);
 
 /// A `@derive` block: the raw capture and what it says.
 struct DeriveBlock {

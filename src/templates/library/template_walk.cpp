@@ -3,6 +3,7 @@
 #include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
+#include "taskdsl/base/shell_words.h"
 
 namespace morquill::templates {
 
@@ -19,14 +20,7 @@ void walkRegularFiles(const std::string& directory, const std::function<void(con
 }
 
 std::string quotedPath(std::string_view path) {
-    std::string result = "\"";
-    for (const char c : path) {
-        if (c == '"' || c == '\\') {
-            result += '\\';
-        }
-        result += c;
-    }
-    return result + '"';
+    return taskdsl::quoteForcedShellWord(path);
 }
 
 } // namespace morquill::templates

@@ -1,9 +1,15 @@
 #include "taskdsl/base/canonical_scalar.h"
 
+#include "fixtures/awkward_texts.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace morquill::taskdsl {
 namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 TEST(CanonicalScalar, PlainWordsStandBare) {
     for (const char* text : {"a", "letters-and-hyphens", "a'b", "a\\b", "[key]", "a=b", "\xff\xA0"}) {
@@ -34,6 +40,53 @@ TEST(CanonicalScalar, ReadersThatSeeMoreGetMoreQuotes) {
         EXPECT_EQ(quoteSettingScalar(text), text);
     }
     EXPECT_EQ(quoteForcedScalar("a\\b"), R"("a\\b")");
+}
+
+TEST(ReadScalar, DecodesWhatTheWriterQuotes) {
+    EXPECT_EQ(readScalar(R"("a \"b\" \\ \t\n\r")"), "a \"b\" \\ \t\n\r");
+    EXPECT_EQ(readScalar(R"("")"), "");
+}
+
+TEST(ReadScalar, OtherTextsAreUnquotedOnly) {
+    EXPECT_EQ(readScalar(R"("a\x")"), R"(a\x)");
+    EXPECT_EQ(readScalar(R"("a" b "c")"), R"(a" b "c)");
+    EXPECT_EQ(readScalar(R"("a\")"), R"(a\)");
+    EXPECT_EQ(readScalar("'a'"), "a");
+    EXPECT_EQ(readScalar(R"(a\n)"), R"(a\n)");
+}
+
+TEST(CanonicalScalar, DecodesOneQuotedScalarOnly) {
+    EXPECT_EQ(decodeCanonicalScalar(R"("a\"b")"), "a\"b");
+    EXPECT_EQ(decodeCanonicalScalar(R"("")"), "");
+    for (const std::string_view text :
+         {"", "\"", "a", "'a'", " \"a\"", "\"a", R"("a"b")", R"("a\")", R"("\x")"}) {
+        EXPECT_EQ(decodeCanonicalScalar(text), std::nullopt) << text;
+    }
+}
+
+TEST(CanonicalScalar, WhatIsWrittenReadsBack) {
+    for (const auto& text : awkwardTexts()) {
+        EXPECT_EQ(decodeCanonicalScalar(quoteForcedScalar(text)), text) << text;
+        EXPECT_EQ(readScalar(quoteUnquotedScalar(text)), text) << text;
+    }
+}
+
+TEST(CanonicalScalar, ListsReadBack) {
+    const auto texts = awkwardTexts();
+    for (std::size_t i = 1; i + 2 < texts.size();
+         i += 3) { // the first is empty, and a list has no empty values
+        const std::vector<std::string> values{texts[i], "b", texts[i + 1], texts[i + 2]};
+        EXPECT_EQ(splitValueList(joinCanonicalList(values)), values) << joinCanonicalList(values);
+    }
+}
+
+TEST(ValueList, SplitsAtCommasOutsideQuotes) {
+    EXPECT_THAT(splitValueList(" a , 'b,c' ,, \"d,e\", f g "), ElementsAre("a", "b,c", "d,e", "f g"));
+    EXPECT_THAT(splitValueList(R"("a\",b", c)"), ElementsAre("a\",b", "c"));
+    EXPECT_THAT(splitValueList("\"\", ''"), IsEmpty());
+    EXPECT_THAT(splitValueList(""), IsEmpty());
+    EXPECT_THAT(splitValueList("a, don't, b"), ElementsAre("a", "don't, b"));
+    EXPECT_THAT(splitValueList("a, \"b\\"), ElementsAre("a", "\"b\\"));
 }
 
 TEST(CanonicalScalar, ListsAndNumbers) {

@@ -1,9 +1,11 @@
 // The grammar: which tree a text stands for. What trees print as is the matter of expression_test.cpp.
 
+#include "fixtures/awkward_texts.h"
 #include "fixtures/faults.h"
 #include "support/shared.h"
 #include "support/text.h"
 #include "taskdsl/expr/expression.h"
+#include "taskdsl/expr/plot_text.h"
 
 #include <gtest/gtest.h>
 
@@ -36,6 +38,15 @@ std::string treeOf(const ExprRef& expression) {
                          treeOf(node.left) + " " + treeOf(node.right) + ")";
               }},
         expression->node);
+}
+
+TEST(ExpressionParser, StringsReadBack) {
+    for (const auto& text : awkwardTexts()) {
+        const auto read = parsePlotExpression(quotePlotText(text), {});
+        const auto* string = std::get_if<StringExpr>(&read->node);
+        ASSERT_NE(string, nullptr) << text;
+        EXPECT_EQ(string->text, text);
+    }
 }
 
 TEST(ExpressionParser, BuildsTheTreeOfTheGrammar) {
