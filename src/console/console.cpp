@@ -1,6 +1,7 @@
 #include "console/console.h"
 
 #include "console/messages.h"
+#include "support/fault.h"
 
 #include <cerrno>
 #include <csignal>
@@ -78,8 +79,8 @@ int finishOutput(int status) {
         return status;
     }
     if (outputError != EPIPE) {
-        const std::string reason = std::strerror(outputError);
-        reportError(ErrorTag::coloured, "could not write to standard output: " + reason);
+        reportError(ErrorTag::coloured,
+                    std::string("could not write to standard output: ") + systemErrorText(outputError));
     }
     return status == 0 ? 1 : status;
 }

@@ -2,7 +2,7 @@
 #include "console/messages.h"
 #include "project/cases/block_pattern.h"
 #include "project/cases/selection.h"
-#include "project/cases/target.h"
+#include "project/choice.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/paths.h"
@@ -56,7 +56,8 @@ std::string targetName(const std::string& source, const std::string& caseName) {
 void collectPattern(const CollectPlace& place, const std::string& pattern, bool dryRun,
                     CollectSummary& summary) {
     const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
-    const auto matches = expandBlockPattern(place.blockDir, pattern, directoriesOnly);
+    const auto matches = expandBlockPattern(place.blockDir, pattern,
+                                            directoriesOnly ? MatchedKind::directories : MatchedKind::any);
     if (matches.empty()) {
         console::printSkip(place.label + " : " + pattern);
     }
@@ -100,25 +101,24 @@ int printCollectSummary(const CollectSummary& summary, const std::string& result
 } // namespace
 
 int runProjectCollect(const ProjectOptions& options) {
-    const auto choice = chooseBlocks(options);
-    if (!choice) {
+    const auto chosen = chooseBlocks(options);
+    if (!chosen) {
         return 1;
     }
-    const ChosenBlocks& chosen = *choice;
-    const auto caseDirs = chooseCases(chosen.root);
+    const auto caseDirs = chooseCases(chosen->root);
     if (options.patterns.empty()) {
         throw console::UsageError(console::ErrorTag::plain,
                                   "project collect requires at least one glob pattern.");
     }
-    const auto results = joinPath(chosen.root, "results");
+    const auto results = joinPath(chosen->root, "results");
     if (!makeDirectory(results)) { // also in a dry run
         console::reportError("could not create results directory: " + results);
         return 1;
     }
-    printCollectHeader(options, chosen, results);
+    printCollectHeader(options, *chosen, results);
     CollectSummary summary;
-    for (const auto& task : chosen.selected) {
-        const auto targetDir = chosen.selected.size() > 1 ? joinPath(results, task) : results;
+    for (const auto& task : chosen->selected) {
+        const auto targetDir = chosen->selected.size() > 1 ? joinPath(results, task) : results;
         if (!options.dryRun && !makeDirectory(targetDir)) {
             console::reportError("could not create result directory: " + targetDir);
             return 1;

@@ -86,9 +86,8 @@ void startRunner(const console::RuntimeConfig& config, const std::string& projec
     }
     const std::string quotedDir = shellQuote(projectDir);
     console::logInfo("running: cd " + quotedDir + " && " + shellQuote(runner) + " kick --path " + quotedDir);
-    std::string failure;
-    if (!system::runProgram(projectDir, runner, {"kick", "--path", projectDir}, &failure)) {
-        console::logError("project runner failed: " + failure);
+    if (const auto failure = system::runProgram(projectDir, runner, {"kick", "--path", projectDir})) {
+        console::logError("project runner failed: " + *failure);
     }
 }
 

@@ -3,11 +3,9 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/messages.h"
-#include "project/cases/selection.h"
-#include "project/cases/target.h"
+#include "project/choice.h"
 #include "project/workflows.h"
 #include "support/fault.h"
-#include "support/text.h"
 
 #include <algorithm>
 #include <exception>
@@ -43,17 +41,13 @@ int runShape(const LineShape& shape, int argc, char** argv) {
     return status;
 }
 
-console::UsageError refusal(const std::string& message) {
-    return console::UsageError(console::ErrorTag::plain, message);
-}
-
 int statusOf(bool success) {
     return success ? 0 : 1;
 }
 
 int runAdd(const ProjectOptions& options) {
     if (!options.names.empty()) {
-        throw refusal("project add does not accept -n/--name.");
+        throw console::UsageError(console::ErrorTag::plain, "project add does not accept -n/--name.");
     }
     return runProjectAdd(options);
 }
@@ -112,27 +106,6 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
                              faultText(failure, options.path.empty() ? "." : options.path));
         return 1;
     }
-}
-
-std::optional<ChosenBlocks> chooseBlocks(const ProjectOptions& options) {
-    ChosenBlocks chosen;
-    std::string error;
-    if (!resolveProjectTemplate(options.path, chosen.root, chosen.file, error)) {
-        throw refusal(error);
-    }
-    if (options.names.empty()) {
-        throw refusal("specify at least one task block with -n/--name.");
-    }
-    TaskCatalog catalog;
-    if (!loadCatalog(chosen.root, chosen.file, catalog, error)) {
-        console::reportError(error);
-        return std::nullopt;
-    }
-    std::vector<std::string> missing;
-    if (!selectTaskBlocks(catalog, options.names, true, chosen.selected, missing)) {
-        throw refusal("task block not found in .projmq: " + join(missing, ", ") + knownBlockLines(catalog));
-    }
-    return chosen;
 }
 
 } // namespace morquill::project

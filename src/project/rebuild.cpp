@@ -3,43 +3,24 @@
 #include "console/messages.h"
 #include "console/runtime_config.h"
 #include "project/cases/selection.h"
+#include "project/choice.h"
+#include "project/phrases.h"
 #include "project/regenerate.h"
 #include "project/status/status_file.h"
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/process.h"
 #include "system/prompt.h"
 
-#include <fcntl.h>
+#include <optional>
+
 #include <unistd.h>
 
 namespace morquill::project {
 
 namespace {
-
-/// Stands in another directory for the time of a scope; stays where it is when that directory cannot be
-/// entered.
-class WorkingDirectory {
-  public:
-    explicit WorkingDirectory(const std::string& dir)
-        : old_(::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
-          moved_(old_ >= 0 && ::chdir(dir.c_str()) == 0) {}
-    WorkingDirectory(const WorkingDirectory&) = delete;
-    WorkingDirectory& operator=(const WorkingDirectory&) = delete;
-    ~WorkingDirectory() {
-        if (moved_) {
-            (void)!::fchdir(old_);
-        }
-        if (old_ >= 0) {
-            ::close(old_);
-        }
-    }
-
-  private:
-    int old_;
-    bool moved_;
-};
 
 std::vector<std::string> listWorkMarkers(const std::string& blockDir) {
     std::vector<std::string> markers;
@@ -127,10 +108,10 @@ bool startRunner(const std::string& root, bool dryRun, RebuildSummary& summary) 
     }
     console::printLine();
     printExecution(runnerCommand(runner, root), dryRun);
-    std::string failure;
-    if (!dryRun && !system::runProgram(root, runner, {"kick", "--path", root}, &failure)) {
+    const auto failure = dryRun ? std::nullopt : system::runProgram(root, runner, {"kick", "--path", root});
+    if (failure) {
         summary.runnerFailed += 1;
-        console::reportError("failed to execute project runner: " + runner + inParentheses(failure));
+        console::reportError("failed to execute project runner: " + runner + inParentheses(*failure));
         return false;
     }
     summary.runnerSuccess += 1;
@@ -152,8 +133,8 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
     }
     printGeneratorCommand(*place, options.dryRun, rebuildWords);
     if (!options.dryRun) {
-        if (std::string failure; !runGenerator(*place, rebuildWords, failure)) {
-            console::reportError("failed to re-run morquill" + inParentheses(failure));
+        if (const auto failure = runGenerator(*place, rebuildWords)) {
+            console::reportError("failed to re-run morquill" + inParentheses(*failure));
             return false;
         }
         console::printNote("full morquill rebuild completed");
@@ -162,15 +143,15 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
     return !withRunner || startRunner(place->directory, options.dryRun, summary);
 }
 
-/// Settles, before anything is touched, whether the runner is started at the end. False after a message when
-/// it was demanded and is not there.
-bool settleRunner(const std::string& root, bool& runScript) {
+/// The options with `runScript` as it is settled before anything is touched: whether the runner is started at
+/// the end. Nothing, after a message, when it was demanded and is not there.
+std::optional<RebuildOptions> settleRunner(const std::string& root, RebuildOptions options) {
     const auto runner = resolveRunner(root);
     const bool available = console::isRunnerAvailable(runner);
-    if (runScript) {
+    if (options.runScript) {
         if (!available) {
             console::reportError("configured project runner not found: " + runner);
-            return false;
+            return std::nullopt;
         }
         console::printNote("post-rebuild runner enabled: " + runnerCommand(runner, root));
     } else if (!available) {
@@ -181,9 +162,9 @@ bool settleRunner(const std::string& root, bool& runScript) {
         console::printLine();
         console::printNote("execute the configured project runner afterwards? (y/n):");
         console::printLine("        " + runnerCommand(runner, root));
-        runScript = system::askYesNo();
+        options.runScript = system::askYesNo();
     }
-    return true;
+    return options;
 }
 
 } // namespace
@@ -205,9 +186,9 @@ std::int32_t removeWorkMarkers(const std::string& blockDir) {
 }
 
 std::string resolveRunner(const std::string& root) {
-    const WorkingDirectory inRoot(root);
-    const auto runner = console::findRunnerProgram(console::loadConfig("morquill.conf"));
-    // A path relative to the root means nothing once this returns; a bare name is looked up along PATH.
+    const auto place = normalisedPath(root); // as the system names it to a program that runs there
+    const auto runner = console::findRunnerProgram(console::loadConfig("morquill.conf", place), place);
+    // The runner is also shown: a path becomes absolute and normal, a bare name is looked up along PATH.
     return runner.find('/') == std::string::npos ? runner : absoluteLocation(runner);
 }
 
@@ -223,32 +204,32 @@ bool rebuildProject(const std::string& root, const std::string& file,
 
 bool runProjectRebuild(const std::string& path, const std::vector<std::string>& names,
                        const RebuildOptions& options) {
-    ProjectTarget target;
-    std::vector<std::string> selected;
-    if (!chooseWork(path, names, "select task blocks to rebuild:", target, selected)) {
+    const auto work = chooseWork(path, names, "select task blocks to rebuild:");
+    if (!work) {
         return false;
     }
+    const auto& [target, selected] = *work;
     if (selected.empty()) {
         return true;
     }
     console::printLine();
     console::printNote("selected: " + formatSelection(selected));
     console::printNote("rebuild mode re-runs full morquill and refreshes generated inputs/workflow.");
-    RebuildOptions chosen = options;
     bool rebuilt = false;
     if (target.kind == TargetKind::Case) {
-        if (chosen.runScript) {
+        if (options.runScript) {
             console::reportError(
                 "--run-script requires a project root or .projmq path. For a single "
                 "case, rebuild the case first, then run the project runner from the project root.");
             return false;
         }
-        rebuilt = rebuildCase(target.caseDir, target.caseFile, selected, chosen);
+        rebuilt = rebuildCase(target.caseDir, target.caseFile, selected, options);
     } else {
-        if (!settleRunner(target.projectRoot, chosen.runScript)) {
+        const auto settled = settleRunner(target.projectRoot, options);
+        if (!settled) {
             return false;
         }
-        rebuilt = rebuildProject(target.projectRoot, target.projectFile, selected, chosen);
+        rebuilt = rebuildProject(target.projectRoot, target.projectFile, selected, *settled);
     }
     if (!rebuilt) {
         console::reportError("rebuild failed.");

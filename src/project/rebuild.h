@@ -33,8 +33,8 @@ struct RebuildSummary {
 /// Removes them; how many went. One that stays is told on standard error.
 [[nodiscard]] std::int32_t removeWorkMarkers(const std::string& blockDir);
 
-/// The path of the project runner `mqrun` as the configuration read in the project root names it, or its bare
-/// name. The working directory is the same afterwards.
+/// The path of the project runner `mqrun` as the configuration that holds in the project root names it, or
+/// its bare name. Relative paths in it are those of the root, wherever the program runs.
 [[nodiscard]] std::string resolveRunner(const std::string& root);
 
 } // namespace morquill::project

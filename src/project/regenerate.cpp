@@ -2,6 +2,7 @@
 
 #include "console/messages.h"
 #include "project/cases/selection.h"
+#include "project/phrases.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
@@ -22,22 +23,6 @@ bool hasSelection(const std::vector<std::string>& selected, const WorkflowWords&
 }
 
 } // namespace
-
-bool chooseWork(const std::string& path, const std::vector<std::string>& names, std::string_view title,
-                ProjectTarget& target, std::vector<std::string>& selected) {
-    if (std::string error; !resolveTarget(path, target, error)) {
-        console::reportError(error);
-        return false;
-    }
-    const bool chosen =
-        target.kind == TargetKind::Case
-            ? selectFromFile(target.caseFile, "task file", names, title, selected)
-            : selectFromProject(target.projectRoot, target.projectFile, names, title, selected);
-    if (chosen && selected.empty()) {
-        console::printNote("no task blocks were selected; exiting.");
-    }
-    return chosen;
-}
 
 std::optional<WorkPlace> openCase(const std::string& caseDir, const std::string& caseFile,
                                   const std::vector<std::string>& selected, const WorkflowWords& words) {
@@ -83,10 +68,6 @@ void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& sel
     console::printLine(text);
 }
 
-void printExecution(std::string_view command, bool dryRun) {
-    console::printMessage(console::stepKind(dryRun), (dryRun ? "" : "execute ") + std::string(command));
-}
-
 void printGeneratorCommand(const WorkPlace& place, bool dryRun, const WorkflowWords& words) {
     std::string command = generator + (" " + shellQuote(place.file));
     if (words.comdOnly) {
@@ -96,16 +77,12 @@ void printGeneratorCommand(const WorkPlace& place, bool dryRun, const WorkflowWo
     printExecution(command, dryRun);
 }
 
-bool runGenerator(const WorkPlace& place, const WorkflowWords& words, std::string& failure) {
+std::optional<std::string> runGenerator(const WorkPlace& place, const WorkflowWords& words) {
     std::vector<std::string> arguments{place.file};
     if (words.comdOnly) {
         arguments.emplace_back(comdOnlyFlag);
     }
-    return system::runProgram(place.directory, generator, arguments, &failure);
-}
-
-std::string inParentheses(const std::string& reason) {
-    return reason.empty() ? "" : " (" + reason + ")";
+    return system::runProgram(place.directory, generator, arguments);
 }
 
 } // namespace morquill::project

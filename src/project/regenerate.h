@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-/// What update and rebuild share: the choice of blocks, the checks before anything is touched, the header,
-/// and the call of the generator `morquill`.
+/// What update and rebuild share: the checks before anything is touched, the header, and the call of the
+/// generator `morquill`.
 namespace morquill::project {
 
 /// One case or a whole project, checked and ready to be worked on.
@@ -30,12 +30,6 @@ struct WorkflowWords {
 inline constexpr WorkflowWords updateWords{"update", "Update", "comd-only", true};
 inline constexpr WorkflowWords rebuildWords{"rebuild", "Rebuild", "full", false};
 
-/// Resolves the path and chooses blocks by name or from the menu under `title`. False after a message; an
-/// empty choice is a success and was told.
-[[nodiscard]] bool chooseWork(const std::string& path, const std::vector<std::string>& names,
-                              std::string_view title, ProjectTarget& target,
-                              std::vector<std::string>& selected);
-
 /// A case to work on; nothing, after a message, when no block is selected, or directory or file is missing.
 [[nodiscard]] std::optional<WorkPlace> openCase(const std::string& caseDir, const std::string& caseFile,
                                                 const std::vector<std::string>& selected,
@@ -48,15 +42,9 @@ inline constexpr WorkflowWords rebuildWords{"rebuild", "Rebuild", "full", false}
 void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun,
                      const WorkflowWords& words);
 
-/// Shows a command that is run or, in a dry run, would be.
-void printExecution(std::string_view command, bool dryRun);
-
 /// Shows the generator's command line.
 void printGeneratorCommand(const WorkPlace& place, bool dryRun, const WorkflowWords& words);
-/// Runs the generator; true when it ended well. Otherwise `failure` takes the reason.
-[[nodiscard]] bool runGenerator(const WorkPlace& place, const WorkflowWords& words, std::string& failure);
-
-/// " (<reason>)", or nothing for an empty reason.
-[[nodiscard]] std::string inParentheses(const std::string& reason);
+/// Runs the generator. Nothing when it ended well, else the reason.
+[[nodiscard]] std::optional<std::string> runGenerator(const WorkPlace& place, const WorkflowWords& words);
 
 } // namespace morquill::project

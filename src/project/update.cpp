@@ -2,6 +2,8 @@
 
 #include "console/messages.h"
 #include "project/cases/selection.h"
+#include "project/choice.h"
+#include "project/phrases.h"
 #include "project/regenerate.h"
 #include "project/update_script.h"
 #include "support/file.h"
@@ -33,21 +35,21 @@ bool prepareRun(const WorkPlace& place, const std::vector<std::string>& selected
 
 /// Runs the generator on narrowed status files, which are back when this returns, throws or is ended by a
 /// signal.
-bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selected, UpdateSummary& summary) {
+bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selected,
+                 const UpdateOptions& options, UpdateSummary& summary) {
     const system::SignalGuard
         signals; // goes last: the status files are back before a signal ends the program
     StatusRestorer statusFiles;
-    if (!prepareRun(place, selected, false, statusFiles.backups(), summary)) {
+    if (!prepareRun(place, selected, options.dryRun, statusFiles.backups(), summary)) {
         return false;
     }
-    std::string failure;
-    const bool refreshed = signals.noted() == 0 && runGenerator(place, updateWords, failure);
+    const auto failure = signals.noted() == 0 ? runGenerator(place, updateWords) : std::nullopt;
     if (!statusFiles.restore() || signals.noted() != 0) {
         return false;
     }
     console::printNote("mq.status restored after comd-only update");
-    if (!refreshed) {
-        console::reportError("failed to re-run morquill in --comd-only mode" + inParentheses(failure));
+    if (failure) {
+        console::reportError("failed to re-run morquill in --comd-only mode" + inParentheses(*failure));
         return false;
     }
     console::printNote("morquill --comd-only update completed");
@@ -55,8 +57,8 @@ bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selecte
 }
 
 bool leaveScript(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun) {
-    std::string path;
-    if (!writeComdRunnerScript(place.directory, place.caseDirs, selected, dryRun, path)) {
+    const auto path = comdRunnerScriptPath(place.directory);
+    if (!dryRun && !writeComdRunnerScript(place.directory, place.caseDirs, selected)) {
         console::reportError("failed to write comd runner script: " + path);
         return false;
     }
@@ -75,8 +77,8 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
     printWorkHeader(*place, selected, options.dryRun, updateWords);
     UpdateSummary summary;
     std::vector<StatusBackup> untouched;
-    const bool refreshed = options.dryRun ? prepareRun(*place, selected, true, untouched, summary)
-                                          : refreshComd(*place, selected, summary);
+    const bool refreshed = options.dryRun ? prepareRun(*place, selected, options.dryRun, untouched, summary)
+                                          : refreshComd(*place, selected, options, summary);
     if (!refreshed) {
         return false;
     }
@@ -100,10 +102,10 @@ bool runComd(const std::string& blockDir, const std::string& label, bool dryRun,
         return true;
     }
     printExecution(label + " -> bash comd", dryRun);
-    std::string failure;
-    if (!dryRun && !system::runProgram(blockDir, "bash", {"comd"}, &failure)) {
+    const auto failure = dryRun ? std::nullopt : system::runProgram(blockDir, "bash", {"comd"});
+    if (failure) {
         summary.comdFailed += 1;
-        console::reportWarning("comd execution failed: " + blockDir + inParentheses(failure));
+        console::reportWarning("comd execution failed: " + blockDir + inParentheses(*failure));
         return false;
     }
     summary.comdSuccess += 1;
@@ -138,11 +140,11 @@ bool updateProject(const std::string& root, const std::string& file, const std::
 
 bool runProjectUpdate(const std::string& path, const std::vector<std::string>& names,
                       const UpdateOptions& options) {
-    ProjectTarget target;
-    std::vector<std::string> selected;
-    if (!chooseWork(path, names, "select task blocks to update comd:", target, selected)) {
+    const auto work = chooseWork(path, names, "select task blocks to update comd:");
+    if (!work) {
         return false;
     }
+    const auto& [target, selected] = *work;
     if (selected.empty()) {
         return true;
     }

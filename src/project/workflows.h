@@ -21,22 +21,6 @@ struct RebuildOptions {
     bool removeWorkMarkers = true;
 };
 
-/// A project and the blocks chosen from it by name.
-struct ChosenBlocks {
-    std::string root;
-    std::string file;                  ///< the project template
-    std::vector<std::string> selected; ///< expanded block names
-};
-
-/// What `exec`, `collect` and a run without sub-command begin with: resolves the template, demands names,
-/// loads the catalog and selects with wildcards. Nothing, after a message, when the catalog cannot be loaded.
-/// Throws `console::UsageError` for a path or names that lead to no block.
-[[nodiscard]] std::optional<ChosenBlocks> chooseBlocks(const ProjectOptions& options);
-
-/// The case directories of a project in order, for `exec` and `collect`. Throws `console::UsageError` when
-/// there is none.
-[[nodiscard]] std::vector<std::string> chooseCases(const std::string& root);
-
 /// Makes a project from the task and geometry files of the current directory. True on success.
 [[nodiscard]] bool runProjectInit();
 /// Adds cases to a project; the exit status. Throws `console::UsageError` without a project or a geometry

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 /// What faults say to the user.
 namespace morquill {
@@ -30,5 +31,11 @@ class WholeTextError : public std::runtime_error {
 /// What a fault says to the user. A lack of memory says nothing by itself: it becomes "out of memory: <path>"
 /// with the file that was worked on, "out of memory" without one.
 [[nodiscard]] std::string faultText(const std::exception& fault, std::string_view path);
+
+/// The system's own words for an error number, those of `errno`.
+[[nodiscard]] const char* systemErrorText(int number) noexcept;
+
+/// What `errno` says now, as a value.
+[[nodiscard]] std::error_code lastSystemError() noexcept;
 
 } // namespace morquill

@@ -3,9 +3,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-/// File helpers that swallow file system errors: they answer false, nothing or an empty list, never throw.
+/// File helpers that swallow file system errors: they return false or nothing, never throw.
 namespace morquill {
 
 /// The whole content of a regular file (a link to one counts), byte for byte; nothing when it cannot be
@@ -30,11 +29,5 @@ namespace morquill {
 [[nodiscard]] bool isRegularFile(const std::string& path);
 /// True for a directory or a link that leads to one.
 [[nodiscard]] bool isDirectory(const std::string& path);
-
-/// The names in a directory without "." and "..", in ascending byte order; empty when it cannot be read.
-[[nodiscard]] std::vector<std::string> listDirectoryEntries(const std::string& path);
-
-/// The weakly canonical form of a path, or its lexically normal form when the file system reports an error.
-[[nodiscard]] std::string normalisedPath(const std::string& path);
 
 } // namespace morquill

@@ -19,6 +19,10 @@ namespace {
 
 /// Holds back, while it lives, every signal that can be held: none may end or stop the program while a file
 /// is half old and half new. What a fault of the program itself raises is not held.
+///
+/// Not the same idea as `SignalGuard` of the workflows, which covers whole steps: there children run, which
+/// must not inherit blocked signals and have to hear of a signal to end, and the user may stop the program.
+/// Blocking holds the stop key as well and needs no handler, but is right for the time of one write only.
 class SignalHold {
   public:
     SignalHold() noexcept {
@@ -77,7 +81,8 @@ bool reserveRoom(int fd, const struct stat& info, std::size_t size) noexcept {
     return errno != ENOSPC && errno != EDQUOT && errno != EFBIG && errno != EIO;
 }
 
-/// The first bytes of a file, fewer when it is shorter; nothing when they cannot be read or held.
+/// The first bytes of a file that was just opened, fewer when it is shorter; nothing when they cannot be read
+/// or held.
 std::optional<std::string> readStart(int fd, std::size_t size) {
     std::string start;
     try {
@@ -86,18 +91,11 @@ std::optional<std::string> readStart(int fd, std::size_t size) {
         errno = ENOMEM;
         return std::nullopt;
     }
-    std::size_t used = 0;
-    while (used < size) {
-        const auto got = ::pread(fd, start.data() + used, size - used, static_cast<off_t>(used));
-        if (got < 0) {
-            return std::nullopt;
-        }
-        if (got == 0) {
-            break;
-        }
-        used += static_cast<std::size_t>(got);
+    const ssize_t got = readFull(fd, start.data(), size);
+    if (got < 0) {
+        return std::nullopt;
     }
-    start.resize(used);
+    start.resize(static_cast<std::size_t>(got));
     return start;
 }
 
@@ -127,20 +125,19 @@ bool overwriteFile(int fd, bool readable, std::string_view text) {
 }
 
 bool overwriteExisting(const std::string& path, std::string_view text) {
-    int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOCTTY);
-    const bool readable = fd >= 0;
-    if (fd < 0 && errno == EACCES) {
-        fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    Descriptor file = openFile(path, O_RDWR | O_NOCTTY);
+    const bool readable = file.isOpen();
+    if (!readable && errno == EACCES) {
+        file = openFile(path, O_WRONLY | O_NOCTTY);
     }
-    Descriptor file(fd);
-    return file.get() >= 0 && overwriteFile(file.get(), readable, text) && file.close();
+    return file.isOpen() && overwriteFile(file.get(), readable, text) && file.close();
 }
 
 /// A file that cannot be written in whole is not left behind.
 bool writeNewFile(const std::string& path, std::string_view text) {
     // Through a link whose target does not exist yet the target is made.
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666));
-    if (file.get() < 0) {
+    Descriptor file = openFile(path, O_WRONLY | O_CREAT | O_NOCTTY, 0666);
+    if (!file.isOpen()) {
         return false;
     }
     if (writeAll(file.get(), text) && file.close()) {
@@ -156,8 +153,8 @@ bool writeNewFile(const std::string& path, std::string_view text) {
 
 /// Into a pipe, a terminal or another device: there are no old bytes, and the write may have to wait.
 bool writeToDevice(const std::string& path, std::string_view text) {
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
-    return file.get() >= 0 && writeAll(file.get(), text) && file.close();
+    Descriptor file = openFile(path, O_WRONLY | O_NOCTTY);
+    return file.isOpen() && writeAll(file.get(), text) && file.close();
 }
 
 } // namespace

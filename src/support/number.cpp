@@ -44,6 +44,18 @@ std::optional<std::int32_t> readPositiveInt(std::string_view digits) {
     return value && *value > 0 ? value : std::nullopt;
 }
 
+std::optional<std::size_t> readMenuIndex(std::string_view answer, std::size_t count, MenuSign sign) {
+    answer = trim(answer);
+    if (sign == MenuSign::plus && answer.starts_with('+')) {
+        answer.remove_prefix(1);
+    }
+    const auto number = readPositiveInt(answer);
+    if (!number || static_cast<std::size_t>(*number) > count) {
+        return std::nullopt;
+    }
+    return static_cast<std::size_t>(*number) - 1;
+}
+
 std::optional<double> readDouble(std::string_view text) {
     const std::string word(trim(text));
     if (word.empty()) {

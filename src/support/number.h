@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -14,6 +15,13 @@ namespace morquill {
 
 /// A whole decimal integer from 1 to 2147483647 made of digits only; nothing for any other text.
 [[nodiscard]] std::optional<std::int32_t> readPositiveInt(std::string_view digits);
+/// Whether a plus sign may precede the number of a menu entry.
+enum class MenuSign : std::uint8_t { none, plus };
+
+/// The place, from 0, of the menu entry whose number, from 1 to `count`, is the whole trimmed answer; nothing
+/// for any other text.
+[[nodiscard]] std::optional<std::size_t> readMenuIndex(std::string_view answer, std::size_t count,
+                                                       MenuSign sign);
 
 /// A floating-point number with `strtod` semantics (exponents, hexadecimal, "inf", "nan") that takes up the
 /// whole trimmed text; nothing when text is left over or there is none. The value may be infinite or NaN.

@@ -1,11 +1,11 @@
 #include "system/copy_item.h"
 
 #include "support/descriptor.h"
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/signal_guard.h"
-#include "system/tree_walk.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +14,6 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -30,59 +29,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Copies all that is left of one file to another through memory.
-bool copyThroughBuffer(int from, int to, const SignalGuard& ending) {
-    constexpr std::size_t bufferSize = 1 << 18;
-    const auto buffer = std::make_unique<char[]>(bufferSize);
-    for (;;) {
-        const ssize_t got = ::read(from, buffer.get(), bufferSize);
-        if (got == 0) {
-            return true;
-        }
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got < 0 || ending.noted() != 0 || !writeAll(to, {buffer.get(), static_cast<std::size_t>(got)})) {
-            return false;
-        }
-    }
-}
-
-/// Lets the file system copy, or share, the bytes; what it cannot do goes through memory.
-bool copyBytes(int from, int to, const SignalGuard& ending) {
-    constexpr std::size_t chunk = 1U << 26; // a signal is not looked at before the next one
-    for (;;) {
-        if (ending.noted() != 0) {
-            return false;
-        }
-        const ssize_t moved = ::copy_file_range(from, nullptr, to, nullptr, chunk, 0);
-        if (moved == 0) {
-            return copyThroughBuffer(from, to,
-                                     ending); // the end, or a file whose size the system does not know
-        }
-        if (moved < 0 && errno != EINTR) {
-            // Not a refusal but a fault that would only come again.
-            if (errno == ENOSPC || errno == EIO || errno == EFBIG || errno == EDQUOT) {
-                return false;
-            }
-            return copyThroughBuffer(from, to, ending);
-        }
-    }
-}
-
 /// Makes a copy of a regular file under a name that is free; what could not be copied in full is taken away.
 bool makeFile(const std::string& source, const std::string& copy, const SignalGuard& ending) {
-    const Descriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const Descriptor from = openFile(source, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     struct stat info {};
-    if (from.get() < 0 || ::fstat(from.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
+    if (!from.isOpen() || ::fstat(from.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
         return false;
     }
-    Descriptor to(::open(copy.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, info.st_mode & 0777));
-    if (to.get() < 0) {
+    Descriptor to = openFile(copy, O_WRONLY | O_CREAT | O_EXCL, info.st_mode & 0777);
+    if (!to.isOpen()) {
         return false;
     }
     (void)::fchmod(to.get(), info.st_mode & 07777);
-    const bool copied = copyBytes(from.get(), to.get(), ending);
+    const bool copied = copyToEnd(from.get(), to.get(), [&] { return ending.noted() != 0; });
     if (!to.close() || !copied) {
         (void)::unlink(copy.c_str());
         return false;
@@ -104,7 +63,7 @@ bool makeDirectory(const std::string& source, const std::string& copy, const Sig
         return false;
     }
     bool complete = true;
-    walkTree(source, [&](const std::string& path, EntryKind kind) {
+    walkTree(source, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         if (kind == EntryKind::unreadable || ending.noted() != 0) {
             complete = false;
             return false;

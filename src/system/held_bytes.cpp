@@ -62,12 +62,8 @@ std::string HeldBytes::directory() const {
 
 std::optional<HeldBytes> holdBytes(const std::string& path, std::string_view bytes) {
     struct stat info {};
-    Descriptor file(::open(parentPath(path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
-    bool held = file.isOpen();
-    if (held) {
-        held = writeAll(file.get(), bytes);
-    }
-    if (!held) {
+    Descriptor file = openFile(parentPath(path), O_TMPFILE | O_RDWR, 0600);
+    if (!file.isOpen() || !writeAll(file.get(), bytes)) {
         const bool noRoom = std::find(noRoomErrors.begin(), noRoomErrors.end(), errno) != noRoomErrors.end();
         return noRoom ? std::nullopt : std::optional<HeldBytes>(HeldBytes());
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,14 +36,12 @@ struct ProcessResult {
 /// Why a child did not succeed, in one line; `label` names the child ("shell command").
 [[nodiscard]] std::string describeProcessFailure(const std::string& label, const ProcessResult& result);
 
-/// Runs a program and waits; true when it exited with code 0. Otherwise `failureText`, when given, takes the
-/// reason.
-[[nodiscard]] bool runProgram(const std::string& workingDir, const std::string& program,
-                              const std::vector<std::string>& arguments, std::string* failureText = nullptr);
+/// Runs a program and waits. Nothing when it exited with code 0, else why it did not succeed.
+[[nodiscard]] std::optional<std::string> runProgram(const std::string& workingDir, const std::string& program,
+                                                    const std::vector<std::string>& arguments);
 
-/// Runs a trimmed shell command and waits; true when it exited with code 0. Otherwise `failureText`, when
-/// given, takes the reason.
-[[nodiscard]] bool runShellCommand(const std::string& workingDir, const std::string& command,
-                                   std::string* failureText = nullptr);
+/// The same for a shell command, which is trimmed.
+[[nodiscard]] std::optional<std::string> runShellCommand(const std::string& workingDir,
+                                                         const std::string& command);
 
 } // namespace morquill::system

@@ -65,7 +65,7 @@ void addChildren(pid_t process, pid_t session, ProcessList& list) noexcept {
     std::array<char, 4096> buffer;
     pid_t child = 0;
     ssize_t got = 0;
-    while (file.isOpen() && (got = ::read(file.get(), buffer.data(), buffer.size())) > 0) {
+    while (file.isOpen() && (got = readSome(file.get(), buffer.data(), buffer.size())) > 0) {
         for (const char c : std::string_view(buffer.data(), static_cast<std::size_t>(got))) {
             if (c >= '0' && c <= '9') {
                 child = child * 10 + (c - '0');

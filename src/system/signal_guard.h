@@ -10,7 +10,8 @@ namespace morquill::system {
 /// SIGXCPU, a real-time signal, ...) is noted instead; one that was ignored or handled before stays so. A
 /// file that grows past its limit is a write that fails with `EFBIG`, not the end. The destructor gives the
 /// process back to the system's ways and then ends it with the first noted signal. Build it before whatever
-/// has to be undone, so that it goes last. Of several, one within the other, the outermost does the work.
+/// has to be undone, so that it goes last. Of several, one within the other, the outermost does the work. A
+/// single write needs none: `writeTextFile` blocks signals by itself.
 class SignalGuard {
   public:
     SignalGuard() noexcept;

@@ -1,6 +1,7 @@
 #include "system/terminal.h"
 
 #include "console/console.h"
+#include "support/descriptor.h"
 
 #include <cerrno>
 #include <ctime>
@@ -35,11 +36,6 @@ bool isOurs(int descriptor) noexcept {
     return foreground < 0 || foreground == ::getpgrp();
 }
 
-void writeToTerminal(std::string_view text) noexcept {
-    while (::write(STDOUT_FILENO, text.data(), text.size()) < 0 && errno == EINTR) {
-    }
-}
-
 void leaveKeyMode() noexcept {
     if (keyMode != 0 && isOurs(keyDescriptor)) {
         (void)::tcsetattr(keyDescriptor, TCSANOW, &savedAttributes);
@@ -50,7 +46,7 @@ void leaveKeyMode() noexcept {
 void restoreTerminal() noexcept {
     leaveKeyMode();
     if (isOurs(STDOUT_FILENO)) {
-        writeToTerminal(showCursor);
+        (void)writeAll(STDOUT_FILENO, showCursor);
     }
 }
 
@@ -110,7 +106,8 @@ class KeyMode {
     int descriptor_;
 };
 
-/// Reads a byte while signals may come. False with EINTR when one came.
+/// Reads a byte while signals may come; -1 with EINTR when one came. Not `readSome`: a signal must be seen,
+/// as the program may have been stopped meanwhile.
 ssize_t awaitByte(int descriptor, char& byte) noexcept {
     if (isOurs(descriptor)) {
         struct pollfd input {

@@ -274,7 +274,7 @@ void writeDefineSection(const std::string& taskPath, const std::string& template
         console::reportError("could not read file: " + taskPath);
         return;
     }
-    const auto names = scanPlaceholders(*text, true);
+    const auto names = scanPlaceholders(*text, BuiltIns::drop);
     if (names.empty()) {
         console::printNote("file " + taskPath + " has no placeholders that require define values");
         return;

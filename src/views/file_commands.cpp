@@ -8,6 +8,7 @@
 #include "console/messages.h"
 #include "support/fault.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 

@@ -268,6 +268,24 @@ TEST_F(RuntimeConfigTest, TheRunnerIsLookedForInItsSources) {
     EXPECT_EQ(findRunnerProgram({{"MORQUILL_MQRUN_PATH", "runner"}}), "//../" + root + "/here/local");
 }
 
+TEST_F(RuntimeConfigTest, LooksThingsUpForAnotherWorkingDirectory) {
+    const std::string there = root + "/there";
+    fs::create_directories(there + "/tools");
+    fs::create_directories(root + "/here/tools");
+    put("there/some.conf", "A=$MORQUILL_CONFIG_DIR/a\nB=$PWD/b\n");
+    put("there/tools/runner", "", true);
+    put("here/some.conf", "A=here\n");
+    put("here/tools/runner", "", true);
+    EXPECT_THAT(loadConfig("some.conf", there), ElementsAre(Pair("A", "./a"), Pair("B", there + "/b")));
+    EXPECT_EQ(expandPath("${PWD}/x", there), there + "/x");
+    EXPECT_THAT(splitPathList("$PWD:y", there), ElementsAre(there, "y"));
+    EXPECT_EQ(getConfigValue({{"OWN", "$PWD"}}, "OWN", there), there);
+    const ScopedEnv path("PATH", "tools");
+    EXPECT_EQ(findRunnerProgram({{"MORQUILL_MQRUN_PATH", "tools/runner"}}, there), there + "/tools/runner");
+    EXPECT_EQ(findRunnerProgram({{"MORQUILL_MQRUN_PATH", "runner"}}, there), there + "/tools/runner");
+    EXPECT_EQ(findRunnerProgram({{"MORQUILL_MQRUN_PATH", "none"}}, there), "mqrun");
+}
+
 TEST_F(RuntimeConfigTest, ARunnerBesideTheProgramComesBeforeTheBareName) {
     const std::string beside = executableDirectory() + "/mqrun";
     ASSERT_FALSE(fs::exists(beside));

@@ -1,3 +1,4 @@
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/plot/plot_parser.h"

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <new>
 #include <stdexcept>
 #include <vector>
@@ -22,6 +23,14 @@ TEST(FaultText, NamesTheFileWhenTheMemoryRanOut) {
     } catch (const std::exception& fault) {
         EXPECT_EQ(faultText(fault, "a.mq"), "out of memory: a.mq");
     }
+}
+
+TEST(SystemError, IsToldInTheSystemsWords) {
+    EXPECT_STREQ(systemErrorText(ENOENT), "No such file or directory");
+    errno = ENOSPC;
+    const std::error_code error = lastSystemError();
+    EXPECT_EQ(error.value(), ENOSPC);
+    EXPECT_EQ(error.message(), systemErrorText(ENOSPC));
 }
 
 } // namespace

@@ -113,17 +113,5 @@ TEST_F(File, KindTestsFollowLinksAndSwallowErrors) {
     EXPECT_FALSE(isDirectory(at("loop")));
 }
 
-TEST_F(File, EntriesComeInByteOrder) {
-    for (const char* name : {"b", "a", "Z", ".hidden"}) {
-        ASSERT_TRUE(writeTextFile(at(name), ""));
-    }
-    EXPECT_THAT(listDirectoryEntries(dir.string()), ::testing::ElementsAre(".hidden", "Z", "a", "b"));
-    EXPECT_THAT(listDirectoryEntries(at("missing")), ::testing::IsEmpty());
-}
-
-TEST_F(File, NormalisedPathJoinsDifferentSpellings) {
-    EXPECT_EQ(normalisedPath(dir.string() + "/./a/../b"), normalisedPath(at("b")));
-}
-
 } // namespace
 } // namespace morquill

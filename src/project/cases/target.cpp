@@ -1,8 +1,9 @@
 #include "project/cases/target.h"
 
+#include "support/directory.h"
 #include "support/file.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace morquill::project {
 
@@ -52,63 +53,60 @@ std::string startDirectory(std::string_view path) {
     return isRegularFile(start) ? parentPath(start) : start;
 }
 
-/// The one template of a directory, or why there is none to take.
-enum class TemplateCount { none, one, many };
-
-TemplateCount takeTemplate(const std::string& dir, std::string& root, std::string& file) {
-    const std::vector<std::string> templates = listProjectTemplates(dir);
-    if (templates.size() != 1) {
-        return templates.empty() ? TemplateCount::none : TemplateCount::many;
-    }
-    root = dir;
-    file = templates.front();
-    return TemplateCount::one;
+Failure severalTemplates(std::string_view place) {
+    return {"multiple .projmq files were found in the " + std::string(place)};
 }
 
-constexpr std::string_view severalTemplates = "multiple .projmq files were found in the ";
-
-std::string severalTemplatesIn(std::string_view place, const std::string& dir) {
-    return std::string(severalTemplates) + std::string(place) + "; specify one explicitly: " + dir;
+Failure severalTemplatesIn(std::string_view place, const std::string& dir) {
+    return severalTemplates(std::string(place) + "; specify one explicitly: " + dir);
 }
 
-bool resolveFromCurrentDirectory(std::string& root, std::string& file, std::string& error) {
+Outcome<ProjectTemplate> resolveFromCurrentDirectory() {
     const std::string current = absoluteLocation({});
-    TemplateCount count = takeTemplate(current, root, file);
-    if (count == TemplateCount::many) {
-        error = std::string(severalTemplates) + "current directory; specify one explicitly.";
-        return false;
+    const auto here = listProjectTemplates(current);
+    if (here.size() > 1) {
+        return severalTemplates("current directory; specify one explicitly.");
     }
-    if (count == TemplateCount::none) {
-        const std::string enclosing = findProjectDirectory({});
-        count = takeTemplate(enclosing, root, file);
-        if (count == TemplateCount::many) {
-            error = severalTemplatesIn("enclosing project directory", enclosing);
-            return false;
-        }
+    if (here.size() == 1) {
+        return ProjectTemplate{current, here.front()};
     }
-    if (count == TemplateCount::none) {
-        error = "no .projmq file was found in the current directory or enclosing project; use "
-                "--path or <xxx.projmq>.";
-        return false;
+    const std::string enclosing = findProjectDirectory({});
+    const auto above = listProjectTemplates(enclosing);
+    if (above.size() > 1) {
+        return severalTemplatesIn("enclosing project directory", enclosing);
     }
-    return true;
+    if (above.empty()) {
+        return Failure{
+            "no .projmq file was found in the current directory or enclosing project; use --path or "
+            "<xxx.projmq>."};
+    }
+    return ProjectTemplate{enclosing, above.front()};
 }
 
-/// The enclosing project of an absolute path; `unresolved` is the message when there is none.
-bool resolveEnclosingProject(const std::string& path, std::string_view unresolved, std::string& root,
-                             std::string& file, std::string& error) {
+/// The enclosing project of an absolute path; `unresolved` is the message, without the path, when there is
+/// none.
+Outcome<ProjectTemplate> resolveEnclosingProject(const std::string& path, std::string_view unresolved) {
     const std::string dir = findProjectDirectory(path);
-    switch (takeTemplate(dir, root, file)) {
-    case TemplateCount::one:
-        return true;
-    case TemplateCount::many:
-        error = severalTemplatesIn("project directory", dir);
-        return false;
-    case TemplateCount::none:
-        error = std::string(unresolved) + path;
-        return false;
+    const auto templates = listProjectTemplates(dir);
+    if (templates.empty()) {
+        return Failure{std::string(unresolved) + path};
     }
-    return false;
+    if (templates.size() > 1) {
+        return severalTemplatesIn("project directory", dir);
+    }
+    return ProjectTemplate{dir, templates.front()};
+}
+
+/// The project as a target, or the failure to find it.
+Outcome<ProjectTarget> asTarget(const Outcome<ProjectTemplate>& project) {
+    if (!project) {
+        return project.failure();
+    }
+    return ProjectTarget{TargetKind::Project, project->root, project->file, {}, {}};
+}
+
+ProjectTarget caseTarget(std::string dir, std::string file) {
+    return {TargetKind::Case, {}, {}, std::move(dir), std::move(file)};
 }
 
 } // namespace
@@ -185,54 +183,40 @@ std::string findCaseDirectory(std::string_view path) {
     return start;
 }
 
-bool resolveProjectTemplate(std::string_view path, std::string& root, std::string& file, std::string& error) {
+Outcome<ProjectTemplate> resolveProjectTemplate(std::string_view path) {
     if (path.empty()) {
-        return resolveFromCurrentDirectory(root, file, error);
+        return resolveFromCurrentDirectory();
     }
     const std::string absolute = absoluteLocation(path);
     if (absolute.ends_with(templateExtension) && isRegularFile(absolute)) {
-        root = parentPath(absolute);
-        file = absolute;
-        return true;
+        return ProjectTemplate{parentPath(absolute), absolute};
     }
-    return resolveEnclosingProject(absolute, "could not resolve a .projmq project template from path: ", root,
-                                   file, error);
+    return resolveEnclosingProject(absolute, "could not resolve a .projmq project template from path: ");
 }
 
-bool resolveTarget(std::string_view path, ProjectTarget& target, std::string& error) {
-    target = ProjectTarget{};
+Outcome<ProjectTarget> resolveTarget(std::string_view path) {
     if (path.empty()) {
-        return resolveProjectTemplate(path, target.projectRoot, target.projectFile, error);
+        return asTarget(resolveFromCurrentDirectory());
     }
     const std::string absolute = absoluteLocation(path);
     const bool regular = isRegularFile(absolute);
     if (regular && absolute.ends_with(templateExtension)) {
-        target.projectRoot = parentPath(absolute);
-        target.projectFile = absolute;
-        return true;
+        return asTarget(ProjectTemplate{parentPath(absolute), absolute});
     }
     if (regular && absolute.ends_with(taskExtension)) {
-        target.kind = TargetKind::Case;
-        target.caseDir = parentPath(absolute);
-        target.caseFile = absolute;
-        return true;
+        return caseTarget(parentPath(absolute), absolute);
     }
     const std::string caseDir = findCaseDirectory(absolute);
     const std::vector<std::string> taskFiles = listTaskFiles(caseDir);
     if (taskFiles.size() > 1) {
-        error = "multiple .mq files were found in the case directory; specify one explicitly: " + caseDir;
-        return false;
+        return Failure{"multiple .mq files were found in the case directory; specify one explicitly: " +
+                       caseDir};
     }
     if (taskFiles.size() == 1) {
-        target.kind = TargetKind::Case;
-        target.caseDir = caseDir;
-        target.caseFile = joinPath(caseDir, taskFiles.front());
-        return true;
+        return caseTarget(caseDir, joinPath(caseDir, taskFiles.front()));
     }
-    return resolveEnclosingProject(
-        absolute,
-        "could not resolve a .projmq project template or case .mq file from path: ", target.projectRoot,
-        target.projectFile, error);
+    return asTarget(resolveEnclosingProject(
+        absolute, "could not resolve a .projmq project template or case .mq file from path: "));
 }
 
 } // namespace morquill::project

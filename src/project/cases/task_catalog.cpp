@@ -2,6 +2,7 @@
 
 #include "console/library_file.h"
 #include "project/cases/target.h"
+#include "support/directory.h"
 #include "support/fault.h"
 #include "support/file.h"
 #include "support/name_list.h"
@@ -179,15 +180,15 @@ class CaseReader {
     bool warned_ = false;
 };
 
-bool scanInto(CatalogBuilder& builder, const std::string& file, std::string& error,
-              const taskdsl::WarningSink& warnings) {
+/// Adds the blocks of a file; the failure when it cannot be read or parsed.
+std::optional<Failure> scanInto(CatalogBuilder& builder, const std::string& file,
+                                const taskdsl::WarningSink& warnings) {
     try {
         builder.add(parserWith(warnings).parseFile(file));
-        return true;
+        return std::nullopt;
     } catch (const std::exception& failure) {
         stopWithoutMemory(failure, file);
-        error = std::string(scanFailure) + wholeText(failure);
-        return false;
+        return Failure{std::string(scanFailure) + wholeText(failure)};
     }
 }
 
@@ -197,21 +198,19 @@ const std::string& writtenName(const TaskInfo& task) noexcept {
     return task.templateTaskName.empty() ? task.name : task.templateTaskName;
 }
 
-bool scanTaskFile(const std::string& file, TaskCatalog& catalog, std::string& error,
-                  const taskdsl::WarningSink& warnings) {
+Outcome<TaskCatalog> scanTaskFile(const std::string& file, const taskdsl::WarningSink& warnings) {
     CatalogBuilder builder;
-    if (!scanInto(builder, file, error, warnings)) {
-        return false;
+    if (auto failure = scanInto(builder, file, warnings)) {
+        return *std::move(failure);
     }
-    catalog = builder.finish();
-    return true;
+    return builder.finish();
 }
 
-bool loadCatalog(const std::string& root, const std::string& file, TaskCatalog& catalog, std::string& error,
-                 const taskdsl::WarningSink& warnings) {
+Outcome<TaskCatalog> loadCatalog(const std::string& root, const std::string& file,
+                                 const taskdsl::WarningSink& warnings) {
     CatalogBuilder builder;
-    std::string firstFailure;
-    bool anyParsed = scanInto(builder, file, firstFailure, warnings);
+    auto firstFailure = scanInto(builder, file, warnings);
+    bool anyParsed = !firstFailure;
     std::size_t caseFailures = 0;
     CaseReader reader(builder, file, warnings);
     for (const std::string& caseDir : listCaseDirectories(root)) {
@@ -225,15 +224,13 @@ bool loadCatalog(const std::string& root, const std::string& file, TaskCatalog& 
             ++caseFailures;
         }
     }
-    if (!anyParsed) {
-        error = firstFailure;
-        if (caseFailures > 0) {
-            error += " (" + std::to_string(caseFailures) + " additional case parse error(s))";
-        }
-        return false;
+    if (anyParsed) {
+        return builder.finish();
     }
-    catalog = builder.finish();
-    return true;
+    if (caseFailures > 0) {
+        firstFailure->text += " (" + std::to_string(caseFailures) + " additional case parse error(s))";
+    }
+    return *std::move(firstFailure);
 }
 
 } // namespace morquill::project

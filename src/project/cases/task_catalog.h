@@ -1,6 +1,7 @@
 #pragma once
 
 #include "console/logger.h"
+#include "support/outcome.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/task/task_document.h"
 
@@ -26,15 +27,14 @@ struct TaskCatalog {
 /// including document as tasks of their own; what was written is the name that they were made from.
 [[nodiscard]] const std::string& writtenName(const taskdsl::TaskInfo& task) noexcept;
 
-/// The blocks of one task file. False with the message, without its tag, in `error` when it cannot be read or
-/// parsed. Warnings of the language go to the sink.
-[[nodiscard]] bool scanTaskFile(const std::string& file, TaskCatalog& catalog, std::string& error,
-                                const taskdsl::WarningSink& warnings = console::logWarning);
+/// The blocks of one task file; a failure when it cannot be read or parsed. Warnings of the language go to
+/// the sink.
+Outcome<TaskCatalog> scanTaskFile(const std::string& file,
+                                  const taskdsl::WarningSink& warnings = console::logWarning);
 
 /// The blocks of a project: its template and the task file of every case. A file that does not parse is left
-/// out; false, with the first failure and the count of the others in `error`, only when none parses.
-[[nodiscard]] bool loadCatalog(const std::string& root, const std::string& file, TaskCatalog& catalog,
-                               std::string& error,
-                               const taskdsl::WarningSink& warnings = console::logWarning);
+/// out; a failure, with the first message and the count of the others, only when none parses.
+Outcome<TaskCatalog> loadCatalog(const std::string& root, const std::string& file,
+                                 const taskdsl::WarningSink& warnings = console::logWarning);
 
 } // namespace morquill::project

@@ -4,6 +4,7 @@
 #include "project/cases/target.h"
 #include "project/rename/rename_check.h"
 #include "project/rename/rename_files.h"
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/name_list.h"
 #include "support/paths.h"

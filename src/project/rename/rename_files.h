@@ -48,10 +48,13 @@ void renameBlockArtifacts(const std::string& caseDir, const std::string& caseNam
 [[nodiscard]] std::optional<std::string>
 findOverlongName(const std::string& caseDir, const std::string& caseName, const RenamedBlock& block);
 
-/// Renames what begins with `oldPrefix` in a directory, with `recursive` at any depth, the deepest first. An
-/// existing target is an error and nothing is replaced.
+/// How far below a directory something is done.
+enum class Depth : std::uint8_t { one, any };
+
+/// Renames what begins with `oldPrefix` in a directory, the deepest first. An existing target is an error and
+/// nothing is replaced.
 void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, const std::string& newPrefix,
-                         bool recursive, RenameReport& report);
+                         Depth depth, RenameReport& report);
 
 /// Puts the new name into one text file, see `renamedText`; files of binary kinds, files with NUL bytes and
 /// files that were visited are left alone. False only when the file

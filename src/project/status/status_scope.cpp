@@ -3,6 +3,8 @@
 #include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/status/status_file.h"
+#include "support/descriptor.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "system/new_file.h"
@@ -11,7 +13,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <system_error>
@@ -35,8 +36,10 @@ std::optional<FileIdentity> identityAt(const std::string& path) noexcept {
     return FileIdentity{info.st_dev, info.st_ino, info.st_mode & S_IFMT};
 }
 
-/// Fills in what stands at the backup's path; false when it cannot be read.
-bool takeBackup(StatusBackup& backup) {
+/// What is at the path of a status file; nothing when it cannot be read.
+std::optional<StatusBackup> takeBackup(const std::string& path) {
+    StatusBackup backup;
+    backup.path = path;
     backup.entry = identityAt(backup.path);
     std::error_code error;
     if (backup.entry && S_ISLNK(backup.entry->kind)) {
@@ -44,17 +47,17 @@ bool takeBackup(StatusBackup& backup) {
     }
     struct stat info {};
     if (::stat(backup.path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
-        return true;
+        return backup;
     }
     auto text = readTextFile(backup.path);
     if (!text) {
-        return false;
+        return std::nullopt;
     }
     backup.existed = true;
     backup.content = std::move(*text);
     backup.mode = info.st_mode & 07777;
     backup.file = backup.link.empty() ? backup.path : fs::canonical(backup.path, error).string();
-    return !error;
+    return error ? std::nullopt : std::optional(std::move(backup));
 }
 
 /// Takes the status file away or, with names to keep, narrows it to them.
@@ -75,14 +78,13 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
                std::vector<StatusBackup>& backups, UpdateSummary& summary) {
     const auto path = statusFilePath(caseDir);
     const auto name = baseName(caseDir);
-    StatusBackup backup;
-    backup.path = path;
-    if (!takeBackup(backup)) {
+    auto backup = takeBackup(path);
+    if (!backup) {
         console::reportError("failed to read mq.status: " + path);
         return false;
     }
-    const auto kept = keptTasks(selected, parseCompletedTasks(backup.content));
-    backups.push_back(std::move(backup));
+    const auto kept = keptTasks(selected, parseCompletedTasks(backup->content));
+    backups.push_back(*std::move(backup));
     summary.selectedCompletedRecords += static_cast<std::int32_t>(kept.size());
     if (!backups.back().existed) {
         return true;
@@ -112,10 +114,10 @@ bool isLinkTo(const std::string& path, std::string_view target) noexcept {
 
 /// True when a file holds exactly these bytes.
 bool holdsText(const std::string& path, std::string_view text) noexcept {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const Descriptor file = openFile(path, O_RDONLY | O_NONBLOCK);
     std::array<char, 4096> buffer{};
     for (;;) {
-        const ssize_t got = ::read(file.get(), buffer.data(), buffer.size());
+        const ssize_t got = readSome(file.get(), buffer.data(), buffer.size());
         if (got <= 0) {
             return got == 0 && text.empty();
         }
@@ -257,7 +259,7 @@ bool restoreOne(const StatusBackup& backup) noexcept {
         if (!backup.existed) {
             const int error = removeArrival(backup);
             if (error != 0) {
-                reportRestoreFailure(backup, std::strerror(error), "");
+                reportRestoreFailure(backup, systemErrorText(error), "");
             }
             return error == 0;
         }

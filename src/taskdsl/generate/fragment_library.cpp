@@ -1,6 +1,7 @@
 #include "taskdsl/generate/fragment_library.h"
 
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/base/line_fault.h"
 #include "taskdsl/generate/fragment_header.h"

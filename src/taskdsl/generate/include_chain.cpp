@@ -1,6 +1,6 @@
 #include "taskdsl/generate/include_chain.h"
 
-#include "support/file.h"
+#include "support/paths.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 

@@ -71,7 +71,7 @@ TemplateParts splitTemplateBlocks(std::string_view text) {
     return parts;
 }
 
-std::vector<std::string> scanPlaceholders(std::string_view text, bool dropBuiltIns) {
+std::vector<std::string> scanPlaceholders(std::string_view text, BuiltIns builtIns) {
     std::set<std::string_view> names;
     for (auto open = text.find('['); open != std::string_view::npos;) {
         const auto close = text.find(']', open + 1);
@@ -79,7 +79,7 @@ std::vector<std::string> scanPlaceholders(std::string_view text, bool dropBuiltI
             break; // no later bracket can be closed either
         }
         const auto name = text.substr(open + 1, close - open - 1);
-        if (!name.empty() && !(dropBuiltIns && isBuiltIn(name))) {
+        if (!name.empty() && !(builtIns == BuiltIns::drop && isBuiltIn(name))) {
             names.insert(name);
         }
         open = text.find('[', close);

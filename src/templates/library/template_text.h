@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -32,10 +33,12 @@ struct TemplateParts {
 /// a heredoc opens a block, and neither does a `$` without a name.
 [[nodiscard]] TemplateParts splitTemplateBlocks(std::string_view text);
 
-/// The names in square brackets (pattern `\[([^\]]+)\]`), sorted, each once. With `dropBuiltIns`, without
-/// those that are filled in when a task is run: the names of the input and the task, and the placeholders of
-/// its source, which may not be defined.
-[[nodiscard]] std::vector<std::string> scanPlaceholders(std::string_view text, bool dropBuiltIns);
+/// What happens to the names that are filled in when a task is run: those of the input and the task, and the
+/// placeholders of its source, which may not be defined.
+enum class BuiltIns : std::uint8_t { keep, drop };
+
+/// The names in square brackets (pattern `\[([^\]]+)\]`), sorted, each once.
+[[nodiscard]] std::vector<std::string> scanPlaceholders(std::string_view text, BuiltIns builtIns);
 
 /// The text with one setting `autorun: true` in its head: the first unindented `autorun` key is rewritten and
 /// later ones are dropped; a text without any head line gets one.

@@ -19,15 +19,6 @@ bool waitForKey(const SelectorConsole& console) {
     return console.readKey() != key::endOfInput;
 }
 
-/// The index that the text names, from 0; nothing unless it is a number from 1 to `count`.
-std::optional<std::size_t> readIndex(std::string_view text, std::size_t count) {
-    const auto number = readPositiveInt(trim(text));
-    if (!number || static_cast<std::size_t>(*number) > count) {
-        return std::nullopt;
-    }
-    return static_cast<std::size_t>(*number) - 1;
-}
-
 std::string note(std::string_view text) {
     return console::tagged(console::MessageKind::note, text);
 }
@@ -67,7 +58,7 @@ bool loadValues(SelectorState& state, const std::vector<std::string>& names, con
     if (!answer) {
         return false;
     }
-    const auto index = readIndex(*answer, templates.size());
+    const auto index = readMenuIndex(*answer, templates.size(), MenuSign::none);
     if (!index) {
         console.print(note("Invalid template index\n\n"));
         return true;
@@ -85,7 +76,7 @@ bool loadValues(SelectorState& state, const std::vector<std::string>& names, con
 /// The part of the dialogue that sets one variable. False at the end of input.
 bool setValue(SelectorState& state, const std::vector<std::string>& names, std::string_view answer,
               const SelectorConsole& console) {
-    const auto index = readIndex(answer, names.size());
+    const auto index = readMenuIndex(answer, names.size(), MenuSign::none);
     if (!index) {
         console.print(note("Invalid variable index\n\n"));
         return true;
@@ -138,11 +129,12 @@ std::string describeValues(const SelectorState& state) {
 
 } // namespace
 
-SelectorState editVariables(SelectorState state, const SelectorConsole& console, bool& quit) {
+DialogueEnd editVariables(SelectorState state, const SelectorConsole& console) {
     console.print(system::showCursor);
     console.clearScreen();
     console.print("=== Edit variables ===\n\n");
     const auto names = selectedVariables(state);
+    bool quit = false;
     if (names.empty()) {
         console.print("The selected templates have no required variables\n\n");
         quit = !waitForKey(console);
@@ -152,24 +144,24 @@ SelectorState editVariables(SelectorState state, const SelectorConsole& console,
     }
     state.previewText = composePreview(state);
     console.print(system::hideCursor);
-    return state;
+    return {std::move(state), quit};
 }
 
-SelectorState generateTaskFile(SelectorState state, const SelectorConsole& console, bool& quit) {
+DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console) {
     console.print(system::showCursor);
     console.clearScreen();
     console.print("=== Generate task file ===\n\n");
     if (state.selected.empty()) {
         console.print(error("no templates selected\n\n"));
-        quit = !waitForKey(console);
+        const bool quit = !waitForKey(console);
         console.print(system::hideCursor);
-        return state;
+        return {std::move(state), quit};
     }
     console.print("Output filename (default: generated_task.mq): ");
     const auto answer = console.readLine();
     if (!answer) { // no answer is no consent to overwrite a file
         console.print(system::hideCursor);
-        return state;
+        return {std::move(state), false};
     }
     const std::string name = outputName(*answer);
     state.previewText = composePreview(state);
@@ -180,32 +172,33 @@ SelectorState generateTaskFile(SelectorState state, const SelectorConsole& conso
     }
     console.print("\nPress q to quit, or any other key to continue editing...");
     const auto pressed = console.readKey();
-    quit = pressed == 'q' || pressed == key::endOfInput;
+    const bool quit = pressed == 'q' || pressed == key::endOfInput;
     if (!quit) {
         console.print(system::hideCursor);
     }
-    return state;
+    return {std::move(state), quit};
 }
 
 void runSelectorLoop(SelectorState state, const SelectorConsole& console) {
     console.print(system::hideCursor);
-    for (bool quit = false; !quit;) {
-        state = scrollToCursors(std::move(state));
+    DialogueEnd turn{std::move(state), false};
+    while (!turn.quit) {
+        turn.state = scrollToCursors(std::move(turn.state));
         console.clearScreen();
-        console.print(currentScreen(state));
-        auto step = pressKey(std::move(state), console.readKey());
-        state = std::move(step.state);
+        console.print(currentScreen(turn.state));
+        auto step = pressKey(std::move(turn.state), console.readKey());
         switch (step.action) {
         case SelectorAction::none:
+            turn = {std::move(step.state), false};
             break;
         case SelectorAction::quit:
-            quit = true;
+            turn = {std::move(step.state), true};
             break;
         case SelectorAction::edit:
-            state = editVariables(std::move(state), console, quit);
+            turn = editVariables(std::move(step.state), console);
             break;
         case SelectorAction::generate:
-            state = generateTaskFile(std::move(state), console, quit);
+            turn = generateTaskFile(std::move(step.state), console);
             break;
         }
     }

@@ -19,11 +19,17 @@ struct SelectorConsole {
     std::function<std::optional<std::string>()> readLine;
 };
 
-/// The line-by-line dialogue that sets variables. Sets `quit` when the input ended at a key.
-[[nodiscard]] SelectorState editVariables(SelectorState state, const SelectorConsole& console, bool& quit);
+/// What a dialogue leaves.
+struct DialogueEnd {
+    SelectorState state;
+    bool quit = false; ///< the selector ends, too
+};
 
-/// Asks for a file name and writes the task file. Sets `quit` when the user is done.
-[[nodiscard]] SelectorState generateTaskFile(SelectorState state, const SelectorConsole& console, bool& quit);
+/// The line-by-line dialogue that sets variables. The selector ends when the input does at a key.
+[[nodiscard]] DialogueEnd editVariables(SelectorState state, const SelectorConsole& console);
+
+/// Asks for a file name and writes the task file. The selector ends when the user is done.
+[[nodiscard]] DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console);
 
 /// Shows screens and takes keys until the user leaves. The cursor is hidden meanwhile and shown afterwards.
 void runSelectorLoop(SelectorState state, const SelectorConsole& console);

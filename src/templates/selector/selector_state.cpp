@@ -220,7 +220,7 @@ std::string composePreview(const SelectorState& state) {
         }
     }
     std::string text = mergeTemplateTexts(texts);
-    if (const auto names = scanPlaceholders(text, true); !names.empty()) {
+    if (const auto names = scanPlaceholders(text, BuiltIns::drop); !names.empty()) {
         text = buildDefineSection(names, state.variableValues) + "\n\n" + text;
     }
     return withAutorun(text);

@@ -107,20 +107,20 @@ TEST_F(Rename, OfPrefixedFilesTakesTheDeepestFirst) {
     write("opt_a/x_opt_", "2");
     write("opt_d", "3");
     write("opt", "4");
-    renamePrefixedFiles(root, "opt_", "new_", true, report);
+    renamePrefixedFiles(root, "opt_", "new_", Depth::any, report);
     EXPECT_THAT(report.errors, ElementsAre());
     EXPECT_EQ(report.filesRenamed, 4);
     EXPECT_THAT(tree(), ElementsAre("new_a/", "new_a/new_b/", "new_a/new_b/new_c.log = 1", "new_a/x_opt_ = 2",
                                     "new_d = 3", "opt = 4"));
-    renamePrefixedFiles(root, "new_", "new_", true, report);
-    renamePrefixedFiles(at("none"), "new_", "x_", true, report);
-    renamePrefixedFiles(at("opt"), "new_", "x_", true, report);
+    renamePrefixedFiles(root, "new_", "new_", Depth::any, report);
+    renamePrefixedFiles(at("none"), "new_", "x_", Depth::any, report);
+    renamePrefixedFiles(at("opt"), "new_", "x_", Depth::any, report);
     EXPECT_EQ(report.filesRenamed, 4);
 }
 
 TEST_F(Rename, OfPrefixedFilesStaysAtTheTopUnlessAskedToGoDown) {
     write("opt_a/opt_b", "1");
-    renamePrefixedFiles(root, "opt_", "new_", false, report);
+    renamePrefixedFiles(root, "opt_", "new_", Depth::one, report);
     EXPECT_THAT(tree(), ElementsAre("new_a/", "new_a/opt_b = 1"));
 }
 
@@ -130,7 +130,7 @@ TEST_F(Rename, NeverReplacesWhatStandsAtTheNewName) {
     write("opt_b", "3");
     link("nowhere", "new_b");
     write("opt_c", "4");
-    renamePrefixedFiles(root, "opt_", "new_", true, report);
+    renamePrefixedFiles(root, "opt_", "new_", Depth::any, report);
     EXPECT_THAT(report.errors, ElementsAre("target already exists; cannot rename: " + at("new_a"),
                                            "target already exists; cannot rename: " + at("new_b")));
     EXPECT_THAT(tree(), ElementsAre("new_a = 2", "new_b -> nowhere", "new_c = 4", "opt_a = 1", "opt_b = 3"));
@@ -138,7 +138,7 @@ TEST_F(Rename, NeverReplacesWhatStandsAtTheNewName) {
 
 TEST_F(Rename, TellsTheReasonWhenANameCannotBe) {
     write("opt_a", "1");
-    renamePrefixedFiles(root, "opt_", std::string(300, 'n'), true, report);
+    renamePrefixedFiles(root, "opt_", std::string(300, 'n'), Depth::any, report);
     EXPECT_THAT(report.errors, ElementsAre("failed to rename: " + at("opt_a") + " -> " +
                                            at(std::string(300, 'n')) + "a: File name too long"));
     dir("m1/opt");

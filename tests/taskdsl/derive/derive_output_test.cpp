@@ -1,6 +1,7 @@
 #include "taskdsl/derive/derive_output.h"
 
 #include "fixtures/blocks.h"
+#include "support/directory.h"
 #include "support/file.h"
 
 #include <gtest/gtest.h>

@@ -54,16 +54,20 @@ class Dialogue : public ::testing::Test {
         fs::current_path(home);
         fs::remove_all(directory);
     }
+    void finish(DialogueEnd end) {
+        state = std::move(end.state);
+        quit = end.quit;
+    }
     [[nodiscard]] std::string editPrinted(const std::vector<std::string>& lines) {
         Script script{{}, lines};
-        state = editVariables(std::move(state), script.console(), quit);
+        finish(editVariables(std::move(state), script.console()));
         EXPECT_FALSE(quit);
         EXPECT_EQ(script.nextLine, lines.size());
         return script.printed;
     }
     [[nodiscard]] std::string generatePrinted(const std::vector<std::string>& lines, std::int32_t pressed) {
         Script script{{pressed}, lines};
-        state = generateTaskFile(std::move(state), script.console(), quit);
+        finish(generateTaskFile(std::move(state), script.console()));
         return script.printed;
     }
 
@@ -84,7 +88,7 @@ std::string editScreen() {
 
 TEST_F(Dialogue, EditWithoutVariablesWaitsForAKey) {
     Script script{{'x'}, {}};
-    state = editVariables(std::move(state), script.console(), quit);
+    finish(editVariables(std::move(state), script.console()));
     EXPECT_EQ(script.printed, editScreen() + "The selected templates have no required variables\n\n" +
                                   std::string(anyKey) + std::string(hide));
     EXPECT_FALSE(quit);
@@ -93,7 +97,7 @@ TEST_F(Dialogue, EditWithoutVariablesWaitsForAKey) {
 
 TEST_F(Dialogue, EditEndsTheProgramWhenTheInputEndsAtAKey) {
     Script script;
-    state = editVariables(std::move(state), script.console(), quit);
+    finish(editVariables(std::move(state), script.console()));
     EXPECT_TRUE(quit);
 }
 
