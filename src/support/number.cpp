@@ -3,8 +3,9 @@
 #include "support/text.h"
 
 #include <array>
-#include <cstdio>
+#include <charconv>
 #include <cstdlib>
+#include <system_error>
 
 namespace morquill {
 
@@ -57,10 +58,18 @@ std::optional<std::size_t> readMenuIndex(std::string_view answer, std::size_t co
 }
 
 std::optional<double> readDouble(std::string_view text) {
-    const std::string word(trim(text));
-    if (word.empty()) {
+    const std::string_view trimmed = trim(text);
+    if (trimmed.empty()) {
         return std::nullopt;
     }
+    // Plain decimal numbers, which nearly all are, need no copy and no locale.
+    double plain = 0;
+    const char* const behind = trimmed.data() + trimmed.size();
+    if (const auto read = std::from_chars(trimmed.data(), behind, plain);
+        isDigit(trimmed.front()) && read.ptr == behind && read.ec == std::errc{}) {
+        return plain;
+    }
+    const std::string word(trimmed);
     char* end = nullptr;
     const double value = std::strtod(word.c_str(), &end);
     // An embedded NUL ends the C string early, so the end is compared with the length of the whole word.
@@ -72,8 +81,8 @@ std::optional<double> readDouble(std::string_view text) {
 
 std::string formatSignificant(double value, int digits) {
     std::array<char, 64> buffer{};
-    const int length = std::snprintf(buffer.data(), buffer.size(), "%.*g", digits, value);
-    return {buffer.data(), static_cast<std::size_t>(length)};
+    const auto end = std::to_chars(buffer.begin(), buffer.end(), value, std::chars_format::general, digits);
+    return {buffer.begin(), end.ptr};
 }
 
 } // namespace morquill

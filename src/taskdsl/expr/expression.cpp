@@ -225,15 +225,15 @@ PlotExpression::~PlotExpression() {
     while (!doomed.empty()) {
         const ExprRef child = std::move(doomed.back());
         doomed.pop_back();
-        if (child.use_count() == 1) {
-            // Every node is made as a non-const object, and this is its last owner.
+        if (child.isOnlyHolder()) {
+            // Nobody sees the node any more: this is its last holder.
             takeChildren(const_cast<PlotExpression&>(*child).node, doomed);
         }
     }
 }
 
 ExprRef makeExpression(PlotExpression::Node node) {
-    return std::make_shared<PlotExpression>(std::move(node));
+    return ExprRef::make(std::move(node));
 }
 
 PrintedExpression printExpression(const ExprRef& expression) {
