@@ -308,7 +308,7 @@ Found missingSource(const LintedTask& linted) {
 }
 
 Found missingGuess(const LintedTask& linted) {
-    const std::string& guess = linted.task.guessSourceTask;
+    const std::string_view guess = linted.task.guessSourceTask;
     return atDirective("control", !guess.empty() && !isKnown(linted, guess), linted, guess);
 }
 

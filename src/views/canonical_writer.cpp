@@ -56,7 +56,8 @@ void addFilledHeredoc(LineBuilder& text, std::string_view directive, std::string
 
 /// A block of commands. One that would end the block (it was the continuation of an empty line) is that
 /// again.
-void addCommands(LineBuilder& text, std::string_view directive, const std::vector<std::string>& commands) {
+void addCommands(LineBuilder& text, std::string_view directive,
+                 const Shared<std::vector<std::string>>& commands) {
     if (!commands.empty()) {
         text.line("  %", directive);
     }
@@ -159,14 +160,14 @@ void writeBatch(LineBuilder& text, const TaskInfo& task) {
         return;
     }
     const std::string lanes = std::to_string(task.batchLanes);
-    if (task.batchCollect.empty() && !task.batchCluster.present) {
+    if (task.batchCollect.empty() && !task.batchCluster->present) {
         text.line("  %batch ", lanes);
         return;
     }
     text.line("  %batch");
     text.line("    lane ", lanes);
-    if (task.batchCluster.present) {
-        writeCluster(text, task.batchCluster);
+    if (task.batchCluster->present) {
+        writeCluster(text, *task.batchCluster);
     }
     for (const auto& entry : task.batchCollect) {
         // A pattern that would not be one word again is quoted.
@@ -200,7 +201,7 @@ void writeControl(LineBuilder& text, const TaskInfo& task) {
     filled("gpu_type", task.gpuType);
     positive("gpu_mem", task.gpuMemory);
     if (task.guessEnabled) {
-        item("guess", task.guessSourceTask.empty() ? std::string_view("true") : task.guessSourceTask);
+        item("guess", task.guessSourceTask.empty() ? std::string_view("true") : task.guessSourceTask.view());
     }
     filled("guess_converter", task.guessConverter);
     if (!task.waitFreq) {
@@ -214,7 +215,7 @@ void writeControl(LineBuilder& text, const TaskInfo& task) {
     }
     if (!task.finalGeom.empty()) {
         // Its reader is one of shell words: quotes and backslashes are not plain characters there.
-        const bool isPlain = task.finalGeom.find_first_of("'\\") == std::string::npos;
+        const bool isPlain = task.finalGeom.view().find_first_of("'\\") == std::string::npos;
         item("finalgeom", isPlain ? taskdsl::quoteCanonicalScalar(task.finalGeom)
                                   : taskdsl::quoteForcedScalar(task.finalGeom));
     }
@@ -222,9 +223,9 @@ void writeControl(LineBuilder& text, const TaskInfo& task) {
 }
 
 void writeKeywords(LineBuilder& text, const TaskInfo& task) {
-    if (task.keywords.starts_with("<<")) {
+    if (task.keywords.view().starts_with("<<")) {
         text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords)); // bare, it would open a heredoc
-    } else if (task.keywords.find_first_of("\n\r") == std::string::npos) {
+    } else if (task.keywords.view().find_first_of("\n\r") == std::string::npos) {
         addFilledScalar(text, "keywords", task.keywords);
     } else {
         addHeredoc(text, "keywords", task.keywords);
@@ -248,7 +249,7 @@ void writeXtbPayload(LineBuilder& text, const TaskInfo& task) {
 
 void writeOtherPayload(LineBuilder& text, const TaskInfo& task) {
     addFilledScalar(text, "template", taskdsl::resolvedTemplateName(task));
-    const std::string all = taskdsl::resolvedParams(task);
+    const SharedText all = taskdsl::resolvedParams(task);
     if (const auto params = trim(all); !params.empty()) {
         text.line("  %param ", params);
     }

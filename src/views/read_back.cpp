@@ -105,7 +105,7 @@ bool hasPlainSource(const TaskInfo& task) noexcept {
 }
 
 bool hasPlainBatch(const TaskInfo& task) noexcept {
-    return !task.batchCluster.present &&
+    return !task.batchCluster->present &&
            std::all_of(task.batchCollect.begin(), task.batchCollect.end(), [](const auto& entry) {
                return isPlainWord(entry.pattern) &&
                       (entry.destination.empty() || isPlainWord(entry.destination));
@@ -133,7 +133,7 @@ bool hasPlainMods(const TaskInfo& task) {
 }
 
 bool hasPlainKeywords(const TaskInfo& task) noexcept {
-    const std::string& text = task.keywords;
+    const std::string_view text = task.keywords;
     if (text.empty()) {
         return true;
     }
@@ -198,7 +198,7 @@ bool sameGuess(const TaskInfo& a, const TaskInfo& b) {
 }
 
 bool sameParams(const TaskInfo& a, const TaskInfo& b) {
-    return trim(taskdsl::resolvedParams(a)) == trim(b.paramValues);
+    return trim(taskdsl::resolvedParams(a).view()) == trim(b.paramValues.view());
 }
 
 /// One part of a task: what a message calls it, when it is printed, and when the one that was read is the
@@ -259,7 +259,7 @@ Texts changedParts(const TaskInfo& printed, const TaskInfo& read) {
 struct LongText {
     std::string_view what;
     Payload payload;
-    std::string TaskInfo::*text;
+    SharedText TaskInfo::*text;
 };
 
 constexpr std::array<LongText, 3> longTexts{{{"%keywords", Payload::keywords, &TaskInfo::keywords},
@@ -281,11 +281,11 @@ std::string heredocOf(const TaskInfo& task, const LongText& row) {
     if (!printsPayload(task.program, row.payload)) {
         return {};
     }
-    std::string text =
+    const SharedText text =
         row.payload == Payload::extraInput ? taskdsl::resolvedExtraInput(task) : task.*row.text;
     const bool isHeredoc =
-        row.payload != Payload::keywords || text.find_first_of("\n\r") != std::string::npos;
-    return isHeredoc ? text : std::string();
+        row.payload != Payload::keywords || text.view().find_first_of("\n\r") != std::string_view::npos;
+    return isHeredoc ? text.str() : std::string();
 }
 
 /// The first line of the row's heredoc that `test` holds for, in words.

@@ -32,8 +32,8 @@ class CatalogBuilder {
     [[nodiscard]] TaskCatalog finish() const;
 
   private:
-    void bind(const std::string& logicalName, const std::string& expansion) {
-        expansions_[logicalName].add(expansion);
+    void bind(std::string_view logicalName, const std::string& expansion) {
+        expansions_[std::string(logicalName)].add(expansion);
     }
 
     NameList available_;
@@ -194,8 +194,8 @@ std::optional<Failure> scanInto(CatalogBuilder& builder, const std::string& file
 
 } // namespace
 
-const std::string& writtenName(const TaskInfo& task) noexcept {
-    return task.templateTaskName.empty() ? task.name : task.templateTaskName;
+std::string_view writtenName(const TaskInfo& task) noexcept {
+    return task.templateTaskName.empty() ? std::string_view(task.name) : task.templateTaskName.view();
 }
 
 Outcome<TaskCatalog> scanTaskFile(const std::string& file, const taskdsl::WarningSink& warnings) {

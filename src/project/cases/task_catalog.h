@@ -25,7 +25,7 @@ struct TaskCatalog {
 
 /// The name under which a task was written. The variants of a matrix inside an included file reach the
 /// including document as tasks of their own; what was written is the name that they were made from.
-[[nodiscard]] const std::string& writtenName(const taskdsl::TaskInfo& task) noexcept;
+[[nodiscard]] std::string_view writtenName(const taskdsl::TaskInfo& task) noexcept;
 
 /// The blocks of one task file; a failure when it cannot be read or parsed. Warnings of the language go to
 /// the sink.

@@ -80,7 +80,7 @@ std::set<std::string> takenNames(const TaskDocument& document, const std::vector
         for (const auto& task : *tasks) {
             if (task.headerSpan.path.str() != file || !ownLines.contains(task.headerSpan.line)) {
                 names.insert(task.name);
-                names.insert(writtenName(task));
+                names.emplace(writtenName(task));
             }
         }
     }

@@ -61,6 +61,18 @@ bool substituteInto(std::string& text, const ValueMap& values) {
     return changed;
 }
 
+bool substituteInto(SharedText& text, const ValueMap& values) {
+    if (text.view().find('[') == std::string_view::npos) {
+        return false;
+    }
+    const auto replaced = substituteBrackets(text, values);
+    const bool changed = text != replaced;
+    if (changed) {
+        text = replaced;
+    }
+    return changed;
+}
+
 bool holdsBracketKey(std::string_view text) noexcept {
     return nextBracket(text, 0).open != std::string_view::npos;
 }

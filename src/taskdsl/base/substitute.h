@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/shared.h"
+
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -26,6 +28,8 @@ enum class Placeholders : std::uint8_t { refused, allowed };
 
 /// The same in place; a text without a `[` costs a scan and no copy. Returns whether the text changed.
 bool substituteInto(std::string& text, const ValueMap& values);
+/// The same; whoever shares the text keeps it.
+bool substituteInto(SharedText& text, const ValueMap& values);
 
 /// True when a `[key]` is in the text.
 [[nodiscard]] bool holdsBracketKey(std::string_view text) noexcept;

@@ -44,7 +44,7 @@ class IncludePass {
         return lineFault(line, frame.baseFile, message);
     }
     [[nodiscard]] std::string fileOf(const SourceLine& line) const {
-        return line.originPath.empty() ? frame.baseFile : line.originPath;
+        return (line.originPath.empty() ? frame.baseFile : line.originPath).str();
     }
 
     /// Reads the line at `i`; leaves `i` on the last line consumed.

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -24,22 +25,23 @@ class Renames {
   public:
     void add(const std::string& oldName, const std::string& newName) { names.try_emplace(oldName, newName); }
 
-    void apply(std::string& name) const {
-        if (const auto found = names.find(name); found != names.end()) {
+    template <class Text>
+    void apply(Text& name) const {
+        if (const auto found = names.find(std::string_view(name)); found != names.end()) {
             name = found->second;
         }
     }
 
-    /// Renames the references of a condition. The pairs of a map are applied one after the other there, so
+    /// A condition with its references renamed; nothing when it stays as it is. The pairs of a map are applied one after the other there, so
     /// the new names first carry a mark that no task name begins with: `a` becomes `a__x_1` and stays so
     /// beside a task `a__x_1` of its own.
-    void applyToCondition(std::string& text) const {
+    [[nodiscard]] std::optional<std::string> renamedCondition(const std::string& text) const {
         const ValueMap& marked = markedNames();
         if (marked.empty()) {
-            return;
+            return std::nullopt;
         }
-        std::string renamed = rewriteWhenReferences(text, marked);
-        text = renamed == text ? std::move(renamed) : rewriteWhenReferences(renamed, unmarks);
+        const std::string renamed = rewriteWhenReferences(text, marked);
+        return renamed == text ? std::nullopt : std::optional(rewriteWhenReferences(renamed, unmarks));
     }
 
   private:
@@ -89,8 +91,10 @@ void renameReferences(TaskInfo& task, const Renames& renames) {
     renameSource(task.source, renames);
     renames.apply(task.guessSourceTask);
     renames.apply(task.interfaceProvider);
-    for (auto& condition : task.whenEntries) {
-        renames.applyToCondition(condition.text);
+    for (std::size_t i = 0; i < task.whenEntries.size(); ++i) {
+        if (auto renamed = renames.renamedCondition(task.whenEntries[i].text)) {
+            task.whenEntries.edit()[i].text = *std::move(renamed);
+        }
     }
 }
 
@@ -101,7 +105,7 @@ std::size_t textSize(const TaskInfo& task) {
                        task.orcaBlock.size() + sourceText(task).size() + task.runner.size() +
                        task.templateName.size() + task.guessSourceTask.size() + task.finalGeom.size();
     for (const auto* list : {&task.preProcessCommands, &task.processCommands}) {
-        for (const auto& text : *list) {
+        for (const auto& text : **list) {
             size += text.size();
         }
     }
@@ -208,9 +212,11 @@ class MatrixExpansion {
         if (item.refers) {
             renameReferences(task, renames[item.file]);
         }
-        for (auto& plot : task.plots) {
-            plot.ownerTask = task.name;
-            plot.id = task.name + ":" + plot.name;
+        if (!task.plots.empty()) {
+            for (auto& plot : task.plots.edit()) {
+                plot.ownerTask = task.name;
+                plot.id = task.name + ":" + plot.name;
+            }
         }
         // The long texts of the template are counted at the start; a substitution may have made them longer.
         countText(task.name.size() + suffix.size() + (item.substitutes ? textSize(task) : 0));

@@ -8,6 +8,6 @@
 namespace morquill::taskdsl {
 
 /// Warns that a line of `LineKind::removedInclude`, trimmed, has no effect. `path` is the file that it is in.
-void warnHashInclude(std::string_view trimmed, const std::string& path, const WarningSink& warn);
+void warnHashInclude(std::string_view trimmed, std::string_view path, const WarningSink& warn);
 
 } // namespace morquill::taskdsl

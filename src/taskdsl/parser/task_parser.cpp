@@ -166,7 +166,7 @@ TaskDocument readDocument(std::string_view text, const std::string& path, const 
     lines = expandForeach(std::move(lines), collections, {});
     lines = expandIncludes(std::move(lines), {path, nullptr, FragmentKind::document}, context);
     walkLines(lines, document, run, [&](const IncludeDirective& include, const SourceLine& line) {
-        includeTasks(searchName(include), line.originPath);
+        includeTasks(searchName(include), line.originPath.str());
     });
     // The lines go before the passes copy tasks: they are as large as the tasks.
     std::vector<SourceLine>().swap(lines);

@@ -226,8 +226,8 @@ void readBatchDirective(DirectiveReader& reader) {
         }
     }
     task.batchLanes = *block.lanes;
-    task.batchCollect = std::move(block.collect);
-    task.batchCluster = block.cluster;
+    task.batchCollect = block.collect.empty() ? Shared<std::vector<BatchCollect>>() : std::move(block.collect);
+    task.batchCluster = block.cluster.present ? Shared<BatchCluster>(block.cluster) : Shared<BatchCluster>();
 }
 
 } // namespace morquill::taskdsl

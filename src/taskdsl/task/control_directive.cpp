@@ -116,7 +116,7 @@ bool readLegacyGpuMemory(const ControlLine& line) {
 bool readFinalGeom(const ControlLine& line) {
     // A value that the canonical writer quoted comes back whole, its escapes decoded.
     if (auto value = decodeCanonicalScalar(line.rest); value && !value->empty()) {
-        line.task.finalGeom = std::move(*value);
+        line.task.finalGeom = *value;
         return true;
     }
     const auto words = splitShellWords(line.rest);

@@ -71,22 +71,22 @@ void readKeywords(DirectiveReader& reader) {
     if (!heredoc.isClosed) {
         reader.fail(missingTerminator(reader, "keywords"));
     }
-    reader.task.keywords = std::move(heredoc.text);
+    reader.task.keywords = heredoc.text;
 }
 
 void readExtraInput(DirectiveReader& reader) {
     const bool isInline = !reader.value.empty() && !reader.opensHeredoc();
     const std::string text = isInline ? std::string(reader.value) : readLongText(reader, "extrainput");
-    std::string& all = reader.task.extraKeywords;
+    std::string all = reader.task.extraKeywords.str();
     if (!all.empty() && all.back() != '\n') {
         all += '\n';
     }
-    all += text;
+    reader.task.extraKeywords = all.append(text);
 }
 
 void readBody(DirectiveReader& reader) {
     const bool isInline = !reader.value.empty() && !reader.opensHeredoc();
-    reader.task.body = isInline ? std::string(reader.value) : readLongText(reader, "body");
+    reader.task.body = isInline ? SharedText(reader.value) : SharedText(readLongText(reader, "body"));
 }
 
 void readTemplate(DirectiveReader& reader) {
@@ -102,9 +102,9 @@ void readParam(DirectiveReader& reader) {
 }
 
 void readArgs(DirectiveReader& reader) {
-    std::string text = readJoinedEntries(reader, ' ');
-    auto value = decodeCanonicalScalar(text);
-    reader.task.args = value ? std::move(*value) : std::move(text);
+    const std::string text = readJoinedEntries(reader, ' ');
+    const auto value = decodeCanonicalScalar(text);
+    reader.task.args = value ? *value : text;
 }
 
 std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view keyword) {
@@ -151,11 +151,11 @@ void append(std::vector<std::string>& list, std::vector<std::string> more) {
 }
 
 void readPreProcess(DirectiveReader& reader) {
-    append(reader.task.preProcessCommands, readCommands(reader, "preprocess"));
+    append(reader.task.preProcessCommands.edit(), readCommands(reader, "preprocess"));
 }
 
 void readProcess(DirectiveReader& reader) {
-    append(reader.task.processCommands, readCommands(reader, "process"));
+    append(reader.task.processCommands.edit(), readCommands(reader, "process"));
 }
 
 void readInterface(DirectiveReader& reader) {
@@ -224,7 +224,8 @@ void placeImpliedConditions(TaskInfo& task, std::vector<TaskWhenEntry>& written)
     std::erase_if(written, [&](const TaskWhenEntry& entry) {
         return implied.contains(entry.text) && !placed.insert(entry.text).second;
     });
-    std::erase_if(task.whenEntries, [&](const TaskWhenEntry& entry) { return placed.contains(entry.text); });
+    std::erase_if(task.whenEntries.edit(),
+                  [&](const TaskWhenEntry& entry) { return placed.contains(entry.text); });
 }
 
 void readWhen(DirectiveReader& reader) {
@@ -237,7 +238,8 @@ void readWhen(DirectiveReader& reader) {
     }
     TaskInfo& task = reader.task;
     placeImpliedConditions(task, written);
-    std::move(written.begin(), written.end(), std::back_inserter(task.whenEntries));
+    auto& all = task.whenEntries.edit();
+    std::move(written.begin(), written.end(), std::back_inserter(all));
 }
 
 void readPlot(DirectiveReader& reader) {
@@ -249,7 +251,7 @@ void readPlot(DirectiveReader& reader) {
     while (reader.nextLine()) {
         block.captured.lines.push_back(reader.currentLine());
     }
-    reader.task.plots.push_back(plot::parsePlot(block));
+    reader.task.plots.edit().push_back(plot::parsePlot(block));
 }
 
 // Keywords are compared exactly; "extrainputs" is the one alias.

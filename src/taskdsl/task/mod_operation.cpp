@@ -341,7 +341,7 @@ ModEntry parseModLine(std::string_view text) {
 void addModLine(TaskInfo& task, std::string_view text) {
     auto entry = parseModLine(text);
     if (!entry.key.empty()) {
-        task.modEntries.push_back(std::move(entry));
+        task.modEntries.edit().push_back(std::move(entry));
     }
 }
 

@@ -25,7 +25,7 @@ void addCompletedConditions(DirectiveReader& reader, const std::vector<std::stri
     for (auto name = names.begin() + 1; name != names.end(); ++name) {
         std::string condition = "completed " + *name;
         if (known.insert(condition).second) {
-            task.whenEntries.push_back({std::move(condition), reader.conditionSpan()});
+            task.whenEntries.edit().push_back({std::move(condition), reader.conditionSpan()});
         }
     }
 }
