@@ -43,6 +43,31 @@ function(mqkit_room folder)
     set_property(GLOBAL APPEND PROPERTY MQKIT_ROOMS ${folder})
 endfunction()
 
+# mqkit_embed(<folder> <header> <name>=<file>...): a header for the sources of the room alone, included as
+# "<folder>/<header>", in which each constant `std::string_view <name>` holds the bytes of a file of src/<folder>. A
+# file that changed is embedded anew by the next build.
+function(mqkit_embed folder header)
+    string(REPLACE "/" "_" name ${folder})
+    string(REGEX REPLACE "/.*" "" MQKIT_SPACE ${folder})
+    set(MQKIT_TEXTS "")
+    foreach(entry IN LISTS ARGN)
+        string(REGEX MATCH "^([A-Za-z]+)=(.+)$" parts ${entry})
+        set(constant ${CMAKE_MATCH_1})
+        set(path ${PROJECT_SOURCE_DIR}/src/${folder}/${CMAKE_MATCH_2})
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${path})
+        file(READ ${path} text)
+        string(FIND "${text}" ")embedded\"" end)
+        if(NOT end EQUAL -1)
+            message(FATAL_ERROR "${path}: holds the end of the literal that embeds it")
+        endif()
+        string(APPEND MQKIT_TEXTS
+            "inline constexpr std::string_view ${constant} = R\"embedded(${text})embedded\";\n")
+    endforeach()
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/embedded_texts.h.in
+                   ${PROJECT_BINARY_DIR}/embedded/${folder}/${header} @ONLY)
+    target_include_directories(mqkit_${name} PRIVATE ${PROJECT_BINARY_DIR}/embedded)
+endfunction()
+
 # mqkit_unit_tests(<folder>): one GoogleTest program and one ctest entry from the *_test.cpp of tests/<folder>.
 # Tests are compiled without optimisation: their compile time counts, their speed does not.
 function(mqkit_unit_tests folder)

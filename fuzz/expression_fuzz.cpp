@@ -3,7 +3,7 @@
 
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/expr/expression.h"
-#include "taskdsl/plot/substitute_plot.h"
+#include "taskdsl/expr/substitute_expression.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -18,8 +18,8 @@ using namespace morquill;
 using taskdsl::DiagnosticError;
 using taskdsl::TaskDocument;
 
-TaskDocument parse(const std::string& text) {
-    return taskdsl::TaskParser({.toleratesMultiSource = true}).parseText(text, "");
+TaskDocument parse(const std::string& text, const taskdsl::ParserOptions& options = {}) {
+    return taskdsl::TaskParser(options).parseText(text, "");
 }
 
 [[noreturn]] void fail(const char* fault, const std::string& text) {
@@ -50,7 +50,7 @@ void holdLaw(const TaskDocument& document, views::CanonicalView view) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     TaskDocument document;
     try {
-        document = parse(std::string(reinterpret_cast<const char*>(data), size));
+        document = parse(std::string(reinterpret_cast<const char*>(data), size), {.legacyMultiSource = true});
     } catch (const DiagnosticError&) {
         return 0;
     }

@@ -13,7 +13,7 @@ namespace morquill::app {
 
 namespace {
 
-/// The run operation of a command on one task file: its help token stands right behind the command word.
+/// The run operation of a command on one task file: its help token is the word behind the command word.
 template <HelpOperation help, RunOperation run>
 int fileCommand(int argc, char** argv) {
     return runFileCommand(argc, argv, 2, help, run);

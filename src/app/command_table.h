@@ -10,7 +10,7 @@ namespace morquill::app {
 
 /// Prints a command's help on standard output; takes the program path as given (`argv[0]`).
 using HelpOperation = void (*)(std::string_view programPath);
-/// Runs a command with the untouched argument vector; gives the exit status.
+/// Runs a command with the untouched argument vector; returns the exit status.
 using RunOperation = int (*)(int argc, char** argv);
 
 /// One command.
@@ -31,7 +31,7 @@ struct CommandEntry {
                                               std::vector<std::string>& matches);
 
 /// The runner that the commands on one task file share: help with status 0 when exactly `argv[helpIndex]` is
-/// a help token, status 1 without a `run`, otherwise what `run` gives.
+/// a help token, status 1 without a `run`, otherwise what `run` returns.
 [[nodiscard]] int runFileCommand(int argc, char** argv, int helpIndex, HelpOperation help, RunOperation run);
 
 } // namespace morquill::app

@@ -5,6 +5,7 @@
 #include "console/console.h"
 #include "console/help_text.h"
 #include "console/logger.h"
+#include "console/messages.h"
 #include "project/project_command.h"
 #include "project/rename/rename.h"
 #include "support/fault.h"
@@ -73,32 +74,53 @@ constexpr std::array<OlderShape, 4> olderShapes{{
     {"template", isTemplateShape, templates::runTemplateCompat},
 }};
 
-/// Tells what is wrong with the command line, shows the commands, gives the status.
-int refuse(const std::string& message, std::string_view programPath) {
-    console::reportError(console::ErrorTag::coloured, message);
-    printTopLevelHelp(programPath);
-    return 1;
+console::UsageError refusal(const std::string& message) {
+    return console::UsageError(console::ErrorTag::coloured, message);
 }
 
-std::string listMatches(const std::vector<std::string>& matches) {
-    return " (matches: " + join(matches, ", ") + ")";
+/// The command that a word or its prefix names; null when there is none. Throws `UsageError` when there are
+/// several; `what` is what the word was meant to be.
+const CommandEntry* findOneCommand(const std::string& word, std::string_view what) {
+    std::vector<std::string> matches;
+    const CommandEntry* entry = findCommand(commandTable(), word, matches);
+    if (matches.size() > 1) {
+        throw refusal("ambiguous " + std::string(what) + " prefix: " + word +
+                      " (matches: " + join(matches, ", ") + ")");
+    }
+    return entry;
+}
+
+/// The help that is asked for behind the help word. Throws `UsageError`.
+HelpOperation findTopic(int argc, char** argv) {
+    if (argc == 2) {
+        return printTopLevelHelp;
+    }
+    const std::string topic = argv[2];
+    const CommandEntry* entry = findOneCommand(topic, "help topic");
+    if (entry == nullptr || entry->help == nullptr) {
+        throw refusal("unknown help topic: " + topic);
+    }
+    return entry->help;
 }
 
 int showHelp(int argc, char** argv) {
-    if (argc == 2) {
-        printTopLevelHelp(argv[0]);
-        return 0;
+    findTopic(argc, argv)(argv[0]);
+    return 0;
+}
+
+/// What answers a command line of at least one word. Throws `UsageError`.
+RunOperation findOperation(int argc, char** argv) {
+    const std::string first = argv[1];
+    if (console::isHelpToken(toLower(first))) {
+        return showHelp;
     }
-    const std::string topic = argv[2];
-    std::vector<std::string> matches;
-    const CommandEntry* entry = findCommand(commandTable(), topic, matches);
-    if (entry != nullptr && entry->help != nullptr) {
-        entry->help(argv[0]);
-        return 0;
+    if (const CommandEntry* entry = findOneCommand(first, "command")) {
+        return entry->run;
     }
-    return matches.size() < 2
-               ? refuse("unknown help topic: " + topic, argv[0])
-               : refuse("ambiguous help topic prefix: " + topic + listMatches(matches), argv[0]);
+    if (const OlderShape* shape = findOlderShape(console::wordsFrom(argc, argv, 1))) {
+        return shape->run;
+    }
+    throw refusal("unknown command or argument: " + first);
 }
 
 /// The overview in front of the list of commands, and behind it.
@@ -157,7 +179,7 @@ std::terminate_handler usualEnd = nullptr;
 /// Called without an exception when there was no memory even for the exception.
 [[noreturn]] void endWithoutMemory() {
     if (std::current_exception() == nullptr) {
-        console::writeErr("[mqkit][ERROR] out of memory\n");
+        console::reportErrorInPieces({"out of memory"});
         std::_Exit(1);
     }
     usualEnd();
@@ -171,22 +193,13 @@ int dispatchCommand(int argc, char** argv) {
         printTopLevelHelp(argc < 1 ? "" : argv[0]);
         return 1;
     }
-    const std::string first = argv[1];
-    const std::string lowered = toLower(first);
-    if (console::isHelpToken(lowered)) {
-        return showHelp(argc, argv);
+    try {
+        return findOperation(argc, argv)(argc, argv);
+    } catch (const console::UsageError& error) {
+        const int status = console::reportUsageError(error);
+        printTopLevelHelp(argv[0]);
+        return status;
     }
-    std::vector<std::string> matches;
-    if (const CommandEntry* entry = findCommand(commandTable(), lowered, matches)) {
-        return entry->run(argc, argv);
-    }
-    if (matches.size() > 1) {
-        return refuse("ambiguous command prefix: " + first + listMatches(matches), argv[0]);
-    }
-    if (const OlderShape* shape = findOlderShape({argv + 1, static_cast<std::size_t>(argc - 1)})) {
-        return shape->run(argc, argv);
-    }
-    return refuse("unknown command or argument: " + first, argv[0]);
 }
 
 const OlderShape* findOlderShape(std::span<const char* const> arguments) {

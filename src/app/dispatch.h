@@ -9,7 +9,7 @@
 namespace morquill::app {
 
 /// Picks the command by exact name or unique prefix, prints help, or recognises one of the older shapes that
-/// have no command word; gives the exit status.
+/// have no command word; returns the exit status.
 [[nodiscard]] int dispatchCommand(int argc, char** argv);
 
 /// A command line without command word that is still understood.
@@ -26,9 +26,9 @@ struct OlderShape {
 /// The overview of all commands, on standard output.
 void printTopLevelHelp(std::string_view programPath);
 
-/// A whole run of the program: readies the standard streams, opens the log session, calls `command` and gives
-/// the exit status. An exception that no command caught ends the process abnormally, after the session was
-/// closed.
+/// A whole run of the program: readies the standard streams, opens the log session, calls `command` and
+/// returns the exit status. An exception that no command caught ends the process abnormally, after the
+/// session was closed.
 [[nodiscard]] int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept;
 
 } // namespace morquill::app

@@ -2,6 +2,7 @@
 
 #include "catalog/property_rows.h"
 #include "support/text.h"
+#include "support/word_table.h"
 
 #include <algorithm>
 
@@ -10,10 +11,6 @@ namespace morquill {
 namespace {
 
 using catalog_rows::rows;
-
-constexpr bool isKeyChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '-' || c == '.';
-}
 
 /// One name and the row it reaches.
 struct IndexEntry {
@@ -60,44 +57,54 @@ static_assert(std::all_of(nameIndex.begin(), nameIndex.end(), [](const IndexEntr
                                               [](char c) { return isKeyChar(c) && lowerChar(c) == c; });
 }));
 
-constexpr std::string_view valueKindNames[] = {"scalar",      "series",  "text_scalar",
-                                               "text_series", "vector3", "vector3_series"};
+constexpr auto valueKindWords = wordTable<PropertyValueKind>({
+    {"scalar", PropertyValueKind::scalar},
+    {"series", PropertyValueKind::series},
+    {"text_scalar", PropertyValueKind::textScalar},
+    {"text_series", PropertyValueKind::textSeries},
+    {"vector3", PropertyValueKind::vector3},
+    {"vector3_series", PropertyValueKind::vector3Series},
+});
 
-constexpr std::string_view quantityClassNames[] = {"unknown",
-                                                   "dimensionless",
-                                                   "energy",
-                                                   "force",
-                                                   "length",
-                                                   "frequency",
-                                                   "spectral_coordinate",
-                                                   "angle",
-                                                   "step",
-                                                   "temperature",
-                                                   "pressure",
-                                                   "mass",
-                                                   "force_constant",
-                                                   "spectral_intensity",
-                                                   "raman_activity",
-                                                   "dipole_moment",
-                                                   "entropy",
-                                                   "heat_capacity"};
+constexpr auto quantityClassWords = wordTable<PropertyQuantityClass>({
+    {"unknown", PropertyQuantityClass::unknown},
+    {"dimensionless", PropertyQuantityClass::dimensionless},
+    {"energy", PropertyQuantityClass::energy},
+    {"force", PropertyQuantityClass::force},
+    {"length", PropertyQuantityClass::length},
+    {"frequency", PropertyQuantityClass::frequency},
+    {"spectral_coordinate", PropertyQuantityClass::spectralCoordinate},
+    {"angle", PropertyQuantityClass::angle},
+    {"step", PropertyQuantityClass::step},
+    {"temperature", PropertyQuantityClass::temperature},
+    {"pressure", PropertyQuantityClass::pressure},
+    {"mass", PropertyQuantityClass::mass},
+    {"force_constant", PropertyQuantityClass::forceConstant},
+    {"spectral_intensity", PropertyQuantityClass::spectralIntensity},
+    {"raman_activity", PropertyQuantityClass::ramanActivity},
+    {"dipole_moment", PropertyQuantityClass::dipoleMoment},
+    {"entropy", PropertyQuantityClass::entropy},
+    {"heat_capacity", PropertyQuantityClass::heatCapacity},
+});
 
-constexpr std::string_view recordTypeNames[] = {"none",
-                                                "job",
-                                                "step",
-                                                "atom",
-                                                "hessian_element",
-                                                "vibrational_mode",
-                                                "vibronic_transition",
-                                                "vibronic_spectrum_point",
-                                                "duschinsky_element",
-                                                "excited_state",
-                                                "orbital",
-                                                "geometry_frame",
-                                                "scan_point",
-                                                "irc_point",
-                                                "convergence_criterion",
-                                                "spin_orbit_coupling_element"};
+constexpr auto recordTypeWords = wordTable<PropertyRecordType>({
+    {"none", PropertyRecordType::none},
+    {"job", PropertyRecordType::job},
+    {"step", PropertyRecordType::step},
+    {"atom", PropertyRecordType::atom},
+    {"hessian_element", PropertyRecordType::hessianElement},
+    {"vibrational_mode", PropertyRecordType::vibrationalMode},
+    {"vibronic_transition", PropertyRecordType::vibronicTransition},
+    {"vibronic_spectrum_point", PropertyRecordType::vibronicSpectrumPoint},
+    {"duschinsky_element", PropertyRecordType::duschinskyElement},
+    {"excited_state", PropertyRecordType::excitedState},
+    {"orbital", PropertyRecordType::orbital},
+    {"geometry_frame", PropertyRecordType::geometryFrame},
+    {"scan_point", PropertyRecordType::scanPoint},
+    {"irc_point", PropertyRecordType::ircPoint},
+    {"convergence_criterion", PropertyRecordType::convergenceCriterion},
+    {"spin_orbit_coupling_element", PropertyRecordType::spinOrbitCouplingElement},
+});
 
 struct CapabilityName {
     bool PropertyCapabilities::*flag;
@@ -115,12 +122,6 @@ constexpr CapabilityName capabilityNames[] = {
     {&PropertyCapabilities::dipole, "dipole"},
     {&PropertyCapabilities::atomicCharges, "atomic_charges"},
 };
-
-template <class Enum, std::size_t N>
-std::string_view nameOf(const std::string_view (&names)[N], Enum value) noexcept {
-    const auto index = static_cast<std::size_t>(value);
-    return index < N ? names[index] : names[0];
-}
 
 } // namespace
 
@@ -176,15 +177,15 @@ bool capabilitiesSatisfied(const PropertyCapabilities& row, const PropertyCapabi
 }
 
 std::string_view propertyValueKindName(PropertyValueKind kind) noexcept {
-    return nameOf(valueKindNames, kind);
+    return valueKindWords.nameOf(kind);
 }
 
 std::string_view propertyQuantityClassName(PropertyQuantityClass quantity) noexcept {
-    return nameOf(quantityClassNames, quantity);
+    return quantityClassWords.nameOf(quantity);
 }
 
 std::string_view propertyRecordTypeName(PropertyRecordType record) noexcept {
-    return nameOf(recordTypeNames, record);
+    return recordTypeWords.nameOf(record);
 }
 
 std::string_view propertyCapabilityName(const PropertyCapabilities& capabilities) noexcept {

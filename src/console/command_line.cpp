@@ -1,28 +1,9 @@
 #include "console/command_line.h"
 
-#include "console/console.h"
-
 namespace morquill::console {
 
 Words wordsFrom(int argc, const char* const* argv, int first) noexcept {
     return argc > first ? Words(argv + first, argv + argc) : Words();
-}
-
-void reportError(ErrorTag tag, std::string_view message) {
-    std::string line;
-    switch (tag) {
-    case ErrorTag::none:
-        break;
-    case ErrorTag::plain:
-        line = "[mqkit][ERROR] ";
-        break;
-    case ErrorTag::coloured:
-        line = errorTag() + " ";
-        break;
-    }
-    line += message;
-    line += '\n';
-    writeErr(line);
 }
 
 int reportUsageError(const UsageError& error) {

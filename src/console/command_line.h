@@ -1,8 +1,9 @@
 #pragma once
 
+#include "console/messages.h"
+
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -18,10 +19,6 @@ using Words = std::span<const char* const>;
 
 /// The words of an argument vector from `first` on; none when there are fewer.
 [[nodiscard]] Words wordsFrom(int argc, const char* const* argv, int first) noexcept;
-
-/// What stands in front of an error message: nothing, "[mqkit][ERROR] ", or the same in red where the stream
-/// takes colour.
-enum class ErrorTag : std::uint8_t { none, plain, coloured };
 
 /// A command line that is refused. An empty message leaves it to the caller to show the help.
 class UsageError : public std::runtime_error {
@@ -43,9 +40,8 @@ class HelpRequest : public UsageError {
     HelpRequest() : UsageError(ErrorTag::none) {}
 };
 
-/// Writes a message on standard error, one line.
-void reportError(ErrorTag tag, std::string_view message);
-/// The same for a refused command line; an empty message writes nothing. Returns the exit status, 1.
+/// Writes the message of a refused command line as `reportError` does, an empty one not at all. Returns the
+/// exit status, 1.
 int reportUsageError(const UsageError& error);
 
 /// How many of the words behind an option are its values; nothing when too few are left.

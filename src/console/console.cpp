@@ -1,5 +1,7 @@
 #include "console/console.h"
 
+#include "console/messages.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -77,7 +79,7 @@ int finishOutput(int status) {
     }
     if (outputError != EPIPE) {
         const std::string reason = std::strerror(outputError);
-        writeErr(errorTag() + " could not write to standard output: " + reason + "\n");
+        reportError(ErrorTag::coloured, "could not write to standard output: " + reason);
     }
     return status == 0 ? 1 : status;
 }
@@ -113,7 +115,7 @@ void forgetColorDecision() noexcept {
     colorAllowed = true;
 }
 
-bool colorEnabled(bool toError) {
+bool colorEnabled(Stream stream) {
     if (colorDecided ? !colorAllowed : std::getenv("NO_COLOR") != nullptr) {
         return false;
     }
@@ -121,15 +123,15 @@ bool colorEnabled(bool toError) {
     if (term != nullptr && std::string_view(term) == "dumb") {
         return false;
     }
-    return ::isatty(toError ? STDERR_FILENO : STDOUT_FILENO) == 1;
+    return ::isatty(stream == Stream::error ? STDERR_FILENO : STDOUT_FILENO) == 1;
 }
 
-std::string styled(std::string_view text, ConsoleColor color, bool bold, bool toError) {
-    if (!colorEnabled(toError)) {
+std::string styled(std::string_view text, ConsoleColor color, Weight weight, Stream stream) {
+    if (!colorEnabled(stream)) {
         return std::string(text);
     }
     std::string result;
-    if (bold) {
+    if (weight == Weight::bold) {
         result += boldSequence;
     }
     result += colorSequence(color);
@@ -139,20 +141,20 @@ std::string styled(std::string_view text, ConsoleColor color, bool bold, bool to
 }
 
 std::string cyanHeading(std::string_view text) {
-    return styled(text, ConsoleColor::cyan, true, false);
+    return styled(text, ConsoleColor::cyan, Weight::bold, Stream::output);
 }
 
 std::string greenText(std::string_view text) {
-    return styled(text, ConsoleColor::green, false, false);
+    return styled(text, ConsoleColor::green, Weight::normal, Stream::output);
 }
 
 std::string yellowHeading(std::string_view text) {
-    return styled(text, ConsoleColor::yellow, true, false);
+    return styled(text, ConsoleColor::yellow, Weight::bold, Stream::output);
 }
 
 std::string errorTag(std::string_view toolName) {
     const std::string name(toolName.empty() ? "mqkit" : toolName);
-    return styled("[" + name + "][ERROR]", ConsoleColor::red, true, true);
+    return styled("[" + name + "][ERROR]", ConsoleColor::red, Weight::bold, Stream::error);
 }
 
 bool isHelpToken(std::string_view token) noexcept {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -26,7 +27,7 @@ void flushOut() noexcept;
 /// that may not grow no longer kill the program in the middle of its work on disk (children keep the system's
 /// default). Called once, by `main`.
 void prepareStandardStreams() noexcept;
-/// Brings standard output out at the end of a run and gives the exit status to use. Output that was lost
+/// Brings standard output out at the end of a run and returns the exit status to use. Output that was lost
 /// turns a status of 0 into 1 and is reported, but for a reader that went away: it did not want the rest.
 [[nodiscard]] int finishOutput(int status);
 
@@ -39,17 +40,20 @@ inline constexpr std::string_view resetSequence = "\033[0m";
 inline constexpr std::string_view boldSequence = "\033[1m";
 
 /// Takes the run's colour decision once, from `NO_COLOR` (any value, also empty) and "--no-color" anywhere in
-/// the arguments. Gives true when colour is allowed.
+/// the arguments. Returns true when colour is allowed.
 bool decideColor(int argc, const char* const* argv);
 /// Forgets the decision, as before the first `decideColor`.
 void forgetColorDecision() noexcept;
 
-/// True when output to standard error (`toError`) or standard output may carry colour: no decision against
-/// it (before one was taken: no `NO_COLOR`), `TERM` other than "dumb", and the stream is a terminal.
-[[nodiscard]] bool colorEnabled(bool toError);
+enum class Stream : std::uint8_t { output, error };
+enum class Weight : std::uint8_t { normal, bold };
+
+/// True when what goes to the stream may carry colour: no decision against it (before one was taken: no
+/// `NO_COLOR`), `TERM` other than "dumb", and the stream is a terminal.
+[[nodiscard]] bool colorEnabled(Stream stream);
 
 /// `text` between the escape sequences when colour is enabled for the stream, otherwise `text` itself.
-[[nodiscard]] std::string styled(std::string_view text, ConsoleColor color, bool bold, bool toError);
+[[nodiscard]] std::string styled(std::string_view text, ConsoleColor color, Weight weight, Stream stream);
 
 [[nodiscard]] std::string cyanHeading(std::string_view text);   ///< bold cyan, standard output
 [[nodiscard]] std::string greenText(std::string_view text);     ///< green, standard output
@@ -60,7 +64,7 @@ void forgetColorDecision() noexcept;
 
 /// True for exactly "-h", "help" or "--help".
 [[nodiscard]] bool isHelpToken(std::string_view token) noexcept;
-/// True when an exact copy of `flag` stands anywhere in `argv[1..]`, also behind "--".
+/// True when an exact copy of `flag` is anywhere in `argv[1..]`, also behind "--".
 [[nodiscard]] bool isFlagPresent(int argc, const char* const* argv, std::string_view flag) noexcept;
 /// The program name of usage lines: trailing "/" and "\" removed, then the part behind the last "/" or "\";
 /// "program" when nothing is left.

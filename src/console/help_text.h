@@ -6,7 +6,7 @@
 namespace morquill::console {
 
 /// Writes a help to standard output. A line that begins with "# " is a heading, one with "## " the heading of
-/// older forms; elsewhere the text between backticks is green and "@" stands for the program as it was
+/// older forms; elsewhere the text between backticks is green and "@" means the program as it was
 /// called, without its directories.
 void printHelp(std::string_view text, std::string_view programPath);
 

@@ -1,5 +1,7 @@
 #include "console/logger.h"
 
+#include "support/word_table.h"
+
 #include <array>
 #include <cstdlib>
 #include <ctime>
@@ -10,25 +12,13 @@ namespace morquill::console {
 
 namespace {
 
-struct LevelRow {
-    std::string_view name;
-    ConsoleColor color;
-};
-
-constexpr std::array<LevelRow, 5> levels{{
-    {"DEBUG", ConsoleColor::cyan},
-    {"SKIP", ConsoleColor::white},
-    {"INFO", ConsoleColor::white},
-    {"WARNING", ConsoleColor::yellow},
-    {"ERROR", ConsoleColor::red},
-}};
-
-constexpr LevelRow unknownLevel{"UNKNOWN", ConsoleColor::white};
-
-constexpr const LevelRow& levelRow(LogLevel level) noexcept {
-    const auto index = static_cast<std::size_t>(level); // a negative value becomes a large one
-    return index < levels.size() ? levels[index] : unknownLevel;
-}
+constexpr auto levelWords = wordTable<LogLevel>({
+    {"DEBUG", LogLevel::Debug},
+    {"SKIP", LogLevel::Skip},
+    {"INFO", LogLevel::Info},
+    {"WARNING", LogLevel::Warning},
+    {"ERROR", LogLevel::Error},
+});
 
 /// Local time as "2026-01-31 23:59:59.042".
 std::string timeStamp() {
@@ -50,11 +40,22 @@ void put(std::FILE* stream, std::string_view text) noexcept {
 } // namespace
 
 std::string_view logLevelName(LogLevel level) noexcept {
-    return levelRow(level).name;
+    return levelWords.wordOf(level).value_or("UNKNOWN");
 }
 
 ConsoleColor logLevelColor(LogLevel level) noexcept {
-    return levelRow(level).color;
+    switch (level) {
+    case LogLevel::Debug:
+        return ConsoleColor::cyan;
+    case LogLevel::Warning:
+        return ConsoleColor::yellow;
+    case LogLevel::Error:
+        return ConsoleColor::red;
+    case LogLevel::Skip:
+    case LogLevel::Info:
+        break;
+    }
+    return ConsoleColor::white;
 }
 
 Logger& Logger::instance() {
@@ -63,91 +64,92 @@ Logger& Logger::instance() {
 }
 
 void Logger::reset() {
-    const std::lock_guard lock(guard);
+    const std::lock_guard lock(guard_);
     closeFile();
-    consoleColor = true;
-    fileThreshold = LogLevel::Info;
-    consoleThreshold = LogLevel::Info;
-    toolName = "morquill";
+    consoleColor_ = true;
+    fileThreshold_ = LogLevel::Info;
+    consoleThreshold_ = LogLevel::Info;
+    toolName_ = "morquill";
 }
 
 void Logger::setToolName(std::string_view name) {
-    const std::lock_guard lock(guard);
-    toolName = name;
+    const std::lock_guard lock(guard_);
+    toolName_ = name;
 }
 
 void Logger::setConsoleColor(bool on) {
-    const std::lock_guard lock(guard);
-    consoleColor = on;
+    const std::lock_guard lock(guard_);
+    consoleColor_ = on;
 }
 
 void Logger::openSession(const std::string& path, LogLevel fileLevel, LogLevel consoleLevel, bool color) {
-    const std::lock_guard lock(guard);
+    const std::lock_guard lock(guard_);
     closeFile();
-    fileThreshold = fileLevel;
-    consoleThreshold = consoleLevel;
-    consoleColor = color;
+    fileThreshold_ = fileLevel;
+    consoleThreshold_ = consoleLevel;
+    consoleColor_ = color;
     if (path.empty()) {
         return;
     }
-    logFile.reset(std::fopen(path.c_str(), "ae"));
-    if (!logFile) {
-        if (consoleThreshold < LogLevel::Error) {
+    logFile_.reset(std::fopen(path.c_str(), "ae"));
+    if (!logFile_) {
+        if (consoleThreshold_ < LogLevel::Error) {
             consoleLine(LogLevel::Warning,
                         "log file unavailable; continuing with console-only output: " + path, {});
         }
         return;
     }
-    logPath = path;
-    sessionId = timeStamp() + " pid=" + std::to_string(::getpid()) + " seq=" + std::to_string(++sessionCount);
-    if (std::fseek(logFile.get(), 0, SEEK_END) == 0 && std::ftell(logFile.get()) > 0) {
-        put(logFile.get(), "\n");
+    logPath_ = path;
+    sessionId_ =
+        timeStamp() + " pid=" + std::to_string(::getpid()) + " seq=" + std::to_string(++sessionCount_);
+    if (std::fseek(logFile_.get(), 0, SEEK_END) == 0 && std::ftell(logFile_.get()) > 0) {
+        put(logFile_.get(), "\n");
     }
     fileBanner("START");
     fileWrite(LogLevel::Info, "logging to " + path);
-    consoleLine(LogLevel::Info, "[" + toolName + "][INFO] logging to " + path, {.noPrefix = true});
+    consoleLine(LogLevel::Info, "[" + toolName_ + "][INFO] logging to " + path, {.noPrefix = true});
 }
 
 void Logger::info(std::string_view text) {
-    const std::lock_guard lock(guard);
+    const std::lock_guard lock(guard_);
     consoleLine(LogLevel::Info, text, {.noPrefix = true});
-    if (fileThreshold <= LogLevel::Info) {
+    if (fileThreshold_ <= LogLevel::Info) {
         fileWrite(LogLevel::Info, text);
     }
 }
 
 void Logger::warning(std::string_view text) {
-    const std::lock_guard lock(guard);
-    if (consoleThreshold <= LogLevel::Warning) {
+    const std::lock_guard lock(guard_);
+    if (consoleThreshold_ <= LogLevel::Warning) {
         consoleLine(LogLevel::Warning, text, {});
     }
-    if (fileThreshold <= LogLevel::Warning) {
+    if (fileThreshold_ <= LogLevel::Warning) {
         fileWrite(LogLevel::Warning, text);
     }
 }
 
 void Logger::error(std::string_view text) {
-    const std::lock_guard lock(guard);
+    const std::lock_guard lock(guard_);
     consoleLine(LogLevel::Error, text, {});
     fileWrite(LogLevel::Error, text);
 }
 
 void Logger::prompt(std::string_view text) {
-    const std::lock_guard lock(guard);
+    const std::lock_guard lock(guard_);
     consoleLine(LogLevel::Info, text, {.newline = false});
-    if (fileThreshold <= LogLevel::Info) {
+    if (fileThreshold_ <= LogLevel::Info) {
         fileWrite(LogLevel::Info, text);
     }
 }
 
 void Logger::separator() {
-    const std::lock_guard lock(guard);
+    const std::lock_guard lock(guard_);
     writeOut("\n");
     flushOut();
 }
 
 void Logger::consoleWrite(LogLevel level, std::string_view text, const ConsoleStyle& style) {
-    const std::lock_guard lock(guard);
+    const std::lock_guard lock(guard_);
     consoleLine(level, text, style);
 }
 
@@ -155,7 +157,7 @@ void Logger::consoleLine(LogLevel level, std::string_view text, const ConsoleSty
     const bool toError = style.forceError || level == LogLevel::Warning || level == LogLevel::Error;
     const auto color = style.color == 0 ? logLevelColor(level) : static_cast<ConsoleColor>(style.color);
     // Not `colorEnabled`: the log follows its own switch and does not look at TERM.
-    const bool colored = consoleColor && std::getenv("NO_COLOR") == nullptr &&
+    const bool colored = consoleColor_ && std::getenv("NO_COLOR") == nullptr &&
                          ::isatty(toError ? STDERR_FILENO : STDOUT_FILENO) == 1;
     std::string line;
     if (colored) {
@@ -182,36 +184,36 @@ void Logger::consoleLine(LogLevel level, std::string_view text, const ConsoleSty
 }
 
 void Logger::fileWrite(LogLevel level, std::string_view text) {
-    if (!logFile) {
+    if (!logFile_) {
         return;
     }
-    std::string line = timeStamp() + " [" + toolName + "][";
+    std::string line = timeStamp() + " [" + toolName_ + "][";
     line += logLevelName(level);
     line += "] ";
     line += text;
     line += '\n';
-    put(logFile.get(), line);
-    (void)std::fflush(logFile.get());
+    put(logFile_.get(), line);
+    (void)std::fflush(logFile_.get());
 }
 
 void Logger::fileBanner(std::string_view word) {
     const std::string rule = std::string(100, '=') + '\n';
-    put(logFile.get(), rule);
-    fileWrite(LogLevel::Info, ">>>>>>>>>>>>>>>>>>>> RUN " + std::string(word) + " | session=" + sessionId +
+    put(logFile_.get(), rule);
+    fileWrite(LogLevel::Info, ">>>>>>>>>>>>>>>>>>>> RUN " + std::string(word) + " | session=" + sessionId_ +
                                   " <<<<<<<<<<<<<<<<<<<<");
-    put(logFile.get(), rule);
-    (void)std::fflush(logFile.get());
+    put(logFile_.get(), rule);
+    (void)std::fflush(logFile_.get());
 }
 
 void Logger::closeFile() {
-    if (!logFile) {
+    if (!logFile_) {
         return;
     }
     fileWrite(LogLevel::Info, "logger closed");
     fileBanner("END");
-    logFile.reset();
-    logPath.clear();
-    sessionId.clear();
+    logFile_.reset();
+    logPath_.clear();
+    sessionId_.clear();
 }
 
 void logInfo(std::string_view text) {

@@ -39,8 +39,8 @@ class Logger {
     void setToolName(std::string_view name);
     void setConsoleColor(bool on);
     /// Starts a session. An empty path is a session on the console only; otherwise the file is opened for
-    /// append and gets a banner. A file that cannot be opened is told as a warning, and the session goes on
-    /// without it.
+    /// append and gets a banner. A file that cannot be opened is reported as a warning, and the session goes
+    /// on without it.
     void openSession(const std::string& path, LogLevel fileLevel, LogLevel consoleLevel, bool color);
 
     /// A line for the user, without prefix; always written.
@@ -64,21 +64,21 @@ class Logger {
     };
 
     Logger() = default;
-    // These expect `guard` to be held.
+    // These expect `guard_` to be held.
     void consoleLine(LogLevel level, std::string_view text, const ConsoleStyle& style) const;
     void fileWrite(LogLevel level, std::string_view text);
     void fileBanner(std::string_view word);
     void closeFile();
 
-    std::string toolName = "morquill";
-    LogLevel fileThreshold = LogLevel::Info;
-    LogLevel consoleThreshold = LogLevel::Info;
-    bool consoleColor = true;
-    std::unique_ptr<std::FILE, CloseStream> logFile; // open exactly while a session has a file
-    std::string logPath;
-    std::string sessionId;
-    unsigned sessionCount = 0; // over the life of the process; makes session ids unique
-    std::mutex guard;
+    std::string toolName_ = "morquill";
+    LogLevel fileThreshold_ = LogLevel::Info;
+    LogLevel consoleThreshold_ = LogLevel::Info;
+    bool consoleColor_ = true;
+    std::unique_ptr<std::FILE, CloseStream> logFile_; // open exactly while a session has a file
+    std::string logPath_;
+    std::string sessionId_;
+    unsigned sessionCount_ = 0; // over the life of the process; makes session ids unique
+    std::mutex guard_;
 };
 
 void logInfo(std::string_view text);    ///< `Logger::info` of the process's logger

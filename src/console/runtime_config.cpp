@@ -74,7 +74,7 @@ std::string currentDirectory() {
     return error ? std::string() : path.string();
 }
 
-/// What a reference stands for; empty when it has no value.
+/// The value of a reference; empty when it has no value.
 std::string referenceValue(std::string_view name) {
     return name == "PWD" ? currentDirectory() : environmentValue(name).value_or("");
 }
@@ -86,8 +86,7 @@ bool beginsWithHome(std::string_view text) {
 /// The length of the identifier at the start of `text`: a letter or "_", then letters, digits and "_".
 std::size_t identifierLength(std::string_view text) {
     std::size_t length = 0;
-    while (length < text.size() &&
-           (isLetter(text[length]) || text[length] == '_' || (length > 0 && isDigit(text[length])))) {
+    while (length < text.size() && (isWordStart(text[length]) || (length > 0 && isDigit(text[length])))) {
         ++length;
     }
     return length;
@@ -95,11 +94,11 @@ std::size_t identifierLength(std::string_view text) {
 
 /// A reference at the start of a text: its length with the "$", and the name in it.
 struct Reference {
-    std::size_t length = 0; // 0: no reference stands here
+    std::size_t length = 0; // 0: there is no reference here
     std::string_view name;
 };
 
-/// `text` begins with "$"; `closed` tells whether a "}" stands anywhere in it.
+/// `text` begins with "$"; `closed` says whether there is a "}" in it.
 Reference readReference(std::string_view text, bool closed) {
     if (text.size() > 1 && text[1] == '{') {
         if (!closed) {
@@ -155,7 +154,7 @@ std::optional<std::string> searchPath(const std::string& name) {
     return std::nullopt;
 }
 
-/// The file that an entry of `MORQUILL_MQRUN_PATH` stands for, when there is one.
+/// The file that an entry of `MORQUILL_MQRUN_PATH` names, when there is one.
 std::optional<std::string> resolveRunnerEntry(const std::string& entry) {
     if (entry.find('/') == std::string::npos) {
         return searchPath(entry);

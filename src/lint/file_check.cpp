@@ -63,11 +63,10 @@ bool addMatches(const std::string& target, const TaskNames& known, TaskNames& ma
 }
 
 /// Checks one condition of a task.
-void checkCondition(const LintedFile& file, const TaskInfo& task, std::size_t number, AllOthersUses& uses,
-                    LintFileReport& report) {
-    const SourceSpan& span =
-        number < task.whenEntries.size() ? task.whenEntries[number].span : task.headerSpan;
-    const auto condition = taskdsl::parseWhenExpr(task.whenConditions[number]);
+void checkCondition(const LintedFile& file, const TaskInfo& task, const taskdsl::TaskWhenEntry& entry,
+                    AllOthersUses& uses, LintFileReport& report) {
+    const SourceSpan& span = entry.span;
+    const auto condition = taskdsl::parseWhenExpr(entry.text);
     TaskNames referenced;
     for (const auto& target : taskdsl::collectCompletedTargets(condition)) {
         if (!equalsNoCase(target, "allothers")) {
@@ -108,8 +107,8 @@ void checkDocument(const TaskDocument& document, LintedFile& file, LintFileRepor
     AllOthersUses uses;
     for (const TaskInfo& task : tasks) {
         check(LintedTask{file, task, !seen.insert(task.name).second, rawSource(task)}, report);
-        for (std::size_t i = 0; i < task.whenConditions.size(); ++i) {
-            checkCondition(file, task, i, uses, report);
+        for (const auto& condition : task.whenEntries) {
+            checkCondition(file, task, condition, uses, report);
         }
     }
     check(uses, report);
@@ -132,7 +131,7 @@ LintFileReport lintSource(const std::optional<std::string_view>& text, const std
     try {
         LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
         // Only a file that says so is read with the tolerance of its time.
-        const taskdsl::TaskParser parser({.toleratesMultiSource = file.version == "1",
+        const taskdsl::TaskParser parser({.legacyMultiSource = file.version == "1",
                                           .findLibraryFile = console::findLibraryFile,
                                           .warnings = warnings});
         const TaskDocument document = text ? parser.parseText(*text, path) : parser.parseFile(path);

@@ -4,6 +4,7 @@
 #include "console/console.h"
 #include "console/help_text.h"
 #include "console/logger.h"
+#include "console/messages.h"
 #include "lint/discovery.h"
 #include "lint/file_check.h"
 #include "lint/report.h"
@@ -15,7 +16,6 @@
 
 namespace morquill::lint {
 
-using console::writeErr;
 using console::writeOut;
 
 namespace {
@@ -100,7 +100,7 @@ LintOptions readCommandLine(int argc, char** argv) {
 int lintFiles(const LintOptions& options) {
     const auto files = findTaskFiles(options.paths);
     if (files.empty()) {
-        writeErr("no .mq files found\n");
+        console::printErrorLine("no .mq files found");
         return 1;
     }
     taskdsl::WarningSink warnings;

@@ -1,6 +1,7 @@
 #include "lint/report.h"
 
 #include "support/json.h"
+#include "support/line_builder.h"
 
 namespace morquill::lint {
 
@@ -14,18 +15,12 @@ std::string_view severityText(const LintIssue& issue, bool strict) noexcept {
     return isError(issue, strict) ? "error" : "warning";
 }
 
-template <class... Pieces>
-void addLine(std::string& out, const Pieces&... pieces) {
-    (out.append(std::string_view(pieces)), ...);
-    out += '\n';
-}
-
-void addIssueText(std::string& out, const LintIssue& issue, bool strict) {
-    out += issue.file;
+void addIssueText(LineBuilder& out, const LintIssue& issue, bool strict) {
+    out.open(issue.file);
     if (isValidSpan(issue.span) && !issue.messageNamesPlace) {
-        out += ':' + std::to_string(issue.span.line) + ':' + std::to_string(issue.span.column);
+        out.add(":", std::to_string(issue.span.line), ":", std::to_string(issue.span.column));
     }
-    addLine(out, ": ", severityText(issue, strict), " [", issue.code, "] ", issue.message);
+    out.add(": ", severityText(issue, strict), " [", issue.code, "] ", issue.message).close();
 }
 
 /// The issue's place; its file when no place is known.
@@ -33,22 +28,41 @@ std::string placeText(const LintIssue& issue) {
     return isValidSpan(issue.span) || issue.file.empty() ? formatSpan(issue.span) : issue.file;
 }
 
-void addIssueJson(std::string& out, const LintIssue& issue, bool strict) {
-    addLine(out, "        {");
-    addLine(out, "          \"severity\": ", jsonString(severityText(issue, strict)), ",");
-    addLine(out, "          \"code\": ", jsonString(issue.code), ",");
-    addLine(out, "          \"message\": ", jsonString(issue.message), ",");
-    addLine(out, "          \"span\": ", jsonString(placeText(issue)));
-    out += "        }";
+/// The elements as JSON objects one level further in, with a comma behind all but the last. `add` writes the
+/// lines between the braces.
+template <class List, class Add>
+void addObjects(LineBuilder& out, const List& list, const Add& add) {
+    out.deeper();
+    for (const auto& element : list) {
+        out.line("{");
+        out.deeper();
+        add(element);
+        out.shallower();
+        out.line("}", &element == &list.back() ? "" : ",");
+    }
+    out.shallower();
 }
 
-/// The elements one after the other, with a comma at the end of all but the last.
-template <class List, class Add>
-void addList(std::string& out, const List& list, const Add& add) {
-    for (const auto& element : list) {
-        add(element);
-        addLine(out, &element == &list.back() ? "" : ",");
-    }
+void addIssueJson(LineBuilder& out, const LintIssue& issue, bool strict) {
+    out.line("\"severity\": ", jsonString(severityText(issue, strict)), ",");
+    out.line("\"code\": ", jsonString(issue.code), ",");
+    out.line("\"message\": ", jsonString(issue.message), ",");
+    out.line("\"span\": ", jsonString(placeText(issue)));
+}
+
+void addReportJson(LineBuilder& out, const LintFileReport& report, bool strict) {
+    out.line("\"path\": ", jsonString(report.path), ",");
+    out.line("\"parsed\": ", report.parsed ? "true" : "false", ",");
+    out.line("\"issues\": [");
+    addObjects(out, report.issues, [&](const LintIssue& issue) { addIssueJson(out, issue, strict); });
+    out.line("]");
+}
+
+void addSummaryJson(LineBuilder& out, const LintSummary& summary) {
+    out.line("\"files\": ", std::to_string(summary.files), ",");
+    out.line("\"errors\": ", std::to_string(summary.errors), ",");
+    out.line("\"warnings\": ", std::to_string(summary.warnings), ",");
+    out.line("\"strict\": ", summary.strict ? "true" : "false");
 }
 
 } // namespace
@@ -65,7 +79,7 @@ LintSummary summariseLint(const std::vector<LintFileReport>& reports, bool stric
 
 std::string renderLintText(const std::vector<LintFileReport>& reports, const LintSummary& summary,
                            bool quiet) {
-    std::string out;
+    LineBuilder out;
     if (!quiet) {
         for (const auto& report : reports) {
             for (const auto& issue : report.issues) {
@@ -73,38 +87,31 @@ std::string renderLintText(const std::vector<LintFileReport>& reports, const Lin
             }
         }
         if (out.empty()) {
-            addLine(out, "no issues found");
+            out.line("no issues found");
         }
     }
-    addLine(out, "checked ", std::to_string(summary.files), " file(s), ", std::to_string(summary.errors),
-            " error(s), ", std::to_string(summary.warnings), " warning(s)",
-            summary.strict ? " [strict]" : "");
-    return out;
+    out.line("checked ", std::to_string(summary.files), " file(s), ", std::to_string(summary.errors),
+             " error(s), ", std::to_string(summary.warnings), " warning(s)",
+             summary.strict ? " [strict]" : "");
+    return out.take();
 }
 
 std::string renderLintJson(const std::vector<LintFileReport>& reports, const LintSummary& summary) {
-    std::string out;
-    addLine(out, "{");
-    addLine(out, "  \"files\": [");
-    addList(out, reports, [&](const LintFileReport& report) {
-        addLine(out, "    {");
-        addLine(out, "      \"path\": ", jsonString(report.path), ",");
-        addLine(out, "      \"parsed\": ", report.parsed ? "true" : "false", ",");
-        addLine(out, "      \"issues\": [");
-        addList(out, report.issues,
-                [&](const LintIssue& issue) { addIssueJson(out, issue, summary.strict); });
-        addLine(out, "      ]");
-        out += "    }";
-    });
-    addLine(out, "  ],");
-    addLine(out, "  \"summary\": {");
-    addLine(out, "    \"files\": ", std::to_string(summary.files), ",");
-    addLine(out, "    \"errors\": ", std::to_string(summary.errors), ",");
-    addLine(out, "    \"warnings\": ", std::to_string(summary.warnings), ",");
-    addLine(out, "    \"strict\": ", summary.strict ? "true" : "false");
-    addLine(out, "  }");
-    addLine(out, "}");
-    return out;
+    LineBuilder out;
+    out.line("{");
+    out.deeper();
+    out.line("\"files\": [");
+    addObjects(out, reports,
+               [&](const LintFileReport& report) { addReportJson(out, report, summary.strict); });
+    out.line("],");
+    out.line("\"summary\": {");
+    out.deeper();
+    addSummaryJson(out, summary);
+    out.shallower();
+    out.line("}");
+    out.shallower();
+    out.line("}");
+    return out.take();
 }
 
 } // namespace morquill::lint

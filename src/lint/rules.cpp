@@ -1,7 +1,7 @@
 #include "lint/rules.h"
 
 #include "support/text.h"
-#include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/task/resolved_task.h"
 
 #include <algorithm>
@@ -262,7 +262,7 @@ Found keywordBraces(const LintedTask& linted) {
 bool hasPayload(const TaskInfo& task) {
     switch (task.program) {
     case TaskProgram::xtb:
-        return !task.args.empty() || !task.extraKeywords.empty() || !task.modValues.empty();
+        return !task.args.empty() || !task.extraKeywords.empty() || !task.modEntries.empty();
     case TaskProgram::mrcc:
     case TaskProgram::maple:
     case TaskProgram::amesp:
@@ -301,7 +301,7 @@ Found missingBody(const LintedTask& linted) {
 }
 
 Found missingSource(const LintedTask& linted) {
-    const std::string& source = linted.task.source;
+    const std::string_view source = upstreamTask(linted.task);
     const bool namesTask =
         !source.empty() && source != "origin" && source != "restart" && !source.starts_with("xyz=");
     return atDirective("source", namesTask && !isKnown(linted, source), linted, source);

@@ -2,6 +2,8 @@
 
 #include "lint/rules.h"
 #include "support/text.h"
+#include "taskdsl/base/quote_rules.h"
+#include "taskdsl/base/scan.h"
 
 #include <optional>
 
@@ -11,27 +13,13 @@ namespace {
 
 /// Simpler than what the parser takes for a comment: a `#` outside quotes that has no backslash in front.
 std::string_view stripRawComment(std::string_view line) noexcept {
-    char quote = '\0';
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const char c = line[i];
-        if (quote != '\0') {
-            quote = c == quote ? '\0' : quote;
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == '#' && (i == 0 || line[i - 1] != '\\')) {
-            return line.substr(0, i);
+    QuoteWalk walk(taskdsl::quote_rules::rawComment);
+    for (std::size_t at = 0; at < line.size(); at = walk.step(line, at)) {
+        if (line[at] == '#' && walk.inOpen() && (at == 0 || line[at - 1] != '\\')) {
+            return line.substr(0, at);
         }
     }
     return line;
-}
-
-/// The trimmed text behind a word at the front (any case, white space or the end behind it).
-std::optional<std::string_view> behindWord(std::string_view text, std::string_view word) noexcept {
-    const auto rest = text.substr(std::min(word.size(), text.size()));
-    if (!equalsNoCase(text.substr(0, word.size()), word) || (!rest.empty() && !isSpace(rest.front()))) {
-        return std::nullopt;
-    }
-    return trim(rest);
 }
 
 /// Which block the lines are in.
@@ -42,7 +30,7 @@ class BlockWalk {
   public:
     void read(RawLine& line) noexcept {
         const auto statement = line.statement;
-        if (const auto control = behindWord(statement, "%control")) {
+        if (const auto control = taskdsl::textBehindWord(statement, "%control")) {
             open = control->empty() ? OpenBlock::control : OpenBlock::none;
             line.controlText = *control;
         } else if (const auto process = behindProcess(statement)) {
@@ -63,7 +51,7 @@ class BlockWalk {
     /// `%preprocess` opens a block only when it stands alone on its line.
     static std::optional<std::string_view> behindProcess(std::string_view statement) noexcept {
         return equalsNoCase(statement, "%preprocess") ? std::string_view{}
-                                                      : behindWord(statement, "%process");
+                                                      : taskdsl::textBehindWord(statement, "%process");
     }
 
     OpenBlock open = OpenBlock::none;

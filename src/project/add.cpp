@@ -1,10 +1,10 @@
+#include "console/command_line.h"
+#include "console/messages.h"
 #include "project/case_files.h"
 #include "project/cases/target.h"
-#include "project/project_command.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/text.h"
-#include "system/prompt.h"
 
 #include <unordered_set>
 
@@ -15,7 +15,7 @@ namespace {
 enum class AddResult { added, skipped, failed };
 
 AddResult failAdd(std::string_view reason, const std::string& subject) {
-    system::printErrorLine("[mqkit][WARN] " + std::string(reason) + ": " + subject);
+    console::reportWarning(std::string(reason) + ": " + subject);
     return AddResult::failed;
 }
 
@@ -43,34 +43,28 @@ AddResult addCase(AddRun& run, const std::string& path) {
     }
     const std::string caseDir = joinPath(run.root, stem);
     if (isDirectory(caseDir)) {
-        system::printLine("[mqkit][SKIP] case directory already exists: " + caseDir);
+        console::printSkip("case directory already exists: " + caseDir);
         return AddResult::skipped;
     }
-    system::printLine("[mqkit] add case: " + stem + " <- " + path);
+    console::printNote("add case: " + stem + " <- " + path);
     return run.dryRun || createCase(path, run.root, run.file) ? AddResult::added : AddResult::failed;
-}
-
-int refuse(std::string_view message, std::string_view programPath) {
-    system::printErrorLine(message);
-    printProjectHelp(programPath);
-    return 1;
 }
 
 } // namespace
 
-int runProjectAdd(const ProjectOptions& options, std::string_view programPath) {
+int runProjectAdd(const ProjectOptions& options) {
     AddRun run;
     run.dryRun = options.dryRun;
     if (std::string error; !resolveProjectTemplate(options.path, run.root, run.file, error)) {
-        return refuse(error, programPath);
+        throw console::UsageError(console::ErrorTag::plain, error);
     }
     if (options.xyzFiles.empty()) {
-        return refuse("[mqkit][ERROR] project add requires at least one .xyz file.", programPath);
+        throw console::UsageError(console::ErrorTag::plain, "project add requires at least one .xyz file.");
     }
-    system::printLine("\n[Project Add]");
-    system::printLine("  project template: " + run.file);
-    system::printLine("  case files      : " + join(options.xyzFiles, " ") +
-                      (run.dryRun ? "  (dry-run)" : ""));
+    console::printLine("\n[Project Add]");
+    console::printLine("  project template: " + run.file);
+    console::printLine("  case files      : " + join(options.xyzFiles, " ") +
+                       (run.dryRun ? "  (dry-run)" : ""));
 
     int added = 0;
     int skipped = 0;
@@ -88,14 +82,13 @@ int runProjectAdd(const ProjectOptions& options, std::string_view programPath) {
             break;
         }
     }
-    system::printLine("\n[mqkit] finished: added " + std::to_string(added) + " case(s).");
+    console::printLine();
+    console::printNote("finished: added " + std::to_string(added) + " case(s).");
     if (skipped > 0) {
-        system::printLine("[mqkit] note: " + std::to_string(skipped) +
-                          " case(s) already existed and were skipped.");
+        console::printNote("note: " + std::to_string(skipped) + " case(s) already existed and were skipped.");
     }
     if (failed > 0) {
-        system::printLine("[mqkit] note: " + std::to_string(failed) +
-                          " case(s) failed validation or creation.");
+        console::printNote("note: " + std::to_string(failed) + " case(s) failed validation or creation.");
     }
     return failed > 0 ? 2 : 0;
 }

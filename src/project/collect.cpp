@@ -1,13 +1,13 @@
+#include "console/command_line.h"
+#include "console/messages.h"
 #include "project/cases/block_pattern.h"
 #include "project/cases/selection.h"
 #include "project/cases/target.h"
-#include "project/project_command.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/copy_item.h"
-#include "system/prompt.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -58,16 +58,16 @@ void collectPattern(const CollectPlace& place, const std::string& pattern, bool 
     const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
     const auto matches = expandBlockPattern(place.blockDir, pattern, directoriesOnly);
     if (matches.empty()) {
-        system::printLine("[mqkit][SKIP] " + place.label + " : " + pattern);
+        console::printSkip(place.label + " : " + pattern);
     }
     for (const auto& match : matches) {
         const auto source = joinPath(place.blockDir, match);
         const auto target = joinPath(place.targetDir, targetName(source, place.caseName));
-        system::printLine("[mqkit] copy: " + source + " -> " + target);
+        console::printNote("copy: " + source + " -> " + target);
         summary.items += 1;
         if (place.intoItself || (!dryRun && !system::copyItem(source, target))) {
             summary.failed += 1;
-            system::printErrorLine("[mqkit][WARN] copy failed: " + source);
+            console::reportWarning("copy failed: " + source);
         }
     }
 }
@@ -81,39 +81,38 @@ void printCollectHeader(const ProjectOptions& options, const ChosenBlocks& chose
     if (chosen.selected.size() > 1) {
         text += "  layout: multi-task mode writes to results/<task>/\n";
     }
-    system::printLine(text);
+    console::printLine(text);
 }
 
 int printCollectSummary(const CollectSummary& summary, const std::string& results) {
-    system::printLine("\n[mqkit] finished: collected " + std::to_string(summary.items) + " item(s) into " +
-                      results);
+    console::printLine();
+    console::printNote("finished: collected " + std::to_string(summary.items) + " item(s) into " + results);
     if (summary.missing > 0) {
-        system::printLine("[mqkit] note: " + std::to_string(summary.missing) +
-                          " case/task combinations are missing block directories.");
+        console::printNote("note: " + std::to_string(summary.missing) +
+                           " case/task combinations are missing block directories.");
     }
     if (summary.failed > 0) {
-        system::printLine("[mqkit] note: " + std::to_string(summary.failed) +
-                          " collected item(s) failed to copy.");
+        console::printNote("note: " + std::to_string(summary.failed) + " collected item(s) failed to copy.");
     }
     return summary.missing > 0 || summary.failed > 0 ? 2 : 0;
 }
 
 } // namespace
 
-int runProjectCollect(const ProjectOptions& options, std::string_view programPath) {
-    ChosenBlocks chosen;
-    std::vector<std::string> caseDirs;
-    if (!chooseBlocks(options, programPath, chosen) || !chooseCases(chosen.root, programPath, caseDirs)) {
+int runProjectCollect(const ProjectOptions& options) {
+    const auto choice = chooseBlocks(options);
+    if (!choice) {
         return 1;
     }
+    const ChosenBlocks& chosen = *choice;
+    const auto caseDirs = chooseCases(chosen.root);
     if (options.patterns.empty()) {
-        system::printErrorLine("[mqkit][ERROR] project collect requires at least one glob pattern.");
-        printProjectHelp(programPath);
-        return 1;
+        throw console::UsageError(console::ErrorTag::plain,
+                                  "project collect requires at least one glob pattern.");
     }
     const auto results = joinPath(chosen.root, "results");
     if (!makeDirectory(results)) { // also in a dry run
-        system::printErrorLine("[mqkit][ERROR] could not create results directory: " + results);
+        console::reportError("could not create results directory: " + results);
         return 1;
     }
     printCollectHeader(options, chosen, results);
@@ -121,8 +120,11 @@ int runProjectCollect(const ProjectOptions& options, std::string_view programPat
     for (const auto& task : chosen.selected) {
         const auto targetDir = chosen.selected.size() > 1 ? joinPath(results, task) : results;
         if (!options.dryRun && !makeDirectory(targetDir)) {
-            system::printErrorLine("[mqkit][ERROR] could not create result directory: " + targetDir);
+            console::reportError("could not create result directory: " + targetDir);
             return 1;
+        }
+        if (!options.dryRun) {
+            system::removeStaleCopies(targetDir);
         }
         for (const auto& caseDir : caseDirs) {
             const auto caseName = baseName(caseDir);
@@ -131,7 +133,7 @@ int runProjectCollect(const ProjectOptions& options, std::string_view programPat
                                      holdsResults(blockDir, targetDir)};
             if (!isDirectory(place.blockDir)) {
                 summary.missing += 1;
-                system::printLine("[mqkit][SKIP] " + place.label + " : block directory is missing");
+                console::printSkip(place.label + " : block directory is missing");
                 continue;
             }
             for (const auto& pattern : options.patterns) {

@@ -1,13 +1,13 @@
+#include "console/command_line.h"
+#include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/cases/target.h"
-#include "project/project_command.h"
 #include "project/regenerate.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/process.h"
-#include "system/prompt.h"
 
 #include <cstdint>
 
@@ -51,11 +51,11 @@ void execInBlock(const ProjectOptions& options, const std::string& caseDir, cons
     const auto blockDir = joinPath(caseDir, task);
     if (!isDirectory(blockDir)) {
         summary.missing += 1;
-        system::printLine("[mqkit][SKIP] " + caseName + " / $" + task + " : block directory is missing");
+        console::printSkip(caseName + " / $" + task + " : block directory is missing");
         return;
     }
     const auto command = resolveCommand(options.command, task, caseName);
-    system::printLine("\n>>> [" + caseName + "] " + blockDir + "\n$ " + command);
+    console::printLine("\n>>> [" + caseName + "] " + blockDir + "\n$ " + command);
     summary.total += 1;
     std::string failure;
     if (options.dryRun || system::runShellCommand(blockDir, command, &failure)) {
@@ -63,48 +63,49 @@ void execInBlock(const ProjectOptions& options, const std::string& caseDir, cons
         return;
     }
     summary.failed += 1;
-    system::printErrorLine("[mqkit][WARN] command failed: " + blockDir + inParentheses(failure));
+    console::reportWarning("command failed: " + blockDir + inParentheses(failure));
 }
 
 } // namespace
 
-bool chooseCases(const std::string& root, std::string_view programPath, std::vector<std::string>& caseDirs) {
-    caseDirs = listCaseDirectories(root);
+std::vector<std::string> chooseCases(const std::string& root) {
+    auto caseDirs = listCaseDirectories(root);
     if (caseDirs.empty()) {
-        system::printErrorLine("[mqkit][ERROR] no case subdirectories were found in project: " + root);
-        printProjectHelp(programPath);
+        throw console::UsageError(console::ErrorTag::plain,
+                                  "no case subdirectories were found in project: " + root);
     }
-    return !caseDirs.empty();
+    return caseDirs;
 }
 
-int runProjectExec(const ProjectOptions& options, std::string_view programPath) {
-    ChosenBlocks chosen;
-    std::vector<std::string> caseDirs;
-    if (!chooseBlocks(options, programPath, chosen) || !chooseCases(chosen.root, programPath, caseDirs)) {
+int runProjectExec(const ProjectOptions& options) {
+    const auto choice = chooseBlocks(options);
+    if (!choice) {
         return 1;
     }
+    const ChosenBlocks& chosen = *choice;
+    const auto caseDirs = chooseCases(chosen.root);
     if (trim(options.command).empty()) {
-        system::printErrorLine("[mqkit][ERROR] project exec requires a command via --cmd or -- <cmd...>.");
-        printProjectHelp(programPath);
-        return 1;
+        throw console::UsageError(console::ErrorTag::plain,
+                                  "project exec requires a command via --cmd or -- <cmd...>.");
     }
-    system::printLine("\n[Project Exec]\n  project template: " + chosen.file +
-                      "\n  task blocks: " + formatSelection(chosen.selected) +
-                      "\n  command: " + options.command + (options.dryRun ? "  (dry-run)\n" : "\n"));
+    console::printLine("\n[Project Exec]\n  project template: " + chosen.file +
+                       "\n  task blocks: " + formatSelection(chosen.selected) +
+                       "\n  command: " + options.command + (options.dryRun ? "  (dry-run)\n" : "\n"));
     ExecSummary summary;
     for (const auto& caseDir : caseDirs) {
         for (const auto& task : chosen.selected) {
             execInBlock(options, caseDir, task, summary);
         }
     }
-    system::printLine("\n[mqkit] finished: executed " + std::to_string(summary.success) + "/" +
-                      std::to_string(summary.total) + " block(s) successfully.");
+    console::printLine();
+    console::printNote("finished: executed " + std::to_string(summary.success) + "/" +
+                       std::to_string(summary.total) + " block(s) successfully.");
     if (summary.missing > 0) {
-        system::printLine("[mqkit] note: " + std::to_string(summary.missing) +
-                          " block directory/directories are missing.");
+        console::printNote("note: " + std::to_string(summary.missing) +
+                           " block directory/directories are missing.");
     }
     if (summary.failed > 0) {
-        system::printLine("[mqkit] note: " + std::to_string(summary.failed) + " block(s) failed.");
+        console::printNote("note: " + std::to_string(summary.failed) + " block(s) failed.");
     }
     return summary.missing > 0 || summary.failed > 0 ? 2 : 0;
 }

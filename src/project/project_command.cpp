@@ -2,73 +2,84 @@
 
 #include "console/command_line.h"
 #include "console/console.h"
+#include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/cases/target.h"
 #include "project/workflows.h"
 #include "support/fault.h"
 #include "support/text.h"
-#include "system/prompt.h"
 
+#include <algorithm>
 #include <exception>
 
 namespace morquill::project {
 
 namespace {
 
-bool isHelpWanted(int argc, char** argv) {
-    for (int i = 1; i < argc; ++i) {
-        if (console::isHelpToken(argv[i])) {
-            return true;
-        }
-    }
-    return false;
-}
+/// One shape of the command line.
+struct LineShape {
+    ProjectOptions (*read)(int argc, const char* const* argv);
+    bool helpWordAnywhere; ///< a refused line that holds a help word anywhere asks for help
+};
 
-int runFrame(int argc, char** argv, ProjectOptions (*read)(int argc, const char* const* argv)) {
+constexpr LineShape wordShape{readProjectWords, true};
+constexpr LineShape compatibilityShape{readCompatibilityWords, true};
+constexpr LineShape updateShape{readUpdateWords, false};
+
+int runShape(const LineShape& shape, int argc, char** argv) {
+    int status = 0;
     try {
-        return runProjectWorkflow(read(argc, argv), argv[0]);
+        return runProjectWorkflow(shape.read(argc, argv), argv[0]);
+    } catch (const console::HelpRequest&) {
+        // the help is all there is
     } catch (const console::UsageError& error) {
-        console::reportUsageError(error);
+        const auto words = console::wordsFrom(argc, argv, 1);
+        const bool asksForHelp =
+            shape.helpWordAnywhere && std::any_of(words.begin(), words.end(), console::isHelpToken);
+        const int refused = console::reportUsageError(error);
+        status = asksForHelp ? 0 : refused;
     }
     printProjectHelp(argc > 0 ? argv[0] : "");
-    return isHelpWanted(argc, argv) ? 0 : 1;
+    return status;
+}
+
+console::UsageError refusal(const std::string& message) {
+    return console::UsageError(console::ErrorTag::plain, message);
 }
 
 int statusOf(bool success) {
     return success ? 0 : 1;
 }
 
-int runAdd(const ProjectOptions& options, std::string_view programPath) {
+int runAdd(const ProjectOptions& options) {
     if (!options.names.empty()) {
-        system::printErrorLine("[mqkit][ERROR] project add does not accept -n/--name.");
-        printProjectHelp(programPath);
-        return 1;
+        throw refusal("project add does not accept -n/--name.");
     }
-    return runProjectAdd(options, programPath);
+    return runProjectAdd(options);
 }
 
-int runSubCommand(const ProjectOptions& options, std::string_view programPath) {
+int runSubCommand(const ProjectOptions& options) {
     switch (options.subCommand) {
     case ProjectSubCommand::Init:
         return statusOf(runProjectInit());
     case ProjectSubCommand::Add:
-        return runAdd(options, programPath);
+        return runAdd(options);
     case ProjectSubCommand::Update:
         return statusOf(runProjectUpdate(options.path, options.names, {options.dryRun, options.runComd}));
     case ProjectSubCommand::Rebuild:
         return statusOf(
             runProjectRebuild(options.path, options.names, {options.dryRun, options.runScript, true}));
     case ProjectSubCommand::Exec:
-        return runProjectExec(options, programPath);
+        return runProjectExec(options);
     case ProjectSubCommand::Collect:
-        return runProjectCollect(options, programPath);
+        return runProjectCollect(options);
     case ProjectSubCommand::None:
         break;
     }
-    // Names without anything to do with them: they are checked, so that a wrong one is told, and the help
-    // says what could be done.
-    if (ChosenBlocks chosen; chooseBlocks(options, programPath, chosen)) {
-        printProjectHelp(programPath);
+    // Names without anything to do with them: they are checked, so that a wrong one is reported, and the help
+    // shows what could be done.
+    if (chooseBlocks(options)) {
+        throw console::UsageError(console::ErrorTag::none);
     }
     return 1;
 }
@@ -76,64 +87,52 @@ int runSubCommand(const ProjectOptions& options, std::string_view programPath) {
 } // namespace
 
 int runProject(int argc, char** argv) {
-    return runFrame(argc, argv, readProjectWords);
+    return runShape(wordShape, argc, argv);
 }
 
 int runProjectCompatibility(int argc, char** argv) {
-    return runFrame(argc, argv, readCompatibilityWords);
+    return runShape(compatibilityShape, argc, argv);
 }
 
 int runUpdateCompatibility(int argc, char** argv) {
-    if (argc < 2) {
-        return 1;
-    }
-    int status = 0;
-    try {
-        return runProjectWorkflow(readUpdateWords(argc, argv), argv[0]);
-    } catch (const console::HelpRequest&) {
-        // the help is all there is
-    } catch (const console::UsageError& error) {
-        status = console::reportUsageError(error);
-    }
-    printProjectHelp(argv[0]);
-    return status;
+    return argc < 2 ? 1 : runShape(updateShape, argc, argv);
 }
 
 int runProjectWorkflow(const ProjectOptions& options, std::string_view programPath) {
     try {
-        return runSubCommand(options, programPath);
+        return runSubCommand(options);
+    } catch (const console::UsageError& error) {
+        // Not the shape's refusal: a help word among the words of a line that could be read is a name like
+        // any other.
+        const int status = console::reportUsageError(error);
+        printProjectHelp(programPath);
+        return status;
     } catch (const std::exception& failure) {
-        system::printErrorLine(console::errorTag() + " " +
-                               faultText(failure, options.path.empty() ? "." : options.path));
+        console::reportError(console::ErrorTag::coloured,
+                             faultText(failure, options.path.empty() ? "." : options.path));
         return 1;
     }
 }
 
-bool chooseBlocks(const ProjectOptions& options, std::string_view programPath, ChosenBlocks& chosen) {
+std::optional<ChosenBlocks> chooseBlocks(const ProjectOptions& options) {
+    ChosenBlocks chosen;
     std::string error;
     if (!resolveProjectTemplate(options.path, chosen.root, chosen.file, error)) {
-        system::printErrorLine(error);
-        printProjectHelp(programPath);
-        return false;
+        throw refusal(error);
     }
     if (options.names.empty()) {
-        system::printErrorLine("[mqkit][ERROR] specify at least one task block with -n/--name.");
-        printProjectHelp(programPath);
-        return false;
+        throw refusal("specify at least one task block with -n/--name.");
     }
     TaskCatalog catalog;
     if (!loadCatalog(chosen.root, chosen.file, catalog, error)) {
-        system::printErrorLine(error);
-        return false;
+        console::reportError(error);
+        return std::nullopt;
     }
     std::vector<std::string> missing;
     if (!selectTaskBlocks(catalog, options.names, true, chosen.selected, missing)) {
-        system::printErrorLine("[mqkit][ERROR] task block not found in .projmq: " + join(missing, ", "));
-        printKnownBlocks(catalog);
-        printProjectHelp(programPath);
-        return false;
+        throw refusal("task block not found in .projmq: " + join(missing, ", ") + knownBlockLines(catalog));
     }
-    return true;
+    return chosen;
 }
 
 } // namespace morquill::project

@@ -24,7 +24,7 @@ struct ProjectOptions {
 };
 
 // The readers of the three shapes throw `console::UsageError` for words that make no workflow; the caller
-// tells its message, when it has one, and shows the help.
+// reports its message, when it has one, and shows the help.
 
 /// Reads `project <sub-command> ...`.
 [[nodiscard]] ProjectOptions readProjectWords(int argc, const char* const* argv);

@@ -1,5 +1,6 @@
 #include "project/rebuild.h"
 
+#include "console/messages.h"
 #include "console/runtime_config.h"
 #include "project/cases/selection.h"
 #include "project/regenerate.h"
@@ -62,12 +63,12 @@ bool cleanStatus(const std::string& caseDir, const std::vector<std::string>& sel
         summary.recordsRemoved += static_cast<std::int32_t>(count);
     }
     if (!dryRun && !removeTaskRecords(caseDir, selected)) {
-        system::printErrorLine("[mqkit][ERROR] failed to clean mq.status: " + name);
+        console::reportError("failed to clean mq.status: " + name);
         return false;
     }
     if (count > 0) {
-        system::printLine(dryRun ? "[mqkit][DRY-RUN] " + name + " : would remove " + what
-                                 : "[mqkit] " + name + " : removed " + what);
+        console::printMessage(console::stepKind(dryRun),
+                              name + (dryRun ? " : would remove " : " : removed ") + what);
     }
     return true;
 }
@@ -76,8 +77,8 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
                 RebuildSummary& summary) {
     if (!isDirectory(blockDir)) {
         summary.blocksMissing += 1;
-        system::printLine((options.dryRun ? "[mqkit][DRY-RUN] " : "[mqkit][SKIP] ") + label +
-                          " : block directory is missing");
+        const auto kind = options.dryRun ? console::MessageKind::dryRun : console::MessageKind::skip;
+        console::printMessage(kind, label + " : block directory is missing");
         return;
     }
     summary.blocksVisited += 1;
@@ -87,9 +88,9 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
     }
     summary.workMarkers += found;
     const auto count = options.dryRun ? found : removeWorkMarkers(blockDir);
-    system::printLine((options.dryRun ? "[mqkit][DRY-RUN] " + label + " : would remove "
-                                      : "[mqkit] " + label + " : removed ") +
-                      std::to_string(count) + " .mqwk file(s)");
+    console::printMessage(console::stepKind(options.dryRun),
+                          label + (options.dryRun ? " : would remove " : " : removed ") +
+                              std::to_string(count) + " .mqwk file(s)");
 }
 
 bool cleanCases(const WorkPlace& place, const std::vector<std::string>& selected,
@@ -103,13 +104,14 @@ bool cleanCases(const WorkPlace& place, const std::vector<std::string>& selected
             cleanBlock(joinPath(caseDir, task), baseName(caseDir) + " / $" + task, options, summary);
         }
     }
-    system::printLine("\n[mqkit] summary: cases=" + std::to_string(summary.cases) +
-                      ", mq.status touched=" + std::to_string(summary.statusTouched) +
-                      ", records removed=" + std::to_string(summary.recordsRemoved) +
-                      ", block directories visited=" + std::to_string(summary.blocksVisited) +
-                      ", block directories missing=" + std::to_string(summary.blocksMissing) + ", " +
-                      (options.dryRun ? "to remove" : "removed") +
-                      " .mqwk=" + std::to_string(summary.workMarkers));
+    console::printLine();
+    console::printNote("summary: cases=" + std::to_string(summary.cases) +
+                       ", mq.status touched=" + std::to_string(summary.statusTouched) +
+                       ", records removed=" + std::to_string(summary.recordsRemoved) +
+                       ", block directories visited=" + std::to_string(summary.blocksVisited) +
+                       ", block directories missing=" + std::to_string(summary.blocksMissing) + ", " +
+                       (options.dryRun ? "to remove" : "removed") +
+                       " .mqwk=" + std::to_string(summary.workMarkers));
     return true;
 }
 
@@ -120,20 +122,21 @@ std::string runnerCommand(const std::string& runner, const std::string& root) {
 bool startRunner(const std::string& root, bool dryRun, RebuildSummary& summary) {
     const auto runner = resolveRunner(root);
     if (!console::isRunnerAvailable(runner)) {
-        system::printErrorLine("[mqkit][ERROR] configured project runner not found: " + runner);
+        console::reportError("configured project runner not found: " + runner);
         return false;
     }
-    system::printLine("\n" + std::string(executePrefix(dryRun)) + runnerCommand(runner, root));
+    console::printLine();
+    printExecution(runnerCommand(runner, root), dryRun);
     std::string failure;
     if (!dryRun && !system::runProgram(root, runner, {"kick", "--path", root}, &failure)) {
         summary.runnerFailed += 1;
-        system::printErrorLine("[mqkit][ERROR] failed to execute project runner: " + runner +
-                               inParentheses(failure));
+        console::reportError("failed to execute project runner: " + runner + inParentheses(failure));
         return false;
     }
     summary.runnerSuccess += 1;
-    system::printLine("\n[mqkit] project runner summary: success=" + std::to_string(summary.runnerSuccess) +
-                      ", failed=" + std::to_string(summary.runnerFailed));
+    console::printLine();
+    console::printNote("project runner summary: success=" + std::to_string(summary.runnerSuccess) +
+                       ", failed=" + std::to_string(summary.runnerFailed));
     return true;
 }
 
@@ -150,10 +153,10 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
     printGeneratorCommand(*place, options.dryRun, rebuildWords);
     if (!options.dryRun) {
         if (std::string failure; !runGenerator(*place, rebuildWords, failure)) {
-            system::printErrorLine("[mqkit][ERROR] failed to re-run morquill" + inParentheses(failure));
+            console::reportError("failed to re-run morquill" + inParentheses(failure));
             return false;
         }
-        system::printLine("[mqkit] full morquill rebuild completed");
+        console::printNote("full morquill rebuild completed");
     }
     const bool withRunner = options.runScript && place->kind == TargetKind::Project;
     return !withRunner || startRunner(place->directory, options.dryRun, summary);
@@ -166,16 +169,18 @@ bool settleRunner(const std::string& root, bool& runScript) {
     const bool available = console::isRunnerAvailable(runner);
     if (runScript) {
         if (!available) {
-            system::printErrorLine("[mqkit][ERROR] configured project runner not found: " + runner);
+            console::reportError("configured project runner not found: " + runner);
             return false;
         }
-        system::printLine("[mqkit] post-rebuild runner enabled: " + runnerCommand(runner, root));
+        console::printNote("post-rebuild runner enabled: " + runnerCommand(runner, root));
     } else if (!available) {
-        system::printLine("[mqkit][WARN] configured project runner not found: " + runner);
-        system::printLine("[mqkit] rebuild will finish without running mqrun kick");
+        console::printMessage(console::MessageKind::warning,
+                              "configured project runner not found: " + runner);
+        console::printNote("rebuild will finish without running mqrun kick");
     } else {
-        system::printLine("\n[mqkit] execute the configured project runner afterwards? (y/n):");
-        system::printLine("        " + runnerCommand(runner, root));
+        console::printLine();
+        console::printNote("execute the configured project runner afterwards? (y/n):");
+        console::printLine("        " + runnerCommand(runner, root));
         runScript = system::askYesNo();
     }
     return true;
@@ -193,7 +198,7 @@ std::int32_t removeWorkMarkers(const std::string& blockDir) {
         if (::unlink(marker.c_str()) == 0) {
             removed += 1;
         } else {
-            system::printErrorLine("[mqkit][WARN] failed to remove work marker: " + marker);
+            console::reportWarning("failed to remove work marker: " + marker);
         }
     }
     return removed;
@@ -220,20 +225,21 @@ bool runProjectRebuild(const std::string& path, const std::vector<std::string>& 
                        const RebuildOptions& options) {
     ProjectTarget target;
     std::vector<std::string> selected;
-    if (!chooseWork(path, names, "\n[mqkit] select task blocks to rebuild:", target, selected)) {
+    if (!chooseWork(path, names, "select task blocks to rebuild:", target, selected)) {
         return false;
     }
     if (selected.empty()) {
         return true;
     }
-    system::printLine("\n[mqkit] selected: " + formatSelection(selected));
-    system::printLine("[mqkit] rebuild mode re-runs full morquill and refreshes generated inputs/workflow.");
+    console::printLine();
+    console::printNote("selected: " + formatSelection(selected));
+    console::printNote("rebuild mode re-runs full morquill and refreshes generated inputs/workflow.");
     RebuildOptions chosen = options;
     bool rebuilt = false;
     if (target.kind == TargetKind::Case) {
         if (chosen.runScript) {
-            system::printErrorLine(
-                "[mqkit][ERROR] --run-script requires a project root or .projmq path. For a single "
+            console::reportError(
+                "--run-script requires a project root or .projmq path. For a single "
                 "case, rebuild the case first, then run the project runner from the project root.");
             return false;
         }
@@ -245,7 +251,7 @@ bool runProjectRebuild(const std::string& path, const std::vector<std::string>& 
         rebuilt = rebuildProject(target.projectRoot, target.projectFile, selected, chosen);
     }
     if (!rebuilt) {
-        system::printErrorLine("[mqkit][ERROR] rebuild failed.");
+        console::reportError("rebuild failed.");
     }
     return rebuilt;
 }

@@ -1,11 +1,11 @@
 #include "project/regenerate.h"
 
+#include "console/messages.h"
 #include "project/cases/selection.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/process.h"
-#include "system/prompt.h"
 
 namespace morquill::project {
 
@@ -16,7 +16,7 @@ constexpr const char* comdOnlyFlag = "--comd-only";
 
 bool hasSelection(const std::vector<std::string>& selected, const WorkflowWords& words) {
     if (selected.empty()) {
-        system::printErrorLine("[mqkit][ERROR] no task blocks were selected for " + std::string(words.verb));
+        console::reportError("no task blocks were selected for " + std::string(words.verb));
     }
     return !selected.empty();
 }
@@ -26,7 +26,7 @@ bool hasSelection(const std::vector<std::string>& selected, const WorkflowWords&
 bool chooseWork(const std::string& path, const std::vector<std::string>& names, std::string_view title,
                 ProjectTarget& target, std::vector<std::string>& selected) {
     if (std::string error; !resolveTarget(path, target, error)) {
-        system::printErrorLine(error);
+        console::reportError(error);
         return false;
     }
     const bool chosen =
@@ -34,7 +34,7 @@ bool chooseWork(const std::string& path, const std::vector<std::string>& names, 
             ? selectFromFile(target.caseFile, "task file", names, title, selected)
             : selectFromProject(target.projectRoot, target.projectFile, names, title, selected);
     if (chosen && selected.empty()) {
-        system::printLine("[mqkit] no task blocks were selected; exiting.");
+        console::printNote("no task blocks were selected; exiting.");
     }
     return chosen;
 }
@@ -45,11 +45,11 @@ std::optional<WorkPlace> openCase(const std::string& caseDir, const std::string&
         return std::nullopt;
     }
     if (!isDirectory(caseDir)) {
-        system::printErrorLine("[mqkit][ERROR] case directory does not exist: " + caseDir);
+        console::reportError("case directory does not exist: " + caseDir);
         return std::nullopt;
     }
     if (!isRegularFile(caseFile)) {
-        system::printErrorLine("[mqkit][ERROR] case .mq file does not exist: " + caseFile);
+        console::reportError("case .mq file does not exist: " + caseFile);
         return std::nullopt;
     }
     return WorkPlace{TargetKind::Case, caseDir, caseFile, {caseDir}};
@@ -62,7 +62,7 @@ std::optional<WorkPlace> openProject(const std::string& root, const std::string&
     }
     auto caseDirs = listCaseDirectories(root);
     if (caseDirs.empty()) {
-        system::printErrorLine("[mqkit][ERROR] no case subdirectories were found in project: " + root);
+        console::reportError("no case subdirectories were found in project: " + root);
         return std::nullopt;
     }
     return WorkPlace{TargetKind::Project, root, file, std::move(caseDirs)};
@@ -80,20 +80,20 @@ void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& sel
     text += "  task blocks: " + formatSelection(selected) + "\n";
     text += dryRun ? "  mode: dry-run (no files written)\n" : "  mode: apply changes\n";
     text.append("  morquill mode: ").append(words.mode).append("\n");
-    system::printLine(text);
+    console::printLine(text);
 }
 
-std::string_view executePrefix(bool dryRun) noexcept {
-    return dryRun ? "[mqkit][DRY-RUN] " : "[mqkit] execute ";
+void printExecution(std::string_view command, bool dryRun) {
+    console::printMessage(console::stepKind(dryRun), (dryRun ? "" : "execute ") + std::string(command));
 }
 
 void printGeneratorCommand(const WorkPlace& place, bool dryRun, const WorkflowWords& words) {
-    std::string line = "\n";
-    line.append(executePrefix(dryRun)).append(generator).append(" ").append(shellQuote(place.file));
+    std::string command = generator + (" " + shellQuote(place.file));
     if (words.comdOnly) {
-        line.append(" ").append(comdOnlyFlag);
+        command.append(" ").append(comdOnlyFlag);
     }
-    system::printLine(line);
+    console::printLine();
+    printExecution(command, dryRun);
 }
 
 bool runGenerator(const WorkPlace& place, const WorkflowWords& words, std::string& failure) {

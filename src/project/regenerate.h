@@ -48,8 +48,8 @@ inline constexpr WorkflowWords rebuildWords{"rebuild", "Rebuild", "full", false}
 void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun,
                      const WorkflowWords& words);
 
-/// "[mqkit][DRY-RUN] " or "[mqkit] execute ", as it stands before a command that is shown.
-[[nodiscard]] std::string_view executePrefix(bool dryRun) noexcept;
+/// Shows a command that is run or, in a dry run, would be.
+void printExecution(std::string_view command, bool dryRun);
 
 /// Shows the generator's command line.
 void printGeneratorCommand(const WorkPlace& place, bool dryRun, const WorkflowWords& words);

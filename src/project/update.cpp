@@ -1,6 +1,6 @@
 #include "project/update.h"
 
-#include "console/console.h"
+#include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/regenerate.h"
 #include "project/update_script.h"
@@ -22,10 +22,11 @@ bool prepareRun(const WorkPlace& place, const std::vector<std::string>& selected
     if (!scopeStatusFiles(place.caseDirs, selected, dryRun, backups, summary)) {
         return false;
     }
-    system::printLine("\n[mqkit] summary: cases=" + std::to_string(summary.cases) +
-                      ", mq.status scoped=" + std::to_string(summary.statusScoped) +
-                      ", mq.status hidden=" + std::to_string(summary.statusHidden) +
-                      ", selected completed records=" + std::to_string(summary.selectedCompletedRecords));
+    console::printLine();
+    console::printNote("summary: cases=" + std::to_string(summary.cases) +
+                       ", mq.status scoped=" + std::to_string(summary.statusScoped) +
+                       ", mq.status hidden=" + std::to_string(summary.statusHidden) +
+                       ", selected completed records=" + std::to_string(summary.selectedCompletedRecords));
     printGeneratorCommand(place, dryRun, updateWords);
     return true;
 }
@@ -44,26 +45,25 @@ bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selecte
     if (!statusFiles.restore() || signals.noted() != 0) {
         return false;
     }
-    system::printLine("[mqkit] mq.status restored after comd-only update");
+    console::printNote("mq.status restored after comd-only update");
     if (!refreshed) {
-        system::printErrorLine("[mqkit][ERROR] failed to re-run morquill in --comd-only mode" +
-                               inParentheses(failure));
+        console::reportError("failed to re-run morquill in --comd-only mode" + inParentheses(failure));
         return false;
     }
-    system::printLine("[mqkit] morquill --comd-only update completed");
+    console::printNote("morquill --comd-only update completed");
     return true;
 }
 
 bool leaveScript(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun) {
     std::string path;
     if (!writeComdRunnerScript(place.directory, place.caseDirs, selected, dryRun, path)) {
-        system::printErrorLine("[mqkit][ERROR] failed to write comd runner script: " + path);
+        console::reportError("failed to write comd runner script: " + path);
         return false;
     }
-    system::printLine(std::string(dryRun ? "\n[mqkit][DRY-RUN] would generate " : "\n[mqkit] generated ") +
-                      "comd runner script: " + path);
-    system::printLine(
-        "[mqkit] this script replays the same per-task 'bash comd' flow as immediate execution");
+    console::printLine();
+    console::printMessage(console::stepKind(dryRun),
+                          (dryRun ? "would generate " : "generated ") + ("comd runner script: " + path));
+    console::printNote("this script replays the same per-task 'bash comd' flow as immediate execution");
     return true;
 }
 
@@ -84,25 +84,26 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
         return leaveScript(*place, selected, options.dryRun);
     }
     const bool allRan = runComdForCases(place->caseDirs, selected, options.dryRun, summary);
-    system::printLine("\n[mqkit] comd summary: success=" + std::to_string(summary.comdSuccess) +
-                      ", failed=" + std::to_string(summary.comdFailed));
+    console::printLine();
+    console::printNote("comd summary: success=" + std::to_string(summary.comdSuccess) +
+                       ", failed=" + std::to_string(summary.comdFailed));
     return allRan;
 }
 
 bool runComd(const std::string& blockDir, const std::string& label, bool dryRun, UpdateSummary& summary) {
     if (!isDirectory(blockDir)) {
-        system::printLine("[mqkit][SKIP] " + label + " : block directory is missing");
+        console::printSkip(label + " : block directory is missing");
         return true;
     }
     if (!isRegularFile(joinPath(blockDir, "comd"))) {
-        system::printLine("[mqkit][SKIP] " + label + " : comd is missing");
+        console::printSkip(label + " : comd is missing");
         return true;
     }
-    system::printLine(std::string(executePrefix(dryRun)) + label + " -> bash comd");
+    printExecution(label + " -> bash comd", dryRun);
     std::string failure;
     if (!dryRun && !system::runProgram(blockDir, "bash", {"comd"}, &failure)) {
         summary.comdFailed += 1;
-        system::printErrorLine("[mqkit][WARN] comd execution failed: " + blockDir + inParentheses(failure));
+        console::reportWarning("comd execution failed: " + blockDir + inParentheses(failure));
         return false;
     }
     summary.comdSuccess += 1;
@@ -113,7 +114,8 @@ bool runComd(const std::string& blockDir, const std::string& label, bool dryRun,
 
 bool runComdForCases(const std::vector<std::string>& caseDirs, const std::vector<std::string>& selected,
                      bool dryRun, UpdateSummary& summary) {
-    system::printLine("\n[mqkit] comd execution for selected task blocks");
+    console::printLine();
+    console::printNote("comd execution for selected task blocks");
     bool allRan = true;
     for (const auto& caseDir : caseDirs) {
         for (const auto& task : selected) {
@@ -138,31 +140,30 @@ bool runProjectUpdate(const std::string& path, const std::vector<std::string>& n
                       const UpdateOptions& options) {
     ProjectTarget target;
     std::vector<std::string> selected;
-    if (!chooseWork(path, names, "\n[mqkit] select task blocks to update comd:", target, selected)) {
+    if (!chooseWork(path, names, "select task blocks to update comd:", target, selected)) {
         return false;
     }
     if (selected.empty()) {
         return true;
     }
-    system::printLine("\n[mqkit] selected: " + formatSelection(selected));
-    system::printLine(
-        "[mqkit] update mode always calls morquill with --comd-only to refresh command scripts only.");
+    console::printLine();
+    console::printNote("selected: " + formatSelection(selected));
+    console::printNote("update mode always calls morquill with --comd-only to refresh command scripts only.");
     UpdateOptions chosen = options;
     if (!chosen.runComd) {
-        console::writeOut(
-            "\n[mqkit] execute comd in the selected task directories afterwards? (y/n; n writes "
-            "mqkit_update_comd.sh): ");
+        console::printLine();
+        console::printQuestion("execute comd in the selected task directories afterwards? (y/n; n writes "
+                               "mqkit_update_comd.sh): ");
         chosen.runComd = system::askYesNo();
         if (!chosen.runComd) {
-            system::printLine(
-                "[mqkit] mqkit_update_comd.sh will be written after the update for later execution.");
+            console::printNote("mqkit_update_comd.sh will be written after the update for later execution.");
         }
     }
     const bool updated = target.kind == TargetKind::Case
                              ? updateCase(target.caseDir, target.caseFile, selected, chosen)
                              : updateProject(target.projectRoot, target.projectFile, selected, chosen);
     if (!updated) {
-        system::printErrorLine("[mqkit][ERROR] update failed.");
+        console::reportError("update failed.");
     }
     return updated;
 }

@@ -15,10 +15,7 @@ constexpr std::int64_t maxInt32 = 2147483647;
 } // namespace
 
 std::optional<std::int32_t> readLeadingInt(std::string_view text) {
-    std::size_t i = 0;
-    while (i < text.size() && isSpace(text[i])) {
-        ++i;
-    }
+    std::size_t i = skipSpace(text);
     bool negative = false;
     if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
         negative = text[i] == '-';

@@ -19,8 +19,36 @@ namespace morquill {
 [[nodiscard]] constexpr bool isLetter(char c) noexcept {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
+/// The bytes of words and names: `[A-Za-z0-9_]`.
+[[nodiscard]] constexpr bool isWordChar(char c) noexcept {
+    return isLetter(c) || isDigit(c) || c == '_';
+}
+/// `[A-Za-z_]`: how a word begins that is no number.
+[[nodiscard]] constexpr bool isWordStart(char c) noexcept {
+    return isLetter(c) || c == '_';
+}
+/// `[A-Za-z0-9_-]`.
+[[nodiscard]] constexpr bool isNameChar(char c) noexcept {
+    return isWordChar(c) || c == '-';
+}
+/// `[A-Za-z0-9_.]`: words joined by dots.
+[[nodiscard]] constexpr bool isDottedWordChar(char c) noexcept {
+    return isWordChar(c) || c == '.';
+}
+/// `[A-Za-z0-9_.-]`: the keys of settings, defines, axes, items and properties.
+[[nodiscard]] constexpr bool isKeyChar(char c) noexcept {
+    return isNameChar(c) || c == '.';
+}
 [[nodiscard]] constexpr char lowerChar(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// The place of the first byte from `at` on that is no white space; the end when there is none.
+[[nodiscard]] constexpr std::size_t skipSpace(std::string_view text, std::size_t at = 0) noexcept {
+    while (at < text.size() && isSpace(text[at])) {
+        ++at;
+    }
+    return at;
 }
 
 /// True for what `trim` takes off: blank, tab, carriage return and line feed.

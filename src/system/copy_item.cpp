@@ -3,13 +3,20 @@
 #include "support/descriptor.h"
 #include "support/file.h"
 #include "support/paths.h"
+#include "support/text.h"
+#include "system/signal_guard.h"
 #include "system/tree_walk.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -24,7 +31,7 @@ namespace fs = std::filesystem;
 namespace {
 
 /// Copies all that is left of one file to another through memory.
-bool copyThroughBuffer(int from, int to) {
+bool copyThroughBuffer(int from, int to, const SignalGuard& ending) {
     constexpr std::size_t bufferSize = 1 << 18;
     const auto buffer = std::make_unique<char[]>(bufferSize);
     for (;;) {
@@ -35,32 +42,36 @@ bool copyThroughBuffer(int from, int to) {
         if (got < 0 && errno == EINTR) {
             continue;
         }
-        if (got < 0 || !writeAll(to, {buffer.get(), static_cast<std::size_t>(got)})) {
+        if (got < 0 || ending.noted() != 0 || !writeAll(to, {buffer.get(), static_cast<std::size_t>(got)})) {
             return false;
         }
     }
 }
 
 /// Lets the file system copy, or share, the bytes; what it cannot do goes through memory.
-bool copyBytes(int from, int to) {
-    constexpr std::size_t chunk = 1U << 30;
+bool copyBytes(int from, int to, const SignalGuard& ending) {
+    constexpr std::size_t chunk = 1U << 26; // a signal is not looked at before the next one
     for (;;) {
+        if (ending.noted() != 0) {
+            return false;
+        }
         const ssize_t moved = ::copy_file_range(from, nullptr, to, nullptr, chunk, 0);
         if (moved == 0) {
-            return copyThroughBuffer(from, to); // the end, or a file whose size the system does not know
+            return copyThroughBuffer(from, to,
+                                     ending); // the end, or a file whose size the system does not know
         }
         if (moved < 0 && errno != EINTR) {
             // Not a refusal but a fault that would only come again.
             if (errno == ENOSPC || errno == EIO || errno == EFBIG || errno == EDQUOT) {
                 return false;
             }
-            return copyThroughBuffer(from, to);
+            return copyThroughBuffer(from, to, ending);
         }
     }
 }
 
 /// Makes a copy of a regular file under a name that is free; what could not be copied in full is taken away.
-bool makeFile(const std::string& source, const std::string& copy) {
+bool makeFile(const std::string& source, const std::string& copy, const SignalGuard& ending) {
     const Descriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat info {};
     if (from.get() < 0 || ::fstat(from.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
@@ -71,7 +82,7 @@ bool makeFile(const std::string& source, const std::string& copy) {
         return false;
     }
     (void)::fchmod(to.get(), info.st_mode & 07777);
-    const bool copied = copyBytes(from.get(), to.get());
+    const bool copied = copyBytes(from.get(), to.get(), ending);
     if (!to.close() || !copied) {
         (void)::unlink(copy.c_str());
         return false;
@@ -87,14 +98,14 @@ bool makeLink(const std::string& source, const std::string& copy) {
 
 /// Makes a copy of a directory under a name that is free. False when something in it could not be copied; the
 /// rest is there all the same.
-bool makeDirectory(const std::string& source, const std::string& copy) {
+bool makeDirectory(const std::string& source, const std::string& copy, const SignalGuard& ending) {
     std::error_code error;
     if (!fs::create_directory(copy, error)) {
         return false;
     }
     bool complete = true;
     walkTree(source, [&](const std::string& path, EntryKind kind) {
-        if (kind == EntryKind::unreadable) {
+        if (kind == EntryKind::unreadable || ending.noted() != 0) {
             complete = false;
             return false;
         }
@@ -105,7 +116,7 @@ bool makeDirectory(const std::string& source, const std::string& copy) {
             copied = fs::create_directory(inner, error);
             break;
         case EntryKind::file:
-            copied = makeFile(path, inner);
+            copied = makeFile(path, inner, ending);
             break;
         case EntryKind::link:
             copied = makeLink(path, inner);
@@ -124,9 +135,18 @@ bool exists(const std::string& path) {
     return ::lstat(path.c_str(), &info) == 0;
 }
 
+/// What the names of this host's unfinished copies begin with: process numbers mean nothing on another one
+/// that shares the disk.
+std::string copyPrefix() {
+    std::array<char, 65> host{}; // 64 bytes and the end
+    (void)::gethostname(host.data(), host.size() - 1);
+    return ".mqkit-" + std::string(host.data()) + "-";
+}
+
 /// A name beside `target` that is free: what is made under it can be renamed to `target`.
 std::string nameBeside(const std::string& target) {
-    const auto start = target.substr(0, target.rfind('/') + 1) + ".mqkit-" + std::to_string(::getpid()) + "-";
+    const auto start =
+        target.substr(0, target.rfind('/') + 1) + copyPrefix() + std::to_string(::getpid()) + "-";
     int number = 0;
     while (exists(start + std::to_string(number))) {
         number += 1;
@@ -167,6 +187,16 @@ bool putInPlace(const std::string& copy, const std::string& target) {
     return placed && !error;
 }
 
+/// The process that a name behind `copyPrefix` tells: `<process>-<number>`; 0 for any other text.
+pid_t ownerOf(std::string_view rest) noexcept {
+    pid_t process = 0;
+    const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), process);
+    const std::string_view number = rest.substr(static_cast<std::size_t>(end - rest.data()));
+    const bool isOwned = error == std::errc() && process > 0 && number.size() > 1 && number.front() == '-' &&
+                         std::all_of(number.begin() + 1, number.end(), isDigit);
+    return isOwned ? process : 0;
+}
+
 /// A path without the links on the way to it; the last component may be one.
 std::string placeOf(const std::string& path) {
     return joinPath(normalisedPath(parentPath(path)), baseName(path));
@@ -193,6 +223,7 @@ bool takesFile(const std::string& source, const std::string& target) {
 } // namespace
 
 bool copyItem(const std::string& source, const std::string& target) {
+    const SignalGuard ending; // goes last: nothing unfinished is left when a signal ends the program
     std::error_code error;
     if (!fs::exists(source, error) ||
         meetsItself(source, target)) { // a link that leads nowhere does not exist
@@ -210,23 +241,35 @@ bool copyItem(const std::string& source, const std::string& target) {
     bool complete = false;
     switch (kind) {
     case fs::file_type::regular:
-        complete = makeFile(source, copy);
+        complete = makeFile(source, copy, ending);
         break;
     case fs::file_type::symlink:
         complete = makeLink(source, copy);
         break;
     case fs::file_type::directory:
-        complete = makeDirectory(source, copy);
+        complete = makeDirectory(source, copy, ending);
         break;
     default:
         break;
     }
     // A directory that is not whole is better than none, but never than the one before.
-    if (complete || (isDirectory && exists(copy) && !exists(target))) {
+    if (complete || (isDirectory && ending.noted() == 0 && exists(copy) && !exists(target))) {
         return putInPlace(copy, target) && complete;
     }
     fs::remove_all(copy, error);
     return false;
+}
+
+void removeStaleCopies(const std::string& dir) {
+    const auto prefix = copyPrefix();
+    for (const auto& name : listDirectoryEntries(dir)) {
+        const pid_t owner =
+            name.starts_with(prefix) ? ownerOf(std::string_view(name).substr(prefix.size())) : 0;
+        if (owner > 0 && ::kill(owner, 0) != 0 && errno == ESRCH) {
+            std::error_code ignored; // what cannot be removed harms nothing
+            fs::remove_all(joinPath(dir, name), ignored);
+        }
+    }
 }
 
 } // namespace morquill::system

@@ -6,6 +6,8 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -48,6 +50,14 @@ bool HeldBytes::linkTo(const std::string& path) const noexcept {
     std::array<char, 32> name{};
     std::snprintf(name.data(), name.size(), "/proc/self/fd/%d", file_.get());
     return ::linkat(AT_FDCWD, name.data(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
+std::string HeldBytes::directory() const {
+    std::error_code error;
+    const auto link = "/proc/self/fd/" + std::to_string(file_.get());
+    // "<directory>/#<inode> (deleted)"
+    const auto path = file_.isOpen() ? std::filesystem::read_symlink(link, error).string() : std::string();
+    return path.empty() ? std::string() : parentPath(path);
 }
 
 std::optional<HeldBytes> holdBytes(const std::string& path, std::string_view bytes) {

@@ -19,6 +19,8 @@ class HeldBytes {
     [[nodiscard]] bool canReplace() const noexcept { return file_.isOpen(); }
     /// Gives the copy this name, under which nothing may lie; false when the system refuses.
     [[nodiscard]] bool linkTo(const std::string& path) const noexcept;
+    /// The directory that the copy lies in, wherever that has been moved; empty when the system does not say.
+    [[nodiscard]] std::string directory() const;
 
   private:
     friend std::optional<HeldBytes> holdBytes(const std::string& path, std::string_view bytes);

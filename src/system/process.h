@@ -7,8 +7,8 @@
 /// Child processes: start one, wait for it, tell precisely why it did not succeed. Nothing here throws or
 /// prints, and no time limit applies. A child inherits standard input, output and error, so that what it
 /// writes goes straight to the terminal; what this program has buffered for standard output is written first.
-/// A signal that asks this program to end while it waits is passed on to the child and takes effect when the
-/// child has ended.
+/// A signal that asks this program to end while it waits is passed on to the child and what that has started
+/// (see process_tree.h) and takes effect when the child has ended.
 namespace morquill::system {
 
 /// How one child ended.

@@ -1,6 +1,7 @@
 #include "system/prompt.h"
 
 #include "console/console.h"
+#include "console/messages.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -25,14 +26,6 @@ std::size_t readInput(char* buffer, std::size_t size) {
 }
 
 } // namespace
-
-void printLine(std::string_view text) {
-    console::writeOut(std::string(text) + '\n');
-}
-
-void printErrorLine(std::string_view text) {
-    console::writeErr(std::string(text) + '\n');
-}
 
 std::optional<std::string> readInputLine() {
     console::flushOut();
@@ -81,7 +74,7 @@ std::optional<int> readIndex(std::string_view piece) noexcept {
 
 std::vector<std::size_t> promptIndexSelection(std::string_view title, std::size_t count) {
     if (!title.empty()) {
-        printLine(title);
+        console::printLine(title);
     }
     console::writeOut("Input index (e.g. 1 2 3 or 1,2,3): ");
     std::vector<std::size_t> indices;

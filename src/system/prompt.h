@@ -6,13 +6,8 @@
 #include <string_view>
 #include <vector>
 
-/// Lines for the user and questions to the user.
+/// Questions to the user.
 namespace morquill::system {
-
-/// Writes a line to standard output.
-void printLine(std::string_view text);
-/// Writes a line to standard error, behind everything that was printed before.
-void printErrorLine(std::string_view text);
 
 /// The next line of standard input without its line end; nothing at the end of input. What stands behind the
 /// line is left for the children, which inherit standard input. Pending output is written first.

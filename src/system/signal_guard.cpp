@@ -1,6 +1,7 @@
 #include "system/signal_guard.h"
 
 #include "console/console.h"
+#include "system/process_tree.h"
 
 #include <array>
 #include <atomic>
@@ -13,13 +14,25 @@ namespace morquill::system {
 
 namespace {
 
-// All that end a program from outside and can be caught.
-constexpr std::array endSignals{SIGHUP,  SIGINT,    SIGQUIT, SIGTERM, SIGALRM, SIGUSR1,  SIGUSR2,
-                                SIGXCPU, SIGVTALRM, SIGPROF, SIGPOLL, SIGPWR,  SIGSTKFLT};
+// All that end a program from outside and can be caught. SIGABRT is among them: `abort` itself ends the
+// program whatever its handler does.
+constexpr std::array namedEndSignals{SIGHUP,  SIGINT,    SIGQUIT, SIGTERM, SIGALRM, SIGUSR1,   SIGUSR2,
+                                     SIGXCPU, SIGVTALRM, SIGPROF, SIGPOLL, SIGPWR,  SIGSTKFLT, SIGABRT};
+
+/// Calls `act` for each of them, the real-time ones included, whose numbers the C library knows.
+template <class Act>
+void forEachEndSignal(Act act) noexcept {
+    for (const int number : namedEndSignals) {
+        act(number);
+    }
+    for (int number = SIGRTMIN; number <= SIGRTMAX; ++number) {
+        act(number);
+    }
+}
 
 // What the outermost guard has found: how each signal, and a write past the limit, was dealt with before.
 bool guarded = false;
-std::array<struct sigaction, endSignals.size()> oldActions{};
+std::array<struct sigaction, NSIG> oldActions{}; // by signal
 struct sigaction oldLimitAction {};
 
 // All that a signal handler can reach: the first signal noted and the child to pass it on to, 0 for none.
@@ -28,7 +41,7 @@ std::atomic<pid_t> watchedChild{0};
 static_assert(std::atomic<int>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
 
 /// Keys and the hang-up of a terminal go to all its processes, everything else to this one alone.
-bool reachesChildAnyway(int number, int origin) noexcept {
+bool reachesChildrenAnyway(int number, int origin) noexcept {
     return origin == SI_KERNEL && (number == SIGINT || number == SIGQUIT || number == SIGHUP);
 }
 
@@ -37,8 +50,8 @@ extern "C" void noteSignal(int number, siginfo_t* info, void* /*context*/) {
     int none = 0;
     notedSignal.compare_exchange_strong(none, number);
     const pid_t child = watchedChild.load();
-    if (child > 0 && !reachesChildAnyway(number, info->si_code)) {
-        ::kill(child, number);
+    if (child > 0 && !reachesChildrenAnyway(number, info->si_code)) {
+        signalProcessTree(child, number);
     }
     errno = oldErrno;
 }
@@ -48,9 +61,7 @@ extern "C" void letWriteFail(int /*number*/) {}
 sigset_t endSignalSet() noexcept {
     sigset_t set;
     sigemptyset(&set);
-    for (const int number : endSignals) {
-        sigaddset(&set, number);
-    }
+    forEachEndSignal([&](int number) { sigaddset(&set, number); });
     return set;
 }
 
@@ -73,9 +84,8 @@ SignalGuard::SignalGuard() noexcept : outermost_(!std::exchange(guarded, true)) 
     note.sa_sigaction = noteSignal;
     note.sa_mask = endSignalSet();
     note.sa_flags = SA_SIGINFO | SA_RESTART;
-    for (std::size_t i = 0; i < endSignals.size(); ++i) {
-        replaceDefault(endSignals[i], note, oldActions[i]);
-    }
+    forEachEndSignal(
+        [&](int number) { replaceDefault(number, note, oldActions[static_cast<std::size_t>(number)]); });
     struct sigaction fail {};
     fail.sa_handler = letWriteFail; // no SIG_IGN, which children would inherit
     replaceDefault(SIGXFSZ, fail, oldLimitAction);
@@ -85,9 +95,8 @@ SignalGuard::~SignalGuard() {
     if (!outermost_) {
         return;
     }
-    for (std::size_t i = 0; i < endSignals.size(); ++i) {
-        ::sigaction(endSignals[i], &oldActions[i], nullptr);
-    }
+    forEachEndSignal(
+        [](int number) { ::sigaction(number, &oldActions[static_cast<std::size_t>(number)], nullptr); });
     ::sigaction(SIGXFSZ, &oldLimitAction, nullptr);
     guarded = false;
     if (const int number = noted(); number != 0) {

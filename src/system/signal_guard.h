@@ -7,10 +7,10 @@
 namespace morquill::system {
 
 /// While it lives, every signal that asks the program to end (SIGTERM, SIGINT, a batch system's SIGUSR1 or
-/// SIGXCPU, ...) is noted instead; one that was ignored or handled before stays so. A file that grows past
-/// its limit is a write that fails with `EFBIG`, not the end. The destructor gives the process back to the
-/// system's ways and then ends it with the first noted signal. Build it before whatever has to be undone, so
-/// that it goes last. Of several, one within the other, the outermost does the work.
+/// SIGXCPU, a real-time signal, ...) is noted instead; one that was ignored or handled before stays so. A
+/// file that grows past its limit is a write that fails with `EFBIG`, not the end. The destructor gives the
+/// process back to the system's ways and then ends it with the first noted signal. Build it before whatever
+/// has to be undone, so that it goes last. Of several, one within the other, the outermost does the work.
 class SignalGuard {
   public:
     SignalGuard() noexcept;
@@ -25,9 +25,9 @@ class SignalGuard {
     bool outermost_;
 };
 
-/// Names the child that a noted signal is passed on to, from its start to its end: the program waits for it,
-/// so it must hear of the signal, too. A key pressed at the terminal reaches the child by itself and is not
-/// doubled.
+/// Names the child that a noted signal is passed on to, from its start to its end, with all that it has
+/// started: the program waits for them, so they must hear of the signal, too. A key pressed at the terminal
+/// reaches them by itself and is not doubled.
 ///
 /// Built before `fork` and under a `SignalGuard`, it holds the guard's signals back, so that none falls
 /// between the start of the child and `watch`.

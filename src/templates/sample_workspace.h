@@ -9,8 +9,8 @@ namespace morquill::templates {
 /// A task file that shows the idiom of the language.
 [[nodiscard]] std::string_view sampleTaskFile() noexcept;
 
-/// Writes both into the directory "test" of the current one, over what is there, and tells so. Gives the exit
-/// status.
+/// Writes both into the directory "test" of the current one, over what is there, and reports it. Returns
+/// the exit status.
 [[nodiscard]] int createSampleWorkspace();
 
 } // namespace morquill::templates

@@ -3,6 +3,7 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "console/messages.h"
 #include "support/fault.h"
 #include "support/file.h"
 #include "templates/library/define_section.h"
@@ -13,7 +14,6 @@
 #include "templates/sample_workspace.h"
 #include "templates/selector/selector.h"
 
-#include <algorithm>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -27,11 +27,6 @@ using console::writeOut;
 
 console::UsageError refusal(const std::string& message) {
     return console::UsageError(ErrorTag::coloured, message);
-}
-
-int showHelp(char** argv) {
-    printTemplateHelp(argv[0]);
-    return 1;
 }
 
 /// What the words of `list`, `categories` and `merge` say.
@@ -68,13 +63,15 @@ TemplateLibrary openLibrary(const TemplateOptions& options) {
     return loadTemplateLibrary(options.directory ? *options.directory : resolveTemplatePath());
 }
 
-/// A word of the command with the old forms that stand for it.
+using RunWord = int (*)(int argc, char** argv, int firstArgument);
+
+/// A word of the command with the old forms that mean the same.
 struct TemplateWord {
     std::string_view name;
     std::string_view letter;
     std::string_view option;
-    int (*run)(int argc, char** argv, int firstArgument);
-    int (*runOld)(int argc, char** argv, int firstArgument); ///< null: the same as `run`
+    RunWord run;
+    RunWord runOld; ///< null: the same as `run`
 };
 
 int runList(int argc, char** argv, int firstArgument) {
@@ -109,13 +106,42 @@ constexpr TemplateWord templateWords[] = {
     {{}, "-t", "--test", nullptr, runSample}, // has no word of its own
 };
 
-using RunWord = int (*)(int argc, char** argv, int firstArgument);
+int showHelp(int /*argc*/, char** argv, int /*firstArgument*/) {
+    printTemplateHelp(argv[0]);
+    return 0;
+}
 
-/// Runs a word of the command; the status 1 with its message when the words behind it are refused.
-int runWord(RunWord run, int argc, char** argv, int firstArgument) {
+/// What runs for a word of the command. Throws `UsageError` without a message for any other.
+RunWord findWord(std::string_view word) {
+    if (console::isHelpToken(word)) {
+        return showHelp;
+    }
+    for (const TemplateWord& row : templateWords) {
+        if (row.run != nullptr && row.name == word) {
+            return row.run;
+        }
+    }
+    throw console::UsageError(ErrorTag::none);
+}
+
+/// What runs for an old form. Throws `UsageError` without a message for any other option.
+RunWord findOldForm(std::string_view option) {
+    for (const TemplateWord& row : templateWords) {
+        if (row.letter == option || row.option == option) {
+            return row.runOld != nullptr ? row.runOld : row.run;
+        }
+    }
+    throw console::UsageError(ErrorTag::none);
+}
+
+/// Runs what `find` finds for the word at `wordIndex`; a refusal without a message shows the help.
+int runForm(int argc, char** argv, int wordIndex, RunWord (*find)(std::string_view word)) {
     try {
-        return run(argc, argv, firstArgument);
+        return find(argc > wordIndex ? argv[wordIndex] : "")(argc, argv, wordIndex + 1);
     } catch (const console::UsageError& error) {
+        if (error.message().empty()) {
+            printTemplateHelp(argv[0]);
+        }
         return console::reportUsageError(error);
     }
 }
@@ -189,39 +215,18 @@ int mergeTemplates(const TemplateOptions& options) {
     if (!writeTextFile(options.output, merged)) {
         throw refusal("could not write output file: " + options.output);
     }
-    writeOut("[mqkit] wrote task file: " + options.output + "\n");
+    console::printNote("wrote task file: " + options.output);
     return 0;
 }
 
 } // namespace
 
 int runTemplate(int argc, char** argv) {
-    if (argc < 3) {
-        return showHelp(argv);
-    }
-    const std::string_view word = argv[2];
-    if (console::isHelpToken(word)) {
-        printTemplateHelp(argv[0]);
-        return 0;
-    }
-    const auto* row =
-        std::find_if(std::begin(templateWords), std::end(templateWords),
-                     [&](const auto& entry) { return entry.run != nullptr && entry.name == word; });
-    return row == std::end(templateWords) ? showHelp(argv) : runWord(row->run, argc, argv, 3);
+    return runForm(argc, argv, 2, findWord);
 }
 
 int runTemplateCompat(int argc, char** argv) {
-    if (argc < 2) {
-        return 1;
-    }
-    const std::string_view option = argv[1];
-    const auto* row =
-        std::find_if(std::begin(templateWords), std::end(templateWords),
-                     [&](const auto& entry) { return entry.letter == option || entry.option == option; });
-    if (row == std::end(templateWords)) {
-        return showHelp(argv);
-    }
-    return runWord(row->runOld != nullptr ? row->runOld : row->run, argc, argv, 2);
+    return argc < 2 ? 1 : runForm(argc, argv, 1, findOldForm);
 }
 
 int runTemplateList(int argc, char** argv, int firstArgument, ListOrder order) {
@@ -266,26 +271,25 @@ int runTemplateVariable(int argc, char** argv, int firstArgument) {
 void writeDefineSection(const std::string& taskPath, const std::string& templateName) {
     const auto text = readTextFile(taskPath);
     if (!text) {
-        console::reportError(ErrorTag::plain, "could not read file: " + taskPath);
+        console::reportError("could not read file: " + taskPath);
         return;
     }
     const auto names = scanPlaceholders(*text, true);
     if (names.empty()) {
-        writeOut("[mqkit] file " + taskPath + " has no placeholders that require define values\n");
+        console::printNote("file " + taskPath + " has no placeholders that require define values");
         return;
     }
     const auto templates = loadVariableTemplates(resolveTemplatePath());
     const VariableTemplate* found = findVariableTemplate(templates, templateName);
     if (found == nullptr) {
-        console::reportError(ErrorTag::plain, "variable template not found: '" + templateName + "'");
+        console::reportError("variable template not found: '" + templateName + "'");
         return;
     }
     if (!writeTextFile(taskPath, replaceDefineSection(*text, buildDefineSection(names, found->values)))) {
-        console::reportError(ErrorTag::plain, "could not write file: " + taskPath);
+        console::reportError("could not write file: " + taskPath);
         return;
     }
-    writeOut("[mqkit] wrote define section for " + taskPath + " using variable template: " + templateName +
-             "\n");
+    console::printNote("wrote define section for " + taskPath + " using variable template: " + templateName);
 }
 
 void printTemplateHelp(std::string_view programPath) {

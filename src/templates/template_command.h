@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// The `template` command: words, options and messages. Every run function takes the untouched argument
-/// vector and gives the exit status.
+/// vector and returns the exit status.
 namespace morquill::templates {
 
 /// `template <word> ...`.
@@ -22,10 +22,11 @@ int runTemplateList(int argc, char** argv, int firstArgument, ListOrder order);
 /// Merges templates into a task file.
 int runTemplateMerge(int argc, char** argv, int firstArgument);
 /// Writes the define section that a task file needs. The status is 0 once the two arguments are there, also
-/// when a message tells of a failure.
+/// when a message reports a failure.
 int runTemplateVariable(int argc, char** argv, int firstArgument);
 
-/// Fills the define section of a task file from the variable template of that name and tells what was done.
+/// Fills the define section of a task file from the variable template of that name and reports what was
+/// done.
 void writeDefineSection(const std::string& taskPath, const std::string& templateName);
 
 /// The help of the command, on standard output.

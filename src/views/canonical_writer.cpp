@@ -1,9 +1,11 @@
 #include "views/canonical_writer.h"
 
+#include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/derive/derive_output.h"
 #include "taskdsl/plot/render.h"
 #include "taskdsl/task/directive_reader.h"
@@ -24,70 +26,66 @@ using taskdsl::TaskProgram;
 
 namespace {
 
-/// The text under construction. Directives stand two blanks in, lines of a block directive four.
-class CanonicalText {
-  public:
-    template <class... Pieces>
-    void line(const Pieces&... pieces) {
-        (out.append(std::string_view(pieces)), ...);
-        out += '\n';
-    }
-    /// `  %<directive> <value>` with the value through the scalar rule.
-    void scalar(std::string_view directive, std::string_view value) {
-        line("  %", directive, " ", taskdsl::quoteUnquotedScalar(value));
-    }
-    void filledScalar(std::string_view directive, std::string_view value) {
-        if (!value.empty()) {
-            scalar(directive, value);
-        }
-    }
-    /// The terminator is always EOF: a text with such a line does not survive rewriting.
-    void heredoc(std::string_view directive, std::string_view text) {
-        line("  %", directive, " << EOF");
-        if (!text.empty()) {
-            line(text);
-        }
-        line("EOF");
-    }
-    void filledHeredoc(std::string_view directive, std::string_view text) {
-        if (!text.empty()) {
-            heredoc(directive, text);
-        }
-    }
-    /// A block of commands. One that would end the block (it was the continuation of an empty line) is that
-    /// again.
-    void commands(std::string_view directive, const std::vector<std::string>& lines) {
-        if (!lines.empty()) {
-            line("  %", directive);
-        }
-        for (const auto& text : lines) {
-            if (isStructure(taskdsl::kindOfCleanLine(text))) {
-                line("    \\");
-            }
-            line("    ", text);
-        }
-    }
-    void block(std::string_view directive, const std::vector<std::string>& lines) {
-        bool open = false;
-        for (const auto& text : lines) {
-            // A text that would end the block (it came from behind the keyword) stands there again.
-            if (isStructure(taskdsl::kindOfCleanLine(text))) {
-                line("  %", directive, " ", text);
-                open = false;
-                continue;
-            }
-            if (!open) {
-                line("  %", directive);
-                open = true;
-            }
-            line("    ", text);
-        }
-    }
+// The forms of a directive: directives are indented by two blanks, lines of a block directive by four.
 
-    std::string out;
-};
+/// `  %<directive> <value>` with the value through the scalar rule.
+void addScalar(LineBuilder& text, std::string_view directive, std::string_view value) {
+    text.line("  %", directive, " ", taskdsl::quoteUnquotedScalar(value));
+}
 
-void writeSettings(CanonicalText& text, const TaskDocument& document) {
+void addFilledScalar(LineBuilder& text, std::string_view directive, std::string_view value) {
+    if (!value.empty()) {
+        addScalar(text, directive, value);
+    }
+}
+
+/// The terminator is always EOF: a text with such a line does not survive rewriting.
+void addHeredoc(LineBuilder& text, std::string_view directive, std::string_view body) {
+    text.line("  %", directive, " << EOF");
+    if (!body.empty()) {
+        text.line(body);
+    }
+    text.line("EOF");
+}
+
+void addFilledHeredoc(LineBuilder& text, std::string_view directive, std::string_view body) {
+    if (!body.empty()) {
+        addHeredoc(text, directive, body);
+    }
+}
+
+/// A block of commands. One that would end the block (it was the continuation of an empty line) is that
+/// again.
+void addCommands(LineBuilder& text, std::string_view directive, const std::vector<std::string>& commands) {
+    if (!commands.empty()) {
+        text.line("  %", directive);
+    }
+    for (const auto& command : commands) {
+        if (isStructure(taskdsl::kindOfCleanLine(command))) {
+            text.line("    \\");
+        }
+        text.line("    ", command);
+    }
+}
+
+void addBlock(LineBuilder& text, std::string_view directive, const std::vector<std::string>& lines) {
+    bool open = false;
+    for (const auto& line : lines) {
+        // A text that would end the block (it came from behind the keyword) stands there again.
+        if (isStructure(taskdsl::kindOfCleanLine(line))) {
+            text.line("  %", directive, " ", line);
+            open = false;
+            continue;
+        }
+        if (!open) {
+            text.line("  %", directive);
+            open = true;
+        }
+        text.line("    ", line);
+    }
+}
+
+void writeSettings(LineBuilder& text, const TaskDocument& document) {
     text.line("dsl_version: 2");
     for (const auto& [key, value] : document.settings) {
         if (key != "dsl_version") {
@@ -102,7 +100,7 @@ void writeSettings(CanonicalText& text, const TaskDocument& document) {
     }
 }
 
-void writeMatrix(CanonicalText& text, const TaskDocument& document) {
+void writeMatrix(LineBuilder& text, const TaskDocument& document) {
     const auto& axes = document.matrixAxes;
     if (axes.empty() && document.matrixValues.empty()) {
         return;
@@ -120,19 +118,20 @@ void writeMatrix(CanonicalText& text, const TaskDocument& document) {
     }
 }
 
-void writeSource(CanonicalText& text, const TaskInfo& task) {
+void writeSource(LineBuilder& text, const TaskInfo& task) {
     if (taskdsl::hasStructuredSource(task)) {
         text.line("  %source");
-        for (const auto& binding : task.sourceBindings) {
+        for (const auto& binding : sourceBindings(task)) {
             text.line("    ", taskdsl::formatSourceBinding(binding));
         }
         return;
     }
-    const std::string source = taskdsl::formatSourceSpec(taskdsl::sourceSpecOf(task));
-    text.scalar("source", source.empty() ? "origin" : source);
+    requireNumericFrame(task.source);
+    const std::string source = formatSourceSpec(task.source);
+    addScalar(text, "source", source.empty() ? "origin" : source);
 }
 
-void writeCluster(CanonicalText& text, const taskdsl::BatchCluster& cluster) {
+void writeCluster(LineBuilder& text, const taskdsl::BatchCluster& cluster) {
     std::string line = "    cluster ";
     line += cluster.metric == taskdsl::ClusterMetric::rmsd ? "rmsd" : "dist";
     line += " geo=" + taskdsl::formatCanonicalNumber(cluster.geometryThreshold);
@@ -152,10 +151,10 @@ void writeCluster(CanonicalText& text, const taskdsl::BatchCluster& cluster) {
 std::string destinationText(const std::string& destination) {
     const auto words = taskdsl::splitShellWords(taskdsl::cleanLine("as " + destination));
     const bool readsBack = join({words.begin() + 1, words.end()}, " ") == destination;
-    return readsBack ? destination : taskdsl::quoteSourceToken(destination);
+    return readsBack ? destination : taskdsl::quoteShellWord(destination);
 }
 
-void writeBatch(CanonicalText& text, const TaskInfo& task) {
+void writeBatch(LineBuilder& text, const TaskInfo& task) {
     if (task.batchLanes <= 0) {
         return;
     }
@@ -171,12 +170,12 @@ void writeBatch(CanonicalText& text, const TaskInfo& task) {
     }
     for (const auto& entry : task.batchCollect) {
         // A pattern that would not be one word again is quoted.
-        text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteSourceToken(entry.pattern),
+        text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteShellWord(entry.pattern),
                   entry.destination.empty() ? "" : " as ", destinationText(entry.destination));
     }
 }
 
-void writeControl(CanonicalText& text, const TaskInfo& task) {
+void writeControl(LineBuilder& text, const TaskInfo& task) {
     bool open = false;
     const auto item = [&](std::string_view key, std::string_view value) {
         if (!open) {
@@ -222,45 +221,45 @@ void writeControl(CanonicalText& text, const TaskInfo& task) {
     filled("verbosity", task.verbosity);
 }
 
-void writeKeywords(CanonicalText& text, const TaskInfo& task) {
+void writeKeywords(LineBuilder& text, const TaskInfo& task) {
     if (task.keywords.starts_with("<<")) {
         text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords)); // bare, it would open a heredoc
     } else if (task.keywords.find_first_of("\n\r") == std::string::npos) {
-        text.filledScalar("keywords", task.keywords);
+        addFilledScalar(text, "keywords", task.keywords);
     } else {
-        text.heredoc("keywords", task.keywords);
+        addHeredoc(text, "keywords", task.keywords);
     }
 }
 
-void writeInputPayload(CanonicalText& text, const TaskInfo& task) {
+void writeInputPayload(LineBuilder& text, const TaskInfo& task) {
     writeKeywords(text, task);
-    text.filledHeredoc("extrainput", task.extraKeywords);
+    addFilledHeredoc(text, "extrainput", task.extraKeywords);
 }
 
-void writeOrcaPayload(CanonicalText& text, const TaskInfo& task) {
+void writeOrcaPayload(LineBuilder& text, const TaskInfo& task) {
     writeKeywords(text, task);
-    text.filledHeredoc("extrainput", taskdsl::resolvedExtraInput(task));
+    addFilledHeredoc(text, "extrainput", taskdsl::resolvedExtraInput(task));
 }
 
-void writeXtbPayload(CanonicalText& text, const TaskInfo& task) {
-    text.filledScalar("args", task.args);
-    text.filledHeredoc("extrainput", task.extraKeywords);
+void writeXtbPayload(LineBuilder& text, const TaskInfo& task) {
+    addFilledScalar(text, "args", task.args);
+    addFilledHeredoc(text, "extrainput", task.extraKeywords);
 }
 
-void writeOtherPayload(CanonicalText& text, const TaskInfo& task) {
-    text.filledScalar("template", taskdsl::resolvedTemplateName(task));
+void writeOtherPayload(LineBuilder& text, const TaskInfo& task) {
+    addFilledScalar(text, "template", taskdsl::resolvedTemplateName(task));
     const std::string all = taskdsl::resolvedParams(task);
     if (const auto params = trim(all); !params.empty()) {
         text.line("  %param ", params);
     }
 }
 
-void writeScriptPayload(CanonicalText& text, const TaskInfo& task) {
-    text.filledScalar("runner", taskdsl::resolvedRunner(task));
-    text.heredoc("body", task.body);
+void writeScriptPayload(LineBuilder& text, const TaskInfo& task) {
+    addFilledScalar(text, "runner", taskdsl::resolvedRunner(task));
+    addHeredoc(text, "body", task.body);
 }
 
-void writePayload(CanonicalText& text, const TaskInfo& task) {
+void writePayload(LineBuilder& text, const TaskInfo& task) {
     switch (task.program) {
     case TaskProgram::orca:
         return writeOrcaPayload(text, task);
@@ -275,17 +274,17 @@ void writePayload(CanonicalText& text, const TaskInfo& task) {
     }
 }
 
-void writeMods(CanonicalText& text, const TaskInfo& task) {
+void writeMods(LineBuilder& text, const TaskInfo& task) {
     std::vector<std::string> lines;
-    for (const auto& entry : taskdsl::modEntriesOf(task)) {
+    for (const auto& entry : task.modEntries) {
         if (std::string line = taskdsl::formatModEntry(entry); !line.empty()) {
             lines.push_back(std::move(line));
         }
     }
-    text.block("mod", lines);
+    addBlock(text, "mod", lines);
 }
 
-void writeTask(CanonicalText& text, const TaskInfo& task) {
+void writeTask(LineBuilder& text, const TaskInfo& task) {
     text.line("$", task.name);
     writeSource(text, task);
     if (task.program != TaskProgram::gaussian) {
@@ -293,10 +292,10 @@ void writeTask(CanonicalText& text, const TaskInfo& task) {
     }
     writeBatch(text, task);
     writeControl(text, task);
-    text.block("when", task.whenConditions);
+    addBlock(text, "when", whenConditions(task));
     writePayload(text, task);
-    text.commands("preprocess", task.preProcessCommands);
-    text.commands("process", task.processCommands);
+    addCommands(text, "preprocess", task.preProcessCommands);
+    addCommands(text, "process", task.processCommands);
     writeMods(text, task);
     if (!task.strucId.empty()) {
         text.line("  %meta");
@@ -330,45 +329,50 @@ class DocumentPrinter {
             }
         }
         for (const auto& plot : document.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, "", context.warnings), true);
+            printSubstituted("plot", plot.name, renderPlot(plot, "", context.warnings));
             if (!document.derives.empty() || &plot != &document.plots.back()) {
                 text.line();
             }
         }
         for (const auto& derive : document.derives) {
-            printBlock("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings), true);
+            printSubstituted("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings));
             if (&derive != &document.derives.back()) {
                 text.line();
             }
         }
-        return std::move(text.out);
+        return text.take();
     }
 
   private:
     void printTask(const TaskInfo& task) {
-        const std::size_t begin = text.out.size();
+        const std::size_t begin = text.size();
         writeTask(text, task);
         if (context.warnings) {
-            reportLostOfTask(context, task, std::string_view(text.out).substr(begin));
+            reportLostOfTask(context, task, text.textFrom(begin));
         }
         // A plot of a declared task is read as it stands; the defines come later.
         const bool isExpanded = context.view == CanonicalView::matrixExpandedView;
         for (const auto& plot : task.plots) {
-            printBlock("plot", plot.name, renderPlot(plot, "  ", context.warnings), isExpanded);
+            const std::string printed = renderPlot(plot, "  ", context.warnings);
+            if (isExpanded) {
+                printSubstituted("plot", plot.name, printed);
+            } else {
+                text.add(printed);
+            }
         }
     }
 
-    void printBlock(std::string_view what, std::string_view name, const std::string& printed,
-                    bool takesDefines) {
-        text.out += printed;
-        if (context.warnings && takesDefines) {
+    /// Prints a block into which the defines go where it is read.
+    void printSubstituted(std::string_view what, std::string_view name, const std::string& printed) {
+        text.add(printed);
+        if (context.warnings) {
             reportReplacedKey(context, what, name, printed);
         }
     }
 
     const ReadBackContext context;
     const TaskDocument& document;
-    CanonicalText text;
+    LineBuilder text;
 };
 
 } // namespace

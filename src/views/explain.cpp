@@ -7,6 +7,7 @@
 #include "console/logger.h"
 #include "support/fault.h"
 #include "support/json.h"
+#include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
 #include "taskdsl/task/source_spec.h"
@@ -110,15 +111,14 @@ ExplainView makeView(const TaskDocument& document, const ExplainOptions& options
 
 /// The source as its directive gave it: unlike the canonical writer, this view shows no "origin" that nobody
 /// wrote.
-std::string sourceText(const TaskInfo& task) {
+std::string declaredSource(const TaskInfo& task) {
     const bool declared = std::any_of(task.directives.begin(), task.directives.end(),
                                       [](const taskdsl::TaskDirective& d) { return d.name == "source"; });
-    return declared ? taskdsl::formatSourceSpec(taskdsl::sourceSpecOf(task)) : std::string();
-}
-
-/// The place of the condition with that number, in the task's file.
-std::string conditionSpan(const TaskInfo& task, std::size_t number) {
-    return number < task.whenEntries.size() ? formatSpan(task.whenEntries[number].span) : "<unknown>";
+    if (!declared) {
+        return {};
+    }
+    requireNumericFrame(task.source);
+    return formatSourceSpec(task.source);
 }
 
 std::string dslVersion(const TaskDocument& document, std::string_view missing) {
@@ -130,98 +130,85 @@ std::string_view boolText(bool value) noexcept {
     return value ? "true" : "false";
 }
 
-template <class... Pieces>
-void addLine(std::string& out, const Pieces&... pieces) {
-    (out.append(std::string_view(pieces)), ...);
-    out += '\n';
-}
-
-void addFilled(std::string& out, std::string_view label, std::string_view value) {
-    if (!value.empty()) {
-        addLine(out, label, value);
-    }
-}
-
-void addTaskText(std::string& out, const TaskInfo& task) {
-    addLine(out, "task: ", task.name);
-    addLine(out, "  block_span: ", formatSpan(task.headerSpan));
-    addLine(out, "  program: ", taskdsl::programName(task.program));
+void addTaskText(LineBuilder& out, const TaskInfo& task) {
+    out.line("task: ", task.name);
+    out.line("  block_span: ", formatSpan(task.headerSpan));
+    out.line("  program: ", taskdsl::programName(task.program));
     if (taskdsl::hasStructuredSource(task)) {
-        addLine(out, "  source:");
-        for (const auto& binding : task.sourceBindings) {
-            addLine(out, "    ", taskdsl::formatSourceBinding(binding));
+        out.line("  source:");
+        for (const auto& binding : sourceBindings(task)) {
+            out.line("    ", taskdsl::formatSourceBinding(binding));
         }
     } else {
-        addLine(out, "  source: ", sourceText(task));
+        out.line("  source: ", declaredSource(task));
     }
-    addLine(out, "  dependencies: [", join(task.sourceTasks, ", "), "]");
-    addLine(out, "  use_guess: ", boolText(task.guessEnabled));
-    addLine(out, "  alert: ", boolText(task.alert));
-    addLine(out, "  localfirst: ", boolText(task.localFirst));
-    addFilled(out, "  finalgeom: ", task.finalGeom);
-    addFilled(out, "  guess_source: ", task.guessSourceTask);
-    addFilled(out, "  guess_converter: ", task.guessConverter);
+    out.line("  dependencies: [", join(sourceTasks(task), ", "), "]");
+    out.line("  use_guess: ", boolText(task.guessEnabled));
+    out.line("  alert: ", boolText(task.alert));
+    out.line("  localfirst: ", boolText(task.localFirst));
+    out.filled("  finalgeom: ", task.finalGeom);
+    out.filled("  guess_source: ", task.guessSourceTask);
+    out.filled("  guess_converter: ", task.guessConverter);
     if (task.templateTaskName != task.name) {
-        addFilled(out, "  template_task_name: ", task.templateTaskName);
+        out.filled("  template_task_name: ", task.templateTaskName);
     }
-    addFilled(out, "  matrix_variant_key: ", task.matrixVariantKey);
-    if (!task.whenConditions.empty()) {
-        addLine(out, "  when_conditions:");
-        for (std::size_t i = 0; i < task.whenConditions.size(); ++i) {
-            addLine(out, "    - ", task.whenConditions[i], "    [", conditionSpan(task, i), "]");
+    out.filled("  matrix_variant_key: ", task.matrixVariantKey);
+    if (!task.whenEntries.empty()) {
+        out.line("  when_conditions:");
+        for (const auto& condition : task.whenEntries) {
+            out.line("    - ", condition.text, "    [", formatSpan(condition.span), "]");
         }
     }
     if (!task.directives.empty()) {
-        addLine(out, "  directives:");
+        out.line("  directives:");
         for (const auto& directive : task.directives) {
-            addLine(out, "    - %", directive.name, directive.value.empty() ? "" : " ", directive.value,
-                    "    [", formatSpan(directive.span), "]");
+            out.line("    - %", directive.name, directive.value.empty() ? "" : " ", directive.value, "    [",
+                     formatSpan(directive.span), "]");
         }
     }
 }
 
 std::string renderText(const ExplainView& view) {
-    std::string out;
-    addLine(out, "file: ", view.document.filePath);
-    addLine(out, "dsl_version: ", dslVersion(view.document, "<missing>"));
-    addLine(out, "task_view: ", view.expanded ? "expanded" : "source");
-    addLine(out, "task_count: ", std::to_string(view.tasks.size()));
-    addLine(out, "expanded_task_count: ", std::to_string(view.document.tasks.size()));
-    addLine(out);
+    LineBuilder out;
+    out.line("file: ", view.document.filePath);
+    out.line("dsl_version: ", dslVersion(view.document, "<missing>"));
+    out.line("task_view: ", view.expanded ? "expanded" : "source");
+    out.line("task_count: ", std::to_string(view.tasks.size()));
+    out.line("expanded_task_count: ", std::to_string(view.document.tasks.size()));
+    out.line();
     for (const TaskInfo* task : view.tasks) {
         if (task != view.tasks.front()) {
-            addLine(out);
+            out.line();
         }
         addTaskText(out, *task);
     }
-    return out;
+    return out.take();
 }
 
 /// One-line array of the JSON values that `item` makes of the elements.
 template <class List, class Item>
 std::string jsonArray(const List& list, const Item& item) {
     std::string out = "[";
-    std::size_t number = 0;
     for (const auto& element : list) {
-        out += number == 0 ? "" : ", ";
-        out += item(element, number++);
+        out += &element == &*std::begin(list) ? "" : ", ";
+        out += item(element);
     }
     return out + "]";
 }
 
-void addTaskJson(std::string& out, const TaskInfo& task) {
+void addTaskJson(LineBuilder& out, const TaskInfo& task) {
     const auto key = [&out](std::string_view name, const std::string& value, std::string_view end = ",") {
-        addLine(out, "      \"", name, "\": ", value, end);
+        out.line("      \"", name, "\": ", value, end);
     };
     const auto text = [&key](std::string_view name, std::string_view value) { key(name, jsonString(value)); };
     const auto flag = [&key](std::string_view name, bool value) { key(name, std::string(boolText(value))); };
-    addLine(out, "    {");
+    out.line("    {");
     text("name", task.name);
     text("block_span", formatSpan(task.headerSpan));
     text("program", taskdsl::programName(task.program));
-    text("source", sourceText(task));
+    text("source", declaredSource(task));
     key("dependencies",
-        jsonArray(task.sourceTasks, [](const std::string& name, std::size_t) { return jsonString(name); }));
+        jsonArray(sourceTasks(task), [](const std::string& name) { return jsonString(name); }));
     flag("use_guess", task.guessEnabled);
     flag("alert", task.alert);
     flag("localfirst", task.localFirst);
@@ -230,40 +217,40 @@ void addTaskJson(std::string& out, const TaskInfo& task) {
     text("guess_converter", task.guessConverter);
     text("template_task_name", task.templateTaskName);
     text("matrix_variant_key", task.matrixVariantKey);
-    key("when_conditions",
-        jsonArray(task.whenConditions, [&task](const std::string& condition, std::size_t number) {
-            return R"({"text": )" + jsonString(condition) + R"(, "span": )" +
-                   jsonString(conditionSpan(task, number)) + "}";
+    key("when_conditions", jsonArray(task.whenEntries, [](const taskdsl::TaskWhenEntry& condition) {
+            return R"({"text": )" + jsonString(condition.text) + R"(, "span": )" +
+                   jsonString(formatSpan(condition.span)) + "}";
         }));
     key("directives",
         jsonArray(task.directives.get(),
-                  [](const taskdsl::TaskDirective& directive, std::size_t) {
+                  [](const taskdsl::TaskDirective& directive) {
                       return R"({"name": )" + jsonString(directive.name) + R"(, "argument": )" +
                              jsonString(directive.value) + R"(, "span": )" +
                              jsonString(formatSpan(directive.span)) + "}";
                   }),
         "");
-    out += "    }";
+    out.open("    }");
 }
 
 std::string renderJson(const ExplainView& view) {
-    std::string out = "{\n";
+    LineBuilder out;
+    out.line("{");
     const auto key = [&out](std::string_view name, const std::string& value) {
-        addLine(out, "  \"", name, "\": ", value, ",");
+        out.line("  \"", name, "\": ", value, ",");
     };
     key("file", jsonString(view.document.filePath));
     key("dsl_version", jsonString(dslVersion(view.document, "")));
     key("task_view", jsonString(view.expanded ? "expanded" : "source"));
     key("task_count", std::to_string(view.tasks.size()));
     key("expanded_task_count", std::to_string(view.document.tasks.size()));
-    addLine(out, R"(  "tasks": [)");
+    out.line(R"(  "tasks": [)");
     for (const TaskInfo* task : view.tasks) {
         addTaskJson(out, *task);
-        addLine(out, task == view.tasks.back() ? "" : ",");
+        out.add(task == view.tasks.back() ? "" : ",").close();
     }
-    addLine(out, "  ]");
-    addLine(out, "}");
-    return out;
+    out.line("  ]");
+    out.line("}");
+    return out.take();
 }
 
 constexpr std::string_view explainHelp = R"(Usage:

@@ -5,6 +5,7 @@
 #include "console/help_text.h"
 #include "console/library_file.h"
 #include "console/logger.h"
+#include "console/messages.h"
 #include "support/fault.h"
 #include "support/file.h"
 #include "taskdsl/parser/task_parser.h"
@@ -67,11 +68,12 @@ struct CommandForm {
     std::span<const OptionRow> options;
     ErrorTag tag;          ///< of a refusal; an unknown word is told in colour by every command
     bool leavesExtraFiles; ///< what extra files beside the result bring is not written into it
+    bool toleratesLegacy;  ///< removed forms that can be converted are read
 };
 
-constexpr CommandForm fmtForm{"fmt", rewriteOptions, ErrorTag::plain, true};
-constexpr CommandForm migrateForm{"migrate", rewriteOptions, ErrorTag::plain, true};
-constexpr CommandForm expandForm{"expand", expandOptions, ErrorTag::coloured, false};
+constexpr CommandForm fmtForm{"fmt", rewriteOptions, ErrorTag::plain, true, false};
+constexpr CommandForm migrateForm{"migrate", rewriteOptions, ErrorTag::plain, true, true};
+constexpr CommandForm expandForm{"expand", expandOptions, ErrorTag::coloured, false, false};
 
 /// Reads the words behind the command word. Throws `UsageError`.
 FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** argv) {
@@ -100,14 +102,14 @@ FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** arg
 }
 
 int reportWritten(const std::string& path) {
-    writeOut("[mqkit] wrote task file: " + path + "\n");
+    console::printNote("wrote task file: " + path);
     return 0;
 }
 
 int deliverCanonicalText(std::string text, const FileCommandOptions& options) {
     if (options.inPlace) {
         if (!writeTextFile(options.inputPath, text)) {
-            console::reportError(ErrorTag::plain, "could not write file: " + options.inputPath);
+            console::reportError("could not write file: " + options.inputPath);
             return 1;
         }
         return reportWritten(options.inputPath);
@@ -139,16 +141,29 @@ bool isWrittenBesideInput(const FileCommandOptions& options) {
 }
 
 /// A file that is written in place must be a regular one; otherwise a pipe or a terminal serves, too.
-taskdsl::TaskDocument readDocument(const FileCommandOptions& options, bool allowLegacy) {
-    const taskdsl::TaskParser parser({.toleratesMultiSource = allowLegacy,
+taskdsl::TaskDocument readDocument(const CommandForm& form, const FileCommandOptions& options) {
+    const taskdsl::TaskParser parser({.legacyMultiSource = form.toleratesLegacy,
                                       .findLibraryFile = console::findLibraryFile,
                                       .warnings = console::logWarning});
     return options.inPlace ? parser.parseFile(options.inputPath) : parser.parseInput(options.inputPath);
 }
 
-int convert(const CommandForm& form, const FileCommandOptions& options, bool allowLegacy) {
+/// True for a pipe, a terminal or another device.
+bool isStream(const std::string& path) {
+    std::error_code error;
+    const auto type = std::filesystem::status(path, error).type();
+    return type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::character ||
+           type == std::filesystem::file_type::socket;
+}
+
+int convert(const CommandForm& form, const FileCommandOptions& options) {
+    if (options.inPlace && isStream(options.inputPath)) {
+        console::reportError(ErrorTag::coloured, "--in-place needs a regular file to write to, " +
+                                                     options.inputPath + " is none");
+        return 1;
+    }
     try {
-        auto document = readDocument(options, allowLegacy);
+        auto document = readDocument(form, options);
         if (form.leavesExtraFiles && isWrittenBesideInput(options)) {
             document = taskdsl::withoutImplicitContent(std::move(document));
         }
@@ -160,9 +175,9 @@ int convert(const CommandForm& form, const FileCommandOptions& options, bool all
     }
 }
 
-int runRewriteCommand(int argc, char** argv, bool allowLegacy, const CommandForm& form) {
+int runRewriteCommand(int argc, char** argv, const CommandForm& form) {
     try {
-        return convert(form, readCommandLine(form, argc, argv), allowLegacy);
+        return convert(form, readCommandLine(form, argc, argv));
     } catch (const console::UsageError& error) {
         return console::reportUsageError(error);
     }
@@ -226,7 +241,7 @@ void printFmtHelp(std::string_view programPath) {
 }
 
 int runFmt(int argc, char** argv) {
-    return runRewriteCommand(argc, argv, false, fmtForm);
+    return runRewriteCommand(argc, argv, fmtForm);
 }
 
 void printMigrateHelp(std::string_view programPath) {
@@ -234,7 +249,7 @@ void printMigrateHelp(std::string_view programPath) {
 }
 
 int runMigrate(int argc, char** argv) {
-    return runRewriteCommand(argc, argv, true, migrateForm);
+    return runRewriteCommand(argc, argv, migrateForm);
 }
 
 void printExpandHelp(std::string_view programPath) {
@@ -249,7 +264,7 @@ int runExpand(int argc, char** argv) {
             throw console::UsageError(ErrorTag::coloured,
                                       "expand never overwrites its input; choose a different --output path");
         }
-        return convert(expandForm, options, false);
+        return convert(expandForm, options);
     } catch (const console::UsageError& error) {
         return console::reportUsageError(error);
     }

@@ -20,20 +20,15 @@ using taskdsl::ValueMap;
 
 namespace {
 
-bool isNameByte(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '-';
-}
-
 /// A key that every reader of the prelude takes as it stands.
 bool isPlainKey(std::string_view key) noexcept {
-    return !key.empty() && (isLetter(key.front()) || key.front() == '_') &&
-           std::all_of(key.begin(), key.end(), isNameByte) && key != "define" && key != "matrix" &&
-           !equalsNoCase(key, "null");
+    return !key.empty() && isWordStart(key.front()) && std::all_of(key.begin(), key.end(), isKeyChar) &&
+           key != "define" && key != "matrix" && !equalsNoCase(key, "null");
 }
 
 /// A value that YAML takes as it stands, bare or between double quotes: printable ASCII.
 bool isPlainSettingValue(std::string_view value) noexcept {
-    return value.empty() || (isNameByte(value.front()) && std::all_of(value.begin(), value.end(), [](char c) {
+    return value.empty() || (isKeyChar(value.front()) && std::all_of(value.begin(), value.end(), [](char c) {
                                  return c >= ' ' && c <= '~';
                              }));
 }

@@ -20,6 +20,7 @@
 namespace morquill::views {
 
 using taskdsl::DiagnosticError;
+using taskdsl::Placeholders;
 using taskdsl::TaskDocument;
 using taskdsl::TaskInfo;
 using taskdsl::ValueMap;
@@ -93,16 +94,14 @@ bool isSourceWord(std::string_view text) noexcept {
 
 bool hasPlainSource(const TaskInfo& task) noexcept {
     if (taskdsl::hasStructuredSource(task)) {
-        return std::all_of(task.sourceBindings.begin(), task.sourceBindings.end(), isPlainBinding);
+        const auto& bindings = sourceBindings(task);
+        return std::all_of(bindings.begin(), bindings.end(), isPlainBinding);
     }
-    if (!isPlainWord(task.source)) {
-        return false;
+    if (const auto& names = sourceTasks(task); !names.empty()) {
+        return names.size() == 1 && isPlainWord(names.front()) && !isSourceWord(names.front());
     }
-    if (task.sourceTasks.empty()) {
-        return task.source == "origin" || task.source == "restart" || task.source.starts_with("xyz=");
-    }
-    return task.sourceTasks.size() == 1 && task.sourceTasks.front() == task.source &&
-           !isSourceWord(task.source);
+    const auto* xyz = std::get_if<taskdsl::SourceXyz>(&task.source);
+    return xyz == nullptr ? hasSimpleSource(task) : isPlainWord(xyz->file) && xyz->furtherWords.empty();
 }
 
 bool hasPlainBatch(const TaskInfo& task) noexcept {
@@ -130,9 +129,6 @@ bool isPlainMod(const taskdsl::ModEntry& entry) {
 }
 
 bool hasPlainMods(const TaskInfo& task) {
-    if (task.modEntries.empty()) {
-        return task.modValues.empty();
-    }
     return std::all_of(task.modEntries.begin(), task.modEntries.end(), isPlainMod);
 }
 
@@ -162,7 +158,8 @@ bool hasPlainPayload(const TaskInfo& task) {
 
 bool isPlainTask(const TaskInfo& task) {
     return isPlainWord(task.name) && hasPlainSource(task) && hasPlainBatch(task) && hasPlainControl(task) &&
-           std::all_of(task.whenConditions.begin(), task.whenConditions.end(), isPlainLine) &&
+           std::all_of(task.whenEntries.begin(), task.whenEntries.end(),
+                       [](const auto& condition) { return isPlainLine(condition.text); }) &&
            hasPlainPayload(task) &&
            std::all_of(task.preProcessCommands.begin(), task.preProcessCommands.end(), isPlainCommand) &&
            std::all_of(task.processCommands.begin(), task.processCommands.end(), isPlainCommand) &&
@@ -174,8 +171,8 @@ bool isPlainTask(const TaskInfo& task) {
 /// The key and the words of every `%mod` operation: blanks and tabs between words are alike.
 std::vector<Texts> modsOf(const TaskInfo& task) {
     std::vector<Texts> operations;
-    for (const auto& entry : taskdsl::modEntriesOf(task)) {
-        const auto operation = taskdsl::normalizeMod(entry.key, entry.value, false);
+    for (const auto& entry : task.modEntries) {
+        const auto operation = taskdsl::normalizeMod(entry.key, entry.value, Placeholders::allowed);
         const std::string value = taskdsl::formatModValue(operation);
         const auto words = splitBlank(value);
         Texts& key = operations.emplace_back(Texts{taskdsl::formatModKey(operation)});
@@ -213,8 +210,7 @@ struct PartRow {
 };
 
 constexpr std::array<PartRow, 18> parts{{
-    {"%source", Payload::none,
-     [](const TaskInfo& a, const TaskInfo& b) { return sourceSpecOf(a) == sourceSpecOf(b); }},
+    {"%source", Payload::none, [](const TaskInfo& a, const TaskInfo& b) { return a.source == b.source; }},
     {"%program", Payload::none, [](const TaskInfo& a, const TaskInfo& b) { return a.program == b.program; }},
     {"%batch", Payload::none, sameBatch},
     {"%control gpu_type", Payload::none,
@@ -224,7 +220,7 @@ constexpr std::array<PartRow, 18> parts{{
      [](const TaskInfo& a, const TaskInfo& b) { return a.finalGeom == b.finalGeom; }},
     {"%control", Payload::none, sameFlags},
     {"%when", Payload::none,
-     [](const TaskInfo& a, const TaskInfo& b) { return a.whenConditions == b.whenConditions; }},
+     [](const TaskInfo& a, const TaskInfo& b) { return whenConditions(a) == whenConditions(b); }},
     {"%keywords", Payload::keywords,
      [](const TaskInfo& a, const TaskInfo& b) { return a.keywords == b.keywords; }},
     {"%args", Payload::args, [](const TaskInfo& a, const TaskInfo& b) { return a.args == b.args; }},
@@ -280,42 +276,74 @@ bool beginsLoopOrBlock(std::string_view line) {
     return opensBlock(kind) || kind == taskdsl::LineKind::end || kind == taskdsl::LineKind::loop;
 }
 
-/// Names the first line of a printed heredoc that `test` holds for.
-std::optional<std::string> findHeredocLine(const TaskInfo& task, bool (*test)(std::string_view)) {
-    for (const auto& row : longTexts) {
-        const std::string& text = task.*row.text;
-        const bool isHeredoc =
-            row.payload != Payload::keywords || text.find_first_of("\n\r") != std::string::npos;
-        if (!isHeredoc || !printsPayload(task.program, row.payload)) {
-            continue;
-        }
-        for (const auto line : splitLines(text)) {
-            if (test(line)) {
-                return std::string(row.what) + " holds a line " + inQuotes(trim(line));
-            }
+/// The text of a row where the task prints it as a heredoc; empty otherwise.
+std::string heredocOf(const TaskInfo& task, const LongText& row) {
+    if (!printsPayload(task.program, row.payload)) {
+        return {};
+    }
+    std::string text =
+        row.payload == Payload::extraInput ? taskdsl::resolvedExtraInput(task) : task.*row.text;
+    const bool isHeredoc =
+        row.payload != Payload::keywords || text.find_first_of("\n\r") != std::string::npos;
+    return isHeredoc ? text : std::string();
+}
+
+/// The first line of the row's heredoc that `test` holds for, in words.
+std::optional<std::string> findHeredocLine(const TaskInfo& task, const LongText& row,
+                                           bool (*test)(std::string_view)) {
+    const std::string text = heredocOf(task, row);
+    for (const auto line : splitLines(text)) {
+        if (test(line)) {
+            return std::string(row.what) + " holds a line " + inQuotes(trim(line));
         }
     }
     return std::nullopt;
 }
 
+/// Takes the texts that end their own heredoc out of the task and out of its printed block, so that the rest
+/// can be read; returns what is wrong with them.
+Texts takeOutEndedTexts(TaskInfo& task, std::string& block) {
+    Texts reasons;
+    for (const auto& row : longTexts) {
+        auto ended = findHeredocLine(task, row, endsHeredoc);
+        if (!ended) {
+            continue;
+        }
+        reasons.push_back(*std::move(ended));
+        const std::string heredoc =
+            "  " + std::string(row.what) + " << EOF\n" + heredocOf(task, row) + "\nEOF\n";
+        if (const auto at = block.find(heredoc); at != std::string::npos) {
+            block.erase(at, heredoc.size());
+        }
+        (task.*row.text).clear();
+        if (row.payload == Payload::extraInput) {
+            task.orcaBlock.clear();
+        }
+    }
+    return reasons;
+}
+
 /// Reads a printed task back and says what has become of it.
-Texts readBackFaults(const TaskInfo& task, std::string_view printed) {
-    if (auto ended = findHeredocLine(task, endsHeredoc)) {
-        return {*std::move(ended)};
-    }
+Texts readBackFaults(TaskInfo task, std::string_view printed) {
+    std::string block(printed);
+    Texts reasons = takeOutEndedTexts(task, block);
+    const auto add = [&reasons](std::string reason) { reasons.push_back(std::move(reason)); };
     try {
-        const taskdsl::TaskParser parser({.toleratesMultiSource = true});
-        const TaskDocument read = parser.parseDeclaredTasks(printed);
+        const TaskDocument read = taskdsl::TaskParser().parseDeclaredTasks(block);
         if (read.tasks.size() == 1 && read.plots.empty() && read.derives.empty()) {
-            return changedParts(task, read.tasks.front());
+            std::ranges::for_each(changedParts(task, read.tasks.front()), add);
+        } else {
+            add("its block reads back as something else");
         }
-        return {"its block reads back as something else"};
     } catch (const DiagnosticError& fault) {
-        if (auto block = findHeredocLine(task, beginsLoopOrBlock)) {
-            return {*std::move(block)};
-        }
-        return {"what is printed is refused: " + oneLine(fault.message())};
+        const auto* row =
+            std::find_if(longTexts.begin(), longTexts.end(), [&task](const LongText& candidate) {
+                return findHeredocLine(task, candidate, beginsLoopOrBlock).has_value();
+            });
+        add(row != longTexts.end() ? *findHeredocLine(task, *row, beginsLoopOrBlock)
+                                   : "what is printed is refused: " + oneLine(fault.message()));
     }
+    return reasons;
 }
 
 std::optional<std::string> firstDefinedKey(std::string_view text, const ValueMap& values) {
@@ -349,7 +377,7 @@ ValueMap nameValues(const ReadBackContext& context) {
 bool isChangedByDefines(const TaskInfo& task, const ValueMap& defines) {
     TaskInfo again = task;
     try {
-        substituteTask(again, defines, true);
+        substituteTask(again, defines);
     } catch (const DiagnosticError&) {
         return true;
     }

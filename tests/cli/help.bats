@@ -1,83 +1,14 @@
 # The overview of all commands: its whole text, its colours, and how standard output may end.
 bats_require_minimum_version 1.5.0
+load golden
 
 setup() {
     unset NO_COLOR
     export TERM=xterm SHELL=/bin/sh
 }
 
-top_help() {
-    cat <<'TEXT'
-  Mqkit: A unified entry point for .mq and .projmq workflows.
-Usage:
-  mqkit <command> [options]
-  mqkit help <command>
-  Commands accept unique prefixes, for example mqkit proj co.
-
-Commands:
-  template   Manage templates: list, group by category, merge, or generate variable templates
-  project    Manage projects: initialize, add structures, update, rebuild, batch exec, batch collect
-  rename     Rename task blocks in .mq / .projmq files and synchronize derived artifacts
-  fmt        Reformat a task file into canonical DSL v2 layout
-  migrate    Convert legacy task syntax into canonical DSL v2 output
-  expand     Flatten includes, fragments, libraries, and optional matrix variants into canonical DSL
-  explain    Parse a .mq file and explain task blocks, directives, and source spans
-  lint       Run static checks for .mq files and directories
-
-Examples:
-  mqkit template merge opt freq -o task.mq
-  mqkit project add --path ./demo_project mol1.xyz mol2.xyz
-  mqkit project update --path ./demo_project
-  mqkit project rebuild --path ./demo_project -n opt,soc --run-script
-  mqkit project exec --path demo.projmq -n soc -- 'cat soc*.log'
-  mqkit rename demo.projmq old_block new_block
-  mqkit migrate legacy.mq --in-place
-  mqkit expand task.mq --expanded -o flattened.mq
-  mqkit explain task.mq --task opt --expanded
-  mqkit fmt task.mq -o formatted.mq
-  mqkit lint --strict ./cases
-
-Tool split:
-  Use mqdb for all database sync/query/template/compare workflows; mqkit stays focused on templates, projects, rename, format/migrate/expand/explain, and lint.
-TEXT
-}
-
-# The same on a terminal; C, Y, G and N stand for the escape sequences of the styles and their end.
-colored_help() {
-    sed -e $'s/{C}/\e[1m\e[36m/g; s/{Y}/\e[1m\e[33m/g; s/{G}/\e[32m/g; s/{N}/\e[0m/g' <<'TEXT'
-  Mqkit: A unified entry point for .mq and .projmq workflows.
-{C}Usage:{N}
-  {G}mqkit <command> [options]{N}
-  {G}mqkit help <command>{N}
-  Commands accept unique prefixes, for example {G}mqkit proj co{N}.
-
-{C}Commands:{N}
-  {G}template  {N} Manage templates: list, group by category, merge, or generate variable templates
-  {G}project   {N} Manage projects: initialize, add structures, update, rebuild, batch exec, batch collect
-  {G}rename    {N} Rename task blocks in .mq / .projmq files and synchronize derived artifacts
-  {G}fmt       {N} Reformat a task file into canonical DSL v2 layout
-  {G}migrate   {N} Convert legacy task syntax into canonical DSL v2 output
-  {G}expand    {N} Flatten includes, fragments, libraries, and optional matrix variants into canonical DSL
-  {G}explain   {N} Parse a .mq file and explain task blocks, directives, and source spans
-  {G}lint      {N} Run static checks for .mq files and directories
-
-{C}Examples:{N}
-  {G}mqkit template merge opt freq -o task.mq{N}
-  {G}mqkit project add --path ./demo_project mol1.xyz mol2.xyz{N}
-  {G}mqkit project update --path ./demo_project{N}
-  {G}mqkit project rebuild --path ./demo_project -n opt,soc --run-script{N}
-  {G}mqkit project exec --path demo.projmq -n soc -- 'cat soc*.log'{N}
-  {G}mqkit rename demo.projmq old_block new_block{N}
-  {G}mqkit migrate legacy.mq --in-place{N}
-  {G}mqkit expand task.mq --expanded -o flattened.mq{N}
-  {G}mqkit explain task.mq --task opt --expanded{N}
-  {G}mqkit fmt task.mq -o formatted.mq{N}
-  {G}mqkit lint --strict ./cases{N}
-
-{Y}Tool split:{N}
-  Use {G}mqdb{N} for all database sync/query/template/compare workflows; {G}mqkit{N} stays focused on templates, projects, rename, format/migrate/expand/explain, and lint.
-TEXT
-}
+top_help() { plain_help overview; }
+colored_top_help() { colored_help overview; }
 
 # Runs a shell command with a terminal in place of both streams; line ends are what the program wrote.
 on_terminal() {
@@ -114,14 +45,14 @@ expect_text() { diff "$1" <("$2"); }
 
 @test "a terminal gets headings and commands in colour" {
     on_terminal "'$MQKIT' help" >"$BATS_TEST_TMPDIR/out"
-    expect_text "$BATS_TEST_TMPDIR/out" colored_help
+    expect_text "$BATS_TEST_TMPDIR/out" colored_top_help
 }
 
 @test "TERM=dumb switches colour off, TERM=dumber does not" {
     TERM=dumb on_terminal "'$MQKIT' help" >"$BATS_TEST_TMPDIR/out"
     expect_text "$BATS_TEST_TMPDIR/out" top_help
     TERM=dumber on_terminal "'$MQKIT' help" >"$BATS_TEST_TMPDIR/out"
-    expect_text "$BATS_TEST_TMPDIR/out" colored_help
+    expect_text "$BATS_TEST_TMPDIR/out" colored_top_help
 }
 
 @test "NO_COLOR switches colour off by its presence, also when empty" {
@@ -145,7 +76,7 @@ unknown_and_help() {
 
 colored_unknown_and_help() {
     echo $'\e[1m\e[31m[mqkit][ERROR]\e[0m unknown command or argument: nothing'
-    colored_help
+    colored_top_help
 }
 
 @test "--no-color as the first argument is an unknown argument" {
@@ -161,7 +92,7 @@ colored_unknown_and_help() {
 
 @test "each stream is coloured for itself" {
     run on_terminal "'$MQKIT' nothing 2>'$BATS_TEST_TMPDIR/err'"
-    [ "$output" = "$(colored_help)" ]
+    [ "$output" = "$(colored_top_help)" ]
     [ "$(cat "$BATS_TEST_TMPDIR/err")" = "[mqkit][ERROR] unknown command or argument: nothing" ]
     run on_terminal "'$MQKIT' nothing >'$BATS_TEST_TMPDIR/out'"
     [ "$output" = $'\e[1m\e[31m[mqkit][ERROR]\e[0m unknown command or argument: nothing' ]

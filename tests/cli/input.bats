@@ -51,8 +51,9 @@ holds() { printf '%s' "$2" | diff - "$1"; }
 @test "a pipe that is to be overwritten, directories and devices are refused" {
     mkfifo pipe
     mkdir dir
-    refused "could not open file: pipe" fmt -i pipe
-    refused "could not open file: pipe" migrate --in-place pipe
+    refused "--in-place needs a regular file to write to, pipe is none" fmt -i pipe
+    refused "--in-place needs a regular file to write to, pipe is none" migrate --in-place pipe
+    refused "--in-place needs a regular file to write to, /dev/stdin is none" fmt /dev/stdin -i < <(echo '$a')
     refused "could not open file: dir" fmt dir
     refused "could not open file: /dev/null" expand /dev/null
     expect 1 "" $'could not open file: /dev/zero\n' explain /dev/zero
@@ -177,8 +178,6 @@ define:
 
 $t
   %source first
-  %control
-    totcore 4
   %keywords "[k] [m] [x]"
 
 @derive d
@@ -251,4 +250,24 @@ $t
         holds $target "$whole"
         cp kept.mq dir/extra.mq
     done
+}
+
+@test "in-place fmt leaves the header values of the extra files where they are" {
+    printf 'totcore: 8\n' >extra.yaml
+    printf '$m\n%%keywords z\n$n\n%%keywords y\n%%control\n totcore 8\n totmem 4\n' >m.mq
+    "$MQKIT" fmt -i m.mq >/dev/null
+    diff m.mq - <<'END'
+dsl_version: 2
+
+$m
+  %source origin
+  %keywords z
+
+$n
+  %source origin
+  %control
+    totcore 8
+    totmem 4
+  %keywords y
+END
 }

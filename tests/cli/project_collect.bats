@@ -206,3 +206,16 @@ available task blocks: opt, soc" ]
     touch results
     expect 1 "" "[mqkit][ERROR] could not create results directory: $root/results" project collect -n opt '*'
 }
+
+@test "what a killed run left unfinished goes with the next" {
+    mkdir results
+    gone="$(sh -c 'echo $$')"
+    echo half >"results/.mqkit-$(uname -n)-$gone-0"
+    echo half >"results/.mqkit-$(uname -n)-$$-0" # that process is there
+    echo half >"results/.mqkit-another.host-$gone-0"
+    run --separate-stderr "$MQKIT" project collect -n opt --dry-run '*.log'
+    [ "$(ls -A results | wc -l)" -eq 3 ]
+    run --separate-stderr "$MQKIT" project collect -n opt '*.log'
+    [ "$status" -eq 0 ]
+    [ "$(cd results && printf '%s\n' .mqkit* * | sort)" = "$(printf '%s\n' ".mqkit-$(uname -n)-$$-0" ".mqkit-another.host-$gone-0" opt_m1.log opt_m2.log | sort)" ]
+}

@@ -114,3 +114,25 @@ available task blocks: opt, soc" ]
         [ "$(cat "$BATS_TEST_TMPDIR/err")" = "" ]
     done
 }
+
+# Ended, if perhaps not yet taken note of by the process that inherited it.
+ended() {
+    for _ in {1..100}; do
+        case "$(ps -o stat= -p "$1")" in '' | Z*) return 0 ;; esac
+        sleep 0.1
+    done
+    kill -9 "$1"
+    return 1
+}
+
+@test "a signal reaches what the shell of the command waits for" {
+    for signal in TERM HUP USR1; do
+        started project exec -n opt -- "sh -c 'echo \$\$ >\"\$RECORD.pid\"; exec sleep 60'; touch later"
+        kill -s "$signal" "$pid"
+        status=0
+        wait "$pid" || status=$?
+        [ "$status" -eq $((128 + $(kill -l "$signal"))) ]
+        ended "$(cat "$RECORD.pid")"
+        [ ! -e m1/opt/later ]
+    done
+}

@@ -184,14 +184,26 @@ $(changes)
     [ "$(tree)" = "$before" ]
 }
 
-@test "a status file that cannot be put back is reported and ends the run" {
+@test "a status file that cannot be put back is kept and reported, and ends the run" {
+    before="$(cat m2/mq.status)"
     sibling morquill "mkdir '$root/m2/mq.status'"
     run --separate-stderr "$MQKIT" project update -n opt --run-comd
     [ "$status" -eq 1 ]
-    [ "$stderr" = "[mqkit][ERROR] failed to restore mq.status: $root/m2/mq.status
+    [ "$stderr" = "[mqkit][ERROR] failed to restore mq.status: $root/m2/mq.status (a directory is in its place; what it held is in $root/m2/mq.status.saved)
 [mqkit][ERROR] update failed." ]
+    [ "$(cat m2/mq.status.saved)" = "$before" ]
     [ "${lines[-1]}" = "[mqkit] execute morquill '$root/demo.projmq' --comd-only" ]
     [ "$(cat m1/mq.status)" = $'opt RENDERED t1 -\nsoc FAILED t2 -' ]
+}
+
+@test "the status of a case that the generator moved away goes with it" {
+    before="$(cat m2/mq.status)"
+    sibling morquill "mv '$root/m2' '$root/moved'"
+    run --separate-stderr "$MQKIT" project update -n opt --run-comd
+    [ "$status" -eq 1 ]
+    [ "$stderr" = "[mqkit][ERROR] failed to restore mq.status: $root/m2/mq.status (its directory is gone; what it held is in $root/moved/mq.status)
+[mqkit][ERROR] update failed." ]
+    [ "$(cat moved/mq.status)" = "$before" ]
 }
 
 @test "an unreadable status file stops the run before the generator" {
@@ -219,7 +231,7 @@ $(changes)
 
 @test "signals put the status files back before they end the program" {
     before="$(tree)"
-    for signal in HUP INT TERM QUIT XCPU ALRM USR1 USR2; do
+    for signal in HUP INT TERM QUIT XCPU ALRM USR1 USR2 ABRT RTMIN RTMIN+5 RTMAX; do
         sibling morquill "$waiting"
         started project update -n opt --run-comd
         [ ! -e m2/mq.status ]

@@ -1,6 +1,7 @@
 # `rename`: a whole project before and after.
 bats_require_minimum_version 1.5.0
 load siblings
+load golden
 
 setup() {
     setup_project
@@ -34,6 +35,17 @@ setup() {
 put() {
     mkdir -p "$(dirname "$1")"
     echo "$2" >"$1"
+}
+
+@test "the help is whole, plain in a pipe and coloured on a terminal" {
+    for words in "rename help" "help rename" "ren -h"; do
+        "$MQKIT" $words >out 2>err
+        diff <(plain_help rename) out
+        [ ! -s err ]
+    done
+    env -u NO_COLOR TERM=xterm SHELL=/bin/sh script -qec "'$MQKIT' rename --help" /dev/null </dev/null |
+        tr -d '\r' >out
+    diff <(colored_help rename) out
 }
 
 @test "a block is renamed everywhere it left a trace" {
@@ -249,4 +261,53 @@ $opt2
     [ "$(cat m1/opt-tight/opt-tight_dir/opt-tight_deep/opt-tight_x)" = 'opt-tight opt  opt-tight' ]
     [ "$(cat m1/mq.status)" = 'opt-tight RENDERED t -' ]
     [ "$(cat m2/soc/in)" = 'geom from opt-tight;opt-tight_m2' ]
+}
+
+@test "a case may not turn another block into one of the new name" {
+    printf '$opt_m1\n%%keywords c\n' >>demo.projmq
+    put m1/mq.status $'opt RENDERED t -\nopt_m1 RENDERED t -'
+    refused "renaming \$opt would also turn \$opt_m1 into \$sp_m1 in case m1" rename demo.projmq opt sp
+    refused "renaming \$opt would also turn \$opt_m1 into \$sp_m1 in case m1" rename m1/m1.mq opt sp
+}
+
+@test "the other task files of the cases are checked, too" {
+    rm m1/m1.mq
+    printf '&INCLUDE ../demo.projmq\n$sp\n%%keywords k\n%%source opt\n' >m1/m1.mq
+    refused "target block already exists: \$sp (in $root/m1/m1.mq)" rename demo.projmq opt sp
+    rm m2/m2.mq
+    printf '$opt\n%%keywords k\n' >m2/m2.mq
+    printf '$sp\n%%keywords k\n' >m2/second.mq
+    refused "target block already exists: \$sp (in $root/m2/second.mq)" rename m2/m2.mq opt sp
+}
+
+@test "a key that is replaced in the new name is refused, and blocks that would become one" {
+    printf 'define:\n  size: big\npairs:\n  - name: p\n  - name: q\n$opt\n%%keywords k\n@foreach pairs\n$lp_[pairs.name]\n%%keywords k\n@end\n' >demo.projmq
+    refused "a block name cannot hold [size], which is replaced with its value: \$opt_[size]" rename demo.projmq opt 'opt_[size]'
+    refused "with \$lp for \$lp_[pairs.name] several blocks would be named \$lp" rename demo.projmq 'lp_[pairs.name]' lp
+}
+
+@test "a reference that would dangle is refused, nothing is touched" {
+    printf '$soc\n%%source opt\n%%keywords k\n' >common.mq
+    printf '&INCLUDE common.mq\n$opt\n%%keywords k\n' >demo.projmq
+    refused "with \$new for \$opt the reference to 'opt' in $root/common.mq would be left behind" rename demo.projmq opt new
+    printf '$opt\n%%keywords k\n$soc\n%%keywords k\n%%control\n  guess opt\n' >demo.projmq
+    refused "with \$true for \$opt the task file would no longer say the same" rename demo.projmq opt true
+}
+
+@test "a file name that would be too long is refused, nothing is touched" {
+    long="opt_$(printf 'x%.0s' {1..248})"
+    put "m1/opt/deep/$long" -
+    refused "renaming \$opt would make a file name longer than 255 bytes: $root/m1/opt/deep/$long" rename demo.projmq opt opt1234
+    run --separate-stderr "$MQKIT" rename demo.projmq opt opt123
+    [ "$status" -eq 0 ]
+    [ -e "m1/opt123/deep/opt123_${long#opt_}" ]
+}
+
+@test "a byte order mark before the include stub hides nothing" {
+    rm m2/m2.mq
+    printf '\xEF\xBB\xBF&INCLUDE ../demo.projmq\n' >m2/m2.mq
+    run --separate-stderr "$MQKIT" rename m2/m2.mq opt new
+    [ "$status" -eq 0 ]
+    [ "${lines[1]}" = "  cases processed: 2" ]
+    [ "$(head -n 1 demo.projmq)" = '$new' ]
 }

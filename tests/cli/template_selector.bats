@@ -335,11 +335,12 @@ stopped() {
     return 1
 }
 
-# gone: the program has ended.
+# gone: the program has ended; whether the shell has taken note of it yet is the shell's business.
 gone() {
     local i
     for i in $(seq 100); do
         [ -n "$(program)" ] || return 0
+        [[ $(ps -o stat= -p "$(program)") == Z* ]] && return 0
         sleep 0.05
     done
     ps -o pid,stat,wchan,args -p "$(program)" >&2

@@ -163,7 +163,8 @@ TEST(ConsoleColor, EachCodeHasItsSequence) {
 TEST_F(Color, WrappersColourATerminal) {
     const auto text = throughTerminal({STDOUT_FILENO, STDERR_FILENO}, [] {
         writeOut(cyanHeading("A") + "|" + yellowHeading("B") + "|" + greenText("C") + "|" + errorTag("tool") +
-                 "|" + errorTag("") + "|" + styled("D", ConsoleColor::magenta, false, true));
+                 "|" + errorTag("") + "|" +
+                 styled("D", ConsoleColor::magenta, Weight::normal, Stream::error));
     });
     EXPECT_EQ(text, "\x1b[1m\x1b[36mA\x1b[0m|\x1b[1m\x1b[33mB\x1b[0m|\x1b[32mC\x1b[0m|"
                     "\x1b[1m\x1b[31m[tool][ERROR]\x1b[0m|\x1b[1m\x1b[31m[mqkit][ERROR]\x1b[0m|"

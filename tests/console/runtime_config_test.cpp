@@ -1,8 +1,10 @@
 #include "console/runtime_config.h"
 
 #include "fixtures/console_fixtures.h"
+#include "fixtures/golden.h"
 #include "fixtures/temporary_directory.h"
 #include "support/file.h"
+#include "support/text.h"
 
 #include <filesystem>
 
@@ -48,44 +50,17 @@ class RuntimeConfigTest : public ::testing::Test {
 };
 
 TEST_F(RuntimeConfigTest, EveryKeyHasItsDefault) {
-    const std::pair<std::string_view, std::string_view> rows[] = {
-        {"MORQUILL_SCRIPTS_PATH", "~/.morq/task/scripts"},
-        {"MORQUILL_WFN_EXAMPLES_PATH", "~/.morq/task/multiwfn_templates"},
-        {"MORQUILL_ORCA_TEMPLATES_PATH", ""},
-        {"MORQUILL_EXTERNAL_SCRIPTS_PATH", "~/.morq/task/external"},
-        {"MORQUILL_TASK_PATH", "."},
-        {"MORQUILL_LOG_PATH", ""},
-        {"MORQUILL_TEMPLATE_PATH", "~/.morq/task/mq_templates"},
-        {"MORQUILL_MQLIB_PATH", "~/.morq/task/mqlib"},
-        {"MORQUILL_OTHER_TEMPLATES_PATH", "~/.morq/task/other_templates"},
-        {"MORQUILL_MORQWFN_PATH", ""},
-        {"MORQUILL_ENVCONF_PATH", "~/.morq/task/envs"},
-        {"MORQUILL_MQRUN_PATH", ""},
-        {"MORQUILL_MQDB_PATH", ""},
-        {"MQMETHOD_REFS_PATH", ""},
-        {"MORQUILL_GNUPLOT", "gnuplot"},
-        {"MQRUN_PROFILE_DIR", ""},
-        {"MQRUN_DEFAULT_BACKEND", "auto"},
-        {"MQRUN_SELECTION_MODE", "local_first"},
-        {"MQRUN_ALLOW_AUTO_REMOTE", "false"},
-        {"MQRUN_TASK_CONFIG_DIR", ""},
-        {"MQRUN_QUEUE_DIR", "~/.morq/taskq"},
-        {"MQRUN_TOTAL_CORES", ""},
-        {"MQRUN_TOTAL_GPUS", ""},
-        {"MQRUN_GPU_IDS", ""},
-        {"MQRUN_FOLLOW_LOGS", "false"},
-        {"MQRUN_DEBUG_BUNDLE_ON_FAIL", "true"},
-        {"MQRUN_DEBUG_BUNDLE_DIR", "_mqrun_debug"},
-        {"MQRUN_DEFAULT_CORES", "32"},
-        {"MQRUN_DEFAULT_CORES_FOR_MAX_MEM", "64"},
-        {"MQRUN_HIGH_MEMORY_THRESHOLD_MB", "3000"},
-        {"MQRUN_PHYSICAL_CPU_NUM", ""},
-        {"morquill_gnuplot", ""}, // keys are compared exactly
-        {"OTHER", ""},
-        {"", ""},
-    };
-    for (const auto& [key, value] : rows) {
-        EXPECT_EQ(defaultConfigValue(key), value) << key;
+    const std::string table = golden::text("config_defaults.txt");
+    std::size_t keys = 0;
+    for (const auto line : splitLines(table)) {
+        const auto middle = line.find('=');
+        ASSERT_NE(middle, std::string_view::npos) << line;
+        EXPECT_EQ(defaultConfigValue(line.substr(0, middle)), line.substr(middle + 1)) << line;
+        ++keys;
+    }
+    EXPECT_EQ(keys, 31U);
+    for (const char* other : {"morquill_gnuplot", "OTHER", ""}) { // keys are compared exactly
+        EXPECT_EQ(defaultConfigValue(other), "") << other;
     }
 }
 

@@ -1,4 +1,4 @@
-#include "project/workflows.h"
+#include "project/project_command.h"
 
 #include "fixtures/scratch_tree.h"
 
@@ -19,7 +19,7 @@ class Add : public ScratchTree {
         options.path = path;
         options.xyzFiles = files;
         options.dryRun = dryRun;
-        return run("", [&] { return runProjectAdd(options, "/usr/bin/mqkit"); });
+        return run("", [&] { return runProjectWorkflow(options, "/usr/bin/mqkit"); });
     }
     [[nodiscard]] std::string header(const std::string& files) const {
         return "\n[Project Add]\n  project template: " + at("p/demo.projmq") +

@@ -1,3 +1,5 @@
+#include "project/project_command.h"
+
 #include "fixtures/project_tree.h"
 
 namespace morquill::project {
@@ -20,7 +22,7 @@ class Collect : public ProjectTree {
         ProjectOptions chosen = options(ProjectSubCommand::Collect, std::move(names));
         chosen.patterns = std::move(patterns);
         chosen.dryRun = dryRun;
-        return run("", [&] { return runProjectCollect(chosen, "mqkit"); });
+        return run("", [&] { return runProjectWorkflow(chosen, "mqkit"); });
     }
 };
 

@@ -1,3 +1,5 @@
+#include "project/project_command.h"
+
 #include "fixtures/project_tree.h"
 
 namespace morquill::project {
@@ -14,7 +16,7 @@ class Exec : public ProjectTree {
         ProjectOptions chosen = options(ProjectSubCommand::Exec, std::move(names));
         chosen.command = command;
         chosen.dryRun = dryRun;
-        return run("", [&] { return runProjectExec(chosen, "mqkit"); });
+        return run("", [&] { return runProjectWorkflow(chosen, "mqkit"); });
     }
 };
 
@@ -70,7 +72,7 @@ TEST_F(Exec, NeedsACommandAndACase) {
     ProjectOptions none = options(ProjectSubCommand::Exec, {"opt"});
     none.path = "bare";
     none.command = "true";
-    const Output output = run("", [&] { return runProjectExec(none, "mqkit"); });
+    const Output output = run("", [&] { return runProjectWorkflow(none, "mqkit"); });
     EXPECT_EQ(output.status, 1);
     EXPECT_EQ(output.err,
               "[mqkit][ERROR] no case subdirectories were found in project: " + at("bare") + "\n");

@@ -1,5 +1,6 @@
 #include "project/project_command.h"
 
+#include "fixtures/golden.h"
 #include "fixtures/scratch_tree.h"
 
 namespace morquill::project {
@@ -9,66 +10,7 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-constexpr std::string_view help = R"(Usage:
-  mqkit project [command] <options>
-  Project commands accept unique prefixes, for example mqkit proj co.
-Commands:
-  init
-      -- Creates a project skeleton in the current directory.
-  add [--path <project_dir|xxx.projmq>] [--dry-run] <xyz...>
-      -- Imports one or more xyz files, creates case directories, and wires them into the main .projmq file.
-  update [--path <project_dir|xxx.projmq|case_dir|case.mq>] [-n <task>[,<task>...]] [--run-comd] [--dry-run]
-      -- Refreshes only the selected task blocks' pre_comd / comd content, effectively using morquill --comd-only.
-      -- If comd is not executed immediately, mqkit_update_comd.sh is written for later scheduler/direct execution.
-      -- May enter interactive task selection when -n is omitted.
-  rebuild [--path <project_dir|xxx.projmq|case_dir|case.mq>] [-n <task>[,<task>...]] [--run-script] [--dry-run]
-      -- Cleans and reruns selected task blocks completely, without --comd-only.
-      -- When --path points to a case directory or .mq, only that one case is rebuilt.
-      -- May enter interactive task selection when -n is omitted.
-  exec [--path <project_dir|xxx.projmq>] -n <task>[,<task>...] [--dry-run] -- <cmd...>
-      -- Runs one command in each selected task directory.
-      -- Requires explicit task names via -n; accepts wildcards such as -n 'opt*' or -n '*'.
-  exec [--path <project_dir|xxx.projmq>] -n <task>[,<task>...] --cmd "<cmd...>"
-      -- Same as the shell-separator form above, but passes the command as one quoted string.
-  collect [--path <project_dir|xxx.projmq>] -n <task>[,<task>...] [--dry-run] <glob...>
-      -- Gathers matching files from selected task directories.
-      -- Requires explicit task names via -n; accepts wildcards such as -n 'frag*' or -n '*'.
-Options:
-  --path [project_dir|xxx.projmq|case_dir|case.mq]
-      For update/rebuild: accepts a project directory, explicit .projmq, case directory, or case .mq file
-      For add/exec/collect: use a project directory or explicit .projmq
-      If omitted, the unique .projmq in the current directory is preferred
-  -n, --name [task][,task...]
-      Task block names; may be repeated or comma-separated, e.g. -n opt -n soc or -n opt,soc
-  --dry-run
-      Show the planned actions without modifying files
-  --run-comd
-      For update only: execute comd after regenerating scripts; otherwise write mqkit_update_comd.sh for later use
-  --run-script
-      For rebuild only: run the configured mqrun kick command after the full rebuild
-  --cmd <command>
-      For exec only: pass the command as one quoted string
-Examples:
-  mqkit project init
-  mqkit project add --path demo.projmq mol1.xyz mol2.xyz
-  mqkit project update --path ./demo_project
-  mqkit project update --path demo.projmq -n opt,soc --run-comd
-  mqkit project update --path ./demo_project/mol1/mol1.mq -n opt
-  mqkit project rebuild --path demo.projmq -n opt,soc --run-script
-  mqkit project rebuild --path ./demo_project/mol1 -n opt
-  mqkit project exec --path demo.projmq -n soc -- 'cat soc*.log'
-  mqkit project exec -n 'opt*' -- 'echo [taskname]'
-  mqkit project exec --path ./demo_project -n opt --cmd "grep Normal *.log"
-  mqkit project collect --path ./demo_project -n soc 'plot/*.png' '*.txt'
-  mqkit proj co --path ./demo_project -n soc '*.log'
-Compatibility forms:
-  mqkit -u ./demo_project -n opt --run-comd
-      Equivalent to: mqkit project update --path ./demo_project -n opt --run-comd
-  mqkit demo.projmq -n opt --rebuild --run-script
-      Equivalent to: mqkit project rebuild --path demo.projmq -n opt --run-script
-  mqkit demo.projmq -n soc --exec 'cat soc*.log'
-      Equivalent to: mqkit project exec --path demo.projmq -n soc -- 'cat soc*.log'
-)";
+const std::string help = golden::plainHelp("project");
 
 class ProjectCommand : public ScratchTree {
   protected:
@@ -109,6 +51,14 @@ TEST_F(ProjectCommand, AParseFailureShowsTheHelp) {
     const Output nothing = call(runUpdateCompatibility, {"mqkit"});
     EXPECT_EQ(nothing.status, 1);
     EXPECT_EQ(nothing.out + nothing.err, "");
+}
+
+TEST_F(ProjectCommand, AHelpWordInALineThatCouldBeReadIsNoQuestion) {
+    write("demo.projmq", "$opt\n%keywords a\n");
+    expectHelp(call(runProject, {"mqkit", "project", "exec", "-n", "x", "--", "ls", "--help"}), 1,
+               "[mqkit][ERROR] task block not found in .projmq: x\navailable task blocks: opt\n");
+    expectHelp(call(runProject, {"mqkit", "project", "exec", "-n", "help", "--cmd", "ls"}), 1,
+               "[mqkit][ERROR] task block not found in .projmq: help\navailable task blocks: opt\n");
 }
 
 TEST_F(ProjectCommand, AddTakesNoBlockNames) {

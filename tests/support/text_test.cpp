@@ -16,6 +16,30 @@ TEST(Text, TrimTakesOnlyBlankTabReturnAndFeed) {
     EXPECT_EQ(trimLeft("  a "), "a ");
 }
 
+TEST(Text, CharacterClassesGrowByOneByte) {
+    const auto membersOf = [](auto isMember) {
+        std::string members;
+        for (int byte = 0; byte < 256; ++byte) {
+            const auto c = static_cast<char>(byte);
+            members.append(isMember(c) && !isLetter(c) && !isDigit(c) ? 1 : 0, c);
+        }
+        return members;
+    };
+    EXPECT_EQ(membersOf(isWordChar), "_");
+    EXPECT_EQ(membersOf(isWordStart), "_");
+    EXPECT_EQ(membersOf(isNameChar), "-_");
+    EXPECT_EQ(membersOf(isDottedWordChar), "._");
+    EXPECT_EQ(membersOf(isKeyChar), "-._");
+    EXPECT_TRUE(isWordChar('0') && isWordChar('z') && isWordStart('Z') && !isWordStart('9'));
+}
+
+TEST(Text, SkippingSpaceStopsAtTheEnd) {
+    EXPECT_EQ(skipSpace(" \t\v\f\r\na b"), 6U);
+    EXPECT_EQ(skipSpace("a b", 1), 2U);
+    EXPECT_EQ(skipSpace("a ", 1), 2U);
+    EXPECT_EQ(skipSpace("\xA0"), 0U);
+}
+
 TEST(Text, LoweringIsAsciiOnly) {
     EXPECT_EQ(toLower("AZ\xC4z"), "az\xC4z");
     EXPECT_TRUE(equalsNoCase("Gaussian", "gAUSSIAN"));

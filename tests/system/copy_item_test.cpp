@@ -1,9 +1,16 @@
 #include "system/copy_item.h"
+#include "system/signal_guard.h"
 
 #include "fixtures/file_size_limit.h"
 #include "fixtures/scratch_tree.h"
 
+#include <array>
+#include <csignal>
+
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace morquill::system {
 namespace {
@@ -171,6 +178,55 @@ TEST_F(CopyItem, NeverCopiesSomethingIntoItselfOrOverWhatHoldsIt) {
     EXPECT_FALSE(copyItem(at("plot/link"), at("plot/link")));
     EXPECT_EQ(tree(), before);
     EXPECT_TRUE(copyItem(at("plot"), at("plot2"))); // a name that only begins alike
+}
+
+/// The host part of the names of unfinished copies.
+std::string unfinished(pid_t process) {
+    std::array<char, 65> host{};
+    EXPECT_EQ(::gethostname(host.data(), host.size() - 1), 0);
+    return ".mqkit-" + std::string(host.data()) + "-" + std::to_string(process) + "-0";
+}
+
+TEST_F(CopyItem, StopsAtASignalAndTakesTheUnfinishedCopyAway) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const rlimit none{0, 0};
+        ::setrlimit(RLIMIT_CORE, &none);
+        std::signal(SIGTERM, SIG_DFL);
+        dir("plot");
+        write("plot/a", "1");
+        dir("results");
+        const SignalGuard guard;
+        ::raise(SIGTERM);
+        const bool copied =
+            copyItem(at("plot"), at("results/plot")) || copyItem(at("plot/a"), at("results/a"));
+        write("copied", copied ? "yes" : "no");
+        ::_exit(42);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(readTextFile(at("copied")), "no");
+    EXPECT_THAT(tree("results"), ElementsAre());
+}
+
+TEST_F(CopyItem, RemovesTheUnfinishedCopiesOfProcessesThatAreGone) {
+    const pid_t gone = ::fork();
+    if (gone == 0) {
+        ::_exit(0);
+    }
+    ASSERT_EQ(::waitpid(gone, nullptr, 0), gone);
+    write("results/" + unfinished(gone) + "/half", "1");
+    write("results/" + unfinished(gone) + "1", "2");
+    write("results/" + unfinished(::getpid()), "alive");
+    write("results/.mqkit-elsewhere.x-" + std::to_string(gone) + "-0", "of another host");
+    write("results/" + unfinished(gone) + "x", "no number");
+    write("results/opt.log", "3");
+    removeStaleCopies(at("results"));
+    EXPECT_THAT(tree("results"), ::testing::UnorderedElementsAre(
+                                     unfinished(::getpid()) + " = alive",
+                                     ".mqkit-elsewhere.x-" + std::to_string(gone) + "-0 = of another host",
+                                     unfinished(gone) + "x = no number", "opt.log = 3"));
+    removeStaleCopies(at("none"));
 }
 
 } // namespace

@@ -32,6 +32,16 @@ TEST_F(Held, BytesLieOnTheDiskWithoutANameUntilTheyGetOne) {
     EXPECT_EQ(info.st_mode & 07777U, 0640U);
 }
 
+TEST_F(Held, BytesKnowTheDirectoryThatTheyLieIn) {
+    write("dir/file", "new");
+    const auto held = holdBytes(at("dir/file"), "old");
+    ASSERT_TRUE(held.has_value());
+    EXPECT_EQ(held->directory(), at("dir"));
+    std::filesystem::rename(at("dir"), at("moved"));
+    EXPECT_EQ(held->directory(), at("moved"));
+    EXPECT_EQ(HeldBytes().directory(), "");
+}
+
 TEST_F(Held, NothingIsHeldWhereThereIsNoRoom) {
     write("file");
     const FileSizeLimit limit(3);

@@ -14,8 +14,9 @@
 namespace morquill::system {
 namespace {
 
-constexpr int endSignals[] = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGALRM, SIGUSR1,  SIGUSR2,
-                              SIGXCPU, SIGPOLL, SIGVTALRM, SIGPROF, SIGPWR,  SIGSTKFLT};
+const int endSignals[] = {SIGHUP,    SIGINT,  SIGQUIT,  SIGTERM,      SIGALRM, SIGUSR1,
+                          SIGUSR2,   SIGXCPU, SIGPOLL,  SIGVTALRM,    SIGPROF, SIGPWR,
+                          SIGSTKFLT, SIGABRT, SIGRTMIN, SIGRTMIN + 7, SIGRTMAX};
 
 /// Runs `action` in a child of the test; the child's wait status.
 int statusOfChild(const std::function<void()>& action) {
@@ -40,6 +41,17 @@ class Signals : public ScratchTree {
     /// The process number that a child left in a file, 0 for none.
     [[nodiscard]] pid_t pidIn(const std::string& name) const {
         return static_cast<pid_t>(std::atol(readTextFile(at(name)).value_or("").c_str()));
+    }
+    /// True when a process that is no child of the test ends within ten seconds, waited for or not.
+    static bool endsSoon(pid_t process) {
+        for (int i = 0; i < 1000 && process > 1; ++i) {
+            const auto state = readTextFile("/proc/" + std::to_string(process) + "/stat").value_or(") Z");
+            if (state.find(") Z") != std::string::npos) {
+                return true;
+            }
+            ::usleep(10'000);
+        }
+        return false;
     }
     /// Also true, so that no test passes by it, for a number that is none; a running process is ended.
     static bool isRunning(pid_t process) { return process <= 1 || ::kill(process, SIGKILL) == 0; }
@@ -119,6 +131,26 @@ TEST_F(Signals, SentToThisProgramAloneReachTheChildItWaitsFor) {
     EXPECT_EQ(readTextFile(at("child")), "15 15");
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(WTERMSIG(status), SIGTERM);
+}
+
+TEST_F(Signals, ReachWhatTheShellWaitsFor) {
+    const int status = statusOfChild([&] {
+        (void)spawnShell(
+            "sh -c 'echo $$ >pid; exec sleep 30' & sleep 0.2; kill -TERM $PPID; wait; touch later", "");
+    });
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGTERM);
+    EXPECT_TRUE(endsSoon(pidIn("pid")));
+    EXPECT_FALSE(isRegularFile(at("later")));
+}
+
+TEST_F(Signals, DoNotKeepAnAbortFromEndingTheProgram) {
+    const int status = statusOfChild([] {
+        const SignalGuard guard;
+        std::abort();
+    });
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGABRT);
 }
 
 TEST_F(Signals, EndTheProgramOnlyAfterTheChildThatItWaitsFor) {

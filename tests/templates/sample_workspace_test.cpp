@@ -1,5 +1,6 @@
 #include "templates/sample_workspace.h"
 
+#include "fixtures/golden.h"
 #include "fixtures/scratch_tree.h"
 #include "support/text.h"
 
@@ -19,6 +20,11 @@ TEST(SampleGeometry, IsAWaterMoleculeInAngstrom) {
     }
     EXPECT_EQ(elements, "OHH");
     EXPECT_TRUE(sampleGeometry().ends_with('\n'));
+}
+
+TEST(SampleTexts, AreTheFilesByteForByte) {
+    EXPECT_EQ(sampleTaskFile(), golden::sourceText("src/templates/sample/test.mq"));
+    EXPECT_EQ(sampleGeometry(), golden::sourceText("src/templates/sample/test.xyz"));
 }
 
 class SampleWorkspace : public ScratchTree {

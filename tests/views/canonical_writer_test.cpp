@@ -1,5 +1,7 @@
 #include "views/canonical_writer.h"
 
+#include "fixtures/faults.h"
+
 #include <gtest/gtest.h>
 
 namespace morquill::views {
@@ -81,29 +83,29 @@ TEST(CanonicalWriter, NamesAreRaw) {
 
 TEST(CanonicalWriter, SourceForms) {
     TaskInfo task("a");
-    const auto line = [&task](const std::string& source, std::vector<std::string> list) {
-        task.source = source;
-        task.sourceTasks = std::move(list);
+    const auto line = [&task](SourceSpec source) {
+        task.source = std::move(source);
         const std::string text = taskText(task);
         return text.substr(3, text.size() - 4);
     };
-    EXPECT_EQ(line("", {}), "  %source origin");
-    EXPECT_EQ(line("restart", {}), "  %source restart");
-    EXPECT_EQ(line("b", {}), "  %source b");
-    EXPECT_EQ(line("b", {"b"}), "  %source b");
-    EXPECT_EQ(line("b", {"c"}), "  %source b") << "a list of one other name does not count";
-    EXPECT_EQ(line("", {"c"}), "  %source c");
-    EXPECT_EQ(line("b", {"b", "c"}), "  %source \"b,c\"");
-    EXPECT_EQ(line("xyz=a.xyz", {}), "  %source xyz=a.xyz");
-    EXPECT_EQ(line("xyz=a.xyz frame=2 more", {}), "  %source \"xyz=a.xyz frame=2 more\"");
-    EXPECT_EQ(line("xyz=\"a b.xyz\"", {}), "  %source \"xyz=\\\"a b.xyz\\\"\"");
+    EXPECT_EQ(line(SourceNone{}), "  %source origin");
+    EXPECT_EQ(line(SourceRestart{}), "  %source restart");
+    EXPECT_EQ(line(SourceTaskList{{"b"}}), "  %source b");
+    EXPECT_EQ(line(SourceTaskList{{"b", "c"}}), "  %source \"b,c\"");
+    EXPECT_EQ(line(parseSourceText("xyz=a.xyz")), "  %source xyz=a.xyz");
+    EXPECT_EQ(line(parseSourceText("xyz=a.xyz frame=2 more")), "  %source \"xyz=a.xyz frame=2 more\"");
+    EXPECT_EQ(line(parseSourceText("xyz=\"a b.xyz\"")), "  %source \"xyz=\\\"a b.xyz\\\"\"");
+    // A frame that a define has brought, and that is no number.
+    EXPECT_EQ(messageOf([&] {
+                  (void)line(SourceXyz{"a.xyz", 0, false, {"frame=x"}});
+              }),
+              "%source xyz frame selector must be a positive integer");
 }
 
 TEST(CanonicalWriter, StructuredSourceIsABlock) {
     TaskInfo task("a");
-    task.source.clear();
-    task.sourceBindings = {parseSourceBinding("geom.main t kind='a b'"),
-                           parseSourceBinding("geom.x xyz=f.xyz frame=2")};
+    task.source = SourceStructured{
+        {parseSourceBinding("geom.main t kind='a b'"), parseSourceBinding("geom.x xyz=f.xyz frame=2")}};
     EXPECT_EQ(taskText(task), "$a\n  %source\n    geom t kind=\"a b\"\n    geom.x xyz=f.xyz frame=2\n");
 }
 
@@ -228,7 +230,7 @@ TEST(CanonicalWriter, PayloadOfScript) {
 
 TEST(CanonicalWriter, BlocksBehindThePayload) {
     TaskInfo task("a");
-    task.whenConditions = {"completed b", "x == 1"};
+    task.whenEntries = {{"completed b", {}}, {"x == 1", {}}};
     task.preProcessCommands = {"p \"q\""};
     task.processCommands = {"c", "d"};
     task.modEntries = {
@@ -244,7 +246,7 @@ TEST(CanonicalWriter, BlocksBehindThePayload) {
     task.preProcessCommands = {"a", "%b", "$c"};
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %preprocess\n    a\n    \\\n    %b\n    \\\n    $c\n");
     task = TaskInfo("a");
-    task.modValues = {{"spin", "2"}, {"charge", "1"}};
+    task.modEntries = {{"charge", "1"}, {"spin", "2"}};
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %mod\n    charge 1\n    spin 2\n");
 }
 

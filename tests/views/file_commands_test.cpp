@@ -6,6 +6,8 @@
 #include "fixtures/file_size_limit.h"
 #include "fixtures/scratch_tree.h"
 
+#include <sys/stat.h>
+
 namespace morquill::views {
 namespace {
 
@@ -47,6 +49,14 @@ TEST_F(FileCommands, TheTextGoesToStandardOutputToAFileOrToItsPlace) {
         EXPECT_EQ(call(runMigrate, {"t.mq", option}).out, "[mqkit] wrote task file: t.mq\n");
         EXPECT_EQ(readTextFile(at("t.mq")), text) << option;
     }
+}
+
+TEST_F(FileCommands, APipeIsNotWrittenInItsPlace) {
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    const auto refused = call(runFmt, {"-i", "pipe"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_EQ(refused.err, "[mqkit][ERROR] --in-place needs a regular file to write to, pipe is none\n");
 }
 
 TEST_F(FileCommands, OnlyMigrateTakesTheOlderListOfSources) {

@@ -1,5 +1,6 @@
 #include "project/cases/selection.h"
 
+#include "console/messages.h"
 #include "support/name_list.h"
 #include "support/paths.h"
 #include "support/text.h"
@@ -26,12 +27,14 @@ struct Choice {
 
 std::vector<std::string> askForNames(const TaskCatalog& catalog, std::string_view title) {
     if (!title.empty()) {
-        system::printLine(title);
+        console::printLine();
+        console::printNote(title);
     }
-    system::printLine("\n[mqkit] available task blocks:");
+    console::printLine();
+    console::printNote("available task blocks:");
     const std::vector<std::string>& names = shownNames(catalog);
     for (std::size_t i = 0; i < names.size(); ++i) {
-        system::printLine("  " + std::to_string(i + 1) + ". " + names[i]);
+        console::printLine("  " + std::to_string(i + 1) + ". " + names[i]);
     }
     std::vector<std::string> chosen;
     for (const std::size_t index : system::promptIndexSelection({}, names.size())) {
@@ -43,7 +46,7 @@ std::vector<std::string> askForNames(const TaskCatalog& catalog, std::string_vie
 bool choose(const Choice& choice, const std::vector<std::string>& names, std::string_view title,
             std::vector<std::string>& selected) {
     if (shownNames(choice.catalog).empty()) {
-        system::printErrorLine(choice.noBlocks);
+        console::reportError(choice.noBlocks);
         return false;
     }
     std::vector<std::string> missing;
@@ -52,8 +55,7 @@ bool choose(const Choice& choice, const std::vector<std::string>& names, std::st
             ? selectTaskBlocks(choice.catalog, askForNames(choice.catalog, title), false, selected, missing)
             : selectTaskBlocks(choice.catalog, names, choice.allowWildcards, selected, missing);
     if (!found) {
-        system::printErrorLine(choice.missingMessage + join(missing, ", "));
-        printKnownBlocks(choice.catalog);
+        console::reportError(choice.missingMessage + join(missing, ", ") + knownBlockLines(choice.catalog));
     }
     return found;
 }
@@ -97,18 +99,18 @@ bool selectTaskBlocks(const TaskCatalog& catalog, const std::vector<std::string>
 bool selectFromFile(const std::string& file, std::string_view label, const std::vector<std::string>& names,
                     std::string_view title, std::vector<std::string>& selected) {
     if (file.empty()) {
-        system::printErrorLine("[mqkit][ERROR] task file is empty");
+        console::reportError("task file is empty");
         return false;
     }
     const std::string base = baseName(file);
-    system::printLine("[mqkit] " + std::string(label) + " found: " + base);
+    console::printNote(std::string(label) + " found: " + base);
     TaskCatalog catalog;
     if (std::string error; !scanTaskFile(file, catalog, error)) {
-        system::printErrorLine(error);
+        console::reportError(error);
         return false;
     }
-    const Choice choice{catalog, false, "[mqkit][ERROR] no task blocks were found in: " + base,
-                        "[mqkit][ERROR] task block not found in " + std::string(label) + ": "};
+    const Choice choice{catalog, false, "no task blocks were found in: " + base,
+                        "task block not found in " + std::string(label) + ": "};
     return choose(choice, names, title, selected);
 }
 
@@ -116,30 +118,31 @@ bool selectFromProject(const std::string& root, const std::string& file,
                        const std::vector<std::string>& names, std::string_view title,
                        std::vector<std::string>& selected) {
     if (file.empty()) {
-        system::printErrorLine("[mqkit][ERROR] .projmq project template not found: " + root);
+        console::reportError(".projmq project template not found: " + root);
         return false;
     }
     const std::string base = baseName(file);
-    system::printLine("[mqkit] project template found: " + base);
+    console::printNote("project template found: " + base);
     TaskCatalog catalog;
     if (std::string error; !loadCatalog(root, file, catalog, error)) {
-        system::printErrorLine(error);
+        console::reportError(error);
         return false;
     }
-    const Choice choice{catalog, true,
-                        "[mqkit][ERROR] no task blocks were found in project template or case files: " + base,
-                        "[mqkit][ERROR] task block not found in project template/case context: "};
+    const Choice choice{catalog, true, "no task blocks were found in project template or case files: " + base,
+                        "task block not found in project template/case context: "};
     return choose(choice, names, title, selected);
 }
 
-void printKnownBlocks(const TaskCatalog& catalog) {
+std::string knownBlockLines(const TaskCatalog& catalog) {
     const std::vector<std::string>& shown = shownNames(catalog);
+    std::string lines;
     if (!shown.empty()) {
-        system::printErrorLine("available task blocks: " + join(shown, ", "));
+        lines += "\navailable task blocks: " + join(shown, ", ");
     }
     if (catalog.expandedTasks != shown) {
-        system::printErrorLine("expanded task blocks: " + join(catalog.expandedTasks, ", "));
+        lines += "\nexpanded task blocks: " + join(catalog.expandedTasks, ", ");
     }
+    return lines;
 }
 
 std::string formatSelection(const std::vector<std::string>& names) {

@@ -28,8 +28,8 @@ namespace morquill::project {
                                      const std::vector<std::string>& names, std::string_view title,
                                      std::vector<std::string>& selected);
 
-/// The lists of known blocks on standard error, as they follow the message about a missing name.
-void printKnownBlocks(const TaskCatalog& catalog);
+/// The lists of known blocks as they follow the message about a missing name, each behind a line end.
+[[nodiscard]] std::string knownBlockLines(const TaskCatalog& catalog);
 
 /// A selection as messages show it: "$a, $b".
 [[nodiscard]] std::string formatSelection(const std::vector<std::string>& names);

@@ -65,7 +65,7 @@ TemplateCount takeTemplate(const std::string& dir, std::string& root, std::strin
     return TemplateCount::one;
 }
 
-constexpr std::string_view severalTemplates = "[mqkit][ERROR] multiple .projmq files were found in the ";
+constexpr std::string_view severalTemplates = "multiple .projmq files were found in the ";
 
 std::string severalTemplatesIn(std::string_view place, const std::string& dir) {
     return std::string(severalTemplates) + std::string(place) + "; specify one explicitly: " + dir;
@@ -87,7 +87,7 @@ bool resolveFromCurrentDirectory(std::string& root, std::string& file, std::stri
         }
     }
     if (count == TemplateCount::none) {
-        error = "[mqkit][ERROR] no .projmq file was found in the current directory or enclosing project; use "
+        error = "no .projmq file was found in the current directory or enclosing project; use "
                 "--path or <xxx.projmq>.";
         return false;
     }
@@ -195,9 +195,8 @@ bool resolveProjectTemplate(std::string_view path, std::string& root, std::strin
         file = absolute;
         return true;
     }
-    return resolveEnclosingProject(
-        absolute, "[mqkit][ERROR] could not resolve a .projmq project template from path: ", root, file,
-        error);
+    return resolveEnclosingProject(absolute, "could not resolve a .projmq project template from path: ", root,
+                                   file, error);
 }
 
 bool resolveTarget(std::string_view path, ProjectTarget& target, std::string& error) {
@@ -221,9 +220,7 @@ bool resolveTarget(std::string_view path, ProjectTarget& target, std::string& er
     const std::string caseDir = findCaseDirectory(absolute);
     const std::vector<std::string> taskFiles = listTaskFiles(caseDir);
     if (taskFiles.size() > 1) {
-        error =
-            "[mqkit][ERROR] multiple .mq files were found in the case directory; specify one explicitly: " +
-            caseDir;
+        error = "multiple .mq files were found in the case directory; specify one explicitly: " + caseDir;
         return false;
     }
     if (taskFiles.size() == 1) {
@@ -233,8 +230,9 @@ bool resolveTarget(std::string_view path, ProjectTarget& target, std::string& er
         return true;
     }
     return resolveEnclosingProject(
-        absolute, "[mqkit][ERROR] could not resolve a .projmq project template or case .mq file from path: ",
-        target.projectRoot, target.projectFile, error);
+        absolute,
+        "could not resolve a .projmq project template or case .mq file from path: ", target.projectRoot,
+        target.projectFile, error);
 }
 
 } // namespace morquill::project

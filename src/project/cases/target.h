@@ -41,12 +41,12 @@ struct ProjectTarget {
 [[nodiscard]] std::string findCaseDirectory(std::string_view path);
 
 /// Finds the one template of the project that `path` (empty: the current directory) lies in. False with the
-/// whole message in `error`.
+/// message, without its tag, in `error`.
 [[nodiscard]] bool resolveProjectTemplate(std::string_view path, std::string& root, std::string& file,
                                           std::string& error);
 
-/// Finds the project or case that `path` names; a case is looked for first. False with the whole message in
-/// `error`.
+/// Finds the project or case that `path` names; a case is looked for first. False with the message,
+/// without its tag, in `error`.
 [[nodiscard]] bool resolveTarget(std::string_view path, ProjectTarget& target, std::string& error);
 
 } // namespace morquill::project

@@ -22,7 +22,7 @@ namespace {
 using taskdsl::TaskDocument;
 using taskdsl::TaskInfo;
 
-constexpr std::string_view scanFailure = "[mqkit][ERROR] failed to parse task file: ";
+constexpr std::string_view scanFailure = "failed to parse task file: ";
 
 /// Gathers the blocks of any number of documents in linear time.
 class CatalogBuilder {

@@ -26,8 +26,8 @@ struct TaskCatalog {
 /// including document as tasks of their own; what was written is the name that they were made from.
 [[nodiscard]] const std::string& writtenName(const taskdsl::TaskInfo& task) noexcept;
 
-/// The blocks of one task file. False with the whole message in `error` when it cannot be read or parsed.
-/// Warnings of the language go to the sink.
+/// The blocks of one task file. False with the message, without its tag, in `error` when it cannot be read or
+/// parsed. Warnings of the language go to the sink.
 [[nodiscard]] bool scanTaskFile(const std::string& file, TaskCatalog& catalog, std::string& error,
                                 const taskdsl::WarningSink& warnings = console::logWarning);
 

@@ -1,5 +1,6 @@
 #include "project/rename/rename.h"
 
+#include "console/messages.h"
 #include "project/cases/target.h"
 #include "project/rename/rename_check.h"
 #include "project/rename/rename_files.h"
@@ -7,7 +8,6 @@
 #include "support/name_list.h"
 #include "support/paths.h"
 #include "support/text.h"
-#include "system/prompt.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -47,9 +47,9 @@ RenamePlace findPlace(const std::string& path) {
     return {false, path, parentPath(path)};
 }
 
-/// A message as it stands on standard error; always false.
+/// Reports why nothing is renamed; always false.
 bool refuse(const std::string& message) {
-    system::printErrorLine("[mqkit][ERROR] " + message);
+    console::reportError(message);
     return false;
 }
 
@@ -61,13 +61,13 @@ std::string caseNameOf(const RenamePlace& place) {
 
 /// False, after a message, when a case would lose the way to its template: the name of a block may stand in
 /// the name of the template file.
-bool checkStubs(const std::vector<std::string>& caseDirs, const RenamedBlock& block) {
-    for (const auto& caseDir : caseDirs) {
+bool checkStubs(const std::vector<RenamedCase>& cases, const RenamedBlock& block) {
+    for (const auto& [caseDir, names] : cases) {
         for (const auto& name : listDirectoryEntries(caseDir, "*.mq")) {
             const auto file = joinPath(caseDir, name);
             const auto text = readTextFile(file);
             const auto target = text ? stubTemplate(*text, file) : std::nullopt;
-            const auto renamed = target ? renamedText(*text, block, stemOf(name)) : std::nullopt;
+            const auto renamed = target ? renamedText(*text, block, names.front()) : std::nullopt;
             if (renamed && stubTemplate(*renamed, file) != target) {
                 return refuse("renaming $" + block.oldName + " would change the include of the template in " +
                               file);
@@ -85,18 +85,17 @@ bool leavesCase(std::string_view name) {
 }
 
 /// False after a message. Nothing has been touched by then.
-bool checkRename(const RenamePlace& place, const std::vector<std::string>& caseDirs,
-                 const RenamedBlock& block) {
+bool checkRename(const RenameScope& scope, const RenamedBlock& block) {
     if (const auto fault = blockNameFault(block.newName)) {
         return refuse(*fault);
     }
-    if (const auto obstacle = findObstacle(place.file, block, caseNameOf(place))) {
+    if (const auto obstacle = findObstacle(scope, block)) {
         return refuse(*obstacle);
     }
     if (leavesCase(block.oldName)) {
         return refuse("the directory of $" + block.oldName + " would not lie in its case");
     }
-    return checkStubs(caseDirs, block);
+    return checkStubs(scope.cases, block);
 }
 
 void renameInCase(const std::string& caseDir, const std::string& name, const RenamedBlock& block,
@@ -119,11 +118,9 @@ std::vector<std::string> caseNames(const std::string& caseDir) {
     return names;
 }
 
-/// The cases that are touched. One that lies elsewhere and only leads to the template was asked for by name.
+/// The directories of the cases that are touched. One that lies elsewhere and only leads to the template was
+/// asked for by name.
 std::vector<std::string> listCases(const RenamePlace& place) {
-    if (!place.project) {
-        return {place.caseDir};
-    }
     auto caseDirs = listCaseDirectories(parentPath(place.file));
     const bool listed = place.caseDir.empty() ||
                         std::any_of(caseDirs.begin(), caseDirs.end(), [&](const std::string& caseDir) {
@@ -135,34 +132,46 @@ std::vector<std::string> listCases(const RenamePlace& place) {
     return caseDirs;
 }
 
-void renameInProject(const RenamePlace& place, const std::vector<std::string>& caseDirs,
-                     const RenamedBlock& block, RenameReport& report) {
-    const auto root = parentPath(place.file);
-    report.linkRoot = normalisedPath(root);
-    for (const auto& caseDir : caseDirs) {
-        for (const auto& name : caseNames(caseDir)) {
+RenameScope findScope(const RenamePlace& place) {
+    RenameScope scope{place.file, caseNameOf(place), {}, {}};
+    if (!place.project) {
+        scope.cases.push_back({place.caseDir, {stemOf(place.file)}});
+        return scope;
+    }
+    for (const auto& caseDir : listCases(place)) {
+        scope.cases.push_back({caseDir, caseNames(caseDir)});
+    }
+    scope.linkRoot = normalisedPath(parentPath(place.file));
+    return scope;
+}
+
+void renameCases(const RenameScope& scope, const RenamedBlock& block, RenameReport& report) {
+    for (const auto& [caseDir, names] : scope.cases) {
+        for (const auto& name : names) {
             renameInCase(caseDir, name, block, report);
         }
     }
-    invalidateDatabases(root, "project(" + baseName(root) + ")", report);
 }
 
 void printReport(const RenamedBlock& block, const RenameReport& report) {
-    system::printLine("[mqkit] rename finished: $" + block.oldName + " -> $" + block.newName +
-                      "\n  cases processed: " + std::to_string(report.casesProcessed) +
-                      "\n  directories renamed: " + std::to_string(report.directoriesRenamed) +
-                      "\n  files renamed: " + std::to_string(report.filesRenamed) +
-                      "\n  text files updated: " + std::to_string(report.textFilesUpdated) +
-                      "\n  databases invalidated: " + std::to_string(report.databasesInvalidated));
+    console::printNote("rename finished: $" + block.oldName + " -> $" + block.newName +
+                       "\n  cases processed: " + std::to_string(report.casesProcessed) +
+                       "\n  directories renamed: " + std::to_string(report.directoriesRenamed) +
+                       "\n  files renamed: " + std::to_string(report.filesRenamed) +
+                       "\n  text files updated: " + std::to_string(report.textFilesUpdated) +
+                       "\n  databases invalidated: " + std::to_string(report.databasesInvalidated));
     if (report.databasesInvalidated > 0) {
-        system::printLine(
+        console::printLine(
             "  note: rerun mqdb case/project sync or rebuild before querying database results.");
     }
     if (!report.warnings.empty()) {
-        system::printLine("\n[mqkit][WARN] warnings:\n  - " + join(report.warnings, "\n  - "));
+        console::printLine();
+        console::printMessage(console::MessageKind::warning,
+                              "warnings:\n  - " + join(report.warnings, "\n  - "));
     }
     if (!report.errors.empty()) {
-        system::printErrorLine("\n[mqkit][ERROR] errors:\n  - " + join(report.errors, "\n  - "));
+        console::printErrorLine();
+        console::reportError("errors:\n  - " + join(report.errors, "\n  - "));
     }
 }
 
@@ -171,29 +180,30 @@ void printReport(const RenamedBlock& block, const RenameReport& report) {
 int renameBlock(const RenameOptions& options) {
     const auto path = absoluteLocation(options.file);
     if (!isRegularFile(path)) {
-        system::printErrorLine("[mqkit][ERROR] file does not exist: " + path);
+        console::reportError("file does not exist: " + path);
         return 1;
     }
     const RenamedBlock block{options.oldName, options.newName};
     if (block.oldName == block.newName) {
-        system::printErrorLine("[mqkit][ERROR] old and new block names are identical; nothing to rename");
+        console::reportError("old and new block names are identical; nothing to rename");
         return 1;
     }
     const auto place = findPlace(path);
-    const auto caseDirs = listCases(place);
-    if (!checkRename(place, caseDirs, block)) {
+    const auto scope = findScope(place);
+    if (!checkRename(scope, block)) {
         return 1;
     }
-    // The task file comes first: while it has the old name, nothing else may have the new one.
     RenameReport report;
-    if (!rewriteTextFile(place.file, block, caseNameOf(place), report)) {
-        system::printErrorLine("[mqkit][ERROR] failed to update project template: " + place.file);
+    // The task file comes first: while it has the old name, nothing else may have the new one.
+    if (!rewriteTextFile(scope.file, block, scope.caseName, report)) {
+        console::reportError("failed to update project template: " + scope.file);
         return 1;
     }
+    report.linkRoot = scope.linkRoot;
+    renameCases(scope, block, report);
     if (place.project) {
-        renameInProject(place, caseDirs, block, report);
-    } else {
-        renameInCase(place.caseDir, stemOf(place.file), block, report);
+        const auto root = parentPath(place.file);
+        invalidateDatabases(root, "project(" + baseName(root) + ")", report);
     }
     printReport(block, report);
     return report.errors.empty() ? 0 : 1;

@@ -2,13 +2,19 @@
 
 #include "console/library_file.h"
 #include "console/logger.h"
+#include "console/messages.h"
+#include "project/cases/target.h"
 #include "project/cases/task_catalog.h"
+#include "project/rename/task_references.h"
+#include "project/rename/word_replace.h"
 #include "support/file.h"
 #include "support/name_list.h"
+#include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/substitute.h"
 #include "taskdsl/generate/include_line.h"
 #include "taskdsl/generate/include_path.h"
 #include "taskdsl/generate/written_headers.h"
@@ -17,8 +23,12 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstddef>
+#include <functional>
+#include <map>
 #include <set>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 namespace morquill::project {
@@ -125,10 +135,10 @@ bool isBuiltAlike(const TaskWhenExpr& before, const TaskWhenExpr& after) {
 }
 
 /// True when both conditions wait alike; one that waits for all others names no task.
-bool waitsAlike(const std::string& before, const std::string& after) {
+bool waitsAlike(const taskdsl::TaskWhenEntry& before, const taskdsl::TaskWhenEntry& after) {
     try {
-        const auto left = taskdsl::parseWhenExpr(before);
-        const auto right = taskdsl::parseWhenExpr(after);
+        const auto left = taskdsl::parseWhenExpr(before.text);
+        const auto right = taskdsl::parseWhenExpr(after.text);
         return isBuiltAlike(left, right) && hasAllOthers(left) == hasAllOthers(right);
     } catch (const taskdsl::DiagnosticError&) {
         return true; // nested too deep to be read at all; a name changes nothing about that
@@ -138,10 +148,11 @@ bool waitsAlike(const std::string& before, const std::string& after) {
 /// True when a task depends on as much before as after. A new name like `origin` or `and` is read as
 /// something other than a name where it stands for the old one.
 bool dependsAlike(const TaskInfo& before, const TaskInfo& after) {
-    return before.sourceTasks.size() == after.sourceTasks.size() &&
-           before.sourceBindings.size() == after.sourceBindings.size() &&
-           std::equal(before.whenConditions.begin(), before.whenConditions.end(),
-                      after.whenConditions.begin(), after.whenConditions.end(), waitsAlike);
+    return sourceTasks(before).size() == sourceTasks(after).size() &&
+           sourceBindings(before).size() == sourceBindings(after).size() &&
+           before.guessSourceTask.empty() == after.guessSourceTask.empty() &&
+           std::equal(before.whenEntries.begin(), before.whenEntries.end(), after.whenEntries.begin(),
+                      after.whenEntries.end(), waitsAlike);
 }
 
 bool saysTheSame(const TaskDocument& before, const TaskDocument& after) {
@@ -151,20 +162,260 @@ bool saysTheSame(const TaskDocument& before, const TaskDocument& after) {
                       dependsAlike);
 }
 
-/// Reads the rewritten text as the file it will be.
-std::optional<std::string> compareDocuments(const TaskDocument& before, const std::string& text,
-                                            const std::string& file, const RenamedBlock& block) {
-    const std::string change = "with $" + block.newName + " for $" + block.oldName + " the task file would ";
-    try {
-        const taskdsl::TaskParser parser({.findLibraryFile = console::findLibraryFile});
-        const auto after = parser.parseText(text, file);
-        if (saysTheSame(before, after)) {
-            return std::nullopt;
+/// Names of blocks before and after.
+using NameMap = std::map<std::string, std::string, std::less<>>;
+
+/// A rename and what is known of it so far.
+struct Renaming {
+    const RenameScope& scope;
+    const RenamedBlock& block;
+    std::set<std::string> caseNames; ///< of all cases
+    std::vector<std::string> trees;  ///< the directories of the cases, links resolved
+    NameMap names;                   ///< of the blocks that the named file makes under the old name
+
+    [[nodiscard]] std::string change() const { return "with $" + block.newName + " for $" + block.oldName; }
+};
+
+/// A task file before it is rewritten.
+struct TaskFile {
+    std::string path;
+    std::string text;
+    std::string caseName; ///< the one with which it is rewritten
+    std::vector<WrittenHeader> headers;
+};
+
+TaskFile makeTaskFile(const std::string& path, std::string text, const std::string& caseName) {
+    TaskFile file{path, std::move(text), caseName, {}};
+    file.headers = taskdsl::listWrittenHeaders(file.text);
+    return file;
+}
+
+/// A name of another block that would change where the generator writes it, in `mq.status` and the like.
+std::optional<std::string> findChangedName(const std::set<std::string>& names, const Renaming& renaming) {
+    for (const auto& name : names) {
+        if (!containsText(name, renaming.block.oldName)) {
+            continue;
         }
+        for (const auto& caseName : renaming.caseNames) {
+            if (const auto renamed = renamedText(name, renaming.block, caseName)) {
+                return "renaming $" + renaming.block.oldName + " would also turn $" + name + " into $" +
+                       *renamed + (caseName.empty() ? "" : " in case " + caseName);
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+/// The first key in brackets of the new name that the old one has not and that is gone from a name.
+std::optional<std::string> findKnownKey(const std::string& name, const RenamedBlock& block) {
+    const auto oldKeys = taskdsl::bracketKeys(block.oldName);
+    for (const auto& key : taskdsl::bracketKeys(block.newName)) {
+        if (std::find(oldKeys.begin(), oldKeys.end(), key) == oldKeys.end() &&
+            !containsText(name, "[" + key + "]")) {
+            return key;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Adds the names of the blocks that stand under the renamed headers of a file to `names`. The fault, when
+/// one is that of another block, is made out of several, or is not what the header says.
+std::optional<std::string> addNames(const TaskFile& file, const TaskDocument& before,
+                                    const TaskDocument& after, const std::set<std::string>& taken,
+                                    const Renaming& renaming, NameMap& names) {
+    const auto ownLines = linesOf(file.headers, renaming.block.oldName);
+    for (const auto tasks : {&TaskDocument::templateTasks, &TaskDocument::tasks}) {
+        NameMap origins; // new name to old name
+        for (std::size_t i = 0; i < (before.*tasks).size(); ++i) {
+            const auto& task = (before.*tasks)[i];
+            const auto& name = (after.*tasks)[i].name;
+            if (task.headerSpan.path.str() != file.path || !ownLines.contains(task.headerSpan.line)) {
+                continue;
+            }
+            if (const auto key = findKnownKey(name, renaming.block)) {
+                return "a block name cannot hold [" + *key + "], which is replaced with its value: $" +
+                       renaming.block.newName;
+            }
+            if (taken.contains(name)) {
+                return "target block already exists: $" + name;
+            }
+            if (origins.emplace(name, task.name).first->second != task.name) {
+                return renaming.change() + " several blocks would be named $" + name;
+            }
+            names.insert_or_assign(task.name, name);
+        }
+    }
+    return std::nullopt;
+}
+
+/// What a reference has to be afterwards; nothing for one that names no block.
+std::optional<TaskReference> renamedReference(const TaskReference& reference, const NameMap& names) {
+    if (reference.form == ReferenceForm::task) {
+        const auto found = names.find(reference.text);
+        return found == names.end() ? std::nullopt
+                                    : std::optional(TaskReference{reference.form, found->second});
+    }
+    // A name may hold dots itself: the longest one counts.
+    for (auto dot = reference.text.rfind('.'); dot != std::string::npos && dot > 0;
+         dot = reference.text.rfind('.', dot - 1)) {
+        if (const auto found = names.find(reference.text.substr(0, dot)); found != names.end()) {
+            return TaskReference{reference.form, found->second + reference.text.substr(dot)};
+        }
+    }
+    return std::nullopt;
+}
+
+/// True for a file whose text the rename changes; what only a link in a case leads to is not known here.
+bool isRewritten(const std::string& file, const Renaming& renaming) {
+    const auto path = normalisedPath(file);
+    return path == normalisedPath(renaming.scope.file) ||
+           std::any_of(renaming.trees.begin(), renaming.trees.end(),
+                       [&](const std::string& tree) { return liesBelow(path, tree); });
+}
+
+/// The file that a reference stands in which a rewritten text still has. The lines of a fragment have the
+/// place of their include line, so those of the file itself may come from any included one. Nothing when that
+/// is rewritten, too: it is read here as it was before.
+std::optional<std::string> findUnrenamed(const ReferencePlace& place, const TaskFile& file,
+                                         const TaskDocument& document, const Renaming& renaming) {
+    if (place.file != file.path) {
+        return isRewritten(place.file, renaming) ? std::nullopt : std::optional(place.file);
+    }
+    bool mayBeRewritten = false;
+    for (const auto& included : document.includedFiles) {
+        const auto text = readTextFile(included);
+        if (!text || !renamedText(*text, renaming.block, file.caseName)) {
+            continue;
+        }
+        if (!isRewritten(included, renaming)) {
+            return included;
+        }
+        mayBeRewritten = true;
+    }
+    return mayBeRewritten ? std::nullopt : std::optional(file.path);
+}
+
+/// A reference to a renamed block that would no longer name it.
+std::optional<std::string> compareReferences(const TaskFile& file, const TaskDocument& before,
+                                             const TaskDocument& after, const NameMap& names,
+                                             const Renaming& renaming) {
+    const auto left = collectTaskReferences(before);
+    const auto right = collectTaskReferences(after);
+    for (std::size_t i = 0; i < std::min(left.size(), right.size()); ++i) {
+        for (const auto& reference : left[i].references) {
+            const auto expected = renamedReference(reference, names);
+            if (!expected || right[i].references.contains(*expected)) {
+                continue;
+            }
+            if (const auto place = findUnrenamed(left[i], file, before, renaming)) {
+                return renaming.change() + " the reference to '" + reference.text + "' in " + *place +
+                       " would be left behind";
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+/// What is wrong with the rewritten text of a file, read as the file that it will be. The names of its
+/// renamed blocks are added to `names`.
+std::optional<std::string> compareDocuments(const TaskFile& file, const TaskDocument& before,
+                                            const std::set<std::string>& taken, const Renaming& renaming,
+                                            NameMap& names) {
+    const auto renamed = renamedText(file.text, renaming.block, file.caseName).value_or(file.text);
+    const std::string change = renaming.change() + " the task file would ";
+    try {
+        const auto after =
+            taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile}).parseText(renamed, file.path);
+        const bool pairs = before.tasks.size() == after.tasks.size() &&
+                           before.templateTasks.size() == after.templateTasks.size();
+        if (auto fault = pairs ? addNames(file, before, after, taken, renaming, names) : std::nullopt) {
+            return fault;
+        }
+        if (!pairs || !saysTheSame(before, after)) {
+            return change + "no longer say the same";
+        }
+        return compareReferences(file, before, after, names, renaming);
     } catch (const taskdsl::DiagnosticError& fault) {
         return change + "no longer be read: " + fault.what();
     }
-    return change + "no longer say the same";
+}
+
+/// What the rewritten text of a file would say otherwise. `names` has the renamed blocks of the named file
+/// and takes those of this one.
+std::optional<std::string> compareTexts(const TaskFile& file, const TaskDocument& before,
+                                        const Renaming& renaming, NameMap& names) {
+    auto taken = takenNames(before, file.headers, file.path, renaming.block.oldName);
+    // Another file may include the renamed block.
+    std::erase_if(taken, [&](const std::string& name) {
+        return name == renaming.block.oldName || renaming.names.contains(name);
+    });
+    if (taken.contains(renaming.block.newName)) {
+        return "target block already exists: $" + renaming.block.newName;
+    }
+    const auto renamed = renamedText(file.text, renaming.block, file.caseName);
+    if (renamed && file.text.find('\0') != std::string::npos) {
+        return "a task file with NUL bytes is not rewritten: " + file.path;
+    }
+    if (auto fault = compareHeaders(file.headers, taskdsl::listWrittenHeaders(renamed.value_or(file.text)),
+                                    renaming.block)) {
+        return fault;
+    }
+    if (auto fault = findChangedName(taken, renaming)) {
+        return fault;
+    }
+    return compareDocuments(file, before, taken, renaming, names);
+}
+
+/// The same for another task file of a case; one that cannot be read says only which headers it has.
+std::optional<std::string> checkNeighbour(const TaskFile& file, const Renaming& renaming) {
+    TaskDocument before;
+    try {
+        before = taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile}).parseText(file.text, file.path);
+    } catch (const taskdsl::DiagnosticError&) {
+        const auto renamed = renamedText(file.text, renaming.block, file.caseName).value_or(file.text);
+        const bool taken = !linesOf(file.headers, renaming.block.newName).empty();
+        return taken ? "target block already exists: $" + renaming.block.newName
+                     : compareHeaders(file.headers, taskdsl::listWrittenHeaders(renamed), renaming.block);
+    }
+    auto names = renaming.names;
+    return compareTexts(file, before, renaming, names);
+}
+
+/// The obstacle in one of the other task files of the cases, with the name of that file.
+std::optional<std::string> checkNeighbours(const Renaming& renaming) {
+    std::set<std::string> visited{normalisedPath(renaming.scope.file)};
+    for (const auto& [dir, names] : renaming.scope.cases) {
+        const auto tree = normalisedPath(dir);
+        for (const auto& name : listTaskFiles(dir)) {
+            const auto path = joinPath(dir, name);
+            const auto target = normalisedPath(path);
+            const bool rewritten = liesBelow(target, tree) || liesBelow(target, renaming.scope.linkRoot);
+            if (!rewritten || !visited.insert(target).second) {
+                continue;
+            }
+            auto text = readTextFile(path);
+            if (!text || stubTemplate(*text, path)) {
+                continue;
+            }
+            if (auto fault = checkNeighbour(makeTaskFile(path, *std::move(text), names.front()), renaming)) {
+                return *fault + " (in " + path + ")";
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+/// A file whose name would become longer than a directory takes.
+std::optional<std::string> findLongName(const RenameScope& scope, const RenamedBlock& block) {
+    for (const auto& [dir, names] : scope.cases) {
+        for (const auto& name : names) {
+            if (const auto path = findOverlongName(dir, name, block)) {
+                return "renaming $" + block.oldName + " would make a file name longer than " +
+                       std::to_string(NAME_MAX) + " bytes: " + *path;
+            }
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -197,7 +448,7 @@ std::optional<std::string> blockNameFault(const std::string& name) {
 
 std::optional<std::string> stubTemplate(const std::string& text, const std::string& path) {
     std::optional<std::string> found;
-    for (const auto line : splitLines(text)) {
+    for (const auto line : splitLines(skipByteOrderMark(text))) {
         const auto clean = taskdsl::cleanLine(line);
         if (clean.empty()) {
             continue;
@@ -218,31 +469,31 @@ std::optional<std::string> stubTemplate(const std::string& text, const std::stri
     return found ? std::optional(normalisedPath(*found)) : std::nullopt;
 }
 
-std::optional<std::string> findObstacle(const std::string& file, const RenamedBlock& block,
-                                        const std::string& caseName) {
-    const auto text = readTextFile(file);
+std::optional<std::string> findObstacle(const RenameScope& scope, const RenamedBlock& block) {
+    auto text = readTextFile(scope.file);
     if (!text) {
-        throw taskdsl::DiagnosticError("could not open file: " + file);
+        throw taskdsl::DiagnosticError("could not open file: " + scope.file);
     }
+    const auto file = makeTaskFile(scope.file, *std::move(text), scope.caseName);
     const taskdsl::TaskParser parser(
         {.findLibraryFile = console::findLibraryFile, .warnings = console::logWarning});
-    const auto document = parser.parseText(*text, file);
-    const auto headers = taskdsl::listWrittenHeaders(*text);
-    if (linesOf(headers, block.oldName).empty()) {
-        return "block not found in task file: $" + block.oldName +
-               "\n[mqkit] available blocks: " + listNames(headers);
+    const auto document = parser.parseText(file.text, file.path);
+    if (linesOf(file.headers, block.oldName).empty()) {
+        return "block not found in task file: $" + block.oldName + "\n" +
+               console::tagged(console::MessageKind::note, "available blocks: " + listNames(file.headers));
     }
-    if (takenNames(document, headers, file, block.oldName).contains(block.newName)) {
-        return "target block already exists: $" + block.newName;
+    Renaming renaming{scope, block, {""}, {}, {}};
+    for (const auto& [dir, names] : scope.cases) {
+        renaming.caseNames.insert(names.begin(), names.end());
+        renaming.trees.push_back(normalisedPath(dir));
     }
-    if (text->find('\0') != std::string::npos) {
-        return "a task file with NUL bytes is not rewritten: " + file;
-    }
-    const auto renamed = renamedText(*text, block, caseName).value_or(*text);
-    if (auto fault = compareHeaders(headers, taskdsl::listWrittenHeaders(renamed), block)) {
+    if (auto fault = compareTexts(file, document, renaming, renaming.names)) {
         return fault;
     }
-    return compareDocuments(document, renamed, file, block);
+    if (auto fault = checkNeighbours(renaming)) {
+        return fault;
+    }
+    return findLongName(scope, block);
 }
 
 } // namespace morquill::project

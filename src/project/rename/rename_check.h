@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 /// What is looked at before a rename touches anything.
 namespace morquill::project {
@@ -16,11 +17,25 @@ namespace morquill::project {
 /// link to the template cannot be made; nothing for any other text. `path` is the file that holds the text.
 [[nodiscard]] std::optional<std::string> stubTemplate(const std::string& text, const std::string& path);
 
-/// Why the block cannot be renamed in a task file, as one or two lines without their prefix; nothing when it
-/// can. The block has to be written in the file itself, its new name must be free, and the rewritten text has
-/// to say the same under the new name. `caseName` is the one with which the file will be rewritten. Throws
-/// `DiagnosticError` when the file cannot be read.
-[[nodiscard]] std::optional<std::string> findObstacle(const std::string& file, const RenamedBlock& block,
-                                                      const std::string& caseName);
+/// A case directory and the names under which the generator knows it, one per task file.
+struct RenamedCase {
+    std::string dir;
+    std::vector<std::string> names;
+};
+
+/// All that a rename rewrites.
+struct RenameScope {
+    std::string file;               ///< the task file or the project template
+    std::string caseName;           ///< the one with which `file` is rewritten; empty for a template
+    std::vector<RenamedCase> cases; ///< everything below them is rewritten
+    std::string linkRoot;           ///< and what links in them lead to below it; empty: nothing more
+};
+
+/// Why the block cannot be renamed, as one or two lines without their prefix; nothing when it can. The block
+/// has to be written in the file itself and its new name must be free there and in the other task files of
+/// the cases; the rewritten texts have to say the same under the new name, and no name of another block, no
+/// reference that stays and no file name may be in the way. Throws `DiagnosticError` when the file cannot be
+/// read.
+[[nodiscard]] std::optional<std::string> findObstacle(const RenameScope& scope, const RenamedBlock& block);
 
 } // namespace morquill::project

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <optional>
@@ -195,6 +197,34 @@ void renameBlockArtifacts(const std::string& caseDir, const std::string& caseNam
         renamePrefixedFiles(joinPath(caseDir, derived.path), block.oldName + "_" + caseName,
                             block.newName + "_" + caseName, derived.recursive, report);
     }
+}
+
+std::optional<std::string> findOverlongName(const std::string& caseDir, const std::string& caseName,
+                                            const RenamedBlock& block) {
+    if (block.newName.size() <= block.oldName.size()) {
+        return std::nullopt;
+    }
+    const std::size_t growth = block.newName.size() - block.oldName.size();
+    std::optional<std::string> found;
+    const auto look = [&](const std::string& dir, const std::string& prefix, bool recursive) {
+        if (found || !isDirectory(dir)) {
+            return;
+        }
+        system::walkTree(dir, [&](const std::string& path, system::EntryKind) {
+            const auto name = std::string_view(path).substr(path.rfind('/') + 1);
+            if (!found && name.starts_with(prefix) && name.size() + growth > NAME_MAX) {
+                found = path;
+            }
+            return recursive && !found;
+        });
+    };
+    // The files of a block lie in its directory, or in that of the new name where one is there already.
+    look(joinPath(caseDir, block.oldName), block.oldName + "_", true);
+    look(joinPath(caseDir, block.newName), block.oldName + "_", true);
+    for (const auto& derived : derivedDirectories) {
+        look(joinPath(caseDir, derived.path), block.oldName + "_" + caseName, derived.recursive);
+    }
+    return found;
 }
 
 void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, const std::string& newPrefix,

@@ -43,6 +43,11 @@ struct RenameReport {
 void renameBlockArtifacts(const std::string& caseDir, const std::string& caseName, const RenamedBlock& block,
                           RenameReport& report);
 
+/// The first file or directory of a case whose name would become longer than `NAME_MAX` bytes, by its path of
+/// today; nothing when all fit. Looked for in the places that `renameBlockArtifacts` renames in.
+[[nodiscard]] std::optional<std::string>
+findOverlongName(const std::string& caseDir, const std::string& caseName, const RenamedBlock& block);
+
 /// Renames what begins with `oldPrefix` in a directory, with `recursive` at any depth, the deepest first. An
 /// existing target is an error and nothing is replaced.
 void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, const std::string& newPrefix,

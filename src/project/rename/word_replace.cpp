@@ -15,10 +15,6 @@ namespace {
 /// per byte of text is bounded by it.
 constexpr std::size_t shortNeedle = 256;
 
-constexpr bool isWordByte(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_';
-}
-
 /// Calls `take` with the position of each occurrence, overlapping ones included, in ascending order, until it
 /// answers false. Most places are ruled out 64 at a time, by a loop that compilers turn into vector code.
 template <class Take>
@@ -144,8 +140,8 @@ void RewrittenText::replaceText(std::string_view from, std::string_view to) {
 void RewrittenText::replaceWord(std::string_view word, std::string_view to) {
     std::size_t taken = 0; // text up to here belongs to a match, its right neighbour included
     replace(word, to, [&](std::size_t at, std::size_t end) {
-        const bool opens = at == 0 || (at > taken && !isWordByte(text_[at - 1]));
-        if (!opens || (end < text_.size() && isWordByte(text_[end]))) {
+        const bool opens = at == 0 || (at > taken && !isWordChar(text_[at - 1]));
+        if (!opens || (end < text_.size() && isWordChar(text_[end]))) {
             return false;
         }
         taken = end < text_.size() ? end + 1 : end;

@@ -1,11 +1,11 @@
 #include "project/status/status_scope.h"
 
-#include "console/console.h"
+#include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/status/status_file.h"
 #include "support/file.h"
 #include "support/paths.h"
-#include "system/prompt.h"
+#include "system/new_file.h"
 
 #include <array>
 #include <cerrno>
@@ -78,7 +78,7 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
     StatusBackup backup;
     backup.path = path;
     if (!takeBackup(backup)) {
-        system::printErrorLine("[mqkit][ERROR] failed to read mq.status: " + path);
+        console::reportError("failed to read mq.status: " + path);
         return false;
     }
     const auto kept = keptTasks(selected, parseCompletedTasks(backup.content));
@@ -89,17 +89,15 @@ bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selec
     }
     (kept.empty() ? summary.statusHidden : summary.statusScoped) += 1;
     if (!dryRun && !changeStatusFile(backups.back(), kept)) {
-        system::printErrorLine("[mqkit][ERROR] failed to prepare mq.status for comd-only update: " + name);
+        console::reportError("failed to prepare mq.status for comd-only update: " + name);
         return false;
     }
-    const auto prefix = (dryRun ? "[mqkit][DRY-RUN] " : "[mqkit] ") + name + " : ";
-    if (kept.empty()) {
-        system::printLine(prefix + (dryRun ? "would temporarily hide" : "temporarily hid") +
-                          " mq.status because no selected task is marked completed");
-    } else {
-        system::printLine(prefix + (dryRun ? "would scope" : "scoped") +
-                          " mq.status to selected completed task(s): " + formatSelection(kept));
-    }
+    const auto step = kept.empty()
+                          ? (dryRun ? "would temporarily hide" : "temporarily hid") +
+                                std::string(" mq.status because no selected task is marked completed")
+                          : (dryRun ? "would scope" : "scoped") +
+                                (" mq.status to selected completed task(s): " + formatSelection(kept));
+    console::printMessage(console::stepKind(dryRun), name + " : " + step);
     return true;
 }
 
@@ -210,12 +208,47 @@ int removeArrival(const StatusBackup& backup) noexcept {
     return removed ? 0 : errno;
 }
 
-void reportRestoreFailure(const StatusBackup& backup, std::string_view reason) noexcept {
-    for (const std::string_view piece :
-         {std::string_view("[mqkit][ERROR] failed to restore mq.status: "), std::string_view(backup.path),
-          std::string_view(reason.empty() ? "" : " ("), reason,
-          std::string_view(reason.empty() ? "\n" : ")\n")}) {
-        console::writeErr(piece);
+/// Leaves the old bytes under a free name where they belong, or where that directory has been moved to; the
+/// path of the file, empty when they could not be left anywhere.
+std::string saveBeside(const StatusBackup& backup) {
+    constexpr int mostNames = 100;
+    const auto name = baseName(backup.file);
+    for (const auto& dir : {parentPath(backup.file), backup.held.directory()}) {
+        for (int i = 0; i < mostNames && isDirectory(dir); ++i) {
+            const auto path = joinPath(dir, i == 0   ? name
+                                            : i == 1 ? name + ".saved"
+                                                     : name + ".saved-" + std::to_string(i));
+            if (!identityAt(path) &&
+                (backup.held.linkTo(path) || !system::writeNewFile(path, backup.content))) {
+                return path;
+            }
+        }
+    }
+    return {};
+}
+
+/// Why a status file could not be put back.
+const char* restoreObstacle(const StatusBackup& backup) {
+    const auto now = identityAt(backup.path);
+    if (now && S_ISDIR(now->kind)) {
+        return "a directory is in its place";
+    }
+    return isDirectory(parentPath(backup.path)) ? "it cannot be written" : "its directory is gone";
+}
+
+void reportRestoreFailure(const StatusBackup& backup, std::string_view reason,
+                          std::string_view saved) noexcept {
+    console::reportErrorInPieces({"failed to restore mq.status: ", backup.path, " (", reason,
+                                  saved.empty() ? "" : "; what it held is in ", saved, ")"});
+}
+
+/// Keeps what could not be put back and tells where it is and why.
+void keepUnrestored(const StatusBackup& backup, std::string_view reason) noexcept {
+    try {
+        const auto saved = holdsText(backup.file, backup.content) ? backup.file : saveBeside(backup);
+        reportRestoreFailure(backup, reason, saved);
+    } catch (const std::exception&) {
+        reportRestoreFailure(backup, reason, "");
     }
 }
 
@@ -224,17 +257,17 @@ bool restoreOne(const StatusBackup& backup) noexcept {
         if (!backup.existed) {
             const int error = removeArrival(backup);
             if (error != 0) {
-                reportRestoreFailure(backup, std::strerror(error));
+                reportRestoreFailure(backup, std::strerror(error), "");
             }
             return error == 0;
         }
         if (!restoreText(backup)) {
-            reportRestoreFailure(backup, "");
+            keepUnrestored(backup, restoreObstacle(backup));
             return false;
         }
         return true;
     } catch (const std::exception& failure) {
-        reportRestoreFailure(backup, failure.what());
+        keepUnrestored(backup, failure.what());
         return false;
     }
 }

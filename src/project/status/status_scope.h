@@ -52,8 +52,9 @@ struct UpdateSummary {
                                     std::vector<StatusBackup>& backups, UpdateSummary& summary);
 
 /// Puts back what the backups hold, the last one first; a file that has come since is removed, what stood
-/// there before without being a status file (a directory, a FIFO, a link that leads to none) stays. Reports
-/// every failure, is stopped by none, not even by a lack of memory; false when there was one.
+/// there before without being a status file (a directory, a FIFO, a link that leads to none) stays. What
+/// cannot go back is left beside its place, or where its directory has been moved to. Reports every failure,
+/// is stopped by none, not even by a lack of memory; false when there was one.
 [[nodiscard]] bool restoreStatusFiles(const std::vector<StatusBackup>& backups) noexcept;
 
 /// Restores on every way out of the scope, once.

@@ -2,6 +2,9 @@
 
 #include "support/number.h"
 #include "support/text.h"
+#include "taskdsl/base/escape.h"
+#include "taskdsl/base/quote_rules.h"
+#include "taskdsl/base/scan.h"
 
 #include <algorithm>
 
@@ -15,41 +18,22 @@ bool standsBare(std::string_view text) noexcept {
     });
 }
 
-void appendQuoted(std::string& out, std::string_view text) {
-    out += '"';
-    for (const char c : text) {
-        switch (c) {
-        case '\t':
-            out += "\\t";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        case '\r':
-            out += "\\r";
-            break;
-        case '"':
-        case '\\':
-            out += '\\';
-            out += c;
-            break;
-        default:
-            out += c;
-        }
-    }
-    out += '"';
-}
-
 bool hasPairOfSingleQuotes(std::string_view text) noexcept {
     return text.size() >= 2 && text.front() == '\'' && text.back() == '\'';
 }
 
-/// True when YAML reads the bare text as something other than this text: an indicator at its start, or a
-/// null.
+/// Bytes that YAML refuses in a bare text.
+bool isControl(char c) noexcept {
+    return (c >= '\0' && c < ' ') || c == '\x7f';
+}
+
+/// True when YAML reads the bare text as something other than this text: an indicator at its start, a
+/// null, or a control character.
 bool isMoreThanTextInYaml(std::string_view text) noexcept {
     constexpr std::string_view indicators = "*&!%@`|>[]{}'";
     return text.empty() || indicators.find(text.front()) != std::string_view::npos || text == "-" ||
-           text == "?" || text == "~" || text == "---" || text == "..." || equalsNoCase(text, "null");
+           text == "?" || text == "~" || text == "---" || text == "..." || equalsNoCase(text, "null") ||
+           std::any_of(text.begin(), text.end(), isControl);
 }
 
 } // namespace
@@ -93,6 +77,45 @@ std::string joinCanonicalList(const std::vector<std::string>& values) {
         }
     }
     return result;
+}
+
+std::vector<std::string> splitValueList(std::string_view text) {
+    std::vector<std::string> values;
+    for (const auto field : splitAtTop(text, quote_rules::valueList, ',')) {
+        if (auto value = readScalar(field); !value.empty()) {
+            values.push_back(std::move(value));
+        }
+    }
+    return values;
+}
+
+std::optional<std::string> decodeCanonicalScalar(std::string_view text) {
+    if (text.size() < 2 || text.front() != '"' || text.back() != '"') {
+        return std::nullopt;
+    }
+    const auto inside = text.substr(1, text.size() - 2);
+    std::string value;
+    value.reserve(inside.size());
+    for (std::size_t i = 0; i < inside.size(); ++i) {
+        const bool escapes = inside[i] == '\\';
+        if (inside[i] == '"' || (escapes && ++i == inside.size())) {
+            return std::nullopt;
+        }
+        const auto byte = escapes ? escapedByte(inside[i]) : inside[i];
+        if (!byte) {
+            return std::nullopt;
+        }
+        value += *byte;
+    }
+    return value;
+}
+
+std::string readScalar(std::string_view text) {
+    text = trim(text);
+    if (auto value = decodeCanonicalScalar(text)) {
+        return std::move(*value);
+    }
+    return std::string(unquote(text));
 }
 
 std::string formatCanonicalNumber(double value) {

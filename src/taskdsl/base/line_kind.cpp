@@ -1,6 +1,5 @@
 #include "taskdsl/base/line_kind.h"
 
-#include "support/text.h"
 #include "taskdsl/base/foreach_header.h"
 #include "taskdsl/base/scan.h"
 
@@ -64,10 +63,7 @@ bool isStructure(LineKind kind) noexcept {
 }
 
 bool isHashInclude(std::string_view trimmed) noexcept {
-    constexpr std::string_view keyword = "#INCLUDE";
-    return trimmed.starts_with('#') && trimmed.size() >= keyword.size() &&
-           equalsNoCase(trimmed.substr(0, keyword.size()), keyword) &&
-           (trimmed.size() == keyword.size() || isSpace(trimmed[keyword.size()]));
+    return trimmed.starts_with('#') && textBehindWord(trimmed, "#INCLUDE").has_value();
 }
 
 } // namespace morquill::taskdsl

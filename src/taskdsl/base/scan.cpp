@@ -1,6 +1,7 @@
 #include "taskdsl/base/scan.h"
 
 #include "support/text.h"
+#include "taskdsl/base/quote_rules.h"
 
 #include <algorithm>
 
@@ -8,13 +9,8 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// Which kinds of quote take part in quoting on a line: those with an even number, at least two.
-struct QuoteKinds {
-    bool doubles = false;
-    bool singles = false;
-};
-
-QuoteKinds quoteKindsOf(std::string_view line) noexcept {
+/// The rule of the quotes that take part on a line: those of a kind with an even number, at least two.
+const QuoteRule& commentRule(std::string_view line) noexcept {
     std::size_t doubles = 0;
     std::size_t singles = 0;
     for (std::size_t i = 0; i < line.size(); ++i) {
@@ -26,15 +22,12 @@ QuoteKinds quoteKindsOf(std::string_view line) noexcept {
             ++singles;
         }
     }
-    return {doubles >= 2 && doubles % 2 == 0, singles >= 2 && singles % 2 == 0};
+    const auto isPaired = [](std::size_t count) { return count >= 2 && count % 2 == 0; };
+    return quote_rules::taskComment[(isPaired(doubles) ? 2U : 0U) + (isPaired(singles) ? 1U : 0U)];
 }
 
 bool isQuotedBy(std::string_view text, char quote) noexcept {
     return text.size() >= 2 && text.front() == quote && text.back() == quote;
-}
-
-bool isEscapable(char c) noexcept {
-    return c == '"' || c == '\'' || c == '\\' || isSpace(c);
 }
 
 } // namespace
@@ -43,20 +36,10 @@ std::string_view stripComment(std::string_view line) noexcept {
     if (line.find('#') == std::string_view::npos) {
         return line;
     }
-    const QuoteKinds kinds = quoteKindsOf(line);
-    char quote = '\0';
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const char c = line[i];
-        if (quote != '\0') {
-            if (c == '\\') {
-                ++i;
-            } else if (c == quote) {
-                quote = '\0';
-            }
-        } else if ((c == '"' && kinds.doubles) || (c == '\'' && kinds.singles)) {
-            quote = c;
-        } else if (c == '#' && (i == 0 || isSpace(line[i - 1]))) {
-            return line.substr(0, i);
+    QuoteWalk walk(commentRule(line));
+    for (std::size_t at = 0; at < line.size(); at = walk.step(line, at)) {
+        if (line[at] == '#' && walk.inOpen() && (at == 0 || isSpace(line[at - 1]))) {
+            return line.substr(0, at);
         }
     }
     return line;
@@ -72,55 +55,6 @@ std::string_view unquote(std::string_view text) noexcept {
         return text.substr(1, text.size() - 2);
     }
     return text;
-}
-
-bool decodeCanonicalScalar(std::string_view text, std::string& value) {
-    if (!isQuotedBy(text, '"')) {
-        return false;
-    }
-    const auto inside = text.substr(1, text.size() - 2);
-    std::string decoded;
-    decoded.reserve(inside.size());
-    for (std::size_t i = 0; i < inside.size(); ++i) {
-        char c = inside[i];
-        if (c == '"') {
-            return false;
-        }
-        if (c == '\\') {
-            if (++i == inside.size()) {
-                return false;
-            }
-            switch (inside[i]) {
-            case '"':
-            case '\\':
-                c = inside[i];
-                break;
-            case 't':
-                c = '\t';
-                break;
-            case 'n':
-                c = '\n';
-                break;
-            case 'r':
-                c = '\r';
-                break;
-            default:
-                return false;
-            }
-        }
-        decoded += c;
-    }
-    value = std::move(decoded);
-    return true;
-}
-
-std::string readScalar(std::string_view text) {
-    text = trim(text);
-    std::string value;
-    if (decodeCanonicalScalar(text, value)) {
-        return value;
-    }
-    return std::string(unquote(text));
 }
 
 std::string_view directiveName(std::string_view text) noexcept {
@@ -143,54 +77,30 @@ bool matchWord(std::string_view text, std::string_view word) noexcept {
     return text.starts_with(word) && (text.size() == word.size() || isSpace(text[word.size()]));
 }
 
-std::vector<std::string> splitShellWords(std::string_view text) {
-    std::vector<std::string> words;
-    std::string word;
-    bool inWord = false;
-    char quote = '\0';
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quote == '\'') {
-            if (c == '\'') {
-                quote = '\0';
-            } else {
-                word += c;
-            }
-            continue;
-        }
-        if (c == '\\' && i + 1 < text.size() && isEscapable(text[i + 1])) {
-            word += text[++i];
-            inWord = true;
-        } else if (quote == '"') {
-            if (c == '"') {
-                quote = '\0';
-            } else {
-                word += c;
-            }
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-            inWord = true;
-        } else if (isSpace(c)) {
-            if (inWord) {
-                words.push_back(std::move(word));
-                word.clear();
-                inWord = false;
-            }
-        } else {
-            word += c;
-            inWord = true;
-        }
+std::optional<std::string_view> textBehindWord(std::string_view text, std::string_view word) noexcept {
+    const auto rest = text.substr(std::min(word.size(), text.size()));
+    if (!equalsNoCase(text.substr(0, word.size()), word) || (!rest.empty() && !isSpace(rest.front()))) {
+        return std::nullopt;
     }
-    if (inWord) {
-        words.push_back(std::move(word));
+    return trim(rest);
+}
+
+std::optional<std::string_view> takeAssignedValue(Cursor& cursor) noexcept {
+    Cursor ahead = cursor;
+    if (!ahead.skipSpace().take('=') || ahead.skipSpace().atEnd()) {
+        return std::nullopt;
     }
-    return words;
+    const auto rest = ahead.rest();
+    const bool quoted = rest.front() == '"' || rest.front() == '\'';
+    const auto close = quoted ? rest.find(rest.front(), 1) : std::string_view::npos;
+    const auto value =
+        close == std::string_view::npos ? ahead.takeWord() : ahead.takeTo(ahead.place() + close + 1);
+    cursor = ahead;
+    return value;
 }
 
 bool isIdentifier(std::string_view text) noexcept {
-    return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), [](char c) {
-        return isLetter(c) || isDigit(c) || c == '_' || c == '-';
-    });
+    return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isNameChar);
 }
 
 bool isDottedIdentifier(std::string_view text) noexcept {

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <string>
+#include "support/cursor.h"
+
+#include <optional>
 #include <string_view>
-#include <vector>
 
 /// How one line of the task language is taken apart. The classifiers work on a text from which the comment
 /// has been removed and which has been trimmed.
@@ -19,15 +20,6 @@ namespace morquill::taskdsl {
 /// The trimmed text without one surrounding pair of double or single quotes. There are no escapes.
 [[nodiscard]] std::string_view unquote(std::string_view text) noexcept;
 
-/// Undoes the canonical writer's scalar quoting: a text that is exactly one double-quoted scalar with every
-/// inner quote escaped and no escapes but \" \\ \t \n \r comes back decoded; any other text is given to
-/// `unquote`.
-[[nodiscard]] std::string readScalar(std::string_view text);
-
-/// The decoded value of a text that is exactly one double-quoted scalar as the canonical writer makes it.
-/// False, and `value` untouched, for any other text.
-[[nodiscard]] bool decodeCanonicalScalar(std::string_view text, std::string& value);
-
 /// The text behind a leading `%`; empty when the line is no directive.
 [[nodiscard]] std::string_view directiveName(std::string_view text) noexcept;
 /// The trimmed text behind a leading `$`, without one pair of double quotes; empty when the line is no
@@ -38,10 +30,14 @@ namespace morquill::taskdsl {
 /// `word` at the front, followed by white space or the end.
 [[nodiscard]] bool matchWord(std::string_view text, std::string_view word) noexcept;
 
-/// Splits at white space like a shell: single quotes take everything literally, double quotes group, and a
-/// backslash before a quote, a backslash or white space protects it. An empty pair of quotes is an empty
-/// word. An unclosed quote runs to the end, a last backslash is literal.
-[[nodiscard]] std::vector<std::string> splitShellWords(std::string_view text);
+/// The trimmed text behind a leading `word` in any case, with white space or the end behind it; nothing when
+/// the text does not begin so.
+[[nodiscard]] std::optional<std::string_view> textBehindWord(std::string_view text,
+                                                             std::string_view word) noexcept;
+
+/// Takes `\s*=\s*("[^"]*"|'[^']*'|[^\s]+)` and returns the value with its quotes; nothing, and the cursor is
+/// where it was, when that does not come next.
+[[nodiscard]] std::optional<std::string_view> takeAssignedValue(Cursor& cursor) noexcept;
 
 /// True for a letter followed by letters, digits, `_` and `-`.
 [[nodiscard]] bool isIdentifier(std::string_view text) noexcept;

@@ -1,6 +1,6 @@
 #include "taskdsl/base/substitute.h"
 
-#include "support/text.h"
+#include "support/cursor.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 
@@ -9,10 +9,6 @@
 namespace morquill::taskdsl {
 
 namespace {
-
-bool isKeyChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '-';
-}
 
 /// A `[key]` in a text: the key, and the places of its brackets.
 struct Bracket {
@@ -24,12 +20,10 @@ struct Bracket {
 /// The next `[key]` from `begin` on. No key character is a bracket, so a failed try goes on behind its key.
 Bracket nextBracket(std::string_view text, std::size_t begin) noexcept {
     for (std::size_t open = text.find('[', begin); open != std::string_view::npos;) {
-        std::size_t close = open + 1;
-        while (close < text.size() && isKeyChar(text[close])) {
-            ++close;
-        }
-        if (close < text.size() && close > open + 1 && text[close] == ']') {
-            return {open, close + 1, text.substr(open + 1, close - open - 1)};
+        const auto key = Cursor(text, open + 1).takeWhile(isKeyChar);
+        const auto close = open + 1 + key.size();
+        if (!key.empty() && close < text.size() && text[close] == ']') {
+            return {open, close + 1, key};
         }
         open = text.find('[', close);
     }
@@ -65,6 +59,10 @@ bool substituteInto(std::string& text, const ValueMap& values) {
     const bool changed = replaced != text;
     text = std::move(replaced);
     return changed;
+}
+
+bool holdsBracketKey(std::string_view text) noexcept {
+    return nextBracket(text, 0).open != std::string_view::npos;
 }
 
 std::vector<std::string> bracketKeys(std::string_view text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <set>
@@ -14,6 +15,9 @@ using ValueMap = std::map<std::string, std::string, std::less<>>;
 /// Keys of a `ValueMap`.
 using KeySet = std::set<std::string, std::less<>>;
 
+/// Whether a text may still hold a `[key]` that a later substitution replaces.
+enum class Placeholders : std::uint8_t { refused, allowed };
+
 /// Replaces every `[key]` whose key is in `values`; unknown keys stay as written, and what was put in is not
 /// scanned again. A key is one or more of letters, digits, `_`, `.` and `-` (pattern
 /// `\[([A-Za-z0-9_.\-]+)\]`). Throws `DiagnosticError` when the text would grow beyond all reason
@@ -22,6 +26,9 @@ using KeySet = std::set<std::string, std::less<>>;
 
 /// The same in place; a text without a `[` costs a scan and no copy. Returns whether the text changed.
 bool substituteInto(std::string& text, const ValueMap& values);
+
+/// True when a `[key]` is in the text.
+[[nodiscard]] bool holdsBracketKey(std::string_view text) noexcept;
 
 /// The keys that stand in brackets, in order, as often as they stand there.
 [[nodiscard]] std::vector<std::string> bracketKeys(std::string_view text);

@@ -1,11 +1,14 @@
 #include "taskdsl/derive/condition.h"
 
-#include "support/text.h"
+#include "support/cursor.h"
 #include "taskdsl/derive/derive_text.h"
+#include "taskdsl/derive/derive_words.h"
 #include "taskdsl/expr/statement_reader.h"
 
 #include <algorithm>
 #include <limits>
+#include <optional>
+#include <utility>
 
 namespace morquill::taskdsl::derive {
 
@@ -26,31 +29,19 @@ struct Mark {
     std::size_t match = noMark;                   ///< of an open bracket: index of its partner
 };
 
-struct WordMark {
-    std::string_view word;
-    MarkKind kind;
-    DeriveCompareOp op;
-};
-constexpr WordMark wordMarks[] = {
-    {"or", MarkKind::orWord, DeriveCompareOp::truthy},
-    {"and", MarkKind::andWord, DeriveCompareOp::truthy},
-    {"in", MarkKind::comparison, DeriveCompareOp::in},
-    {"matches", MarkKind::comparison, DeriveCompareOp::matches},
-};
-
-struct OperatorMark {
-    std::string_view text;
-    DeriveCompareOp op;
-};
-/// Longer ones first.
-constexpr OperatorMark operatorMarks[] = {
-    {"==", DeriveCompareOp::equal},     {"!=", DeriveCompareOp::notEqual},
-    {"<=", DeriveCompareOp::lessEqual}, {">=", DeriveCompareOp::greaterEqual},
-    {"<", DeriveCompareOp::less},       {">", DeriveCompareOp::greater},
-};
-
-bool isWordChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.';
+/// What a word of the text means for its structure: kind and operator; nothing for an ordinary word.
+std::optional<std::pair<MarkKind, DeriveCompareOp>> meaningOf(std::string_view word) {
+    if (const auto op = compareOpWords.find(word); op && op != DeriveCompareOp::truthy) {
+        return std::pair(MarkKind::comparison, *op);
+    }
+    const auto kind = conditionKindWords.find(word);
+    if (kind == DeriveConditionKind::disjunction) {
+        return std::pair(MarkKind::orWord, DeriveCompareOp::truthy);
+    }
+    if (kind == DeriveConditionKind::conjunction) {
+        return std::pair(MarkKind::andWord, DeriveCompareOp::truthy);
+    }
+    return std::nullopt;
 }
 
 /// All marks of the text outside quotes and snapshots, found in one pass. Parentheses and square brackets are
@@ -64,15 +55,12 @@ std::vector<Mark> findMarks(std::string_view text) {
             continue;
         }
         const char c = text[i];
-        if (isWordChar(c)) {
+        if (isDottedWordChar(c)) {
             const auto begin = i;
-            while (i < text.size() && isWordChar(text[i])) {
-                ++i;
-            }
-            for (const auto& word : wordMarks) {
-                if (equalsNoCase(text.substr(begin, i - begin), word.word)) {
-                    marks.push_back({word.kind, begin, i, word.op});
-                }
+            const auto name = Cursor(text, begin).takeWhile(isDottedWordChar);
+            i += name.size();
+            if (const auto meaning = meaningOf(name)) {
+                marks.push_back({meaning->first, begin, i, meaning->second});
             }
             continue;
         }
@@ -85,14 +73,9 @@ std::vector<Mark> findMarks(std::string_view text) {
             marks.push_back({MarkKind::close, i, i + 1});
         } else if (c == ',') {
             marks.push_back({MarkKind::comma, i, i + 1});
-        } else {
-            for (const auto& mark : operatorMarks) {
-                if (text.substr(i).starts_with(mark.text)) {
-                    marks.push_back({MarkKind::comparison, i, i + mark.text.size(), mark.op});
-                    i += mark.text.size() - 1;
-                    break;
-                }
-            }
+        } else if (const auto* row = compareOpWords.atFront(text.substr(i))) {
+            marks.push_back({MarkKind::comparison, i, i + row->word.size(), row->value});
+            i += row->word.size() - 1;
         }
         ++i;
     }

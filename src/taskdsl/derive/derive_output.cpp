@@ -1,12 +1,12 @@
 #include "taskdsl/derive/derive_output.h"
 
+#include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/derive/condition_output.h"
-#include "taskdsl/derive/expression_walk.h"
+#include "taskdsl/expr/expression_walk.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace morquill::taskdsl::derive {
@@ -14,9 +14,6 @@ namespace morquill::taskdsl::derive {
 using plot::quotePlotText;
 
 namespace {
-
-/// Words that make another statement of an emit.
-constexpr std::string_view emitWords[] = {"artifact", "atomvec", "kv", "report", "table", "value"};
 
 /// What the reader takes off the front of an atom property.
 constexpr std::string_view propertyPrefix = "atoms.";
@@ -61,6 +58,9 @@ class StatementPrinter {
   public:
     StatementPrinter(std::string_view derive, const WarningSink& warnings) : check_(derive, warnings) {}
 
+    /// Reports what of the derive does not read back.
+    void warn() const { check_.warn(); }
+
     std::string operator()(const LetStatement& s) {
         return print(s, &LetStatement::value, named("let", s.name) + " = ", "");
     }
@@ -76,8 +76,7 @@ class StatementPrinter {
     std::string operator()(const EmitScalarStatement& s) {
         const std::string head = named("emit", s.name) + " = ";
         const std::string tail = optional(" unit ", s.unit);
-        if (std::any_of(std::begin(emitWords), std::end(emitWords),
-                        [&](std::string_view word) { return equalsNoCase(s.name, word); })) {
+        if (isEmitWord(s.name)) {
             check_.report(quoted(named("emit", s.name)) + " begins another statement");
             return head + plot::renderPlotExpression(s.value) + tail;
         }
@@ -134,8 +133,8 @@ class StatementPrinter {
 
     std::string operator()(const AggregateStatement& s) {
         const std::string head = named("aggregate", s.name) + " = ";
-        return callsFunction(s.value) ? print(s, &AggregateStatement::value, head, "")
-                                      : choose(s, &AggregateStatement::value, head, "");
+        return plot::callsFunction(s.value) ? print(s, &AggregateStatement::value, head, "")
+                                            : tryForms(s, &AggregateStatement::value, head, "");
     }
 
     std::string operator()(const EmitTableStatement& s) {
@@ -172,23 +171,34 @@ class StatementPrinter {
     template <class Statement>
     std::string print(const Statement& s, ExprRef Statement::*expression, const std::string& head,
                       const std::string& tail) {
-        return isUnusual(s.*expression) ? choose(s, expression, head, tail)
-                                        : head + plot::renderPlotExpression(s.*expression) + tail;
+        return head + check_.print(s.*expression, subjectOf(head), readsBetween(s, expression, head, tail)) +
+               tail;
     }
 
+    /// The same for an expression that has to be tried whatever it looks like.
     template <class Statement>
-    std::string choose(const Statement& s, ExprRef Statement::*expression, const std::string& head,
-                       const std::string& tail) {
-        const auto statement = trim(head.ends_with(" = ") ? std::string_view(head).substr(0, head.size() - 3)
-                                                          : std::string_view(head));
+    std::string tryForms(const Statement& s, ExprRef Statement::*expression, const std::string& head,
+                         const std::string& tail) {
         return head +
-               check_.choose(s.*expression, statement,
-                             [&](const std::string& text, const ExprRef& reading) {
-                                 Statement expected = s;
-                                 expected.*expression = reading;
-                                 return readsAs(head + text + tail, expected);
-                             }) +
+               check_.tryForms(s.*expression, subjectOf(head), readsBetween(s, expression, head, tail)) +
                tail;
+    }
+
+    /// What a warning names the statement by: its head without the equals sign.
+    static std::string_view subjectOf(std::string_view head) {
+        constexpr std::string_view equals = " = ";
+        return trim(head.ends_with(equals) ? head.substr(0, head.size() - equals.size()) : head);
+    }
+
+    /// Whether the statement, its expression printed as `text`, reads as the statement with `reading`.
+    template <class Statement>
+    static auto readsBetween(const Statement& s, ExprRef Statement::*expression, const std::string& head,
+                             const std::string& tail) {
+        return [&s, expression, &head, &tail](const std::string& text, const ExprRef& reading) {
+            Statement expected = s;
+            expected.*expression = reading;
+            return readsAs(head + text + tail, expected);
+        };
     }
 
     template <class Statement>
@@ -230,15 +240,16 @@ std::string renderDeriveCondition(const DeriveCondition& condition) {
 
 std::string renderDerive(const DeriveSpec& spec, std::string_view indent, const WarningSink& warnings) {
     StatementPrinter printer(spec.name, warnings);
-    std::string block;
-    block.append(indent).append("@derive ").append(spec.name).append("\n");
+    LineBuilder block(indent);
+    block.line("@derive ", spec.name);
+    block.deeper();
     for (const auto& statement : spec.statements) {
-        block.append(indent).append("  ");
-        block += std::visit(printer, statement);
-        block += '\n';
+        block.line(std::visit(printer, statement));
     }
-    block.append(indent).append("@end\n");
-    return block;
+    block.shallower();
+    block.line("@end");
+    printer.warn();
+    return block.take();
 }
 
 } // namespace morquill::taskdsl::derive

@@ -7,7 +7,10 @@
 #include "taskdsl/derive/read_back.h"
 #include "taskdsl/expr/plot_text.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
+#include <optional>
 #include <utility>
 
 namespace morquill::taskdsl::derive {
@@ -31,112 +34,142 @@ constexpr PhaseRule needs(std::uint32_t flags, std::string_view message) {
 }
 
 struct StatementRow {
-    std::string_view keyword;       ///< with its blank; `emit report` may also be the whole statement
+    std::string_view word;
+    std::string_view object;        ///< a second word; empty when the keyword is one word
     std::array<PhaseRule, 4> rules; ///< the first that is broken is reported
     std::uint32_t sets;
     StatementReader read;
+    bool mayBeAlone = false; ///< the keyword may be the whole statement
 };
 
 constexpr std::uint32_t aggregated = seenGroupBy | seenAggregate;
 constexpr std::uint32_t ordered = seenSort | seenLimit;
 constexpr std::uint32_t sink = seenSink | seenEmit;
+constexpr bool mayBeAlone = true;
 
 // clang-format off
 /// In the order in which they are tried.
 constexpr StatementRow statementRows[] = {
-    {"profile ", {after(seenFrom, "profile definitions must precede the from statement")}, 0,
+    {"profile", "", {after(seenFrom, "profile definitions must precede the from statement")}, 0,
      [](BlockReader& r, std::string_view text) { parseProfile(text, r.span, r.surface); }},
-    {"formula ", {after(seenFrom, "formula definitions must precede the from statement")}, 0,
+    {"formula", "", {after(seenFrom, "formula definitions must precede the from statement")}, 0,
      [](BlockReader& r, std::string_view text) { parseFormula(text, r.span, r.surface); }},
-    {"bind ", {after(seenFrom, "bind statements must precede the from statement")}, 0,
+    {"bind", "", {after(seenFrom, "bind statements must precede the from statement")}, 0,
      [](BlockReader& r, std::string_view text) { parseBind(text, r.span, r.surface, r.spec.statements); }},
-    {"let ", {after(seenFrom, "let statements must precede the from statement")}, 0, readLet},
-    {"require ",
+    {"let", "", {after(seenFrom, "let statements must precede the from statement")}, 0, readLet},
+    {"require", "",
      {after(seenFrom, "require/assert statements must precede the from statement; use where for row filtering")},
      0, readRequire},
-    {"assert ",
+    {"assert", "",
      {after(seenFrom, "require/assert statements must precede the from statement; use where for row filtering")},
      0, readRequire},
-    {"report ", {after(seenFrom, "report statements must precede the from statement")}, 0, readReport},
-    {"from ", {after(seenFrom, "@derive currently supports only one from statement")}, seenFrom, readFrom},
-    {"join ",
+    {"report", "", {after(seenFrom, "report statements must precede the from statement")}, 0, readReport},
+    {"from", "", {after(seenFrom, "@derive currently supports only one from statement")}, seenFrom, readFrom},
+    {"join", "",
      {needs(seenFrom, "join requires a preceding from statement"),
       after(seenSink, "join cannot appear after an emit sink"),
       after(seenWhere | seenSelect | aggregated | ordered,
             "join statements must precede where/select/group/sort/limit statements"),
       needs(seenAtomsSource, "join is currently supported only for atoms(...) sources")},
      0, readJoin},
-    {"where ",
+    {"where", "",
      {needs(seenFrom, "where requires a preceding from statement"),
       after(seenSink, "where cannot appear after an emit sink"),
       after(seenSelect | aggregated | ordered, "where statements must precede select/group/sort/limit statements")},
      seenWhere, readWhere},
-    {"select ",
+    {"select", "",
      {needs(seenFrom, "select requires a preceding from statement"),
       after(seenSink, "select cannot appear after an emit sink"),
       after(aggregated, "select statements must precede group by statements"),
       after(ordered, "select statements must precede sort/limit statements")},
      seenSelect, readSelect},
-    {"group by ",
+    {"group", "by",
      {needs(seenFrom, "group by requires a preceding from statement"),
       after(seenSink, "group by cannot appear after an emit sink"),
       after(ordered, "group by must precede sort/limit statements"),
       after(seenGroupBy, "@derive currently supports only one group by statement")},
      seenGroupBy, readGroupBy},
-    {"aggregate ",
+    {"aggregate", "",
      {needs(seenGroupBy, "aggregate/reduce requires a preceding group by statement"),
       after(seenSink, "aggregate/reduce cannot appear after an emit sink"),
       after(ordered, "aggregate/reduce must precede sort/limit statements")},
      seenAggregate, readAggregate},
-    {"reduce ",
+    {"reduce", "",
      {needs(seenGroupBy, "aggregate/reduce requires a preceding group by statement"),
       after(seenSink, "aggregate/reduce cannot appear after an emit sink"),
       after(ordered, "aggregate/reduce must precede sort/limit statements")},
      seenAggregate, readAggregate},
-    {"sort ",
+    {"sort", "",
      {needs(seenFrom, "sort requires a preceding from statement"),
       after(seenSink, "sort cannot appear after an emit sink"),
       after(seenLimit, "sort statements must precede limit statements")},
      seenSort, readSort},
-    {"limit ",
+    {"limit", "",
      {needs(seenFrom, "limit requires a preceding from statement"),
       after(seenSink, "limit cannot appear after an emit sink"),
       after(seenLimit, "@derive currently supports only one limit statement")},
      seenLimit, readLimit},
-    {"emit atomvec ",
+    {"emit", "atomvec",
      {needs(seenFrom, "emit atomvec requires a preceding atom table source"),
       needs(seenAtomsSource, "emit atomvec is valid only for atoms(...) pipelines")},
      sink, readEmitAtomVector},
-    {"emit kv ",
+    {"emit", "kv",
      {needs(seenFrom, "emit kv requires a preceding atom table source"),
       needs(seenAtomsSource, "emit kv is valid only for atoms(...) pipelines")},
      sink, readEmitKv},
-    {"emit artifact ",
+    {"emit", "artifact",
      {needs(seenFrom, "emit artifact requires a preceding atom table source"),
       needs(seenAtomsSource, "emit artifact is valid only for atoms(...) pipelines")},
      sink, readEmitArtifact},
-    {"emit table ",
+    {"emit", "table",
      {needs(seenFrom, "emit table requires a preceding from statement"),
       needs(seenSelect | aggregated | seenDerivedSource,
             "emit table requires at least one select, group key, aggregate column, or derived table source")},
      sink, readEmitTable},
-    {"emit report ", {after(seenFrom, "emit report statements must precede the from statement")}, seenEmit,
-     readEmitReport},
-    {"emit value ", {after(seenFrom, "scalar value emit statements must precede the from statement")}, seenEmit,
+    {"emit", "report", {after(seenFrom, "emit report statements must precede the from statement")}, seenEmit,
+     readEmitReport, mayBeAlone},
+    {"emit", "value", {after(seenFrom, "scalar value emit statements must precede the from statement")}, seenEmit,
      readEmitValue},
-    {"emit ", {after(seenFrom, "scalar emit statements must precede the from statement")}, seenEmit, readEmitScalar},
+    {"emit", "", {after(seenFrom, "scalar emit statements must precede the from statement")}, seenEmit, readEmitScalar},
 };
 // clang-format on
 
-bool isStatement(std::string_view text, std::string_view keyword) noexcept {
-    return equalsNoCase(text.substr(0, keyword.size()), keyword) ||
-           (keyword == "emit report " && equalsNoCase(text, "emit report"));
+/// A word and the text behind the blank that ends it.
+struct KeywordPart {
+    std::string_view word;
+    std::string_view rest;
+};
+
+/// The first word of the text; nothing when no blank ends it. Neither a tab nor the end of the text ends a
+/// word of a keyword, and the two words of one are a single blank apart.
+std::optional<KeywordPart> keywordPart(std::string_view text) noexcept {
+    const auto blank = text.find(' ');
+    return blank == std::string_view::npos
+               ? std::nullopt
+               : std::optional(KeywordPart{text.substr(0, blank), text.substr(blank + 1)});
 }
 
-const StatementRow& rowOf(const BlockReader& reader, std::string_view text) {
+/// A statement with what is said of its kind.
+struct KnownStatement {
+    const StatementRow& row;
+    std::string_view rest; ///< trimmed text behind the keyword
+};
+
+KnownStatement knownStatement(const BlockReader& reader, std::string_view text) {
+    const auto first = keywordPart(text);
+    const auto second = first ? keywordPart(first->rest) : std::nullopt;
     for (const auto& row : statementRows) {
-        if (isStatement(text, row.keyword)) {
-            return row;
+        if (!first || !equalsNoCase(first->word, row.word)) {
+            continue;
+        }
+        if (row.object.empty()) {
+            return {row, trim(first->rest)};
+        }
+        if (second && equalsNoCase(second->word, row.object)) {
+            return {row, trim(second->rest)};
+        }
+        if (row.mayBeAlone && equalsNoCase(first->rest, row.object)) {
+            return {row, {}};
         }
     }
     reader.fail(
@@ -160,12 +193,11 @@ void readStatement(BlockReader& reader, Phases phases) {
     const auto& line = reader.lines[reader.next++];
     reader.span = line.span;
     reader.indent = line.indent;
-    const std::string_view text = line.text;
-    const StatementRow& row = rowOf(reader, text);
+    const auto [row, rest] = knownStatement(reader, line.text);
     if (phases == Phases::checked) {
         checkPhase(reader, row);
     }
-    row.read(reader, trim(text.substr(std::min(row.keyword.size(), text.size()))));
+    row.read(reader, rest);
     reader.seen |= row.sets;
 }
 
@@ -195,6 +227,12 @@ DeriveSpec parseDerive(const CapturedBlock& block) {
         reader.fail("table pipeline must end with at least one emit sink");
     }
     return std::move(reader.spec);
+}
+
+bool isEmitWord(std::string_view name) noexcept {
+    return std::any_of(std::begin(statementRows), std::end(statementRows), [name](const StatementRow& row) {
+        return row.word == "emit" && !row.object.empty() && equalsNoCase(row.object, name);
+    });
 }
 
 std::optional<DeriveStatement> readSingleStatement(std::string_view text) {

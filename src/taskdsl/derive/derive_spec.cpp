@@ -1,5 +1,7 @@
 #include "taskdsl/derive/derive_spec.h"
 
+#include "taskdsl/derive/derive_words.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <tuple>
@@ -8,18 +10,6 @@
 namespace morquill::taskdsl::derive {
 
 namespace {
-
-constexpr std::string_view compareOpNames[] = {"truthy", "==", "!=", "<", "<=", ">", ">=", "in", "matches"};
-constexpr std::string_view conditionKindNames[] = {"leaf", "and", "or", "not"};
-constexpr std::string_view valueKindNames[] = {"number", "string"};
-constexpr std::string_view sortDirectionNames[] = {"asc", "desc"};
-constexpr std::string_view sinkFormatNames[] = {"none", "csv", "tsv", "jsonl"};
-
-template <class Enum, std::size_t N>
-std::string_view nameOf(const std::string_view (&names)[N], Enum value) noexcept {
-    const auto index = static_cast<std::size_t>(value);
-    return index < N ? names[index] : names[0];
-}
 
 // Everything but the expression.
 auto plainFields(const LetStatement& s) {
@@ -70,23 +60,23 @@ bool equalHeads(const DeriveCondition& left, const DeriveCondition& right) {
 } // namespace
 
 std::string_view deriveCompareOpName(DeriveCompareOp op) noexcept {
-    return nameOf(compareOpNames, op);
+    return compareOpWords.nameOf(op);
 }
 
 std::string_view deriveConditionKindName(DeriveConditionKind kind) noexcept {
-    return nameOf(conditionKindNames, kind);
+    return conditionKindWords.nameOf(kind);
 }
 
 std::string_view deriveValueKindName(DeriveValueKind kind) noexcept {
-    return nameOf(valueKindNames, kind);
+    return valueKindWords.nameOf(kind);
 }
 
 std::string_view deriveSortDirectionName(DeriveSortDirection direction) noexcept {
-    return nameOf(sortDirectionNames, direction);
+    return sortDirectionWords.nameOf(direction);
 }
 
 std::string_view deriveSinkFormatName(DeriveSinkFormat format) noexcept {
-    return nameOf(sinkFormatNames, format);
+    return sinkFormatWords.nameOf(format);
 }
 
 DeriveCondition::DeriveCondition(const DeriveCondition& other) {

@@ -1,8 +1,11 @@
 #include "taskdsl/derive/derive_text.h"
 
 #include "support/text.h"
+#include "taskdsl/base/quote_rules.h"
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/expr/statement_reader.h"
+
+#include <algorithm>
 
 namespace morquill::taskdsl::derive {
 
@@ -12,39 +15,6 @@ bool isBorder(char c) noexcept {
     return isSpace(c) || std::string_view("()[]{}\"',=").find(c) != std::string_view::npos;
 }
 
-/// Walks the bytes at top level. Opening and closing parentheses are not among them.
-class TopLevelWalk {
-  public:
-    TopLevelWalk(std::string_view text, Brackets brackets) noexcept
-        : text_(text), shielding_(brackets == Brackets::shielding) {}
-
-    /// The next byte at top level; npos at the end.
-    std::size_t next() noexcept {
-        while (at_ < text_.size()) {
-            const auto behind = skipOpaque(text_, at_);
-            if (behind != at_) {
-                at_ = behind;
-                continue;
-            }
-            const char c = text_[at_++];
-            if (c == '(' || (shielding_ && c == '[')) {
-                ++depth_;
-            } else if (c == ')' || (shielding_ && c == ']')) {
-                depth_ -= depth_ > 0 ? 1 : 0;
-            } else if (depth_ == 0) {
-                return at_ - 1;
-            }
-        }
-        return std::string_view::npos;
-    }
-
-  private:
-    std::string_view text_;
-    std::size_t at_ = 0;
-    std::size_t depth_ = 0;
-    bool shielding_;
-};
-
 Halves splitAround(std::string_view text, std::size_t at, std::size_t length) noexcept {
     return {trim(text.substr(0, at)), trim(text.substr(at + length))};
 }
@@ -52,81 +22,57 @@ Halves splitAround(std::string_view text, std::size_t at, std::size_t length) no
 } // namespace
 
 std::size_t skipOpaque(std::string_view text, std::size_t at) noexcept {
-    const char c = text[at];
-    if (c == '"' || c == '\'') {
-        for (std::size_t i = at + 1; i < text.size(); ++i) {
-            if (text[i] == '\\') {
-                ++i;
-            } else if (text[i] == c) {
-                return i + 1;
-            }
-        }
-        return text.size();
+    QuoteWalk walk(quote_rules::deriveText);
+    std::size_t behind = walk.step(text, at);
+    if (walk.inOpen()) {
+        return at;
     }
-    if (c == '{' && text.substr(at).starts_with("{{")) {
-        const auto close = text.find("}}", at + 2);
-        return close == std::string_view::npos ? text.size() : close + 2;
+    while (behind < text.size() && !walk.inOpen()) {
+        behind = walk.step(text, behind);
     }
-    return at;
+    return behind;
+}
+
+std::size_t skipParentheses(std::string_view text, std::size_t at) noexcept {
+    QuoteWalk walk(quote_rules::deriveText);
+    do {
+        at = walk.step(text, at);
+    } while (at < text.size() && !walk.atTop());
+    return walk.atTop() ? at : std::string_view::npos;
 }
 
 std::optional<Halves> splitAtEquals(std::string_view text) noexcept {
-    TopLevelWalk walk(text, Brackets::ordinary);
-    for (auto at = walk.next(); at != std::string_view::npos; at = walk.next()) {
-        if (text[at] == '=') {
-            return splitAround(text, at, 1);
-        }
-    }
-    return std::nullopt;
+    const auto at =
+        findAtTop(text, quote_rules::deriveText, [text](std::size_t place) { return text[place] == '='; });
+    return at == std::string_view::npos ? std::nullopt : std::optional(splitAround(text, at, 1));
 }
 
 std::optional<Halves> splitAtWord(std::string_view text, std::string_view word, std::size_t from,
                                   Brackets brackets) noexcept {
-    TopLevelWalk walk(text, brackets);
-    for (auto at = walk.next(); at != std::string_view::npos; at = walk.next()) {
-        const auto end = at + word.size();
-        if (at >= from && lowerChar(text[at]) == word.front() && (at == 0 || isBorder(text[at - 1])) &&
-            equalsNoCase(text.substr(at, word.size()), word) && (end >= text.size() || isBorder(text[end]))) {
-            return splitAround(text, at, word.size());
-        }
-    }
-    return std::nullopt;
+    const auto& rule =
+        brackets == Brackets::shielding ? quote_rules::deriveCondition : quote_rules::deriveText;
+    const auto at = findAtTop(text, rule, [=](std::size_t place) {
+        const auto end = place + word.size();
+        return place >= from && lowerChar(text[place]) == word.front() &&
+               (place == 0 || isBorder(text[place - 1])) &&
+               equalsNoCase(text.substr(place, word.size()), word) &&
+               (end >= text.size() || isBorder(text[end]));
+    });
+    return at == std::string_view::npos ? std::nullopt : std::optional(splitAround(text, at, word.size()));
 }
 
 std::vector<std::string_view> splitAtCommas(std::string_view text) {
-    std::vector<std::string_view> entries;
-    std::size_t begin = 0;
-    TopLevelWalk walk(text, Brackets::ordinary);
-    for (auto at = walk.next(); at != std::string_view::npos; at = walk.next()) {
-        if (text[at] == ',') {
-            entries.push_back(trim(text.substr(begin, at - begin)));
-            begin = at + 1;
-        }
-    }
-    entries.push_back(trim(text.substr(begin)));
+    auto entries = splitAtTop(text, quote_rules::deriveText, ',');
+    std::transform(entries.begin(), entries.end(), entries.begin(), trim);
     return entries;
 }
 
 std::optional<std::string_view> insideParentheses(std::string_view text) noexcept {
     text = trim(text);
-    if (text.size() < 2 || text.front() != '(' || text.back() != ')') {
+    if (text.empty() || text.front() != '(' || skipParentheses(text, 0) != text.size()) {
         return std::nullopt;
     }
-    std::size_t depth = 0;
-    for (std::size_t i = 0; i < text.size();) {
-        const auto behind = skipOpaque(text, i);
-        if (behind != i) {
-            i = behind;
-            continue;
-        }
-        depth += text[i] == '(' ? 1 : 0;
-        depth -= text[i] == ')' ? 1 : 0;
-        ++i;
-        if (depth == 0) { // the first parenthesis is closed here
-            return i == text.size() ? std::optional(trim(text.substr(1, text.size() - 2))) : std::nullopt;
-        }
-    }
-    return std::nullopt;
+    return trim(text.substr(1, text.size() - 2));
 }
 
 std::string readLabelledText(std::string_view text, std::string_view label, const SourceSpan& span) {

@@ -17,6 +17,9 @@ namespace morquill::taskdsl::derive {
 /// `at` itself when neither begins there.
 [[nodiscard]] std::size_t skipOpaque(std::string_view text, std::size_t at) noexcept;
 
+/// The place behind the parenthesis that closes the one at `at`; npos when it is not closed.
+[[nodiscard]] std::size_t skipParentheses(std::string_view text, std::size_t at) noexcept;
+
 /// A text split in two.
 struct Halves {
     std::string_view left;

@@ -1,6 +1,7 @@
 #include "support/text.h"
 #include "taskdsl/derive/block_reader.h"
 #include "taskdsl/derive/derive_text.h"
+#include "taskdsl/derive/derive_words.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <algorithm>
@@ -57,10 +58,6 @@ EmitModifiers readModifiers(BlockReader& reader, std::optional<std::string> unit
     return modifiers;
 }
 
-bool isPropertyChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '-' || c == '.';
-}
-
 /// The name of an atom property without the prefix that says what it belongs to.
 std::string readAtomProperty(const BlockReader& reader, std::string_view text, std::string_view statement) {
     for (const std::string_view prefix : {"atoms[].", "atoms."}) {
@@ -72,7 +69,7 @@ std::string readAtomProperty(const BlockReader& reader, std::string_view text, s
     if (text.empty()) {
         reader.fail(std::string(statement) + " requires a property name");
     }
-    if (!std::all_of(text.begin(), text.end(), isPropertyChar)) {
+    if (!std::all_of(text.begin(), text.end(), isKeyChar)) {
         reader.fail("atom vector property must contain only letters, digits, '_', '-' and '.'");
     }
     return std::string(text);
@@ -159,11 +156,7 @@ void readEmitTable(BlockReader& reader, std::string_view text) {
             reader.fail("emit table sink must be 'to csv|tsv|jsonl <path>'");
         }
         const auto [format, path] = plot::splitFirstWord(rest);
-        for (const auto known : {DeriveSinkFormat::csv, DeriveSinkFormat::tsv, DeriveSinkFormat::jsonl}) {
-            if (equalsNoCase(format, deriveSinkFormatName(known))) {
-                statement.sink = known;
-            }
-        }
+        statement.sink = sinkFormatWords.find(format).value_or(DeriveSinkFormat::none);
         if (statement.sink == DeriveSinkFormat::none) {
             reader.fail("emit table file sink must be csv, tsv, or jsonl");
         }
@@ -221,8 +214,7 @@ void readEmitAtomVector(BlockReader& reader, std::string_view text) {
         // `a-b` is a property but no field: as an expression it would be a difference.
         constexpr std::uint32_t fields = seenSelect | seenGroupBy | seenAggregate;
         const auto& name = statement.property;
-        const bool field =
-            (isLetter(name.front()) || name.front() == '_') && name.find('-') == std::string::npos;
+        const bool field = isWordStart(name.front()) && name.find('-') == std::string::npos;
         if ((reader.seen & fields) == 0 || !field) {
             reader.fail("emit atomvec requires at least one selected/grouped/aggregate row field");
         }

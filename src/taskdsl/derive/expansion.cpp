@@ -1,7 +1,8 @@
 #include "taskdsl/derive/formulas.h"
 
 #include "support/text.h"
-#include "taskdsl/derive/expression_walk.h"
+#include "taskdsl/expr/expression_walk.h"
+#include "taskdsl/expr/precedence.h"
 #include "taskdsl/expr/statement_reader.h"
 
 #include <algorithm>
@@ -14,6 +15,7 @@ namespace morquill::taskdsl::derive {
 
 using plot::PlotCallArgument;
 using plot::plotError;
+using plot::Precedence;
 
 namespace {
 
@@ -29,11 +31,11 @@ using Bindings = std::map<std::string_view, Expanded>;
 
 /// Where an expression stands.
 struct Place {
-    const Bindings* bindings = nullptr; ///< of the formula whose body this is
-    std::uint32_t formulas = 0;         ///< formulas around it
-    std::uint32_t profiles = 0;         ///< profiles around it
-    std::size_t nesting = 0;            ///< calls, signs and parentheses around it
-    int asked = 0;                      ///< precedence below which a binary node is printed in parentheses
+    const Bindings* bindings = nullptr;      ///< of the formula whose body this is
+    std::uint32_t formulas = 0;              ///< formulas around it
+    std::uint32_t profiles = 0;              ///< profiles around it
+    std::size_t nesting = 0;                 ///< calls, signs and parentheses around it
+    Precedence asked = Precedence::anything; ///< as in print
 };
 
 /// The argument of a formula call, not yet expanded.
@@ -41,17 +43,6 @@ struct Given {
     ExprRef value;
     Place place;
 };
-
-int precedenceOf(plot::BinaryOp op) noexcept {
-    return op == plot::BinaryOp::add || op == plot::BinaryOp::subtract ? 1 : 2;
-}
-
-/// A right operand of "-" and "/" keeps its parentheses at equal precedence.
-int rightPrecedence(plot::BinaryOp op) noexcept {
-    return precedenceOf(op) + (op == plot::BinaryOp::subtract || op == plot::BinaryOp::divide ? 1 : 0);
-}
-
-constexpr int unaryPrecedence = 3;
 
 /// Adds to one of the counts of a block.
 void charge(std::size_t& count, std::size_t nodes, const SourceSpan& span) {
@@ -63,9 +54,8 @@ void charge(std::size_t& count, std::size_t nodes, const SourceSpan& span) {
 }
 
 /// 1 when the expression is printed in parentheses at such a place.
-std::size_t parentheses(const ExprRef& expression, int asked) noexcept {
-    const auto* binary = plot::expressionAs<plot::BinaryExpr>(expression);
-    return binary != nullptr && precedenceOf(binary->op) < asked ? 1 : 0;
+std::size_t parentheses(const ExprRef& expression, Precedence asked) noexcept {
+    return expression && plot::needsParentheses(*expression, asked) ? 1 : 0;
 }
 
 class Expander {
@@ -124,9 +114,9 @@ class Expander {
 
     Expanded expandSign(const plot::UnaryExpr& node, const ExprRef& expression, const Place& place) {
         Expanded operand = expand(node.operand, {place.bindings, place.formulas, place.profiles,
-                                                 place.nesting + 1, unaryPrecedence});
+                                                 place.nesting + 1, Precedence::signs});
         Expanded result{expression, operand.nodes + 1,
-                        operand.depth + 1 + parentheses(operand.expression, unaryPrecedence)};
+                        operand.depth + 1 + parentheses(operand.expression, Precedence::signs)};
         if (operand.expression != node.operand) {
             result.expression = plot::makeExpression(plot::UnaryExpr{node.op, std::move(operand.expression)});
         }
@@ -138,7 +128,7 @@ class Expander {
         std::vector<const ExprRef*> chain{&expression};
         const ExprRef* leftmost = &std::get<plot::BinaryExpr>(expression->node).left;
         for (;;) {
-            place.asked = precedenceOf(std::get<plot::BinaryExpr>((*chain.back())->node).op);
+            place.asked = plot::precedenceOf(std::get<plot::BinaryExpr>((*chain.back())->node).op);
             if (plot::expressionAs<plot::BinaryExpr>(*leftmost) == nullptr) {
                 break;
             }
@@ -153,10 +143,10 @@ class Expander {
         while (!chain.empty()) {
             const ExprRef& written = *chain.back();
             const auto& node = std::get<plot::BinaryExpr>(written->node);
-            place.asked = rightPrecedence(node.op);
+            place.asked = plot::rightPrecedence(node.op);
             Expanded right = expand(node.right, place);
             Expanded result{written, left.nodes + right.nodes + 1,
-                            std::max(left.depth + parentheses(left.expression, precedenceOf(node.op)),
+                            std::max(left.depth + parentheses(left.expression, plot::precedenceOf(node.op)),
                                      right.depth + parentheses(right.expression, place.asked))};
             if (left.expression != node.left || right.expression != node.right) {
                 result.expression = plot::makeExpression(
@@ -165,8 +155,8 @@ class Expander {
             left = std::move(result);
             chain.pop_back();
             if (!chain.empty()) {
-                place.nesting -=
-                    parentheses(written, precedenceOf(std::get<plot::BinaryExpr>((*chain.back())->node).op));
+                place.nesting -= parentheses(
+                    written, plot::precedenceOf(std::get<plot::BinaryExpr>((*chain.back())->node).op));
             }
         }
         return left;
@@ -262,10 +252,6 @@ class Expander {
         }
     }
 
-    static bool isUsing(const PlotCallArgument& argument) noexcept {
-        return argument.named && argument.name == "using";
-    }
-
     /// Calls `take` with the arguments of the call but `using=`, then with those of the profile. What a
     /// profile gives stands outside every formula body. A profile whose values use it again would not end,
     /// so profiles have a bound of their own.
@@ -274,11 +260,13 @@ class Expander {
                          Take take) {
         for (const auto& argument : call.arguments) {
             if (!isUsing(argument)) {
-                take(argument, Place{place.bindings, place.formulas, place.profiles, place.nesting + 1, 0});
+                take(argument, Place{place.bindings, place.formulas, place.profiles, place.nesting + 1,
+                                     Precedence::anything});
             }
         }
         if (profile != nullptr) {
-            const Place inside{nullptr, place.formulas, enterProfile(place), place.nesting + 1, 0};
+            const Place inside{nullptr, place.formulas, enterProfile(place), place.nesting + 1,
+                               Precedence::anything};
             for (const auto& argument : profile->arguments) {
                 take(argument, inside);
             }
@@ -376,7 +364,8 @@ class Expander {
 } // namespace
 
 void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span) {
-    forEachNode(expression, [&](const plot::PlotExpression&) { charge(surface.expandedNodes, 1, span); });
+    plot::forEachNode(expression,
+                      [&](const plot::PlotExpression&) { charge(surface.expandedNodes, 1, span); });
 }
 
 ExprRef expandFormulas(const ExprRef& expression, DeriveSurface& surface, const SourceSpan& span) {

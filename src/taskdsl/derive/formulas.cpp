@@ -3,6 +3,7 @@
 #include "catalog/property_catalog.h"
 #include "support/text.h"
 #include "taskdsl/derive/derive_text.h"
+#include "taskdsl/expr/expression_walk.h"
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/expr/statement_reader.h"
 
@@ -156,36 +157,28 @@ std::vector<std::string> readParameters(std::string_view text, const SourceSpan&
 /// A body may speak of nothing but its parameters. `using=` names a profile that exists already.
 void checkBody(const FormulaDefinition& formula, const DeriveSurface& surface, const SourceSpan& span) {
     const std::set<std::string_view> parameters(formula.parameters.begin(), formula.parameters.end());
-    std::vector<const ExprRef*> pending{&formula.body}; // the next node in reading order is the last
-    while (!pending.empty()) {
-        const ExprRef& expression = *pending.back();
-        pending.pop_back();
-        if (plot::expressionAs<plot::SnapshotExpr>(expression) != nullptr) {
+    const Match checkNode{
+        [&](const plot::SnapshotExpr&) {
             plotError(span, "formula bodies cannot capture snapshot references; pass the selected value as a "
                             "parameter");
-        } else if (const auto* identifier = plot::expressionAs<plot::IdentifierExpr>(expression)) {
-            if (!parameters.contains(identifier->name)) {
-                plotError(span, "formula body captures bare identifier " + quoted(identifier->name) +
+        },
+        [&](const plot::IdentifierExpr& identifier) {
+            if (!parameters.contains(identifier.name)) {
+                plotError(span, "formula body captures bare identifier " + quoted(identifier.name) +
                                     "; pass it as a parameter or quote it as a literal");
             }
-        } else if (const auto* call = plot::expressionAs<plot::CallExpr>(expression)) {
-            for (const auto& argument : call->arguments) {
-                if (argument.named && argument.name == "using") {
-                    (void)requireProfile(argument.value, call->name, surface, span);
+        },
+        [&](const plot::CallExpr& call) {
+            for (const auto& argument : call.arguments) {
+                if (isUsing(argument)) {
+                    (void)requireProfile(argument.value, call.name, surface, span);
                 }
             }
-            for (auto argument = call->arguments.rbegin(); argument != call->arguments.rend(); ++argument) {
-                if (!argument->named || argument->name != "using") {
-                    pending.push_back(&argument->value);
-                }
-            }
-        } else if (const auto* unary = plot::expressionAs<plot::UnaryExpr>(expression)) {
-            pending.push_back(&unary->operand);
-        } else if (const auto* binary = plot::expressionAs<plot::BinaryExpr>(expression)) {
-            pending.push_back(&binary->right);
-            pending.push_back(&binary->left);
-        }
-    }
+        },
+        [](const auto&) {}};
+    plot::forEachNode(
+        formula.body, [&](const plot::PlotExpression& node) { std::visit(checkNode, node.node); },
+        [](const plot::PlotCallArgument& argument) { return !isUsing(argument); });
 }
 
 void checkProfileArguments(const ParameterProfile& profile, const SourceSpan& span) {
@@ -243,13 +236,14 @@ bool isReservedDeriveName(std::string_view name) {
            canonicalPropertyName(name).has_value();
 }
 
+bool isUsing(const plot::PlotCallArgument& argument) noexcept {
+    return argument.named && argument.name == "using";
+}
+
 const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
                                        const SourceSpan& span) {
-    if (const auto* identifier = plot::expressionAs<plot::IdentifierExpr>(expression)) {
-        return identifier->name;
-    }
-    if (const auto* string = plot::expressionAs<plot::StringExpr>(expression)) {
-        return string->text;
+    if (const auto* text = plot::nameOrString(expression)) {
+        return *text;
     }
     plotError(span, std::string(label) + " must be an identifier or string literal");
 }
@@ -304,7 +298,7 @@ void parseProfile(std::string_view text, const SourceSpan& span, DeriveSurface& 
     if (!halves->right.starts_with('(') || !halves->right.ends_with(')')) {
         plotError(span, "profile arguments must be enclosed in parentheses");
     }
-    const auto call = plot::parsePlotExpression("__profile" + std::string(halves->right), span);
+    const auto call = plot::parseCallOf(profile.target, halves->right, span);
     const auto* list = plot::expressionAs<plot::CallExpr>(call);
     if (list == nullptr) { // `(a=1) + (2)`
         plotError(span, "invalid profile argument list");

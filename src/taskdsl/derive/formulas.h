@@ -76,6 +76,9 @@ void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceS
 [[nodiscard]] const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
                                                      const SourceSpan& span);
 
+/// True for the argument of a call that names a profile.
+[[nodiscard]] bool isUsing(const plot::PlotCallArgument& argument) noexcept;
+
 /// The profile that the value of a `using=` argument names. Throws when it is unknown or for another
 /// function.
 [[nodiscard]] const ParameterProfile& requireProfile(const ExprRef& value, std::string_view function,

@@ -2,7 +2,8 @@
 #include "taskdsl/derive/block_reader.h"
 #include "taskdsl/derive/condition.h"
 #include "taskdsl/derive/derive_text.h"
-#include "taskdsl/derive/expression_walk.h"
+#include "taskdsl/derive/derive_words.h"
+#include "taskdsl/expr/expression_walk.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <charconv>
@@ -160,11 +161,11 @@ NamedEntry splitSelectEntry(const BlockReader& reader, std::string_view entry) {
 DeriveSortDirection takeDirection(std::string_view& entry) noexcept {
     const auto blank = entry.find_last_of(" \t");
     const auto word = entry.substr(blank == std::string_view::npos ? 0 : blank + 1);
-    const bool descending = equalsNoCase(word, "desc");
-    if (descending || equalsNoCase(word, "asc")) {
+    const auto direction = sortDirectionWords.find(word);
+    if (direction) {
         entry = trim(entry.substr(0, entry.size() - word.size()));
     }
-    return descending ? DeriveSortDirection::desc : DeriveSortDirection::asc;
+    return direction.value_or(DeriveSortDirection::asc);
 }
 
 } // namespace
@@ -258,7 +259,7 @@ namespace {
 /// True for a value that calls a function, somewhere in it. A value in parentheses passes, too: the call of a
 /// formula may leave none behind once it is expanded, and what it leaves is printed so.
 bool isAggregate(const ExprRef& value, std::string_view text) {
-    return callsFunction(value) || insideParentheses(text);
+    return plot::callsFunction(value) || insideParentheses(text);
 }
 
 } // namespace

@@ -5,10 +5,11 @@
 
 #include <cstddef>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
+#include <vector>
 
 /// What keeps the printed form of a derive from reading back, and what is done about it. Not for use outside
 /// this room.
@@ -29,15 +30,12 @@ template <class Statement>
     return *statement == expected;
 }
 
-/// A quick look: false when the expression reads back wherever it is printed, true when that has to be tried.
-[[nodiscard]] bool isUnusual(const ExprRef& expression);
+/// True for a name that makes another statement of `emit <name> = ...`, such as "table".
+[[nodiscard]] bool isEmitWord(std::string_view name) noexcept;
 
-/// What an unusual expression reads as where it is printed alone.
-struct Reading {
-    ExprRef expression; ///< empty when the text is refused
-    std::string loss;   ///< why that is not the expression that was printed; empty when it is
-};
-[[nodiscard]] Reading readAlone(const ExprRef& expression, std::string_view text);
+/// A quick look: false when the expression, printed so, reads back wherever it stands, true when that has to
+/// be tried.
+[[nodiscard]] bool isUnusual(const ExprRef& expression, const plot::PrintedExpression& printed);
 
 /// The forms in which an expression is tried, each with more parentheses: as it stands, as a whole in
 /// parentheses, and with parentheses around every unusual name outside calls and parentheses.
@@ -55,31 +53,16 @@ class ReadBackCheck {
     /// reported.
     template <class Fits>
     [[nodiscard]] std::string print(const ExprRef& expression, std::string_view statement, const Fits& fits) {
-        return isUnusual(expression) ? choose(expression, statement, fits)
-                                     : plot::renderPlotExpression(expression);
+        auto printed = plot::printExpression(expression);
+        return isUnusual(expression, printed) ? choose(expression, std::move(printed), statement, fits)
+                                              : std::move(printed.text);
     }
 
-    /// The same for an expression that is known to be unusual.
+    /// The same for an expression that has to be tried whatever it looks like.
     template <class Fits>
-    [[nodiscard]] std::string choose(const ExprRef& expression, std::string_view statement,
-                                     const Fits& fits) {
-        ++unusual_;
-        std::string text = plot::renderPlotExpression(expression);
-        const Reading reading = readAlone(expression, text);
-        if (!reading.loss.empty()) {
-            report(reading.loss);
-        }
-        if (!reading.expression) {
-            return text;
-        }
-        for (const auto form :
-             {ExpressionForm::plain, ExpressionForm::wrapped, ExpressionForm::namesWrapped}) {
-            if (std::string tried = formOf(text, form); fits(tried, reading.expression)) {
-                return tried;
-            }
-        }
-        reportStatement(statement);
-        return text;
+    [[nodiscard]] std::string tryForms(const ExprRef& expression, std::string_view statement,
+                                       const Fits& fits) {
+        return choose(expression, plot::printExpression(expression), statement, fits);
     }
 
     /// What has been seen so far; taken before a statement of several expressions is printed.
@@ -98,14 +81,37 @@ class ReadBackCheck {
         }
     }
 
-    /// Warns that the derive does not read back, once for the same reason.
+    /// Notes why the derive does not read back.
     void report(std::string_view why);
+    /// Warns in one line of all that was noted, each reason once.
+    void warn() const;
     void reportStatement(std::string_view statement);
 
   private:
+    template <class Fits>
+    std::string choose(const ExprRef& expression, plot::PrintedExpression printed, std::string_view statement,
+                       const Fits& fits) {
+        ++unusual_;
+        if (!printed.loss.empty()) {
+            report(printed.loss);
+        }
+        const ExprRef reading = plot::readPrinted(expression, printed);
+        if (!reading) {
+            return std::move(printed.text);
+        }
+        for (const auto form :
+             {ExpressionForm::plain, ExpressionForm::wrapped, ExpressionForm::namesWrapped}) {
+            if (std::string tried = formOf(printed.text, form); fits(tried, reading)) {
+                return tried;
+            }
+        }
+        reportStatement(statement);
+        return std::move(printed.text);
+    }
+
     std::string_view derive_;
     const WarningSink& warnings_;
-    std::set<std::string, std::less<>> reported_;
+    std::vector<std::string> reasons_;
     std::size_t unusual_ = 0; ///< unusual expressions
     std::size_t reports_ = 0; ///< repeated ones counted
 };

@@ -2,6 +2,7 @@
 
 #include "support/text.h"
 #include "taskdsl/derive/statement_parts.h"
+#include "taskdsl/expr/expression_walk.h"
 
 #include <algorithm>
 #include <iterator>
@@ -29,46 +30,25 @@ void addTask(const std::string& task, References& references) {
     }
 }
 
-/// The text of an identifier or a string; null for any other expression.
-const std::string* nameOrString(const ExprRef& expression) noexcept {
-    if (const auto* identifier = plot::expressionAs<plot::IdentifierExpr>(expression)) {
-        return &identifier->name;
+/// The task that the node names: `{{ task.key }}`, or the first argument of a function of tasks. A first
+/// argument that is computed names no task, but may hold references itself.
+void addReferencesOf(const plot::PlotExpression& node, References& references) {
+    if (const auto* snapshot = std::get_if<plot::SnapshotExpr>(&node.node)) {
+        addTask(snapshot->task, references);
+        return;
     }
-    const auto* string = plot::expressionAs<plot::StringExpr>(expression);
-    return string != nullptr ? &string->text : nullptr;
+    const auto* call = std::get_if<plot::CallExpr>(&node.node);
+    if (call == nullptr || call->arguments.empty() || !takesTask(call->name)) {
+        return;
+    }
+    if (const auto* name = plot::nameOrString(call->arguments.front().value)) {
+        addTask(*name, references);
+    }
 }
 
 void addReferences(const ExprRef& expression, References& references) {
-    std::vector<const ExprRef*> pending{&expression};
-    while (!pending.empty()) {
-        const ExprRef& node = *pending.back();
-        pending.pop_back();
-        if (!node) {
-            continue;
-        }
-        std::visit(Match{[&](const plot::SnapshotExpr& snapshot) { addTask(snapshot.task, references); },
-                         [&](const plot::CallExpr& call) {
-                             // A first argument that is computed names no task, but may hold references
-                             // itself.
-                             bool task = takesTask(call.name);
-                             for (const auto& argument : call.arguments) {
-                                 const auto* name = task ? nameOrString(argument.value) : nullptr;
-                                 if (name != nullptr) {
-                                     addTask(*name, references);
-                                 } else {
-                                     pending.push_back(&argument.value);
-                                 }
-                                 task = false;
-                             }
-                         },
-                         [&](const plot::UnaryExpr& unary) { pending.push_back(&unary.operand); },
-                         [&](const plot::BinaryExpr& binary) {
-                             pending.push_back(&binary.left);
-                             pending.push_back(&binary.right);
-                         },
-                         [](const auto&) {}},
-                   node->node);
-    }
+    plot::forEachNode(expression,
+                      [&](const plot::PlotExpression& node) { addReferencesOf(node, references); });
 }
 
 } // namespace

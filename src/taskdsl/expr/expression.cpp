@@ -2,7 +2,9 @@
 
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/expr/expression_walk.h"
 #include "taskdsl/expr/plot_text.h"
+#include "taskdsl/expr/precedence.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,21 +14,6 @@ namespace morquill::taskdsl::plot {
 
 namespace {
 
-/// Calls `visit` with the reference to each child of the node, from left to right.
-template <class Node, class Visit>
-void forEachChild(Node& node, const Visit& visit) {
-    if (auto* call = std::get_if<CallExpr>(&node)) {
-        for (auto& argument : call->arguments) {
-            visit(argument.value);
-        }
-    } else if (auto* unary = std::get_if<UnaryExpr>(&node)) {
-        visit(unary->operand);
-    } else if (auto* binary = std::get_if<BinaryExpr>(&node)) {
-        visit(binary->left);
-        visit(binary->right);
-    }
-}
-
 /// Moves the children that are there to the end of `taken`.
 void takeChildren(PlotExpression::Node& node, std::vector<ExprRef>& taken) {
     forEachChild(node, [&](ExprRef& child) {
@@ -34,20 +21,6 @@ void takeChildren(PlotExpression::Node& node, std::vector<ExprRef>& taken) {
             taken.push_back(std::move(child));
         }
     });
-}
-
-/// How tightly a node holds together in print.
-enum Precedence : int { anything = 0, sums = 1, products = 2, signs = 3, primaries = 4 };
-
-bool isProduct(BinaryOp op) noexcept {
-    return op == BinaryOp::multiply || op == BinaryOp::divide;
-}
-
-int precedenceOf(const PlotExpression::Node& node) noexcept {
-    if (const auto* binary = std::get_if<BinaryExpr>(&node)) {
-        return isProduct(binary->op) ? products : sums;
-    }
-    return std::holds_alternative<UnaryExpr>(node) ? signs : primaries;
 }
 
 std::string_view operatorText(BinaryOp op) noexcept {
@@ -68,17 +41,9 @@ std::string_view operatorText(BinaryOp op) noexcept {
 struct PrintItem {
     std::string_view text;
     const PlotExpression* expression = nullptr;
-    int asked = anything;
+    Precedence asked = Precedence::anything;
     bool closes = false; ///< a level of nesting ends here
 };
-
-/// True for a binary node that prints without parentheses on the right of a node of its own precedence, and
-/// so becomes a part of the left side when it is read.
-bool regroups(const BinaryExpr& binary) {
-    const auto* right = expressionAs<BinaryExpr>(binary.right);
-    const bool strict = binary.op == BinaryOp::subtract || binary.op == BinaryOp::divide;
-    return right != nullptr && !strict && isProduct(right->op) == isProduct(binary.op);
-}
 
 /// True for a task or key that no walk through a statement stops at.
 bool isCalm(std::string_view text) noexcept {
@@ -106,7 +71,7 @@ class ExpressionPrinter {
   public:
     explicit ExpressionPrinter(const ExprRef& root) {
         stack_.reserve(16); // most expressions need no more
-        push(root, anything);
+        push(root, Precedence::anything);
     }
 
     PrintedExpression print() {
@@ -152,12 +117,16 @@ class ExpressionPrinter {
         printed_.text += '(';
         goDeeper();
         close(")");
+        for (const auto& argument : call.arguments) {
+            if (argument.named) {
+                checkName(argument.name);
+            }
+        }
         for (auto it = call.arguments.rbegin(); it != call.arguments.rend(); ++it) {
-            push(it->value, anything);
+            push(it->value, Precedence::anything);
             if (it->named) {
                 push("=");
                 push(it->name);
-                checkName(it->name);
             }
             if (std::next(it) != call.arguments.rend()) {
                 push(", ");
@@ -168,14 +137,12 @@ class ExpressionPrinter {
         printed_.text += unary.op == UnaryOp::minus ? '-' : '+';
         goDeeper();
         close({});
-        push(unary.operand, signs);
+        push(unary.operand, Precedence::signs);
     }
     void operator()(const BinaryExpr& binary) {
-        const int own = isProduct(binary.op) ? products : sums;
-        const bool strict = binary.op == BinaryOp::subtract || binary.op == BinaryOp::divide;
-        push(binary.right, own + (strict ? 1 : 0));
+        push(binary.right, rightPrecedence(binary.op));
         push(operatorText(binary.op));
-        push(binary.left, own);
+        push(binary.left, precedenceOf(binary.op));
         if (regroups(binary)) {
             lose("parentheses on the right of '" + std::string(trim(operatorText(binary.op))) +
                  "' are not printed");
@@ -184,8 +151,8 @@ class ExpressionPrinter {
 
   private:
     /// Prints what stands at the front of a node and leaves the rest on the stack, last part first.
-    void open(const PlotExpression& expression, int asked) {
-        if (precedenceOf(expression.node) < asked) {
+    void open(const PlotExpression& expression, Precedence asked) {
+        if (needsParentheses(expression, asked)) {
             printed_.text += '(';
             goDeeper();
             close(")");
@@ -193,9 +160,11 @@ class ExpressionPrinter {
         std::visit(*this, expression.node);
     }
 
-    void push(std::string_view text) { stack_.push_back({text, nullptr, anything}); }
-    void push(const ExprRef& expression, int asked) { stack_.push_back({{}, expression.get(), asked}); }
-    void close(std::string_view text) { stack_.push_back({text, nullptr, anything, true}); }
+    void push(std::string_view text) { stack_.push_back({text}); }
+    void push(const ExprRef& expression, Precedence asked) {
+        stack_.push_back({{}, expression.get(), asked});
+    }
+    void close(std::string_view text) { stack_.push_back({text, nullptr, Precedence::anything, true}); }
 
     void goDeeper() { printed_.depth = std::max(printed_.depth, ++depth_); }
 
@@ -273,6 +242,25 @@ PrintedExpression printExpression(const ExprRef& expression) {
 
 std::string renderPlotExpression(const ExprRef& expression) {
     return printExpression(expression).text;
+}
+
+ExprRef readPrinted(const ExprRef& expression, const PrintedExpression& printed) {
+    if (printed.loss.empty()) {
+        return expression;
+    }
+    try {
+        return parsePlotExpression(printed.text, {});
+    } catch (const DiagnosticError&) {
+        return nullptr;
+    }
+}
+
+const std::string* nameOrString(const ExprRef& expression) noexcept {
+    if (const auto* identifier = expressionAs<IdentifierExpr>(expression)) {
+        return &identifier->name;
+    }
+    const auto* string = expressionAs<StringExpr>(expression);
+    return string != nullptr ? &string->text : nullptr;
 }
 
 ExprRef mapExpression(const ExprRef& expression, const std::function<ExprRef(const ExprRef&)>& replace) {

@@ -92,6 +92,11 @@ inline constexpr std::size_t maxExpressionDepth = 1000;
 /// Throws `DiagnosticError` with the span of the statement for the leftmost fault.
 [[nodiscard]] ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span);
 
+/// Reads the text as what stands behind the name of a function: `(a, b=c)` is the call. Text behind the
+/// parentheses goes on with the expression that the call begins. The text begins with "(".
+/// Throws `DiagnosticError` as `parsePlotExpression`.
+[[nodiscard]] ExprRef parseCallOf(std::string name, std::string_view text, const SourceSpan& span);
+
 /// True for a text that is one name of an expression: a letter, `_` or `[`, then letters, digits and `_.:[]`.
 [[nodiscard]] bool isExpressionName(std::string_view text) noexcept;
 
@@ -109,6 +114,13 @@ struct PrintedExpression {
 /// or a product in parentheses stands on the right of another one, and where substitution has put something
 /// else than a name in a name's place.
 [[nodiscard]] PrintedExpression printExpression(const ExprRef& expression);
+
+/// What the printed text alone reads as: the expression itself where nothing is lost, otherwise what is read
+/// instead; an empty reference when the text is refused.
+[[nodiscard]] ExprRef readPrinted(const ExprRef& expression, const PrintedExpression& printed);
+
+/// The text of an identifier or a string; null for any other expression.
+[[nodiscard]] const std::string* nameOrString(const ExprRef& expression) noexcept;
 
 /// Rebuilds a tree from its leaves up: `replace` is given every node, its children replaced already, and
 /// gives what stands in its place (the node itself to keep it). Nodes below which nothing changed are shared,

@@ -1,4 +1,6 @@
 #include "support/text.h"
+#include "taskdsl/base/escape.h"
+#include "taskdsl/base/quote_rules.h"
 #include "taskdsl/expr/expression.h"
 #include "taskdsl/expr/statement_reader.h"
 
@@ -39,11 +41,11 @@ struct PlotToken {
 };
 
 constexpr bool isIdentifierStart(char c) noexcept {
-    return isLetter(c) || c == '_' || c == '[';
+    return isWordStart(c) || c == '[';
 }
 
 constexpr bool isIdentifierChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == ':' || c == '[' || c == ']';
+    return isDottedWordChar(c) || c == ':' || c == '[' || c == ']';
 }
 
 /// The whole UTF-8 character that begins at `at`; the one byte where none begins.
@@ -76,14 +78,14 @@ class Lexer {
 
     /// The next token; of kind `end` for ever when the text is used up.
     PlotToken next() {
-        at_ = skipSpace();
+        at_ = skipSpace(text_, at_);
         if (at_ == text_.size()) {
             return {};
         }
         const char c = text_[at_];
         const char following = at_ + 1 < text_.size() ? text_[at_ + 1] : '\0';
         if (c == '"' || c == '\'') {
-            return string(c);
+            return string();
         }
         if (c == '{' && following == '{') {
             return snapshot();
@@ -109,27 +111,23 @@ class Lexer {
 
     /// True when the token that comes next is "=".
     [[nodiscard]] bool atEquals() const noexcept {
-        const std::size_t at = skipSpace();
+        const std::size_t at = skipSpace(text_, at_);
         return at < text_.size() && text_[at] == '=';
     }
 
   private:
-    PlotToken string(char quote) {
+    PlotToken string() {
         PlotToken token{PlotTokenKind::string, {}, {}, 0};
-        for (std::size_t i = at_ + 1; i < text_.size(); ++i) {
-            char c = text_[i];
-            if (c == quote) {
-                token.text = take(i + 1);
+        QuoteWalk walk(quote_rules::expressionString);
+        for (std::size_t at = walk.step(text_, at_); at < text_.size();) {
+            const std::size_t next = walk.step(text_, at);
+            if (!walk.inQuotes()) {
+                token.text = take(next);
                 return token;
             }
-            if (c == '\\') {
-                if (++i == text_.size()) {
-                    break;
-                }
-                c = text_[i];
-                c = c == 'n' ? '\n' : c == 'r' ? '\r' : c == 't' ? '\t' : c;
-            }
-            token.decoded += c;
+            const char c = text_[next - 1];
+            token.decoded += next == at + 2 ? escapedByte(c).value_or(c) : c;
+            at = next;
         }
         plotError(span_, "unterminated string in plot expression");
     }
@@ -179,14 +177,6 @@ class Lexer {
         return taken;
     }
 
-    [[nodiscard]] std::size_t skipSpace() const noexcept {
-        std::size_t at = at_;
-        while (at < text_.size() && isSpace(text_[at])) {
-            ++at;
-        }
-        return at;
-    }
-
     std::string_view text_;
     const SourceSpan& span_;
     std::size_t at_ = 0;
@@ -201,7 +191,20 @@ class Parser {
         if (token_.kind == PlotTokenKind::end) {
             plotError(span_, "empty plot expression");
         }
-        ExprRef result = expression();
+        return whole(expression());
+    }
+
+    /// The name of the function is not part of the text.
+    ExprRef readCall(std::string name) {
+        if (!accept(PlotTokenKind::open)) {
+            plotError(span_, "expected '(' in plot expression");
+        }
+        return whole(sumFrom(productFrom(call(std::move(name)))));
+    }
+
+  private:
+    /// The result when the text ends behind it.
+    ExprRef whole(ExprRef result) const {
         if (token_.kind != PlotTokenKind::end) {
             const bool string = token_.kind == PlotTokenKind::string;
             plotError(span_,
@@ -210,9 +213,11 @@ class Parser {
         return result;
     }
 
-  private:
-    ExprRef expression() {
-        ExprRef left = term();
+    ExprRef expression() { return sumFrom(term()); }
+
+    ExprRef term() { return productFrom(factor()); }
+
+    ExprRef sumFrom(ExprRef left) {
         for (;;) {
             if (accept(PlotTokenKind::plus)) {
                 left = makeExpression(BinaryExpr{BinaryOp::add, std::move(left), term()});
@@ -224,8 +229,7 @@ class Parser {
         }
     }
 
-    ExprRef term() {
-        ExprRef left = factor();
+    ExprRef productFrom(ExprRef left) {
         for (;;) {
             if (accept(PlotTokenKind::star)) {
                 left = makeExpression(BinaryExpr{BinaryOp::multiply, std::move(left), factor()});
@@ -360,6 +364,10 @@ bool isExpressionName(std::string_view text) noexcept {
 
 ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span) {
     return Parser(text, span).read();
+}
+
+ExprRef parseCallOf(std::string name, std::string_view text, const SourceSpan& span) {
+    return Parser(text, span).readCall(std::move(name));
 }
 
 } // namespace morquill::taskdsl::plot

@@ -1,7 +1,10 @@
 #include "taskdsl/expr/plot_text.h"
 
+#include "support/cursor.h"
 #include "support/number.h"
 #include "support/text.h"
+#include "taskdsl/base/escape.h"
+#include "taskdsl/base/quote_rules.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,95 +15,24 @@ namespace {
 
 constexpr int printedDigits = 15;
 
-constexpr bool isWordChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_';
-}
-
-bool startsPair(std::string_view text, std::size_t at, char brace) noexcept {
-    return text[at] == brace && at + 1 < text.size() && text[at + 1] == brace;
-}
-
 /// End of the word that begins at `at`, by the rule of `splitPlotWords`.
 std::size_t endOfWord(std::string_view text, std::size_t at) noexcept {
-    char quote = '\0';
-    std::size_t depth = 0;
-    for (; at < text.size(); ++at) {
-        const char c = text[at];
-        if (quote != '\0') {
-            if (c == '\\' && quote == '"') {
-                ++at;
-            } else if (c == quote) {
-                quote = '\0';
-            }
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == '(') {
-            ++depth;
-        } else if (c == ')' && depth > 0) {
-            --depth;
-        } else if (isSpace(c) && depth == 0) {
-            break;
-        }
-    }
-    return std::min(at, text.size());
-}
-
-std::size_t skipSpace(std::string_view text, std::size_t at) noexcept {
-    while (at < text.size() && isSpace(text[at])) {
-        ++at;
+    QuoteWalk walk(quote_rules::plotWords);
+    while (at < text.size() && !(isSpace(text[at]) && walk.atTop())) {
+        at = walk.step(text, at);
     }
     return at;
 }
 
-char decodeEscape(char c) noexcept {
-    switch (c) {
-    case 'n':
-        return '\n';
-    case 'r':
-        return '\r';
-    case 't':
-        return '\t';
-    default:
-        return c;
-    }
-}
-
 } // namespace
-
-std::size_t PlotNesting::advance(std::string_view text, std::size_t at) noexcept {
-    const char c = text[at];
-    if (c == '\\' && quote != '\'') {
-        return std::min(at + 2, text.size());
-    }
-    if (quote != '\0') {
-        if (c == quote) {
-            quote = '\0';
-        }
-        return at + 1;
-    }
-    if (c == '"' || c == '\'') {
-        quote = c;
-    } else if (startsPair(text, at, '{')) {
-        ++snapshot;
-        return at + 2;
-    } else if (startsPair(text, at, '}')) {
-        snapshot -= snapshot > 0 ? 1 : 0;
-        return at + 2;
-    } else if (snapshot == 0 && c == '(') {
-        ++paren;
-    } else if (snapshot == 0 && c == ')' && paren > 0) {
-        --paren;
-    }
-    return at + 1;
-}
 
 std::string_view stripPlotComment(std::string_view line) noexcept {
     if (line.find('#') == std::string_view::npos) {
         return trim(line);
     }
-    PlotNesting nesting;
-    for (std::size_t i = 0; i < line.size(); i = nesting.advance(line, i)) {
-        if (line[i] == '#' && nesting.outsideQuotes() && nesting.snapshot == 0) {
+    QuoteWalk walk(quote_rules::plotText);
+    for (std::size_t i = 0; i < line.size(); i = walk.step(line, i)) {
+        if (line[i] == '#' && walk.inOpen()) {
             return trim(line.substr(0, i));
         }
     }
@@ -130,14 +62,11 @@ KeywordOptions splitKeywordOptions(std::string_view text, std::initializer_list<
         const auto value = trim(text.substr(valueBegin, end - valueBegin));
         (result.options.empty() ? result.head : result.options.back().value) = value;
     };
-    PlotNesting nesting;
+    QuoteWalk walk(quote_rules::plotText);
     for (std::size_t i = 0; i < text.size();) {
-        if (nesting.atLevelZero() && isWordChar(text[i]) && (i == 0 || isSpace(text[i - 1]))) {
-            std::size_t end = i + 1;
-            while (end < text.size() && isWordChar(text[end])) {
-                ++end;
-            }
-            const auto word = text.substr(i, end - i);
+        if (walk.atTop() && isWordChar(text[i]) && (i == 0 || isSpace(text[i - 1]))) {
+            const auto word = Cursor(text, i).takeWhile(isWordChar);
+            const std::size_t end = i + word.size();
             const auto found = std::find_if(keywords.begin(), keywords.end(), [&](std::string_view keyword) {
                 return equalsNoCase(keyword, word);
             });
@@ -148,7 +77,7 @@ KeywordOptions splitKeywordOptions(std::string_view text, std::initializer_list<
             }
             i = end;
         } else {
-            i = nesting.advance(text, i);
+            i = walk.step(text, i);
         }
     }
     closeValue(text.size());
@@ -156,13 +85,7 @@ KeywordOptions splitKeywordOptions(std::string_view text, std::initializer_list<
 }
 
 std::size_t findAtLevelZero(std::string_view text, char wanted) noexcept {
-    PlotNesting nesting;
-    for (std::size_t i = 0; i < text.size(); i = nesting.advance(text, i)) {
-        if (text[i] == wanted && nesting.atLevelZero()) {
-            return i;
-        }
-    }
-    return std::string_view::npos;
+    return findAtTop(text, quote_rules::plotText, [&](std::size_t at) { return text[at] == wanted; });
 }
 
 std::string unquotePlotText(std::string_view text) {
@@ -178,36 +101,15 @@ std::string unquotePlotText(std::string_view text) {
     result.reserve(inner.size());
     for (std::size_t i = 0; i < inner.size(); ++i) {
         const bool escaped = inner[i] == '\\' && i + 1 < inner.size();
-        result += escaped ? decodeEscape(inner[++i]) : inner[i];
+        i += escaped ? 1 : 0;
+        result += escaped ? escapedByte(inner[i]).value_or(inner[i]) : inner[i];
     }
     return result;
 }
 
 std::string quotePlotText(std::string_view text) {
     std::string result;
-    result.reserve(text.size() + 2);
-    result += '"';
-    for (const char c : text) {
-        switch (c) {
-        case '\\':
-        case '"':
-            result += '\\';
-            result += c;
-            break;
-        case '\n':
-            result += "\\n";
-            break;
-        case '\r':
-            result += "\\r";
-            break;
-        case '\t':
-            result += "\\t";
-            break;
-        default:
-            result += c;
-        }
-    }
-    result += '"';
+    appendQuoted(result, text);
     return result;
 }
 
@@ -222,7 +124,7 @@ bool stripTrailingColon(std::string_view& text) noexcept {
 }
 
 bool isPlotIdentifier(std::string_view text) noexcept {
-    return !text.empty() && !isDigit(text.front()) && std::all_of(text.begin(), text.end(), isWordChar);
+    return !text.empty() && isWordStart(text.front()) && std::all_of(text.begin(), text.end(), isWordChar);
 }
 
 std::optional<double> parsePlotNumber(std::string_view text) {

@@ -10,23 +10,8 @@
 /// Text of the plot and derive languages below the level of statements: quotes, nesting, words, options.
 namespace morquill::taskdsl::plot {
 
-/// Where a walk through the text of a statement stands. A backslash outside single quotes protects the byte
-/// behind it; quotes of one kind mean nothing inside the other; parentheses count outside quotes and
-/// snapshots.
-struct PlotNesting {
-    char quote = '\0';        ///< the quote that is open, or NUL
-    std::size_t snapshot = 0; ///< open "{{"
-    std::size_t paren = 0;    ///< open "("
-
-    [[nodiscard]] bool outsideQuotes() const noexcept { return quote == '\0'; }
-    [[nodiscard]] bool atLevelZero() const noexcept { return quote == '\0' && snapshot == 0 && paren == 0; }
-
-    /// Takes in what stands at `at` and gives the place behind it: two bytes further for "{{", "}}" and a
-    /// byte with its backslash, otherwise one.
-    [[nodiscard]] std::size_t advance(std::string_view text, std::size_t at) noexcept;
-};
-
-/// The line without its comment, trimmed. A `#` outside quotes and snapshots begins a comment.
+/// The line without its comment, trimmed. A `#` outside quotes and snapshots begins a comment; a
+/// backslash outside single quotes protects it.
 [[nodiscard]] std::string_view stripPlotComment(std::string_view line) noexcept;
 
 /// The words of the text: split at white space outside quotes and parentheses, quotes kept. Views into

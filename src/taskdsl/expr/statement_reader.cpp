@@ -1,11 +1,10 @@
 #include "taskdsl/expr/statement_reader.h"
 
-#include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/quote_rules.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -35,54 +34,26 @@ std::size_t indentOf(std::string_view rawLine) noexcept {
     return indent;
 }
 
-/// The bytes that a scan of a line must look at: quotes, escapes, braces and parentheses.
-constexpr auto isSpecial = [] {
-    std::array<bool, 256> special{};
-    for (const char c : std::string_view("\"'\\{}()")) {
-        special[static_cast<unsigned char>(c)] = true;
-    }
-    return special;
-}();
-
 /// The parenthesis depth behind a line that was entered with `depth`; negative when one is closed that was
-/// never opened. Inside a string of either kind a backslash escapes, outside it is an ordinary byte.
+/// never opened.
 std::int64_t scanLine(std::string_view text, std::int64_t depth, const SourceSpan& span,
                       std::string_view language) {
-    char quote = '\0';
-    std::size_t snapshot = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (!isSpecial[static_cast<unsigned char>(c)]) {
+    QuoteWalk walk(quote_rules::statementLine);
+    for (std::size_t at = 0; at < text.size(); at = walk.step(text, at)) {
+        const char c = text[at];
+        if ((c != '(' && c != ')' && c != '}') || !walk.inOpen()) {
             continue;
         }
-        if (quote != '\0') {
-            if (c == '\\') {
-                ++i;
-            } else if (c == quote) {
-                quote = '\0';
-            }
-            continue;
-        }
-        const bool doubled = i + 1 < text.size() && text[i + 1] == c;
-        if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == '{' && doubled) {
-            ++snapshot;
-            ++i;
-        } else if (c == '}' && doubled) {
-            if (snapshot == 0) {
-                plotError(span, "unexpected '}}' in " + std::string(language) + " statement");
-            }
-            --snapshot;
-            ++i;
-        } else if (snapshot == 0 && (c == '(' || c == ')')) {
+        if (c != '}') {
             depth += c == '(' ? 1 : -1;
+        } else if (text.substr(at).starts_with("}}")) {
+            plotError(span, "unexpected '}}' in " + std::string(language) + " statement");
         }
     }
-    if (quote != '\0') {
+    if (walk.inQuotes()) {
         plotError(span, "unterminated string literal; strings cannot span physical lines");
     }
-    if (snapshot != 0) {
+    if (walk.inSnapshot()) {
         plotError(span, "unterminated '{{ ... }}' snapshot reference; snapshots cannot span physical lines");
     }
     return depth;

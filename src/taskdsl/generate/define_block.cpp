@@ -1,6 +1,7 @@
 #include "taskdsl/generate/define_block.h"
 
 #include "support/text.h"
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
 
@@ -56,10 +57,10 @@ ValueMap parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t star
     return defines;
 }
 
-void mergeDefines(TaskDocument& document, const ValueMap& defines, bool override) {
+void mergeDefines(TaskDocument& document, const ValueMap& defines, NameClash clash) {
     for (const auto& [key, value] : defines) {
         requireFreeDefineKey(key);
-        if (override) {
+        if (clash == NameClash::takeNew) {
             document.defines.insert_or_assign(key, value);
         } else {
             document.defines.try_emplace(key, value);

@@ -5,6 +5,7 @@
 #include "taskdsl/task/task_document.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -22,8 +23,10 @@ void requireFreeDefineKey(std::string_view key);
 [[nodiscard]] ValueMap parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start,
                                         std::size_t& next);
 
-/// Puts defines into the document; without `override` a key that is there keeps its value. Throws
-/// `DiagnosticError` for a reserved key.
-void mergeDefines(TaskDocument& document, const ValueMap& defines, bool override);
+/// What a merge does with a name that is there already.
+enum class NameClash : std::uint8_t { keepOld, takeNew };
+
+/// Puts defines into the document. Throws `DiagnosticError` for a reserved key.
+void mergeDefines(TaskDocument& document, const ValueMap& defines, NameClash clash);
 
 } // namespace morquill::taskdsl

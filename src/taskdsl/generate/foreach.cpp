@@ -1,5 +1,6 @@
 #include "taskdsl/generate/foreach.h"
 
+#include "support/cursor.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/foreach_header.h"
@@ -18,26 +19,14 @@ namespace morquill::taskdsl {
 
 namespace {
 
-std::string_view skipSpace(std::string_view text) noexcept {
-    while (!text.empty() && isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    return text;
-}
-
-/// Takes `-?\d+` off the front of the text; nothing when no digit stands there.
-std::string_view takeNumber(std::string_view& text) noexcept {
-    const std::size_t sign = text.starts_with('-') ? 1 : 0;
-    std::size_t end = sign;
-    while (end < text.size() && isDigit(text[end])) {
-        ++end;
-    }
-    if (end == sign) {
+/// Takes `-?\d+`; nothing, and the cursor is where it was, when that does not come next.
+std::string_view takeNumber(Cursor& cursor) noexcept {
+    Cursor ahead = cursor;
+    ahead.take('-');
+    if (ahead.takeWhile(isDigit).empty()) {
         return {};
     }
-    const auto number = text.substr(0, end);
-    text.remove_prefix(end);
-    return number;
+    return cursor.takeTo(ahead.place());
 }
 
 struct Series {
@@ -50,20 +39,16 @@ Series parseSeries(const std::string& source) {
     const auto unsupported = [&source] {
         return DiagnosticError("unsupported @foreach source expression '" + source + "'");
     };
-    constexpr std::string_view opening = "series(";
-    std::string_view rest = source;
-    if (!rest.starts_with(opening)) {
+    Cursor cursor(source);
+    if (!cursor.take("series(")) {
         throw unsupported();
     }
-    rest = skipSpace(rest.substr(opening.size()));
-    const auto first = takeNumber(rest);
-    rest = skipSpace(rest);
-    if (first.empty() || !rest.starts_with('-')) {
+    const auto first = takeNumber(cursor.skipSpace());
+    if (first.empty() || !cursor.skipSpace().take('-')) {
         throw unsupported();
     }
-    rest = skipSpace(rest.substr(1));
-    const auto last = takeNumber(rest);
-    if (last.empty() || skipSpace(rest) != ")") {
+    const auto last = takeNumber(cursor.skipSpace());
+    if (last.empty() || cursor.skipSpace().rest() != ")") {
         throw unsupported();
     }
     Series series;

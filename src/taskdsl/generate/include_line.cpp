@@ -2,6 +2,7 @@
 
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/quote_rules.h"
 #include "taskdsl/base/scan.h"
 
 #include <algorithm>
@@ -14,67 +15,23 @@ namespace {
 
 constexpr std::string_view keyword = "&INCLUDE";
 
-bool isNameStart(char c) noexcept {
-    return isLetter(c) || c == '_';
-}
-
-bool isNameChar(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '-';
-}
-
-/// Steps over the characters that quotes protect: tells whether the character at `i` stands outside quotes
-/// and is no quote. A backslash inside quotes takes the next character with it.
-class QuoteWalk {
-  public:
-    bool outside(std::string_view text, std::size_t& i) noexcept {
-        const char c = text[i];
-        if (quote != '\0') {
-            if (c == '\\') {
-                ++i;
-            } else if (c == quote) {
-                quote = '\0';
-            }
-            return false;
-        }
-        if (c == '"' || c == '\'') {
-            quote = c;
-            return false;
-        }
-        return true;
-    }
-
-  private:
-    char quote = '\0';
-};
-
 /// Where the word `as` divides the target from its alias; `npos` when it does not stand there.
 std::size_t findAlias(std::string_view text) noexcept {
-    QuoteWalk quotes;
-    std::size_t depth = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (!quotes.outside(text, i)) {
-            continue;
-        }
-        if (text[i] == '(') {
-            ++depth;
-        } else if (text[i] == ')' && depth > 0) {
-            --depth;
-        } else if (depth == 0 && i > 0 && isSpace(text[i - 1]) && matchWord(text.substr(i), "as")) {
-            return i;
-        }
-    }
-    return std::string_view::npos;
+    return findAtTop(text, quote_rules::includeLine, [text](std::size_t at) {
+        return at > 0 && isSpace(text[at - 1]) && matchWord(text.substr(at), "as");
+    });
 }
 
 void readQuotedTarget(IncludeDirective& include, std::string_view text) {
-    const char quote = text.front();
-    std::size_t i = 1;
-    for (; i < text.size() && text[i] != quote; ++i) {
-        // A backslash protects the quote and itself; elsewhere it is part of the path.
-        if (text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == quote || text[i + 1] == '\\')) {
-            ++i;
+    QuoteWalk walk(quote_rules::includeTarget);
+    std::size_t i = walk.step(text, 0);
+    while (i < text.size()) {
+        const std::size_t next = walk.step(text, i);
+        if (!walk.inQuotes()) {
+            break;
         }
-        include.target += text[i];
+        include.target += text[next - 1]; // a protected byte comes without its backslash
+        i = next;
     }
     if (i >= text.size()) {
         throw DiagnosticError("unterminated quoted &INCLUDE target");
@@ -233,55 +190,23 @@ std::string searchName(const IncludeDirective& include) {
 }
 
 bool isFragmentName(std::string_view text) noexcept {
-    return !text.empty() && isNameStart(text.front()) && std::all_of(text.begin(), text.end(), isNameChar);
+    return !text.empty() && isWordStart(text.front()) && std::all_of(text.begin(), text.end(), isNameChar);
 }
 
 std::vector<std::string_view> splitArguments(std::string_view text) {
     std::vector<std::string_view> parts;
-    const auto take = [&parts](std::string_view part) {
-        if (part = trim(part); !part.empty()) {
+    for (const auto field : splitAtTop(text, quote_rules::includeArguments, ',')) {
+        if (const auto part = trim(field); !part.empty()) {
             parts.push_back(part);
         }
-    };
-    QuoteWalk quotes;
-    std::size_t depth = 0;
-    std::size_t begin = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (!quotes.outside(text, i)) {
-            continue;
-        }
-        const char c = text[i];
-        if (c == '(' || c == '[' || c == '{') {
-            ++depth;
-        } else if ((c == ')' || c == ']' || c == '}') && depth > 0) {
-            --depth;
-        } else if (c == ',' && depth == 0) {
-            take(text.substr(begin, i - begin));
-            begin = i + 1;
-        }
     }
-    take(text.substr(begin));
     return parts;
 }
 
 bool ParenthesisCount::read(std::string_view text) noexcept {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quote != '\0') {
-            if (c == '\\') {
-                ++i;
-            } else if (c == quote) {
-                quote = '\0';
-            }
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == '(') {
-            ++depth;
-        } else if (c == ')') {
-            if (depth == 0) {
-                return false;
-            }
-            --depth;
+    for (std::size_t at = 0; at < text.size(); at = walk_.step(text, at)) {
+        if (text[at] == ')' && walk_.atTop()) {
+            return false;
         }
     }
     return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/base/quote_rules.h"
 #include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
 
@@ -54,11 +55,10 @@ class ParenthesisCount {
     /// Reads on; false when a parenthesis is closed that was not opened.
     bool read(std::string_view text) noexcept;
     /// True when every opened parenthesis is closed.
-    [[nodiscard]] bool balanced() const noexcept { return depth == 0; }
+    [[nodiscard]] bool balanced() const noexcept { return walk_.depth() == 0; }
 
   private:
-    std::size_t depth = 0;
-    char quote = '\0';
+    QuoteWalk walk_{quote_rules::includeLine};
 };
 
 /// How a list of parentheses that runs over several lines ended.

@@ -1,10 +1,10 @@
 #include "taskdsl/generate/matrix.h"
 
 #include "support/text.h"
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 #include "taskdsl/base/scan.h"
-#include "taskdsl/generate/define_block.h"
 
 #include <algorithm>
 
@@ -105,34 +105,6 @@ void BlockReader::readAttribute(std::string_view text, std::size_t indent) {
 
 } // namespace
 
-std::vector<std::string> splitValueList(std::string_view text) {
-    std::vector<std::string> fields;
-    const auto take = [&fields](std::string_view field) {
-        if (auto value = readScalar(field); !value.empty()) {
-            fields.push_back(std::move(value));
-        }
-    };
-    std::size_t begin = 0;
-    char quote = '\0';
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quote != '\0') {
-            if (c == '\\') {
-                ++i;
-            } else if (c == quote) {
-                quote = '\0';
-            }
-        } else if (c == ',') {
-            take(text.substr(begin, i - begin));
-            begin = i + 1;
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        }
-    }
-    take(text.substr(begin));
-    return fields;
-}
-
 std::vector<MatrixAxis> parseMatrixBlock(const std::vector<SourceLine>& lines, std::size_t start,
                                          std::size_t& next) {
     BlockReader reader;
@@ -156,7 +128,7 @@ std::vector<MatrixAxis> parseMatrixBlock(const std::vector<SourceLine>& lines, s
     return std::move(reader.axes);
 }
 
-void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, bool override) {
+void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash) {
     for (const auto& axis : axes) {
         if (isReservedKey(axis.key)) {
             throw DiagnosticError("matrix axis '" + axis.key +
@@ -167,7 +139,7 @@ void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, boo
                 throw DiagnosticError("matrix has more than " + std::to_string(limits::matrixAxes) + " axes");
             }
             target.axes.push_back(axis);
-        } else if (override) {
+        } else if (clash == NameClash::takeNew) {
             known->second = axis.values;
             const auto declared =
                 std::find_if(target.axes.begin(), target.axes.end(),
@@ -179,8 +151,8 @@ void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, boo
     }
 }
 
-void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, bool override) {
-    mergeMatrixAxes({document.matrixAxes, document.matrixValues}, axes, override);
+void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, NameClash clash) {
+    mergeMatrixAxes({document.matrixAxes, document.matrixValues}, axes, clash);
 }
 
 } // namespace morquill::taskdsl

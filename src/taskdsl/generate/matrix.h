@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/generate/define_block.h"
 #include "taskdsl/task/matrix_axis.h"
 #include "taskdsl/task/task_document.h"
 
@@ -10,10 +11,6 @@
 
 /// `matrix:` sections as they are declared.
 namespace morquill::taskdsl {
-
-/// The fields of a comma list, trimmed and unquoted; commas inside quotes do not count, empty fields are
-/// dropped.
-[[nodiscard]] std::vector<std::string> splitValueList(std::string_view text);
 
 /// Reads the body of a `matrix:` section from line `start`, in mapping syntax (`  key: values`) or list
 /// syntax
@@ -28,9 +25,9 @@ struct MatrixAxes {
     std::map<std::string, std::vector<std::string>, std::less<>>& values;
 };
 
-/// Puts axes behind those that are there; an axis of the same key is replaced in its place with `override`
-/// and kept otherwise. Throws `DiagnosticError` for a reserved key.
-void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, bool override);
-void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, bool override);
+/// Puts axes behind those that are there; an axis of the same key is replaced in its place or kept. Throws
+/// `DiagnosticError` for a reserved key.
+void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash);
+void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, NameClash clash);
 
 } // namespace morquill::taskdsl

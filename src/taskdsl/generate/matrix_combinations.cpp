@@ -100,10 +100,6 @@ std::string cleanVariantText(std::string_view text) {
     return result.empty() ? "value" : result;
 }
 
-std::string variantSuffix(const MatrixCombination& combination) {
-    return join(combination.pieces, "__");
-}
-
 void validateMatrix(const std::vector<MatrixAxis>& axes) {
     std::set<std::string_view> keys;
     for (const auto& axis : axes) {

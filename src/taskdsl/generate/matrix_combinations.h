@@ -20,12 +20,8 @@ struct MatrixCombination {
 };
 
 /// The text as a piece of a task name: letters, digits, `-` and `.` stay, every other run of bytes becomes
-/// one
-/// `_`, and `_` at both ends goes away; "value" when nothing is left.
+/// one `_`, and `_` at both ends goes away; "value" when nothing is left.
 [[nodiscard]] std::string cleanVariantText(std::string_view text);
-
-/// The pieces of a combination, joined with "__".
-[[nodiscard]] std::string variantSuffix(const MatrixCombination& combination);
 
 /// Throws `DiagnosticError` when keys repeat, names do not fit the values, a `map` is wrong, or no axis is
 /// independent.

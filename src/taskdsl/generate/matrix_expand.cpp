@@ -66,44 +66,47 @@ class Renames {
 };
 
 bool refersToTask(const TaskInfo& task) noexcept {
-    const bool plainSource = task.source.empty() || task.source == "origin" || task.source == "restart" ||
-                             task.source.starts_with("xyz=");
-    return !plainSource || !task.sourceTasks.empty() || !task.sourceBindings.empty() ||
-           !task.guessSourceTask.empty() || !task.interfaceProvider.empty() || !task.whenConditions.empty();
+    return !sourceTasks(task).empty() || hasStructuredSource(task) || !task.guessSourceTask.empty() ||
+           !task.interfaceProvider.empty() || !task.whenEntries.empty();
+}
+
+void renameSource(SourceSpec& source, const Renames& renames) {
+    if (auto* list = std::get_if<SourceTaskList>(&source)) {
+        for (auto& name : list->names) {
+            renames.apply(name);
+        }
+    } else if (auto* structured = std::get_if<SourceStructured>(&source)) {
+        for (auto& binding : structured->bindings) {
+            if (binding.sourceKind == BindingSource::task) {
+                renames.apply(binding.sourceTask);
+                renames.apply(binding.sourceValue);
+            }
+        }
+    }
 }
 
 void renameReferences(TaskInfo& task, const Renames& renames) {
-    const bool namesTask =
-        task.source != "origin" && task.source != "restart" && !task.source.starts_with("xyz=");
-    if (namesTask) {
-        renames.apply(task.source);
-    }
-    for (auto& name : task.sourceTasks) {
-        renames.apply(name);
-    }
-    for (auto& binding : task.sourceBindings) {
-        if (binding.sourceKind == BindingSource::task) {
-            renames.apply(binding.sourceTask);
-            renames.apply(binding.sourceValue);
-        }
-    }
+    renameSource(task.source, renames);
     renames.apply(task.guessSourceTask);
     renames.apply(task.interfaceProvider);
-    for (auto& condition : task.whenConditions) {
-        renames.applyToCondition(condition);
+    for (auto& condition : task.whenEntries) {
+        renames.applyToCondition(condition.text);
     }
 }
 
 /// The bytes of the long texts of a task: what makes variants large.
-std::size_t textSize(const TaskInfo& task) noexcept {
+std::size_t textSize(const TaskInfo& task) {
     std::size_t size = task.name.size() + task.keywords.size() + task.args.size() +
                        task.extraKeywords.size() + task.paramValues.size() + task.body.size() +
-                       task.orcaBlock.size() + task.source.size() + task.runner.size() +
+                       task.orcaBlock.size() + sourceText(task).size() + task.runner.size() +
                        task.templateName.size() + task.guessSourceTask.size() + task.finalGeom.size();
-    for (const auto* list : {&task.preProcessCommands, &task.processCommands, &task.whenConditions}) {
+    for (const auto* list : {&task.preProcessCommands, &task.processCommands}) {
         for (const auto& text : *list) {
             size += text.size();
         }
+    }
+    for (const auto& condition : task.whenEntries) {
+        size += condition.text.size();
     }
     for (const auto& entry : task.modEntries) {
         size += entry.key.size() + entry.value.size();
@@ -196,7 +199,7 @@ class MatrixExpansion {
     TaskInfo makeVariant(const TemplateInfo& item) {
         TaskInfo task = *item.task;
         if (item.substitutes) {
-            substituteTask(task, values, true);
+            substituteTask(task, values);
         }
         task.name = item.variantName;
         task.templateTaskName = item.task->name;

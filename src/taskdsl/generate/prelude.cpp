@@ -77,7 +77,7 @@ class PreludeReader {
         if (text.starts_with(matrixKeyword)) {
             const std::size_t first = index + 1;
             mergeMatrixAxes({result.matrixAxes, result.matrixValues}, parseMatrixBlock(lines, first, index),
-                            true);
+                            NameClash::takeNew);
             requireNoDirective(first);
             return true;
         }
@@ -129,7 +129,7 @@ class PreludeReader {
         result.settings.merge(included.settings);
         result.defines.merge(included.defines);
         result.collections.merge(included.collections);
-        mergeMatrixAxes({result.matrixAxes, result.matrixValues}, included.matrixAxes, false);
+        mergeMatrixAxes({result.matrixAxes, result.matrixValues}, included.matrixAxes, NameClash::keepOld);
     }
 
     /// Takes the lines of a YAML section. A nested key may be called "define" or "matrix": those begin a
@@ -230,16 +230,16 @@ PreludeResult parseYamlInclude(const std::string& target, const std::string& bas
     return prelude;
 }
 
-void mergePrelude(TaskDocument& document, const PreludeResult& prelude, bool override) {
+void mergePrelude(TaskDocument& document, const PreludeResult& prelude, NameClash clash) {
     for (const auto& [key, value] : prelude.settings) {
-        if (override) {
+        if (clash == NameClash::takeNew) {
             document.settings.insert_or_assign(key, value);
         } else {
             document.settings.try_emplace(key, value);
         }
     }
-    mergeDefines(document, prelude.defines, override);
-    mergeMatrixAxes(document, prelude.matrixAxes, override);
+    mergeDefines(document, prelude.defines, clash);
+    mergeMatrixAxes(document, prelude.matrixAxes, clash);
 }
 
 } // namespace morquill::taskdsl

@@ -2,6 +2,7 @@
 
 #include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/foreach.h"
 #include "taskdsl/generate/parse_context.h"
 #include "taskdsl/task/matrix_axis.h"
@@ -41,8 +42,8 @@ void requireWholePrelude(const std::vector<SourceLine>& lines, std::size_t next,
 [[nodiscard]] PreludeResult parseYamlInclude(const std::string& target, const std::string& base,
                                              DocumentContext& context);
 
-/// Puts the settings, defines and axes of a prelude into the document. Without `override` only where the name
-/// is free. Throws `DiagnosticError` for a reserved name.
-void mergePrelude(TaskDocument& document, const PreludeResult& prelude, bool override);
+/// Puts the settings, defines and axes of a prelude into the document. Throws `DiagnosticError` for a
+/// reserved name.
+void mergePrelude(TaskDocument& document, const PreludeResult& prelude, NameClash clash);
 
 } // namespace morquill::taskdsl

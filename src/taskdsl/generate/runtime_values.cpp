@@ -1,33 +1,9 @@
 #include "taskdsl/generate/runtime_values.h"
 
-#include "support/text.h"
+#include "support/cursor.h"
+#include "taskdsl/base/scan.h"
 
 namespace morquill::taskdsl {
-
-namespace {
-
-std::size_t skipSpace(std::string_view text, std::size_t i) noexcept {
-    while (i < text.size() && isSpace(text[i])) {
-        ++i;
-    }
-    return i;
-}
-
-/// The text of a value that begins at `i`: a quoted text with its quotes, or everything up to white space.
-std::string_view valueAt(std::string_view text, std::size_t i) noexcept {
-    if (i < text.size() && (text[i] == '"' || text[i] == '\'')) {
-        if (const auto close = text.find(text[i], i + 1); close != std::string_view::npos) {
-            return text.substr(i, close + 1 - i);
-        }
-    }
-    std::size_t end = i;
-    while (end < text.size() && !isSpace(text[end])) {
-        ++end;
-    }
-    return text.substr(i, end - i);
-}
-
-} // namespace
 
 ValueMap runtimePlaceholders(std::string_view rootName, std::string_view taskName,
                              std::string_view originName, std::string_view sourceName) {
@@ -55,17 +31,10 @@ std::string findKeywordValue(std::string_view text, std::string_view key) {
         if (at > 0 && !isSpace(text[at - 1])) {
             continue;
         }
-        const auto equals = skipSpace(text, at + key.size());
-        if (equals >= text.size() || text[equals] != '=') {
-            continue;
+        Cursor behind(text, at + key.size());
+        if (const auto value = takeAssignedValue(behind)) {
+            return std::string(unquote(*value));
         }
-        const auto value = valueAt(text, skipSpace(text, equals + 1));
-        if (value.empty()) {
-            continue;
-        }
-        const bool quoted = value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
-                            value.back() == value.front();
-        return std::string(quoted ? value.substr(1, value.size() - 2) : value);
     }
     return {};
 }

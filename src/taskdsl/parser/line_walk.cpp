@@ -120,7 +120,7 @@ class LineWalk {
                                             std::string(directive.keyword) + "'");
         }
         DirectiveReader reader(task, lines_, index_, directive.value, run_.options.warnings,
-                               run_.options.toleratesMultiSource);
+                               run_.options.legacyMultiSource);
         row->handler(reader);
         directives.push_back({row->recordedName, std::string(directive.value), span});
         index_ = reader.position();

@@ -53,7 +53,7 @@ void substituteDefines(TaskDocument& document) {
     if (document.matrixAxes.empty() &&
         std::any_of(document.tasks.begin(), document.tasks.end(), holdsBrackets)) {
         for (auto& task : document.tasks.edit()) {
-            substituteTask(task, document.defines, true);
+            substituteTask(task, document.defines);
         }
     }
     for (auto& plot : document.plots) {
@@ -90,7 +90,7 @@ Collections readExtraYaml(TaskDocument& document, const std::string& path, Docum
     for (const auto& axis : extra.matrixAxes) {
         implicit.axes.insert(axis.key);
     }
-    mergePrelude(document, extra, false);
+    mergePrelude(document, extra, NameClash::keepOld);
     return std::move(extra.collections);
 }
 
@@ -105,7 +105,7 @@ PreludeResult takePrelude(std::vector<SourceLine>& lines, const std::string& pat
 
 /// Puts the file's own prelude into the document: what it says itself did not come from beside it.
 void mergeOwnPrelude(TaskDocument& document, const PreludeResult& prelude) {
-    mergePrelude(document, prelude, true);
+    mergePrelude(document, prelude, NameClash::takeNew);
     ImplicitContent& implicit = document.implicitContent;
     for (const auto& [key, value] : prelude.settings) {
         implicit.settings.erase(key);
@@ -135,7 +135,7 @@ TaskDocument readDocument(std::string_view text, const std::string& path, const 
     document.filePath = path;
     const std::filesystem::path directory = std::filesystem::path(path).parent_path();
     document.directory = directory.string();
-    mergeDefines(document, defines, true);
+    mergeDefines(document, defines, NameClash::takeNew);
 
     std::vector<IncludedTasks> included;
     const auto includeTasks = [&](const std::string& target, const std::string& base) {

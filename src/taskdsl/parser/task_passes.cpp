@@ -2,7 +2,7 @@
 
 #include "support/number.h"
 #include "support/text.h"
-#include "taskdsl/base/scan.h"
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/task/mod_operation.h"
 #include "taskdsl/task/when_expr.h"
 
@@ -48,6 +48,17 @@ void changeTasks(TaskDocument& document, const Change& change) {
     }
 }
 
+/// Header values of the extra files fill in tasks of the file, but are not the file's own.
+void rememberOwnResources(TaskDocument& document) {
+    ImplicitContent& implicit = document.implicitContent;
+    if (!implicit.settings.contains("totcore") && !implicit.settings.contains("totmem")) {
+        return;
+    }
+    for (const TaskInfo& task : document.templateTasks) {
+        implicit.ownResources.push_back({task.totalCores, task.totalMemory, task.controlDeclared});
+    }
+}
+
 std::string_view pathOrMemory(std::string_view path) noexcept {
     return path.empty() ? "<memory>" : path;
 }
@@ -83,12 +94,12 @@ void finishTask(TaskInfo& task, const std::vector<MatrixAxis>& axes, const Warni
         tell("declares %args, but only '%program xtb' currently consumes that directive; the args will be "
              "ignored.");
     }
-    if (task.program == TaskProgram::fcclasses && task.sourceBindings.empty()) {
+    if (task.program == TaskProgram::fcclasses && !hasStructuredSource(task)) {
         throw DiagnosticError(
             "task '" + task.name +
             "' uses '%program fcclasses' but does not declare a multi-line structured %source");
     }
-    checkModsAgainstSources(task);
+    checkModsAgainstSources(task, Placeholders::allowed);
 }
 
 void applyHeaderMetadata(TaskDocument& document, std::string_view path, const KeySet& inherited,
@@ -110,6 +121,7 @@ void applyHeaderMetadata(TaskDocument& document, std::string_view path, const Ke
     if (!cores && !memory) {
         return;
     }
+    rememberOwnResources(document);
     changeTasks(document, [&](TaskInfo& task) {
         const bool takesCores = cores && task.totalCores <= 0;
         const bool takesMemory = memory && task.totalMemory <= 0;
@@ -134,9 +146,9 @@ void shareTaskNames(TaskDocument& document) {
 void warnAboutDeadlocks(const TaskDocument& document, std::string_view path, const WarningSink& warn) {
     std::vector<std::string> waiting;
     for (const TaskInfo& task : document.tasks) {
-        if (std::any_of(task.whenConditions.begin(), task.whenConditions.end(), [](const std::string& text) {
+        if (std::any_of(task.whenEntries.begin(), task.whenEntries.end(), [](const TaskWhenEntry& entry) {
                 // Few conditions hold the word at all; only those are worth a tree.
-                return containsNoCase(text, "allothers") && hasAllOthers(parseWhenExpr(text));
+                return containsNoCase(entry.text, "allothers") && hasAllOthers(parseWhenExpr(entry.text));
             })) {
             waiting.push_back(task.name);
         }

@@ -1,4 +1,5 @@
 #include "support/text.h"
+#include "support/word_table.h"
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/plot/series.h"
 #include "taskdsl/plot/statements.h"
@@ -81,6 +82,14 @@ void sortErrorbar(ErrorbarPlotData& data, const std::string& value, const Statem
     data.sortByX = true;
 }
 
+/// Whether a word asks for falling values.
+constexpr auto descendingWords = wordTable<bool>({
+    {"asc", false},
+    {"ascending", false},
+    {"desc", true},
+    {"descending", true},
+});
+
 void sortBar(BarPlotData& data, const std::string& value, const Statement& statement) {
     const auto words = splitPlotWords(value);
     if (words.empty()) {
@@ -98,31 +107,20 @@ void sortBar(BarPlotData& data, const std::string& value, const Statement& state
     data.sortEnabled = true;
     data.sortDescending = true;
     if (key + 1 < words.size()) {
-        const auto direction = words[key + 1];
-        if (direction == "asc" || direction == "ascending") {
-            data.sortDescending = false;
-        } else if (direction != "desc" && direction != "descending") {
+        const auto descending = descendingWords.findExact(words[key + 1]);
+        if (!descending) {
             fail(statement, "bar sort direction must be asc or desc");
         }
+        data.sortDescending = *descending;
     }
 }
 
-struct RelativeWord {
-    std::string_view word;
-    RelativeMode mode;
-};
-constexpr RelativeWord relativeWords[] = {
-    {"to", RelativeMode::toPoint},  {"first", RelativeMode::first}, {"minimum", RelativeMode::minimum},
-    {"min", RelativeMode::minimum}, {"none", RelativeMode::none},
-};
-
 RelativeMode readRelativeMode(std::string_view word, const Statement& statement) {
-    for (const auto& row : relativeWords) {
-        if (equalsNoCase(row.word, word)) {
-            return row.mode;
-        }
+    const auto mode = parseRelativeMode(word);
+    if (!mode) {
+        fail(statement, "unsupported relative mode '" + toLower(word) + "'");
     }
-    fail(statement, "unsupported relative mode '" + toLower(word) + "'");
+    return *mode;
 }
 
 } // namespace
@@ -329,15 +327,19 @@ void readBins(PlotReading& reading, const Statement& statement) {
 }
 
 void readDensity(PlotReading& reading, const Statement& statement) {
-    auto& density = dataOf<HistogramPlotData>(reading).density;
-    const auto choice = choiceOf(statement.rest);
-    if (statement.rest.empty() || choice == "true" || choice == "yes" || choice == "1") {
-        density = true;
-    } else if (choice == "false" || choice == "no" || choice == "0") {
-        density = false;
-    } else {
+    static constexpr auto words = wordTable<bool>({
+        {"true", true},
+        {"yes", true},
+        {"1", true},
+        {"false", false},
+        {"no", false},
+        {"0", false},
+    });
+    const auto density = statement.rest.empty() ? std::optional(true) : words.find(choiceOf(statement.rest));
+    if (!density) {
         fail(statement, "density accepts true or false");
     }
+    dataOf<HistogramPlotData>(reading).density = *density;
 }
 
 void readLimit(PlotReading& reading, const Statement& statement) {

@@ -1,42 +1,12 @@
 #include "taskdsl/plot/enumerations.h"
 
-#include "support/text.h"
-
-#include <cstddef>
+#include "support/word_table.h"
 
 namespace morquill::taskdsl::plot {
 
 namespace {
 
-template <class E>
-struct Word {
-    std::string_view text;
-    E value;
-};
-
-template <class E, std::size_t n>
-std::string_view nameOf(const Word<E> (&words)[n], E value) noexcept {
-    for (const auto& word : words) {
-        if (word.value == value) {
-            return word.text;
-        }
-    }
-    return words[0].text;
-}
-
-template <class E, std::size_t n>
-std::optional<E> valueOf(const Word<E> (&words)[n], std::string_view text) noexcept {
-    for (const auto& word : words) {
-        if (equalsNoCase(word.text, text)) {
-            return word.value;
-        }
-    }
-    return std::nullopt;
-}
-
-// The first row of a value is its canonical text, those behind it are read only.
-
-constexpr Word<PlotKind> kindWords[] = {
+constexpr auto kindWords = wordTable<PlotKind>({
     {"barrier", PlotKind::barrier},
     {"convergence", PlotKind::convergence},
     {"curve", PlotKind::curve},
@@ -64,24 +34,28 @@ constexpr Word<PlotKind> kindWords[] = {
     {"excitedlevels", PlotKind::excited},
     {"eslevel", PlotKind::excited},
     {"eslevels", PlotKind::excited},
-};
+});
 
-constexpr Word<PlotSourceKind> sourceWords[] = {
+constexpr auto sourceWords = wordTable<PlotSourceKind>({
     {"unspecified", PlotSourceKind::unspecified},
     {"self", PlotSourceKind::self},
     {"task", PlotSourceKind::task},
     {"variants", PlotSourceKind::variants},
+    {"matrix", PlotSourceKind::variants},
     {"project", PlotSourceKind::project},
     {"derived", PlotSourceKind::derived},
-};
+});
 
-constexpr Word<PlotOutputFormat> formatWords[] = {
-    {"png", PlotOutputFormat::png},     {"svg", PlotOutputFormat::svg},
-    {"pdf", PlotOutputFormat::pdf},     {"dumb", PlotOutputFormat::dumb},
-    {"cdxml", PlotOutputFormat::cdxml}, {"chemdraw", PlotOutputFormat::cdxml},
-};
+constexpr auto formatWords = wordTable<PlotOutputFormat>({
+    {"png", PlotOutputFormat::png},
+    {"svg", PlotOutputFormat::svg},
+    {"pdf", PlotOutputFormat::pdf},
+    {"dumb", PlotOutputFormat::dumb},
+    {"cdxml", PlotOutputFormat::cdxml},
+    {"chemdraw", PlotOutputFormat::cdxml},
+});
 
-constexpr Word<PlotStyle> styleWords[] = {
+constexpr auto styleWords = wordTable<PlotStyle>({
     {"lines", PlotStyle::lines},
     {"line", PlotStyle::lines},
     {"linepoints", PlotStyle::linepoints},
@@ -89,25 +63,31 @@ constexpr Word<PlotStyle> styleWords[] = {
     {"points", PlotStyle::points},
     {"boxes", PlotStyle::boxes},
     {"bars", PlotStyle::boxes},
-};
+});
 
-constexpr Word<PlotTheme> themeWords[] = {
-    {"auto", PlotTheme::automatic},        {"default", PlotTheme::automatic},
-    {"scientific", PlotTheme::scientific}, {"classic", PlotTheme::scientific},
-    {"sci", PlotTheme::scientific},        {"report", PlotTheme::report},
-    {"dashboard", PlotTheme::report},      {"matrix", PlotTheme::matrix},
-    {"heatmap", PlotTheme::matrix},        {"minimal", PlotTheme::minimal},
-    {"clean", PlotTheme::minimal},         {"level", PlotTheme::level},
+constexpr auto themeWords = wordTable<PlotTheme>({
+    {"auto", PlotTheme::automatic},
+    {"default", PlotTheme::automatic},
+    {"scientific", PlotTheme::scientific},
+    {"classic", PlotTheme::scientific},
+    {"sci", PlotTheme::scientific},
+    {"report", PlotTheme::report},
+    {"dashboard", PlotTheme::report},
+    {"matrix", PlotTheme::matrix},
+    {"heatmap", PlotTheme::matrix},
+    {"minimal", PlotTheme::minimal},
+    {"clean", PlotTheme::minimal},
+    {"level", PlotTheme::level},
     {"levels", PlotTheme::level},
-};
+});
 
-constexpr Word<AxisScale> scaleWords[] = {
+constexpr auto scaleWords = wordTable<AxisScale>({
     {"linear", AxisScale::linear},
     {"log10", AxisScale::log10},
     {"log", AxisScale::log10},
-};
+});
 
-constexpr Word<LegendPosition> positionWords[] = {
+constexpr auto positionWords = wordTable<LegendPosition>({
     {"auto", LegendPosition::automatic},
     {"top right", LegendPosition::topRight},
     {"right top", LegendPosition::topRight},
@@ -121,15 +101,15 @@ constexpr Word<LegendPosition> positionWords[] = {
     {"right outside", LegendPosition::outsideRight},
     {"bottom", LegendPosition::bottom},
     {"outside bottom", LegendPosition::bottom},
-};
+});
 
-constexpr Word<MissingPolicy> missingWords[] = {
+constexpr auto missingWords = wordTable<MissingPolicy>({
     {"error", MissingPolicy::error},
     {"skip", MissingPolicy::skip},
     {"nan", MissingPolicy::nan},
-};
+});
 
-constexpr Word<SpectrumMode> modeWords[] = {
+constexpr auto modeWords = wordTable<SpectrumMode>({
     {"sticks", SpectrumMode::sticks},
     {"stick", SpectrumMode::sticks},
     {"broadened", SpectrumMode::broadened},
@@ -142,123 +122,164 @@ constexpr Word<SpectrumMode> modeWords[] = {
     {"sampled", SpectrumMode::sampled},
     {"native", SpectrumMode::sampled},
     {"grid", SpectrumMode::sampled},
-};
+});
 
-constexpr Word<BroadenFunction> broadenWords[] = {
+constexpr auto broadenWords = wordTable<BroadenFunction>({
     {"none", BroadenFunction::none},
     {"gaussian", BroadenFunction::gaussian},
-};
+});
 
-constexpr Word<SpinSelection> spinWords[] = {
-    {"auto", SpinSelection::automatic}, {"alpha", SpinSelection::alpha}, {"a", SpinSelection::alpha},
-    {"beta", SpinSelection::beta},      {"b", SpinSelection::beta},      {"both", SpinSelection::both},
+constexpr auto spinWords = wordTable<SpinSelection>({
+    {"auto", SpinSelection::automatic},
+    {"alpha", SpinSelection::alpha},
+    {"a", SpinSelection::alpha},
+    {"beta", SpinSelection::beta},
+    {"b", SpinSelection::beta},
+    {"both", SpinSelection::both},
     {"all", SpinSelection::both},
-};
+});
 
-constexpr Word<ArrowLineStyle> arrowStyleWords[] = {
-    {"solid", ArrowLineStyle::solid}, {"line", ArrowLineStyle::solid},    {"dashed", ArrowLineStyle::dashed},
-    {"dash", ArrowLineStyle::dashed}, {"dotted", ArrowLineStyle::dashed},
-};
+constexpr auto arrowStyleWords = wordTable<ArrowLineStyle>({
+    {"solid", ArrowLineStyle::solid},
+    {"line", ArrowLineStyle::solid},
+    {"dashed", ArrowLineStyle::dashed},
+    {"dash", ArrowLineStyle::dashed},
+    {"dotted", ArrowLineStyle::dashed},
+});
 
-constexpr Word<ArrowTargetMode> arrowTargetNames[] = {
+constexpr auto arrowTargetNames = wordTable<ArrowTargetMode>({
     {"explicit", ArrowTargetMode::explicitRoot},
     {"first lower", ArrowTargetMode::firstLower},
     {"first higher", ArrowTargetMode::firstHigher},
-};
-constexpr Word<ArrowTargetMode> arrowTargetWords[] = {
+});
+constexpr auto arrowTargetWords = wordTable<ArrowTargetMode>({
     {"lower", ArrowTargetMode::firstLower},
     {"below", ArrowTargetMode::firstLower},
     {"higher", ArrowTargetMode::firstHigher},
     {"above", ArrowTargetMode::firstHigher},
-};
+});
 
-constexpr Word<PlotAxis> axisWords[] = {
+constexpr auto axisWords = wordTable<PlotAxis>({
     {"y", PlotAxis::y},
     {"left", PlotAxis::y},
     {"y2", PlotAxis::y2},
     {"right", PlotAxis::y2},
-};
+});
+
+constexpr auto relativeWords = wordTable<RelativeMode>({
+    {"none", RelativeMode::none},
+    {"to", RelativeMode::toPoint},
+    {"first", RelativeMode::first},
+    {"minimum", RelativeMode::minimum},
+    {"min", RelativeMode::minimum},
+});
+
+constexpr auto multiplicityWords = wordTable<std::int32_t>({
+    {"singlet", 1},
+    {"s", 1},
+    {"doublet", 2},
+    {"d", 2},
+    {"triplet", 3},
+    {"t", 3},
+    {"quartet", 4},
+    {"q", 4},
+});
 
 } // namespace
 
 std::string_view plotKindName(PlotKind kind) noexcept {
-    return nameOf(kindWords, kind);
+    return kindWords.nameOf(kind);
 }
 std::string_view plotSourceName(PlotSourceKind source) noexcept {
-    return nameOf(sourceWords, source);
+    return sourceWords.nameOf(source);
 }
 std::string_view plotFormatName(PlotOutputFormat format) noexcept {
-    return nameOf(formatWords, format);
+    return formatWords.nameOf(format);
 }
 std::string_view plotStyleName(PlotStyle style) noexcept {
-    return nameOf(styleWords, style);
+    return styleWords.nameOf(style);
 }
 std::string_view plotThemeName(PlotTheme theme) noexcept {
-    return nameOf(themeWords, theme);
+    return themeWords.nameOf(theme);
 }
 std::string_view axisScaleName(AxisScale scale) noexcept {
-    return nameOf(scaleWords, scale);
+    return scaleWords.nameOf(scale);
 }
 std::string_view legendPositionName(LegendPosition position) noexcept {
-    return nameOf(positionWords, position);
+    return positionWords.nameOf(position);
 }
 std::string_view missingPolicyName(MissingPolicy policy) noexcept {
-    return nameOf(missingWords, policy);
+    return missingWords.nameOf(policy);
 }
 std::string_view spectrumModeName(SpectrumMode mode) noexcept {
-    return nameOf(modeWords, mode);
+    return modeWords.nameOf(mode);
 }
 std::string_view broadenFunctionName(BroadenFunction function) noexcept {
-    return nameOf(broadenWords, function);
+    return broadenWords.nameOf(function);
 }
 std::string_view spinSelectionName(SpinSelection spin) noexcept {
-    return nameOf(spinWords, spin);
+    return spinWords.nameOf(spin);
 }
 std::string_view arrowStyleName(ArrowLineStyle style) noexcept {
-    return nameOf(arrowStyleWords, style);
+    return arrowStyleWords.nameOf(style);
 }
 std::string_view arrowTargetName(ArrowTargetMode mode) noexcept {
-    return nameOf(arrowTargetNames, mode);
+    return arrowTargetNames.nameOf(mode);
 }
 std::string_view plotAxisName(PlotAxis axis) noexcept {
-    return nameOf(axisWords, axis);
+    return axisWords.nameOf(axis);
+}
+
+std::string multiplicityText(std::int32_t multiplicity) {
+    const auto word = multiplicityWords.wordOf(multiplicity);
+    return word ? std::string(*word) : std::to_string(multiplicity);
 }
 
 std::optional<PlotKind> parsePlotKind(std::string_view text) noexcept {
-    return valueOf(kindWords, text);
+    return kindWords.find(text);
+}
+std::optional<PlotSourceKind> parsePlotSource(std::string_view text) noexcept {
+    const auto source = sourceWords.find(text);
+    return source == PlotSourceKind::unspecified ? std::nullopt : source; // no body names that
 }
 std::optional<PlotOutputFormat> parsePlotFormat(std::string_view text) noexcept {
-    return valueOf(formatWords, text);
+    return formatWords.find(text);
 }
 std::optional<PlotStyle> parsePlotStyle(std::string_view text) noexcept {
-    return valueOf(styleWords, text);
+    return styleWords.find(text);
 }
 std::optional<PlotTheme> parsePlotTheme(std::string_view text) noexcept {
-    return valueOf(themeWords, text);
+    return themeWords.find(text);
 }
 std::optional<AxisScale> parseAxisScale(std::string_view text) noexcept {
-    return valueOf(scaleWords, text);
+    return scaleWords.find(text);
 }
 std::optional<LegendPosition> parseLegendPosition(std::string_view text) noexcept {
-    return valueOf(positionWords, text);
+    return positionWords.find(text);
 }
 std::optional<MissingPolicy> parseMissingPolicy(std::string_view text) noexcept {
-    return valueOf(missingWords, text);
+    return missingWords.find(text);
 }
 std::optional<SpectrumMode> parseSpectrumMode(std::string_view text) noexcept {
-    return valueOf(modeWords, text);
+    return modeWords.find(text);
 }
 std::optional<SpinSelection> parseSpinSelection(std::string_view text) noexcept {
-    return valueOf(spinWords, text);
+    return spinWords.find(text);
 }
 std::optional<ArrowLineStyle> parseArrowStyle(std::string_view text) noexcept {
-    return valueOf(arrowStyleWords, text);
+    return arrowStyleWords.find(text);
 }
 std::optional<ArrowTargetMode> parseArrowTarget(std::string_view text) noexcept {
-    return valueOf(arrowTargetWords, text);
+    return arrowTargetWords.find(text);
 }
 std::optional<PlotAxis> parsePlotAxis(std::string_view text) noexcept {
-    return valueOf(axisWords, text);
+    return axisWords.find(text);
+}
+std::optional<RelativeMode> parseRelativeMode(std::string_view text) noexcept {
+    return relativeWords.find(text);
+}
+std::optional<std::int32_t> parseMultiplicityWord(std::string_view text) noexcept {
+    return multiplicityWords.find(text);
 }
 
 } // namespace morquill::taskdsl::plot

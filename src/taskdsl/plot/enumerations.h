@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 /// The closed vocabularies of the plot language. A name function gives the canonical text of a value, for an
@@ -80,8 +81,12 @@ enum class RelativeMode : std::int32_t { none = 0, toPoint = 1, first = 2, minim
 [[nodiscard]] std::string_view arrowStyleName(ArrowLineStyle style) noexcept;
 [[nodiscard]] std::string_view arrowTargetName(ArrowTargetMode mode) noexcept;
 [[nodiscard]] std::string_view plotAxisName(PlotAxis axis) noexcept;
+/// "singlet" to "quartet", the number for any other multiplicity.
+[[nodiscard]] std::string multiplicityText(std::int32_t multiplicity);
 
 [[nodiscard]] std::optional<PlotKind> parsePlotKind(std::string_view text) noexcept;
+/// Nothing for "unspecified", which is no word of the language.
+[[nodiscard]] std::optional<PlotSourceKind> parsePlotSource(std::string_view text) noexcept;
 [[nodiscard]] std::optional<PlotOutputFormat> parsePlotFormat(std::string_view text) noexcept;
 [[nodiscard]] std::optional<PlotStyle> parsePlotStyle(std::string_view text) noexcept;
 [[nodiscard]] std::optional<PlotTheme> parsePlotTheme(std::string_view text) noexcept;
@@ -93,7 +98,9 @@ enum class RelativeMode : std::int32_t { none = 0, toPoint = 1, first = 2, minim
 [[nodiscard]] std::optional<ArrowLineStyle> parseArrowStyle(std::string_view text) noexcept;
 /// "lower", "below", "higher", "above": the words of a relative arrow target.
 [[nodiscard]] std::optional<ArrowTargetMode> parseArrowTarget(std::string_view text) noexcept;
-
 [[nodiscard]] std::optional<PlotAxis> parsePlotAxis(std::string_view text) noexcept;
+[[nodiscard]] std::optional<RelativeMode> parseRelativeMode(std::string_view text) noexcept;
+/// "singlet" to "quartet" and their first letters.
+[[nodiscard]] std::optional<std::int32_t> parseMultiplicityWord(std::string_view text) noexcept;
 
 } // namespace morquill::taskdsl::plot

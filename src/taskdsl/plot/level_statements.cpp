@@ -32,17 +32,8 @@ ExprRef readPointExpression(std::string_view text, const Statement& statement) {
 }
 
 std::int32_t readMultiplicity(std::string_view value, const Statement& statement) {
-    struct Name {
-        std::string_view text;
-        std::string_view letter;
-        std::int32_t multiplicity;
-    };
-    static constexpr Name names[] = {
-        {"singlet", "s", 1}, {"doublet", "d", 2}, {"triplet", "t", 3}, {"quartet", "q", 4}};
-    for (const auto& name : names) {
-        if (equalsNoCase(value, name.text) || equalsNoCase(value, name.letter)) {
-            return name.multiplicity;
-        }
+    if (const auto named = parseMultiplicityWord(value)) {
+        return *named;
     }
     const auto multiplicity = readLeadingInt(value);
     if (!multiplicity) {

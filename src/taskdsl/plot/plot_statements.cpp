@@ -1,5 +1,6 @@
 #include "support/number.h"
 #include "support/text.h"
+#include "support/word_table.h"
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/plot/series.h"
 #include "taskdsl/plot/statements.h"
@@ -13,11 +14,8 @@ namespace {
 
 /// The text of a selector of `derived(...)`: an identifier or a string.
 std::string selectorText(const ExprRef& value, const Statement& statement, std::string_view label) {
-    if (const auto* identifier = expressionAs<IdentifierExpr>(value)) {
-        return identifier->name;
-    }
-    if (const auto* string = expressionAs<StringExpr>(value)) {
-        return string->text;
+    if (const auto* text = nameOrString(value)) {
+        return *text;
     }
     fail(statement, std::string(label) + " must be an identifier or string literal");
 }
@@ -70,19 +68,19 @@ std::string readDerivedCall(const Statement& statement) {
     return std::string(left) + "." + std::string(right);
 }
 
-struct SourceWord {
-    std::string_view word;
-    PlotSourceKind kind;
-    std::string_view noArgument; ///< message when the argument is missing; empty when the source takes none
-};
-constexpr SourceWord sourceWords[] = {
-    {"self", PlotSourceKind::self, {}},
-    {"task", PlotSourceKind::task, "from task requires a task name"},
-    {"variants", PlotSourceKind::variants, "from variants requires a template task name"},
-    {"matrix", PlotSourceKind::variants, "from variants requires a template task name"},
-    {"project", PlotSourceKind::project, {}},
-    {"derived", PlotSourceKind::derived, "from derived requires a derive.table selector"},
-};
+/// What is said when a source comes without its argument; empty for a source that takes none.
+std::string_view missingArgument(PlotSourceKind source) noexcept {
+    switch (source) {
+    case PlotSourceKind::task:
+        return "from task requires a task name";
+    case PlotSourceKind::variants:
+        return "from variants requires a template task name";
+    case PlotSourceKind::derived:
+        return "from derived requires a derive.table selector";
+    default:
+        return {};
+    }
+}
 
 /// Refuses the second statement of a body that may say a thing once.
 void once(bool& seen, const Statement& statement, std::string_view what) {
@@ -127,16 +125,16 @@ void readAxisBody(AxisSpec& axis, std::span<const PlotStatement> body) {
     }
 }
 
-std::optional<bool> readVisible(std::string_view text) {
-    const auto choice = choiceOf(text);
-    if (choice == "true" || choice == "yes" || choice == "on" || choice == "1") {
-        return true;
-    }
-    if (choice == "false" || choice == "no" || choice == "off" || choice == "0") {
-        return false;
-    }
-    return std::nullopt;
-}
+constexpr auto visibleWords = wordTable<bool>({
+    {"true", true},
+    {"yes", true},
+    {"on", true},
+    {"1", true},
+    {"false", false},
+    {"no", false},
+    {"off", false},
+    {"0", false},
+});
 
 void readLegendOrder(LegendSpec& legend, const Statement& statement) {
     for (const auto word : splitPlotWords(statement.rest)) {
@@ -169,7 +167,7 @@ void readLegendBody(LegendSpec& legend, std::span<const PlotStatement> body) {
             legend.position = *position;
         } else if (statement.word == "visible") {
             once(visibleSeen, statement, "legend visibility");
-            const auto visible = readVisible(statement.rest);
+            const auto visible = visibleWords.find(choiceOf(statement.rest));
             if (!visible) {
                 fail(statement, "legend visible requires true or false");
             }
@@ -204,26 +202,23 @@ void readFrom(PlotReading& reading, const Statement& statement) {
     if (words.empty()) {
         fail(statement, "from requires a source");
     }
-    const auto choice = toLower(words.front());
-    if (choice.starts_with("derived(")) {
+    if (toLower(words.front()).starts_with("derived(")) {
         plot.sourceArgument = readDerivedCall(statement);
         plot.sourceKind = PlotSourceKind::derived;
         plot.sourceSpan = statement.span;
         return;
     }
-    for (const auto& [word, kind, noArgument] : sourceWords) {
-        if (word != choice) {
-            continue;
-        }
-        if (!noArgument.empty() && words.size() < 2) {
-            fail(statement, std::string(noArgument));
-        }
-        plot.sourceArgument = noArgument.empty() ? std::string() : unquotePlotText(words[1]);
-        plot.sourceKind = kind;
-        plot.sourceSpan = statement.span;
-        return;
+    const auto source = parsePlotSource(words.front());
+    if (!source) {
+        fail(statement, "unsupported plot source '" + std::string(words.front()) + "'");
     }
-    fail(statement, "unsupported plot source '" + std::string(words.front()) + "'");
+    const auto missing = missingArgument(*source);
+    if (!missing.empty() && words.size() < 2) {
+        fail(statement, std::string(missing));
+    }
+    plot.sourceArgument = missing.empty() ? std::string() : unquotePlotText(words[1]);
+    plot.sourceKind = *source;
+    plot.sourceSpan = statement.span;
 }
 
 void readAxis(PlotReading& reading, const Statement& statement) {

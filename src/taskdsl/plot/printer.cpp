@@ -36,15 +36,12 @@ std::string inParentheses(std::string_view text) {
 } // namespace
 
 Printer& Printer::line(std::string_view text) {
-    out_ += indent_;
-    out_.append(2 * level, ' ');
-    out_ += text;
+    out_.open(text);
     return *this;
 }
 
 Printer& Printer::word(std::string_view text) {
-    out_ += ' ';
-    out_ += text;
+    out_.add(" ", text);
     return *this;
 }
 
@@ -85,16 +82,11 @@ Printer& Printer::expression(const PrintedValue& value, std::initializer_list<st
 
 PrintedValue Printer::valueOf(const ExprRef& expression) {
     auto printed = printExpression(expression);
-    PrintedValue value{std::move(printed.text), expression, printed.oddReference};
+    const ExprRef reads = readPrinted(expression, printed);
     if (!printed.loss.empty()) {
         lose(std::move(printed.loss));
-        try {
-            value.reads = parsePlotExpression(value.text, {});
-        } catch (const DiagnosticError&) {
-            value.reads = nullptr;
-        }
     }
-    return value;
+    return {std::move(printed.text), reads, printed.oddReference};
 }
 
 std::string Printer::number(double value) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/line_builder.h"
 #include "taskdsl/plot/model.h"
 
 #include <cstddef>
@@ -24,9 +25,11 @@ struct PrintedValue {
 /// read back so, otherwise in quotes or parentheses; what reads back in no form is noted.
 class Printer {
   public:
-    Printer(PlotKind kind, std::string_view indent) : kind_(kind), indent_(indent) {}
+    Printer(PlotKind kind, std::string_view indent) : kind_(kind), out_(indent) {}
 
-    std::size_t level = 0; ///< of the next line, in steps of two blanks behind the indent
+    /// The lines from here on are indented by one level more, or one less.
+    void deeper() noexcept { out_.deeper(); }
+    void shallower() noexcept { out_.shallower(); }
 
     /// Begins a line.
     Printer& line(std::string_view text);
@@ -35,7 +38,7 @@ class Printer {
     Printer& quoted(std::string_view text);
     /// ` <keyword> <quoted text>`, unless the text is empty.
     Printer& quotedOption(std::string_view keyword, std::string_view text);
-    void end() { out_ += '\n'; }
+    void end() { out_.close(); }
 
     void quotedLine(std::string_view keyword, std::string_view text);
     void lineIf(bool condition, std::string_view text);
@@ -88,7 +91,7 @@ class Printer {
                 text += " " + (isPlainWord(entry) ? entry : inQuotes(entry));
             }
         }
-        line(keyword).out_ += text + "\n";
+        out_.line(keyword, text);
     }
 
     /// Notes why the plot does not read back.
@@ -104,8 +107,8 @@ class Printer {
     [[nodiscard]] static bool isPlainWord(std::string_view word) noexcept;
 
     /// What has been printed so far.
-    [[nodiscard]] std::string_view text() const noexcept { return out_; }
-    [[nodiscard]] std::string take() { return std::move(out_); }
+    [[nodiscard]] std::string_view text() const noexcept { return out_.text(); }
+    [[nodiscard]] std::string take() { return out_.take(); }
 
   private:
     /// Names and expressions of a line, a bit each, in their order.
@@ -115,7 +118,7 @@ class Printer {
     /// misread.
     template <class Write>
     Pieces attempt(std::size_t begin, const Write& write, Pieces guarded) {
-        out_.resize(begin);
+        out_.cutTo(begin);
         guarded_ = guarded;
         piece_ = 1;
         doubtful_ = 0;
@@ -127,7 +130,7 @@ class Printer {
     void settleDoubtful(std::size_t begin, Pieces doubtful, const Write& write, const PlotData& expected) {
         const auto faultWith = [&](Pieces guarded) {
             (void)attempt(begin, write, guarded);
-            return faultOf(std::string_view(out_).substr(begin), expected);
+            return faultOf(out_.textFrom(begin), expected);
         };
         Pieces needed = 0;
         for (Pieces piece = 1; piece != 0 && piece <= doubtful; piece <<= 1U) {
@@ -149,8 +152,7 @@ class Printer {
     static std::string inQuotes(std::string_view text);
 
     PlotKind kind_;
-    std::string_view indent_;
-    std::string out_;
+    LineBuilder out_;
     std::vector<std::string> losses_;
     Pieces guarded_ = 0;
     Pieces piece_ = 1;

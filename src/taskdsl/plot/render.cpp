@@ -114,13 +114,13 @@ void printAxis(Printer& print, std::string_view header, const AxisSpec& axis) {
         print.lose("'" + std::string(header) + "' has no body");
     }
     print.line(header).end();
-    ++print.level;
+    print.deeper();
     print.quotedLine("label", axis.label);
     print.quotedLine("unit", axis.unit);
     if (axis.scaleDeclared) {
         print.line("scale").word(axisScaleName(axis.scale)).end();
     }
-    --print.level;
+    print.shallower();
 }
 
 void printLegend(Printer& print, const LegendSpec& legend) {
@@ -128,7 +128,7 @@ void printLegend(Printer& print, const LegendSpec& legend) {
         return;
     }
     print.line("legend:").end();
-    ++print.level;
+    print.deeper();
     if (legend.position != LegendPosition::automatic) {
         print.line("position").word(legendPositionName(legend.position)).end();
     }
@@ -141,7 +141,7 @@ void printLegend(Printer& print, const LegendSpec& legend) {
             print.lose("the legend's series id '" + id + "' is no identifier");
         }
     }
-    --print.level;
+    print.shallower();
 }
 
 /// Title, style, output and the like, which plots of every kind have.
@@ -191,7 +191,7 @@ std::string renderPlot(const PlotSpec& plot, std::string_view indent, const Warn
         print.lose(strayText("name", plot.name));
     }
     print.line(ofTask ? "%plot" : "@plot").word(plotKindName(plot.kind)).word(plot.name).end();
-    print.level = 1;
+    print.deeper();
     const std::size_t sourceAt = print.text().size();
     printSource(print, plot);
     const std::size_t othersAt = print.text().size();
@@ -202,7 +202,7 @@ std::string renderPlot(const PlotSpec& plot, std::string_view indent, const Warn
     printLegend(print, plot.legend);
     printCommonLines(print, plot);
     checkSource(print, plot, sourceAt, othersAt);
-    print.level = 0;
+    print.shallower();
     print.lineIf(!ofTask, "@end");
     if (warnings) {
         warnOfLosses(print, plot, warnings);

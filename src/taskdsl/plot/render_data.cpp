@@ -87,21 +87,6 @@ void printRange(Printer& print, bool declared, double low, double high) {
     }
 }
 
-std::string multiplicityText(std::int32_t multiplicity) {
-    switch (multiplicity) {
-    case 1:
-        return "singlet";
-    case 2:
-        return "doublet";
-    case 3:
-        return "triplet";
-    case 4:
-        return "quartet";
-    default:
-        return std::to_string(multiplicity);
-    }
-}
-
 /// The columns of a level plot; only an excited plot has multiplicities.
 template <class Data>
 void printColumns(Printer& print, const Data& data) {

@@ -1,6 +1,6 @@
 // %batch: lanes, collected files and clustering. Strict: every problem ends the parse.
 
-#include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/task/directive_reader.h"
 
 #include "support/number.h"

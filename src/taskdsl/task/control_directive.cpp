@@ -1,6 +1,8 @@
 // %control: resources and scheduling flags. A doubtful line warns and leaves the task as it was.
 
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/task/directive_reader.h"
 
 #include "support/number.h"
@@ -8,7 +10,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <initializer_list>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -27,7 +31,7 @@ struct ControlLine {
     std::string_view rest; ///< the text behind the key's letters, trimmed
 };
 
-/// Gives true when the line declares a control of the task.
+/// Returns whether the line declares a control of the task.
 using ControlHandler = bool (*)(const ControlLine&);
 
 struct ControlRow {
@@ -62,31 +66,28 @@ void warnExtraTokens(const ControlLine& line, std::string_view canonicalKey) {
                      " value; ignoring them.");
 }
 
-bool readInteger(const ControlLine& line, std::int32_t& target, bool allowNegative) {
-    const auto field = secondField(line.text);
-    if (!field) {
+/// Reads an integer of at least `least` into a field of the task.
+template <std::int32_t TaskInfo::*field, std::int32_t least>
+bool readInteger(const ControlLine& line) {
+    const auto text = secondField(line.text);
+    if (!text) {
         return false;
     }
-    const auto value = readLeadingInt(*field);
-    if (!value || (*value < 0 && !allowNegative)) {
-        warnInvalid(line, *field);
+    const auto value = readLeadingInt(*text);
+    if (!value || *value < least) {
+        warnInvalid(line, *text);
         return false;
     }
-    target = *value;
+    line.task.*field = *value;
     return true;
 }
 
-bool readTotalCores(const ControlLine& line) {
-    return readInteger(line, line.task.totalCores, true);
-}
-
-bool readTotalMemory(const ControlLine& line) {
-    return readInteger(line, line.task.totalMemory, true);
-}
-
-bool readGpus(const ControlLine& line) {
-    return readInteger(line, line.task.gpuCount, false);
-}
+// The sign of the first two is checked where a header value may take their place.
+constexpr std::int32_t anyInteger = std::numeric_limits<std::int32_t>::min();
+constexpr ControlHandler readTotalCores = readInteger<&TaskInfo::totalCores, anyInteger>;
+constexpr ControlHandler readTotalMemory = readInteger<&TaskInfo::totalMemory, anyInteger>;
+constexpr ControlHandler readGpus = readInteger<&TaskInfo::gpuCount, 0>;
+constexpr ControlHandler readGpuMemory = readInteger<&TaskInfo::gpuMemory, 0>;
 
 bool readLegacyGpus(const ControlLine& line) {
     warnLegacyName(line, "gpus");
@@ -107,10 +108,6 @@ bool readLegacyGpuType(const ControlLine& line) {
     return readGpuType(line);
 }
 
-bool readGpuMemory(const ControlLine& line) {
-    return readInteger(line, line.task.gpuMemory, false);
-}
-
 bool readLegacyGpuMemory(const ControlLine& line) {
     warnLegacyName(line, "gpu_mem");
     return readGpuMemory(line);
@@ -118,8 +115,8 @@ bool readLegacyGpuMemory(const ControlLine& line) {
 
 bool readFinalGeom(const ControlLine& line) {
     // A value that the canonical writer quoted comes back whole, its escapes decoded.
-    if (std::string value; decodeCanonicalScalar(line.rest, value) && !value.empty()) {
-        line.task.finalGeom = std::move(value);
+    if (auto value = decodeCanonicalScalar(line.rest); value && !value->empty()) {
+        line.task.finalGeom = std::move(*value);
         return true;
     }
     const auto words = splitShellWords(line.rest);

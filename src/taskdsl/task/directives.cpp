@@ -1,6 +1,8 @@
 // The directive table and the handlers of all directives but %control, %batch and %source.
 
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/plot/plot_parser.h"
 #include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/mod_operation.h"
@@ -101,10 +103,8 @@ void readParam(DirectiveReader& reader) {
 
 void readArgs(DirectiveReader& reader) {
     std::string text = readJoinedEntries(reader, ' ');
-    if (std::string value; decodeCanonicalScalar(text, value)) {
-        text = std::move(value);
-    }
-    reader.task.args = std::move(text);
+    auto value = decodeCanonicalScalar(text);
+    reader.task.args = value ? std::move(*value) : std::move(text);
 }
 
 std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view keyword) {
@@ -195,26 +195,20 @@ void readMeta(DirectiveReader& reader) {
 }
 
 void readMod(DirectiveReader& reader) {
-    const auto add = [&reader](std::string_view text) {
-        ModEntry entry = parseModLine(text);
-        if (!entry.key.empty()) {
-            reader.task.modValues[entry.key] = entry.value;
-            reader.task.modEntries.push_back(std::move(entry));
-        }
-    };
     if (!reader.value.empty()) {
-        add(reader.value);
+        addModLine(reader.task, reader.value);
     }
     while (const auto line = reader.nextFilledLine()) {
-        add(*line);
+        addModLine(reader.task, *line);
     }
 }
 
 /// The conditions that a tolerated `%source a,b` before this directive has added.
 std::unordered_set<std::string> conditionsOfSource(const TaskInfo& task) {
     std::unordered_set<std::string> conditions;
-    for (std::size_t i = 1; i < task.sourceTasks.size(); ++i) {
-        conditions.insert("completed " + task.sourceTasks[i]);
+    const auto& names = sourceTasks(task);
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        conditions.insert("completed " + names[i]);
     }
     return conditions;
 }
@@ -230,7 +224,6 @@ void placeImpliedConditions(TaskInfo& task, std::vector<TaskWhenEntry>& written)
     std::erase_if(written, [&](const TaskWhenEntry& entry) {
         return implied.contains(entry.text) && !placed.insert(entry.text).second;
     });
-    std::erase_if(task.whenConditions, [&](const std::string& text) { return placed.contains(text); });
     std::erase_if(task.whenEntries, [&](const TaskWhenEntry& entry) { return placed.contains(entry.text); });
 }
 
@@ -244,10 +237,7 @@ void readWhen(DirectiveReader& reader) {
     }
     TaskInfo& task = reader.task;
     placeImpliedConditions(task, written);
-    for (auto& entry : written) {
-        task.whenConditions.push_back(entry.text);
-        task.whenEntries.push_back(std::move(entry));
-    }
+    std::move(written.begin(), written.end(), std::back_inserter(task.whenEntries));
 }
 
 void readPlot(DirectiveReader& reader) {

@@ -1,36 +1,38 @@
 #include "taskdsl/task/fragment_kind.h"
 
-#include "support/text.h"
+#include "support/word_table.h"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <string>
 
 namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::array<std::string_view, 13> kindNames{
-    "unknown", "document", "task_body", "process", "preprocess", "control", "mod",
-    "when",    "meta",     "param",     "args",    "batch",      "text"};
-
-struct SpellingRow {
-    std::string_view spelling;
-    FragmentKind kind;
-};
-constexpr std::array<SpellingRow, 20> spellings{{
-    {"document", FragmentKind::document},  {"doc", FragmentKind::document},
-    {"task", FragmentKind::task_body},     {"task_body", FragmentKind::task_body},
-    {"taskbody", FragmentKind::task_body}, {"process", FragmentKind::process},
-    {"command", FragmentKind::process},    {"commands", FragmentKind::process},
-    {"cmd", FragmentKind::process},        {"preprocess", FragmentKind::preprocess},
-    {"control", FragmentKind::control},    {"mod", FragmentKind::mod},
-    {"when", FragmentKind::when},          {"meta", FragmentKind::meta},
-    {"param", FragmentKind::param},        {"args", FragmentKind::args},
-    {"batch", FragmentKind::batch},        {"text", FragmentKind::text},
-    {"body", FragmentKind::text},          {"extrainput", FragmentKind::text},
-}};
+/// `unknown` has a name, but no spelling.
+constexpr auto kindWords = wordTable<FragmentKind>({
+    {"unknown", FragmentKind::unknown},
+    {"document", FragmentKind::document},
+    {"doc", FragmentKind::document},
+    {"task_body", FragmentKind::task_body},
+    {"task", FragmentKind::task_body},
+    {"taskbody", FragmentKind::task_body},
+    {"process", FragmentKind::process},
+    {"command", FragmentKind::process},
+    {"commands", FragmentKind::process},
+    {"cmd", FragmentKind::process},
+    {"preprocess", FragmentKind::preprocess},
+    {"control", FragmentKind::control},
+    {"mod", FragmentKind::mod},
+    {"when", FragmentKind::when},
+    {"meta", FragmentKind::meta},
+    {"param", FragmentKind::param},
+    {"args", FragmentKind::args},
+    {"batch", FragmentKind::batch},
+    {"text", FragmentKind::text},
+    {"body", FragmentKind::text},
+    {"extrainput", FragmentKind::text},
+});
 
 bool runsCommands(FragmentKind kind) noexcept {
     return kind == FragmentKind::process || kind == FragmentKind::preprocess;
@@ -39,16 +41,13 @@ bool runsCommands(FragmentKind kind) noexcept {
 } // namespace
 
 std::string_view fragmentKindName(FragmentKind kind) noexcept {
-    const auto index = static_cast<std::size_t>(kind);
-    return index < kindNames.size() ? kindNames[index] : kindNames.front();
+    return kindWords.nameOf(kind);
 }
 
 FragmentKind parseFragmentKind(std::string_view text) {
-    auto spelling = toLower(trim(text));
+    std::string spelling(trim(text));
     std::replace(spelling.begin(), spelling.end(), '-', '_');
-    const auto row = std::find_if(spellings.begin(), spellings.end(),
-                                  [&spelling](const SpellingRow& r) { return r.spelling == spelling; });
-    return row == spellings.end() ? FragmentKind::unknown : row->kind;
+    return kindWords.find(spelling).value_or(FragmentKind::unknown);
 }
 
 bool kindFits(FragmentKind kind, FragmentExpansionScope scope) noexcept {

@@ -1,6 +1,7 @@
 #include "taskdsl/task/mod_operation.h"
 
 #include "support/text.h"
+#include "support/word_table.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/task/task_document.h"
@@ -17,50 +18,36 @@ namespace {
 constexpr std::string_view mainSlot = "main";
 constexpr std::string_view basisKey = "basisset";
 
-constexpr std::array<std::string_view, 3> targetNames{"charge", "spin", "geom"};
+constexpr auto targetWords = wordTable<ModTargetKind>({
+    {"charge", ModTargetKind::charge},
+    {"spin", ModTargetKind::spin},
+    {"geom", ModTargetKind::geom},
+});
+
 constexpr std::array<std::string_view, 4> operationNames{"add", "subtract", "select", "remove"};
 
-/// A word of the `%mod` language and what it stands for. The first word of a value is the one that is
-/// printed.
-template <class T>
-struct Word {
-    std::string_view text;
-    T value;
-};
-
-constexpr std::array<Word<BasisRole>, 8> roleWords{{{"orbital", BasisRole::orbital},
-                                                    {"aux-j", BasisRole::auxJ},
-                                                    {"auxj", BasisRole::auxJ},
-                                                    {"aux-jk", BasisRole::auxJk},
-                                                    {"auxjk", BasisRole::auxJk},
-                                                    {"aux-c", BasisRole::auxC},
-                                                    {"auxc", BasisRole::auxC},
-                                                    {"cabs", BasisRole::cabs}}};
-constexpr std::array<Word<BasisEcp>, 4> ecpWords{{{"auto", BasisEcp::automatic},
-                                                  {"none", BasisEcp::none},
-                                                  {"disabled", BasisEcp::none},
-                                                  {"required", BasisEcp::required}}};
-constexpr std::array<Word<BasisSelector>, 4> selectorWords{{{"element:", BasisSelector::element},
-                                                            {"elements:", BasisSelector::element},
-                                                            {"atom:", BasisSelector::atom},
-                                                            {"atoms:", BasisSelector::atom}}};
-
-template <class T, std::size_t N>
-const T* findWord(const std::array<Word<T>, N>& words, std::string_view text) {
-    for (const auto& word : words) {
-        if (equalsNoCase(word.text, text)) {
-            return &word.value;
-        }
-    }
-    return nullptr;
-}
-
-template <class T, std::size_t N>
-std::string wordOf(const std::array<Word<T>, N>& words, T value) {
-    const auto found =
-        std::find_if(words.begin(), words.end(), [value](const auto& word) { return word.value == value; });
-    return std::string(found == words.end() ? words.front().text : found->text);
-}
+constexpr auto roleWords = wordTable<BasisRole>({
+    {"orbital", BasisRole::orbital},
+    {"aux-j", BasisRole::auxJ},
+    {"auxj", BasisRole::auxJ},
+    {"aux-jk", BasisRole::auxJk},
+    {"auxjk", BasisRole::auxJk},
+    {"aux-c", BasisRole::auxC},
+    {"auxc", BasisRole::auxC},
+    {"cabs", BasisRole::cabs},
+});
+constexpr auto ecpWords = wordTable<BasisEcp>({
+    {"auto", BasisEcp::automatic},
+    {"none", BasisEcp::none},
+    {"disabled", BasisEcp::none},
+    {"required", BasisEcp::required},
+});
+constexpr auto selectorWords = wordTable<BasisSelector>({
+    {"element:", BasisSelector::element},
+    {"elements:", BasisSelector::element},
+    {"atom:", BasisSelector::atom},
+    {"atoms:", BasisSelector::atom},
+});
 
 [[noreturn]] void fail(std::string_view before, std::string_view quoted, std::string_view after = {}) {
     throw DiagnosticError(std::string(before) + "'" + std::string(quoted) + "'" + std::string(after));
@@ -70,8 +57,12 @@ std::string slotSuffix(std::string_view slot) {
     return slot == mainSlot ? std::string{} : "." + std::string(slot);
 }
 
+std::string targetText(ModTargetKind kind, std::string_view slot) {
+    return std::string(targetWords.nameOf(kind)) + slotSuffix(slot);
+}
+
 std::string targetText(const ModTarget& target) {
-    return std::string(targetNames[static_cast<std::size_t>(target.kind)]) + slotSuffix(target.slot);
+    return targetText(target.kind, target.slot);
 }
 
 bool isOneOf(std::string_view text, std::string_view a, std::string_view b) noexcept {
@@ -95,37 +86,19 @@ SplitKey splitModKey(std::string_view key) {
     return {key, {}};
 }
 
-/// True when a `[key]` stands in the text: pattern `\[[A-Za-z0-9_.\-]+\]`.
-bool holdsPlaceholder(std::string_view text) noexcept {
-    for (auto open = text.find('['); open != std::string_view::npos; open = text.find('[', open + 1)) {
-        auto i = open + 1;
-        while (i < text.size() && (isLetter(text[i]) || isDigit(text[i]) || text[i] == '_' ||
-                                   text[i] == '.' || text[i] == '-')) {
-            ++i;
-        }
-        if (i > open + 1 && i < text.size() && text[i] == ']') {
-            return true;
-        }
-    }
-    return false;
-}
-
 void readSelector(BasisSetMod& basis, std::string_view value) {
     if (equalsNoCase(value, "all")) {
         return;
     }
-    for (const auto& word : selectorWords) {
-        if (!equalsNoCase(value.substr(0, word.text.size()), word.text)) {
-            continue;
-        }
-        const bool byElement = word.value == BasisSelector::element;
+    if (const auto* row = selectorWords.atFront(value)) {
+        const bool byElement = row->value == BasisSelector::element;
         auto& list = byElement ? basis.elements : basis.atoms;
-        list = splitTrimmed(value.substr(word.text.size()), ',');
+        list = splitTrimmed(value.substr(row->word.size()), ',');
         if (list.empty()) {
             throw DiagnosticError(byElement ? "%mod basisset element selector is empty"
                                             : "%mod basisset atom selector is empty");
         }
-        basis.selector = word.value;
+        basis.selector = row->value;
         return;
     }
     fail("unsupported %mod basisset selector ", value,
@@ -133,16 +106,16 @@ void readSelector(BasisSetMod& basis, std::string_view value) {
 }
 
 void readRole(BasisSetMod& basis, std::string_view value) {
-    const auto* role = findWord(roleWords, value);
-    if (role == nullptr) {
+    const auto role = roleWords.find(value);
+    if (!role) {
         fail("unsupported %mod basisset role=", value);
     }
     basis.role = *role;
 }
 
 void readEcp(BasisSetMod& basis, std::string_view value) {
-    const auto* ecp = findWord(ecpWords, value);
-    if (ecp == nullptr) {
+    const auto ecp = ecpWords.find(value);
+    if (!ecp) {
         fail("unsupported %mod basisset ecp=", value);
     }
     basis.ecp = *ecp;
@@ -195,13 +168,13 @@ std::string formatBasisSet(const BasisSetMod& basis) {
     auto text = basis.name;
     if (basis.selector != BasisSelector::all) {
         const auto& list = basis.selector == BasisSelector::element ? basis.elements : basis.atoms;
-        text += " on=" + wordOf(selectorWords, basis.selector) + join(list, ",");
+        text += " on=" + std::string(selectorWords.nameOf(basis.selector)) + join(list, ",");
     }
     if (basis.role != BasisRole::orbital) {
-        text += " role=" + wordOf(roleWords, basis.role);
+        text += " role=" + std::string(roleWords.nameOf(basis.role));
     }
     if (basis.ecp != BasisEcp::automatic) {
-        text += " ecp=" + wordOf(ecpWords, basis.ecp);
+        text += " ecp=" + std::string(ecpWords.nameOf(basis.ecp));
     }
     return text;
 }
@@ -247,45 +220,84 @@ struct Head {
 };
 
 Head headOf(const ModOperation& op) {
-    return std::visit(Match{[](const ScalarMod& mod) {
-                                const bool charge = mod.target == ScalarModTarget::charge;
-                                return Head{std::string(targetNames[charge ? 0 : 1]) + slotSuffix(mod.slot),
-                                            mod.op == ScalarModOp::add        ? "add"
-                                            : mod.op == ScalarModOp::subtract ? "subtract"
-                                                                              : ""};
-                            },
-                            [](const AtomsMod& mod) {
-                                return Head{std::string(targetNames[2]) + slotSuffix(mod.slot),
-                                            mod.remove ? "remove" : "select"};
-                            },
-                            [](const BasisSetMod&) {
-                                return Head{std::string(basisKey), {}};
-                            },
-                            [](const OtherMod& mod) {
-                                return Head{mod.key, {}};
-                            }},
-                      op);
+    return std::visit(
+        Match{[](const ScalarMod& mod) {
+                  const bool charge = mod.target == ScalarModTarget::charge;
+                  const auto kind = charge ? ModTargetKind::charge : ModTargetKind::spin;
+                  return Head{targetText(kind, mod.slot), mod.op == ScalarModOp::add        ? "add"
+                                                          : mod.op == ScalarModOp::subtract ? "subtract"
+                                                                                            : ""};
+              },
+              [](const AtomsMod& mod) {
+                  return Head{targetText(ModTargetKind::geom, mod.slot), mod.remove ? "remove" : "select"};
+              },
+              [](const BasisSetMod&) {
+                  return Head{std::string(basisKey), {}};
+              },
+              [](const OtherMod& mod) {
+                  return Head{mod.key, {}};
+              }},
+        op);
 }
 
 std::string withValue(std::string head, const std::string& value) {
     return value.empty() ? std::move(head) : std::move(head) + " " + value;
 }
 
-/// True when a line of a `%mod` block reads as the operation; blanks and tabs within a value are alike.
-bool readsBackAs(const std::string& line, const ModOperation& op) {
-    const auto entry = parseModLine(cleanLine(line));
-    if (entry.key.empty()) {
-        return false;
+/// The words of a value as the reader of a line takes them: split at single blanks, white space left out.
+std::vector<std::string> lineWords(std::string_view text) {
+    auto words = splitOn(text, ' ');
+    std::erase_if(words,
+                  [](const std::string& word) { return std::all_of(word.begin(), word.end(), isSpace); });
+    return words;
+}
+
+bool holdsComment(std::string_view line) noexcept {
+    return stripComment(line).size() != line.size();
+}
+
+std::string withTabs(std::string value) {
+    std::replace(value.begin(), value.end(), ' ', '\t');
+    return value;
+}
+
+/// The forms of a line, the plainest first.
+enum class Spelling : std::uint8_t {
+    words,       ///< `<target> [<operation>] <value>`
+    keyAndValue, ///< `<target>:<operation> <value>`
+    tabs,        ///< the same with tabs for the blanks of the value
+    quotes,      ///< `<key>:"<value>"`, one word
+};
+
+/// The form in which a line reads as its operation. `line` is the one in words.
+Spelling spellingOf(const Head& head, const std::string& value, std::string_view line) {
+    const auto words = lineWords(value);
+    if (holdsComment(line) || (words.empty() && !value.empty())) {
+        return Spelling::quotes; // a `#` behind white space, or white space alone
     }
-    try {
-        const auto read = normalizeMod(entry.key, entry.value, false);
-        const auto value = formatModValue(op);
-        const auto readValue = formatModValue(read);
-        return read.index() == op.index() && formatModKey(read) == formatModKey(op) &&
-               splitBlank(readValue) == splitBlank(value);
-    } catch (const DiagnosticError&) {
-        return false;
+    if (words.size() < 2 || head.target.empty() || head.target.find(' ') != std::string::npos) {
+        return Spelling::words; // no form reads a target of several words
     }
+    // Behind `add` and `subtract` as its second word the reader takes one word of a line and drops the rest.
+    if (isOneOf(words.front(), "add", "subtract")) {
+        return isOneOf(head.operation, "select", "remove") ? Spelling::words : Spelling::tabs;
+    }
+    return isOneOf(head.operation, "add", "subtract") ? Spelling::keyAndValue : Spelling::words;
+}
+
+/// `<key>:"<value>"`, or with single quotes when the others would end too early; nothing for a key that
+/// cannot stand there and for a value that both kinds of quotes fail to hide.
+std::optional<std::string> quotedLine(const std::string& key, const std::string& value) {
+    if (key.find_first_of(": ") != std::string::npos) {
+        return std::nullopt;
+    }
+    for (const char quote : {'"', '\''}) {
+        auto line = (key + ":").append(1, quote).append(withTabs(value)).append(1, quote);
+        if (!holdsComment(line)) {
+            return line;
+        }
+    }
+    return std::nullopt;
 }
 
 const std::string* slotOf(const ModOperation& op) {
@@ -301,12 +313,7 @@ const std::string* slotOf(const ModOperation& op) {
 } // namespace
 
 ModEntry parseModLine(std::string_view text) {
-    std::vector<std::string> fields;
-    for (auto& field : splitOn(trim(text), ' ')) {
-        if (!std::all_of(field.begin(), field.end(), isSpace)) {
-            fields.push_back(std::move(field));
-        }
-    }
+    const auto fields = lineWords(trim(text));
     if (fields.size() < 2) {
         const std::string_view line = fields.empty() ? std::string_view{} : fields.front();
         const auto colon = line.find(':');
@@ -333,29 +340,22 @@ ModEntry parseModLine(std::string_view text) {
 
 void addModLine(TaskInfo& task, std::string_view text) {
     auto entry = parseModLine(text);
-    if (entry.key.empty()) {
-        return;
+    if (!entry.key.empty()) {
+        task.modEntries.push_back(std::move(entry));
     }
-    task.modValues[entry.key] = entry.value;
-    task.modEntries.push_back(std::move(entry));
 }
 
-std::vector<ModEntry> modEntriesOf(const TaskInfo& task) {
-    if (!task.modEntries.empty()) {
-        return task.modEntries;
+std::map<std::string, std::string> modValues(const TaskInfo& task) {
+    std::map<std::string, std::string> values;
+    for (const auto& [key, value] : task.modEntries) {
+        values.insert_or_assign(key, value);
     }
-    std::vector<ModEntry> entries;
-    entries.reserve(task.modValues.size());
-    for (const auto& [key, value] : task.modValues) {
-        entries.push_back({key, value});
-    }
-    return entries;
+    return values;
 }
 
 std::optional<ModTarget> parseModTarget(std::string_view name) {
     const auto dot = name.find('.');
-    for (std::size_t i = 0; i < targetNames.size(); ++i) {
-        const auto target = targetNames[i];
+    for (const auto& [target, kind] : targetWords) {
         if (!name.starts_with(target)) {
             continue;
         }
@@ -366,7 +366,6 @@ std::optional<ModTarget> parseModTarget(std::string_view name) {
                  " is not supported; declare a named geom.<slot> source and use " + std::string(target) +
                      ".<slot>");
         }
-        const auto kind = static_cast<ModTargetKind>(i);
         if (rest.empty()) {
             return ModTarget{kind, std::string(mainSlot)};
         }
@@ -386,7 +385,7 @@ std::optional<ModTarget> parseModTarget(std::string_view name) {
     return std::nullopt;
 }
 
-ModOperation normalizeMod(std::string_view key, std::string_view value, bool strictValues) {
+ModOperation normalizeMod(std::string_view key, std::string_view value, Placeholders placeholders) {
     key = trim(key);
     value = trim(value);
     const auto [base, operation] = splitModKey(key);
@@ -399,7 +398,7 @@ ModOperation normalizeMod(std::string_view key, std::string_view value, bool str
     if (key != basisKey) {
         return readOther(key, value);
     }
-    if (strictValues || !holdsPlaceholder(value)) {
+    if (placeholders == Placeholders::refused || !holdsBracketKey(value)) {
         return readBasisSet(value);
     }
     try {
@@ -425,42 +424,37 @@ std::string formatModValue(const ModOperation& op) {
 std::string formatModText(const ModOperation& op) {
     const auto head = headOf(op);
     const auto value = formatModValue(op);
-    auto line = withValue(withValue(head.target, std::string(head.operation)), value);
-    if (readsBackAs(line, op)) {
-        return line;
-    }
-    // A second word `add` or `subtract` makes the reader drop all but the third, and a `#` behind white space
-    // begins a comment. Blanks inside the value can be tabs, and quotes behind a colon are taken off again.
+    const auto line = withValue(withValue(head.target, std::string(head.operation)), value);
     const auto key = formatModKey(op);
-    auto tabbed = value;
-    std::replace(tabbed.begin(), tabbed.end(), ' ', '\t');
-    const auto quoted = [&](char quote) {
-        return std::string(key).append(":").append(1, quote).append(tabbed).append(1, quote);
-    };
-    for (auto& other : {withValue(key, value), withValue(key, tabbed), quoted('"'), quoted('\'')}) {
-        if (readsBackAs(other, op)) {
-            return other;
-        }
+    switch (spellingOf(head, value, line)) {
+    case Spelling::keyAndValue:
+        return withValue(key, value);
+    case Spelling::tabs:
+        return withValue(key, withTabs(value));
+    case Spelling::quotes:
+        return quotedLine(key, value).value_or(line);
+    case Spelling::words:
+        break;
     }
     return line;
 }
 
 std::string formatModEntry(const ModEntry& entry) {
-    return formatModText(normalizeMod(entry.key, entry.value, false));
+    return formatModText(normalizeMod(entry.key, entry.value, Placeholders::allowed));
 }
 
-void checkModsAgainstSources(const TaskInfo& task, bool strictValues) {
-    if (task.modEntries.empty() && task.modValues.empty()) {
+void checkModsAgainstSources(const TaskInfo& task, Placeholders placeholders) {
+    if (task.modEntries.empty()) {
         return;
     }
     std::set<std::string_view> slots{mainSlot};
-    for (const auto& binding : task.sourceBindings) {
+    for (const auto& binding : sourceBindings(task)) {
         if (binding.role == BindingRole::geometry) {
             slots.insert(binding.slot);
         }
     }
-    for (const auto& entry : modEntriesOf(task)) {
-        const auto op = normalizeMod(entry.key, entry.value, strictValues);
+    for (const auto& entry : task.modEntries) {
+        const auto op = normalizeMod(entry.key, entry.value, placeholders);
         const auto* slot = slotOf(op);
         if (slot != nullptr && !slots.contains(*slot)) {
             fail("%mod targets geometry slot ", *slot, ", but %source does not declare geom." + *slot);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "taskdsl/base/substitute.h"
+
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -76,21 +79,21 @@ using ModOperation = std::variant<ScalarMod, AtomsMod, BasisSetMod, OtherMod>;
 /// nothing and is to be dropped.
 [[nodiscard]] ModEntry parseModLine(std::string_view text);
 
-/// Reads one `%mod` line into `modEntries` and `modValues`; a line without a key is dropped.
+/// Reads one `%mod` line into the entries of a task; a line without a key is dropped.
 void addModLine(TaskInfo& task, std::string_view text);
 
-/// The `%mod` entries of a task: `modEntries`, or `modValues` in key order when that list is empty.
-[[nodiscard]] std::vector<ModEntry> modEntriesOf(const TaskInfo& task);
+/// The last value of every key of the entries.
+[[nodiscard]] std::map<std::string, std::string> modValues(const TaskInfo& task);
 
 /// Reads `charge[.<slot>]`, `spin[.<slot>]` or `geom[.<slot>]`; nothing for any other name. Throws
 /// `DiagnosticError` for a positional target (`charge2`), an invalid slot and a second dot.
 [[nodiscard]] std::optional<ModTarget> parseModTarget(std::string_view name);
 
-/// The operation that an entry stands for. Without `strictValues` a value that holds a `[key]` and cannot be
-/// read yet is kept as it is (`OtherMod`): it is read again after the last substitution. Keys are always
-/// checked. Throws `DiagnosticError` with the bare message.
+/// The operation that an entry stands for. With placeholders, a value that holds a `[key]` and cannot be read
+/// yet is kept as it is (`OtherMod`): it is read again after the last substitution. Keys are always checked.
+/// Throws `DiagnosticError` with the bare message.
 [[nodiscard]] ModOperation normalizeMod(std::string_view key, std::string_view value,
-                                        bool strictValues = true);
+                                        Placeholders placeholders = Placeholders::refused);
 
 /// The key of an operation in its normal form: `<target>[.<slot>][:<operation>]`, "basisset" or the key of
 /// another line.
@@ -106,7 +109,7 @@ void addModLine(TaskInfo& task, std::string_view text);
 [[nodiscard]] std::string formatModEntry(const ModEntry& entry);
 
 /// Checks that every entry can be read and that every slot it names is a geometry slot of the task's source
-/// ("main" always is). `strictValues` as in `normalizeMod`. Throws `DiagnosticError` with the bare message.
-void checkModsAgainstSources(const TaskInfo& task, bool strictValues = false);
+/// ("main" always is); placeholders as in `normalizeMod`. Throws `DiagnosticError` with the bare message.
+void checkModsAgainstSources(const TaskInfo& task, Placeholders placeholders);
 
 } // namespace morquill::taskdsl

@@ -1,6 +1,6 @@
 // %source: one inline source, or a block of named bindings.
 
-#include "taskdsl/base/scan.h"
+#include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/source_spec.h"
 
@@ -18,12 +18,14 @@ namespace {
 /// Makes a condition of every name behind the first, unless the task has it already.
 void addCompletedConditions(DirectiveReader& reader, const std::vector<std::string>& names) {
     TaskInfo& task = reader.task;
-    std::unordered_set<std::string> known(task.whenConditions.begin(), task.whenConditions.end());
+    std::unordered_set<std::string> known;
+    for (const auto& entry : task.whenEntries) {
+        known.insert(entry.text);
+    }
     for (auto name = names.begin() + 1; name != names.end(); ++name) {
         std::string condition = "completed " + *name;
         if (known.insert(condition).second) {
-            task.whenEntries.push_back({condition, reader.conditionSpan()});
-            task.whenConditions.push_back(std::move(condition));
+            task.whenEntries.push_back({std::move(condition), reader.conditionSpan()});
         }
     }
 }
@@ -42,58 +44,53 @@ void takeGuessWord(DirectiveReader& reader, std::string& value) {
         "<task>'.");
 }
 
-void readInlineSource(DirectiveReader& reader) {
+/// Several upstream tasks: an error, or conditions for those who tolerate the old form.
+void takeFurtherTasks(DirectiveReader& reader, const std::vector<std::string>& names) {
+    if (!reader.legacyMultiSource) {
+        reader.failHere(
+            "uses removed multi-dependency '%source a,b,...' syntax; keep the first task in %source "
+            "and move the rest into '%when completed ...'");
+    }
+    reader.warn("uses deprecated multi-dependency '%source a,b,...' syntax; use the first upstream as "
+                "'%source' and express extra dependencies with '%when' completed <task> conditions.");
+    addCompletedConditions(reader, names);
+}
+
+void readInlineForm(DirectiveReader& reader) {
     TaskInfo& task = reader.task;
     std::string value(reader.value);
-    if (std::string decoded; decodeCanonicalScalar(value, decoded)) {
-        value = trim(decoded);
+    if (const auto decoded = decodeCanonicalScalar(value)) {
+        value = trim(*decoded);
     }
     task.guessEnabled = false;
     task.guessSourceTask.clear();
     takeGuessWord(reader, value);
-    task.sourceBindings.clear();
-    task.sourceTasks.clear();
-    task.source = value;
-    if (value.empty() || value == "origin" || value == "restart" || value.starts_with("xyz=")) {
-        // A faulty frame is told while the file is read, not by whoever looks at the source first.
-        (void)parseInlineSource(value);
-        return;
+    auto source = parseInlineSource(value);
+    const auto* list = std::get_if<SourceTaskList>(&source);
+    if (list != nullptr && splitTrimmed(value, ',').empty()) {
+        source = SourceNone{}; // commas alone name nothing
+    } else if (list != nullptr && list->names.size() > 1) {
+        takeFurtherTasks(reader, list->names);
     }
-    std::vector<std::string> names = splitTrimmed(value, ',');
-    if (names.empty()) {
-        task.source.clear();
-        return;
-    }
-    task.source = names.front();
-    if (names.size() > 1) {
-        if (!reader.legacyMultiSource) {
-            reader.failHere(
-                "uses removed multi-dependency '%source a,b,...' syntax; keep the first task in %source "
-                "and move the rest into '%when completed ...'");
-        }
-        reader.warn("uses deprecated multi-dependency '%source a,b,...' syntax; use the first upstream as "
-                    "'%source' and express extra dependencies with '%when' completed <task> conditions.");
-        addCompletedConditions(reader, names);
-    }
-    task.sourceTasks = std::move(names);
+    applySource(task, std::move(source));
 }
 
-void readStructuredSource(DirectiveReader& reader) {
+void readBlockForm(DirectiveReader& reader) {
     const SourceSpan place = reader.headerSpan();
     std::vector<SourceEntryLine> lines;
     while (const auto line = reader.nextFilledLine()) {
         lines.push_back({std::string(*line), reader.span()});
     }
-    applySource(reader.task, SourceStructured{parseSourceBlock(lines, reader.task.name, place)}, false);
+    applySource(reader.task, SourceStructured{parseSourceBlock(lines, reader.task.name, place)});
 }
 
 } // namespace
 
 void readSourceDirective(DirectiveReader& reader) {
     if (reader.value.empty()) {
-        readStructuredSource(reader);
+        readBlockForm(reader);
     } else {
-        readInlineSource(reader);
+        readInlineForm(reader);
     }
 }
 

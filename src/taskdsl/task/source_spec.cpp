@@ -4,10 +4,12 @@
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/base/shell_words.h"
 #include "taskdsl/task/task_document.h"
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace morquill::taskdsl {
 
@@ -32,18 +34,6 @@ std::string inQuotes(std::string_view text) {
     fail("structured %source binding " + inQuotes(key) + " " + std::string(fault));
 }
 
-std::string inDoubleQuotes(std::string_view token) {
-    std::string quoted = "\"";
-    for (const char c : token) {
-        if (c == '"' || c == '\\') {
-            quoted += '\\';
-        }
-        quoted += c;
-    }
-    quoted += '"';
-    return quoted;
-}
-
 /// Takes off every pair of quotes that still encloses a word after the words were split. One pair alone would
 /// leave a value that loses the next one when it is printed and read again.
 std::string_view unquoteAll(std::string_view word) {
@@ -61,32 +51,29 @@ std::string quoteInlineWord(std::string_view word) {
     const bool plain =
         !word.empty() && word.back() != '\\' && word.find("\\\\") == std::string_view::npos &&
         std::none_of(word.begin(), word.end(), [](char c) { return isSpace(c) || c == '"' || c == '\''; });
-    return plain ? std::string(word) : inDoubleQuotes(word);
+    return plain ? std::string(word) : quoteForcedShellWord(word);
 }
 
 std::string frameSuffix(bool hasFrame, std::int32_t frameIndex) {
     return hasFrame ? " frame=" + std::to_string(frameIndex) : std::string{};
 }
 
-SourceXyz parseInlineXyz(std::string_view text) {
-    const auto words = splitShellWords(text.substr(xyzPrefix.size()));
+SourceXyz readXyz(std::string_view text) {
+    auto words = splitShellWords(text.substr(xyzPrefix.size()));
     SourceXyz xyz;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::string_view word = words[i];
-        if (i == 0) {
-            xyz.file = unquoteAll(word);
-        } else if (!xyz.hasFrame && word.starts_with(framePrefix)) {
-            const auto frame = readPositiveInt(word.substr(framePrefix.size()));
-            if (!frame) {
-                fail("%source xyz frame selector must be a positive integer");
-            }
-            xyz.frameIndex = *frame;
-            xyz.hasFrame = true;
-        } else if (!word.empty()) {
-            xyz.furtherWords.emplace_back(word);
-        }
+    if (!words.empty()) {
+        xyz.file = std::move(words.front());
+        words.erase(words.begin());
     }
+    xyz.furtherWords = std::move(words);
+    rereadXyz(xyz);
     return xyz;
+}
+
+/// The first `frame=` among the further words.
+auto findFrameWord(const SourceXyz& xyz) {
+    return std::find_if(xyz.furtherWords.begin(), xyz.furtherWords.end(),
+                        [](const std::string& word) { return word.starts_with(framePrefix); });
 }
 
 void readBindingKey(SourceBinding& binding, std::string_view key) {
@@ -150,7 +137,7 @@ bool isBareTask(const SourceBinding& binding) noexcept {
     return !binding.sourceTask.empty() && binding.sourceValue.empty();
 }
 
-void validateBinding(const SourceBinding& binding, bool strictFrames) {
+void validateBinding(const SourceBinding& binding, Placeholders placeholders) {
     if (!isDottedIdentifier(binding.key)) {
         fail("structured %source contains an invalid binding key");
     }
@@ -164,7 +151,7 @@ void validateBinding(const SourceBinding& binding, bool strictFrames) {
     }
     const bool isXyz = binding.sourceKind == BindingSource::xyz && !isBareTask(binding);
     for (const auto& [key, value] : binding.selectors) {
-        if (strictFrames && isXyz && key == frameKey) {
+        if (placeholders == Placeholders::refused && isXyz && key == frameKey) {
             failBinding(binding.key, "has an invalid frame selector; frame must be a positive integer");
         }
         if (!isDottedIdentifier(key) || value.empty()) {
@@ -175,15 +162,15 @@ void validateBinding(const SourceBinding& binding, bool strictFrames) {
 
 std::string bindingReference(const SourceBinding& binding) {
     if (isBareTask(binding)) {
-        return quoteSourceToken(binding.sourceTask);
+        return quoteShellWord(binding.sourceTask);
     }
     switch (binding.sourceKind) {
     case BindingSource::restart:
         return "restart";
     case BindingSource::task:
-        return quoteSourceToken(binding.sourceValue);
+        return quoteShellWord(binding.sourceValue);
     case BindingSource::xyz:
-        return std::string(xyzPrefix) + quoteSourceToken(binding.sourceValue) +
+        return std::string(xyzPrefix) + quoteShellWord(binding.sourceValue) +
                frameSuffix(binding.hasFrame, binding.frameIndex);
     case BindingSource::origin:
         break;
@@ -206,7 +193,7 @@ std::string formatXyz(const SourceXyz& xyz) {
             // A bare last word `guess` would be taken off as the flag of older files.
             const bool isFlag = &word == &xyz.furtherWords.back() && (word == "guess" || word == "gues");
             text += ' ';
-            text += isFlag ? inDoubleQuotes(word) : quoteInlineWord(word);
+            text += isFlag ? quoteForcedShellWord(word) : quoteInlineWord(word);
         }
     }
     return text;
@@ -225,7 +212,7 @@ std::string formatBindings(const std::vector<SourceBinding>& bindings) {
 
 } // namespace
 
-SourceSpec parseInlineSource(std::string_view text) {
+SourceSpec readInlineSource(std::string_view text) {
     text = trim(text);
     if (text.empty()) {
         return SourceNone{};
@@ -237,13 +224,26 @@ SourceSpec parseInlineSource(std::string_view text) {
         return SourceRestart{};
     }
     if (text.starts_with(xyzPrefix)) {
-        return parseInlineXyz(text);
+        return readXyz(text);
     }
     auto names = splitTrimmed(text, ',');
     if (names.empty()) {
         names.emplace_back(text);
     }
     return SourceTaskList{std::move(names)};
+}
+
+void requireNumericFrame(const SourceSpec& source) {
+    const auto* xyz = std::get_if<SourceXyz>(&source);
+    if (xyz != nullptr && !xyz->hasFrame && findFrameWord(*xyz) != xyz->furtherWords.end()) {
+        fail("%source xyz frame selector must be a positive integer");
+    }
+}
+
+SourceSpec parseInlineSource(std::string_view text) {
+    auto source = readInlineSource(text);
+    requireNumericFrame(source);
+    return source;
 }
 
 SourceSpec parseSourceText(std::string_view text) {
@@ -258,7 +258,7 @@ SourceSpec parseSourceText(std::string_view text) {
             structured.bindings.push_back(parseSourceBinding(entry));
         }
     }
-    validateStructuredSource(structured.bindings, true);
+    validateStructuredSource(structured.bindings, Placeholders::refused);
     return structured;
 }
 
@@ -293,13 +293,13 @@ SourceBinding parseSourceBinding(std::string_view line) {
     return binding;
 }
 
-void validateStructuredSource(const std::vector<SourceBinding>& bindings, bool strictFrames) {
+void validateStructuredSource(const std::vector<SourceBinding>& bindings, Placeholders placeholders) {
     if (bindings.empty()) {
         fail("structured %source must contain at least one binding");
     }
     std::set<std::string_view> slots;
     for (const auto& binding : bindings) {
-        validateBinding(binding, strictFrames);
+        validateBinding(binding, placeholders);
         if (binding.role != BindingRole::geometry) {
             continue;
         }
@@ -338,6 +338,20 @@ void rereadBinding(SourceBinding& binding) {
     }
 }
 
+void rereadXyz(SourceXyz& xyz) {
+    xyz.file = std::string(unquoteAll(xyz.file));
+    std::erase_if(xyz.furtherWords, [](const std::string& word) { return word.empty(); });
+    const auto word = findFrameWord(xyz);
+    if (xyz.hasFrame || word == xyz.furtherWords.end()) {
+        return;
+    }
+    if (const auto frame = readPositiveInt(std::string_view(*word).substr(framePrefix.size()))) {
+        xyz.frameIndex = *frame;
+        xyz.hasFrame = true;
+        xyz.furtherWords.erase(word);
+    }
+}
+
 std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& lines,
                                             std::string_view taskName, const SourceSpan& directiveSpan) {
     const std::string task = "task " + inQuotes(taskName);
@@ -359,7 +373,7 @@ std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& 
             task + " has empty %source; provide an inline source or one or more structured bindings");
     }
     try {
-        validateStructuredSource(bindings, false);
+        validateStructuredSource(bindings, Placeholders::allowed);
     } catch (const DiagnosticError& fault) {
         throw structuredSourceFault(directiveSpan, taskName, fault);
     }
@@ -372,18 +386,11 @@ DiagnosticError structuredSourceFault(const SourceSpan& directiveSpan, std::stri
             "task " + inQuotes(taskName) + " has invalid structured %source: " + reason.message()};
 }
 
-std::string quoteSourceToken(std::string_view token) {
-    const bool plain = !token.empty() && std::none_of(token.begin(), token.end(), [](char c) {
-        return isSpace(c) || c == '"' || c == '#' || c == '\'' || c == '\\';
-    });
-    return plain ? std::string(token) : inDoubleQuotes(token);
-}
-
 std::string formatSourceBinding(const SourceBinding& binding) {
     auto text = bindingKey(binding) + " " + bindingReference(binding);
     for (const auto& [key, value] : binding.selectors) {
         if (!key.empty()) {
-            text += " " + key + "=" + quoteSourceToken(value);
+            text += " " + key + "=" + quoteShellWord(value);
         }
     }
     return text;
@@ -400,34 +407,49 @@ std::string formatSourceSpec(const SourceSpec& spec) {
         spec);
 }
 
-SourceSpec sourceSpecOf(const TaskInfo& task) {
-    if (hasStructuredSource(task)) {
-        return SourceStructured{task.sourceBindings};
-    }
-    const auto& names = task.sourceTasks;
-    if (!names.empty() && (task.source.empty() || names.size() > 1 || names.front() == task.source)) {
-        return SourceTaskList{names};
-    }
-    return parseInlineSource(task.source);
+void applySource(TaskInfo& task, SourceSpec source) {
+    const auto* list = std::get_if<SourceTaskList>(&source);
+    const auto* structured = std::get_if<SourceStructured>(&source);
+    const bool isEmpty =
+        (list != nullptr && list->names.empty()) || (structured != nullptr && structured->bindings.empty());
+    task.source = isEmpty ? SourceSpec(SourceNone{}) : std::move(source);
 }
 
-void applySource(TaskInfo& task, const SourceSpec& spec, bool keepList) {
-    task.sourceBindings.clear();
-    task.sourceTasks.clear();
-    if (const auto* structured = std::get_if<SourceStructured>(&spec)) {
-        task.source.clear();
-        task.sourceBindings = structured->bindings;
-        return;
+std::string sourceText(const TaskInfo& task) {
+    if (!hasSimpleSource(task)) {
+        return {};
     }
-    const auto* list = std::get_if<SourceTaskList>(&spec);
-    if (list == nullptr || list->names.empty()) {
-        task.source = formatSourceSpec(spec);
-        return;
+    const auto& names = sourceTasks(task);
+    return names.empty() ? formatSourceSpec(task.source) : names.front();
+}
+
+const std::vector<std::string>& sourceTasks(const TaskInfo& task) noexcept {
+    static const std::vector<std::string> none;
+    const auto* list = std::get_if<SourceTaskList>(&task.source);
+    return list == nullptr ? none : list->names;
+}
+
+const std::vector<SourceBinding>& sourceBindings(const TaskInfo& task) noexcept {
+    static const std::vector<SourceBinding> none;
+    const auto* structured = std::get_if<SourceStructured>(&task.source);
+    return structured == nullptr ? none : structured->bindings;
+}
+
+bool hasStructuredSource(const TaskInfo& task) noexcept {
+    return !sourceBindings(task).empty();
+}
+
+bool hasSimpleSource(const TaskInfo& task) noexcept {
+    if (const auto* list = std::get_if<SourceTaskList>(&task.source)) {
+        return !list->names.empty() && !list->names.front().empty();
     }
-    task.source = list->names.front();
-    if (list->names.size() > 1 || keepList) {
-        task.sourceTasks = list->names;
-    }
+    return !std::holds_alternative<SourceNone>(task.source) &&
+           !std::holds_alternative<SourceStructured>(task.source);
+}
+
+std::string_view upstreamTask(const TaskInfo& task) noexcept {
+    const auto& names = sourceTasks(task);
+    return names.empty() ? std::string_view{} : names.front();
 }
 
 } // namespace morquill::taskdsl

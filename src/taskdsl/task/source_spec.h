@@ -2,6 +2,7 @@
 
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/source_span.h"
+#include "taskdsl/base/substitute.h"
 
 #include <cstdint>
 #include <string>
@@ -80,18 +81,29 @@ using SourceSpec =
 /// file are kept. Throws "%source xyz frame selector must be a positive integer".
 [[nodiscard]] SourceSpec parseInlineSource(std::string_view text);
 
+/// The same without the check: a `frame=` that is no positive integer stays among the further words.
+[[nodiscard]] SourceSpec readInlineSource(std::string_view text);
+
+/// Refuses a file whose `frame=` is no positive integer. Throws as `parseInlineSource`.
+void requireNumericFrame(const SourceSpec& source);
+
 /// Reads one line of a structured source. A frame that holds a `[` is kept as a selector, for a later
 /// substitution. Throws `DiagnosticError` with the bare message.
 [[nodiscard]] SourceBinding parseSourceBinding(std::string_view line);
 
-/// Checks the bindings of one task against each other. `strictFrames` refuses a `frame` selector that no
-/// substitution has made a number. Throws `DiagnosticError` with the bare message.
-void validateStructuredSource(const std::vector<SourceBinding>& bindings, bool strictFrames);
+/// Checks the bindings of one task against each other. Without placeholders, a `frame` selector that no
+/// substitution has made a number is refused. Throws `DiagnosticError` with the bare message.
+void validateStructuredSource(const std::vector<SourceBinding>& bindings, Placeholders placeholders);
 
 /// Looks again at a binding whose texts a substitution has changed: a task name may have become "origin",
 /// "restart" or a file, a `frame` selector of a file a positive integer and so its frame. What has become
 /// empty or is no number is left for `validateStructuredSource` to refuse.
 void rereadBinding(SourceBinding& binding);
+
+/// The same for an inline file: words that have become empty go, quotes around the file name as well, and the
+/// first `frame=` counts when the file has no frame yet and it is a positive integer. Any other is left for
+/// `requireNumericFrame` to refuse.
+void rereadXyz(SourceXyz& xyz);
 
 /// One line of a `%source` block as the directive hands it over.
 struct SourceEntryLine {
@@ -112,23 +124,28 @@ struct SourceEntryLine {
 [[nodiscard]] DiagnosticError structuredSourceFault(const SourceSpan& directiveSpan,
                                                     std::string_view taskName, const DiagnosticError& reason);
 
-/// A token as it stands in a structured source: bare when it is not empty and has no white space and none of
-/// `"`, `#`, `'`, backslash; otherwise in double quotes, with `"` and backslash escaped by a backslash.
-[[nodiscard]] std::string quoteSourceToken(std::string_view token);
-
 /// The text of one binding: `<key> <source>` and each selector as ` <selector>=<value>`.
 [[nodiscard]] std::string formatSourceBinding(const SourceBinding& binding);
 
 /// The text of a source: one line, or one line per binding (no line end behind the last); empty for none.
 [[nodiscard]] std::string formatSourceSpec(const SourceSpec& spec);
 
-/// The source of a task: its bindings; its task list, when `source` is empty, the list has several names or
-/// its one name is `source`; else what `source` says as an inline source. Throws as `parseInlineSource`.
-[[nodiscard]] SourceSpec sourceSpecOf(const TaskInfo& task);
+/// Stores a source in a task; a list without names and a block without bindings are no source.
+void applySource(TaskInfo& task, SourceSpec source);
 
-/// Stores a source into `source`, `sourceTasks` and `sourceBindings`, replacing what was there. `sourceTasks`
-/// takes a list of several names; with `keepList` that of a single name too, as the inline directive leaves
-/// it.
-void applySource(TaskInfo& task, const SourceSpec& spec, bool keepList = false);
+/// The simple source of a task: "origin", "restart", `xyz=...` or the first task of a list; empty for none
+/// and for a structured one.
+[[nodiscard]] std::string sourceText(const TaskInfo& task);
+/// The upstream tasks that an inline source names; none for any other source.
+[[nodiscard]] const std::vector<std::string>& sourceTasks(const TaskInfo& task) noexcept;
+/// The lines of a structured source; none for any other source.
+[[nodiscard]] const std::vector<SourceBinding>& sourceBindings(const TaskInfo& task) noexcept;
+
+[[nodiscard]] bool hasStructuredSource(const TaskInfo& task) noexcept;
+/// True for a source with a text in `sourceText`.
+[[nodiscard]] bool hasSimpleSource(const TaskInfo& task) noexcept;
+/// The name of the task that a simple source takes from; empty when it takes from the molecule, the restart
+/// data or a file.
+[[nodiscard]] std::string_view upstreamTask(const TaskInfo& task) noexcept;
 
 } // namespace morquill::taskdsl

@@ -1,6 +1,7 @@
 #include "taskdsl/task/task_document.h"
 
 #include "support/text.h"
+#include "support/word_table.h"
 #include "taskdsl/base/diagnostic.h"
 
 #include <array>
@@ -10,12 +11,20 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::array<std::string_view, 12> programNames{"gaussian", "orca",      "gamess", "xtb",
-                                                        "mrcc",     "maple",     "amesp",  "bdf",
-                                                        "mopac",    "fcclasses", "other",  "script"};
-
-constexpr std::string_view supportedPrograms =
-    "gaussian, orca, gamess, xtb, mrcc, maple, amesp, bdf, mopac, fcclasses, other, script";
+constexpr auto programWords = wordTable<TaskProgram>({
+    {"gaussian", TaskProgram::gaussian},
+    {"orca", TaskProgram::orca},
+    {"gamess", TaskProgram::gamess},
+    {"xtb", TaskProgram::xtb},
+    {"mrcc", TaskProgram::mrcc},
+    {"maple", TaskProgram::maple},
+    {"amesp", TaskProgram::amesp},
+    {"bdf", TaskProgram::bdf},
+    {"mopac", TaskProgram::mopac},
+    {"fcclasses", TaskProgram::fcclasses},
+    {"other", TaskProgram::other},
+    {"script", TaskProgram::script},
+});
 
 /// Removes the entries of a map whose keys are in the set.
 template <class Map>
@@ -44,22 +53,39 @@ std::vector<TaskInfo> withoutVariants(std::vector<TaskInfo> tasks, std::size_t d
     return kept;
 }
 
+/// The declared tasks with what they had of their own in place of header values from the extra files.
+void takeBackResources(TaskDocument& document, const ImplicitContent& implicit) {
+    if (implicit.ownResources.empty()) {
+        return;
+    }
+    const bool oneList = document.tasks.sharesWith(document.templateTasks);
+    auto& declared = document.templateTasks.edit();
+    for (std::size_t i = 0; i < declared.size() && i < implicit.ownResources.size(); ++i) {
+        const TaskResources& own = implicit.ownResources[i];
+        if (implicit.settings.contains("totcore")) {
+            declared[i].totalCores = own.totalCores;
+        }
+        if (implicit.settings.contains("totmem")) {
+            declared[i].totalMemory = own.totalMemory;
+        }
+        declared[i].controlDeclared = own.controlDeclared || declared[i].totalCores > own.totalCores ||
+                                      declared[i].totalMemory > own.totalMemory;
+    }
+    if (oneList) {
+        document.tasks = document.templateTasks;
+    }
+}
+
 } // namespace
 
 std::string_view programName(TaskProgram program) noexcept {
-    const auto number = static_cast<std::size_t>(program);
-    return number < programNames.size() ? programNames[number] : programNames[0];
+    return programWords.nameOf(program);
 }
 
 bool parseProgramName(std::string_view text, TaskProgram& program) {
-    text = trim(text);
-    for (std::size_t i = 0; i < programNames.size(); ++i) {
-        if (equalsNoCase(text, programNames[i])) {
-            program = static_cast<TaskProgram>(i);
-            return true;
-        }
-    }
-    return false;
+    const auto found = programWords.find(trim(text));
+    program = found.value_or(program);
+    return found.has_value();
 }
 
 TaskProgram requireProgram(std::string_view value, std::string_view location) {
@@ -72,7 +98,12 @@ TaskProgram requireProgram(std::string_view value, std::string_view location) {
         message.append(location).append(": ");
     }
     message.append("unknown %program '").append(value).append("'; supported values are ");
-    throw DiagnosticError(message.append(supportedPrograms));
+    std::string_view separator;
+    for (const auto& row : programWords) {
+        message.append(separator).append(row.word);
+        separator = ", ";
+    }
+    throw DiagnosticError(std::move(message));
 }
 
 TaskInfo::TaskInfo(std::string taskName, TaskProgram taskProgram)
@@ -86,17 +117,22 @@ bool isConsumer(const TaskInfo& task) noexcept {
     return task.interfaceMode == TaskInterfaceMode::consume && !task.interfaceProvider.empty();
 }
 
-bool hasStructuredSource(const TaskInfo& task) noexcept {
-    return !task.sourceBindings.empty();
-}
-
 bool hasExternalSource(const TaskInfo& task) noexcept {
     if (isProvider(task)) {
         return false;
     }
     const bool hasSource =
-        task.program == TaskProgram::fcclasses ? hasStructuredSource(task) : !task.source.empty();
+        task.program == TaskProgram::fcclasses ? hasStructuredSource(task) : hasSimpleSource(task);
     return hasSource && task.externalInput;
+}
+
+std::vector<std::string> whenConditions(const TaskInfo& task) {
+    std::vector<std::string> texts;
+    texts.reserve(task.whenEntries.size());
+    for (const auto& entry : task.whenEntries) {
+        texts.push_back(entry.text);
+    }
+    return texts;
 }
 
 TaskDocument withoutImplicitContent(TaskDocument document) {
@@ -106,6 +142,7 @@ TaskDocument withoutImplicitContent(TaskDocument document) {
     eraseKeys(document.matrixValues, implicit.axes);
     std::erase_if(document.matrixAxes,
                   [&implicit](const MatrixAxis& axis) { return implicit.axes.contains(axis.key); });
+    takeBackResources(document, implicit);
     eraseFirst(document.plots, implicit.plots);
     eraseFirst(document.derives, implicit.derives);
     if (implicit.tasks > 0) {

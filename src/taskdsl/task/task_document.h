@@ -101,13 +101,11 @@ struct TaskInfo {
 
     SourceSpan headerSpan;
     Shared<std::vector<TaskDirective>> directives; ///< every directive in file order
-    std::vector<TaskWhenEntry> whenEntries;        ///< the conditions with their places
+    std::vector<TaskWhenEntry> whenEntries;        ///< the conditions in order; their texts: `whenConditions`
     std::string name;                              ///< quotes removed
     bool quoted = false;                           ///< the header was written `$"name"`
     std::uint64_t documentOrder = 0;               ///< place among all tasks and derive blocks of the run
-    std::string source = "origin"; ///< simple source: "origin", "restart", `xyz=...` or a task name
-    std::vector<SourceBinding> sourceBindings; ///< structured source
-    std::vector<std::string> sourceTasks;      ///< the names of a comma list in `%source`
+    SourceSpec source = SourceOrigin{}; ///< views of it: `sourceText`, `sourceTasks`, `sourceBindings`
     bool guessEnabled = false;
     std::string guessSourceTask;
     std::string guessConverter; ///< "mokit", "multiwfn" or empty
@@ -128,8 +126,7 @@ struct TaskInfo {
     std::string gaussianGeomControl; ///< "check" or empty
     std::vector<std::string> preProcessCommands;
     std::vector<std::string> processCommands;
-    std::map<std::string, std::string> modValues; ///< last value per key
-    std::vector<ModEntry> modEntries;             ///< all lines in order
+    std::vector<ModEntry> modEntries; ///< all lines in order; the last value per key: `modValues`
     std::int32_t totalCores = 0;
     std::int32_t totalMemory = 0;
     std::int32_t gpuCount = 0;
@@ -144,7 +141,6 @@ struct TaskInfo {
     bool alert = true;
     bool localFirst = false;
     std::string finalGeom;
-    std::vector<std::string> whenConditions;
     std::string templateTaskName;  ///< name before matrix expansion
     std::string matrixVariantKey;  ///< suffix of a matrix variant
     Shared<ValueMap> matrixValues; ///< axis key to chosen value
@@ -159,14 +155,22 @@ struct TaskInfo {
 
 [[nodiscard]] bool isProvider(const TaskInfo& task) noexcept;
 [[nodiscard]] bool isConsumer(const TaskInfo& task) noexcept;
-[[nodiscard]] bool hasStructuredSource(const TaskInfo& task) noexcept;
 [[nodiscard]] bool hasExternalSource(const TaskInfo& task) noexcept;
+/// The texts of the conditions, in order.
+[[nodiscard]] std::vector<std::string> whenConditions(const TaskInfo& task);
 
 /// A `@derive` block: the raw capture and what it says.
 struct DeriveBlock {
     CapturedBlock captured;
     derive::DeriveSpec spec;
     std::uint64_t documentOrder = 0;
+};
+
+/// What the header of a file may fill into a task.
+struct TaskResources {
+    std::int32_t totalCores = 0;
+    std::int32_t totalMemory = 0;
+    bool controlDeclared = false;
 };
 
 /// What the extra files beside a task file brought into its document, and the file itself did not say: tasks
@@ -178,6 +182,9 @@ struct ImplicitContent {
     std::size_t tasks = 0; ///< of the tasks as declared
     std::size_t plots = 0;
     std::size_t derives = 0;
+    /// What the declared tasks had of their own before header values from there filled in; empty when none
+    /// did.
+    std::vector<TaskResources> ownResources;
 };
 
 /// The result of parsing one file.
@@ -200,7 +207,8 @@ struct TaskDocument {
 };
 
 /// The document without what the extra files beside its file brought: what has to be written beside them, so
-/// that a reader who finds them there gets the whole document again.
+/// that a reader who finds them there gets the whole document again. Header values from there are taken back
+/// from the declared tasks; the tasks of a matrix that run keep them.
 [[nodiscard]] TaskDocument withoutImplicitContent(TaskDocument document);
 
 /// The multi-line debug dump of a task.

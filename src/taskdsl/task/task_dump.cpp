@@ -64,11 +64,11 @@ std::string describeTask(const TaskInfo& task) {
     }
     if (hasStructuredSource(task)) {
         std::vector<std::string> bindings;
-        std::transform(task.sourceBindings.begin(), task.sourceBindings.end(), std::back_inserter(bindings),
+        std::transform(sourceBindings(task).begin(), sourceBindings(task).end(), std::back_inserter(bindings),
                        formatSourceBinding);
         dump.list("SourceBindings:", bindings);
     } else {
-        dump.filled("Source: ", task.source);
+        dump.filled("Source: ", sourceText(task));
     }
     dump.filled("GuessSourceTask: ", task.guessSourceTask);
     dump.line("ExternalInput: ", flagText(task.externalInput));
@@ -86,11 +86,7 @@ std::string describeTask(const TaskInfo& task) {
     dump.filled("Body: ", task.body);
     dump.list("PreProcessCommands:", task.preProcessCommands);
     dump.list("ProcessCommands:", task.processCommands);
-    if (task.modEntries.empty()) {
-        dump.pairs("ModValues:", task.modValues);
-    } else {
-        dump.pairs("ModValues:", task.modEntries);
-    }
+    dump.pairs("ModValues:", task.modEntries);
     dump.filled("SMILES: ", task.smiles);
     dump.filled("FilePath: ", task.filePath);
     dump.filled("TemplateTaskName: ", task.templateTaskName);
@@ -107,7 +103,7 @@ std::string describeTask(const TaskInfo& task) {
             return std::string(plotKindName(plot.kind)) + " " + (plot.title.empty() ? plot.id : plot.title);
         });
     dump.list("Plots:", plots);
-    dump.list("WhenConditions:", task.whenConditions);
+    dump.list("WhenConditions:", whenConditions(task));
     return dump.text;
 }
 
@@ -143,7 +139,7 @@ constexpr std::array<DumpLabel, 17> dumpLabels{{
     {"Program: ",
      [](TaskInfo& task, std::string_view value) { (void)parseProgramName(value, task.program); }},
     {"Quoted: ", readFlag<&TaskInfo::quoted>},
-    {"Source: ", readText<&TaskInfo::source>},
+    {"Source: ", [](TaskInfo& task, std::string_view value) { applySource(task, readInlineSource(value)); }},
     {"LocalFirst: ", readFlag<&TaskInfo::localFirst>},
     {"Interface: ", readInterface},
     {"FinalGeom: ", readText<&TaskInfo::finalGeom>},

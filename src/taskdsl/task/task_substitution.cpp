@@ -1,5 +1,6 @@
 #include "taskdsl/task/task_substitution.h"
 
+#include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/plot/substitute_plot.h"
 #include "taskdsl/task/mod_operation.h"
@@ -25,8 +26,8 @@ constexpr std::string TaskInfo::*textFields[] = {
     &TaskInfo::runner,         &TaskInfo::body,
     &TaskInfo::orcaBlock,
 };
-constexpr std::vector<std::string> TaskInfo::*listFields[] = {
-    &TaskInfo::preProcessCommands, &TaskInfo::processCommands, &TaskInfo::whenConditions};
+constexpr std::vector<std::string> TaskInfo::*listFields[] = {&TaskInfo::preProcessCommands,
+                                                              &TaskInfo::processCommands};
 
 bool holdsBracket(std::string_view text) noexcept {
     return text.find('[') != std::string_view::npos;
@@ -43,10 +44,21 @@ bool holdsBracket(const SourceBinding& binding) noexcept {
                        [](const auto& selector) { return holdsBracket(selector.second); });
 }
 
-bool sourceHoldsBracket(const TaskInfo& task) noexcept {
-    return holdsBracket(task.source) || holdsBracket(task.sourceTasks) ||
-           std::any_of(task.sourceBindings.begin(), task.sourceBindings.end(),
-                       [](const SourceBinding& binding) { return holdsBracket(binding); });
+bool holdsBracket(const SourceSpec& source) noexcept {
+    return std::visit(
+        Match{[](const SourceTaskList& list) { return holdsBracket(list.names); },
+              [](const SourceXyz& xyz) { return holdsBracket(xyz.file) || holdsBracket(xyz.furtherWords); },
+              [](const SourceStructured& structured) {
+                  return std::any_of(structured.bindings.begin(), structured.bindings.end(),
+                                     [](const SourceBinding& binding) { return holdsBracket(binding); });
+              },
+              [](const auto&) { return false; }},
+        source);
+}
+
+bool conditionsHoldBracket(const TaskInfo& task) noexcept {
+    return std::any_of(task.whenEntries.begin(), task.whenEntries.end(),
+                       [](const TaskWhenEntry& entry) { return holdsBracket(entry.text); });
 }
 
 bool modsHoldBracket(const TaskInfo& task) noexcept {
@@ -76,56 +88,58 @@ SourceSpan sourceDirectiveSpan(const TaskInfo& task) {
     return last == directives.rend() ? SourceSpan{} : last->span;
 }
 
-void substituteBindings(TaskInfo& task, const ValueMap& values, bool final) {
+void substituteBindings(TaskInfo& task, std::vector<SourceBinding>& bindings, const ValueMap& values) {
     try {
-        for (auto& binding : task.sourceBindings) {
+        for (auto& binding : bindings) {
             substituteBinding(binding, values);
         }
-        validateStructuredSource(task.sourceBindings, final);
+        validateStructuredSource(bindings, Placeholders::refused);
     } catch (const DiagnosticError& fault) {
         throw structuredSourceFault(sourceDirectiveSpan(task), task.name, fault);
     }
 }
 
-void substituteSource(TaskInfo& task, const ValueMap& values, bool final) {
-    if (hasStructuredSource(task)) {
-        substituteBindings(task, values, final);
-        return;
+void substituteXyz(SourceXyz& xyz, const ValueMap& values) {
+    substituteInto(xyz.file, values);
+    for (auto& word : xyz.furtherWords) {
+        substituteInto(word, values);
     }
-    if (!sourceHoldsBracket(task)) {
-        return;
+    rereadXyz(xyz);
+}
+
+/// The names of a list stay names; a name alone may have become another kind of source.
+SourceSpec substitutedNames(const SourceTaskList& list, const ValueMap& values) {
+    if (list.names.size() == 1) {
+        return parseInlineSource(substituteBrackets(list.names.front(), values));
     }
-    if (task.sourceTasks.size() > 1) {
-        for (auto& name : task.sourceTasks) {
-            substituteInto(name, values);
-        }
-        task.source = task.sourceTasks.front();
-        return;
+    SourceTaskList changed = list;
+    for (auto& name : changed.names) {
+        substituteInto(name, values);
     }
-    SourceSpec spec = sourceSpecOf(task);
-    if (auto* xyz = std::get_if<SourceXyz>(&spec)) {
-        substituteInto(xyz->file, values);
-        for (auto& word : xyz->furtherWords) {
-            substituteInto(word, values);
-        }
-        applySource(task, spec, true);
-    } else {
-        // A name may have become another kind of source.
-        applySource(task, parseInlineSource(substituteBrackets(task.source, values)), true);
+    return changed;
+}
+
+void substituteSource(TaskInfo& task, const ValueMap& values) {
+    if (auto* structured = std::get_if<SourceStructured>(&task.source)) {
+        substituteBindings(task, structured->bindings, values);
+    } else if (!holdsBracket(task.source)) {
+        return;
+    } else if (auto* xyz = std::get_if<SourceXyz>(&task.source)) {
+        substituteXyz(*xyz, values);
+    } else if (const auto* list = std::get_if<SourceTaskList>(&task.source)) {
+        applySource(task, substitutedNames(*list, values));
     }
 }
 
-void substituteMods(TaskInfo& task, const ValueMap& values, bool final) {
+void substituteMods(TaskInfo& task, const ValueMap& values) {
     if (!modsHoldBracket(task)) {
         return;
     }
-    task.modValues.clear();
     for (auto& entry : task.modEntries) {
         substituteInto(entry.key, values);
         substituteInto(entry.value, values);
-        task.modValues.insert_or_assign(entry.key, entry.value);
     }
-    checkModsAgainstSources(task, final);
+    checkModsAgainstSources(task, Placeholders::refused);
 }
 
 } // namespace
@@ -135,12 +149,13 @@ bool holdsBrackets(const TaskInfo& task) noexcept {
                        [&task](auto field) { return holdsBracket(task.*field); }) ||
            std::any_of(std::begin(listFields), std::end(listFields),
                        [&task](auto field) { return holdsBracket(task.*field); }) ||
-           holdsBracket(task.filePath.str()) || sourceHoldsBracket(task) || modsHoldBracket(task) ||
+           holdsBracket(task.filePath.str()) || holdsBracket(task.source) || conditionsHoldBracket(task) ||
+           modsHoldBracket(task) ||
            // A plot holds one in its computed output path at the least.
            !task.plots.empty();
 }
 
-void substituteTask(TaskInfo& task, const ValueMap& values, bool final) {
+void substituteTask(TaskInfo& task, const ValueMap& values) {
     if (!holdsBrackets(task)) {
         return;
     }
@@ -155,8 +170,11 @@ void substituteTask(TaskInfo& task, const ValueMap& values, bool final) {
     if (holdsBracket(task.filePath.str())) {
         task.filePath = substituteBrackets(task.filePath.str(), values);
     }
-    substituteSource(task, values, final);
-    substituteMods(task, values, final);
+    for (auto& entry : task.whenEntries) {
+        substituteInto(entry.text, values);
+    }
+    substituteSource(task, values);
+    substituteMods(task, values);
     for (auto& plot : task.plots) {
         plot::substitutePlot(plot, values);
     }

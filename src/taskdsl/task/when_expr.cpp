@@ -1,7 +1,9 @@
 #include "taskdsl/task/when_expr.h"
 
 #include "support/text.h"
+#include "support/word_table.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/quote_rules.h"
 #include "taskdsl/base/scan.h"
 
 #include <algorithm>
@@ -14,69 +16,20 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::string_view trimmedChars = " \t\r\n";
-
-struct CompareWord {
-    std::string_view text;
-    WhenCompareOp op;
-};
-
 /// In the order in which they are tried at one place.
-constexpr std::array<CompareWord, 7> compareWords{{{"==", WhenCompareOp::equal},
-                                                   {"=", WhenCompareOp::equal},
-                                                   {"!=", WhenCompareOp::notEqual},
-                                                   {"<=", WhenCompareOp::lessEqual},
-                                                   {">=", WhenCompareOp::greaterEqual},
-                                                   {"<", WhenCompareOp::less},
-                                                   {">", WhenCompareOp::greater}}};
+constexpr auto compareWords = wordTable<WhenCompareOp>({
+    {"==", WhenCompareOp::equal},
+    {"=", WhenCompareOp::equal},
+    {"!=", WhenCompareOp::notEqual},
+    {"<=", WhenCompareOp::lessEqual},
+    {">=", WhenCompareOp::greaterEqual},
+    {"<", WhenCompareOp::less},
+    {">", WhenCompareOp::greater},
+});
 
+/// Equality is printed in its short form.
 std::string_view compareText(WhenCompareOp op) noexcept {
-    for (const auto& word : compareWords) {
-        if (word.op == op && word.text != "==") {
-            return word.text;
-        }
-    }
-    return "=";
-}
-
-/// What a walk over a condition is inside of.
-struct Shelter {
-    char quote = '\0';
-    std::size_t braces = 0; ///< open `{{`
-};
-
-/// The index behind what is sheltered at `i`: a quote or a brace pair itself, anything inside them, an
-/// escaped character. `i` itself when the character stands in the open.
-std::size_t passSheltered(std::string_view text, std::size_t i, Shelter& shelter,
-                          bool escapesInTheOpen) noexcept {
-    const char c = text[i];
-    if (c == '\\' && (shelter.quote != '\0' || escapesInTheOpen)) {
-        return std::min(i + 2, text.size());
-    }
-    if (shelter.quote != '\0') {
-        if (c == shelter.quote) {
-            shelter.quote = '\0';
-        }
-        return i + 1;
-    }
-    if (c == '"' || c == '\'') {
-        shelter.quote = c;
-        return i + 1;
-    }
-    const bool doubled = (c == '{' || c == '}') && i + 1 < text.size() && text[i + 1] == c;
-    if (doubled && c == '{') {
-        ++shelter.braces;
-        return i + 2;
-    }
-    if (doubled && shelter.braces > 0) {
-        --shelter.braces;
-        return i + 2;
-    }
-    return shelter.braces > 0 ? i + 1 : i;
-}
-
-bool isTrimmed(char c) noexcept {
-    return trimmedChars.find(c) != std::string_view::npos;
+    return op == WhenCompareOp::equal ? "=" : compareWords.wordOf(op).value_or("=");
 }
 
 /// How many pairs of parentheses enclose the whole text one inside the other. The text is walked once for all
@@ -91,11 +44,13 @@ std::size_t countEnclosingPairs(std::string_view text) noexcept {
     std::size_t depth = opening;
     std::size_t lowest = opening;
     std::size_t closing = 0;
-    Shelter shelter;
+    QuoteWalk walk(quote_rules::whenEnclosure);
     while (i < text.size()) {
-        const auto next = passSheltered(text, i, shelter, true);
-        const char c = next == i ? text[i] : '\0';
-        i = std::max(next, i + 1);
+        const bool open = walk.inOpen();
+        const auto next = walk.step(text, i);
+        const bool sheltered = !open || !walk.inOpen() || next > i + 1;
+        const char c = sheltered ? '\0' : text[i];
+        i = next;
         if (c == ')') {
             if (depth == 0) {
                 return 0;
@@ -131,14 +86,6 @@ bool standsAt(std::string_view text, std::size_t i, std::string_view word) noexc
            equalsNoCase(text.substr(i, word.size()), word);
 }
 
-/// The trimmed text behind a leading keyword (any case, white space or the end behind it).
-std::optional<std::string_view> behindWord(std::string_view text, std::string_view word) noexcept {
-    if (!standsAt(text, 0, word)) {
-        return std::nullopt;
-    }
-    return trim(text.substr(word.size()));
-}
-
 bool isLineBreak(char c) noexcept {
     return c == '\n' || c == '\r';
 }
@@ -154,9 +101,7 @@ struct ComparisonText {
 std::optional<std::string_view> matchRightSide(const ComparisonText& whole, std::size_t begin) noexcept {
     const auto text = whole.text;
     if (begin < whole.end) {
-        while (isSpace(text[begin])) {
-            ++begin;
-        }
+        begin = skipSpace(text, begin);
         return begin < whole.lastBreak ? std::nullopt : std::optional(text.substr(begin, whole.end - begin));
     }
     // Only white space: the last byte of it that `.` takes is given up to the group.
@@ -178,12 +123,12 @@ WhenOperand readOperand(std::string_view text) {
 
 /// The comparison whose operator begins at `at`, if one does and a right side follows it.
 std::optional<WhenComparison> compareAt(const ComparisonText& whole, std::string_view left, std::size_t at) {
-    for (const auto& word : compareWords) {
-        if (!whole.text.substr(at).starts_with(word.text)) {
+    for (const auto& [word, op] : compareWords) {
+        if (!whole.text.substr(at).starts_with(word)) {
             continue;
         }
-        if (const auto right = matchRightSide(whole, at + word.text.size())) {
-            return WhenComparison{readOperand(left), readOperand(*right), word.op};
+        if (const auto right = matchRightSide(whole, at + word.size())) {
+            return WhenComparison{readOperand(left), readOperand(*right), op};
         }
     }
     return std::nullopt;
@@ -192,10 +137,7 @@ std::optional<WhenComparison> compareAt(const ComparisonText& whole, std::string
 /// Pattern `^\s*(.+?)\s*(==|=|!=|<=|>=|<|>)\s*(.+?)\s*$`, where `.` takes no line feed and no carriage
 /// return. The lazy left side ends at the first operator that has a right side.
 std::optional<WhenComparison> matchComparison(std::string_view text) {
-    std::size_t begin = 0;
-    while (begin < text.size() && isSpace(text[begin])) {
-        ++begin;
-    }
+    const std::size_t begin = skipSpace(text);
     ComparisonText whole{text, text.size(), 0};
     while (whole.end > begin && isSpace(text[whole.end - 1])) {
         --whole.end;
@@ -253,10 +195,10 @@ TaskWhenExpr parseNode(std::string_view text, int depth) {
     if (const auto parts = splitWhenTopLevel(text, "and"); parts.size() > 1) {
         return parseGroup(WhenGroupOp::conjunction, parts, depth);
     }
-    if (const auto operand = behindWord(text, "defined")) {
+    if (const auto operand = textBehindWord(text, "defined")) {
         return {WhenDefined{std::string(*operand)}};
     }
-    if (const auto operand = behindWord(text, "completed")) {
+    if (const auto operand = textBehindWord(text, "completed")) {
         return {WhenCompleted{std::string(*operand)}};
     }
     if (auto comparison = matchComparison(text)) {
@@ -354,24 +296,15 @@ std::vector<std::string_view> splitWhenTopLevel(std::string_view text, std::stri
         }
     };
     std::size_t begin = 0;
-    std::size_t depth = 0;
-    Shelter shelter;
+    QuoteWalk walk(quote_rules::whenCondition);
     for (std::size_t i = 0; i < text.size();) {
-        if (const auto next = passSheltered(text, i, shelter, false); next != i) {
-            i = next;
-            continue;
-        }
-        if (text[i] == '(') {
-            ++depth;
-        } else if (text[i] == ')') {
-            depth -= depth > 0 ? 1 : 0;
-        } else if (depth == 0 && standsAt(text, i, keyword)) {
+        if (walk.atTop() && standsAt(text, i, keyword)) {
             addPart(begin, i);
             i += keyword.size();
             begin = i;
-            continue;
+        } else {
+            i = walk.step(text, i);
         }
-        ++i;
     }
     addPart(begin, text.size());
     return parts;

@@ -12,13 +12,6 @@ namespace morquill::taskdsl {
 
 namespace {
 
-std::size_t behindSpace(std::string_view text, std::size_t i) noexcept {
-    while (i < text.size() && isSpace(text[i])) {
-        ++i;
-    }
-    return i;
-}
-
 constexpr std::string_view braces = "{{";
 constexpr std::string_view completedWord = "completed";
 
@@ -39,7 +32,7 @@ std::optional<ReferenceSite> nextBraces(std::string_view text, std::size_t from)
         return std::nullopt;
     }
     const auto first = at + braces.size();
-    return ReferenceSite{at, first, behindSpace(text, first), true};
+    return ReferenceSite{at, first, skipSpace(text, first), true};
 }
 
 std::optional<ReferenceSite> nextCompleted(std::string_view text, std::size_t from) noexcept {
@@ -48,7 +41,7 @@ std::optional<ReferenceSite> nextCompleted(std::string_view text, std::size_t fr
         const auto end = at + completedWord.size();
         const bool begins = at == 0 || (at > from && isSpace(text[at - 1]));
         if (begins && end < text.size() && isSpace(text[end])) {
-            return ReferenceSite{at, end + 1, behindSpace(text, end), false};
+            return ReferenceSite{at, end + 1, skipSpace(text, end), false};
         }
     }
     return std::nullopt;
@@ -63,7 +56,7 @@ std::size_t matchBehindName(std::string_view text, std::size_t nameEnd, bool inB
     if (!inBraces) {
         return nameEnd == text.size() || isSpace(text[nameEnd]) ? nameEnd : std::string_view::npos;
     }
-    const auto dot = behindSpace(text, nameEnd);
+    const auto dot = skipSpace(text, nameEnd);
     return dot < text.size() && text[dot] == '.' ? dot + 1 : std::string_view::npos;
 }
 

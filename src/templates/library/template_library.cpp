@@ -1,6 +1,6 @@
 #include "templates/library/template_library.h"
 
-#include "console/console.h"
+#include "console/messages.h"
 #include "console/runtime_config.h"
 #include "support/fault.h"
 #include "support/file.h"
@@ -16,7 +16,10 @@ namespace morquill::templates {
 namespace {
 
 constexpr const char* pathKey = "MORQUILL_TEMPLATE_PATH";
-constexpr std::string_view noTemplates = "[mqkit] no templates found.\n";
+
+std::string noTemplates() {
+    return console::tagged(console::MessageKind::note, "no templates found.\n");
+}
 
 void addTemplate(const FoundFile& file, TemplateLibrary& library) {
     const auto text = readTextFile(file.path);
@@ -55,12 +58,11 @@ TemplateLibrary loadTemplateLibrary(std::string_view pathList) {
     TemplateLibrary library;
     library.sources = splitTemplateSources(pathList);
     if (library.sources.empty()) {
-        console::writeErr("[mqkit][ERROR] template directory is empty\n");
+        console::reportError("template directory is empty");
     }
     for (const auto& source : library.sources) {
         if (!isDirectory(source.directory)) {
-            console::writeErr(
-                "[mqkit][ERROR] template directory does not exist: " + quotedPath(source.directory) + "\n");
+            console::reportError("template directory does not exist: " + quotedPath(source.directory));
             continue;
         }
         walkRegularFiles(source.directory, [&](const FoundFile& file) {
@@ -70,8 +72,8 @@ TemplateLibrary loadTemplateLibrary(std::string_view pathList) {
             try {
                 addTemplate(file, library);
             } catch (const std::exception& error) {
-                console::writeErr("[mqkit][ERROR] failed to load template " + quotedPath(file.path) + ": " +
-                                  faultText(error, {}) + "\n");
+                console::reportError("failed to load template " + quotedPath(file.path) + ": " +
+                                     faultText(error, {}));
             }
         });
     }
@@ -86,7 +88,7 @@ const TaskTemplate* findTemplate(const TemplateLibrary& library, std::string_vie
 
 std::string formatTemplateList(const TemplateLibrary& library) {
     if (library.templates.empty()) {
-        return std::string(noTemplates);
+        return noTemplates();
     }
     std::string text = "Available templates:\n";
     for (const auto& entry : library.templates) {
@@ -97,7 +99,7 @@ std::string formatTemplateList(const TemplateLibrary& library) {
 
 std::string formatTemplateCategories(const TemplateLibrary& library) {
     if (library.templates.empty()) {
-        return std::string(noTemplates);
+        return noTemplates();
     }
     std::map<std::string_view, std::string> rows;
     for (const auto& entry : library.templates) {

@@ -1,5 +1,7 @@
 #include "templates/library/template_walk.h"
 
+#include "taskdsl/base/shell_words.h"
+
 #include <filesystem>
 #include <system_error>
 #include <vector>
@@ -31,14 +33,7 @@ void walkRegularFiles(const std::string& directory, const std::function<void(con
 }
 
 std::string quotedPath(std::string_view path) {
-    std::string result = "\"";
-    for (const char c : path) {
-        if (c == '"' || c == '\\') {
-            result += '\\';
-        }
-        result += c;
-    }
-    return result + '"';
+    return taskdsl::quoteForcedShellWord(path);
 }
 
 } // namespace morquill::templates

@@ -1,6 +1,6 @@
 #include "templates/library/variable_template.h"
 
-#include "console/console.h"
+#include "console/messages.h"
 #include "support/fault.h"
 #include "support/file.h"
 #include "support/text.h"
@@ -74,8 +74,8 @@ std::vector<VariableTemplate> loadVariableTemplates(std::string_view pathList) {
             try {
                 templates.push_back(readVariableTemplate(file));
             } catch (const std::exception& error) {
-                console::writeErr("[mqkit][ERROR] failed to load variable template " + quotedPath(file.path) +
-                                  ": " + faultText(error, {}) + "\n");
+                console::reportError("failed to load variable template " + quotedPath(file.path) + ": " +
+                                     faultText(error, {}));
             }
         });
     }

@@ -1,6 +1,7 @@
 #include "templates/selector/selector.h"
 
 #include "console/console.h"
+#include "console/messages.h"
 #include "system/terminal.h"
 #include "templates/selector/selector_dialogues.h"
 
@@ -68,7 +69,7 @@ int runSelector() {
     const std::string path = resolveTemplatePath();
     auto library = loadTemplateLibrary(path);
     if (library.templates.empty()) {
-        console::writeErr("[mqkit][ERROR] no templates were found in directory " + path + "\n");
+        console::reportError("no templates were found in directory " + path);
         return 1;
     }
     auto state = makeSelectorState(std::move(library), loadVariableTemplates(path));

@@ -1,5 +1,6 @@
 #include "templates/selector/selector_dialogues.h"
 
+#include "console/messages.h"
 #include "support/file.h"
 #include "support/number.h"
 #include "support/text.h"
@@ -27,6 +28,14 @@ std::optional<std::size_t> readIndex(std::string_view text, std::size_t count) {
     return static_cast<std::size_t>(*number) - 1;
 }
 
+std::string note(std::string_view text) {
+    return console::tagged(console::MessageKind::note, text);
+}
+
+std::string error(std::string_view text) {
+    return console::tagged(console::MessageKind::error, text);
+}
+
 std::string numbered(std::size_t index) {
     return "  [" + std::to_string(index + 1) + "] ";
 }
@@ -46,21 +55,21 @@ std::string matchingValues(const VariableTemplate& entry, const std::vector<std:
 bool loadValues(SelectorState& state, const std::vector<std::string>& names, const SelectorConsole& console) {
     const auto& templates = state.variableTemplates;
     if (templates.empty()) {
-        console.print("[mqkit] No matching variable templates were found under the template directory.\n\n");
+        console.print(note("No matching variable templates were found under the template directory.\n\n"));
         return true;
     }
-    std::string text = "[mqkit] choose a variable template to load:\n";
+    std::string text = note("choose a variable template to load:\n");
     for (std::size_t i = 0; i < templates.size(); ++i) {
         text += numbered(i) + templates[i].name + " " + matchingValues(templates[i], names) + "\n";
     }
-    console.print(text + "[mqkit] Template index?: ");
+    console.print(text + note("Template index?: "));
     const auto answer = console.readLine();
     if (!answer) {
         return false;
     }
     const auto index = readIndex(*answer, templates.size());
     if (!index) {
-        console.print("[mqkit] Invalid template index\n\n");
+        console.print(note("Invalid template index\n\n"));
         return true;
     }
     const auto& values = templates[*index].values;
@@ -69,7 +78,7 @@ bool loadValues(SelectorState& state, const std::vector<std::string>& names, con
             state.variableValues.insert_or_assign(name, found->second);
         }
     }
-    console.print("[mqkit] done.\n\n");
+    console.print(note("done.\n\n"));
     return true;
 }
 
@@ -78,29 +87,29 @@ bool setValue(SelectorState& state, const std::vector<std::string>& names, std::
               const SelectorConsole& console) {
     const auto index = readIndex(answer, names.size());
     if (!index) {
-        console.print("[mqkit] Invalid variable index\n\n");
+        console.print(note("Invalid variable index\n\n"));
         return true;
     }
-    console.print("[mqkit] input a new value: ");
+    console.print(note("input a new value: "));
     auto value = console.readLine();
     if (!value) {
         return false;
     }
     state.variableValues.insert_or_assign(names[*index], std::move(*value));
-    console.print("[mqkit] done.\n\n");
+    console.print(note("done.\n\n"));
     return true;
 }
 
 /// One round of the dialogue. False when the user leaves it.
 bool editOnce(SelectorState& state, const std::vector<std::string>& names, const SelectorConsole& console) {
-    std::string text = "[mqkit] Variables used by selected templates:\n";
+    std::string text = note("Variables used by selected templates:\n");
     for (std::size_t i = 0; i < names.size(); ++i) {
         text += numbered(i) + names[i] + " = " + shownValue(state, names[i]) + "\n";
     }
-    console.print(text + "[mqkit] choose a variable to set or change its value;\n"
-                         "        input 't' to load variable template;\n"
-                         "        input 'q' to return to template selection;\n"
-                         "        Variable index?: ");
+    console.print(text + note("choose a variable to set or change its value;\n"
+                              "        input 't' to load variable template;\n"
+                              "        input 'q' to return to template selection;\n"
+                              "        Variable index?: "));
     const auto line = console.readLine();
     const auto answer = line ? trim(*line) : std::string_view("q");
     if (equalsNoCase(answer, "q")) {
@@ -151,7 +160,7 @@ SelectorState generateTaskFile(SelectorState state, const SelectorConsole& conso
     console.clearScreen();
     console.print("=== Generate task file ===\n\n");
     if (state.selected.empty()) {
-        console.print("[mqkit][ERROR] no templates selected\n\n");
+        console.print(error("no templates selected\n\n"));
         quit = !waitForKey(console);
         console.print(system::hideCursor);
         return state;
@@ -165,9 +174,9 @@ SelectorState generateTaskFile(SelectorState state, const SelectorConsole& conso
     const std::string name = outputName(*answer);
     state.previewText = composePreview(state);
     if (writeTextFile(name, state.previewText)) {
-        console.print("\n[mqkit] wrote task file: " + name + "\n" + describeValues(state));
+        console.print("\n" + note("wrote task file: ") + name + "\n" + describeValues(state));
     } else {
-        console.print("\n[mqkit][ERROR] could not write file " + name + "\n");
+        console.print("\n" + error("could not write file ") + name + "\n");
     }
     console.print("\nPress q to quit, or any other key to continue editing...");
     const auto pressed = console.readKey();

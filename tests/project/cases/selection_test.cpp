@@ -72,7 +72,7 @@ class Selection : public ScratchTree {
   protected:
     Output fromFile(const std::string& file, const std::vector<std::string>& names,
                     std::string_view input = "",
-                    std::string_view title = "\n[mqkit] select task blocks to update comd:") {
+                    std::string_view title = "select task blocks to update comd:") {
         return run(input, [&] {
             return selectFromFile(file.empty() ? file : at(file), "task file", names, title, selected);
         });
@@ -80,8 +80,7 @@ class Selection : public ScratchTree {
     Output fromProject(const std::string& file, const std::vector<std::string>& names,
                        std::string_view input = "") {
         return run(input, [&] {
-            return selectFromProject(at("p"), file.empty() ? file : at(file), names,
-                                     "\n[mqkit] pick:", selected);
+            return selectFromProject(at("p"), file.empty() ? file : at(file), names, "pick:", selected);
         });
     }
     void makeProject() const {

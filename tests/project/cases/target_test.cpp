@@ -148,15 +148,14 @@ TEST_F(Target, AnExplicitPathLeadsToTheTemplate) {
         EXPECT_EQ(projectTemplate(path), "~/proj ~/proj/demo.projmq") << path;
     }
     EXPECT_EQ(projectTemplate("missing.projmq"),
-              "[mqkit][ERROR] could not resolve a .projmq project template from path: ~/missing.projmq");
+              "could not resolve a .projmq project template from path: ~/missing.projmq");
     dir("d.projmq");
     EXPECT_EQ(projectTemplate("d.projmq"),
-              "[mqkit][ERROR] could not resolve a .projmq project template from path: ~/d.projmq");
+              "could not resolve a .projmq project template from path: ~/d.projmq");
     write("proj/other.projmq");
-    EXPECT_EQ(
-        projectTemplate("proj/mol1"),
-        "[mqkit][ERROR] multiple .projmq files were found in the project directory; specify one explicitly: "
-        "~/proj");
+    EXPECT_EQ(projectTemplate("proj/mol1"),
+              "multiple .projmq files were found in the project directory; specify one explicitly: "
+              "~/proj");
     EXPECT_EQ(projectTemplate("proj/other.projmq"), "~/proj ~/proj/other.projmq");
 }
 
@@ -168,18 +167,15 @@ TEST_F(Target, WithoutAPathTheCurrentDirectoryIsAsked) {
     EXPECT_EQ(projectTemplate(""), "~/proj ~/proj/demo.projmq");
     EXPECT_EQ(target(""), "project ~/proj ~/proj/demo.projmq");
     write("proj/other.projmq");
-    EXPECT_EQ(
-        projectTemplate(""),
-        "[mqkit][ERROR] multiple .projmq files were found in the enclosing project directory; specify one "
-        "explicitly: ~/proj");
+    EXPECT_EQ(projectTemplate(""),
+              "multiple .projmq files were found in the enclosing project directory; specify one "
+              "explicitly: ~/proj");
     enter("proj");
-    EXPECT_EQ(projectTemplate(""),
-              "[mqkit][ERROR] multiple .projmq files were found in the current directory; "
-              "specify one explicitly.");
+    EXPECT_EQ(projectTemplate(""), "multiple .projmq files were found in the current directory; "
+                                   "specify one explicitly.");
     enter("1/2/3/4/5/6/7");
-    EXPECT_EQ(projectTemplate(""),
-              "[mqkit][ERROR] no .projmq file was found in the current directory or enclosing "
-              "project; use --path or <xxx.projmq>.");
+    EXPECT_EQ(projectTemplate(""), "no .projmq file was found in the current directory or enclosing "
+                                   "project; use --path or <xxx.projmq>.");
     EXPECT_EQ(target(""), projectTemplate(""));
 }
 
@@ -194,9 +190,8 @@ TEST_F(Target, UpdateAndRebuildTakeACaseBeforeAProject) {
     write("proj/stray.mq");
     EXPECT_EQ(target("proj"), "case ~/proj ~/proj/stray.mq");
     write("proj/mol1/second.mq");
-    EXPECT_EQ(target("proj/mol1/opt"),
-              "[mqkit][ERROR] multiple .mq files were found in the case directory; specify "
-              "one explicitly: ~/proj/mol1");
+    EXPECT_EQ(target("proj/mol1/opt"), "multiple .mq files were found in the case directory; specify "
+                                       "one explicitly: ~/proj/mol1");
     EXPECT_EQ(target("proj/mol1/second.mq"), "case ~/proj/mol1 ~/proj/mol1/second.mq");
 }
 
@@ -205,12 +200,10 @@ TEST_F(Target, ACaseWithoutATaskFileGivesWayToTheProject) {
     write("proj/bare/mq.status");
     EXPECT_EQ(target("proj/bare"), "project ~/proj ~/proj/demo.projmq");
     write("proj/other.projmq");
-    EXPECT_EQ(target("proj/bare"),
-              "[mqkit][ERROR] multiple .projmq files were found in the project directory; "
-              "specify one explicitly: ~/proj");
-    EXPECT_EQ(target("nothing"),
-              "[mqkit][ERROR] could not resolve a .projmq project template or case .mq file from "
-              "path: ~/nothing");
+    EXPECT_EQ(target("proj/bare"), "multiple .projmq files were found in the project directory; "
+                                   "specify one explicitly: ~/proj");
+    EXPECT_EQ(target("nothing"), "could not resolve a .projmq project template or case .mq file from "
+                                 "path: ~/nothing");
 }
 
 TEST_F(Target, WhatMayNotBeReadHoldsNothing) {
@@ -240,10 +233,9 @@ TEST_F(Target, NamesOfAnyBytesResolve) {
     EXPECT_EQ(target("-p 'q\"\n\xff"), "project ~/-p 'q\"\n\xff ~/-p 'q\"\n\xff/a b.projmq");
     EXPECT_EQ(target("-p 'q\"\n\xff/m $(x)"), "case ~/-p 'q\"\n\xff/m $(x) ~/-p 'q\"\n\xff/m $(x)/m.mq");
     const std::string endless(1 << 20, 'x');
-    EXPECT_EQ(target(endless),
-              "[mqkit][ERROR] could not resolve a .projmq project template or case .mq file from "
-              "path: ~/" +
-                  endless);
+    EXPECT_EQ(target(endless), "could not resolve a .projmq project template or case .mq file from "
+                               "path: ~/" +
+                                   endless);
 }
 
 } // namespace

@@ -82,16 +82,13 @@ TEST_F(Catalog, ARepeatedNameIsListedOnce) {
 
 TEST_F(Catalog, AScanFailureCarriesTheReason) {
     write("a.mq", "$opt\n%nonsense\n");
-    EXPECT_EQ(scan("a.mq"), "[mqkit][ERROR] failed to parse task file: " + at("a.mq") +
+    EXPECT_EQ(scan("a.mq"), "failed to parse task file: " + at("a.mq") +
                                 ":2:1-2:10: error: task 'opt' contains unknown directive '%nonsense'");
-    EXPECT_EQ(scan("missing.mq"),
-              "[mqkit][ERROR] failed to parse task file: could not open file: " + at("missing.mq"));
+    EXPECT_EQ(scan("missing.mq"), "failed to parse task file: could not open file: " + at("missing.mq"));
     link("loop.mq", "loop.mq");
-    EXPECT_EQ(scan("loop.mq"),
-              "[mqkit][ERROR] failed to parse task file: could not open file: " + at("loop.mq"));
+    EXPECT_EQ(scan("loop.mq"), "failed to parse task file: could not open file: " + at("loop.mq"));
     dir("dir.mq");
-    EXPECT_EQ(scan("dir.mq"),
-              "[mqkit][ERROR] failed to parse task file: could not open file: " + at("dir.mq"));
+    EXPECT_EQ(scan("dir.mq"), "failed to parse task file: could not open file: " + at("dir.mq"));
 }
 
 TEST_F(Catalog, AProjectIsTheTemplateAndEveryCase) {
@@ -149,14 +146,14 @@ TEST_F(Catalog, ABrokenTemplateDoesNotStopAProjectEither) {
 
 TEST_F(Catalog, AProjectWhereNothingParsesTellsTheFirstFailureAndTheCount) {
     write("p/demo.projmq", "$opt\n%oops\n");
-    const std::string first = "[mqkit][ERROR] failed to parse task file: " + at("p/demo.projmq") +
+    const std::string first = "failed to parse task file: " + at("p/demo.projmq") +
                               ":2:1-2:6: error: task 'opt' contains unknown directive '%oops'";
     EXPECT_EQ(load(), first);
     link("../demo.projmq", "p/m1/m1.mq");
     link("../demo.projmq", "p/m2/m2.mq");
     link("gone", "p/m3/m3.mq");
     EXPECT_EQ(load(), first + " (3 additional case parse error(s))");
-    EXPECT_EQ(load("p/none.projmq"), "[mqkit][ERROR] failed to parse task file: could not open file: " +
+    EXPECT_EQ(load("p/none.projmq"), "failed to parse task file: could not open file: " +
                                          at("p/none.projmq") + " (3 additional case parse error(s))");
 }
 
@@ -167,8 +164,7 @@ TEST_F(Catalog, AFileThatMayNotBeReadIsAFailure) {
     mode("p/demo.projmq", 0);
     mode("p/m2/m2.mq", 0);
     const Unprivileged user;
-    EXPECT_EQ(scan("p/m2/m2.mq"),
-              "[mqkit][ERROR] failed to parse task file: could not open file: " + at("p/m2/m2.mq"));
+    EXPECT_EQ(scan("p/m2/m2.mq"), "failed to parse task file: could not open file: " + at("p/m2/m2.mq"));
     EXPECT_EQ(load(), "one | one | one | one>one");
 }
 

@@ -28,6 +28,26 @@ TEST_F(RenameFiles, TheBlockDirectoryAndWhatIsNamedAfterItInside) {
                                         "sp/deep/sp_b/x = 2", "sp/opt.txt = 3", "sp/sp_m1.log = 1"));
 }
 
+TEST_F(RenameFiles, ANameThatWouldBeTooLongIsFoundBeforehand) {
+    const RenamedBlock longer{"opt", "opt1234"};
+    const auto name = [](const std::string& start, std::size_t size) {
+        return start + std::string(size - start.size(), 'x');
+    };
+    write("m1/opt/a/" + name("opt_", 251)); // 255 bytes with four more
+    write("m1/opt/a/" + name("x_opt_", 255));
+    write("m1/.morq/store/records/" + name("opt_m2", 252)); // of another case
+    write("m1/.morq/store/records/deep/" + name("opt_m1", 252));
+    EXPECT_EQ(findOverlongName(at("m1"), "m1", longer), std::nullopt);
+    const auto record = "m1/.morq/store/revisions/deep/" + name("opt_m1", 252);
+    write(record);
+    EXPECT_EQ(findOverlongName(at("m1"), "m1", longer), at(record));
+    EXPECT_EQ(findOverlongName(at("m1"), "m1", {"opt", "sp"}), std::nullopt);
+    const auto file = "m1/opt/a/" + name("opt_", 252);
+    write(file);
+    EXPECT_EQ(findOverlongName(at("m1"), "m1", longer), at(file));
+    EXPECT_EQ(findOverlongName(at("none"), "m1", longer), std::nullopt);
+}
+
 TEST_F(RenameFiles, DerivedTreesHaveFilesOfThatBlockAndCase) {
     struct Row {
         const char* path;

@@ -4,6 +4,7 @@
 #include "project/rename/rename_files.h"
 
 #include "fixtures/file_size_limit.h"
+#include "fixtures/golden.h"
 #include "fixtures/scratch_tree.h"
 
 namespace morquill::project {
@@ -437,28 +438,7 @@ TEST_F(Rename, NeverMovesADirectoryFromOutsideTheCase) {
 TEST_F(Rename, PrintsItsHelpWhenTheArgumentsDoNotFit) {
     const auto wrong = rename({"/usr/bin/mqkit", "rename"});
     EXPECT_EQ(wrong.status, 1);
-    EXPECT_EQ(
-        wrong.out,
-        "Usage:\n"
-        "  mqkit rename <task.mq|task.projmq> <old_block> <new_block>\n"
-        "      -- Renames one task block and updates derived artifacts that depend on that name.\n"
-        "      -- For .mq: updates the current case, mq.status, task directories, file prefixes, and related "
-        ".morq metadata and Results artifacts.\n"
-        "      -- For .projmq: updates the project template plus matching task directories and derived "
-        "artifacts across all cases.\n"
-        "      -- If the input .mq is actually a symlink to a .projmq, it is handled automatically in "
-        "project "
-        "mode.\n"
-        "      -- Existing derived SQLite databases are removed so that mqdb can rebuild them from renamed "
-        "records on the next sync/rebuild.\n"
-        "Examples:\n"
-        "  mqkit rename caseA.mq opt opt2\n"
-        "  mqkit rename demo.projmq old_block new_block\n"
-        "Compatibility forms:\n"
-        "  mqkit caseA.mq -r opt opt2\n"
-        "      Equivalent to: mqkit rename caseA.mq opt opt2\n"
-        "  mqkit demo.projmq --rename old_block new_block\n"
-        "      Equivalent to: mqkit rename demo.projmq old_block new_block\n");
+    EXPECT_EQ(wrong.out, golden::plainHelp("rename"));
     const auto help = renameOlderShape({"mqkit", "a.mq", "-r", "opt", "new", "-x", "--help"});
     EXPECT_EQ(help.status, 0); // a help token anywhere
     EXPECT_EQ(help.err, "[mqkit][ERROR] unknown argument: -x\n");

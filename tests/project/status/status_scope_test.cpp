@@ -191,7 +191,8 @@ TEST_F(StatusScope, ALackOfMemoryStopsNoRestore) {
         return restored;
     });
     EXPECT_EQ(output.status, 0);
-    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to restore mq.status: " + at("m5/mq.status") + "\n");
+    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to restore mq.status: " + at("m5/mq.status") +
+                              " (a directory is in its place)\n");
     std::filesystem::remove(at("m5/mq.status"));
     write("m5/mq.status", "freq\n");
     EXPECT_EQ(tree(), before);
@@ -257,7 +258,8 @@ TEST_F(StatusScope, WhatLayBehindALinkGoesBackEvenWhereTheLinkCannot) {
     dir("m1/mq.status");
     const auto output = restore();
     EXPECT_EQ(output.status, 0);
-    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to restore mq.status: " + at("m1/mq.status") + "\n");
+    EXPECT_EQ(output.err, "[mqkit][ERROR] failed to restore mq.status: " + at("m1/mq.status") +
+                              " (a directory is in its place; what it held is in " + at("shared") + ")\n");
     EXPECT_EQ(readTextFile(at("shared")), "opt\nfreq\n");
 }
 
@@ -271,8 +273,36 @@ TEST_F(StatusScope, EveryFailedRestoreIsReportedAndStopsNone) {
     const auto output = restore();
     EXPECT_EQ(output.status, 0);
     EXPECT_EQ(output.err, "[mqkit][ERROR] failed to restore mq.status: " + at("m3/mq.status") +
-                              "\n[mqkit][ERROR] failed to restore mq.status: " + at("m1/mq.status") + "\n");
+                              " (a directory is in its place; what it held is in " +
+                              at("m3/mq.status.saved") + ")\n[mqkit][ERROR] failed to restore mq.status: " +
+                              at("m1/mq.status") + " (its directory is gone)\n");
     EXPECT_EQ(readTextFile(at("m2/mq.status")), "freq\n");
+    EXPECT_EQ(readTextFile(at("m3/mq.status.saved")), "freq\n");
+}
+
+TEST_F(StatusScope, WhatCannotGoBackIsLeftBesideItsPlaceOrWhereTheCaseHasGone) {
+    write("hidden/mq.status", "freq\n");
+    write("narrowed/mq.status", "opt\nfreq\n");
+    write("blocked/mq.status", "freq\n");
+    write("blocked/mq.status.saved", "older\n");
+    ASSERT_EQ(scope({"hidden", "narrowed", "blocked"}, {"opt"}).status, 1);
+    std::filesystem::rename(at("hidden"), at("hidden2"));
+    std::filesystem::rename(at("narrowed"), at("narrowed2"));
+    dir("blocked/mq.status");
+    const auto output = restore();
+    const std::string failed = "[mqkit][ERROR] failed to restore mq.status: ";
+    EXPECT_EQ(output.status, 0);
+    EXPECT_EQ(output.err,
+              failed + at("blocked/mq.status") + " (a directory is in its place; what it held is in " +
+                  at("blocked/mq.status.saved-2") + ")\n" + failed + at("narrowed/mq.status") +
+                  " (its directory is gone; what it held is in " + at("narrowed2/mq.status.saved") + ")\n" +
+                  failed + at("hidden/mq.status") + " (its directory is gone; what it held is in " +
+                  at("hidden2/mq.status") + ")\n");
+    EXPECT_THAT(tree(), ElementsAre("blocked/", "blocked/mq.status.saved = older\n",
+                                    "blocked/mq.status.saved-2 = freq\n", "blocked/mq.status/", "hidden2/",
+                                    "hidden2/mq.status = freq\n", "narrowed2/",
+                                    "narrowed2/mq.status = " + header + optRow,
+                                    "narrowed2/mq.status.saved = opt\nfreq\n"));
 }
 
 TEST_F(StatusScope, TheGuardRestoresOnceAndAlsoWhenAnExceptionPasses) {

@@ -1,12 +1,9 @@
 #include "taskdsl/base/scan.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace morquill::taskdsl {
 namespace {
-
-using ::testing::ElementsAre;
 
 TEST(StripComment, EndsAtAHashAtTheStartOrBehindWhiteSpace) {
     EXPECT_EQ(stripComment("# all"), "");
@@ -41,19 +38,6 @@ TEST(Unquote, RemovesOnePairAndHasNoEscapes) {
     EXPECT_EQ(unquote("\"\""), "");
 }
 
-TEST(ReadScalar, DecodesWhatTheWriterQuotes) {
-    EXPECT_EQ(readScalar(R"("a \"b\" \\ \t\n\r")"), "a \"b\" \\ \t\n\r");
-    EXPECT_EQ(readScalar(R"("")"), "");
-}
-
-TEST(ReadScalar, OtherTextsAreUnquotedOnly) {
-    EXPECT_EQ(readScalar(R"("a\x")"), R"(a\x)");
-    EXPECT_EQ(readScalar(R"("a" b "c")"), R"(a" b "c)");
-    EXPECT_EQ(readScalar(R"("a\")"), R"(a\)");
-    EXPECT_EQ(readScalar("'a'"), "a");
-    EXPECT_EQ(readScalar(R"(a\n)"), R"(a\n)");
-}
-
 TEST(Classifiers, DirectiveAndHeader) {
     EXPECT_EQ(directiveName("%mod x"), "mod x");
     EXPECT_EQ(directiveName("mod"), "");
@@ -71,22 +55,37 @@ TEST(Classifiers, MatchWordTakesAnyWhiteSpace) {
     EXPECT_FALSE(matchWord("guessx", "guess"));
 }
 
-TEST(ShellWords, QuotesGroupAndVanish) {
-    EXPECT_THAT(splitShellWords("  a 'b c' \"d e\"f "), ElementsAre("a", "b c", "d ef"));
-    EXPECT_THAT(splitShellWords("'' \"\""), ElementsAre("", ""));
-    EXPECT_THAT(splitShellWords(""), ElementsAre());
+TEST(Classifiers, TextBehindAWordInAnyCase) {
+    EXPECT_EQ(textBehindWord("%Control  x ", "%control"), "x");
+    EXPECT_EQ(textBehindWord("defined\ta", "DEFINED"), "a");
+    EXPECT_EQ(textBehindWord("defined\va", "defined"), "\va"); // white space, but nothing that is trimmed
+    EXPECT_EQ(textBehindWord("defined", "defined"), "");
+    EXPECT_EQ(textBehindWord("defineda", "defined"), std::nullopt);
+    EXPECT_EQ(textBehindWord("def", "defined"), std::nullopt);
 }
 
-TEST(ShellWords, BackslashProtectsQuotesBackslashAndWhiteSpace) {
-    EXPECT_THAT(splitShellWords(R"(a\ b \" \\ \n)"), ElementsAre("a b", "\"", "\\", "\\n"));
-    EXPECT_THAT(splitShellWords(R"("a\"b\x")"), ElementsAre(R"(a"b\x)"));
-    EXPECT_THAT(splitShellWords(R"('a\'b)"), ElementsAre("a\\b"));
-}
-
-TEST(ShellWords, UnclosedQuotesRunToTheEnd) {
-    EXPECT_THAT(splitShellWords("\"a b"), ElementsAre("a b"));
-    EXPECT_THAT(splitShellWords("'a b"), ElementsAre("a b"));
-    EXPECT_THAT(splitShellWords("a\\"), ElementsAre("a\\"));
+TEST(AssignedValue, IsQuotedOrEndsAtWhiteSpace) {
+    struct Row {
+        std::string_view text;
+        std::optional<std::string_view> value;
+        std::string_view rest;
+    };
+    const std::vector<Row> rows{
+        {"=a b", "a", " b"},
+        {" = \"a b\"c", "\"a b\"", "c"},
+        {"\n=\v'a \"b' c", "'a \"b'", " c"},
+        {R"(="a\" b")", R"("a\")", R"( b")"}, // there are no escapes
+        {"='a b", "'a", " b"},                // no second quote
+        {"='", "'", ""},
+        {" = ", std::nullopt, " = "},
+        {" a=b", std::nullopt, " a=b"},
+        {"", std::nullopt, ""},
+    };
+    for (const auto& [text, value, rest] : rows) {
+        Cursor cursor(text);
+        EXPECT_EQ(takeAssignedValue(cursor), value) << text;
+        EXPECT_EQ(cursor.rest(), rest) << text;
+    }
 }
 
 TEST(Identifiers, BeginWithALetter) {

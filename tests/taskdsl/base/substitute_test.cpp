@@ -20,6 +20,15 @@ TEST(SubstituteBrackets, DoesNotScanItsOwnResult) {
     EXPECT_EQ(substituteBrackets("[[a]]", {{"a", "b"}, {"b", "x"}}), "[b]");
 }
 
+TEST(SubstituteBrackets, TellsWhetherAKeyIsThere) {
+    for (const char* text : {"[a]", "x [b.c-d_2]", "[[a]", "[a[b]"}) {
+        EXPECT_TRUE(holdsBracketKey(text)) << text;
+    }
+    for (const char* text : {"", "a", "[]", "[a", "[a b]", "a]"}) {
+        EXPECT_FALSE(holdsBracketKey(text)) << text;
+    }
+}
+
 TEST(SubstituteBrackets, MegabytesOfOpenBracketsAndNamesStayLinear) {
     const std::string brackets(2'000'000, '[');
     EXPECT_EQ(substituteBrackets(brackets, {{"a", "1"}}), brackets);

@@ -17,7 +17,9 @@ std::string printed(std::string_view text, std::string_view keyword, ElseWord el
     std::string losses;
     const WarningSink sink = [&losses](const std::string& line) { losses += " | " + line; };
     ReadBackCheck check("d", sink);
-    return printCondition(condition, keyword, elseWord, check) + losses;
+    const std::string line = printCondition(condition, keyword, elseWord, check);
+    check.warn();
+    return line + losses;
 }
 
 TEST(ConditionOutput, ElseIsAWordOfRequireAlone) {

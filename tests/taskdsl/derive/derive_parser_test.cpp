@@ -1,4 +1,5 @@
 #include "taskdsl/derive/derive_parser.h"
+#include "taskdsl/derive/read_back.h"
 
 #include "fixtures/blocks.h"
 
@@ -672,6 +673,30 @@ TEST(DeriveBlock, ModifiersOfOneEmitAreBounded) {
         body += " report r\n";
     }
     EXPECT_EQ(refusal(body), "derive expansion exceeds the maximum size of 100000 nodes");
+}
+
+TEST(DeriveKeywords, TheWordsOfOneAreASingleBlankApart) {
+    const auto statementOf = [](const std::string& body) {
+        return parseDerive(blockOf(body)).statements.back();
+    };
+    // With two blanks, and where nothing follows, the second word names a scalar.
+    for (const std::string name : {"table", "value", "report", "kv", "artifact", "atomvec"}) {
+        EXPECT_EQ(std::get<EmitScalarStatement>(statementOf("emit  " + name + " = 1")).name, name);
+    }
+    EXPECT_EQ(std::get<EmitScalarStatement>(statementOf("emit kv")).name, "kv");
+    EXPECT_EQ(std::get<EmitScalarStatement>(statementOf("Emit Reports")).name, "Reports");
+    EXPECT_EQ(std::get<EmitReportStatement>(statementOf("EMIT Report to root")).path, "");
+    EXPECT_EQ(refusal(tasks + "group  by a\n" + sink).substr(0, 26), "unknown @derive statement;");
+    EXPECT_EQ(refusal(tasks + "group by\n" + sink).substr(0, 26), "unknown @derive statement;");
+}
+
+TEST(DeriveKeywords, TheOtherEmitsAreKnownByTheirWord) {
+    for (const std::string_view name : {"artifact", "ATOMVEC", "kv", "report", "table", "value"}) {
+        EXPECT_TRUE(isEmitWord(name)) << name;
+    }
+    for (const std::string_view name : {"", "emit", "by", "tables", "let"}) {
+        EXPECT_FALSE(isEmitWord(name)) << name;
+    }
 }
 
 } // namespace

@@ -273,8 +273,18 @@ TEST(ReadBack, ValuesThatAreNoNamesAreTold) {
               lead + "'{{ a.b.c }}' is no reference");
     EXPECT_EQ(warningsWith({{"t", "a b"}}, "let a = {{ [t].c }}\nemit a"), "");
     EXPECT_EQ(warningsWith({{"t", ""}}, "report '[t]' = x\nemit value x to kv '[t]'\nemit e = x unit '[t]'"),
-              lead + "a text of 'report' is empty\n" + lead + "a text of 'emit value' is empty");
+              lead + "a text of 'report' is empty; a text of 'emit value' is empty");
     EXPECT_EQ(warningsWith({{"t", "or"}}, tasks + "where [t] == 1\nselect s\n" + sink), "");
+}
+
+TEST(ReadBack, AllReasonsOfADeriveStandInOneLine) {
+    const auto [text, warnings] = printed(
+        parseDerive(blockOf("require not (a or b) else \"x\"\nlet x = a + (b + c)\nlet y = d + (e + f)\n"
+                            "emit q = x\n")));
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_EQ(warnings.front(),
+              "derive 'd' does not read back: 'not' before a group prints without parentheses; "
+              "parentheses on the right of '+' are not printed");
 }
 
 } // namespace

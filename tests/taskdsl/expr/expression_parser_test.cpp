@@ -1,9 +1,11 @@
 // The grammar: which tree a text stands for. What trees print as is the matter of expression_test.cpp.
 
+#include "fixtures/awkward_texts.h"
 #include "fixtures/faults.h"
 #include "support/shared.h"
 #include "support/text.h"
 #include "taskdsl/expr/expression.h"
+#include "taskdsl/expr/plot_text.h"
 
 #include <gtest/gtest.h>
 
@@ -36,6 +38,15 @@ std::string treeOf(const ExprRef& expression) {
                          treeOf(node.left) + " " + treeOf(node.right) + ")";
               }},
         expression->node);
+}
+
+TEST(ExpressionParser, StringsReadBack) {
+    for (const auto& text : awkwardTexts()) {
+        const auto read = parsePlotExpression(quotePlotText(text), {});
+        const auto* string = std::get_if<StringExpr>(&read->node);
+        ASSERT_NE(string, nullptr) << text;
+        EXPECT_EQ(string->text, text);
+    }
 }
 
 TEST(ExpressionParser, BuildsTheTreeOfTheGrammar) {
@@ -119,6 +130,25 @@ TEST(ExpressionParser, NestingEndsAtItsBoundAndASumOfAnyLengthDoesNotNest) {
         sum += "-(b)";
     }
     EXPECT_EQ(read(sum), "no fault");
+}
+
+TEST(ExpressionParser, ReadsWhatStandsBehindTheNameOfAFunction) {
+    const auto text = [](std::string_view behind) {
+        try {
+            return renderPlotExpression(parseCallOf("f", behind, {}));
+        } catch (const DiagnosticError& fault) {
+            return fault.message();
+        }
+    };
+    EXPECT_EQ(text("()"), "f()");
+    EXPECT_EQ(text("(a, b=1 + c)"), "f(a, b=1 + c)");
+    EXPECT_EQ(text("(a) * 2 - (b)"), "f(a) * 2 - b");
+    EXPECT_EQ(text("(a"), "expected ',' or ')' after function argument");
+    EXPECT_EQ(text("(a) b)"), "unexpected token 'b'");
+    EXPECT_EQ(text("a"), "expected '(' in plot expression");
+    const auto call = parseCallOf("f", "(b=1)", {});
+    ASSERT_NE(expressionAs<CallExpr>(call), nullptr);
+    EXPECT_TRUE(expressionAs<CallExpr>(call)->arguments.front().named);
 }
 
 } // namespace

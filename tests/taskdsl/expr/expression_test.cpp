@@ -305,6 +305,32 @@ TEST(PlotExpression, DeepTreesBuiltByHandAreFreedWithoutRecursion) {
     EXPECT_EQ(renderPlotExpression(kept).substr(0, 6), "f(1 + ");
 }
 
+TEST(PlotExpression, WhatIsPrintedReadsAsItselfUnlessSomethingIsLost) {
+    const auto same = read("a - (b - c)");
+    EXPECT_EQ(readPrinted(same, printExpression(same)), same);
+
+    const auto grouped = read("a + (b + c)");
+    EXPECT_TRUE(equalExpressions(readPrinted(grouped, printExpression(grouped)), read("a + b + c")));
+
+    const auto stray = makeExpression(IdentifierExpr{"a)"});
+    EXPECT_EQ(readPrinted(stray, printExpression(stray)), nullptr);
+}
+
+TEST(PlotExpression, TheFirstNameThatIsNoneIsTheLoss) {
+    const auto call = makeExpression(CallExpr{
+        "f", {{"a b", true, makeExpression(NumberExpr{1})}, {"c d", true, makeExpression(NumberExpr{2})}}});
+    EXPECT_EQ(printExpression(call).loss, "'a b' is no name");
+}
+
+TEST(PlotExpression, OnlyNamesAndStringsHaveAText) {
+    EXPECT_EQ(*nameOrString(read("a.b")), "a.b");
+    EXPECT_EQ(*nameOrString(read("'a b'")), "a b");
+    for (const std::string_view text : {"1", "-a", "f()", "{{ a.b }}", "a + b"}) {
+        EXPECT_EQ(nameOrString(read(text)), nullptr) << text;
+    }
+    EXPECT_EQ(nameOrString(nullptr), nullptr);
+}
+
 TEST(PlotExpression, MappingRebuildsWhatChangedAndSharesTheRest) {
     const auto source = read("f(a, x=b) + -c * (d - a)");
     const auto renamed = mapExpression(source, [](const ExprRef& node) {

@@ -1,5 +1,7 @@
 #include "taskdsl/expr/plot_text.h"
 
+#include "fixtures/awkward_texts.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -112,6 +114,14 @@ TEST(PlotText, QuotingEscapesWhatUnquotingDecodes) {
     EXPECT_EQ(quotePlotText("a\\b\"c\nd\re\tf'g"), R"("a\\b\"c\nd\re\tf'g")");
     EXPECT_EQ(quotePlotText("\xC3\xA9\x01"), "\"\xC3\xA9\x01\"");
     EXPECT_EQ(unquotePlotText(quotePlotText("a\\nb\\\"\n\t\r'")), "a\\nb\\\"\n\t\r'");
+}
+
+TEST(PlotText, WhatIsQuotedReadsBack) {
+    for (const auto& text : awkwardTexts()) {
+        EXPECT_EQ(unquotePlotText(quotePlotText(text)), text) << text;
+        const auto statement = "a " + quotePlotText(text) + " b # " + text;
+        EXPECT_THAT(splitPlotWords(stripPlotComment(statement)), ElementsAre("a", quotePlotText(text), "b"));
+    }
 }
 
 TEST(PlotText, TrailingColon) {

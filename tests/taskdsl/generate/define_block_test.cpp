@@ -60,17 +60,17 @@ TEST(ReservedKeys, AreTheNamesThemselvesAndWithDotsOrDigits) {
 
 TEST(MergeDefines, OverridesOrKeeps) {
     TaskDocument document;
-    mergeDefines(document, {{"a", "1"}, {"b", "2"}}, true);
-    mergeDefines(document, {{"b", "3"}, {"c", "4"}}, false);
+    mergeDefines(document, {{"a", "1"}, {"b", "2"}}, NameClash::takeNew);
+    mergeDefines(document, {{"b", "3"}, {"c", "4"}}, NameClash::keepOld);
     EXPECT_EQ(document.defines, (ValueMap{{"a", "1"}, {"b", "2"}, {"c", "4"}}));
-    mergeDefines(document, {{"b", "5"}}, true);
+    mergeDefines(document, {{"b", "5"}}, NameClash::takeNew);
     EXPECT_EQ(document.defines, (ValueMap{{"a", "1"}, {"b", "5"}, {"c", "4"}}));
 }
 
 TEST(MergeDefines, RefusesReservedKeys) {
     TaskDocument document;
     EXPECT_EQ(messageOf([&] {
-                  mergeDefines(document, {{"charge2", "1"}}, false);
+                  mergeDefines(document, {{"charge2", "1"}}, NameClash::keepOld);
               }),
               "define key 'charge2' is reserved for runtime %source placeholders");
 }

@@ -1,6 +1,7 @@
 #include "taskdsl/generate/matrix_combinations.h"
 
 #include "fixtures/test_lines.h"
+#include "support/text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +15,7 @@ using ::testing::Pair;
 std::vector<std::string> suffixesOf(const std::vector<MatrixAxis>& axes) {
     std::vector<std::string> suffixes;
     for (const auto& combination : buildMatrixCombinations(axes)) {
-        suffixes.push_back(variantSuffix(combination));
+        suffixes.push_back(join(combination.pieces, "__"));
     }
     return suffixes;
 }
@@ -54,7 +55,7 @@ TEST(Combinations, AnAxisWithoutValuesHasOneEmptyValue) {
     const auto combinations = buildMatrixCombinations({{"a", {}, {}, {}}, {"b", {"1", "2"}, {}, {}}});
     ASSERT_EQ(combinations.size(), 2U);
     EXPECT_EQ(combinations[0].values.at("a"), "");
-    EXPECT_EQ(variantSuffix(combinations[0]), "a_value__b_1");
+    EXPECT_EQ(join(combinations[0].pieces, "__"), "a_value__b_1");
 }
 
 TEST(Combinations, AnUnknownTargetIsAnInternalError) {

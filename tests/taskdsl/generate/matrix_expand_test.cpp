@@ -33,7 +33,7 @@ TEST(Matrix, OneCombinationKeepsTheNames) {
     EXPECT_EQ(parsed.document.tasks[0].keywords, "1");
     EXPECT_EQ(parsed.document.tasks[0].matrixVariantKey, "a_1");
     EXPECT_EQ(parsed.document.tasks[0].matrixValues.get(), (ValueMap{{"a", "1"}}));
-    EXPECT_EQ(parsed.document.tasks[1].source, "opt");
+    EXPECT_EQ(sourceText(parsed.document.tasks[1]), "opt");
 }
 
 TEST(Matrix, ReferencesFollowTheNames) {
@@ -45,21 +45,21 @@ TEST(Matrix, ReferencesFollowTheNames) {
     const auto& sp = parsed.document.tasks[4];
     EXPECT_EQ(sp.name, "sp_2__a_2");
     EXPECT_EQ(sp.templateTaskName, "sp_[a]");
-    EXPECT_EQ(formatSourceSpec(sourceSpecOf(sp)), "geom opt__a_2\naux.d opt__a_2\naux.o origin");
+    EXPECT_EQ(formatSourceSpec(sp.source), "geom opt__a_2\naux.d opt__a_2\naux.o origin");
     const auto& last = parsed.document.tasks[5];
-    EXPECT_EQ(formatSourceSpec(sourceSpecOf(last)), "sp_2__a_2");
+    EXPECT_EQ(formatSourceSpec(last.source), "sp_2__a_2");
     EXPECT_EQ(last.guessSourceTask, "opt__a_2");
     EXPECT_EQ(last.interfaceProvider, "opt__a_2");
-    EXPECT_THAT(last.whenConditions, ElementsAre("completed opt__a_2 and completed other",
-                                                 "{{ sp_2__a_2.energy }} < {{ opt__a_2.e}}"));
+    EXPECT_THAT(whenConditions(last), ElementsAre("completed opt__a_2 and completed other",
+                                                  "{{ sp_2__a_2.energy }} < {{ opt__a_2.e}}"));
 }
 
 TEST(Matrix, ANameMadeByTheMatrixIsNotRenamedAgain) {
     const auto parsed =
         parse("matrix:\n  a: 1,2\n$t\n$t__a_1\n$u\n%source t\n%when completed t and completed t__a_1\n");
     const auto& task = parsed.document.tasks[2];
-    EXPECT_EQ(task.source, "t__a_1");
-    EXPECT_THAT(task.whenConditions, ElementsAre("completed t__a_1 and completed t__a_1__a_1"));
+    EXPECT_EQ(sourceText(task), "t__a_1");
+    EXPECT_THAT(whenConditions(task), ElementsAre("completed t__a_1 and completed t__a_1__a_1"));
 }
 
 TEST(Matrix, ReferencesStayInTheirFile) {
@@ -69,8 +69,8 @@ TEST(Matrix, ReferencesStayInTheirFile) {
     const auto parsed = parseFile(path);
     EXPECT_THAT(namesOf(parsed.document.tasks), ElementsAre("shared__a_1", "shared__a_1", "user__a_1",
                                                             "shared__a_2", "shared__a_2", "user__a_2"));
-    EXPECT_EQ(parsed.document.tasks[0].source, "user"); // a task of another file
-    EXPECT_EQ(parsed.document.tasks[2].source, "shared__a_1");
+    EXPECT_EQ(sourceText(parsed.document.tasks[0]), "user"); // a task of another file
+    EXPECT_EQ(sourceText(parsed.document.tasks[2]), "shared__a_1");
 }
 
 TEST(Matrix, CollidingSuffixesAndFaultsOfTheAxesEndTheParse) {
@@ -101,7 +101,7 @@ TEST(ExpandMatrix, AnAxisWinsOverADefineOfItsNameInATaskName) {
     const auto parsed = parse("define:\n  m: D\nmatrix:\n  m: 1,2\n$b_[m]\n%when completed b_[m]\n");
     EXPECT_THAT(namesOf(parsed.document.templateTasks), ElementsAre("b_[m]"));
     EXPECT_THAT(namesOf(parsed.document.tasks), ElementsAre("b_1__m_1", "b_2__m_2"));
-    EXPECT_THAT(parsed.document.tasks[1].whenConditions, ElementsAre("completed b_2__m_2"));
+    EXPECT_THAT(whenConditions(parsed.document.tasks[1]), ElementsAre("completed b_2__m_2"));
 }
 
 TEST(ExpandMatrix, LongValuesCountAlthoughNoTaskHoldsThem) {
@@ -120,7 +120,7 @@ TEST(ExpandMatrix, LongValuesCountAlthoughNoTaskHoldsThem) {
 TEST(Matrix, OneCombinationRenamesNothing) {
     const auto parsed = parse("matrix:\n  a: 1\n$opt\n$sp_[a]\n%when\n {{opt.energy}} < {{  sp_[a] .e}}\n"
                               " completed  opt and completed  sp_[a]\n");
-    EXPECT_THAT(parsed.document.tasks[1].whenConditions,
+    EXPECT_THAT(whenConditions(parsed.document.tasks[1]),
                 ElementsAre("{{opt.energy}} < {{  sp_1 .e}}", "completed  opt and completed  sp_1"));
 }
 

@@ -16,15 +16,6 @@ std::vector<MatrixAxis> readBlock(std::string_view text) {
     return parseMatrixBlock(makeSourceLines(text, "t.mq"), 0, next);
 }
 
-TEST(ValueList, SplitsAtCommasOutsideQuotes) {
-    EXPECT_THAT(splitValueList(" a , 'b,c' ,, \"d,e\", f g "), ElementsAre("a", "b,c", "d,e", "f g"));
-    EXPECT_THAT(splitValueList(R"("a\",b", c)"), ElementsAre("a\",b", "c"));
-    EXPECT_THAT(splitValueList("\"\", ''"), IsEmpty());
-    EXPECT_THAT(splitValueList(""), IsEmpty());
-    EXPECT_THAT(splitValueList("a, don't, b"), ElementsAre("a", "don't, b"));
-    EXPECT_THAT(splitValueList("a, \"b\\"), ElementsAre("a", "\"b\\"));
-}
-
 TEST(MatrixBlock, MappingSyntaxHasOneAxisPerLine) {
     std::size_t next = 0;
     const auto lines =
@@ -69,12 +60,12 @@ TEST(MatrixBlock, TellsWhatDoesNotFit) {
 
 TEST(MergeMatrixAxes, ReplacesInPlaceOrKeeps) {
     TaskDocument document;
-    mergeMatrixAxes(document, {{"a", {"1"}, {}, {}}, {"b", {"2"}, {}, {}}}, true);
-    mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}, {"c", {}, {}, "b"}}, false);
+    mergeMatrixAxes(document, {{"a", {"1"}, {}, {}}, {"b", {"2"}, {}, {}}}, NameClash::takeNew);
+    mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}, {"c", {}, {}, "b"}}, NameClash::keepOld);
     EXPECT_THAT(document.matrixAxes,
                 ElementsAre(MatrixAxis{"a", {"1"}, {}, {}}, MatrixAxis{"b", {"2"}, {}, {}},
                             MatrixAxis{"c", {}, {}, "b"}));
-    mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}}, true);
+    mergeMatrixAxes(document, {{"a", {"3"}, {"n"}, {}}}, NameClash::takeNew);
     EXPECT_EQ(document.matrixAxes[0], (MatrixAxis{"a", {"3"}, {"n"}, {}}));
     EXPECT_THAT(document.matrixValues,
                 ElementsAre(testing::Pair("a", ElementsAre("3")), testing::Pair("b", ElementsAre("2")),
@@ -84,14 +75,15 @@ TEST(MergeMatrixAxes, ReplacesInPlaceOrKeeps) {
 TEST(MergeMatrixAxes, RefusesReservedKeysAndMoreAxesThanAnybodyNeeds) {
     TaskDocument document;
     EXPECT_EQ(messageOf([&] {
-                  mergeMatrixAxes(document, {{"geom.a", {}, {}, {}}}, true);
+                  mergeMatrixAxes(document, {{"geom.a", {}, {}, {}}}, NameClash::takeNew);
               }),
               "matrix axis 'geom.a' is reserved for runtime %source placeholders");
     std::vector<MatrixAxis> many;
     for (int i = 0; i <= 1000; ++i) {
         many.push_back({"a_" + std::to_string(i), {}, {}, {}});
     }
-    EXPECT_EQ(messageOf([&] { mergeMatrixAxes(document, many, true); }), "matrix has more than 1000 axes");
+    EXPECT_EQ(messageOf([&] { mergeMatrixAxes(document, many, NameClash::takeNew); }),
+              "matrix has more than 1000 axes");
 }
 
 } // namespace

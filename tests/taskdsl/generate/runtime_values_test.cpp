@@ -18,15 +18,16 @@ TEST(RuntimePlaceholders, NameTheCaseTheTaskAndItsSource) {
 TEST(RuntimePlaceholders, GoIntoSixTexts) {
     TaskInfo task("[taskname]");
     for (auto* text : {&task.keywords, &task.args, &task.extraKeywords, &task.paramValues, &task.runner,
-                       &task.body, &task.source, &task.templateName}) {
+                       &task.body, &task.templateName}) {
         *text = "[rootname]/[originname]";
     }
+    task.source = SourceTaskList{{"[rootname]"}};
     applyRuntimePlaceholders(task, runtimePlaceholders("r", "t", "", "s"));
     for (const auto* text :
          {&task.keywords, &task.args, &task.extraKeywords, &task.paramValues, &task.runner, &task.body}) {
         EXPECT_EQ(*text, "r/[originname]");
     }
-    EXPECT_EQ(task.source, "[rootname]/[originname]");
+    EXPECT_EQ(task.source, SourceSpec(SourceTaskList{{"[rootname]"}}));
     EXPECT_EQ(task.templateName, "[rootname]/[originname]");
     EXPECT_EQ(task.name, "[taskname]");
 }

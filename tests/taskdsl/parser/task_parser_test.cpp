@@ -16,10 +16,10 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 TEST(TaskParser, DeclaredTasksAreReadAloneAndFromNoOtherFile) {
-    TaskParser parser({.toleratesMultiSource = true});
+    TaskParser parser({.legacyMultiSource = true});
     const auto document = parser.parseDeclaredTasks("$a[k]\n%source b,c\n%mod\n charge [n]\n$b\n");
     EXPECT_THAT(namesOf(document.tasks), ElementsAre("a[k]", "b"));
-    EXPECT_THAT(document.tasks[0].whenConditions, ElementsAre("completed c"));
+    EXPECT_THAT(whenConditions(document.tasks[0]), ElementsAre("completed c"));
     EXPECT_TRUE(document.tasks.sharesWith(document.templateTasks));
     for (const char* text : {"$a\n&INCLUDE other.mq\n", "$a\n%process\n  &INCLUDE other.mqfrag\n",
                              "&INCLUDE other.mqlib as x\n", "%keywords x\n", "k: v\n%program orca\n"}) {
@@ -357,7 +357,7 @@ TEST(ExtraFiles, WhatTheyBringCanBeLeftOut) {
     EXPECT_THAT(namesOf(own.tasks),
                 ElementsAre("t__a_1__b_3__c_4", "b__a_1__b_3__c_4", "t__a_2__b_3__c_4", "b__a_2__b_3__c_4"));
     // References to what is left out are resolved.
-    EXPECT_EQ(own.templateTasks[0].source, "extra");
+    EXPECT_EQ(sourceText(own.templateTasks[0]), "extra");
     ASSERT_EQ(own.plots.size(), 1U);
     EXPECT_EQ(own.plots[0].name, "q");
     ASSERT_EQ(own.derives.size(), 1U);

@@ -119,11 +119,11 @@ TEST(ShareTaskNames, NamesAllTasksButProvidersInEveryTask) {
 
 TEST(WarnAboutDeadlocks, NeedsTwoTasksThatWaitForAllOthers) {
     TaskInfo waits("a");
-    waits.whenConditions = {"defined x", "(completed ALLOTHERS) or defined z"};
+    waits.whenEntries = {{"defined x", {}}, {"(completed ALLOTHERS) or defined z", {}}};
     TaskInfo waitsToo("b");
-    waitsToo.whenConditions = {"completed allothers and defined y"};
+    waitsToo.whenEntries = {{"completed allothers and defined y", {}}};
     TaskInfo names("c");
-    names.whenConditions = {"completed allothers_1", "defined allothers"};
+    names.whenEntries = {{"completed allothers_1", {}}, {"defined allothers", {}}};
     Warnings warnings;
     warnAboutDeadlocks(documentOf({waits, names}), "t.mq", warnings.sink);
     EXPECT_THAT(warnings.texts, IsEmpty());

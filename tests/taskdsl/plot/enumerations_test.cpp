@@ -121,5 +121,21 @@ TEST(PlotKindDefaults, UnitsBinsAndSort) {
     EXPECT_TRUE(LegendSpec{}.visible);
 }
 
+TEST(PlotEnumerations, SourcesAndTheirAlias) {
+    EXPECT_THAT(values(parsePlotSource, "self|task|variants|matrix|project|derived"),
+                ElementsAre(1, 2, 3, 3, 4, 5));
+    EXPECT_THAT(values(parsePlotSource, "unspecified|tasks|"), ElementsAre(-1, -1, -1));
+}
+
+TEST(PlotEnumerations, RelativeModesAndMultiplicities) {
+    EXPECT_THAT(values(parseRelativeMode, "none|to|first|minimum|min|max|"),
+                ElementsAre(0, 1, 2, 3, 3, -1, -1));
+    EXPECT_THAT(values(parseMultiplicityWord, "singlet|s|doublet|d|triplet|t|quartet|q|quintet|3|"),
+                ElementsAre(1, 1, 2, 2, 3, 3, 4, 4, -1, -1, -1));
+    EXPECT_EQ(multiplicityText(1), "singlet");
+    EXPECT_EQ(multiplicityText(4), "quartet");
+    EXPECT_EQ(multiplicityText(5), "5");
+}
+
 } // namespace
 } // namespace morquill::taskdsl::plot

@@ -13,7 +13,7 @@ ExprRef name(const char* text) {
 
 std::string printed(PlotKind kind, const PlotData& data) {
     Printer printer(kind, "");
-    printer.level = 1;
+    printer.deeper();
     printData(printer, data);
     return printer.take();
 }

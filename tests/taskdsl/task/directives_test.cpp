@@ -1,6 +1,7 @@
 #include "fixtures/parse_text.h"
 #include "taskdsl/parser/block_capture.h"
 #include "taskdsl/task/directive_reader.h"
+#include "taskdsl/task/mod_operation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -150,7 +151,7 @@ TEST(Meta, TakesTheSecondFieldOfStrucid) {
 
 TEST(When, KeepsTextsAndPlaces) {
     const TaskInfo task = firstTask("$a\n%when completed b\n  {{ b.e }} < 1 # c\n\n  defined x\n");
-    EXPECT_THAT(task.whenConditions, ElementsAre("completed b", "{{ b.e }} < 1", "defined x"));
+    EXPECT_THAT(whenConditions(task), ElementsAre("completed b", "{{ b.e }} < 1", "defined x"));
     EXPECT_EQ(task.whenEntries[1].text, "{{ b.e }} < 1");
     EXPECT_EQ(formatSpan(task.whenEntries[1].span), "t.mq:3:3-3:20");
 }
@@ -159,16 +160,16 @@ TEST(Mod, KeepsEntriesAndTheLastValuePerKey) {
     const TaskInfo task = firstTask("$a\n%mod charge 1\n  charge 2\n  geom select 1-3 5\n  spin add 1 2\n");
     EXPECT_THAT(task.modEntries, ElementsAre(ModEntry{"charge", "1"}, ModEntry{"charge", "2"},
                                              ModEntry{"geom:select", "1-3 5"}, ModEntry{"spin:add", "1"}));
-    EXPECT_EQ(task.modValues.at("charge"), "2");
+    EXPECT_EQ(modValues(task).at("charge"), "2");
 }
 
 TEST(Source, InlineForms) {
-    EXPECT_EQ(firstTask("$a\n%source b\n").source, "b");
-    EXPECT_THAT(firstTask("$a\n%source b\n").sourceTasks, ElementsAre("b"));
-    EXPECT_EQ(firstTask("$a\n%source xyz=a,b.xyz frame=2\n").source, "xyz=a,b.xyz frame=2");
-    EXPECT_EQ(firstTask("$a\n%source \"xyz=a.xyz frame=2\"\n").source, "xyz=a.xyz frame=2");
-    EXPECT_EQ(firstTask("$a\n%source ,\n").source, "");
-    EXPECT_THAT(firstTask("$a\n%source restart\n").sourceTasks, IsEmpty());
+    EXPECT_EQ(sourceText(firstTask("$a\n%source b\n")), "b");
+    EXPECT_THAT(sourceTasks(firstTask("$a\n%source b\n")), ElementsAre("b"));
+    EXPECT_EQ(sourceText(firstTask("$a\n%source xyz=a,b.xyz frame=2\n")), "xyz=a,b.xyz frame=2");
+    EXPECT_EQ(sourceText(firstTask("$a\n%source \"xyz=a.xyz frame=2\"\n")), "xyz=a.xyz frame=2");
+    EXPECT_EQ(sourceText(firstTask("$a\n%source ,\n")), "");
+    EXPECT_THAT(sourceTasks(firstTask("$a\n%source restart\n")), IsEmpty());
     EXPECT_EQ(faultOf("$a\n%source xyz=a frame=0\n"),
               "%source xyz frame selector must be a positive integer");
 }
@@ -177,7 +178,7 @@ TEST(Source, TheGuessWordMovesAndWarns) {
     for (const char* word : {"guess", "gues"}) {
         const auto parsed = parse("$a\n%source b  " + std::string(word) + "\n");
         const TaskInfo& task = parsed.document.tasks[0];
-        EXPECT_EQ(task.source, "b");
+        EXPECT_EQ(sourceText(task), "b");
         EXPECT_TRUE(task.guessEnabled);
         EXPECT_THAT(
             parsed.warnings,
@@ -195,9 +196,9 @@ TEST(Source, SeveralTasksAreToleratedOnRequest) {
                                             "task in %source and move the rest into '%when completed ...'");
     const auto parsed = parse("$a\n%when completed c\n%source b, c,d\n", true);
     const TaskInfo& task = parsed.document.tasks[0];
-    EXPECT_EQ(task.source, "b");
-    EXPECT_THAT(task.sourceTasks, ElementsAre("b", "c", "d"));
-    EXPECT_THAT(task.whenConditions, ElementsAre("completed c", "completed d"));
+    EXPECT_EQ(sourceText(task), "b");
+    EXPECT_THAT(sourceTasks(task), ElementsAre("b", "c", "d"));
+    EXPECT_THAT(whenConditions(task), ElementsAre("completed c", "completed d"));
     EXPECT_EQ(formatSpan(task.whenEntries[1].span), "t.mq:3:1-3:15");
     EXPECT_THAT(
         parsed.warnings,
@@ -208,22 +209,22 @@ TEST(Source, SeveralTasksAreToleratedOnRequest) {
 
 TEST(Source, AnImpliedConditionIsNotWrittenTwice) {
     const auto placed = parse("$a\n%source b,c,d\n%when x\n%when\n  completed d\n  completed c\n", true);
-    EXPECT_THAT(placed.document.tasks[0].whenConditions, ElementsAre("x", "completed d", "completed c"))
+    EXPECT_THAT(whenConditions(placed.document.tasks[0]), ElementsAre("x", "completed d", "completed c"))
         << "a condition that is written stands where it is written";
     EXPECT_EQ(placed.document.tasks[0].whenEntries[0].text, "x");
     EXPECT_EQ(placed.document.tasks[0].whenEntries.size(), 3U);
     const auto parsed = parse("$a\n%source b,c\n%when\n  completed c\n  completed b\n  completed b\n", true);
-    EXPECT_THAT(parsed.document.tasks[0].whenConditions,
+    EXPECT_THAT(whenConditions(parsed.document.tasks[0]),
                 ElementsAre("completed c", "completed b", "completed b"));
 }
 
 TEST(Source, AStructuredBlockReplacesTheInlineSource) {
     const TaskInfo task = firstTask("$a\n%source b\n%source\n  geom.main c\n\n  geom.x xyz=f.xyz frame=2\n");
-    EXPECT_EQ(task.source, "");
-    EXPECT_THAT(task.sourceTasks, IsEmpty());
-    ASSERT_EQ(task.sourceBindings.size(), 2U);
-    EXPECT_EQ(task.sourceBindings[0].key, "geom");
-    EXPECT_EQ(task.sourceBindings[1].frameIndex, 2);
+    EXPECT_EQ(sourceText(task), "");
+    EXPECT_THAT(sourceTasks(task), IsEmpty());
+    ASSERT_EQ(sourceBindings(task).size(), 2U);
+    EXPECT_EQ(sourceBindings(task)[0].key, "geom");
+    EXPECT_EQ(sourceBindings(task)[1].frameIndex, 2);
 }
 
 TEST(Source, BlockFaultsAreWrapped) {

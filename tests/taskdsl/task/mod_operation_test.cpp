@@ -1,5 +1,6 @@
 #include "taskdsl/task/mod_operation.h"
 
+#include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/task/task_document.h"
@@ -7,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <random>
 
@@ -33,9 +35,9 @@ std::string basisFault(const std::string& value) {
     return normalizeFault("basisset", value);
 }
 
-ModOperation readLine(std::string_view line, bool strict = true) {
+ModOperation readLine(std::string_view line, Placeholders placeholders = Placeholders::refused) {
     const auto entry = parseModLine(line);
-    return normalizeMod(entry.key, entry.value, strict);
+    return normalizeMod(entry.key, entry.value, placeholders);
 }
 
 TEST(ParseModLine, SplitsKeyAndValue) {
@@ -191,19 +193,19 @@ TEST(BasisSet, Faults) {
 
 TEST(BasisSet, APlaceholderWaitsForItsValue) {
     const OtherMod waiting{"basisset", {"x", "role=[r]"}};
-    EXPECT_EQ(readLine("basisset x role=[r]", false), ModOperation(waiting));
+    EXPECT_EQ(readLine("basisset x role=[r]", Placeholders::allowed), ModOperation(waiting));
     EXPECT_EQ(formatModText(waiting), "basisset x role=[r]");
     EXPECT_EQ(faultOf([] { (void)readLine("basisset x role=[r]"); }), "unsupported %mod basisset role='[r]'");
-    EXPECT_EQ(faultOf([] { (void)readLine("basisset x role=[r", false); }),
+    EXPECT_EQ(faultOf([] { (void)readLine("basisset x role=[r", Placeholders::allowed); }),
               "unsupported %mod basisset role='[r'");
-    EXPECT_EQ(faultOf([] { (void)readLine("basisset x role=[[]", false); }),
+    EXPECT_EQ(faultOf([] { (void)readLine("basisset x role=[[]", Placeholders::allowed); }),
               "unsupported %mod basisset role='[[]'");
     // Keys are not excused.
     EXPECT_EQ(
-        faultOf([] { (void)normalizeMod("charge.[s]", "1", false); }),
+        faultOf([] { (void)normalizeMod("charge.[s]", "1", Placeholders::allowed); }),
         "invalid %mod geometry slot '[s]'; slots must begin with a letter and contain only letters, digits, "
         "'_' or '-'");
-    EXPECT_EQ(faultOf([] { (void)normalizeMod("charge:select", "[x]", false); }),
+    EXPECT_EQ(faultOf([] { (void)normalizeMod("charge:select", "[x]", Placeholders::allowed); }),
               "unsupported %mod operation 'select' for charge");
 }
 
@@ -273,6 +275,67 @@ TEST(FormatMod, PrintingTwiceGivesTheSameLine) {
     EXPECT_GT(read, 7000);
 }
 
+/// True when a line of a `%mod` block reads as the operation; blanks and tabs within a value are alike.
+bool readsAs(const std::string& line, const ModOperation& op) {
+    const auto entry = parseModLine(cleanLine(line));
+    try {
+        const auto read = normalizeMod(entry.key, entry.value, Placeholders::allowed);
+        return !entry.key.empty() && read.index() == op.index() && formatModKey(read) == formatModKey(op) &&
+               splitBlank(formatModValue(read)) == splitBlank(formatModValue(op));
+    } catch (const DiagnosticError&) {
+        return false;
+    }
+}
+
+/// The spellings of a line, the plainest first.
+std::vector<std::string> spellingsOf(const ModOperation& op) {
+    const std::string key = formatModKey(op);
+    const std::string value = formatModValue(op);
+    std::string words = key;
+    if (op.index() < 2) {
+        std::replace(words.begin(), words.end(), ':', ' ');
+    }
+    std::string tabs = value;
+    std::replace(tabs.begin(), tabs.end(), ' ', '\t');
+    const std::string gap = value.empty() ? "" : " ";
+    return {words + gap + value, key + gap + value, key + gap + tabs, key + ":\"" + tabs + "\"",
+            key + ":'" + tabs + "'"};
+}
+
+TEST(FormatMod, TakesThePlainestSpellingThatReadsBack) {
+    std::mt19937 random(7);
+    const std::vector<std::string> keys{"charge",      "charge:add", "spin.ts:subtract", "geom:select", "uhf",
+                                        "geom:remove", "uhf:add",    "basisset",         "a b",         "#k",
+                                        "'k",          "a\tb"};
+    const std::vector<std::string> pieces{"add", "subtract", "select", "1", "-2", "x",  " ",   " ", " ",
+                                          "\t",  "\v",       "#",      "'", "\"", "\\", "[b]", ":", "on=all"};
+    std::size_t unreadable = 0;
+    std::vector<std::size_t> taken(5);
+    for (int round = 0; round < 20000; ++round) {
+        std::string value;
+        for (auto count = random() % 8; count > 0; --count) {
+            value += pieces[random() % pieces.size()];
+        }
+        ModOperation op;
+        try {
+            op = normalizeMod(keys[random() % keys.size()], value, Placeholders::allowed);
+        } catch (const DiagnosticError&) {
+            continue;
+        }
+        const auto spellings = spellingsOf(op);
+        const auto plainest = std::find_if(spellings.begin(), spellings.end(),
+                                           [&op](const auto& line) { return readsAs(line, op); });
+        const bool isReadable = plainest != spellings.end();
+        ASSERT_EQ(formatModText(op), isReadable ? *plainest : spellings.front())
+            << ::testing::PrintToString(value);
+        ++(isReadable ? taken[static_cast<std::size_t>(plainest - spellings.begin())] : unreadable);
+    }
+    EXPECT_GT(unreadable, 20U);
+    for (const auto count : taken) {
+        EXPECT_GT(count, 20U) << "every spelling is the plainest of some operations";
+    }
+}
+
 TEST(ModEntries, EveryLineIsKeptAndTheLastValueCounts) {
     TaskInfo task;
     for (const auto* line : {"charge add 1", ":x", "uhf 1", "", "charge add 2"}) {
@@ -280,38 +343,29 @@ TEST(ModEntries, EveryLineIsKeptAndTheLastValueCounts) {
     }
     EXPECT_THAT(task.modEntries,
                 ElementsAre(ModEntry{"charge:add", "1"}, ModEntry{"uhf", "1"}, ModEntry{"charge:add", "2"}));
-    EXPECT_THAT(task.modValues, ElementsAre(Pair("charge:add", "2"), Pair("uhf", "1")));
-}
-
-TEST(ModEntries, FallBackOnTheMap) {
-    TaskInfo task;
-    task.modValues = {{"spin", "1"}, {"charge", "2"}};
-    EXPECT_THAT(modEntriesOf(task), ElementsAre(ModEntry{"charge", "2"}, ModEntry{"spin", "1"}));
-    task.modEntries = {{"spin", "3"}};
-    EXPECT_THAT(modEntriesOf(task), ElementsAre(ModEntry{"spin", "3"}));
+    EXPECT_THAT(modValues(task), ElementsAre(Pair("charge:add", "2"), Pair("uhf", "1")));
 }
 
 TEST(CheckMods, SlotsMustBeDeclared) {
-    const auto fault = [](const TaskInfo& task, bool strict = false) {
-        return faultOf([&] { checkModsAgainstSources(task, strict); });
+    const auto fault = [](const TaskInfo& task, Placeholders placeholders = Placeholders::allowed) {
+        return faultOf([&] { checkModsAgainstSources(task, placeholders); });
     };
     TaskInfo task;
     EXPECT_EQ(fault(task), "no fault");
     task.modEntries = {{"charge", "1"}, {"spin.ts", "1"}};
     EXPECT_EQ(fault(task), "%mod targets geometry slot 'ts', but %source does not declare geom.ts");
-    task.sourceBindings = {parseSourceBinding("geom a"), parseSourceBinding("geom.ts b")};
+    task.source = SourceStructured{{parseSourceBinding("geom a"), parseSourceBinding("geom.ts b")}};
     EXPECT_EQ(fault(task), "no fault");
     task.modEntries.push_back({"geom.q:select", "1"});
     EXPECT_EQ(fault(task), "%mod targets geometry slot 'q', but %source does not declare geom.q");
-    task.sourceBindings = {parseSourceBinding("aux.q b"), parseSourceBinding("geom.ts b")};
+    task.source = SourceStructured{{parseSourceBinding("aux.q b"), parseSourceBinding("geom.ts b")}};
     EXPECT_EQ(fault(task), "%mod targets geometry slot 'q', but %source does not declare geom.q");
     task.modEntries = {{"basisset", "x on=[sel]"}, {"q.q", "1"}};
     EXPECT_EQ(fault(task), "no fault");
-    EXPECT_EQ(fault(task, true),
+    EXPECT_EQ(fault(task, Placeholders::refused),
               "unsupported %mod basisset selector '[sel]'; expected on=all, on=element:<list>, "
               "or on=atom:<index-list>");
-    task.modEntries.clear();
-    task.modValues = {{"charge", ""}};
+    task.modEntries = {{"charge", ""}};
     EXPECT_EQ(fault(task), "%mod charge requires a value");
 }
 

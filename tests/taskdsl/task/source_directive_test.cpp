@@ -50,8 +50,8 @@ TEST(SourceDirective, KeepsTheInlineFormAndItsTasks) {
     };
     for (const auto& [value, source, tasks] : rows) {
         const auto outcome = read(value);
-        EXPECT_EQ(outcome.task.source, source) << value;
-        EXPECT_EQ(outcome.task.sourceTasks, tasks) << value;
+        EXPECT_EQ(sourceText(outcome.task), source) << value;
+        EXPECT_EQ(sourceTasks(outcome.task), tasks) << value;
         EXPECT_THAT(outcome.warnings, IsEmpty());
         EXPECT_EQ(outcome.position, 0U);
     }
@@ -63,24 +63,23 @@ TEST(SourceDirective, ReplacesWhateverWasThereBefore) {
     TaskInfo before("a");
     before.guessEnabled = true;
     before.guessSourceTask = "g";
-    before.sourceTasks = {"x"};
-    before.sourceBindings = {parseSourceBinding("geom t")};
+    before.source = SourceStructured{{parseSourceBinding("geom t")}};
     const auto outcome = read("origin", "", false, before);
     EXPECT_FALSE(outcome.task.guessEnabled);
     EXPECT_EQ(outcome.task.guessSourceTask, "");
-    EXPECT_THAT(outcome.task.sourceTasks, IsEmpty());
-    EXPECT_THAT(outcome.task.sourceBindings, IsEmpty());
-    EXPECT_EQ(read("", "  geom t\n", false, outcome.task).task.source, "");
+    EXPECT_THAT(sourceTasks(outcome.task), IsEmpty());
+    EXPECT_THAT(sourceBindings(outcome.task), IsEmpty());
+    EXPECT_EQ(sourceText(read("", "  geom t\n", false, outcome.task).task), "");
 }
 
 TEST(SourceDirective, AGuessWordIsOnlyTheLastOne) {
     const auto guess = read("opt guess");
     EXPECT_TRUE(guess.task.guessEnabled);
-    EXPECT_EQ(guess.task.source, "opt");
+    EXPECT_EQ(sourceText(guess.task), "opt");
     ASSERT_EQ(guess.warnings.size(), 1U);
     const auto alone = read("guess");
     EXPECT_TRUE(alone.task.guessEnabled);
-    EXPECT_EQ(alone.task.source, "");
+    EXPECT_EQ(sourceText(alone.task), "");
     for (const char* value : {"guess,opt", "xyz=guess", "opt Guess"}) {
         EXPECT_FALSE(read(value, "", true).task.guessEnabled) << value;
     }
@@ -88,12 +87,11 @@ TEST(SourceDirective, AGuessWordIsOnlyTheLastOne) {
 
 TEST(SourceDirective, FurtherTasksAreConditionsForThoseWhoTolerateThem) {
     TaskInfo before("a");
-    before.whenConditions = {"completed c"};
     before.whenEntries = {{"completed c", {}}};
     const auto outcome = read("b, c,d", "", true, before);
-    EXPECT_EQ(outcome.task.source, "b");
-    EXPECT_THAT(outcome.task.sourceTasks, ElementsAre("b", "c", "d"));
-    EXPECT_THAT(outcome.task.whenConditions, ElementsAre("completed c", "completed d"));
+    EXPECT_EQ(sourceText(outcome.task), "b");
+    EXPECT_THAT(sourceTasks(outcome.task), ElementsAre("b", "c", "d"));
+    EXPECT_THAT(whenConditions(outcome.task), ElementsAre("completed c", "completed d"));
     EXPECT_EQ(outcome.task.whenEntries.size(), 2U);
     EXPECT_EQ(outcome.warnings.size(), 1U);
     EXPECT_EQ(messageOf([] { (void)read("b,c"); }).substr(0, 71),
@@ -102,9 +100,9 @@ TEST(SourceDirective, FurtherTasksAreConditionsForThoseWhoTolerateThem) {
 
 TEST(SourceDirective, WithoutAValueItTakesTheBlock) {
     const auto outcome = read("", "  geom opt\n\n  geom.ts xyz=ts.xyz frame=2 # saddle\n%keywords x\n");
-    ASSERT_EQ(outcome.task.sourceBindings.size(), 2U);
-    EXPECT_EQ(formatSourceBinding(outcome.task.sourceBindings[0]), "geom opt");
-    EXPECT_EQ(formatSourceBinding(outcome.task.sourceBindings[1]), "geom.ts xyz=ts.xyz frame=2");
+    ASSERT_EQ(sourceBindings(outcome.task).size(), 2U);
+    EXPECT_EQ(formatSourceBinding(sourceBindings(outcome.task)[0]), "geom opt");
+    EXPECT_EQ(formatSourceBinding(sourceBindings(outcome.task)[1]), "geom.ts xyz=ts.xyz frame=2");
     EXPECT_EQ(outcome.position, 3U);
     EXPECT_EQ(messageOf([] { (void)read("", "%keywords x\n"); }),
               "t.mq:1:1-1:9: error: task 'a' has empty %source; provide an inline source or one or more "

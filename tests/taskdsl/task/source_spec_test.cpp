@@ -199,15 +199,6 @@ TEST(SourceBinding, RecordsFilledByHandPrintToo) {
     EXPECT_EQ(formatSourceBinding(binding), "geom.ts a k=\"\"");
 }
 
-TEST(QuoteSourceToken, NarrowRule) {
-    EXPECT_EQ(quoteSourceToken(""), "\"\"");
-    EXPECT_EQ(quoteSourceToken("a,b:c=[d]"), "a,b:c=[d]");
-    EXPECT_EQ(quoteSourceToken("a\nb"), "\"a\nb\"");
-    EXPECT_EQ(quoteSourceToken("a\vb"), "\"a\vb\"");
-    EXPECT_EQ(quoteSourceToken("\xa0\x85"), "\xa0\x85");
-    EXPECT_EQ(quoteSourceToken(R"(a\"#')"), R"("a\\\"#'")");
-}
-
 SourceBinding bindingWith(const std::function<void(SourceBinding&)>& change) {
     auto binding = parseSourceBinding("geom xyz=a");
     change(binding);
@@ -216,11 +207,12 @@ SourceBinding bindingWith(const std::function<void(SourceBinding&)>& change) {
 
 TEST(ValidateStructuredSource, Faults) {
     using Bindings = std::vector<SourceBinding>;
-    const auto fault = [](const Bindings& bindings, bool strict = false) {
-        return faultOf([&] { validateStructuredSource(bindings, strict); });
+    const auto fault = [](const Bindings& bindings, Placeholders placeholders = Placeholders::allowed) {
+        return faultOf([&] { validateStructuredSource(bindings, placeholders); });
     };
-    const auto one = [&](const std::function<void(SourceBinding&)>& change, bool strict = false) {
-        return fault({bindingWith(change)}, strict);
+    const auto one = [&](const std::function<void(SourceBinding&)>& change,
+                         Placeholders placeholders = Placeholders::allowed) {
+        return fault({bindingWith(change)}, placeholders);
     };
     const auto lines = [&](const std::vector<std::string>& texts) {
         Bindings bindings;
@@ -244,7 +236,7 @@ TEST(ValidateStructuredSource, Faults) {
     const auto openFrame = [](auto& b) { b.selectors = {{"frame", "[f]"}}; };
     EXPECT_EQ(one(openFrame), "no fault");
     EXPECT_EQ(
-        one(openFrame, true),
+        one(openFrame, Placeholders::refused),
         "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
     EXPECT_EQ(one([](auto& b) {
                   b.selectors = {{"k", ""}};
@@ -312,46 +304,69 @@ TEST(RereadBinding, SeesWhatASubstitutionHasMadeOfIt) {
     EXPECT_EQ(bindings[4].sourceKind, BindingSource::xyz);
 }
 
-TEST(TaskSource, IsReadFromTheRecord) {
+TEST(TaskSource, IsLookedAtInThreeWays) {
+    struct Row {
+        SourceSpec source;
+        const char* text;
+        const char* upstream;
+        std::vector<std::string> tasks;
+        bool isSimple;
+    };
+    const Row rows[] = {
+        {SourceNone{}, "", "", {}, false},
+        {SourceOrigin{}, "origin", "", {}, true},
+        {SourceRestart{}, "restart", "", {}, true},
+        {SourceTaskList{{"a"}}, "a", "a", {"a"}, true},
+        {SourceTaskList{{"a", "b"}}, "a", "a", {"a", "b"}, true},
+        {SourceTaskList{{"", "b"}}, "", "", {"", "b"}, false},
+        {parseSourceText("xyz='a b' frame=2"), "xyz=\"a b\" frame=2", "", {}, true},
+        {SourceStructured{{parseSourceBinding("geom x")}}, "", "", {}, false},
+    };
     TaskInfo task;
-    EXPECT_EQ(sourceSpecOf(task), SourceSpec(SourceOrigin{}));
-    task.source = "";
-    EXPECT_EQ(sourceSpecOf(task), SourceSpec(SourceNone{}));
-    task.sourceTasks = {"a"};
-    EXPECT_EQ(sourceSpecOf(task), SourceSpec(SourceTaskList{{"a"}}));
-    task.source = "a";
-    EXPECT_EQ(sourceSpecOf(task), SourceSpec(SourceTaskList{{"a"}}));
-    task.source = "restart";
-    EXPECT_EQ(sourceSpecOf(task), SourceSpec(SourceRestart{}));
-    task.sourceTasks = {"restart"};
-    EXPECT_EQ(sourceSpecOf(task), SourceSpec(SourceTaskList{{"restart"}}));
-    task.sourceTasks = {"a", "b"};
-    EXPECT_EQ(sourceSpecOf(task), SourceSpec(SourceTaskList{{"a", "b"}}));
-    task.sourceBindings = {parseSourceBinding("geom x")};
-    EXPECT_EQ(formatSourceSpec(sourceSpecOf(task)), "geom x");
+    EXPECT_EQ(task.source, SourceSpec(SourceOrigin{}));
+    for (const auto& row : rows) {
+        task.source = row.source;
+        EXPECT_EQ(sourceText(task), row.text);
+        EXPECT_EQ(upstreamTask(task), row.upstream);
+        EXPECT_EQ(sourceTasks(task), row.tasks);
+        EXPECT_EQ(hasSimpleSource(task), row.isSimple);
+        EXPECT_EQ(hasStructuredSource(task), std::holds_alternative<SourceStructured>(row.source));
+    }
+    ASSERT_EQ(sourceBindings(task).size(), 1U);
+    EXPECT_EQ(formatSourceBinding(sourceBindings(task)[0]), "geom x");
 }
 
-TEST(TaskSource, IsStoredInTheRecord) {
+TEST(TaskSource, WithoutANameOrABindingIsNone) {
     TaskInfo task;
-    applySource(task, SourceStructured{{parseSourceBinding("geom x")}});
-    EXPECT_EQ(task.source, "");
-    EXPECT_EQ(task.sourceBindings.size(), 1U);
     applySource(task, parseSourceText("a,b"));
-    EXPECT_EQ(task.source, "a");
-    EXPECT_THAT(task.sourceTasks, ElementsAre("a", "b"));
-    EXPECT_THAT(task.sourceBindings, IsEmpty());
-    applySource(task, parseSourceText("c"));
-    EXPECT_EQ(task.source, "c");
-    EXPECT_THAT(task.sourceTasks, IsEmpty());
-    applySource(task, parseSourceText("c"), true);
-    EXPECT_THAT(task.sourceTasks, ElementsAre("c"));
-    applySource(task, parseSourceText("xyz='a b' frame=2"), true);
-    EXPECT_EQ(task.source, "xyz=\"a b\" frame=2");
-    EXPECT_THAT(task.sourceTasks, IsEmpty());
-    applySource(task, SourceNone{});
-    EXPECT_EQ(task.source, "");
+    EXPECT_EQ(task.source, SourceSpec(SourceTaskList{{"a", "b"}}));
+    applySource(task, SourceTaskList{});
+    EXPECT_EQ(task.source, SourceSpec(SourceNone{}));
     applySource(task, SourceRestart{});
-    EXPECT_EQ(task.source, "restart");
+    applySource(task, SourceStructured{});
+    EXPECT_EQ(task.source, SourceSpec(SourceNone{}));
+}
+
+TEST(InlineSource, AFrameThatIsNoNumberIsLeftForTheCheck) {
+    const std::string fault = "%source xyz frame selector must be a positive integer";
+    const auto read = [](const char* text) { return readInlineSource(text); };
+    const auto check = [&](const char* text) { return faultOf([&] { requireNumericFrame(read(text)); }); };
+    EXPECT_EQ(formatSourceSpec(read("xyz=a.xyz b frame=x frame=2")), "xyz=a.xyz b frame=x frame=2");
+    EXPECT_EQ(check("xyz=a.xyz b frame=x frame=2"), fault);
+    EXPECT_EQ(check("xyz=a.xyz frame=0"), fault);
+    EXPECT_EQ(check("xyz=a.xyz frame=2 frame=x"), "no fault") << "the first counts";
+    EXPECT_EQ(check("xyz=frame=x"), "no fault");
+    EXPECT_EQ(check("frame=x"), "no fault") << "a task";
+    EXPECT_EQ(faultOf([] { (void)parseInlineSource("xyz=a.xyz frame=x"); }), fault);
+}
+
+TEST(Reread, AnInlineFileTakesWhatAValueHasBrought) {
+    SourceXyz xyz{"'a.xyz'", 0, false, {"", "frame=3", "frame=4"}};
+    rereadXyz(xyz);
+    EXPECT_EQ(xyz, (SourceXyz{"a.xyz", 3, true, {"frame=4"}}));
+    SourceXyz framed{"a.xyz", 2, true, {"frame=3"}};
+    rereadXyz(framed);
+    EXPECT_EQ(framed, (SourceXyz{"a.xyz", 2, true, {"frame=3"}}));
 }
 
 } // namespace

@@ -14,7 +14,7 @@ using ::testing::Not;
 TEST(TaskDump, WhatTheReaderKnowsItReadsBack) {
     TaskInfo task("a b", TaskProgram::xtb);
     task.quoted = true;
-    task.source = "xyz=a.xyz frame=2";
+    task.source = parseSourceText("xyz=a.xyz frame=2");
     task.interfaceMode = TaskInterfaceMode::consume;
     task.interfaceProvider = "p";
     task.localFirst = true;
@@ -41,7 +41,7 @@ TEST(TaskDump, EmptyTextsAndListsLeaveNoLine) {
                               "OrcaBlock", "Interface", "SourceBindings", "TemplateTaskName"}) {
         EXPECT_THAT(text, Not(HasSubstr(label)));
     }
-    task.source.clear();
+    task.source = SourceNone{};
     EXPECT_THAT(describeTask(task), Not(HasSubstr("Source: ")));
 }
 
@@ -67,6 +67,8 @@ TEST(TaskDump, TheReaderTakesLinesAsTheyAre) {
     }
     EXPECT_EQ(describeTask(parseTaskDump("")), describeTask(TaskInfo()));
     EXPECT_EQ(parseTaskDump("Program: none").program, TaskProgram::gaussian);
+    EXPECT_EQ(describeTask(parseTaskDump("Source: xyz=a.xyz frame=first")).substr(43, 38),
+              "Source: xyz=a.xyz frame=first\nExternal");
     EXPECT_EQ(parseTaskDump("Interface: both").interfaceMode, TaskInterfaceMode::none);
     EXPECT_EQ(parseTaskDump("Interface: consume ").interfaceMode, TaskInterfaceMode::consume);
 }

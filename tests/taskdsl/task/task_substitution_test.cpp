@@ -1,6 +1,7 @@
 #include "taskdsl/task/task_substitution.h"
 
 #include "fixtures/parse_text.h"
+#include "taskdsl/task/mod_operation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,8 +28,7 @@ TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
                                            &task.paramValues,
                                            &task.runner,
                                            &task.body,
-                                           &task.orcaBlock,
-                                           &task.source};
+                                           &task.orcaBlock};
     for (auto* field : fields) {
         *field = "a [k] [x]";
     }
@@ -37,9 +37,10 @@ TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
     task.filePath = "d/[k].mq";
     task.preProcessCommands = {"p [k]"};
     task.processCommands = {"q", "[k]"};
-    task.whenConditions = {"completed [k]"};
+    task.whenEntries = {{"completed [k]", {"t.mq", 3, 2, 3, 9}}};
+    task.source = SourceTaskList{{"a [k] [x]"}};
     task.modEntries = {{"charge", "[k]"}, {"[k]", "v"}};
-    substituteTask(task, {{"k", "7"}}, true);
+    substituteTask(task, {{"k", "7"}});
     EXPECT_EQ(task.name, "7");
     for (const auto* field : fields) {
         EXPECT_EQ(*field, "a 7 [x]");
@@ -49,15 +50,16 @@ TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
     EXPECT_EQ(task.filePath.str(), "d/7.mq");
     EXPECT_THAT(task.preProcessCommands, ElementsAre("p 7"));
     EXPECT_THAT(task.processCommands, ElementsAre("q", "7"));
-    EXPECT_THAT(task.whenConditions, ElementsAre("completed 7"));
+    EXPECT_THAT(task.whenEntries, ElementsAre(TaskWhenEntry{"completed 7", {"t.mq", 3, 2, 3, 9}}));
+    EXPECT_EQ(task.source, SourceSpec(SourceTaskList{{"a 7 [x]"}}));
     EXPECT_THAT(task.modEntries, ElementsAre(ModEntry{"charge", "7"}, ModEntry{"7", "v"}));
-    EXPECT_EQ(task.modValues, (std::map<std::string, std::string>{{"7", "v"}, {"charge", "7"}}));
+    EXPECT_EQ(modValues(task), (std::map<std::string, std::string>{{"7", "v"}, {"charge", "7"}}));
 }
 
 TEST(Substitution, KeepsTheShapeOfASource) {
     const auto source = [](const char* block, const ValueMap& values) {
         const auto parsed = parse(std::string("$a\n%source ") + block + "\n", false, "t.mq", values);
-        return formatSourceSpec(sourceSpecOf(parsed.document.tasks[0]));
+        return formatSourceSpec(parsed.document.tasks[0].source);
     };
     EXPECT_EQ(source("\n geom [s]\n aux.d [t] kind=[k]", {{"s", "origin"}, {"t", "b c"}, {"k", "x y"}}),
               "geom origin\naux.d \"b c\" kind=\"x y\"");
@@ -68,6 +70,11 @@ TEST(Substitution, KeepsTheShapeOfASource) {
     EXPECT_EQ(source("opt_[f]", {{"f", "m"}}), "opt_m");
     EXPECT_EQ(source("xyz=[f] frame=1", {{"f", "a b"}}), "xyz=\"a b\" frame=1");
     EXPECT_EQ(source("xyz=[f]", {{"f", "a.xyz frame=3"}}), "xyz=\"a.xyz frame=3\"");
+    EXPECT_EQ(source("xyz=a.xyz more [w]", {{"w", "frame=3"}}), "xyz=a.xyz frame=3 more");
+    EXPECT_EQ(source("xyz=a.xyz [w]", {{"w", "frame=x"}}), "xyz=a.xyz frame=x")
+        << "whoever prints it refuses";
+    EXPECT_EQ(source("xyz=a.xyz [w] b", {{"w", ""}}), "xyz=a.xyz b");
+    EXPECT_EQ(source("[s]", {{"s", "b,c"}}), "b,c");
 }
 
 TEST(Substitution, WhatCannotBeReadAfterwardsIsAFault) {

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace morquill {
+
+/// A text as it grows, line by line. Every line begins with the indent: a fixed text and two blanks for each
+/// level. Pieces are texts; each function returns the builder itself.
+class LineBuilder {
+  public:
+    explicit LineBuilder(std::string_view indent = {}) : indent_(indent) {}
+
+    /// Adds a whole line.
+    template <class... Pieces>
+    LineBuilder& line(const Pieces&... pieces) {
+        return open(pieces...).close();
+    }
+    /// Adds a label and a value as one line, unless the value is empty.
+    LineBuilder& filled(std::string_view label, std::string_view value) {
+        return value.empty() ? *this : line(label, value);
+    }
+
+    /// Begins a line.
+    template <class... Pieces>
+    LineBuilder& open(const Pieces&... pieces) {
+        text_ += indent_;
+        text_.append(blanksPerLevel * level_, ' ');
+        return add(pieces...);
+    }
+    /// Adds to the line that is open, or lines that bring their own ends.
+    template <class... Pieces>
+    LineBuilder& add(const Pieces&... pieces) {
+        (text_.append(std::string_view(pieces)), ...);
+        return *this;
+    }
+    /// Ends the line that is open.
+    LineBuilder& close() {
+        text_ += '\n';
+        return *this;
+    }
+
+    /// The lines from here on stand one level further in, or one further out.
+    void deeper() noexcept { ++level_; }
+    void shallower() noexcept { level_ -= level_ > 0 ? 1 : 0; }
+
+    /// What is there so far, in bytes and as text.
+    [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
+    [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
+    [[nodiscard]] std::string_view text() const noexcept { return text_; }
+    /// The text from the byte `begin` on.
+    [[nodiscard]] std::string_view textFrom(std::size_t begin) const noexcept {
+        return std::string_view(text_).substr(begin);
+    }
+
+    /// Takes off what stands behind the first `size` bytes.
+    void cutTo(std::size_t size) { text_.resize(size); }
+    /// The whole text; the builder is empty behind it.
+    [[nodiscard]] std::string take() { return std::exchange(text_, {}); }
+
+  private:
+    static constexpr std::size_t blanksPerLevel = 2;
+
+    std::string text_;
+    std::string_view indent_;
+    std::size_t level_ = 0;
+};
+
+} // namespace morquill

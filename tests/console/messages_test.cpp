@@ -1,0 +1,93 @@
+#include "console/messages.h"
+
+#include "console/console.h"
+#include "fixtures/console_fixtures.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include <unistd.h>
+
+namespace morquill::console {
+namespace {
+
+std::string out(const std::function<void()>& print) {
+    return testing::throughPipe({STDOUT_FILENO}, [&] {
+        EXPECT_EQ(testing::throughPipe({STDERR_FILENO}, print), "");
+        flushOut();
+    });
+}
+
+std::string err(const std::function<void()>& report) {
+    return testing::throughPipe({STDERR_FILENO},
+                                [&] { EXPECT_EQ(testing::throughPipe({STDOUT_FILENO}, report), ""); });
+}
+
+TEST(Messages, EachKindHasItsTag) {
+    const std::pair<MessageKind, std::string_view> rows[] = {
+        {MessageKind::note, "[mqkit]"},
+        {MessageKind::skip, "[mqkit][SKIP]"},
+        {MessageKind::dryRun, "[mqkit][DRY-RUN]"},
+        {MessageKind::warning, "[mqkit][WARN]"},
+        {MessageKind::error, "[mqkit][ERROR]"},
+    };
+    for (const auto& [kind, tag] : rows) {
+        EXPECT_EQ(messageTag(kind), tag);
+        EXPECT_EQ(tagged(kind, "a b"), std::string(tag) + " a b");
+        EXPECT_EQ(out([kind = kind] { printMessage(kind, "a b"); }), std::string(tag) + " a b\n");
+    }
+    EXPECT_EQ(stepKind(true), MessageKind::dryRun);
+    EXPECT_EQ(stepKind(false), MessageKind::note);
+}
+
+TEST(Messages, NotesSkipsAndQuestionsGoToStandardOutput) {
+    EXPECT_EQ(out([] { printLine("  x"); }), "  x\n");
+    EXPECT_EQ(out([] { printLine(); }), "\n");
+    EXPECT_EQ(out([] { printNote("done"); }), "[mqkit] done\n");
+    EXPECT_EQ(out([] { printSkip("a / $b"); }), "[mqkit][SKIP] a / $b\n");
+    EXPECT_EQ(out([] { printQuestion("sure? "); }), "[mqkit] sure? ");
+}
+
+TEST(Messages, WarningsAndErrorsGoToStandardError) {
+    EXPECT_EQ(err([] { printErrorLine("  x"); }), "  x\n");
+    EXPECT_EQ(err([] { printErrorLine(); }), "\n");
+    EXPECT_EQ(err([] { reportWarning("odd"); }), "[mqkit][WARN] odd\n");
+    EXPECT_EQ(err([] { reportError("wrong"); }), "[mqkit][ERROR] wrong\n");
+    EXPECT_EQ(err([] { reportError(ErrorTag::none, "wrong"); }), "wrong\n");
+    EXPECT_EQ(err([] { reportError(ErrorTag::plain, "wrong"); }), "[mqkit][ERROR] wrong\n");
+    EXPECT_EQ(err([] { reportError(ErrorTag::coloured, "wrong"); }), "[mqkit][ERROR] wrong\n");
+    EXPECT_EQ(err([] { reportErrorInPieces({"a", "", " (", "b", ")"}); }), "[mqkit][ERROR] a (b)\n");
+    EXPECT_EQ(err([] { reportErrorInPieces({}); }), "[mqkit][ERROR] \n");
+}
+
+TEST(Messages, OnlyTheColouredTagIsRedOnATerminal) {
+    const testing::ScopedEnv color("NO_COLOR", std::nullopt);
+    const testing::ScopedEnv terminal("TERM", "xterm");
+    forgetColorDecision();
+    EXPECT_EQ(testing::throughTerminal({STDERR_FILENO},
+                                       [] {
+                                           reportError(ErrorTag::coloured, "wrong");
+                                           reportError("wrong");
+                                           reportWarning("odd");
+                                       }),
+              "\x1b[1m\x1b[31m[mqkit][ERROR]\x1b[0m wrong\n[mqkit][ERROR] wrong\n[mqkit][WARN] odd\n");
+}
+
+TEST(Messages, AnyBytesGoOutAndWhatWasPrintedBeforeComesFirst) {
+    const std::string bytes("a\0\xff", 3);
+    EXPECT_EQ(out([&] { printNote(bytes); }), "[mqkit] " + bytes + "\n");
+    EXPECT_EQ(err([&] { reportErrorInPieces({bytes}); }), "[mqkit][ERROR] " + bytes + "\n");
+    EXPECT_EQ(testing::throughPipe({STDOUT_FILENO, STDERR_FILENO},
+                                   [] {
+                                       printNote("one");
+                                       reportWarning("two");
+                                       printSkip("three");
+                                       reportErrorInPieces({"four"});
+                                   }),
+              "[mqkit] one\n[mqkit][WARN] two\n[mqkit][SKIP] three\n[mqkit][ERROR] four\n");
+}
+
+} // namespace
+} // namespace morquill::console
