@@ -119,7 +119,7 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
     const auto lines = splitLines(text);
     for (auto& pending : scanRawLines(lines, SharedText(report.path))) {
         report.issues.push_back({LintSeverity::warning, report.path, std::move(pending.span), pending.code,
-                                 std::move(pending.message), false});
+                                 std::move(pending.message)});
     }
     return {rawDslVersion(lines), text.find("{{ energy }}") != std::string_view::npos, {}};
 }
@@ -141,7 +141,7 @@ LintFileReport lintSource(const std::optional<std::string_view>& text, const std
         check(ParseFault{fault.message(), fault.span(), fault.messageNamesPlace()}, report);
     } catch (const std::exception& fault) {
         const std::string message = faultText(fault, path);
-        check(ParseFault{message, {}, false}, report);
+        check(ParseFault{message, {}}, report);
     }
     return report;
 }

@@ -66,14 +66,19 @@ constexpr OptionRow expandOptions[] = {
 struct CommandForm {
     std::string_view name;
     std::span<const OptionRow> options;
-    ErrorTag tag;          ///< of a refusal; an unknown word is told in colour by every command
-    bool leavesExtraFiles; ///< what extra files beside the result bring is not written into it
-    bool toleratesLegacy;  ///< removed forms that can be converted are read
+    ErrorTag tag;                   ///< of a refusal; an unknown word is told in colour by every command
+    bool leavesExtraFiles = false;  ///< what extra files beside the result bring is not written into it
+    bool legacyMultiSource = false; ///< the removed `%source a,b` is read and converted
 };
 
-constexpr CommandForm fmtForm{"fmt", rewriteOptions, ErrorTag::plain, true, false};
-constexpr CommandForm migrateForm{"migrate", rewriteOptions, ErrorTag::plain, true, true};
-constexpr CommandForm expandForm{"expand", expandOptions, ErrorTag::coloured, false, false};
+constexpr CommandForm fmtForm{
+    .name = "fmt", .options = rewriteOptions, .tag = ErrorTag::plain, .leavesExtraFiles = true};
+constexpr CommandForm migrateForm{.name = "migrate",
+                                  .options = rewriteOptions,
+                                  .tag = ErrorTag::plain,
+                                  .leavesExtraFiles = true,
+                                  .legacyMultiSource = true};
+constexpr CommandForm expandForm{.name = "expand", .options = expandOptions, .tag = ErrorTag::coloured};
 
 /// Reads the words behind the command word. Throws `UsageError`.
 FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** argv) {
@@ -142,7 +147,7 @@ bool isWrittenBesideInput(const FileCommandOptions& options) {
 
 /// A file that is written in place must be a regular one; otherwise a pipe or a terminal serves, too.
 taskdsl::TaskDocument readDocument(const CommandForm& form, const FileCommandOptions& options) {
-    const taskdsl::TaskParser parser({.legacyMultiSource = form.toleratesLegacy,
+    const taskdsl::TaskParser parser({.legacyMultiSource = form.legacyMultiSource,
                                       .findLibraryFile = console::findLibraryFile,
                                       .warnings = console::logWarning});
     return options.inPlace ? parser.parseFile(options.inputPath) : parser.parseInput(options.inputPath);

@@ -40,9 +40,8 @@ bool readsAsSetting(const std::string& line, const std::string& key, const std::
     run.followsIncludes = false;
     taskdsl::DocumentContext context(run);
     const auto lines = taskdsl::makeSourceLines(text, {});
-    std::size_t next = 0;
     try {
-        const auto read = taskdsl::parsePrelude(lines, 0, next, "", context);
+        const auto [read, next] = taskdsl::parsePrelude(lines, "", context);
         return next == lines.size() && read.defines.empty() && read.matrixAxes.empty() &&
                read.collections.empty() && read.settings == ValueMap{{"dsl_version", "2"}, {key, value}};
     } catch (const DiagnosticError&) {
@@ -51,14 +50,12 @@ bool readsAsSetting(const std::string& line, const std::string& key, const std::
 }
 
 bool readsAsDefine(const std::string& line, const std::string& key, const std::string& value) {
-    std::size_t next = 0;
-    return taskdsl::parseDefineBlock(taskdsl::makeSourceLines(line, {}), 0, next) == ValueMap{{key, value}};
+    return taskdsl::parseDefineBlock(taskdsl::makeSourceLines(line, {}), 0).value == ValueMap{{key, value}};
 }
 
 bool readsAsAxis(const std::string& lines, const MatrixAxis& axis) {
-    std::size_t next = 0;
     try {
-        return taskdsl::parseMatrixBlock(taskdsl::makeSourceLines(lines, {}), 0, next) == std::vector{axis};
+        return taskdsl::parseMatrixBlock(taskdsl::makeSourceLines(lines, {}), 0).value == std::vector{axis};
     } catch (const DiagnosticError&) {
         return false;
     }

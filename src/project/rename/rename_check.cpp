@@ -370,7 +370,8 @@ std::optional<std::string> compareTexts(const TaskFile& file, const TaskDocument
 std::optional<std::string> checkNeighbour(const TaskFile& file, const Renaming& renaming) {
     TaskDocument before;
     try {
-        before = taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile}).parseText(file.text, file.path);
+        before = taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile})
+                     .parseText(file.text, file.path);
     } catch (const taskdsl::DiagnosticError&) {
         const auto renamed = renamedText(file.text, renaming.block, file.caseName).value_or(file.text);
         const bool taken = !linesOf(file.headers, renaming.block.newName).empty();

@@ -15,6 +15,13 @@ struct BlockEnd {
     bool isClosed = false;
 };
 
+/// What a run of lines says, and the first line behind it.
+template <class Value>
+struct TakenLines {
+    Value value;
+    std::size_t next = 0;
+};
+
 /// The first "@end" behind the head of a block; lines from `limit` on cannot belong to it.
 [[nodiscard]] BlockEnd findBlockEnd(const std::vector<SourceLine>& lines, std::size_t head,
                                     std::size_t limit) noexcept;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
 #include "taskdsl/task/task_document.h"
@@ -19,9 +20,8 @@ namespace morquill::taskdsl {
 /// Throws `DiagnosticError` for a reserved define key.
 void requireFreeDefineKey(std::string_view key);
 
-/// Reads the body of a `define:` section from line `start`; `next` is the first line behind it.
-[[nodiscard]] ValueMap parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start,
-                                        std::size_t& next);
+/// Reads the body of a `define:` section from line `start`.
+[[nodiscard]] TakenLines<ValueMap> parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start);
 
 /// What a merge does with a name that is there already.
 enum class NameClash : std::uint8_t { keepOld, takeNew };

@@ -160,8 +160,8 @@ class IncludePass {
         if (!context.run.followsIncludes) {
             throw fault(line, "&INCLUDE lines are not followed here");
         }
-        std::string text;
-        switch (gatherParentheses(lines, i, text)) {
+        const auto gathered = gatherParentheses(lines, first);
+        switch (gathered.end) {
         case GatherEnd::unterminated:
             throw fault(line, "unterminated &INCLUDE argument list");
         case GatherEnd::unmatched:
@@ -169,19 +169,27 @@ class IncludePass {
         case GatherEnd::balanced:
             break;
         }
-        const auto include = parseIncludeLine(text);
-        const bool indented = line.text().front() == ' ' || line.text().front() == '\t';
+        i = gathered.last;
+        const auto include = parseIncludeLine(gathered.text);
         if (include.kind == IncludeTarget::fragmentName && include.hasArguments && frame.library == nullptr) {
             throw fault(line, "fragment references outside a library must use namespace.name syntax");
         }
         if (atFileScope()) {
-            if (indented) {
+            if (isIndented(line)) {
                 throw DiagnosticError("indented &INCLUDE outside a task has no context");
             }
             includeAtFileScope(include, line, first);
         } else {
-            includeInTask(include, line, first, indented);
+            includeInTask(include, line, first);
         }
+    }
+
+    static bool isIndented(const SourceLine& line) noexcept {
+        return line.text().front() == ' ' || line.text().front() == '\t';
+    }
+    /// True for an include line that is part of no task's body, as its indentation tells.
+    [[nodiscard]] bool isAtMargin(const SourceLine& line) const noexcept {
+        return isDocument() && !isIndented(line);
     }
 
     [[nodiscard]] bool namesFragment(const IncludeDirective& include) const noexcept {
@@ -194,26 +202,24 @@ class IncludePass {
             importLibrary(include, line);
             drop(first);
         } else if (namesFragment(include) || include.kind == IncludeTarget::fragmentFile) {
-            instantiate(include, line, first, false);
+            instantiate(include, line, first);
         } else {
             keep(first); // a task file: the parser reads it when it comes to this line
         }
     }
 
-    void includeInTask(const IncludeDirective& include, const SourceLine& line, std::size_t first,
-                       bool indented) {
+    void includeInTask(const IncludeDirective& include, const SourceLine& line, std::size_t first) {
         if (include.kind == IncludeTarget::library) {
             throw fault(line, include.alias.empty()
                                   ? "a .mqlib must be imported at file scope with 'as <namespace>'"
                                   : "library imports are only allowed at file scope");
         }
-        const bool atMargin = isDocument() && !indented;
-        if (atMargin &&
+        if (isAtMargin(line) &&
             (include.kind == IncludeTarget::taskFile || include.kind == IncludeTarget::yamlFile)) {
             closeTask();
             keep(first);
         } else {
-            instantiate(include, line, first, atMargin);
+            instantiate(include, line, first);
         }
     }
 
@@ -229,9 +235,8 @@ class IncludePass {
         }
     }
 
-    /// Puts a fragment in. With `endsTask` a fragment of kind document ends the task that it stands behind.
-    void instantiate(const IncludeDirective& include, const SourceLine& line, std::size_t first,
-                     bool endsTask) {
+    /// Puts a fragment in. At the margin, one of kind document ends the task that it is behind.
+    void instantiate(const IncludeDirective& include, const SourceLine& line, std::size_t first) {
         FragmentDefinition standalone;
         FoundFragment found;
         if (namesFragment(include)) {
@@ -240,7 +245,7 @@ class IncludePass {
             standalone = loadFragmentFile(searchName(include), fileOf(line), current, context);
             found.definition = &standalone;
         }
-        if (endsTask && found.definition->kind == FragmentKind::document) {
+        if (isAtMargin(line) && found.definition->kind == FragmentKind::document) {
             closeTask();
         }
         auto inserted = instantiateFragment(*found.definition, include, placedLine(line), found.library,

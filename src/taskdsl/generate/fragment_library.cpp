@@ -61,7 +61,8 @@ class LibraryReader {
 
     /// Leaves `i` on the last line of the body.
     void readFragment(std::size_t& i) {
-        auto fragment = parseFragmentHeader(lines, i, library.path, FragmentNaming::required);
+        auto [fragment, next] = parseFragmentHeader(lines, i, library.path, FragmentNaming::required);
+        i = next - 1;
         while (i + 1 < lines.size() && !isFragment(lines[i + 1])) {
             fragment.lines.push_back(std::move(lines[++i]));
         }
@@ -155,9 +156,9 @@ FragmentDefinition loadFragmentFile(const std::string& name, const std::string& 
     if (scope != FragmentKind::text && path.ends_with(".mqfrag")) {
         const auto first = firstFilledLine(lines);
         if (first < lines.size() && isFragment(lines[first])) {
-            body = first;
-            fragment = parseFragmentHeader(lines, body, shared, FragmentNaming::optional);
-            ++body;
+            auto header = parseFragmentHeader(lines, first, shared, FragmentNaming::optional);
+            fragment = std::move(header.value);
+            body = header.next;
         }
     }
     if (body == 0) {

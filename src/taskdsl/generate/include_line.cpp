@@ -212,23 +212,26 @@ bool ParenthesisCount::read(std::string_view text) noexcept {
     return true;
 }
 
-GatherEnd gatherParentheses(const std::vector<SourceLine>& lines, std::size_t& index, std::string& text) {
+GatheredLines gatherParentheses(const std::vector<SourceLine>& lines, std::size_t first) {
+    GatheredLines gathered;
     ParenthesisCount count;
-    for (std::size_t i = index; i < lines.size(); ++i) {
+    for (std::size_t i = first; i < lines.size(); ++i) {
         const auto piece = lines[i].clean();
-        if (i != index) {
-            text += ' ';
+        if (i != first) {
+            gathered.text += ' ';
         }
-        text += piece;
+        gathered.text += piece;
+        gathered.last = i;
         if (!count.read(piece)) {
-            return GatherEnd::unmatched;
+            gathered.end = GatherEnd::unmatched;
+            break;
         }
         if (count.balanced()) {
-            index = i;
-            return GatherEnd::balanced;
+            gathered.end = GatherEnd::balanced;
+            break;
         }
     }
-    return GatherEnd::unterminated;
+    return gathered;
 }
 
 } // namespace morquill::taskdsl

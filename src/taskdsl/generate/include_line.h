@@ -64,9 +64,14 @@ class ParenthesisCount {
 /// How a list of parentheses that runs over several lines ended.
 enum class GatherEnd { balanced, unterminated, unmatched };
 
-/// The cleaned line at `index` and those behind it, joined with one blank until the parentheses balance.
-/// `index` is left on the last line taken.
-[[nodiscard]] GatherEnd gatherParentheses(const std::vector<SourceLine>& lines, std::size_t& index,
-                                          std::string& text);
+/// Lines that were joined into one text.
+struct GatheredLines {
+    std::string text;
+    std::size_t last = 0; ///< the last line taken
+    GatherEnd end = GatherEnd::unterminated;
+};
+
+/// The cleaned line at `first` and those behind it, joined with one blank until the parentheses balance.
+[[nodiscard]] GatheredLines gatherParentheses(const std::vector<SourceLine>& lines, std::size_t first);
 
 } // namespace morquill::taskdsl

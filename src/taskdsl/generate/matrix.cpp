@@ -105,10 +105,11 @@ void BlockReader::readAttribute(std::string_view text, std::size_t indent) {
 
 } // namespace
 
-std::vector<MatrixAxis> parseMatrixBlock(const std::vector<SourceLine>& lines, std::size_t start,
-                                         std::size_t& next) {
+TakenLines<std::vector<MatrixAxis>> parseMatrixBlock(const std::vector<SourceLine>& lines,
+                                                     std::size_t start) {
     BlockReader reader;
-    for (next = start; next < lines.size(); ++next) {
+    std::size_t next = start;
+    for (; next < lines.size(); ++next) {
         const auto text = lines[next].clean();
         if (text.empty()) {
             continue;
@@ -125,7 +126,7 @@ std::vector<MatrixAxis> parseMatrixBlock(const std::vector<SourceLine>& lines, s
             reader.readMapping(text);
         }
     }
-    return std::move(reader.axes);
+    return {std::move(reader.axes), next};
 }
 
 void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash) {

@@ -13,11 +13,10 @@
 namespace morquill::taskdsl {
 
 /// Reads the body of a `matrix:` section from line `start`, in mapping syntax (`  key: values`) or list
-/// syntax
-/// (`  - key: values` with `name:` and `map:` lines below); `next` is the first line behind it. Throws
-/// `DiagnosticError` when the syntaxes are mixed or a line does not fit.
-[[nodiscard]] std::vector<MatrixAxis> parseMatrixBlock(const std::vector<SourceLine>& lines,
-                                                       std::size_t start, std::size_t& next);
+/// syntax (`  - key: values` with `name:` and `map:` lines below). Throws `DiagnosticError` when the syntaxes
+/// are mixed or a line does not fit.
+[[nodiscard]] TakenLines<std::vector<MatrixAxis>> parseMatrixBlock(const std::vector<SourceLine>& lines,
+                                                                   std::size_t start);
 
 /// Declared axes in order, and their value lists by key.
 struct MatrixAxes {

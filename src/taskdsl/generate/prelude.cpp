@@ -39,17 +39,16 @@ bool isKeyLine(std::string_view text) noexcept {
 
 class PreludeReader {
   public:
-    PreludeReader(const std::vector<SourceLine>& allLines, std::size_t start, const std::string& file,
+    PreludeReader(const std::vector<SourceLine>& allLines, const std::string& file,
                   DocumentContext& parseContext)
-        : lines(allLines), index(start), path(file), context(parseContext) {}
+        : lines(allLines), path(file), context(parseContext) {}
 
-    /// Reads on to the first line that is no part of the prelude and returns its index.
-    std::size_t read() {
+    /// Reads on to the first line that is no part of the prelude.
+    TakenLines<PreludeResult> read() {
         while (index < lines.size() && readLine()) {
         }
-        return index;
+        return {std::move(result), index};
     }
-    PreludeResult take() { return std::move(result); }
 
   private:
     /// Moves behind the line or section at `index`; false, and no move, where the prelude ends.
@@ -67,18 +66,17 @@ class PreludeReader {
             return readInclude(text);
         }
         if (text.starts_with(defineKeyword)) {
-            const std::size_t first = index + 1;
-            for (auto& [key, value] : parseDefineBlock(lines, first, index)) {
+            auto block = parseDefineBlock(lines, index + 1);
+            for (auto& [key, value] : block.value) {
                 result.defines.insert_or_assign(key, std::move(value));
             }
-            requireNoDirective(first);
+            passSection(block.next);
             return true;
         }
         if (text.starts_with(matrixKeyword)) {
-            const std::size_t first = index + 1;
-            mergeMatrixAxes({result.matrixAxes, result.matrixValues}, parseMatrixBlock(lines, first, index),
-                            NameClash::takeNew);
-            requireNoDirective(first);
+            const auto block = parseMatrixBlock(lines, index + 1);
+            mergeMatrixAxes({result.matrixAxes, result.matrixValues}, block.value, NameClash::takeNew);
+            passSection(block.next);
             return true;
         }
         if (isIndented(lines[index].text()) || !isKeyLine(text)) {
@@ -88,11 +86,12 @@ class PreludeReader {
         return true;
     }
 
-    /// Directives under a missing task header are no entries of the section above, lines from `first` on.
-    void requireNoDirective(std::size_t first) const {
-        for (std::size_t i = first; i < index; ++i) {
-            if (isKnownDirective(lines[i].clean())) {
-                throw misplacedDirective(lines[i], path);
+    /// Moves behind the section whose keyword is at `index`. Directives under a missing task header are no
+    /// entries of the section above them.
+    void passSection(std::size_t next) {
+        while (++index < next) {
+            if (isKnownDirective(lines[index].clean())) {
+                throw misplacedDirective(lines[index], path);
             }
         }
     }
@@ -157,7 +156,7 @@ class PreludeReader {
     }
 
     const std::vector<SourceLine>& lines;
-    std::size_t index;
+    std::size_t index = 0;
     const std::string& path;
     DocumentContext& context;
     PreludeResult result;
@@ -180,11 +179,9 @@ void reportUnreadLine(const SourceLine& line, const std::string& path, const Doc
 
 } // namespace
 
-PreludeResult parsePrelude(const std::vector<SourceLine>& lines, std::size_t start, std::size_t& next,
-                           const std::string& path, DocumentContext& context) {
-    PreludeReader reader(lines, start, path, context);
-    next = reader.read();
-    return reader.take();
+TakenLines<PreludeResult> parsePrelude(const std::vector<SourceLine>& lines, const std::string& path,
+                                       DocumentContext& context) {
+    return PreludeReader(lines, path, context).read();
 }
 
 void requireWholePrelude(const std::vector<SourceLine>& lines, std::size_t next, std::string_view path) {
@@ -222,12 +219,11 @@ PreludeResult parseYamlInclude(const std::string& target, const std::string& bas
     context.run.countInclude();
     context.includedFiles.add(path);
     const auto lines = makeSourceLines(skipByteOrderMark(*text), SharedText(path));
-    std::size_t next = 0;
-    auto prelude = parsePrelude(lines, 0, next, path, context);
-    if (next < lines.size()) {
-        reportUnreadLine(lines[next], path, context);
+    auto prelude = parsePrelude(lines, path, context);
+    if (prelude.next < lines.size()) {
+        reportUnreadLine(lines[prelude.next], path, context);
     }
-    return prelude;
+    return std::move(prelude.value);
 }
 
 void mergePrelude(TaskDocument& document, const PreludeResult& prelude, NameClash clash) {

@@ -25,12 +25,10 @@ struct PreludeResult {
     Collections collections;
 };
 
-/// Reads the prelude from line `start`; `next` is the first line that is no part of it. YAML files and
-/// libraries that it names are read relative to `path`. Throws `DiagnosticError` for a section that cannot be
-/// read.
-[[nodiscard]] PreludeResult parsePrelude(const std::vector<SourceLine>& lines, std::size_t start,
-                                         std::size_t& next, const std::string& path,
-                                         DocumentContext& context);
+/// Reads the prelude off the front of a file's lines. YAML files and libraries that it names are read
+/// relative to `path`. Throws `DiagnosticError` for a section that cannot be read.
+[[nodiscard]] TakenLines<PreludeResult> parsePrelude(const std::vector<SourceLine>& lines,
+                                                     const std::string& path, DocumentContext& context);
 
 /// Refuses a YAML document marker (`---`, `...`) as the line that ended the prelude of a file, when it hides
 /// lines from it: what stands between the prelude and the first block is passed over without a word. Throws

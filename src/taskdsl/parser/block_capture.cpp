@@ -2,42 +2,40 @@
 
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
-#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/scan.h"
 
 #include <utility>
 
 namespace morquill::taskdsl {
 
-CapturedBlock captureBlock(std::string_view keyword, const std::vector<SourceLine>& lines, std::size_t& index,
-                           const ValueMap& values) {
+TakenLines<CapturedBlock> captureBlock(std::string_view keyword, const std::vector<SourceLine>& lines,
+                                       std::size_t head, const ValueMap& values) {
     const std::string name(keyword);
-    if (index >= lines.size()) {
+    if (head >= lines.size()) {
         throw DiagnosticError("invalid " + name + " block start");
     }
-    const SourceLine& head = lines[index];
-    if (!beginsBlock(head.clean(), keyword)) {
+    const SourceLine& first = lines[head];
+    if (!beginsBlock(first.clean(), keyword)) {
         throw DiagnosticError("internal error: expected " + name + " block");
     }
     CapturedBlock block;
-    block.header = substituteBrackets(trim(head.clean().substr(keyword.size())), values);
-    block.span = head.span();
-    const BlockEnd end = findBlockEnd(lines, index, lines.size());
-    for (std::size_t i = index + 1; i < end.index; ++i) {
-        if (lines[i].kind() == head.kind()) {
+    block.header = substituteBrackets(trim(first.clean().substr(keyword.size())), values);
+    block.span = first.span();
+    const BlockEnd end = findBlockEnd(lines, head, lines.size());
+    for (std::size_t i = head + 1; i < end.index; ++i) {
+        if (lines[i].kind() == first.kind()) {
             throw DiagnosticError(lines[i].span(), "nested " + name + " blocks are not allowed");
         }
         SourceLine& kept = block.lines.emplace_back(lines[i]);
         kept.substitute(values);
         if (kept.originPath.empty()) {
-            kept.originPath = head.originPath;
+            kept.originPath = first.originPath;
         }
     }
     if (!end.isClosed) {
         throw DiagnosticError(block.span, "unterminated " + name + " block; expected @end");
     }
-    index = end.index;
-    return block;
+    return {std::move(block), end.index + 1};
 }
 
 } // namespace morquill::taskdsl

@@ -55,13 +55,13 @@ class LineWalk {
             break;
         case LineKind::plot: {
             plot::PlotBlock block;
-            block.captured = captureBlock("@plot", lines_, index_, document_.defines);
+            block.captured = takeBlock("@plot");
             document_.plots.push_back(plot::parsePlot(block));
             break;
         }
         case LineKind::derive: {
             DeriveBlock block;
-            block.captured = captureBlock("@derive", lines_, index_, document_.defines);
+            block.captured = takeBlock("@derive");
             block.spec = derive::parseDerive(block.captured);
             block.documentOrder = run_.nextDocumentOrder++;
             document_.derives.push_back(std::move(block));
@@ -78,6 +78,13 @@ class LineWalk {
         default: // has no meaning outside a task
             break;
         }
+    }
+
+    /// Takes the block whose head is at `index_`; leaves `index_` on its "@end".
+    CapturedBlock takeBlock(std::string_view keyword) {
+        auto block = captureBlock(keyword, lines_, index_, document_.defines);
+        index_ = block.next - 1;
+        return std::move(block.value);
     }
 
     void warnRemoved(const SourceLine& line) const {
@@ -119,8 +126,8 @@ class LineWalk {
             throw DiagnosticError(span, "task '" + task.name + "' contains unknown directive '%" +
                                             std::string(directive.keyword) + "'");
         }
-        DirectiveReader reader(task, lines_, index_, directive.value, run_.options.warnings,
-                               run_.options.legacyMultiSource);
+        DirectiveReader reader(task, lines_, index_, directive.value,
+                               {run_.options.warnings, run_.options.legacyMultiSource});
         row->handler(reader);
         directives.push_back({row->recordedName, std::string(directive.value), span});
         index_ = reader.position();

@@ -96,11 +96,10 @@ Collections readExtraYaml(TaskDocument& document, const std::string& path, Docum
 
 /// Reads the prelude off the front of a file's lines; those of its body stay.
 PreludeResult takePrelude(std::vector<SourceLine>& lines, const std::string& path, DocumentContext& context) {
-    std::size_t next = 0;
-    auto prelude = parsePrelude(lines, 0, next, path, context);
-    requireWholePrelude(lines, next, path);
-    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(next));
-    return prelude;
+    auto prelude = parsePrelude(lines, path, context);
+    requireWholePrelude(lines, prelude.next, path);
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(prelude.next));
+    return std::move(prelude.value);
 }
 
 /// Puts the file's own prelude into the document: what it says itself did not come from beside it.

@@ -89,7 +89,7 @@ std::optional<std::string> DirectiveReader::readTextBlock() {
 }
 
 void DirectiveReader::warn(std::string_view text) const {
-    warnings_("task '" + task.name + "' " + std::string(text));
+    options.warnings("task '" + task.name + "' " + std::string(text));
 }
 
 void DirectiveReader::fail(std::string_view text) const {

@@ -35,19 +35,25 @@ struct WrittenDirective {
 /// Takes a cleaned directive line apart.
 [[nodiscard]] WrittenDirective splitDirective(std::string_view clean) noexcept;
 
+/// What whoever reads the directives decides.
+struct DirectiveOptions {
+    const WarningSink& warnings;
+    bool legacyMultiSource = false; ///< `%source a,b` is tolerated
+};
+
 /// What the handler of one directive works on: the task it fills in, the text behind the keyword, and the
 /// lines behind it, from which a block directive takes its block.
 class DirectiveReader {
   public:
     /// `index` is the directive's own line.
     DirectiveReader(TaskInfo& owner, const std::vector<SourceLine>& allLines, std::size_t lineIndex,
-                    std::string_view directiveValue, const WarningSink& sink, bool multiSource)
-        : task(owner), value(directiveValue), legacyMultiSource(multiSource), lines_(allLines),
-          index_(lineIndex), header_(lineIndex), warnings_(sink) {}
+                    std::string_view directiveValue, const DirectiveOptions& readerOptions)
+        : task(owner), value(directiveValue), options(readerOptions), lines_(allLines), index_(lineIndex),
+          header_(lineIndex) {}
 
     TaskInfo& task;
     std::string_view value; ///< trimmed text behind the keyword, comment removed
-    bool legacyMultiSource; ///< `%source a,b` is tolerated
+    DirectiveOptions options;
 
     /// The last line consumed so far.
     [[nodiscard]] std::size_t position() const noexcept { return index_; }
@@ -94,7 +100,6 @@ class DirectiveReader {
     const std::vector<SourceLine>& lines_;
     std::size_t index_;
     std::size_t header_;
-    const WarningSink& warnings_;
 };
 
 /// Reads a directive into the task; unknown keywords have none.

@@ -46,7 +46,7 @@ void takeGuessWord(DirectiveReader& reader, std::string& value) {
 
 /// Several upstream tasks: an error, or conditions for those who tolerate the old form.
 void takeFurtherTasks(DirectiveReader& reader, const std::vector<std::string>& names) {
-    if (!reader.legacyMultiSource) {
+    if (!reader.options.legacyMultiSource) {
         reader.failHere(
             "uses removed multi-dependency '%source a,b,...' syntax; keep the first task in %source "
             "and move the rest into '%when completed ...'");

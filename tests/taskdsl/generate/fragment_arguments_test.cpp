@@ -66,9 +66,8 @@ TEST(BindArguments, FaultsHaveThePlaceOfTheIncludeLine) {
 
 ValueMap bindOf(std::string_view header, std::string_view arguments) {
     const SourceLine line{"", "t.mq", 7};
-    std::size_t index = 0;
     return bindArguments(
-        parseFragmentHeader(linesOf(header, "l.mqlib"), index, "l.mqlib", FragmentNaming::required),
+        parseFragmentHeader(linesOf(header, "l.mqlib"), 0, "l.mqlib", FragmentNaming::required).value,
         parseIncludeLine("&INCLUDE x.y(" + std::string(arguments) + ")"), line);
 }
 

@@ -8,16 +8,14 @@ namespace morquill::taskdsl {
 namespace {
 
 FragmentDefinition readHeader(std::string_view text, FragmentNaming naming = FragmentNaming::required) {
-    std::size_t index = 0;
-    return parseFragmentHeader(linesOf(text, "l.mqlib"), index, "l.mqlib", naming);
+    return parseFragmentHeader(linesOf(text, "l.mqlib"), 0, "l.mqlib", naming).value;
 }
 
 /// Kind, name and parameters, a required one with a "!" behind its name.
 std::string shown(std::string_view text) {
-    std::size_t index = 0;
     const auto lines = linesOf(text, "l.mqlib");
-    const auto fragment = parseFragmentHeader(lines, index, "l.mqlib", FragmentNaming::optional);
-    EXPECT_EQ(index + 1, lines.size()) << text;
+    const auto [fragment, next] = parseFragmentHeader(lines, 0, "l.mqlib", FragmentNaming::optional);
+    EXPECT_EQ(next, lines.size()) << text;
     EXPECT_TRUE(fragment.lines.empty());
     EXPECT_EQ(fragment.path, "l.mqlib");
     std::string result = std::string(fragmentKindName(fragment.kind)) + " " + fragment.name;
@@ -28,11 +26,10 @@ std::string shown(std::string_view text) {
 }
 
 TEST(FragmentHeader, ReadsKindNameAndParameters) {
-    std::size_t index = 1;
     const auto lines = linesOf(
         "x\n  &FRAGMENT Task-body opt(method, # required\n   basis = 'a,b',\n extra=)\ny\n", "l.mqlib");
-    const auto fragment = parseFragmentHeader(lines, index, "l.mqlib", FragmentNaming::required);
-    EXPECT_EQ(index, 3U);
+    const auto [fragment, next] = parseFragmentHeader(lines, 1, "l.mqlib", FragmentNaming::required);
+    EXPECT_EQ(next, 4U);
     EXPECT_EQ(fragment.kind, FragmentKind::task_body);
     EXPECT_EQ(fragment.kindText, "Task-body");
     EXPECT_EQ(fragment.name, "opt");

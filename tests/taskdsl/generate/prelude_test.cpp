@@ -31,7 +31,9 @@ ReadPrelude read(std::string_view text, const std::string& path = "t.mq") {
     ParseContext run({.warnings = sink});
     DocumentContext context(run);
     const auto lines = makeSourceLines(text, SharedText(path));
-    prelude.result = parsePrelude(lines, 0, prelude.next, path, context);
+    auto taken = parsePrelude(lines, path, context);
+    prelude.result = std::move(taken.value);
+    prelude.next = taken.next;
     prelude.bindings = libraryBindings(context);
     prelude.includedFiles = context.includedFiles.names();
     return prelude;

@@ -20,7 +20,7 @@ struct Reading {
     TaskInfo task{"opt"};
     std::vector<std::string> warnings;
     WarningSink sink = [this](const std::string& text) { warnings.push_back(text); };
-    DirectiveReader reader{task, lines, 0, written, sink, false};
+    DirectiveReader reader{task, lines, 0, written, {sink}};
 };
 
 TEST(WrittenDirectives, EndTheirKeywordAtABlank) {

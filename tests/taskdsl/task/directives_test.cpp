@@ -31,7 +31,7 @@ TEST(Heredoc, OnLinesThatNoExpansionSawAMissingTerminatorIsAFaultOfKeywordsAndAW
     std::vector<std::string> warnings;
     const WarningSink sink = [&warnings](const std::string& warning) { warnings.push_back(warning); };
     const auto read = [&](std::string_view keyword, std::string_view value) {
-        DirectiveReader reader(task, lines, 0, value, sink, false);
+        DirectiveReader reader(task, lines, 0, value, {sink});
         findDirective(keyword)->handler(reader);
     };
     read("body", "<<");
@@ -251,9 +251,8 @@ TEST(BlockCapture, KeepsLinesWithTheirPlacesAndSubstitutes) {
                                         {"  x [k] # kept", "", 2},
                                         {"$no task", "u.mq", 7},
                                         {" @end", "t.mq", 3}};
-    std::size_t index = 0;
-    const CapturedBlock block = captureBlock("@plot", lines, index, {{"k", "v"}});
-    EXPECT_EQ(index, 3U);
+    const auto [block, next] = captureBlock("@plot", lines, 0, {{"k", "v"}});
+    EXPECT_EQ(next, 4U);
     EXPECT_EQ(block.header, "bar v");
     EXPECT_EQ(formatSpan(block.span), "t.mq:1:1-1:19");
     ASSERT_EQ(block.lines.size(), 2U);

@@ -27,7 +27,7 @@ Outcome read(const std::string& value, std::string_view block = "", bool multiSo
     outcome.task = before;
     const WarningSink sink = [&outcome](const std::string& text) { outcome.warnings.push_back(text); };
     const auto lines = linesOf("%source " + value + "\n" + std::string(block));
-    DirectiveReader reader(outcome.task, lines, 0, value, sink, multiSource);
+    DirectiveReader reader(outcome.task, lines, 0, value, {sink, multiSource});
     readSourceDirective(reader);
     outcome.position = reader.position();
     return outcome;
