@@ -51,8 +51,8 @@ enum class TaskProgram : std::int32_t {
 
 /// The lower-case name of a program; "gaussian" for a value outside the enumeration.
 [[nodiscard]] std::string_view programName(TaskProgram program) noexcept;
-/// Reads a program name (trimmed, any case, no aliases); false for an unknown one.
-[[nodiscard]] bool parseProgramName(std::string_view text, TaskProgram& program);
+/// The program of that name (trimmed, any case, no aliases); nothing for an unknown one.
+[[nodiscard]] std::optional<TaskProgram> parseProgramName(std::string_view text);
 /// The program of that name. Throws `DiagnosticError`, with "<location>: " in front when a location is given,
 /// for an unknown one.
 [[nodiscard]] TaskProgram requireProgram(std::string_view value, std::string_view location = {});

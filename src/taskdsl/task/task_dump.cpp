@@ -137,7 +137,9 @@ void readInterface(TaskInfo& task, std::string_view value) {
 constexpr std::array<DumpLabel, 17> dumpLabels{{
     {"TaskInfo: ", readText<&TaskInfo::name>},
     {"Program: ",
-     [](TaskInfo& task, std::string_view value) { (void)parseProgramName(value, task.program); }},
+     [](TaskInfo& task, std::string_view value) {
+         task.program = parseProgramName(value).value_or(task.program);
+     }},
     {"Quoted: ", readFlag<&TaskInfo::quoted>},
     {"Source: ", [](TaskInfo& task, std::string_view value) { applySource(task, readInlineSource(value)); }},
     {"LocalFirst: ", readFlag<&TaskInfo::localFirst>},

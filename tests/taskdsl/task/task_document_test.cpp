@@ -10,21 +10,17 @@ TEST(TaskProgram, NamesStandInTheirOrder) {
     const char* names[] = {"gaussian", "orca", "gamess", "xtb",       "mrcc",  "maple",
                            "amesp",    "bdf",  "mopac",  "fcclasses", "other", "script"};
     for (int i = 0; i < 12; ++i) {
-        TaskProgram program{};
         EXPECT_EQ(programName(static_cast<TaskProgram>(i)), names[i]);
-        ASSERT_TRUE(parseProgramName(" " + std::string(names[i]) + "\t", program));
-        EXPECT_EQ(static_cast<int>(program), i);
+        EXPECT_EQ(parseProgramName(" " + std::string(names[i]) + "\t"), static_cast<TaskProgram>(i));
     }
     EXPECT_EQ(programName(static_cast<TaskProgram>(12)), "gaussian");
     EXPECT_EQ(programName(static_cast<TaskProgram>(-1)), "gaussian");
 }
 
 TEST(TaskProgram, IsReadInAnyCaseWithoutAliases) {
-    TaskProgram program{};
-    EXPECT_TRUE(parseProgramName("XTB", program));
-    EXPECT_EQ(program, TaskProgram::xtb);
-    EXPECT_FALSE(parseProgramName("g16", program));
-    EXPECT_FALSE(parseProgramName("", program));
+    EXPECT_EQ(parseProgramName("XTB"), TaskProgram::xtb);
+    EXPECT_EQ(parseProgramName("g16"), std::nullopt);
+    EXPECT_EQ(parseProgramName(""), std::nullopt);
 }
 
 TEST(TaskProgram, AnUnknownOneIsToldWithItsLocation) {
