@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(templates::withAutorun(whole) == whole);
     parse(whole);
 
-    const auto names = templates::scanPlaceholders(merged, true);
+    const auto names = templates::scanPlaceholders(merged, templates::BuiltIns::drop);
     const auto values = templates::parseVariableTemplate(texts.back(), "default").values;
     const auto section = templates::buildDefineSection(names, values);
     parse(templates::replaceDefineSection(whole, section));

@@ -38,8 +38,8 @@ std::string tagged(MessageKind kind, std::string_view text) {
     return whole.append(1, ' ').append(text);
 }
 
-MessageKind stepKind(bool dryRun) noexcept {
-    return dryRun ? MessageKind::dryRun : MessageKind::note;
+MessageKind stepKind(RunMode mode) noexcept {
+    return mode == RunMode::dryRun ? MessageKind::dryRun : MessageKind::note;
 }
 
 void printMessage(MessageKind kind, std::string_view text) {

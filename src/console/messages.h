@@ -20,8 +20,16 @@ enum class MessageKind : std::uint8_t { note, skip, dryRun, warning, error };
 [[nodiscard]] std::string_view messageTag(MessageKind kind) noexcept;
 /// The tag of a kind, a blank and the text, without a line end.
 [[nodiscard]] std::string tagged(MessageKind kind, std::string_view text);
-/// The kind of a message about a step that is taken or, in a dry run, only shown.
-[[nodiscard]] MessageKind stepKind(bool dryRun) noexcept;
+
+/// Whether a workflow takes its steps or only shows them.
+enum class RunMode : std::uint8_t { apply, dryRun };
+
+/// The mode that an option asks for.
+[[nodiscard]] constexpr RunMode runMode(bool dryRun) noexcept {
+    return dryRun ? RunMode::dryRun : RunMode::apply;
+}
+/// The kind of a message about a step.
+[[nodiscard]] MessageKind stepKind(RunMode mode) noexcept;
 
 /// Writes a message of any kind to standard output, one line.
 void printMessage(MessageKind kind, std::string_view text);

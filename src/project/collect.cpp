@@ -53,7 +53,7 @@ std::string targetName(const std::string& source, const std::string& caseName) {
     return stemOf(source) + "_" + caseName + std::string(extensionOf(source));
 }
 
-void collectPattern(const CollectPlace& place, const std::string& pattern, bool dryRun,
+void collectPattern(const CollectPlace& place, const std::string& pattern, console::RunMode mode,
                     CollectSummary& summary) {
     const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
     const auto matches = expandBlockPattern(place.blockDir, pattern,
@@ -66,7 +66,7 @@ void collectPattern(const CollectPlace& place, const std::string& pattern, bool 
         const auto target = joinPath(place.targetDir, targetName(source, place.caseName));
         console::printNote("copy: " + source + " -> " + target);
         summary.items += 1;
-        if (place.intoItself || (!dryRun && !system::copyItem(source, target))) {
+        if (place.intoItself || (mode == console::RunMode::apply && !system::copyItem(source, target))) {
             summary.failed += 1;
             console::reportWarning("copy failed: " + source);
         }
@@ -137,7 +137,7 @@ int runProjectCollect(const ProjectOptions& options) {
                 continue;
             }
             for (const auto& pattern : options.patterns) {
-                collectPattern(place, pattern, options.dryRun, summary);
+                collectPattern(place, pattern, console::runMode(options.dryRun), summary);
             }
         }
     }

@@ -1,11 +1,10 @@
 #include "project/phrases.h"
 
-#include "console/messages.h"
-
 namespace morquill::project {
 
-void printExecution(std::string_view command, bool dryRun) {
-    console::printMessage(console::stepKind(dryRun), (dryRun ? "" : "execute ") + std::string(command));
+void printExecution(std::string_view command, console::RunMode mode) {
+    console::printMessage(console::stepKind(mode),
+                          (mode == console::RunMode::dryRun ? "" : "execute ") + std::string(command));
 }
 
 std::string inParentheses(const std::string& reason) {

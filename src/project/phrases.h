@@ -1,5 +1,7 @@
 #pragma once
 
+#include "console/messages.h"
+
 #include <string>
 #include <string_view>
 
@@ -7,7 +9,7 @@
 namespace morquill::project {
 
 /// Shows a command that is run or, in a dry run, would be.
-void printExecution(std::string_view command, bool dryRun);
+void printExecution(std::string_view command, console::RunMode mode);
 
 /// " (<reason>)", or nothing for an empty reason.
 [[nodiscard]] std::string inParentheses(const std::string& reason);

@@ -8,21 +8,25 @@
 #include "support/fault.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 
 namespace morquill::project {
 
 namespace {
 
+/// Where a help word turns a refused line into one that asks for help.
+enum class HelpWord : std::uint8_t { anywhere, nowhere };
+
 /// One shape of the command line.
 struct LineShape {
     ProjectOptions (*read)(int argc, const char* const* argv);
-    bool helpWordAnywhere; ///< a refused line that holds a help word anywhere asks for help
+    HelpWord helpWord;
 };
 
-constexpr LineShape wordShape{readProjectWords, true};
-constexpr LineShape compatibilityShape{readCompatibilityWords, true};
-constexpr LineShape updateShape{readUpdateWords, false};
+constexpr LineShape wordShape{readProjectWords, HelpWord::anywhere};
+constexpr LineShape compatibilityShape{readCompatibilityWords, HelpWord::anywhere};
+constexpr LineShape updateShape{readUpdateWords, HelpWord::nowhere};
 
 int runShape(const LineShape& shape, int argc, char** argv) {
     int status = 0;
@@ -32,8 +36,8 @@ int runShape(const LineShape& shape, int argc, char** argv) {
         // the help is all there is
     } catch (const console::UsageError& error) {
         const auto words = console::wordsFrom(argc, argv, 1);
-        const bool asksForHelp =
-            shape.helpWordAnywhere && std::any_of(words.begin(), words.end(), console::isHelpToken);
+        const bool asksForHelp = shape.helpWord == HelpWord::anywhere &&
+                                 std::any_of(words.begin(), words.end(), console::isHelpToken);
         const int refused = console::reportUsageError(error);
         status = asksForHelp ? 0 : refused;
     }
@@ -59,10 +63,11 @@ int runSubCommand(const ProjectOptions& options) {
     case ProjectSubCommand::Add:
         return runAdd(options);
     case ProjectSubCommand::Update:
-        return statusOf(runProjectUpdate(options.path, options.names, {options.dryRun, options.runComd}));
+        return statusOf(runProjectUpdate(options.path, options.names,
+                                         {.dryRun = options.dryRun, .runComd = options.runComd}));
     case ProjectSubCommand::Rebuild:
-        return statusOf(
-            runProjectRebuild(options.path, options.names, {options.dryRun, options.runScript, true}));
+        return statusOf(runProjectRebuild(options.path, options.names,
+                                          {.dryRun = options.dryRun, .runScript = options.runScript}));
     case ProjectSubCommand::Exec:
         return runProjectExec(options);
     case ProjectSubCommand::Collect:

@@ -251,7 +251,7 @@ class ProjectPathTest {
         if (extensionOf(path) == ".mq") {
             return true;
         }
-        const auto [known, isNew] = filesInProject_.try_emplace(parentPath(path), false);
+        const auto [known, isNew] = filesInProject_.try_emplace(parentPath(path));
         if (isNew) {
             known->second = liesInProject(path);
         }

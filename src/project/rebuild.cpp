@@ -33,25 +33,22 @@ std::vector<std::string> listWorkMarkers(const std::string& blockDir) {
     return markers;
 }
 
-/// Takes the selected records out of the status file of a case.
-bool cleanStatus(const std::string& caseDir, const std::vector<std::string>& selected, bool dryRun,
-                 RebuildSummary& summary) {
+/// Takes the selected records out of the status file of a case: how many; nothing after a message.
+std::optional<std::size_t> cleanStatus(const std::string& caseDir, const std::vector<std::string>& selected,
+                                       console::RunMode mode) {
+    const bool dryRun = mode == console::RunMode::dryRun;
     const auto name = baseName(caseDir);
     const auto count = keptTasks(selected, readCompletedTasks(caseDir)).size();
-    const auto what = std::to_string(count) + " completed record(s) from mq.status";
-    if (count > 0) {
-        summary.statusTouched += 1;
-        summary.recordsRemoved += static_cast<std::int32_t>(count);
-    }
     if (!dryRun && !removeTaskRecords(caseDir, selected)) {
         console::reportError("failed to clean mq.status: " + name);
-        return false;
+        return std::nullopt;
     }
     if (count > 0) {
-        console::printMessage(console::stepKind(dryRun),
-                              name + (dryRun ? " : would remove " : " : removed ") + what);
+        console::printMessage(console::stepKind(mode), name + (dryRun ? " : would remove " : " : removed ") +
+                                                           std::to_string(count) +
+                                                           " completed record(s) from mq.status");
     }
-    return true;
+    return count;
 }
 
 void cleanBlock(const std::string& blockDir, const std::string& label, const RebuildOptions& options,
@@ -69,18 +66,23 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
     }
     summary.workMarkers += found;
     const auto count = options.dryRun ? found : removeWorkMarkers(blockDir);
-    console::printMessage(console::stepKind(options.dryRun),
+    console::printMessage(console::stepKind(console::runMode(options.dryRun)),
                           label + (options.dryRun ? " : would remove " : " : removed ") +
                               std::to_string(count) + " .mqwk file(s)");
 }
 
-bool cleanCases(const WorkPlace& place, const std::vector<std::string>& selected,
-                const RebuildOptions& options, RebuildSummary& summary) {
+/// Cleans all cases and counts what went; nothing after a message.
+std::optional<RebuildSummary> cleanCases(const WorkPlace& place, const std::vector<std::string>& selected,
+                                         const RebuildOptions& options) {
+    RebuildSummary summary;
     for (const auto& caseDir : place.caseDirs) {
         summary.cases += 1;
-        if (!cleanStatus(caseDir, selected, options.dryRun, summary)) {
-            return false;
+        const auto records = cleanStatus(caseDir, selected, console::runMode(options.dryRun));
+        if (!records) {
+            return std::nullopt;
         }
+        summary.statusTouched += *records > 0 ? 1 : 0;
+        summary.recordsRemoved += static_cast<std::int32_t>(*records);
         for (const auto& task : selected) {
             cleanBlock(joinPath(caseDir, task), baseName(caseDir) + " / $" + task, options, summary);
         }
@@ -93,22 +95,25 @@ bool cleanCases(const WorkPlace& place, const std::vector<std::string>& selected
                        ", block directories missing=" + std::to_string(summary.blocksMissing) + ", " +
                        (options.dryRun ? "to remove" : "removed") +
                        " .mqwk=" + std::to_string(summary.workMarkers));
-    return true;
+    return summary;
 }
 
 std::string runnerCommand(const std::string& runner, const std::string& root) {
     return shellQuote(runner) + " kick --path " + shellQuote(root);
 }
 
-bool startRunner(const std::string& root, bool dryRun, RebuildSummary& summary) {
+/// Starts the project runner at the end of a rebuild. True on success.
+bool startRunner(const std::string& root, console::RunMode mode, RebuildSummary summary) {
     const auto runner = resolveRunner(root);
     if (!console::isRunnerAvailable(runner)) {
         console::reportError("configured project runner not found: " + runner);
         return false;
     }
     console::printLine();
-    printExecution(runnerCommand(runner, root), dryRun);
-    const auto failure = dryRun ? std::nullopt : system::runProgram(root, runner, {"kick", "--path", root});
+    printExecution(runnerCommand(runner, root), mode);
+    const auto failure = mode == console::RunMode::dryRun
+                             ? std::nullopt
+                             : system::runProgram(root, runner, {"kick", "--path", root});
     if (failure) {
         summary.runnerFailed += 1;
         console::reportError("failed to execute project runner: " + runner + inParentheses(*failure));
@@ -126,12 +131,13 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
     if (!place) {
         return false;
     }
-    printWorkHeader(*place, selected, options.dryRun, rebuildWords);
-    RebuildSummary summary;
-    if (!cleanCases(*place, selected, options, summary)) {
+    const auto mode = console::runMode(options.dryRun);
+    printWorkHeader(*place, selected, mode, rebuildWords);
+    const auto summary = cleanCases(*place, selected, options);
+    if (!summary) {
         return false;
     }
-    printGeneratorCommand(*place, options.dryRun, rebuildWords);
+    printGeneratorCommand(*place, mode, rebuildWords);
     if (!options.dryRun) {
         if (const auto failure = runGenerator(*place, rebuildWords)) {
             console::reportError("failed to re-run morquill" + inParentheses(*failure));
@@ -140,7 +146,7 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
         console::printNote("full morquill rebuild completed");
     }
     const bool withRunner = options.runScript && place->kind == TargetKind::Project;
-    return !withRunner || startRunner(place->directory, options.dryRun, summary);
+    return !withRunner || startRunner(place->directory, mode, *summary);
 }
 
 /// The options with `runScript` as it is settled before anything is touched: whether the runner is started at

@@ -1,6 +1,5 @@
 #include "project/regenerate.h"
 
-#include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/phrases.h"
 #include "support/file.h"
@@ -13,7 +12,6 @@ namespace morquill::project {
 namespace {
 
 constexpr const char* generator = "morquill";
-constexpr const char* comdOnlyFlag = "--comd-only";
 
 bool hasSelection(const std::vector<std::string>& selected, const WorkflowWords& words) {
     if (selected.empty()) {
@@ -53,7 +51,7 @@ std::optional<WorkPlace> openProject(const std::string& root, const std::string&
     return WorkPlace{TargetKind::Project, root, file, std::move(caseDirs)};
 }
 
-void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun,
+void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, console::RunMode mode,
                      const WorkflowWords& words) {
     std::string text = place.kind == TargetKind::Case ? "\n[MQ " : "\n[ProjMQ ";
     text.append(words.title).append("]\n");
@@ -63,24 +61,25 @@ void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& sel
         text += "  project directory: " + place.directory + "\n";
     }
     text += "  task blocks: " + formatSelection(selected) + "\n";
-    text += dryRun ? "  mode: dry-run (no files written)\n" : "  mode: apply changes\n";
+    text +=
+        mode == console::RunMode::dryRun ? "  mode: dry-run (no files written)\n" : "  mode: apply changes\n";
     text.append("  morquill mode: ").append(words.mode).append("\n");
     console::printLine(text);
 }
 
-void printGeneratorCommand(const WorkPlace& place, bool dryRun, const WorkflowWords& words) {
+void printGeneratorCommand(const WorkPlace& place, console::RunMode mode, const WorkflowWords& words) {
     std::string command = generator + (" " + shellQuote(place.file));
-    if (words.comdOnly) {
-        command.append(" ").append(comdOnlyFlag);
+    if (!words.flag.empty()) {
+        command.append(" ").append(words.flag);
     }
     console::printLine();
-    printExecution(command, dryRun);
+    printExecution(command, mode);
 }
 
 std::optional<std::string> runGenerator(const WorkPlace& place, const WorkflowWords& words) {
     std::vector<std::string> arguments{place.file};
-    if (words.comdOnly) {
-        arguments.emplace_back(comdOnlyFlag);
+    if (!words.flag.empty()) {
+        arguments.emplace_back(words.flag);
     }
     return system::runProgram(place.directory, generator, arguments);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "console/messages.h"
 #include "project/cases/target.h"
 
 #include <optional>
@@ -24,11 +25,11 @@ struct WorkflowWords {
     std::string_view verb;  ///< "update"
     std::string_view title; ///< "Update"
     std::string_view mode;  ///< the generator's mode in the header: "comd-only"
-    bool comdOnly;          ///< the generator is told "--comd-only"
+    std::string_view flag;  ///< what the generator is told on its command line, when not empty
 };
 
-inline constexpr WorkflowWords updateWords{"update", "Update", "comd-only", true};
-inline constexpr WorkflowWords rebuildWords{"rebuild", "Rebuild", "full", false};
+inline constexpr WorkflowWords updateWords{"update", "Update", "comd-only", "--comd-only"};
+inline constexpr WorkflowWords rebuildWords{"rebuild", "Rebuild", "full", ""};
 
 /// A case to work on; nothing, after a message, when no block is selected, or directory or file is missing.
 [[nodiscard]] std::optional<WorkPlace> openCase(const std::string& caseDir, const std::string& caseFile,
@@ -39,11 +40,11 @@ inline constexpr WorkflowWords rebuildWords{"rebuild", "Rebuild", "full", false}
                                                    const std::vector<std::string>& selected,
                                                    const WorkflowWords& words);
 
-void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun,
+void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, console::RunMode mode,
                      const WorkflowWords& words);
 
 /// Shows the generator's command line.
-void printGeneratorCommand(const WorkPlace& place, bool dryRun, const WorkflowWords& words);
+void printGeneratorCommand(const WorkPlace& place, console::RunMode mode, const WorkflowWords& words);
 /// Runs the generator. Nothing when it ended well, else the reason.
 [[nodiscard]] std::optional<std::string> runGenerator(const WorkPlace& place, const WorkflowWords& words);
 

@@ -126,7 +126,7 @@ void walkTree(const std::string& top, WalkOrder order,
     const auto isEntered = [&](const std::string& path, EntryKind kind) {
         return visit(path, kind) && kind == EntryKind::directory;
     };
-    std::vector<Waiting> waiting{{top, EntryKind::directory, true}};
+    std::vector<Waiting> waiting{{.path = top, .kind = EntryKind::directory, .isVisited = true}};
     while (!waiting.empty()) {
         const Waiting next = std::move(waiting.back());
         waiting.pop_back();

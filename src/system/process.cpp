@@ -22,8 +22,8 @@ constexpr int launchFailedStatus = 127; // never seen by a caller: the text in t
 
 /// What the child becomes: a program with its arguments and the words for a failed start.
 struct Launch {
+    int (*execute)(const char*, char* const*); ///< with or without a search along PATH
     const char* path;
-    bool searchPath;
     std::vector<char*> arguments; ///< ends in a null pointer
     std::string failure;          ///< stands before the system text
 };
@@ -58,11 +58,7 @@ void resetSignals() {
         failInChild(pipeEnd,
                     "failed to change working directory to '" + workingDir + "': " + systemErrorText(errno));
     }
-    if (launch.searchPath) {
-        ::execvp(launch.path, launch.arguments.data());
-    } else {
-        ::execv(launch.path, launch.arguments.data());
-    }
+    launch.execute(launch.path, launch.arguments.data());
     failInChild(pipeEnd, launch.failure + systemErrorText(errno));
 }
 
@@ -143,7 +139,7 @@ ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::stri
     if (argv.empty() || argv.front().empty()) {
         return {.error = "program name is empty"};
     }
-    Launch launch{argv.front().c_str(), true, {}, "failed to execute '" + argv.front() + "': "};
+    Launch launch{::execvp, argv.front().c_str(), {}, "failed to execute '" + argv.front() + "': "};
     launch.arguments.reserve(argv.size() + 1);
     for (const std::string& argument : argv) {
         launch.arguments.push_back(const_cast<char*>(argument.c_str())); // exec never writes to them
@@ -158,8 +154,8 @@ ProcessResult spawnShell(const std::string& command, const std::string& workingD
     }
     static constexpr const char* shell = "/bin/sh";
     const Launch launch{
+        ::execv,
         shell,
-        false,
         {const_cast<char*>(shell), const_cast<char*>("-c"), const_cast<char*>(command.c_str()), nullptr},
         "failed to execute shell command via /bin/sh: "};
     return spawn(launch, workingDir);

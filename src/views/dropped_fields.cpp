@@ -48,7 +48,7 @@ constexpr std::array<PayloadRow, 7> payloadRows{{
 bool isCarriedOver(const TaskInfo& task) {
     switch (task.program) {
     case TaskProgram::other:
-        return taskdsl::isLegacyPairList(task.keywords, task.templateName.empty(), task.paramValues.empty());
+        return taskdsl::isLegacyPairList(task);
     case TaskProgram::script:
         return task.runner.empty();
     default:

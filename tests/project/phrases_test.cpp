@@ -1,5 +1,6 @@
 #include "project/phrases.h"
 
+#include "console/messages.h"
 #include "fixtures/scratch_tree.h"
 
 namespace morquill::project {
@@ -12,10 +13,10 @@ TEST(Phrases, AReasonStandsInParentheses) {
 
 class ShownCommand : public ScratchTree {
   protected:
-    std::string shown(bool dryRun) {
+    std::string shown(console::RunMode mode) {
         return run("",
                    [&] {
-                       printExecution("bash comd", dryRun);
+                       printExecution("bash comd", mode);
                        return 0;
                    })
             .out;
@@ -23,8 +24,8 @@ class ShownCommand : public ScratchTree {
 };
 
 TEST_F(ShownCommand, IsExecutedOrOnlyShown) {
-    EXPECT_EQ(shown(true), "[mqkit][DRY-RUN] bash comd\n");
-    EXPECT_EQ(shown(false), "[mqkit] execute bash comd\n");
+    EXPECT_EQ(shown(console::RunMode::dryRun), "[mqkit][DRY-RUN] bash comd\n");
+    EXPECT_EQ(shown(console::RunMode::apply), "[mqkit] execute bash comd\n");
 }
 
 } // namespace

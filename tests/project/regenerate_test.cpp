@@ -56,13 +56,13 @@ TEST_F(Regenerate, ShowsWhatItIsAboutToDo) {
             .out;
     };
     EXPECT_EQ(shown([&] {
-                  printWorkHeader(place, {"a", "b"}, true, rebuildWords);
+                  printWorkHeader(place, {"a", "b"}, console::RunMode::dryRun, rebuildWords);
               }),
               "\n[MQ Rebuild]\n  case directory: /p/m 1\n  task file: /p/m 1/a.mq\n  task blocks: $a, $b\n"
               "  mode: dry-run (no files written)\n  morquill mode: full\n\n");
-    EXPECT_EQ(shown([&] { printGeneratorCommand(place, false, updateWords); }),
+    EXPECT_EQ(shown([&] { printGeneratorCommand(place, console::RunMode::apply, updateWords); }),
               "\n[mqkit] execute morquill '/p/m 1/a.mq' --comd-only\n");
-    EXPECT_EQ(shown([&] { printGeneratorCommand(place, true, rebuildWords); }),
+    EXPECT_EQ(shown([&] { printGeneratorCommand(place, console::RunMode::dryRun, rebuildWords); }),
               "\n[mqkit][DRY-RUN] morquill '/p/m 1/a.mq'\n");
 }
 

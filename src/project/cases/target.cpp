@@ -3,6 +3,7 @@
 #include "support/directory.h"
 #include "support/file.h"
 
+#include <optional>
 #include <utility>
 
 namespace morquill::project {
@@ -38,14 +39,11 @@ bool looksLikeBlock(const std::string& dir) {
            isRegularFile(joinPath(dir, ".morq.result.kv"));
 }
 
-/// Moves `dir` one level up; false at the top of the path.
-bool climb(std::string& dir) {
+/// The directory one level up; nothing at the top of the path.
+std::optional<std::string> directoryAbove(const std::string& dir) {
     std::string parent = parentPath(dir);
-    if (parent.empty() || parent == "." || parent == dir) {
-        return false;
-    }
-    dir = std::move(parent);
-    return true;
+    const bool atTop = parent.empty() || parent == "." || parent == dir;
+    return atTop ? std::nullopt : std::optional(std::move(parent));
 }
 
 std::string startDirectory(std::string_view path) {
@@ -159,9 +157,11 @@ std::string findProjectDirectory(std::string_view path) {
         if (hasProjectTemplate(dir)) {
             return dir;
         }
-        if (!climb(dir)) {
+        auto above = directoryAbove(dir);
+        if (!above) {
             break;
         }
+        dir = *std::move(above);
     }
     return start;
 }
@@ -173,12 +173,14 @@ std::string findCaseDirectory(std::string_view path) {
         if (looksLikeCase(dir)) {
             return dir;
         }
-        if (std::string above = dir; looksLikeBlock(dir) && climb(above) && looksLikeCase(above)) {
-            return above;
-        }
-        if (!climb(dir)) {
+        auto above = directoryAbove(dir);
+        if (!above) {
             break;
         }
+        if (looksLikeBlock(dir) && looksLikeCase(*above)) {
+            return *above;
+        }
+        dir = *std::move(above);
     }
     return start;
 }

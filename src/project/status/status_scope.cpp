@@ -1,6 +1,5 @@
 #include "project/status/status_scope.h"
 
-#include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/status/status_file.h"
 #include "support/descriptor.h"
@@ -74,33 +73,37 @@ bool changeStatusFile(StatusBackup& backup, const std::vector<std::string>& kept
                         : writeTextFile(backup.path, formatStatusNames(kept));
 }
 
-bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selected, bool dryRun,
-               std::vector<StatusBackup>& backups, UpdateSummary& summary) {
+/// What narrowing one case's status file found; nothing after a message.
+std::optional<UpdateSummary> scopeCase(const std::string& caseDir, const std::vector<std::string>& selected,
+                                       console::RunMode mode, std::vector<StatusBackup>& backups) {
     const auto path = statusFilePath(caseDir);
     const auto name = baseName(caseDir);
     auto backup = takeBackup(path);
     if (!backup) {
         console::reportError("failed to read mq.status: " + path);
-        return false;
+        return std::nullopt;
     }
     const auto kept = keptTasks(selected, parseCompletedTasks(backup->content));
     backups.push_back(*std::move(backup));
-    summary.selectedCompletedRecords += static_cast<std::int32_t>(kept.size());
+    UpdateSummary counts;
+    counts.cases = 1;
+    counts.selectedCompletedRecords = static_cast<std::int32_t>(kept.size());
     if (!backups.back().existed) {
-        return true;
+        return counts;
     }
-    (kept.empty() ? summary.statusHidden : summary.statusScoped) += 1;
+    (kept.empty() ? counts.statusHidden : counts.statusScoped) = 1;
+    const bool dryRun = mode == console::RunMode::dryRun;
     if (!dryRun && !changeStatusFile(backups.back(), kept)) {
         console::reportError("failed to prepare mq.status for comd-only update: " + name);
-        return false;
+        return std::nullopt;
     }
     const auto step = kept.empty()
                           ? (dryRun ? "would temporarily hide" : "temporarily hid") +
                                 std::string(" mq.status because no selected task is marked completed")
                           : (dryRun ? "would scope" : "scoped") +
                                 (" mq.status to selected completed task(s): " + formatSelection(kept));
-    console::printMessage(console::stepKind(dryRun), name + " : " + step);
-    return true;
+    console::printMessage(console::stepKind(mode), name + " : " + step);
+    return counts;
 }
 
 // What follows runs when memory may have run out, too: nothing in it but the write itself may allocate.
@@ -276,15 +279,21 @@ bool restoreOne(const StatusBackup& backup) noexcept {
 
 } // namespace
 
-bool scopeStatusFiles(const std::vector<std::string>& caseDirs, const std::vector<std::string>& selected,
-                      bool dryRun, std::vector<StatusBackup>& backups, UpdateSummary& summary) {
+std::optional<UpdateSummary> scopeStatusFiles(const std::vector<std::string>& caseDirs,
+                                              const std::vector<std::string>& selected, console::RunMode mode,
+                                              std::vector<StatusBackup>& backups) {
+    UpdateSummary sum;
     for (const auto& caseDir : caseDirs) {
-        summary.cases += 1;
-        if (!scopeCase(caseDir, selected, dryRun, backups, summary)) {
-            return false;
+        const auto counts = scopeCase(caseDir, selected, mode, backups);
+        if (!counts) {
+            return std::nullopt;
         }
+        sum.cases += counts->cases;
+        sum.statusScoped += counts->statusScoped;
+        sum.statusHidden += counts->statusHidden;
+        sum.selectedCompletedRecords += counts->selectedCompletedRecords;
     }
-    return true;
+    return sum;
 }
 
 bool restoreStatusFiles(const std::vector<StatusBackup>& backups) noexcept {

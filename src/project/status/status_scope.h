@@ -1,5 +1,6 @@
 #pragma once
 
+#include "console/messages.h"
 #include "system/held_bytes.h"
 
 #include <cstdint>
@@ -45,11 +46,12 @@ struct UpdateSummary {
 };
 
 /// Narrows the status file of each case to those selected tasks that are completed, or takes it away when
-/// there are none. `backups` grows by one entry per case before the case is touched, so that it serves also
-/// after a failure. A dry run only tells. False after a message.
-[[nodiscard]] bool scopeStatusFiles(const std::vector<std::string>& caseDirs,
-                                    const std::vector<std::string>& selected, bool dryRun,
-                                    std::vector<StatusBackup>& backups, UpdateSummary& summary);
+/// there are none, and counts what it did; nothing after a message. `backups` grows by one entry per case
+/// before the case is touched, so that it serves also after a failure. A dry run only shows its steps.
+[[nodiscard]] std::optional<UpdateSummary> scopeStatusFiles(const std::vector<std::string>& caseDirs,
+                                                            const std::vector<std::string>& selected,
+                                                            console::RunMode mode,
+                                                            std::vector<StatusBackup>& backups);
 
 /// Puts back what the backups hold, the last one first; a file that has come since is removed, what stood
 /// there before without being a status file (a directory, a FIFO, a link that leads to none) stays. What

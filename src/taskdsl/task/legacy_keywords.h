@@ -1,5 +1,7 @@
 #pragma once
 
+#include "taskdsl/task/task_document.h"
+
 #include <string>
 #include <string_view>
 
@@ -13,8 +15,9 @@ namespace morquill::taskdsl {
 /// Every other `key=value` pair, in order, joined with one blank, each value in canonical form.
 [[nodiscard]] std::string legacyParamValues(std::string_view keywords);
 
-/// True when the text is nothing but `key=value` pairs of which the two functions above lose none: one `job`
-/// at most, and none unless `withJob`; other pairs only `withOthers`.
-[[nodiscard]] bool isLegacyPairList(std::string_view keywords, bool withJob, bool withOthers);
+/// True when `%keywords` of the task is nothing but `key=value` pairs and none is lost when the two functions
+/// above fill in what the task lacks: one `job` at most, and none beside a template name; no other pair
+/// beside parameters.
+[[nodiscard]] bool isLegacyPairList(const TaskInfo& task);
 
 } // namespace morquill::taskdsl

@@ -29,9 +29,9 @@ struct Section {
 
 std::vector<Section> sectionsOf(const Lines& lines) {
     std::vector<Section> sections{{}};
-    HeredocState heredoc;
+    HeredocWalk heredoc;
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        if (const auto text = trim(lines[i]); !takesLine(heredoc, lines[i]) && text.starts_with('%')) {
+        if (const auto text = trim(lines[i]); !heredoc.takesLine(lines[i]) && text.starts_with('%')) {
             sections.push_back({splitBlank(text).front(), i, i});
         }
         sections.back().end = i + 1;
@@ -99,11 +99,11 @@ MergedVariant makeVariant(Lines lines) {
     MergedVariant variant{std::move(lines), {}, {}};
     bool hasSource = false;
     bool hasKeywords = false;
-    HeredocState heredoc;
+    HeredocWalk heredoc;
     for (const auto& line : variant.lines) {
         const auto text = trim(line);
         const auto blank = text.find(' ');
-        if (takesLine(heredoc, line) || blank == std::string_view::npos) {
+        if (heredoc.takesLine(line) || blank == std::string_view::npos) {
             continue;
         }
         if (!hasSource && text.starts_with("%source")) {

@@ -34,9 +34,11 @@ bool isAutorun(std::string_view line) noexcept {
 
 } // namespace
 
-bool takesLine(HeredocState& heredoc, std::string_view line) {
-    if (heredoc.open) {
-        heredoc.open = trim(line) != heredoc.terminator;
+bool HeredocWalk::takesLine(std::string_view line) {
+    if (terminator_) {
+        if (trim(line) == *terminator_) {
+            terminator_.reset();
+        }
         return true;
     }
     if (!trimLeft(line).starts_with('%')) {
@@ -46,8 +48,7 @@ bool takesLine(HeredocState& heredoc, std::string_view line) {
     const auto value = trim(directive.substr(std::min(directive.find(' '), directive.size())));
     if (value.starts_with("<<")) {
         const auto word = trim(value.substr(2));
-        heredoc.terminator = word.empty() ? "EOF" : word;
-        heredoc.open = true;
+        terminator_ = word.empty() ? "EOF" : word;
     }
     return false;
 }
@@ -55,9 +56,9 @@ bool takesLine(HeredocState& heredoc, std::string_view line) {
 TemplateParts splitTemplateBlocks(std::string_view text) {
     TemplateParts parts;
     std::vector<std::string>* current = &parts.headLines;
-    HeredocState heredoc;
+    HeredocWalk heredoc;
     for (auto& line : splitOn(text, '\n')) {
-        const bool quoted = current != &parts.headLines && takesLine(heredoc, line);
+        const bool quoted = current != &parts.headLines && heredoc.takesLine(line);
         if (const auto name = quoted ? std::string_view{} : headerName(line); !name.empty()) {
             const auto [block, isNew] = parts.blocks.try_emplace(std::string(name));
             if (isNew) {

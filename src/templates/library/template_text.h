@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,15 +12,17 @@
 /// language beyond what is needed to find the blocks.
 namespace morquill::templates {
 
-/// Whether a walk over the lines of a block stands inside a heredoc. Give every line to `takesLine` once.
-struct HeredocState {
-    std::string terminator;
-    bool open = false;
-};
+/// A walk over the lines of a block that knows which of them are text of a heredoc.
+class HeredocWalk {
+  public:
+    /// Moves behind the next line. True when it is text of a heredoc (its terminator line included); a
+    /// directive line whose value begins with `<<` opens one and is itself no such text. An empty terminator
+    /// is "EOF".
+    [[nodiscard]] bool takesLine(std::string_view line);
 
-/// True when the line is text of an open heredoc (its terminator line included); a directive line whose value
-/// begins with `<<` opens one and is itself no such text. An empty terminator is "EOF".
-[[nodiscard]] bool takesLine(HeredocState& heredoc, std::string_view line);
+  private:
+    std::optional<std::string> terminator_; ///< of the heredoc that is open
+};
 
 /// A template taken apart.
 struct TemplateParts {

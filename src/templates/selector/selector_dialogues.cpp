@@ -13,10 +13,13 @@ namespace morquill::templates {
 
 namespace {
 
-/// Waits for a key; false at the end of input.
-bool waitForKey(const SelectorConsole& console) {
+/// Whether a dialogue has a further round.
+enum class Dialogue : std::uint8_t { open, over };
+
+/// Waits for a key; the selector ends with the input.
+AfterDialogue waitForKey(const SelectorConsole& console) {
     console.print("Press any key to continue...");
-    return console.readKey() != key::endOfInput;
+    return console.readKey() == key::endOfInput ? AfterDialogue::quit : AfterDialogue::goOn;
 }
 
 std::string note(std::string_view text) {
@@ -42,12 +45,13 @@ std::string matchingValues(const VariableTemplate& entry, const std::vector<std:
     return pairs.empty() ? "(no matching variables)" : "(" + join(pairs, ", ") + ")";
 }
 
-/// The part of the dialogue that takes values from a variable template. False at the end of input.
-bool loadValues(SelectorState& state, const std::vector<std::string>& names, const SelectorConsole& console) {
+/// The part of the dialogue that takes values from a variable template. It is over at the end of input.
+Dialogue loadValues(SelectorState& state, const std::vector<std::string>& names,
+                    const SelectorConsole& console) {
     const auto& templates = state.variableTemplates;
     if (templates.empty()) {
         console.print(note("No matching variable templates were found under the template directory.\n\n"));
-        return true;
+        return Dialogue::open;
     }
     std::string text = note("choose a variable template to load:\n");
     for (std::size_t i = 0; i < templates.size(); ++i) {
@@ -56,12 +60,12 @@ bool loadValues(SelectorState& state, const std::vector<std::string>& names, con
     console.print(text + note("Template index?: "));
     const auto answer = console.readLine();
     if (!answer) {
-        return false;
+        return Dialogue::over;
     }
     const auto index = readMenuIndex(*answer, templates.size(), MenuSign::none);
     if (!index) {
         console.print(note("Invalid template index\n\n"));
-        return true;
+        return Dialogue::open;
     }
     const auto& values = templates[*index].values;
     for (const auto& name : names) {
@@ -70,29 +74,30 @@ bool loadValues(SelectorState& state, const std::vector<std::string>& names, con
         }
     }
     console.print(note("done.\n\n"));
-    return true;
+    return Dialogue::open;
 }
 
-/// The part of the dialogue that sets one variable. False at the end of input.
-bool setValue(SelectorState& state, const std::vector<std::string>& names, std::string_view answer,
-              const SelectorConsole& console) {
+/// The part of the dialogue that sets one variable. It is over at the end of input.
+Dialogue setValue(SelectorState& state, const std::vector<std::string>& names, std::string_view answer,
+                  const SelectorConsole& console) {
     const auto index = readMenuIndex(answer, names.size(), MenuSign::none);
     if (!index) {
         console.print(note("Invalid variable index\n\n"));
-        return true;
+        return Dialogue::open;
     }
     console.print(note("input a new value: "));
     auto value = console.readLine();
     if (!value) {
-        return false;
+        return Dialogue::over;
     }
     state.variableValues.insert_or_assign(names[*index], std::move(*value));
     console.print(note("done.\n\n"));
-    return true;
+    return Dialogue::open;
 }
 
-/// One round of the dialogue. False when the user leaves it.
-bool editOnce(SelectorState& state, const std::vector<std::string>& names, const SelectorConsole& console) {
+/// One round of the dialogue. It is over when the user leaves it.
+Dialogue editOnce(SelectorState& state, const std::vector<std::string>& names,
+                  const SelectorConsole& console) {
     std::string text = note("Variables used by selected templates:\n");
     for (std::size_t i = 0; i < names.size(); ++i) {
         text += numbered(i) + names[i] + " = " + shownValue(state, names[i]) + "\n";
@@ -104,7 +109,7 @@ bool editOnce(SelectorState& state, const std::vector<std::string>& names, const
     const auto line = console.readLine();
     const auto answer = line ? trim(*line) : std::string_view("q");
     if (equalsNoCase(answer, "q")) {
-        return false;
+        return Dialogue::over;
     }
     return equalsNoCase(answer, "t") ? loadValues(state, names, console)
                                      : setValue(state, names, answer, console);
@@ -134,17 +139,17 @@ DialogueEnd editVariables(SelectorState state, const SelectorConsole& console) {
     console.clearScreen();
     console.print("=== Edit variables ===\n\n");
     const auto names = selectedVariables(state);
-    bool quit = false;
+    auto after = AfterDialogue::goOn;
     if (names.empty()) {
         console.print("The selected templates have no required variables\n\n");
-        quit = !waitForKey(console);
+        after = waitForKey(console);
     } else {
-        while (editOnce(state, names, console)) {
+        while (editOnce(state, names, console) == Dialogue::open) {
         }
     }
     state.previewText = composePreview(state);
     console.print(system::hideCursor);
-    return {std::move(state), quit};
+    return {std::move(state), after};
 }
 
 DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console) {
@@ -153,15 +158,15 @@ DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console
     console.print("=== Generate task file ===\n\n");
     if (state.selected.empty()) {
         console.print(error("no templates selected\n\n"));
-        const bool quit = !waitForKey(console);
+        const auto after = waitForKey(console);
         console.print(system::hideCursor);
-        return {std::move(state), quit};
+        return {std::move(state), after};
     }
     console.print("Output filename (default: generated_task.mq): ");
     const auto answer = console.readLine();
     if (!answer) { // no answer is no consent to overwrite a file
         console.print(system::hideCursor);
-        return {std::move(state), false};
+        return {std::move(state), AfterDialogue::goOn};
     }
     const std::string name = outputName(*answer);
     state.previewText = composePreview(state);
@@ -172,27 +177,27 @@ DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console
     }
     console.print("\nPress q to quit, or any other key to continue editing...");
     const auto pressed = console.readKey();
-    const bool quit = pressed == 'q' || pressed == key::endOfInput;
-    if (!quit) {
-        console.print(system::hideCursor);
+    if (pressed == 'q' || pressed == key::endOfInput) {
+        return {std::move(state), AfterDialogue::quit};
     }
-    return {std::move(state), quit};
+    console.print(system::hideCursor);
+    return {std::move(state), AfterDialogue::goOn};
 }
 
 void runSelectorLoop(SelectorState state, const SelectorConsole& console) {
     console.print(system::hideCursor);
-    DialogueEnd turn{std::move(state), false};
-    while (!turn.quit) {
+    DialogueEnd turn{std::move(state)};
+    while (turn.after == AfterDialogue::goOn) {
         turn.state = scrollToCursors(std::move(turn.state));
         console.clearScreen();
         console.print(currentScreen(turn.state));
         auto step = pressKey(std::move(turn.state), console.readKey());
         switch (step.action) {
         case SelectorAction::none:
-            turn = {std::move(step.state), false};
+            turn = {std::move(step.state), AfterDialogue::goOn};
             break;
         case SelectorAction::quit:
-            turn = {std::move(step.state), true};
+            turn = {std::move(step.state), AfterDialogue::quit};
             break;
         case SelectorAction::edit:
             turn = editVariables(std::move(step.state), console);

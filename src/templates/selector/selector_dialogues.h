@@ -19,10 +19,13 @@ struct SelectorConsole {
     std::function<std::optional<std::string>()> readLine;
 };
 
+/// What follows a dialogue: the selector goes on or ends, too.
+enum class AfterDialogue : std::uint8_t { goOn, quit };
+
 /// What a dialogue leaves.
 struct DialogueEnd {
     SelectorState state;
-    bool quit = false; ///< the selector ends, too
+    AfterDialogue after = AfterDialogue::goOn;
 };
 
 /// The line-by-line dialogue that sets variables. The selector ends when the input does at a key.

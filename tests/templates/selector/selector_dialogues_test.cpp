@@ -56,7 +56,7 @@ class Dialogue : public ::testing::Test {
     }
     void finish(DialogueEnd end) {
         state = std::move(end.state);
-        quit = end.quit;
+        quit = end.after == AfterDialogue::quit;
     }
     [[nodiscard]] std::string editPrinted(const std::vector<std::string>& lines) {
         Script script{{}, lines};
