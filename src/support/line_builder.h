@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/large_memory.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -45,6 +47,9 @@ class LineBuilder {
     /// The lines from here on stand one level further in, or one further out.
     void deeper() noexcept { ++level_; }
     void shallower() noexcept { level_ -= level_ > 0 ? 1 : 0; }
+
+    /// Makes room for a text of about that many bytes.
+    void reserve(std::size_t bytes) { reserveLarge(text_, bytes); }
 
     /// What is there so far, in bytes and as text.
     [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }

@@ -72,6 +72,37 @@ class SharedText {
     Block* block_ = nullptr; ///< none for the empty text
 };
 
+/// A piece of a shared text, which it holds: it is never longer than its text lives.
+class TextSlice {
+  public:
+    TextSlice() noexcept = default;
+    TextSlice(SharedText whole) noexcept // NOLINT(google-explicit-constructor): a text is a slice of itself
+        : owner_(std::move(whole)), view_(owner_.view()) {}
+    TextSlice(std::string_view text) : TextSlice(SharedText(text)) {}   // NOLINT(google-explicit-constructor)
+    TextSlice(const std::string& text) : TextSlice(SharedText(text)) {} // NOLINT(google-explicit-constructor)
+    TextSlice(const char* text) : TextSlice(SharedText(text)) {}        // NOLINT(google-explicit-constructor)
+
+    /// The part of this slice that `part`, a view into it, shows.
+    [[nodiscard]] TextSlice slice(std::string_view part) const {
+        TextSlice result;
+        result.owner_ = owner_;
+        result.view_ = part;
+        return result;
+    }
+
+    [[nodiscard]] std::string_view view() const noexcept { return view_; }
+    operator std::string_view() const noexcept { return view_; } // NOLINT(google-explicit-constructor)
+    [[nodiscard]] bool empty() const noexcept { return view_.empty(); }
+    [[nodiscard]] std::size_t size() const noexcept { return view_.size(); }
+
+    friend bool operator==(const TextSlice& a, const TextSlice& b) noexcept { return a.view_ == b.view_; }
+    friend bool operator==(const TextSlice& a, std::string_view b) noexcept { return a.view_ == b; }
+
+  private:
+    SharedText owner_;
+    std::string_view view_;
+};
+
 /// A counted reference to a value; empty when there is none. Made by `make`, freed with its last holder.
 template <class T>
 class CountedRef {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -100,6 +101,19 @@ namespace morquill {
     constexpr std::string_view mark = "\xef\xbb\xbf";
     return text.starts_with(mark) ? text.substr(mark.size()) : text;
 }
+
+/// Calls `take` with each line of a text as `splitLines` returns them.
+template <class Take>
+void forEachLine(std::string_view text, const Take& take) {
+    for (std::size_t begin = 0; begin < text.size();) {
+        const auto end = std::min(text.find('\n', begin), text.size());
+        take(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+}
+
+/// The number of lines that `splitLines` returns.
+[[nodiscard]] std::size_t countLines(std::string_view text) noexcept;
 
 /// The lines of a text as a line reader gives them: a final line needs no line end, an empty one behind the
 /// last line feed is not produced, carriage returns stay. The views point into `text`.

@@ -315,6 +315,7 @@ class DocumentPrinter {
         if (context.warnings) {
             reportLostHeadLines(context);
         }
+        text.reserve(typicalTaskSize * std::max(document.tasks.size(), document.templateTasks.size()));
         writeSettings(text, document);
         if (isSource) {
             writeMatrix(text, document);
@@ -370,6 +371,8 @@ class DocumentPrinter {
             reportReplacedKey(context, what, name, printed);
         }
     }
+
+    static constexpr std::size_t typicalTaskSize = 256; ///< bytes in print
 
     const ReadBackContext context;
     const TaskDocument& document;

@@ -7,6 +7,7 @@
 #include "console/logger.h"
 #include "support/fault.h"
 #include "support/json.h"
+#include "support/large_memory.h"
 #include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
@@ -274,7 +275,7 @@ int runExplain(int argc, char** argv) {
         }
         const taskdsl::TaskParser parser(
             {.findLibraryFile = console::findLibraryFile, .warnings = console::logWarning});
-        const TaskDocument document = parser.parseInput(options.inputPath);
+        const TaskDocument& document = keepUntilExit(parser.parseInput(options.inputPath));
         const ExplainView view = makeView(document, options);
         if (view.tasks.empty() && !options.taskName.empty()) {
             throw usageError("task not found in explain view: " + options.taskName);

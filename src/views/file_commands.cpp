@@ -8,6 +8,7 @@
 #include "console/messages.h"
 #include "support/fault.h"
 #include "support/file.h"
+#include "support/large_memory.h"
 #include "support/paths.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
@@ -169,7 +170,7 @@ int convert(const CommandForm& form, const FileCommandOptions& options) {
         return 1;
     }
     try {
-        auto document = readDocument(form, options);
+        auto& document = keepUntilExit(readDocument(form, options));
         if (form.leavesExtraFiles && isWrittenBesideInput(options)) {
             document = taskdsl::withoutImplicitContent(std::move(document));
         }

@@ -17,7 +17,7 @@ namespace morquill::taskdsl {
 /// set.
 class SourceLine {
   public:
-    SourceLine(std::string text, SharedText path, std::uint32_t number = 0)
+    SourceLine(TextSlice text, SharedText path, std::uint32_t number = 0)
         : originPath(std::move(path)), lineNumber(number), text_(std::move(text)) {
         classify();
     }
@@ -27,35 +27,35 @@ class SourceLine {
     bool directiveBoundary = false; ///< a synthetic empty line that closes the directive block before it
     bool verbatim = false;          ///< belongs to a heredoc or text body and is taken as it is written
 
-    /// The raw text without the line end.
-    [[nodiscard]] const std::string& text() const noexcept { return text_; }
-    /// The text without its comment, trimmed; a view that lives as long as the line stays where it is and
-    /// keeps its text.
-    [[nodiscard]] std::string_view clean() const noexcept {
-        return std::string_view(text_).substr(cleanBegin_, cleanSize_);
-    }
+    /// The raw text without the line end: a piece of its file's text, or a text of its own once values were
+    /// put in.
+    [[nodiscard]] std::string_view text() const noexcept { return text_; }
+    /// The text without its comment, trimmed; a piece of `text()`.
+    [[nodiscard]] std::string_view clean() const noexcept { return clean_; }
+    /// A piece of the line, to be kept beyond it.
+    [[nodiscard]] TextSlice slice(std::string_view part) const { return text_.slice(part); }
     [[nodiscard]] LineKind kind() const noexcept { return kind_; }
     /// The place of the line in its file.
     [[nodiscard]] SourceSpan span() const { return spanOfLine(originPath, lineNumber, text_); }
 
     /// Puts the values of `[key]` in; a line that is changed is classified anew.
     void substitute(const ValueMap& values) {
-        if (!values.empty() && substituteInto(text_, values)) {
-            classify();
+        if (!values.empty() && text_.view().find('[') != std::string_view::npos) {
+            putIn(values);
         }
     }
 
   private:
     void classify() noexcept;
+    void putIn(const ValueMap& values);
 
     LineKind kind_ = LineKind::empty;
-    std::string text_;
-    std::size_t cleanBegin_ = 0;
-    std::size_t cleanSize_ = 0;
+    TextSlice text_;
+    std::string_view clean_; ///< into `text_`
 };
 
-/// The lines of a text, numbered from 1.
-[[nodiscard]] std::vector<SourceLine> makeSourceLines(std::string_view text, const SharedText& path);
+/// The lines of a text, which hold it, numbered from 1.
+[[nodiscard]] std::vector<SourceLine> makeSourceLines(const TextSlice& text, const SharedText& path);
 
 /// A `@plot`, `%plot` or `@derive` block as it was found, before its own language is applied.
 struct CapturedBlock {

@@ -1,5 +1,6 @@
 #include "taskdsl/generate/matrix_expand.h"
 
+#include "support/large_memory.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 #include "taskdsl/generate/matrix_combinations.h"
@@ -32,9 +33,9 @@ class Renames {
         }
     }
 
-    /// A condition with its references renamed; nothing when it stays as it is. The pairs of a map are applied one after the other there, so
-    /// the new names first carry a mark that no task name begins with: `a` becomes `a__x_1` and stays so
-    /// beside a task `a__x_1` of its own.
+    /// A condition with its references renamed; nothing when it stays as it is. The pairs of a map are
+    /// applied one after the other there, so the new names first carry a mark that no task name begins with:
+    /// `a` becomes `a__x_1` and stays so beside a task `a__x_1` of its own.
     [[nodiscard]] std::optional<std::string> renamedCondition(const std::string& text) const {
         const ValueMap& marked = markedNames();
         if (marked.empty()) {
@@ -152,7 +153,7 @@ class MatrixExpansion {
 
     std::vector<TaskInfo> run() {
         std::vector<TaskInfo> variants;
-        variants.reserve(walk.size() * templates.size());
+        reserveLarge(variants, walk.size() * templates.size());
         do {
             chooseCombination();
             for (const auto& item : templates) {

@@ -1,5 +1,6 @@
 #include "taskdsl/parser/line_walk.h"
 
+#include "support/large_memory.h"
 #include "support/text.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/derive/derive_parser.h"
@@ -9,6 +10,7 @@
 #include "taskdsl/task/directive_reader.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace morquill::taskdsl {
@@ -32,7 +34,7 @@ class LineWalk {
         for (const auto& axis : document_.matrixAxes) {
             headerValues_.erase(axis.key);
         }
-        document_.tasks.edit().reserve(document_.tasks.size() + countHeaders());
+        reserveLarge(document_.tasks.edit(), document_.tasks.size() + countHeaders());
         for (index_ = 0; index_ < lines_.size(); ++index_) {
             walkLine();
         }
@@ -99,7 +101,7 @@ class LineWalk {
         task.filePath = header.originPath;
         task.headerSpan = header.span();
         task.documentOrder = run_.nextDocumentOrder++;
-        std::vector<TaskDirective> directives;
+        directives_.clear();
         while (index_ + 1 < lines_.size()) {
             const SourceLine& line = lines_[index_ + 1];
             if (isStructure(line.kind()) && line.kind() != LineKind::directive) {
@@ -109,14 +111,16 @@ class LineWalk {
             if (line.kind() == LineKind::removedInclude) {
                 warnRemoved(line);
             } else if (line.kind() == LineKind::directive) {
-                walkDirective(task, directives);
+                walkDirective(task);
             }
         }
-        task.directives = std::move(directives);
+        // Just as long as it has to be: every task keeps its list.
+        task.directives = std::vector<TaskDirective>(std::make_move_iterator(directives_.begin()),
+                                                     std::make_move_iterator(directives_.end()));
     }
 
     /// Reads the directive at `index_`; leaves it on the directive's last line.
-    void walkDirective(TaskInfo& task, std::vector<TaskDirective>& directives) {
+    void walkDirective(TaskInfo& task) {
         const SourceLine& line = lines_[index_];
         // A tab belongs to the keyword: only a blank ends it.
         const WrittenDirective directive = splitDirective(line.clean());
@@ -129,7 +133,7 @@ class LineWalk {
         DirectiveReader reader(task, lines_, index_, directive.value,
                                {run_.options.warnings, run_.options.legacyMultiSource});
         row->handler(reader);
-        directives.push_back({row->recordedName, std::string(directive.value), span});
+        directives_.push_back({row->recordedName, line.slice(directive.value), span});
         index_ = reader.position();
     }
 
@@ -139,6 +143,7 @@ class LineWalk {
     const IncludeHandler& readInclude_;
     ValueMap headerValues_; ///< the defines that go into task names
     std::size_t index_ = 0;
+    std::vector<TaskDirective> directives_; ///< of the task that is being read
 };
 
 } // namespace

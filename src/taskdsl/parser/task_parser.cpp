@@ -128,7 +128,7 @@ void noteExtraTasks(TaskDocument& document, const DocumentContext& context) {
 }
 
 /// Reads one task file through all stages. `context` is that file's own; included task files come here too.
-TaskDocument readDocument(std::string_view text, const std::string& path, const ValueMap& defines,
+TaskDocument readDocument(const TextSlice& text, const std::string& path, const ValueMap& defines,
                           DocumentContext& context) {
     TaskDocument document;
     document.filePath = path;
@@ -190,12 +190,14 @@ TaskDocument TaskParser::parseInput(const std::string& path) const {
     return parseContent(readInputFile(path), path, {});
 }
 
-TaskDocument TaskParser::parseContent(const std::optional<std::string>& text, const std::string& path,
+TaskDocument TaskParser::parseContent(std::optional<std::string> text, const std::string& path,
                                       const ValueMap& defines) const {
     if (!text) {
         throw DiagnosticError("could not open file: " + path);
     }
-    TaskDocument document = parseText(*text, path, defines);
+    const SharedText whole(*text);
+    text.reset(); // one copy of a large file is enough
+    TaskDocument document = parse(whole, path, defines);
     document.filePath = path;
     document.directory = std::filesystem::path(path).parent_path().string();
     return document;
@@ -203,6 +205,11 @@ TaskDocument TaskParser::parseContent(const std::optional<std::string>& text, co
 
 TaskDocument TaskParser::parseText(std::string_view text, const std::string& path,
                                    const ValueMap& defines) const {
+    return parse(text, path, defines);
+}
+
+TaskDocument TaskParser::parse(const TextSlice& text, const std::string& path,
+                               const ValueMap& defines) const {
     ParseContext run(options_);
     std::optional<IncludeChain::Entry> entry;
     if (!path.empty()) {
@@ -210,7 +217,7 @@ TaskDocument TaskParser::parseText(std::string_view text, const std::string& pat
         entry.emplace(run.taskChain, normalisedPath(absolute), absolute);
     }
     DocumentContext context(run);
-    TaskDocument document = readDocument(skipByteOrderMark(text), path, defines, context);
+    TaskDocument document = readDocument(text.slice(skipByteOrderMark(text)), path, defines, context);
     shareTaskNames(document);
     warnAboutDeadlocks(document, path, run.options.warnings);
     return document;

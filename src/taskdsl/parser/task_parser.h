@@ -31,8 +31,10 @@ class TaskParser {
     [[nodiscard]] TaskDocument parseDeclaredTasks(std::string_view text) const;
 
   private:
-    [[nodiscard]] TaskDocument parseContent(const std::optional<std::string>& text, const std::string& path,
+    [[nodiscard]] TaskDocument parseContent(std::optional<std::string> text, const std::string& path,
                                             const ValueMap& defines) const;
+    [[nodiscard]] TaskDocument parse(const TextSlice& text, const std::string& path,
+                                     const ValueMap& defines) const;
 
     ParserOptions options_;
 };

@@ -20,7 +20,7 @@ namespace morquill::taskdsl {
 /// One directive seen in a task block, kept for the explain view and for lint.
 struct TaskDirective {
     std::string_view name; ///< keyword without the `%`; a text with static lifetime
-    SharedText value;      ///< the text behind the keyword on the directive's own line
+    TextSlice value;       ///< the text behind the keyword on the directive's own line
     SourceSpan span;
 
     friend bool operator==(const TaskDirective&, const TaskDirective&) = default;
@@ -94,24 +94,25 @@ struct BatchCluster {
     friend bool operator==(const BatchCluster&, const BatchCluster&) = default;
 };
 
-/// One task block. A copy shares its texts and lists with the original until one of the two edits them: so do the
-/// variants of a matrix.
+/// One task block. A copy shares its texts and lists with the original until one of the two edits them: so do
+/// the variants of a matrix.
 struct TaskInfo {
     TaskInfo() = default;
     explicit TaskInfo(std::string taskName, TaskProgram taskProgram = TaskProgram::gaussian);
 
     SourceSpan headerSpan;
     Shared<std::vector<TaskDirective>> directives; ///< every directive in file order
-    Shared<std::vector<TaskWhenEntry>> whenEntries;        ///< the conditions in order; their texts: `whenConditions`
-    std::string name;                              ///< quotes removed
-    bool quoted = false;                           ///< the header was written `$"name"`
-    std::uint64_t documentOrder = 0;               ///< place among all tasks and derive blocks of the run
+    Shared<std::vector<TaskWhenEntry>>
+        whenEntries;                    ///< the conditions in order; their texts: `whenConditions`
+    std::string name;                   ///< quotes removed
+    bool quoted = false;                ///< the header was written `$"name"`
+    std::uint64_t documentOrder = 0;    ///< place among all tasks and derive blocks of the run
     SourceSpec source = SourceOrigin{}; ///< views of it: `sourceText`, `sourceTasks`, `sourceBindings`
     bool guessEnabled = false;
     SharedText guessSourceTask;
     SharedText guessConverter; ///< "mokit", "multiwfn" or empty
     SharedText smiles;         ///< molecule line notation, set by project tools
-    SharedText filePath;        ///< file the block stands in
+    SharedText filePath;       ///< file the block stands in
     /// Names of all tasks of the document that are not providers.
     Shared<std::vector<std::string>> documentTaskNames;
     TaskProgram program = TaskProgram::gaussian;
@@ -142,8 +143,8 @@ struct TaskInfo {
     bool alert = true;
     bool localFirst = false;
     SharedText finalGeom;
-    SharedText templateTaskName;  ///< name before matrix expansion
-    SharedText matrixVariantKey;  ///< suffix of a matrix variant
+    SharedText templateTaskName;   ///< name before matrix expansion
+    SharedText matrixVariantKey;   ///< suffix of a matrix variant
     Shared<ValueMap> matrixValues; ///< axis key to chosen value
     SharedText strucId;
     Shared<std::vector<std::string>> metaProperties;
