@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace morquill::project {
 
@@ -64,7 +65,7 @@ void collectPattern(const CollectPlace& place, const std::string& pattern, conso
     for (const auto& match : matches) {
         const auto source = joinPath(place.blockDir, match);
         const auto target = joinPath(place.targetDir, targetName(source, place.caseName));
-        console::printNote("copy: " + source + " -> " + target);
+        console::printNote(std::string("copy: ").append(source).append(" -> ").append(target));
         summary.items += 1;
         if (place.intoItself || (mode == console::RunMode::apply && !system::copyItem(source, target))) {
             summary.failed += 1;
@@ -129,7 +130,8 @@ int runProjectCollect(const ProjectOptions& options) {
         for (const auto& caseDir : caseDirs) {
             const auto caseName = baseName(caseDir);
             const auto blockDir = joinPath(caseDir, task);
-            const CollectPlace place{caseName, caseName + " / $" + task, blockDir, targetDir,
+            auto label = std::string(caseName).append(" / $").append(task);
+            const CollectPlace place{caseName, std::move(label), blockDir, targetDir,
                                      holdsResults(blockDir, targetDir)};
             if (!isDirectory(place.blockDir)) {
                 summary.missing += 1;

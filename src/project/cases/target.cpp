@@ -147,7 +147,7 @@ std::string findProjectDirectory(std::string_view path) {
         if (absolute.ends_with(templateExtension)) {
             return start;
         }
-        const std::string above = parentPath(start);
+        std::string above = parentPath(start);
         if (hasTaskFile(start) && hasProjectTemplate(above)) {
             return above;
         }
@@ -167,7 +167,7 @@ std::string findProjectDirectory(std::string_view path) {
 }
 
 std::string findCaseDirectory(std::string_view path) {
-    const std::string start = startDirectory(path);
+    std::string start = startDirectory(path);
     std::string dir = start;
     for (int level = 0; level < caseLevels; ++level) {
         if (looksLikeCase(dir)) {

@@ -255,8 +255,12 @@ void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, c
         } else if (error == EEXIST) {
             report.errors.push_back("target already exists; cannot rename: " + target);
         } else {
-            report.errors.push_back("failed to rename: " + path + " -> " + target + ": " +
-                                    systemErrorText(error));
+            report.errors.push_back(std::string("failed to rename: ")
+                                        .append(path)
+                                        .append(" -> ")
+                                        .append(target)
+                                        .append(": ")
+                                        .append(systemErrorText(error)));
         }
     }
 }

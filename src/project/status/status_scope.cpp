@@ -220,9 +220,9 @@ std::string saveBeside(const StatusBackup& backup) {
     const auto name = baseName(backup.file);
     for (const auto& dir : {parentPath(backup.file), backup.held.directory()}) {
         for (int i = 0; i < mostNames && isDirectory(dir); ++i) {
-            const auto path = joinPath(dir, i == 0   ? name
-                                            : i == 1 ? name + ".saved"
-                                                     : name + ".saved-" + std::to_string(i));
+            auto path = joinPath(dir, i == 0   ? name
+                                      : i == 1 ? name + ".saved"
+                                               : name + ".saved-" + std::to_string(i));
             if (!identityAt(path) &&
                 (backup.held.linkTo(path) || !system::writeNewFile(path, backup.content))) {
                 return path;
