@@ -130,7 +130,7 @@ block() {
     lie '57s/grid/mesh/' "54: these lines are not in examples/matrix/functional_basis.mq"
     lie '63s/toluene/benzene/' "60: examples/extra/extra.yaml"
     lie '69s/$/; echo told/' "68: value=1; echo told"
-    lie '87s/ls/rm/' "86: echo '\$ ls'"
+    lie '88s/ls/rm/' "87: echo '\$ ls'"
     lie '73s/4/5/' "77: cat values/extra.yaml; echo \$value"
 }
 
