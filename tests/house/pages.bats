@@ -41,3 +41,9 @@ rules() { # <sed replacement of code and severity>
         done
     done
 }
+
+@test "the pictures are what the program shows" {
+    mkdir "$BATS_TEST_TMPDIR/pictures"
+    MQKIT_SOURCE=$PWD script/pictures "$BATS_TEST_TMPDIR/pictures"
+    diff -r docs/pictures "$BATS_TEST_TMPDIR/pictures"
+}
