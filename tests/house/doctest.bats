@@ -162,12 +162,15 @@ block() {
     block "mq part-of=none.mq" "1: there is no none.mq"
 }
 
-@test "an indented block, a block without an end and a missing page are refused" {
+@test "an indented block, one of another kind, one without an end and a missing page are refused" {
     printf 'text\n\n    mqkit fmt\n' >indented.md
     printf 'text\n```sh\ntrue\n' >open.md
-    doctest "$PWD/indented.md" "$PWD/open.md" "$PWD/missing.md"
+    printf '~~~\ntext\n~~~\n' >tilde.md
+    doctest "$PWD/indented.md" "$PWD/tilde.md" "$PWD/open.md" "$PWD/missing.md"
     [ "$status" -eq 1 ]
     [ "$output" = "$PWD/indented.md:3: an indented block: write a fenced one
+$PWD/tilde.md:1: a block of another kind: write one between three backticks
+$PWD/tilde.md:3: a block of another kind: write one between three backticks
 $PWD/open.md:2: a block without an end
 $PWD/missing.md: cannot be read" ] || { echo "$output"; return 1; }
 }
