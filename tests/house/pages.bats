@@ -23,6 +23,15 @@ rules() { # <sed replacement of code and severity>
         LC_ALL=C sort | diff <(rules '\1 shown clean') -
 }
 
+@test "every name that a formula may not take is on the page of derived values" {
+    awk '/reservedNames\[\]/ { on = 1 } on; on && /};/ { exit }' src/taskdsl/derive/formulas.cpp |
+        grep -o '"[a-z_]*"' | tr -d '"' >"$BATS_TEST_TMPDIR/names"
+    [ "$(wc -l <"$BATS_TEST_TMPDIR/names")" -gt 70 ]
+    while read -r name; do
+        grep -qE "\`$name[\`( ]" docs/derive.md || { echo "$name"; return 1; }
+    done <"$BATS_TEST_TMPDIR/names"
+}
+
 @test "every example of a plot is shown in the guide" {
     diff <(ls examples/plots/*.mq) <(sed -n 's/^```mq part-of=//p' docs/plots.md | LC_ALL=C sort)
 }
