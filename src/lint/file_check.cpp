@@ -37,29 +37,23 @@ void check(const Subject& subject, LintFileReport& report) {
 
 using TaskNames = std::set<std::string_view>;
 
-/// Adds the tasks that a target behind `completed` means; false when there are none. A pattern adds two at
-/// most: whoever asks wants to know whether there are several.
-bool addMatches(const std::string& target, const TaskNames& known, TaskNames& matches) {
-    const auto wild = target.find_first_of("*?[");
-    if (wild == std::string::npos) {
+/// The tasks that a target behind `completed` means; of those of a pattern two at most: whoever asks wants to
+/// know whether there are several.
+TaskNames matchingTasks(const std::string& target, const TaskNames& known) {
+    if (target.find_first_of("*?[") == std::string::npos) {
         const auto name = known.find(target);
-        if (name == known.end()) {
-            return false;
-        }
-        matches.insert(*name);
-        return true;
+        return name == known.end() ? TaskNames{} : TaskNames{*name};
     }
+    TaskNames matches;
     // Only names that begin as the pattern does are looked at.
     const auto prefix = std::string_view(target).substr(0, target.find_first_of("*?[\\"));
-    std::size_t found = 0;
-    for (auto name = known.lower_bound(prefix); name != known.end() && name->starts_with(prefix) && found < 2;
-         ++name) {
+    for (auto name = known.lower_bound(prefix);
+         name != known.end() && name->starts_with(prefix) && matches.size() < 2; ++name) {
         if (::fnmatch(target.c_str(), std::string(*name).c_str(), 0) == 0) {
             matches.insert(*name);
-            ++found;
         }
     }
-    return found > 0;
+    return matches;
 }
 
 /// Checks one condition of a task.
@@ -70,7 +64,9 @@ void checkCondition(const LintedFile& file, const TaskInfo& task, const taskdsl:
     TaskNames referenced;
     for (const auto& target : taskdsl::collectCompletedTargets(condition)) {
         if (!equalsNoCase(target, "allothers")) {
-            check(CompletedTarget{target, addMatches(target, file.knownTasks, referenced), span}, report);
+            auto matches = matchingTasks(target, file.knownTasks);
+            check(CompletedTarget{target, !matches.empty(), span}, report);
+            referenced.merge(matches);
         }
     }
     if (taskdsl::hasAllOthers(condition)) {

@@ -97,6 +97,8 @@ class TextSlice {
 
     friend bool operator==(const TextSlice& a, const TextSlice& b) noexcept { return a.view_ == b.view_; }
     friend bool operator==(const TextSlice& a, std::string_view b) noexcept { return a.view_ == b; }
+    friend bool operator==(const TextSlice& a, const std::string& b) noexcept { return a.view_ == b; }
+    friend bool operator==(const TextSlice& a, const char* b) noexcept { return a.view_ == b; }
 
   private:
     SharedText owner_;

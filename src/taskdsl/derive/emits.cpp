@@ -114,8 +114,8 @@ AtomSink readAtomSink(BlockReader& reader, std::string_view text, const std::str
 } // namespace
 
 void readEmitScalar(BlockReader& reader, std::string_view text) {
-    const bool block = plot::stripTrailingColon(text);
-    const auto parts = splitUnit(text);
+    const auto head = plot::stripTrailingColon(text);
+    const auto parts = splitUnit(head.value_or(trim(text)));
     if (parts.unit && parts.unit->empty()) {
         reader.fail("emit unit requires a unit name");
     }
@@ -135,7 +135,7 @@ void readEmitScalar(BlockReader& reader, std::string_view text) {
         unit = readLabelledText(*parts.unit, "emit unit", reader.span);
     }
     EmitModifiers modifiers =
-        block ? readModifiers(reader, std::move(unit)) : EmitModifiers{std::move(unit), {}};
+        head ? readModifiers(reader, std::move(unit)) : EmitModifiers{std::move(unit), {}};
     statement.unit = modifiers.unit.value_or("");
     const ExprRef value = statement.value;
     reader.add(std::move(statement));

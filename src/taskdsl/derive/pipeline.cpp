@@ -157,15 +157,19 @@ NamedEntry splitSelectEntry(const BlockReader& reader, std::string_view entry) {
     return {entry, entry};
 }
 
-/// Takes "asc" or "desc" off the end of a sort key.
-DeriveSortDirection takeDirection(std::string_view& entry) noexcept {
+/// An entry of a sort list.
+struct SortEntry {
+    std::string_view key;
+    DeriveSortDirection direction = DeriveSortDirection::asc;
+};
+
+/// Splits "asc" or "desc" off the end of a sort key.
+SortEntry splitDirection(std::string_view entry) noexcept {
     const auto blank = entry.find_last_of(" \t");
     const auto word = entry.substr(blank == std::string_view::npos ? 0 : blank + 1);
     const auto direction = sortDirectionWords.find(word);
-    if (direction) {
-        entry = trim(entry.substr(0, entry.size() - word.size()));
-    }
-    return direction.value_or(DeriveSortDirection::asc);
+    return direction ? SortEntry{trim(entry.substr(0, entry.size() - word.size())), *direction}
+                     : SortEntry{entry};
 }
 
 } // namespace
@@ -300,13 +304,14 @@ void readSort(BlockReader& reader, std::string_view text) {
     if (text.empty()) {
         reader.fail("sort requires at least one expression");
     }
-    for (auto entry : splitAtCommas(text)) {
+    for (const auto entry : splitAtCommas(text)) {
         if (entry.empty()) {
             reader.fail("sort list contains an empty entry");
         }
         SortStatement statement;
-        statement.direction = takeDirection(entry);
-        statement.key = reader.expression(entry, "sort statement requires an expression");
+        const auto [key, direction] = splitDirection(entry);
+        statement.direction = direction;
+        statement.key = reader.expression(key, "sort statement requires an expression");
         reader.add(std::move(statement));
     }
 }

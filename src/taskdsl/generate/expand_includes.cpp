@@ -28,139 +28,138 @@ class IncludePass {
   public:
     IncludePass(std::vector<SourceLine> allLines, const IncludeFrame& passFrame,
                 DocumentContext& parseContext)
-        : lines(std::move(allLines)), frame(passFrame), context(parseContext), current(passFrame.scope) {}
+        : lines_(std::move(allLines)), frame_(passFrame), context_(parseContext), current_(passFrame.scope) {}
 
     std::vector<SourceLine> run() {
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            readLine(i);
+        for (; index_ < lines_.size(); ++index_) {
+            readLine();
         }
-        return changed ? std::move(result) : std::move(lines);
+        return changed_ ? std::move(result_) : std::move(lines_);
     }
 
   private:
-    [[nodiscard]] bool isDocument() const noexcept { return frame.scope == FragmentKind::document; }
-    [[nodiscard]] bool atFileScope() const noexcept { return isDocument() && !inTask; }
+    [[nodiscard]] bool isDocument() const noexcept { return frame_.scope == FragmentKind::document; }
+    [[nodiscard]] bool atFileScope() const noexcept { return isDocument() && !inTask_; }
     [[nodiscard]] DiagnosticError fault(const SourceLine& line, std::string_view message) const {
-        return lineFault(line, frame.baseFile, message);
+        return lineFault(line, frame_.baseFile, message);
     }
     [[nodiscard]] std::string fileOf(const SourceLine& line) const {
-        return (line.originPath.empty() ? frame.baseFile : line.originPath).str();
+        return (line.originPath.empty() ? frame_.baseFile : line.originPath).str();
     }
 
-    /// Reads the line at `i`; leaves `i` on the last line consumed.
-    void readLine(std::size_t& i) {
-        const SourceLine& line = lines[i];
+    /// Reads the line at `index_`; leaves `index_` on the last line consumed.
+    void readLine() {
+        const SourceLine& line = lines_[index_];
         const LineKind kind = line.verbatim || line.directiveBoundary ? LineKind::text : line.kind();
         if (kind == LineKind::include) {
-            readInclude(i);
-        } else if (!isStructure(kind) || frame.scope == FragmentKind::text) {
-            keep(i);
+            readInclude();
+        } else if (!isStructure(kind) || frame_.scope == FragmentKind::text) {
+            keep();
         } else if (kind == LineKind::taskHeader) {
             openTask(line);
-            keep(i);
+            keep();
         } else if (kind == LineKind::directive) {
-            readDirective(i);
+            readDirective();
         } else {
-            copyBlock(i);
+            copyBlock();
         }
     }
 
-    /// Passes a line on. Nothing is moved as long as no include has been met.
-    void keep(std::size_t i) {
-        if (changed) {
-            result.push_back(std::move(lines[i]));
+    /// Passes the line at `index_` on. Nothing is moved as long as no include has been met.
+    void keep() {
+        if (changed_) {
+            result_.push_back(std::move(lines_[index_]));
         }
     }
 
-    /// Passes on the lines from `i` through `last`; leaves `i` there.
-    void keepThrough(std::size_t& i, std::size_t last) {
-        for (; i < last; ++i) {
-            keep(i);
+    /// Passes on the lines through `last`.
+    void keepThrough(std::size_t last) {
+        for (; index_ < last; ++index_) {
+            keep();
         }
-        keep(i);
+        keep();
     }
 
-    /// Puts lines in the place of the include line (the lines from `first` on).
-    void insert(std::vector<SourceLine> inserted, std::size_t first) {
-        drop(first);
-        result.insert(result.end(), std::make_move_iterator(inserted.begin()),
-                      std::make_move_iterator(inserted.end()));
+    /// Puts lines in the place of the include line at `index_`.
+    void insert(std::vector<SourceLine> inserted) {
+        drop();
+        result_.insert(result_.end(), std::make_move_iterator(inserted.begin()),
+                       std::make_move_iterator(inserted.end()));
     }
-    void drop(std::size_t first) {
-        if (!changed) {
-            changed = true;
-            result.reserve(lines.size());
-            std::move(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(first),
-                      std::back_inserter(result));
+    void drop() {
+        if (!changed_) {
+            changed_ = true;
+            result_.reserve(lines_.size());
+            std::move(lines_.begin(), lines_.begin() + static_cast<std::ptrdiff_t>(index_),
+                      std::back_inserter(result_));
         }
     }
 
     void openTask(const SourceLine& line) {
-        if (frame.scope == FragmentKind::task_body) {
+        if (frame_.scope == FragmentKind::task_body) {
             throw fault(line, "invalid task block in task_body fragment");
         }
         if (!isDocument()) {
             throw fault(line, "task blocks are not valid inside a " + kindName() + " fragment");
         }
-        inTask = true;
-        current = FragmentKind::task_body;
+        inTask_ = true;
+        current_ = FragmentKind::task_body;
     }
     void closeTask() noexcept {
-        inTask = false;
-        current = frame.scope;
+        inTask_ = false;
+        current_ = frame_.scope;
     }
-    [[nodiscard]] std::string kindName() const { return std::string(fragmentKindName(frame.scope)); }
+    [[nodiscard]] std::string kindName() const { return std::string(fragmentKindName(frame_.scope)); }
 
-    void readDirective(std::size_t& i) {
-        const SourceLine& line = lines[i];
+    void readDirective() {
+        const SourceLine& line = lines_[index_];
         const auto directive = splitDirective(line.clean());
         if (atFileScope()) {
-            throw misplacedDirective(line, frame.baseFile);
+            throw misplacedDirective(line, frame_.baseFile);
         }
-        if (!isDocument() && frame.scope != FragmentKind::task_body) {
+        if (!isDocument() && frame_.scope != FragmentKind::task_body) {
             throw fault(line, "task directive '%" + std::string(directive.keyword) +
                                   "' is not valid inside a " + kindName() + " fragment");
         }
-        current = scopeBehind(directive);
-        if (current == FragmentKind::text && opensHeredoc(directive.value)) {
-            copyHeredoc(i, heredocTerminator(directive.value));
+        current_ = scopeBehind(directive);
+        if (current_ == FragmentKind::text && opensHeredoc(directive.value)) {
+            copyHeredoc(heredocTerminator(directive.value));
         } else {
-            keep(i);
+            keep();
         }
     }
 
-    void copyHeredoc(std::size_t& i, std::string_view terminator) {
-        const BlockEnd end = findHeredocEnd(lines, i, terminator);
+    void copyHeredoc(std::string_view terminator) {
+        const BlockEnd end = findHeredocEnd(lines_, index_, terminator);
         if (!end.isClosed) {
-            throw fault(lines[i], "heredoc is missing terminator '" + std::string(terminator) + "'");
+            throw fault(lines_[index_], "heredoc is missing terminator '" + std::string(terminator) + "'");
         }
-        for (std::size_t body = i + 1; body < end.index; ++body) {
-            lines[body].verbatim = true;
-            if (lines[body].originPath.empty()) {
-                lines[body].originPath = frame.baseFile;
+        for (std::size_t body = index_ + 1; body < end.index; ++body) {
+            lines_[body].verbatim = true;
+            if (lines_[body].originPath.empty()) {
+                lines_[body].originPath = frame_.baseFile;
             }
         }
-        keepThrough(i, end.index);
+        keepThrough(end.index);
     }
 
     /// A block keyword ends the task; a `@plot` or `@derive` block is passed on through its "@end".
-    void copyBlock(std::size_t& i) {
+    void copyBlock() {
         closeTask();
-        if (lines[i].kind() == LineKind::end) {
-            keep(i);
+        if (lines_[index_].kind() == LineKind::end) {
+            keep();
             return;
         }
-        const BlockEnd end = findBlockEnd(lines, i, lines.size());
-        keepThrough(i, end.isClosed ? end.index : end.index - 1);
+        const BlockEnd end = findBlockEnd(lines_, index_, lines_.size());
+        keepThrough(end.isClosed ? end.index : end.index - 1);
     }
 
-    void readInclude(std::size_t& i) {
-        const std::size_t first = i;
-        const SourceLine& line = lines[first];
-        if (!context.run.followsIncludes) {
+    void readInclude() {
+        const SourceLine& line = lines_[index_];
+        if (!context_.run.followsIncludes) {
             throw fault(line, "&INCLUDE lines are not followed here");
         }
-        const auto gathered = gatherParentheses(lines, first);
+        const auto gathered = gatherParentheses(lines_, index_);
         switch (gathered.end) {
         case GatherEnd::unterminated:
             throw fault(line, "unterminated &INCLUDE argument list");
@@ -169,19 +168,20 @@ class IncludePass {
         case GatherEnd::balanced:
             break;
         }
-        i = gathered.last;
         const auto include = parseIncludeLine(gathered.text);
-        if (include.kind == IncludeTarget::fragmentName && include.hasArguments && frame.library == nullptr) {
+        if (include.kind == IncludeTarget::fragmentName && include.hasArguments &&
+            frame_.library == nullptr) {
             throw fault(line, "fragment references outside a library must use namespace.name syntax");
         }
         if (atFileScope()) {
             if (isIndented(line)) {
                 throw DiagnosticError("indented &INCLUDE outside a task has no context");
             }
-            includeAtFileScope(include, line, first);
+            includeAtFileScope(include, line);
         } else {
-            includeInTask(include, line, first);
+            includeInTask(include, line);
         }
+        index_ = gathered.last;
     }
 
     static bool isIndented(const SourceLine& line) noexcept {
@@ -194,21 +194,21 @@ class IncludePass {
 
     [[nodiscard]] bool namesFragment(const IncludeDirective& include) const noexcept {
         return include.kind == IncludeTarget::reference ||
-               (include.kind == IncludeTarget::fragmentName && frame.library != nullptr);
+               (include.kind == IncludeTarget::fragmentName && frame_.library != nullptr);
     }
 
-    void includeAtFileScope(const IncludeDirective& include, const SourceLine& line, std::size_t first) {
+    void includeAtFileScope(const IncludeDirective& include, const SourceLine& line) {
         if (include.kind == IncludeTarget::library) {
             importLibrary(include, line);
-            drop(first);
+            drop();
         } else if (namesFragment(include) || include.kind == IncludeTarget::fragmentFile) {
-            instantiate(include, line, first);
+            instantiate(include, line);
         } else {
-            keep(first); // a task file: the parser reads it when it comes to this line
+            keep(); // a task file: the parser reads it when it comes to this line
         }
     }
 
-    void includeInTask(const IncludeDirective& include, const SourceLine& line, std::size_t first) {
+    void includeInTask(const IncludeDirective& include, const SourceLine& line) {
         if (include.kind == IncludeTarget::library) {
             throw fault(line, include.alias.empty()
                                   ? "a .mqlib must be imported at file scope with 'as <namespace>'"
@@ -217,9 +217,9 @@ class IncludePass {
         if (isAtMargin(line) &&
             (include.kind == IncludeTarget::taskFile || include.kind == IncludeTarget::yamlFile)) {
             closeTask();
-            keep(first);
+            keep();
         } else {
-            instantiate(include, line, first);
+            instantiate(include, line);
         }
     }
 
@@ -227,40 +227,40 @@ class IncludePass {
         if (include.alias.empty()) {
             throw DiagnosticError("a .mqlib must be imported with 'as <namespace>'");
         }
-        if (frame.library != nullptr) {
+        if (frame_.library != nullptr) {
             throw fault(line, "library imports are only allowed at file scope");
         }
-        if (const auto refusal = bindLibrary(include.alias, searchName(include), fileOf(line), context)) {
+        if (const auto refusal = bindLibrary(include.alias, searchName(include), fileOf(line), context_)) {
             throw fault(line, *refusal);
         }
     }
 
     /// Puts a fragment in. At the margin, one of kind document ends the task that it is behind.
-    void instantiate(const IncludeDirective& include, const SourceLine& line, std::size_t first) {
+    void instantiate(const IncludeDirective& include, const SourceLine& line) {
         FragmentDefinition standalone;
         FoundFragment found;
         if (namesFragment(include)) {
             found = findFragment(include.target, line);
         } else {
-            standalone = loadFragmentFile(searchName(include), fileOf(line), current, context);
+            standalone = loadFragmentFile(searchName(include), fileOf(line), current_, context_);
             found.definition = &standalone;
         }
         if (isAtMargin(line) && found.definition->kind == FragmentKind::document) {
             closeTask();
         }
         auto inserted = instantiateFragment(*found.definition, include, placedLine(line), found.library,
-                                            current, context);
+                                            current_, context_);
         if (found.definition->kind == FragmentKind::task_body) {
             inserted.emplace_back("", line.originPath, line.lineNumber);
             inserted.back().directiveBoundary = true;
         }
-        insert(std::move(inserted), first);
+        insert(std::move(inserted));
     }
 
     /// The line with its file, for messages.
     [[nodiscard]] SourceLine placedLine(SourceLine line) const {
         if (line.originPath.empty()) {
-            line.originPath = frame.baseFile;
+            line.originPath = frame_.baseFile;
         }
         return line;
     }
@@ -270,10 +270,10 @@ class IncludePass {
         const auto dot = target.find('.');
         const auto space = dot == std::string_view::npos ? std::string_view("this") : target.substr(0, dot);
         const auto name = dot == std::string_view::npos ? target : target.substr(dot + 1);
-        const FragmentLibrary* library = frame.library;
+        const FragmentLibrary* library = frame_.library;
         std::string shown = "current library";
         if (library == nullptr || (space != "this" && space != "self")) {
-            const auto& known = library ? library->dependencies : context.namespaces;
+            const auto& known = library ? library->dependencies : context_.namespaces;
             const auto bound = known.find(space);
             if (bound == known.end()) {
                 throw fault(line, "unknown fragment library namespace '" + std::string(space) + "'");
@@ -288,13 +288,14 @@ class IncludePass {
         return {&fragment->second, library};
     }
 
-    std::vector<SourceLine> lines;
-    const IncludeFrame& frame;
-    DocumentContext& context;
-    FragmentExpansionScope current; ///< what an include may bring at this line
-    bool inTask = false;            ///< behind a task header; only in document scope
-    bool changed = false;           ///< an include was met: lines go to `result`
-    std::vector<SourceLine> result;
+    std::vector<SourceLine> lines_;
+    std::size_t index_ = 0;
+    const IncludeFrame& frame_;
+    DocumentContext& context_;
+    FragmentExpansionScope current_; ///< what an include may bring at this line
+    bool inTask_ = false;            ///< behind a task header; only in document scope
+    bool changed_ = false;           ///< an include was met: lines go to `result_`
+    std::vector<SourceLine> result_;
 };
 
 } // namespace

@@ -160,8 +160,8 @@ void readYerr(PlotReading& reading, const Statement& statement) {
 }
 
 void readSeries(PlotReading& reading, const Statement& statement) {
-    std::string_view text = statement.rest;
-    const bool hasBody = stripTrailingColon(text);
+    const auto head = stripTrailingColon(statement.rest);
+    const auto text = head.value_or(trim(statement.rest));
     const auto equals = findAtLevelZero(text, '=');
     if (equals == std::string_view::npos) {
         fail(statement, "series requires '<id> = <expression>'");
@@ -172,7 +172,7 @@ void readSeries(PlotReading& reading, const Statement& statement) {
     }
     auto series = parseSeriesStatement(statement.word, text.substr(equals + 1), statement.span);
     series.id = std::move(id);
-    if (hasBody) {
+    if (head) {
         const auto body = takeBody(reading, statement);
         if (body.empty()) {
             fail(statement, "series declaration ending with ':' requires an indented body");

@@ -223,11 +223,11 @@ void readFrom(PlotReading& reading, const Statement& statement) {
 
 void readAxis(PlotReading& reading, const Statement& statement) {
     PlotSpec& plot = reading.plot;
-    std::string_view text = statement.rest;
-    if (!stripTrailingColon(text)) {
+    const auto text = stripTrailingColon(statement.rest);
+    if (!text) {
         fail(statement, "axis declaration must end with ':'");
     }
-    const auto name = unquotePlotText(text);
+    const auto name = unquotePlotText(*text);
     AxisSpec* axis = nullptr;
     if (equalsNoCase(name, "x")) {
         axis = &plot.xAxis;

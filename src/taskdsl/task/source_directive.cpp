@@ -30,18 +30,18 @@ void addCompletedConditions(DirectiveReader& reader, const std::vector<std::stri
     }
 }
 
-/// Takes a last word `guess` off the value; the spelling `gues` is accepted as such.
-void takeGuessWord(DirectiveReader& reader, std::string& value) {
+/// The value without a last word `guess`, which is taken in; the spelling `gues` is accepted as such.
+std::string takeGuessWord(DirectiveReader& reader, std::string value) {
     std::vector<std::string> words = splitTrimmed(value, ' ');
     if (words.empty() || (words.back() != "guess" && words.back() != "gues")) {
-        return;
+        return value;
     }
     words.pop_back();
-    value = join(words, " ");
     reader.task.guessEnabled = true;
     reader.warn(
         "uses deprecated '%source ... guess' syntax; move guess into '%control' as 'guess true' or 'guess "
         "<task>'.");
+    return join(words, " ");
 }
 
 /// Several upstream tasks: an error, or conditions for those who tolerate the old form.
@@ -64,7 +64,7 @@ void readInlineForm(DirectiveReader& reader) {
     }
     task.guessEnabled = false;
     task.guessSourceTask.clear();
-    takeGuessWord(reader, value);
+    value = takeGuessWord(reader, std::move(value));
     auto source = parseInlineSource(value);
     const auto* list = std::get_if<SourceTaskList>(&source);
     if (list != nullptr && splitTrimmed(value, ',').empty()) {

@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 namespace morquill::taskdsl::derive {
 namespace {
 
@@ -60,11 +58,10 @@ TEST(DeriveOutput, EnumerationsHaveTextsAndFallBackToValueZero) {
     EXPECT_EQ(deriveSinkFormatName(static_cast<DeriveSinkFormat>(-1)), "none");
 }
 
-/// A `@derive` block in a text, and what the fence in front of it says.
+/// A `@derive` block in a text.
 struct WrittenBlock {
     CapturedBlock block;
     std::string text; ///< header to end
-    bool canonical = true;
 };
 
 std::vector<WrittenBlock> blocksOf(const std::string& path) {
@@ -72,15 +69,11 @@ std::vector<WrittenBlock> blocksOf(const std::string& path) {
     EXPECT_FALSE(text.empty()) << path;
     std::vector<WrittenBlock> blocks;
     bool inside = false;
-    bool canonical = true;
     std::uint32_t number = 0;
     for (const auto line : splitLines(text)) {
         ++number;
-        if (line.starts_with("```")) {
-            canonical = line != "```mq written";
-        } else if (line.starts_with("@derive ")) {
-            blocks.push_back(
-                {{std::string(line.substr(8)), spanOfLine(path, number, line), {}}, "", canonical});
+        if (line.starts_with("@derive ")) {
+            blocks.push_back({{std::string(line.substr(8)), spanOfLine(path, number, line), {}}, ""});
             inside = true;
         } else if (inside && line != "@end") {
             blocks.back().block.lines.push_back({std::string(line), path, number});
@@ -96,7 +89,7 @@ std::vector<WrittenBlock> blocksOf(const std::string& path) {
 TEST(DeriveOutput, ExamplesAreCanonical) {
     std::size_t blocks = 0;
     for (const auto& name : listDirectoryEntries("examples/derive")) {
-        for (const auto& [block, text, canonical] : blocksOf("examples/derive/" + name)) {
+        for (const auto& [block, text] : blocksOf("examples/derive/" + name)) {
             const auto [print, warnings] = printed(parseDerive(block));
             EXPECT_EQ(print, text) << name;
             EXPECT_EQ(warnings.size(), 0U) << name;
@@ -104,17 +97,6 @@ TEST(DeriveOutput, ExamplesAreCanonical) {
         }
     }
     EXPECT_EQ(blocks, 5U);
-}
-
-TEST(DeriveOutput, BlocksOfTheDocumentAreCanonicalOrShownWithTheirCanonicalForm) {
-    const auto blocks = blocksOf("docs/derive.md");
-    ASSERT_EQ(blocks.size(), 6U);
-    EXPECT_EQ(std::count_if(blocks.begin(), blocks.end(), [](const auto& block) { return block.canonical; }),
-              5);
-    for (std::size_t i = 0; i < blocks.size(); ++i) {
-        const auto& shown = blocks[i].canonical ? blocks[i] : blocks.at(i + 1);
-        EXPECT_EQ(renderDerive(parseDerive(blocks[i].block), ""), shown.text);
-    }
 }
 
 } // namespace

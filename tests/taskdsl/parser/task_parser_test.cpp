@@ -333,7 +333,7 @@ TEST(TaskParser, TellsTheLibrariesThatAFileImports) {
     const auto parsed = parseFile(path);
     EXPECT_EQ(parsed.document.libraryBindings, (ValueMap{{"one", one}, {"two", two}}));
     EXPECT_EQ(parsed.document.tasks[0].keywords, "k");
-    EXPECT_THAT(parsed.document.tasks[0].processCommands, IsEmpty());
+    EXPECT_THAT(*parsed.document.tasks[0].processCommands, IsEmpty());
     EXPECT_EQ(parsed.document.tasks[0].directives->at(0).span.path.str(), one);
 }
 
@@ -419,7 +419,7 @@ TEST(TaskParser, AsksItsCallerForNamesInAngles) {
         return library;
     }});
     const auto document = parser.parseFile(path);
-    EXPECT_THAT(document.tasks[0].processCommands, testing::ElementsAre("rm x"));
+    EXPECT_THAT(*document.tasks[0].processCommands, testing::ElementsAre("rm x"));
     EXPECT_EQ(document.libraryBindings, (ValueMap{{"l", library}}));
     EXPECT_THAT(asked, testing::ElementsAre("l.mqlib"));
     EXPECT_EQ(messageOf([&] { (void)TaskParser().parseFile(path); }),

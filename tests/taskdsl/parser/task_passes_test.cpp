@@ -119,11 +119,11 @@ TEST(ShareTaskNames, NamesAllTasksButProvidersInEveryTask) {
 
 TEST(WarnAboutDeadlocks, NeedsTwoTasksThatWaitForAllOthers) {
     TaskInfo waits("a");
-    waits.whenEntries = {{"defined x", {}}, {"(completed ALLOTHERS) or defined z", {}}};
+    waits.whenEntries.edit() = {{"defined x", {}}, {"(completed ALLOTHERS) or defined z", {}}};
     TaskInfo waitsToo("b");
-    waitsToo.whenEntries = {{"completed allothers and defined y", {}}};
+    waitsToo.whenEntries.edit() = {{"completed allothers and defined y", {}}};
     TaskInfo names("c");
-    names.whenEntries = {{"completed allothers_1", {}}, {"defined allothers", {}}};
+    names.whenEntries.edit() = {{"completed allothers_1", {}}, {"defined allothers", {}}};
     Warnings warnings;
     warnAboutDeadlocks(documentOf({waits, names}), "t.mq", warnings.sink);
     EXPECT_THAT(warnings.texts, IsEmpty());

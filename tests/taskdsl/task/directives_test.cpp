@@ -93,22 +93,22 @@ TEST(ParamAndArgs, JoinValueAndBlock) {
 
 TEST(Commands, AreReadFromTheBlockAlone) {
     const TaskInfo task = firstTask("$a\n%process ignored\n  one # c\n\n  two \\\\\n%preprocess\nthree\n");
-    EXPECT_THAT(task.processCommands, ElementsAre("one", "two \\\\"));
-    EXPECT_THAT(task.preProcessCommands, ElementsAre("three"));
+    EXPECT_THAT(*task.processCommands, ElementsAre("one", "two \\\\"));
+    EXPECT_THAT(*task.preProcessCommands, ElementsAre("three"));
 }
 
 TEST(Commands, AContinuationTakesTheNextFilledLineWhateverItIs) {
     const TaskInfo task = firstTask("$a\n%preprocess\n  a \\\n\n  # c\n  %b\n  c\\\n\\\n d\n");
-    EXPECT_THAT(task.preProcessCommands, ElementsAre("a %b", "c d"));
+    EXPECT_THAT(*task.preProcessCommands, ElementsAre("a %b", "c d"));
 }
 
 TEST(Commands, AnOpenContinuationAtTheEndWarns) {
     const auto parsed = parse("$a\n%process\n  a \\\n\n");
-    EXPECT_THAT(parsed.document.tasks[0].processCommands, ElementsAre("a"));
+    EXPECT_THAT(*parsed.document.tasks[0].processCommands, ElementsAre("a"));
     EXPECT_THAT(parsed.warnings, ElementsAre("task 'a' has a continued %process command without a following "
                                              "non-empty line; using the command parsed so far."));
     const auto empty = parse("$a\n%preprocess\n \\\n");
-    EXPECT_THAT(empty.document.tasks[0].preProcessCommands, IsEmpty());
+    EXPECT_THAT(*empty.document.tasks[0].preProcessCommands, IsEmpty());
     EXPECT_THAT(empty.warnings,
                 ElementsAre("task 'a' has a continued %preprocess command without a following "
                             "non-empty line; using the command parsed so far."));
@@ -158,7 +158,7 @@ TEST(When, KeepsTextsAndPlaces) {
 
 TEST(Mod, KeepsEntriesAndTheLastValuePerKey) {
     const TaskInfo task = firstTask("$a\n%mod charge 1\n  charge 2\n  geom select 1-3 5\n  spin add 1 2\n");
-    EXPECT_THAT(task.modEntries, ElementsAre(ModEntry{"charge", "1"}, ModEntry{"charge", "2"},
+    EXPECT_THAT(*task.modEntries, ElementsAre(ModEntry{"charge", "1"}, ModEntry{"charge", "2"},
                                              ModEntry{"geom:select", "1-3 5"}, ModEntry{"spin:add", "1"}));
     EXPECT_EQ(modValues(task).at("charge"), "2");
 }

@@ -87,7 +87,7 @@ TEST(SourceDirective, AGuessWordIsOnlyTheLastOne) {
 
 TEST(SourceDirective, FurtherTasksAreConditionsForThoseWhoTolerateThem) {
     TaskInfo before("a");
-    before.whenEntries = {{"completed c", {}}};
+    before.whenEntries.edit() = {{"completed c", {}}};
     const auto outcome = read("b, c,d", "", true, before);
     EXPECT_EQ(sourceText(outcome.task), "b");
     EXPECT_THAT(sourceTasks(outcome.task), ElementsAre("b", "c", "d"));

@@ -81,7 +81,7 @@ TEST(TaskInfo, AnExternalSourceNeedsItsFlag) {
 TEST(TaskInfo, ConditionsAreTheTextsOfTheirEntries) {
     TaskInfo task("a");
     EXPECT_TRUE(whenConditions(task).empty());
-    task.whenEntries = {{"completed b", {"t.mq", 2, 1, 2, 18}}, {"defined x", {}}};
+    task.whenEntries.edit() = {{"completed b", {"t.mq", 2, 1, 2, 18}}, {"defined x", {}}};
     EXPECT_EQ(whenConditions(task), (std::vector<std::string>{"completed b", "defined x"}));
 }
 
@@ -117,18 +117,18 @@ TEST(TaskDump, EveryFieldInItsOrder) {
     task.paramValues = "pv";
     task.runner = "r";
     task.body = "b";
-    task.preProcessCommands = {"p1", "p2"};
-    task.processCommands = {"c1"};
-    task.modEntries = {{"charge", "1"}, {"spin", "2"}};
+    task.preProcessCommands.edit() = {"p1", "p2"};
+    task.processCommands.edit() = {"c1"};
+    task.modEntries.edit() = {{"charge", "1"}, {"spin", "2"}};
     task.smiles = "CCO";
     task.filePath = "x.mq";
     task.templateTaskName = "tt";
     task.matrixVariantKey = "a_1";
     task.matrixValues = ValueMap{{"a", "1"}};
     task.strucId = "s";
-    task.metaProperties = {"m"};
+    task.metaProperties.edit() = {"m"};
     task.orcaBlock = "%scf end";
-    task.whenEntries = {{"completed t", {}}};
+    task.whenEntries.edit() = {{"completed t", {}}};
     EXPECT_EQ(describeTask(task), "TaskInfo: v\n"
                                   "Program: orca\n"
                                   "Quoted: true\n"
@@ -169,7 +169,7 @@ TEST(TaskDump, EveryFieldInItsOrder) {
                                   "OrcaBlock: [omitted]\n"
                                   "WhenConditions:\n"
                                   "  - completed t\n");
-    task.modEntries.clear();
+    task.modEntries.reset();
     task.interfaceMode = TaskInterfaceMode::provider;
     const std::string provider = describeTask(task);
     EXPECT_EQ(provider.find("ModValues:"), std::string::npos);

@@ -47,12 +47,13 @@ TEST(TaskDump, EmptyTextsAndListsLeaveNoLine) {
 
 TEST(TaskDump, APlotIsShownByItsTitleOrElseItsId) {
     TaskInfo task("a");
-    task.plots.resize(2);
-    task.plots[0].kind = plot::PlotKind::bar;
-    task.plots[0].title = "Charges";
-    task.plots[0].id = "a:q";
-    task.plots[1].kind = plot::PlotKind::curve;
-    task.plots[1].id = "a:scan";
+    auto& plots = task.plots.edit();
+    plots.resize(2);
+    plots[0].kind = plot::PlotKind::bar;
+    plots[0].title = "Charges";
+    plots[0].id = "a:q";
+    plots[1].kind = plot::PlotKind::curve;
+    plots[1].id = "a:scan";
     EXPECT_THAT(describeTask(task), HasSubstr("Plots:\n  - bar Charges\n  - curve a:scan\n"));
 }
 
