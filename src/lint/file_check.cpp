@@ -122,14 +122,15 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
 
 /// Checks a file whose text is known, or, without one, tells why it cannot be read.
 LintFileReport lintSource(const std::optional<std::string_view>& text, const std::string& path,
-                          const taskdsl::WarningSink& warnings) {
+                          const taskdsl::WarningSink& warnings, const taskdsl::FileTest& isFile) {
     LintFileReport report{path, {}, false};
     try {
         LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
         // Only a file that says so is read with the tolerance of its time.
         const taskdsl::TaskParser parser({.legacyMultiSource = file.version == "1",
                                           .findLibraryFile = console::findLibraryFile,
-                                          .warnings = warnings});
+                                          .warnings = warnings,
+                                          .isFile = isFile});
         const TaskDocument document = text ? parser.parseText(*text, path) : parser.parseFile(path);
         report.parsed = true;
         checkDocument(document, file, report);
@@ -146,11 +147,12 @@ LintFileReport lintSource(const std::optional<std::string_view>& text, const std
 
 LintFileReport lintText(std::string_view text, const std::string& path,
                         const taskdsl::WarningSink& warnings) {
-    return lintSource(text, path, warnings);
+    return lintSource(text, path, warnings, {});
 }
 
-LintFileReport lintFile(const std::string& path, const taskdsl::WarningSink& warnings) {
-    return lintSource(readTextFile(path), path, warnings);
+LintFileReport lintFile(const std::string& path, const taskdsl::WarningSink& warnings,
+                        const taskdsl::FileTest& isFile) {
+    return lintSource(readTextFile(path), path, warnings, isFile);
 }
 
 } // namespace morquill::lint

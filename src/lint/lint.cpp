@@ -8,10 +8,12 @@
 #include "lint/discovery.h"
 #include "lint/file_check.h"
 #include "lint/report.h"
+#include "support/file.h"
 #include "support/text.h"
 
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace morquill::lint {
@@ -107,10 +109,16 @@ int lintFiles(const LintOptions& options) {
     if (!options.dropsWarnings) {
         warnings = console::logWarning;
     }
+    // Every file of a directory asks for the same extra files.
+    std::unordered_map<std::string, bool> known;
+    const taskdsl::FileTest isFile = [&known](const std::string& path) {
+        const auto [entry, isNew] = known.try_emplace(path, false);
+        return isNew ? entry->second = isRegularFile(path) : entry->second;
+    };
     std::vector<LintFileReport> reports;
     reports.reserve(files.size());
     for (const auto& file : files) {
-        reports.push_back(lintFile(file, warnings));
+        reports.push_back(lintFile(file, warnings, isFile));
     }
     const LintSummary summary = summariseLint(reports, options.strict);
     writeOut(options.format == "json" ? renderLintJson(reports, summary)

@@ -109,11 +109,23 @@ struct LintRule {
 /// Tries every rule that looks at such a subject; `found(rule, finding)` is called for those that are broken.
 template <class Subject, class Found>
 void applyRules(const Subject& subject, const Found& found) {
-    for (const LintRule& rule : lintRules()) {
-        if (const auto* check = std::get_if<LintCheck<Subject>>(&rule.check)) {
-            if (auto finding = (*check)(subject)) {
-                found(rule, *std::move(finding));
+    struct Check {
+        const LintRule* rule;
+        LintCheck<Subject> test;
+    };
+    // Picked out once: lines are asked by the million.
+    static const std::vector<Check> checks = [] {
+        std::vector<Check> own;
+        for (const LintRule& rule : lintRules()) {
+            if (const auto* test = std::get_if<LintCheck<Subject>>(&rule.check)) {
+                own.push_back({&rule, *test});
             }
+        }
+        return own;
+    }();
+    for (const Check& check : checks) {
+        if (auto finding = check.test(subject)) {
+            found(*check.rule, *std::move(finding));
         }
     }
 }

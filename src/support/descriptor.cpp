@@ -100,16 +100,19 @@ std::optional<std::string> readToEnd(int fd, std::size_t expectedSize) {
     // One byte more than the size, so that the end of file is seen without a second growth.
     content.resize(expectedSize > 0 ? expectedSize + 1 : smallest);
     for (std::size_t used = 0;;) {
-        const ssize_t got = readFull(fd, content.data() + used, content.size() - used);
+        const ssize_t got = readSome(fd, content.data() + used, content.size() - used);
         if (got < 0) {
             return std::nullopt;
         }
         used += static_cast<std::size_t>(got);
-        if (used < content.size()) {
+        // A file that ends where it was said to end is not asked again.
+        if (got == 0 || (used == expectedSize && used < content.size())) {
             content.resize(used);
             return content;
         }
-        content.resize(content.size() * 2);
+        if (used == content.size()) {
+            content.resize(content.size() * 2);
+        }
     }
 }
 

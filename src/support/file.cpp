@@ -24,6 +24,9 @@ bool exceedsMemory(off_t size) noexcept {
     return pages > 0 && pageSize > 0 && size / pageSize >= pages;
 }
 
+/// Bytes below which nobody asks how much memory there is.
+constexpr off_t largeFile = off_t{1} << 26;
+
 } // namespace
 
 std::optional<std::string> readTextFile(const std::string& path) try {
@@ -31,7 +34,7 @@ std::optional<std::string> readTextFile(const std::string& path) try {
     const Descriptor file = openFile(path, O_RDONLY | O_NONBLOCK);
     struct stat info {};
     if (!file.isOpen() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode) ||
-        exceedsMemory(info.st_size)) {
+        (info.st_size > largeFile && exceedsMemory(info.st_size))) {
         return std::nullopt;
     }
     return readToEnd(file.get(), static_cast<std::size_t>(info.st_size));

@@ -38,6 +38,12 @@ class LineBuilder {
         (text_.append(std::string_view(pieces)), ...);
         return *this;
     }
+    /// Adds what `write` appends to the text that it is given.
+    template <class Write>
+    LineBuilder& addWith(const Write& write) {
+        write(text_);
+        return *this;
+    }
     /// Ends the line that is open.
     LineBuilder& close() {
         text_ += '\n';

@@ -82,13 +82,9 @@ class TextSlice {
     TextSlice(const std::string& text) : TextSlice(SharedText(text)) {} // NOLINT(google-explicit-constructor)
     TextSlice(const char* text) : TextSlice(SharedText(text)) {}        // NOLINT(google-explicit-constructor)
 
-    /// The part of this slice that `part`, a view into it, shows.
-    [[nodiscard]] TextSlice slice(std::string_view part) const {
-        TextSlice result;
-        result.owner_ = owner_;
-        result.view_ = part;
-        return result;
-    }
+    /// The part of `whole` that `part`, a view into it, shows.
+    TextSlice(const TextSlice& whole, std::string_view part) noexcept : owner_(whole.owner_), view_(part) {}
+    [[nodiscard]] TextSlice slice(std::string_view part) const noexcept { return {*this, part}; }
 
     [[nodiscard]] std::string_view view() const noexcept { return view_; }
     operator std::string_view() const noexcept { return view_; } // NOLINT(google-explicit-constructor)

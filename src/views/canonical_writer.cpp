@@ -1,5 +1,6 @@
 #include "views/canonical_writer.h"
 
+#include "support/byte_set.h"
 #include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
@@ -26,11 +27,14 @@ using taskdsl::TaskProgram;
 
 namespace {
 
+constexpr ByteSet lineEnds(std::string_view("\n\r"));
+
 // The forms of a directive: directives are indented by two blanks, lines of a block directive by four.
 
 /// `  %<directive> <value>` with the value through the scalar rule.
 void addScalar(LineBuilder& text, std::string_view directive, std::string_view value) {
-    text.line("  %", directive, " ", taskdsl::quoteUnquotedScalar(value));
+    text.open("  %", directive, " ");
+    text.addWith([value](std::string& out) { taskdsl::appendUnquotedScalar(out, value); }).close();
 }
 
 void addFilledScalar(LineBuilder& text, std::string_view directive, std::string_view value) {
@@ -225,7 +229,7 @@ void writeControl(LineBuilder& text, const TaskInfo& task) {
 void writeKeywords(LineBuilder& text, const TaskInfo& task) {
     if (task.keywords.view().starts_with("<<")) {
         text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords)); // bare, it would open a heredoc
-    } else if (task.keywords.view().find_first_of("\n\r") == std::string::npos) {
+    } else if (!lineEnds.meets(task.keywords)) {
         addFilledScalar(text, "keywords", task.keywords);
     } else {
         addHeredoc(text, "keywords", task.keywords);

@@ -1,5 +1,6 @@
 #include "views/read_back.h"
 
+#include "support/byte_set.h"
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/line_kind.h"
@@ -44,17 +45,20 @@ std::string inQuotes(std::string_view text) {
 
 /// A word that every reader of this language takes as it stands: no white space, quote, `#` or backslash.
 bool isPlainWord(std::string_view text) noexcept {
-    return !text.empty() && std::none_of(text.begin(), text.end(), [](char c) {
+    constexpr static ByteSet unusual([](char c) {
         return (c >= '\0' && c <= ' ') || c == '"' || c == '\'' || c == '#' || c == '\\';
     });
+    return !text.empty() && !unusual.meets(text);
 }
+
+constexpr ByteSet lineEnds(std::string_view("\n\r"));
 
 /// A line of a block that neither ends the block nor loses anything to trimming or a comment.
 bool isPlainLine(std::string_view text) noexcept {
     constexpr std::string_view marks = "%$&@";
+    constexpr static ByteSet endsOrComments(std::string_view("#\n"));
     return !text.empty() && !isTrimmed(text.front()) && !isTrimmed(text.back()) &&
-           marks.find(text.front()) == std::string_view::npos &&
-           text.find_first_of("#\n") == std::string_view::npos;
+           marks.find(text.front()) == std::string_view::npos && !endsOrComments.meets(text);
 }
 
 bool isPlainCommand(std::string_view text) noexcept {
@@ -140,7 +144,7 @@ bool hasPlainKeywords(const TaskInfo& task) noexcept {
     // A pair of quotes around the whole value would be taken off once more.
     const bool isUnquoted =
         text.front() != '"' && text.front() != '\'' && !isTrimmed(text.front()) && !isTrimmed(text.back());
-    return isUnquoted && (text.find_first_of("\n\r") == std::string::npos || isPlainHeredoc(text));
+    return isUnquoted && (!lineEnds.meets(text) || isPlainHeredoc(text));
 }
 
 bool hasPlainPayload(const TaskInfo& task) {
@@ -284,7 +288,7 @@ std::string heredocOf(const TaskInfo& task, const LongText& row) {
     const SharedText text =
         row.payload == Payload::extraInput ? taskdsl::resolvedExtraInput(task) : task.*row.text;
     const bool isHeredoc =
-        row.payload != Payload::keywords || text.view().find_first_of("\n\r") != std::string_view::npos;
+        row.payload != Payload::keywords || lineEnds.meets(text);
     return isHeredoc ? text.str() : std::string();
 }
 

@@ -26,7 +26,7 @@ std::vector<SourceLine> makeSourceLines(const TextSlice& text, const SharedText&
     std::vector<SourceLine> lines;
     reserveLarge(lines, countLines(text));
     forEachLine(text.view(), [&](std::string_view line) {
-        lines.emplace_back(text.slice(line), path, static_cast<std::uint32_t>(lines.size() + 1));
+        lines.emplace_back(text, line, path, static_cast<std::uint32_t>(lines.size() + 1));
     });
     return lines;
 }

@@ -21,6 +21,11 @@ class SourceLine {
         : originPath(std::move(path)), lineNumber(number), text_(std::move(text)) {
         classify();
     }
+    /// The line that `part`, a view into `whole`, shows.
+    SourceLine(const TextSlice& whole, std::string_view part, const SharedText& path, std::uint32_t number)
+        : originPath(path), lineNumber(number), text_(whole, part) {
+        classify();
+    }
 
     SharedText originPath;          ///< file it came from; empty means the file being parsed
     std::uint32_t lineNumber = 0;   ///< in its own file, from 1

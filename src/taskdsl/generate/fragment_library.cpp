@@ -109,7 +109,7 @@ std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, cons
     if (!isRegularFile(path)) {
         throw DiagnosticError("fragment library not found: " + path);
     }
-    const auto entry = enterFile(context.run.libraryChain, path);
+    const IncludeChain::Entry entry(context.run.libraryChain, path);
     context.includedFiles.add(path);
     auto& library = context.run.libraries[normalisedPath(path)];
     if (!library) {

@@ -9,28 +9,41 @@
 namespace morquill::taskdsl {
 
 IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& key, std::string shown) : chain(owner) {
-    if (chain.keys.count(key) != 0) {
-        std::string message(chain.label);
+    chain.enter(key, std::move(shown));
+}
+
+IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& path) : chain(owner) {
+    if (chain.elements.empty()) {
+        chain.elements.push_back({std::nullopt, path});
+    } else {
+        chain.enter(normalisedPath(path), path);
+    }
+}
+
+IncludeChain::Entry::~Entry() {
+    if (const auto& key = chain.elements.back().key) {
+        chain.keys.erase(*key);
+    }
+    chain.elements.pop_back();
+}
+
+void IncludeChain::enter(const std::string& key, std::string shown) {
+    if (!elements.empty() && !elements.front().key) {
+        elements.front().key = keys.insert(normalisedPath(elements.front().shown)).first;
+    }
+    if (keys.count(key) != 0) {
+        std::string message(label);
         message += " cycle detected: ";
-        for (const auto& element : chain.elements) {
+        for (const auto& element : elements) {
             message += element.shown + " -> ";
         }
         throw DiagnosticError(message + shown);
     }
-    if (chain.elements.size() == limits::includeDepth) {
-        throw DiagnosticError(std::string(chain.label) + " is nested more than " +
+    if (elements.size() == limits::includeDepth) {
+        throw DiagnosticError(std::string(label) + " is nested more than " +
                               std::to_string(limits::includeDepth) + " deep: " + shown);
     }
-    chain.elements.push_back({chain.keys.insert(key).first, std::move(shown)});
-}
-
-IncludeChain::Entry::~Entry() {
-    chain.keys.erase(chain.elements.back().key);
-    chain.elements.pop_back();
-}
-
-IncludeChain::Entry enterFile(IncludeChain& chain, const std::string& path) {
-    return {chain, normalisedPath(path), path};
+    elements.push_back({keys.insert(key).first, std::move(shown)});
 }
 
 } // namespace morquill::taskdsl

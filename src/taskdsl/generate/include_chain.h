@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -20,6 +21,9 @@ class IncludeChain {
         /// whole chain when the element is on it already, or when the chain grows beyond
         /// `limits::includeDepth`.
         Entry(IncludeChain& chain, const std::string& key, std::string shown);
+        /// Enters a file: told apart by its canonical path, which is not asked for before there is a second
+        /// element, shown by the path as resolved. Throws as the other.
+        Entry(IncludeChain& chain, const std::string& path);
         Entry(const Entry&) = delete;
         Entry& operator=(const Entry&) = delete;
         ~Entry();
@@ -29,16 +33,16 @@ class IncludeChain {
     };
 
   private:
+    /// The first file, whose key is not known yet, has none among the keys.
     struct Element {
-        std::set<std::string>::iterator key;
+        std::optional<std::set<std::string>::iterator> key;
         std::string shown;
     };
+    void enter(const std::string& key, std::string shown);
+
     std::string_view label;
     std::vector<Element> elements;
     std::set<std::string> keys;
 };
-
-/// Enters a file for the time of a scope: told apart by its canonical path, shown by the path as resolved.
-[[nodiscard]] IncludeChain::Entry enterFile(IncludeChain& chain, const std::string& path);
 
 } // namespace morquill::taskdsl

@@ -1,21 +1,34 @@
 #include "taskdsl/generate/parse_context.h"
 
+#include "support/file.h"
+#include "support/paths.h"
+
 #include <utility>
 
 namespace morquill::taskdsl {
 
 namespace {
 
-ParserOptions withSink(ParserOptions options) {
+ParserOptions completed(ParserOptions options) {
     if (!options.warnings) {
         options.warnings = [](const std::string&) {};
+    }
+    if (!options.isFile) {
+        options.isFile = isRegularFile;
     }
     return options;
 }
 
 } // namespace
 
-ParseContext::ParseContext(ParserOptions parserOptions) : options(withSink(std::move(parserOptions))) {}
+bool EnteredFiles::contains(const std::string& path) {
+    for (const auto& file : std::exchange(fresh_, {})) {
+        canonical_.insert(normalisedPath(file));
+    }
+    return canonical_.contains(normalisedPath(path));
+}
+
+ParseContext::ParseContext(ParserOptions parserOptions) : options(completed(std::move(parserOptions))) {}
 
 void ParseContext::countInclude() {
     if (++includeCount > limits::includes) {

@@ -19,6 +19,17 @@
 
 namespace morquill::taskdsl {
 
+/// Files, told apart by their canonical paths. Those are worked out when somebody asks: few runs do.
+class EnteredFiles {
+  public:
+    void add(const std::string& path) { fresh_.push_back(path); }
+    [[nodiscard]] bool contains(const std::string& path);
+
+  private:
+    std::vector<std::string> fresh_;
+    std::set<std::string> canonical_;
+};
+
 /// The state of one run of the parser: it lives from the first line of the main file to the last one, through
 /// all files that are included.
 struct ParseContext {
@@ -32,8 +43,8 @@ struct ParseContext {
     IncludeChain fragmentChain{"fragment include"};
     /// Loaded libraries by canonical path.
     std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> libraries;
-    /// Canonical paths of the task files entered so far: an "extra.mq" among them is not looked into again.
-    std::set<std::string> taskFiles;
+    /// The task files entered so far: an "extra.mq" among them is not looked into again.
+    EnteredFiles taskFiles;
     GrowthBudget growth;
     bool followsIncludes = true; ///< false: an include line is a fault, no other file is read
     std::size_t includeCount = 0;

@@ -3,13 +3,20 @@
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/generate/include_path.h"
 
+#include <functional>
+#include <string>
+
 namespace morquill::taskdsl {
+
+/// Answers whether a path leads to a regular file.
+using FileTest = std::function<bool(const std::string&)>;
 
 /// What whoever runs the parser decides. The language itself reads neither the environment nor a log.
 struct ParserOptions {
     bool legacyMultiSource = false;      ///< `%source a,b` is read
     LibraryFileFinder findLibraryFile{}; ///< without one, `<name>` is looked for beside the including file
     WarningSink warnings{};              ///< hears of doubtful forms; without one nobody does
+    FileTest isFile{};                   ///< whether an extra file is there; without one the disk is asked
 };
 
 } // namespace morquill::taskdsl

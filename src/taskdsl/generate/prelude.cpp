@@ -206,7 +206,7 @@ PreludeResult parseYamlInclude(const std::string& target, const std::string& bas
         context.run.options.warnings("Warning: Empty path in &INCLUDE directive.");
         return {};
     }
-    const auto entry = enterFile(context.run.yamlChain, path);
+    const IncludeChain::Entry entry(context.run.yamlChain, path);
     if (!isRegularFile(path)) {
         context.run.options.warnings("Warning: Included YAML file not found: " + path);
         return {};

@@ -26,7 +26,7 @@ void parseTaskInclude(const std::string& target, const std::string& base, TaskDo
         context.run.options.warnings("Warning: Empty path in &INCLUDE directive.");
         return;
     }
-    const auto entry = enterFile(context.run.taskChain, path);
+    const IncludeChain::Entry entry(context.run.taskChain, path);
     if (!isRegularFile(path)) {
         context.run.options.warnings("Warning: Included task file not found: " + path);
         return;

@@ -74,7 +74,7 @@ void expandTasks(TaskDocument& document) {
 /// Reads the "extra.yaml" beside the file, when there is one, into a document that holds the caller's defines
 /// and nothing else yet. Returns its collections.
 Collections readExtraYaml(TaskDocument& document, const std::string& path, DocumentContext& context) {
-    if (!isRegularFile(context.run.resolveIncludePath("extra.yaml", path))) {
+    if (!context.run.options.isFile(context.run.resolveIncludePath("extra.yaml", path))) {
         return {};
     }
     auto extra = parseYamlInclude("extra.yaml", path, context);
@@ -154,11 +154,11 @@ TaskDocument readDocument(const TextSlice& text, const std::string& path, const 
     }
     ParseContext& run = context.run;
     if (!path.empty()) {
-        run.taskFiles.insert(normalisedPath(absolutePath(path)));
+        run.taskFiles.add(path);
     }
     if (hasDirectory) {
         const auto extra = run.resolveIncludePath("extra.mq", path);
-        if (isRegularFile(extra) && run.taskFiles.count(normalisedPath(extra)) == 0) {
+        if (run.options.isFile(extra) && !run.taskFiles.contains(extra)) {
             includeTasks("extra.mq", path);
             noteExtraTasks(document, context);
         }
@@ -213,8 +213,7 @@ TaskDocument TaskParser::parse(const TextSlice& text, const std::string& path,
     ParseContext run(options_);
     std::optional<IncludeChain::Entry> entry;
     if (!path.empty()) {
-        const auto absolute = absolutePath(path);
-        entry.emplace(run.taskChain, normalisedPath(absolute), absolute);
+        entry.emplace(run.taskChain, absolutePath(path));
     }
     DocumentContext context(run);
     TaskDocument document = readDocument(text.slice(skipByteOrderMark(text)), path, defines, context);

@@ -46,9 +46,13 @@ bool isOneOf(std::string_view text, std::initializer_list<std::string_view> word
 }
 
 /// The second of the fields that single blanks separate: two blanks in a row make it empty.
-std::optional<std::string> secondField(std::string_view text) {
-    const auto fields = splitOn(text, ' ');
-    return fields.size() > 1 ? std::optional(fields[1]) : std::nullopt;
+std::optional<std::string_view> secondField(std::string_view text) noexcept {
+    const auto blank = text.find(' ');
+    if (blank == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto rest = text.substr(blank + 1);
+    return rest.substr(0, rest.find(' '));
 }
 
 void warnLegacyName(const ControlLine& line, std::string_view modern) {
@@ -203,7 +207,7 @@ bool readLocalFirst(const ControlLine& line) {
 
 bool readVerbosity(const ControlLine& line) {
     const auto field = secondField(line.text).value_or("");
-    line.task.verbosity = field == "p" || field == "t" ? field : "";
+    line.task.verbosity = field == "p" || field == "t" ? field : std::string_view();
     return true;
 }
 

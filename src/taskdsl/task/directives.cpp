@@ -238,6 +238,10 @@ void readWhen(DirectiveReader& reader) {
     }
     TaskInfo& task = reader.task;
     placeImpliedConditions(task, written);
+    if (task.whenEntries.empty()) {
+        task.whenEntries = std::move(written);
+        return;
+    }
     auto& all = task.whenEntries.edit();
     std::move(written.begin(), written.end(), std::back_inserter(all));
 }

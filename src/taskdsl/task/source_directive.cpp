@@ -6,6 +6,7 @@
 
 #include "support/text.h"
 
+#include <algorithm>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -32,6 +33,9 @@ void addCompletedConditions(DirectiveReader& reader, const std::vector<std::stri
 
 /// The value without a last word `guess`, which is taken in; the spelling `gues` is accepted as such.
 std::string takeGuessWord(DirectiveReader& reader, std::string value) {
+    if (!trim(value).ends_with("guess") && !trim(value).ends_with("gues")) {
+        return value;
+    }
     std::vector<std::string> words = splitTrimmed(value, ' ');
     if (words.empty() || (words.back() != "guess" && words.back() != "gues")) {
         return value;
@@ -42,6 +46,11 @@ std::string takeGuessWord(DirectiveReader& reader, std::string value) {
         "uses deprecated '%source ... guess' syntax; move guess into '%control' as 'guess true' or 'guess "
         "<task>'.");
     return join(words, " ");
+}
+
+/// True for commas alone.
+bool namesNothing(std::string_view value) noexcept {
+    return std::all_of(value.begin(), value.end(), [](char c) { return c == ',' || isTrimmed(c); });
 }
 
 /// Several upstream tasks: an error, or conditions for those who tolerate the old form.
@@ -67,7 +76,7 @@ void readInlineForm(DirectiveReader& reader) {
     value = takeGuessWord(reader, std::move(value));
     auto source = parseInlineSource(value);
     const auto* list = std::get_if<SourceTaskList>(&source);
-    if (list != nullptr && splitTrimmed(value, ',').empty()) {
+    if (list != nullptr && namesNothing(value)) {
         source = SourceNone{}; // commas alone name nothing
     } else if (list != nullptr && list->names.size() > 1) {
         takeFurtherTasks(reader, list->names);

@@ -1,8 +1,12 @@
 #include "taskdsl/generate/parse_context.h"
 
 #include "fixtures/faults.h"
+#include "fixtures/temporary_directory.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
 
 namespace morquill::taskdsl {
 namespace {
@@ -33,6 +37,30 @@ TEST(ParseContext, AsksTheCallerForNamesInAngles) {
     const ParseContext context({.findLibraryFile = [](const std::string& name) { return "/lib/" + name; }});
     EXPECT_EQ(context.resolveIncludePath("<x.mqlib>", "/a/b.mq"), "/lib/x.mqlib");
     EXPECT_EQ(context.resolveIncludePath("x.mqlib", "/a/b.mq"), "/a/x.mqlib");
+}
+
+TEST(ParseContext, WithoutATestOfItsOwnTheDiskIsAsked) {
+    const TemporaryDirectory dir;
+    const auto file = dir.write("a.mq", "");
+    const ParseContext disk({});
+    EXPECT_TRUE(disk.options.isFile(file));
+    EXPECT_FALSE(disk.options.isFile(dir.path("b.mq")));
+    const ParseContext own({.isFile = [](const std::string& path) { return path == "b.mq"; }});
+    EXPECT_TRUE(own.options.isFile("b.mq"));
+}
+
+TEST(EnteredFiles, AreToldApartByWhatTheyAre) {
+    const TemporaryDirectory dir;
+    const auto file = dir.write("a.mq", "");
+    std::filesystem::create_symlink("a.mq", dir.path("link.mq"));
+    EnteredFiles files;
+    EXPECT_FALSE(files.contains(file));
+    files.add(dir.path("./link.mq"));
+    EXPECT_TRUE(files.contains(file));
+    files.add(dir.path("none.mq"));
+    EXPECT_TRUE(files.contains(dir.path("none.mq")));
+    EXPECT_TRUE(files.contains(dir.path("link.mq")));
+    EXPECT_FALSE(files.contains(dir.path("b.mq")));
 }
 
 TEST(LibraryBindings, NameThePathOfEveryAlias) {
