@@ -1,5 +1,5 @@
 // Asks the program how it reads a file.
-import { spawnSync } from 'node:child_process';
+import { execFile, spawnSync } from 'node:child_process';
 import { cpSync, mkdtempSync, readdirSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
@@ -31,32 +31,41 @@ export const exampleFiles = readdirSync(join(top, 'examples'), { recursive: true
 
 export const exampleText = (path) => readFileSync(join(top, 'examples', path), 'utf8');
 
-/// A copy of the examples in which files may be changed.
-export function exampleTree() {
-  const tree = join(scratch(), 'examples');
-  cpSync(join(top, 'examples'), tree, { recursive: true });
-  /// What the program makes of the examples that `path` has a part in.
-  const reading = (path) => {
-    const isLibrary = path.endsWith('.mqlib') || path.endsWith('.mqfrag');
-    const whole = isLibrary ? ['fragments/barrier.mq', 'fragments/functionals.mq'] : [path];
-    const words = isLibrary ? [['expand', '--expanded']] : [['fmt'], ['explain', '--format', 'json']];
-    return whole.flatMap((file) => words.map((command) => {
-      const { status, stdout } = run([...command, join(tree, file)]);
-      return `${status}\n${stdout.replace(/"(block_)?span": "[^"]*"/g, '')}`;
-    })).join('\n');
-  };
-  return {
-    original: reading,
-    /// The same with other text in `path`.
-    changed(path, text) {
+/// What the program makes of the examples of `tree` that `path` has a part in, without the places in it.
+async function reading(tree, path) {
+  const isLibrary = path.endsWith('.mqlib') || path.endsWith('.mqfrag');
+  const whole = isLibrary ? ['fragments/barrier.mq', 'fragments/functionals.mq'] : [path];
+  const commands = isLibrary ? [['expand', '--expanded']] : [['fmt'], ['explain', '--format', 'json']];
+  const parts = [];
+  for (const words of whole.flatMap((file) => commands.map((command) => [...command, join(tree, file)]))) {
+    parts.push(await new Promise((resolve) => {
+      execFile(mqkit, words, { encoding: 'utf8', maxBuffer: 1 << 26 }, (error, stdout) =>
+        resolve(`${error ? error.code : 0}\n${stdout.replace(/"(block_)?span": "[^"]*"/g, '')}`));
+    }));
+  }
+  return parts.join('\n');
+}
+
+/// For each { path, text }, whether the program reads the example `path` with that text as it reads the original.
+export async function unchanged(trials) {
+  const trees = [0, 1].map(() => join(scratch(), 'examples'));
+  trees.forEach((tree) => cpSync(join(top, 'examples'), tree, { recursive: true }));
+  const originals = new Map();
+  for (const path of new Set(trials.map((trial) => trial.path))) {
+    originals.set(path, await reading(trees[0], path));
+  }
+  const answers = [];
+  let next = 0;
+  await Promise.all(trees.map(async (tree) => {
+    while (next < trials.length) {
+      const number = next++;
+      const { path, text } = trials[number];
       writeFileSync(join(tree, path), text);
-      try {
-        return reading(path);
-      } finally {
-        writeFileSync(join(tree, path), exampleText(path));
-      }
-    },
-  };
+      answers[number] = (await reading(tree, path)).replaceAll(tree, trees[0]) === originals.get(path);
+      writeFileSync(join(tree, path), exampleText(path));
+    }
+  }));
+  return answers;
 }
 
 /// Lines of quotes, backslashes and comment marks, always the same ones.

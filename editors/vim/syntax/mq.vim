@@ -27,10 +27,10 @@ let s:both = '^' . s:double . '\@=' . s:single . '\@=\%(' . s:doubleString . '\|
 let s:onlyDouble = '^' . s:double . '\@=' . s:single . '\@!\%(' . s:doubleString . '\|[^"]\)*'
 let s:onlySingle = '^' . s:double . '\@!' . s:single . '\@=\%(' . s:singleString . '\|[^'']\)*'
 let s:neither = '^' . s:double . '\@!' . s:single . '\@!.*'
-let s:open = '\%(' . join([s:both, s:onlyDouble, s:onlySingle, s:neither], '\|') . '\)\@<='
-let s:openDouble = '\%(' . s:both . '\|' . s:onlyDouble . '\)\@<='
-let s:openSingle = '\%(' . s:both . '\|' . s:onlySingle . '\)\@<='
-let s:mark = '\%(\%(^\|\s\)\@<=#\)\@=' . s:open . '#.*$'
+" What is looked for comes first and the look back behind it: that is quick.
+let s:mark = '\%(^#\|\s\@1<=#\%(\%(' . join([s:both, s:onlyDouble, s:onlySingle, s:neither], '\|') . '\)#\)\@<=\).*$'
+let s:openDouble = '"\%(\%(' . s:both . '\|' . s:onlyDouble . '\)"\)\@<='
+let s:openSingle = '''\%(\%(' . s:both . '\|' . s:onlySingle . '\)''\)\@<='
 
 " What ends a word of structure, and the lines that end a block.
 let s:behind = '\%( \|\s*$\|\s\+#\)\@='
@@ -43,14 +43,14 @@ let s:fragment = '\s*&FRAGMENT' . s:behind
 let s:taskFile = '&INCLUDE \+[^#]*\.\%(mq\|projmq\)\>'
 let s:end = ' end=/^\%(' . join([s:directive, s:header, s:capture, s:taskFile, s:fragment], '\|') . '\)\@=/'
 
-execute 'syntax match mqComment /' . s:mark . '/ contained contains=mqTodo,@Spell'
+execute 'syntax match mqComment /\%#=1' . s:mark . '/ contained contains=mqTodo,@Spell'
 syntax keyword mqTodo contained TODO FIXME XXX NOTE
 " Only on the line of a directive: in the text below it nothing is a comment.
-execute 'syntax match mqHeadComment /\%(^\s*%.*\)\@<=' . s:mark . '/ contained contains=mqTodo,@Spell'
-execute 'syntax match mqHeredocComment /\%(^\s*%\%(keywords\|body\|extrainputs\?\)\s\+<<.*\)\@<=' . s:mark
+execute 'syntax match mqHeadComment /\%#=1\%(^\s*%.*\)\@<=' . s:mark . '/ contained contains=mqTodo,@Spell'
+execute 'syntax match mqHeredocComment /\%#=1\%(^\s*%\%(keywords\|body\|extrainputs\?\)\s\+<<.*\)\@<=' . s:mark
       \ . '/ contained contains=mqTodo,@Spell'
-execute 'syntax match mqString /' . s:openDouble . '"\%(\\.\|[^"\\]\)*"\?/ contained contains=mqEscape,mqKey'
-execute 'syntax match mqString /' . s:openSingle . '''\%(\\.\|[^''\\]\)*''\?/ contained contains=mqEscape,mqKey'
+execute 'syntax match mqString /\%#=1' . s:openDouble . '\%(\\.\|[^"\\]\)*"\?/ contained contains=mqEscape,mqKey'
+execute 'syntax match mqString /\%#=1' . s:openSingle . '\%(\\.\|[^''\\]\)*''\?/ contained contains=mqEscape,mqKey'
 syntax match mqEscape /\\./ contained
 syntax match mqKey /\[[A-Za-z0-9_.\-]\+\]/ contained
 syntax match mqNumber /\%([A-Za-z0-9_.\-]\)\@<![-+]\?\%(\d\+\%(\.\d*\)\?\|\.\d\+\)\%([eE][-+]\?\d\+\)\?\%([A-Za-z0-9_.]\)\@!/ contained
@@ -59,7 +59,7 @@ syntax match mqOperator /==\|!=\|<=\|>=\|[<>=]/ contained
 
 " ---- the prelude: everything in front of the body
 
-execute 'syntax match mqComment /' . s:mark . '/ contains=mqTodo,@Spell'
+execute 'syntax match mqComment /\%#=1' . s:mark . '/ contains=mqTodo,@Spell'
 syntax match mqYamlComment /\%(^\|\s\)\@<=#.*$/ contained contains=mqTodo,@Spell
 syntax match mqPreludeKey /^\s*\%(- \+\)*\zs[^ \t#:"'\[\]{},&$%@-][^:#]*\ze:\%(\s\|$\)/ contained
 syntax region mqYamlString start=/\%(\%(:\|^-\|\s-\)\s*\)\@<="/ skip=/\\./ end=/"/ contained
