@@ -173,8 +173,7 @@ KIND is `line', `statement', `text', `yaml' or `fault'."
          ((memq state '(text plot))
           (setq kind (if (eq state 'text) 'text 'statement)))
          ((eq state 'prelude)
-          (setq kind (if (looking-at "\\(?:define\\|matrix\\):") 'line 'yaml)
-                scalar nil)
+          (setq kind (if (looking-at "\\(?:define\\|matrix\\):") 'line 'yaml))
           (when (eq kind 'line)
             (setq state 'table)))
          ((eq state 'table)
@@ -245,11 +244,12 @@ for each state of the text."
   (concat "\\(" (regexp-opt (cdr (assq list mq--words))) "\\)\\_>"))
 
 (defun mq--match-in (kinds regexp)
-  "A font-lock matcher for REGEXP on lines of KINDS."
+  "A font-lock matcher for REGEXP on lines of KINDS, outside comments."
   (lambda (limit)
     (let (found)
       (while (and (not found) (re-search-forward regexp limit t))
-        (setq found (memq (get-text-property (match-beginning 0) 'mq-kind) kinds)))
+        (setq found (and (memq (get-text-property (match-beginning 0) 'mq-kind) kinds)
+                         (not (eq (get-text-property (match-beginning 0) 'face) 'font-lock-comment-face)))))
       found)))
 
 (defconst mq-font-lock-keywords

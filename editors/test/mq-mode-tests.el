@@ -6,14 +6,14 @@
 (require 'mq-mode)
 
 (defun mq-test--face (text part)
-  "The face of the first character of PART in TEXT, as `mq-mode' colours it."
+  "The innermost face of the first character of PART in TEXT, as `mq-mode' colours it."
   (with-temp-buffer
     (insert text)
     (mq-mode)
     (font-lock-ensure)
     (goto-char (point-min))
     (search-forward part)
-    (get-text-property (match-beginning 0) 'face)))
+    (car (ensure-list (get-text-property (match-beginning 0) 'face)))))
 
 (ert-deftest mq-test-faces ()
   (pcase-dolist
@@ -27,7 +27,7 @@
          ("$a\n  %args don't # c\n" "# c" font-lock-comment-delimiter-face)
          ("$a\n  %args 'a # c'\n" "# c" font-lock-string-face)
          ("$a\n  %args a#c\n" "#c" nil)
-         ("$a\n  %args k[key]\n" "[key]" (mq-placeholder-face))
+         ("$a\n  %args k[key]\n" "[key]" mq-placeholder-face)
          ("# k[key]\n" "[key]" font-lock-comment-face)
          ("$a\n  %when\n    {{ b.c }} > 1\n" "{{ b" mq-snapshot-face)
          ("$a\n  %body << E\n# text\nE\n" "# text" mq-text-face)

@@ -35,7 +35,7 @@ export const exampleText = (path) => readFileSync(join(top, 'examples', path), '
 async function reading(tree, path) {
   const isLibrary = path.endsWith('.mqlib') || path.endsWith('.mqfrag');
   const whole = isLibrary ? ['fragments/barrier.mq', 'fragments/functionals.mq'] : [path];
-  const commands = isLibrary ? [['expand', '--expanded']] : [['fmt'], ['explain', '--format', 'json']];
+  const commands = isLibrary ? [['expand', '--expanded']] : [['migrate'], ['explain', '--format', 'json']];
   const parts = [];
   for (const words of whole.flatMap((file) => commands.map((command) => [...command, join(tree, file)]))) {
     parts.push(await new Promise((resolve) => {
@@ -53,6 +53,9 @@ export async function unchanged(trials) {
   const originals = new Map();
   for (const path of new Set(trials.map((trial) => trial.path))) {
     originals.set(path, await reading(trees[0], path));
+    if (!originals.get(path).startsWith('0\n')) {
+      throw new Error(`${path} is not read: ${originals.get(path)}`);
+    }
   }
   const answers = [];
   let next = 0;
