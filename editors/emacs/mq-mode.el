@@ -133,7 +133,8 @@ A quote quotes only at the start of a value."
 
 (defun mq--kinds-of-lines ()
   "Return a list of (KIND . BEGIN) for every line of the buffer, in reverse.
-KIND is `line', `statement', `text', `yaml' or `fault'."
+KIND is `line' (of a task), `statement', `text', `yaml', `table' (of define or
+matrix) or `fault'."
   (let ((state 'prelude) (terminator nil) (scalar nil) result)
     (goto-char (point-min))
     (while (not (eobp))
@@ -177,6 +178,7 @@ KIND is `line', `statement', `text', `yaml' or `fault'."
           (when (eq kind 'line)
             (setq state 'table)))
          ((eq state 'table)
+          (setq kind 'table)
           (when (looking-at "[^ \t\r\n#]")
             (setq state 'prelude kind (if (looking-at "\\(?:define\\|matrix\\):") 'line 'yaml)))))
         (when (and (eq kind 'line) (eq state 'prelude) (looking-at "\\(?:define\\|matrix\\):"))
@@ -243,10 +245,11 @@ for each state of the text."
   "A regular expression for the words of LIST, as one group."
   (concat "\\(" (regexp-opt (cdr (assq list mq--words))) "\\)\\_>"))
 
-(defun mq--match-in (kinds regexp)
-  "A font-lock matcher for REGEXP on lines of KINDS, outside comments."
+(defun mq--match-in (kinds regexp &optional fold)
+  "A font-lock matcher for REGEXP on lines of KINDS, outside comments.
+With FOLD, in any case."
   (lambda (limit)
-    (let (found)
+    (let ((case-fold-search fold) found)
       (while (and (not found) (re-search-forward regexp limit t))
         (setq found (and (memq (get-text-property (match-beginning 0) 'mq-kind) kinds)
                          (not (eq (get-text-property (match-beginning 0) 'face) 'font-lock-comment-face)))))
@@ -257,16 +260,16 @@ for each state of the text."
     (,(mq--match-in '(line statement text) "\\[[A-Za-z0-9_.-]+\\]") 0 'mq-placeholder-face prepend)
     (,(mq--match-in '(line statement) "{{.*?}}") 0 'mq-snapshot-face)
     (,(mq--match-in '(line) (concat "^[ \t]*\\(%" (mq--word-regexp 'directives) "\\)")) 1 font-lock-keyword-face)
-    (,(mq--match-in '(line) (concat "%program[ \t]+" (mq--word-regexp 'programs))) 1 font-lock-constant-face)
+    (,(mq--match-in '(line) (concat "%program[ \t]+" (mq--word-regexp 'programs)) t) 1 font-lock-constant-face)
     (,(mq--match-in '(line) "^[ \t]*\\$[ \t]*\\([^#\n]+\\)") 1 font-lock-function-name-face append)
     (,(mq--match-in '(line) "^[ \t]*\\(@\\(?:plot\\|derive\\|foreach\\??\\|end\\)\\)\\(?:[ \t]+\\([^ \t\n#]+\\)\\)?")
      (1 font-lock-keyword-face) (2 font-lock-type-face nil t))
     (,(mq--match-in '(line) "^[ \t]*\\(&\\(?:INCLUDE\\|FRAGMENT\\)\\)\\_>") 1 font-lock-preprocessor-face)
     (,(mq--match-in '(line) "^\\(?:define\\|matrix\\):") . font-lock-preprocessor-face)
-    (,(mq--match-in '(line yaml) "^[ \t]*\\(?:- +\\)?\\([A-Za-z_][A-Za-z0-9_.-]*\\):\\(?:[ \t]\\|$\\)")
+    (,(mq--match-in '(line yaml table) "^[ \t]*\\(?:- +\\)?\\([A-Za-z_][A-Za-z0-9_.-]*\\):\\(?:[ \t]\\|$\\)")
      1 font-lock-type-face)
     (,(mq--match-in '(line) (concat "^[ \t]+" (mq--word-regexp 'keys))) 1 font-lock-type-face)
-    (,(mq--match-in '(statement) (concat "^[ \t]*" (mq--word-regexp 'statements))) 1 font-lock-builtin-face)
+    (,(mq--match-in '(statement) (concat "^[ \t]*" (mq--word-regexp 'statements)) t) 1 font-lock-builtin-face)
     (,(mq--match-in '(line) (concat "[ \t]" (mq--word-regexp 'constants))) 1 font-lock-constant-face)
     (,(mq--match-in '(fault) "^.+$") . font-lock-warning-face))
   "What is coloured in task files, besides comments and strings.")

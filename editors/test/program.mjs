@@ -15,11 +15,13 @@ export function run(words, options = {}) {
   return result;
 }
 
+let base;
+process.on('exit', () => base && rmSync(base, { recursive: true, force: true }));
+
 /// A scratch directory that goes with the process.
 export function scratch() {
-  const directory = mkdtempSync(join(tmpdir(), 'mqkit-editors-'));
-  process.on('exit', () => rmSync(directory, { recursive: true, force: true }));
-  return directory;
+  base ??= mkdtempSync(join(tmpdir(), 'mqkit-editors-'));
+  return mkdtempSync(join(base, 'scratch-'));
 }
 
 const endings = ['.mq', '.projmq', '.mqlib', '.mqfrag'];

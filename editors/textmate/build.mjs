@@ -5,9 +5,22 @@ import { fileURLToPath } from 'node:url';
 import { grammar } from './grammar.mjs';
 import { sublimeSyntax } from './sublime.mjs';
 
+/// One line for every rule of the top and of the repository: a change of one is a change of one line.
+const textmateGrammar = ({ patterns, repository, ...head }) => [
+  '{',
+  ...Object.entries(head).map(([key, value]) => `  ${JSON.stringify(key)}: ${JSON.stringify(value)},`),
+  '  "patterns": [',
+  patterns.map((rule) => `    ${JSON.stringify(rule)}`).join(',\n'),
+  '  ],',
+  '  "repository": {',
+  Object.entries(repository).map(([name, rule]) => `    ${JSON.stringify(name)}: ${JSON.stringify(rule)}`).join(',\n'),
+  '  }',
+  '}',
+].join('\n') + '\n';
+
 const editors = join(dirname(fileURLToPath(import.meta.url)), '..');
 const files = {
-  'vscode/syntaxes/mq.tmLanguage.json': JSON.stringify(grammar, null, 1) + '\n',
+  'vscode/syntaxes/mq.tmLanguage.json': textmateGrammar(grammar),
   'bat/mq.sublime-syntax': sublimeSyntax(grammar),
 };
 let stale = false;

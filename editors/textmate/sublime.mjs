@@ -28,6 +28,10 @@ function rule(pattern) {
   };
 }
 
+/// A rule on one line. Groups are numbers, which JSON cannot have as keys.
+const flow = (item) =>
+  JSON.stringify(item).replace(/"captures":\{[^}]*\}/g, (map) => map.replace(/"(\d+)":/g, '$1: '));
+
 /// The text of the syntax file.
 export function sublimeSyntax(grammar) {
   const lines = ['%YAML 1.2', '---', '# Written by editors/textmate/build.mjs; change grammar.mjs there.',
@@ -37,7 +41,7 @@ export function sublimeSyntax(grammar) {
     ...Object.fromEntries(Object.entries(grammar.repository).map(([name, value]) =>
       [name, value.patterns && !value.begin ? value.patterns : [value]])) };
   for (const [name, patterns] of Object.entries(contexts)) {
-    lines.push(`  ${name}:`, ...rules(patterns).map((item) => `    - ${JSON.stringify(item)}`));
+    lines.push(`  ${name}:`, ...rules(patterns).map((item) => `    - ${flow(item)}`));
   }
   return lines.join('\n') + '\n';
 }

@@ -64,9 +64,9 @@ syntax match mqYamlComment /\%(^\|\s\)\@<=#.*$/ contained contains=mqTodo,@Spell
 syntax match mqPreludeKey /^\s*\%(- \+\)*\zs[^ \t#:"'\[\]{},&$%@-][^:#]*\ze:\%(\s\|$\)/ contained
 syntax region mqYamlString start=/\%(\%(:\|^-\|\s-\)\s*\)\@<="/ skip=/\\./ end=/"/ contained
 syntax region mqYamlString start=/\%(\%(:\|^-\|\s-\)\s*\)\@<='/ skip=/''/ end=/'/ contained
-syntax region mqYamlFlow start=/\%(\%(:\|^-\|\s-\)\s*\)\@<=[\[{]/ end=/[\]}]/ contained
+syntax region mqYamlFlow matchgroup=mqDelimiter start=/\%(\%(:\|^-\|\s-\)\s*\)\@<=[\[{]/ end=/[\]}]/ contained
       \ contains=mqYamlInner,mqYamlFlowString,mqYamlComment,mqNumber
-syntax region mqYamlInner start=/[\[{]/ end=/[\]}]/ contained
+syntax region mqYamlInner matchgroup=mqDelimiter start=/[\[{]/ end=/[\]}]/ contained
       \ contains=mqYamlInner,mqYamlFlowString,mqYamlComment,mqNumber
 syntax region mqYamlFlowString start=/\%([\[{,:]\s*\)\@<="/ skip=/\\./ end=/"/ contained
 syntax region mqYamlFlowString start=/\%([\[{,:]\s*\)\@<='/ skip=/''/ end=/'/ contained
@@ -201,7 +201,7 @@ let s:links = {
       \ 'mqString': 'String', 'mqStatementString': 'String', 'mqYamlString': 'String', 'mqYamlFlowString': 'String',
       \ 'mqYamlBlock': 'String', 'mqHeredoc': 'String', 'mqText': 'String', 'mqTextFragment': 'String',
       \ 'mqAngle': 'String', 'mqEscape': 'SpecialChar', 'mqKey': 'Identifier', 'mqSnapshot': 'Special',
-      \ 'mqNumber': 'Number', 'mqOperator': 'Operator', 'mqHeredocWord': 'Delimiter',
+      \ 'mqNumber': 'Number', 'mqOperator': 'Operator', 'mqHeredocWord': 'Delimiter', 'mqDelimiter': 'Delimiter',
       \ 'mqPreludeKey': 'Type', 'mqDefineKey': 'Type', 'mqPreludeWord': 'PreProc',
       \ 'mqLoopWord': 'Repeat', 'mqLoopName': 'Identifier', 'mqIncludeWord': 'Include', 'mqIncludeName': 'Function',
       \ 'mqParameter': 'Identifier', 'mqTask': 'Function', 'mqDollar': 'Delimiter', 'mqFault': 'Error',
