@@ -132,9 +132,9 @@ call s:block('mqInline', 'keywords\|body\|extrainputs\?', 'mqNothing')
 execute 'syntax region mqText matchgroup=mqDirective start=/^\s*%\%(body\|extrainputs\?\)\%(\s*$\|\s\+#\)\@=/' . s:end
       \ . ' contained contains=mqHeadComment,mqKey,@mqBetween'
 syntax region mqHeredoc matchgroup=mqDirective contained contains=mqHeredocComment,mqHeredocWord,mqKey,mqLoop
-      \ start=/^\s*%\%(keywords\|body\|extrainputs\?\)\s\+\%(<<\s*\%($\|\s\@<=#\)\)\@=/ end=/^\s*EOF\s*$/
+      \ start=/^\s*%\%(keywords\|body\|extrainputs\?\)\s\+\%(<<\s*\%($\|\s\@<=#\)\)\@=/ matchgroup=mqHeredocWord end=/^\s*EOF\s*$/
 syntax region mqHeredoc matchgroup=mqDirective contained contains=mqHeredocComment,mqHeredocWord,mqKey,mqLoop
-      \ start=/^\s*%\%(keywords\|body\|extrainputs\?\)\s\+\%(<<\s*\z([^ \t#]\S*\%(\s\+[^ \t#]\S*\)*\)\)\@=/ end=/^\s*\z1\s*$/
+      \ start=/^\s*%\%(keywords\|body\|extrainputs\?\)\s\+\%(<<\s*\z([^ \t#]\S*\%(\s\+[^ \t#]\S*\)*\)\)\@=/ matchgroup=mqHeredocWord end=/^\s*\z1\s*$/
 syntax match mqHeredocWord /\%(^\s*%\a\+\s\+\)\@<=<<\s*\%([^ \t#]\S*\%(\s\+[^ \t#]\S*\)*\)\?/ contained
 
 syntax match mqProgramName /\s\@<=\c\%(gaussian\|orca\|gamess\|xtb\|mrcc\|maple\|amesp\|bdf\|mopac\|fcclasses\|other\|script\)\%(\s\|$\)\@=/ contained
