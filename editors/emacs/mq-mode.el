@@ -173,16 +173,12 @@ matrix) or `fault'."
             (setq state 'body)))
          ((memq state '(text plot))
           (setq kind (if (eq state 'text) 'text 'statement)))
-         ((eq state 'prelude)
-          (setq kind (if (looking-at "\\(?:define\\|matrix\\):") 'line 'yaml))
-          (when (eq kind 'line)
-            (setq state 'table)))
+         ((or (eq state 'prelude) (and (eq state 'table) (looking-at "[^ \t\r\n#]")))
+          (if (looking-at "\\(?:define\\|matrix\\):")
+              (setq state 'table kind 'table)
+            (setq state 'prelude kind 'yaml)))
          ((eq state 'table)
-          (setq kind 'table)
-          (when (looking-at "[^ \t\r\n#]")
-            (setq state 'prelude kind (if (looking-at "\\(?:define\\|matrix\\):") 'line 'yaml)))))
-        (when (and (eq kind 'line) (eq state 'prelude) (looking-at "\\(?:define\\|matrix\\):"))
-          (setq state 'table))
+          (setq kind 'table)))
         ;; The lines of a YAML block scalar are further in than its key.
         (when scalar
           (if (and (eq kind 'yaml) (or (looking-at "[ \t]*$") (> (current-indentation) scalar)))
@@ -265,7 +261,7 @@ With FOLD, in any case."
     (,(mq--match-in '(line) "^[ \t]*\\(@\\(?:plot\\|derive\\|foreach\\??\\|end\\)\\)\\(?:[ \t]+\\([^ \t\n#]+\\)\\)?")
      (1 font-lock-keyword-face) (2 font-lock-type-face nil t))
     (,(mq--match-in '(line) "^[ \t]*\\(&\\(?:INCLUDE\\|FRAGMENT\\)\\)\\_>") 1 font-lock-preprocessor-face)
-    (,(mq--match-in '(line) "^\\(?:define\\|matrix\\):") . font-lock-preprocessor-face)
+    (,(mq--match-in '(table) "^\\(?:define\\|matrix\\):") . font-lock-preprocessor-face)
     (,(mq--match-in '(line yaml table) "^[ \t]*\\(?:- +\\)?\\([A-Za-z_][A-Za-z0-9_.-]*\\):\\(?:[ \t]\\|$\\)")
      1 font-lock-type-face)
     (,(mq--match-in '(line) (concat "^[ \t]+" (mq--word-regexp 'keys))) 1 font-lock-type-face)
@@ -276,10 +272,14 @@ With FOLD, in any case."
 
 ;;;; Indentation
 
+(defconst mq--below-regexp "[ \t]*\\(?:label\\|unit\\|scale\\|position\\|visible\\|order\\|report\\)\\_>"
+  "A line that stands below one that ends in a colon.")
+
 (defun mq-indent-line ()
-  "Indent the line: tasks at the margin, directives two blanks in, blocks four."
+  "Indent the line: tasks at the margin, directives two blanks in, blocks four.
+What is below a colon is two further in.  Text and the prelude stay as they are."
   (interactive)
-  (unless (eq (get-text-property (line-beginning-position) 'mq-kind) 'text)
+  (unless (memq (get-text-property (line-beginning-position) 'mq-kind) '(text yaml table))
     (let ((behind (- (current-column) (current-indentation))))
       (indent-line-to (mq--indentation))
       (when (> behind 0)
@@ -289,21 +289,22 @@ With FOLD, in any case."
   "The column at which the line begins."
   (save-excursion
     (beginning-of-line)
-    (cond
-     ((looking-at "[ \t]*[$@]") 0)
-     ((not (re-search-backward "^[ \t]*[^ \t\n]" nil t)) 0)
-     (t (let ((above (current-indentation))
-              (opens (progn (beginning-of-line)
-                            (looking-at (concat "[ \t]*%\\(?:plot\\_>\\|[a-z]+[ \t]*\\(?:#.*\\)?$\\)"))))
-              (heads (looking-at "[ \t]*\\(?:\\$\\|@plot\\_>\\|@derive\\_>\\)\\|\\(?:define\\|matrix\\):"))
-              (ends (looking-at mq--end-regexp)))
-          (forward-line)
-          (while (looking-at "[ \t]*$") (forward-line))
-          (cond ((looking-at "[ \t]*%") 2)
-                (heads 2)
-                (opens (+ above 2))
-                (ends 0)
-                (t above)))))))
+    (let ((below (looking-at mq--below-regexp)))
+      (cond
+       ((looking-at "[ \t]*[$@]") 0)
+       ((looking-at "[ \t]*%") 2)
+       ((not (mq--previous-line)) 0)
+       ((looking-at "[ \t]*\\(?:\\$\\|@plot\\_>\\|@derive\\_>\\)") 2)
+       ((looking-at "[ \t]*%\\(?:plot\\_>\\|[a-z]+[ \t]*\\(?:#.*\\)?$\\)\\|.*:[ \t]*$") (+ (current-indentation) 2))
+       ((looking-at mq--end-regexp) 0)
+       (t (unless below
+            (while (and (looking-at mq--below-regexp) (mq--previous-line))))
+          (current-indentation))))))
+
+(defun mq--previous-line ()
+  "Move to the start of the line above that is not blank, if there is one."
+  (and (re-search-backward "^[ \t]*[^ \t\n]" nil t)
+       (progn (beginning-of-line) t)))
 
 ;;;; Checks
 

@@ -43,18 +43,38 @@
     (ert-info ((format "%S in %S" part text))
       (should (equal (mq-test--face text part) face)))))
 
+(defun mq-test--indent-again (text)
+  "TEXT without its indentation, except that of the prelude and of heredocs, indented by `mq-mode'."
+  (with-temp-buffer
+    (insert text)
+    (mq-mode)
+    (syntax-propertize (point-max))
+    (goto-char (point-min))
+    (while (not (eobp))
+      (unless (memq (get-text-property (point) 'mq-kind) '(text yaml table))
+        (delete-horizontal-space))
+      (forward-line))
+    (syntax-propertize (point-max))
+    (goto-char (point-min))
+    (while (not (eobp))
+      (unless (looking-at "$") (mq-indent-line))
+      (forward-line))
+    (buffer-string)))
+
 (ert-deftest mq-test-indentation ()
-  (let ((canonical (concat "define:\n  a: 1\n\n$a\n  %source b\n  %control\n    totcore 8\n    gpus 1\n"
-                           "  %plot bar b\n    x c\n\n@plot bar b\n  x c\n@end\n$b\n  %args x\n")))
-    (with-temp-buffer
-      (insert (replace-regexp-in-string "^ +" "" canonical))
-      (mq-mode)
-      (syntax-propertize (point-max))
-      (goto-char (point-min))
-      (while (not (eobp))
-        (unless (looking-at "$") (mq-indent-line))
-        (forward-line))
-      (should (equal (buffer-string) canonical)))))
+  (should (equal (mq-test--indent-again "$a\n%source b\n      %control\ntotcore 8\n\n  gpus 1\n")
+                 "$a\n  %source b\n  %control\n    totcore 8\n\n    gpus 1\n"))
+  (should (equal (mq-test--indent-again "@plot bar b\nx c\naxis x:\nlabel \"d\"\nlegend:\nvisible true\ntitle t\n@end\n$a\n")
+                 "@plot bar b\n  x c\n  axis x:\n    label \"d\"\n  legend:\n    visible true\n  title t\n@end\n$a\n")))
+
+(ert-deftest mq-test-indentation-of-examples ()
+  (let ((files (split-string (or (getenv "CANONICAL") "") "\n" t)))
+    (skip-unless files)
+    (should (> (length files) 30))
+    (dolist (file files)
+      (let ((text (with-temp-buffer (insert-file-contents file) (buffer-string))))
+        (ert-info (file)
+          (should (equal (mq-test--indent-again text) text)))))))
 
 (ert-deftest mq-test-commenting ()
   (with-temp-buffer

@@ -5,7 +5,7 @@ import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { top } from './tokens.mjs';
 
-const mqkit = process.env.MQKIT ?? join(top, 'build/mqkit');
+export const mqkit = process.env.MQKIT ?? join(top, 'build/mqkit');
 
 export function run(words, options = {}) {
   const result = spawnSync(mqkit, words, { encoding: 'utf8', maxBuffer: 1 << 26, env: { ...process.env, NO_COLOR: '1' }, ...options });

@@ -27,26 +27,40 @@ if exists('*MqIndent')
   finish
 endif
 
-" Tasks, plots, derives and loops are at the margin, directives two blanks in, their blocks four.
+" Lines that stand below one that ends in a colon.
+let s:below = '^\s*\c\%(label\|unit\|scale\|position\|visible\|order\|report\)\>'
+
+" Tasks, plots, derives and loops are at the margin, directives two blanks in, their blocks four, and what is below a
+" colon two more. Text and the prelude stay as they are.
 function MqIndent(number) abort
   let line = getline(a:number)
-  if line =~# '^\s*[$@]'
-    return 0
+  let groups = map(synstack(a:number, max([1, match(line, '\S') + 1])), 'synIDattr(v:val, "name")')
+  if match(groups, '^mq\%(Heredoc\|Text\|TextFragment\|Yaml\|Define\)$') >= 0 && groups[-1] !=# 'mqDirective'
+    return -1
   endif
   let above = prevnonblank(a:number - 1)
-  if above == 0
+  if line =~# '^\s*[$@]' || above == 0
     return 0
   endif
-  let text = getline(above)
   if line =~# '^\s*%'
     return 2
   endif
-  if text =~# '^\s*\%(@plot\|@derive\)\>' || text =~# '^\s*\$' || text =~# '^\%(define\|matrix\):'
+  let text = getline(above)
+  if text =~# '^\s*\%(@plot\|@derive\)\>' || text =~# '^\s*\$'
     return 2
   endif
   " A directive without a value opens a block.
-  if text =~# '^\s*%\a\+\s*\%(#.*\)\?$' || text =~# '^\s*%plot\>'
+  if text =~# '^\s*%\a\+\s*\%(#.*\)\?$' || text =~# '^\s*%plot\>' || text =~# ':\s*$'
     return indent(above) + 2
   endif
-  return text =~# '^\s*@end\>' ? 0 : indent(above)
+  if text =~# '^\s*@end\>'
+    return 0
+  endif
+  if line !~# s:below && text =~# s:below
+    while text =~# s:below
+      let above = prevnonblank(above - 1)
+      let text = getline(above)
+    endwhile
+  endif
+  return indent(above)
 endfunction
