@@ -1,9 +1,9 @@
-# Prints what zsh offers at the end of a line, one word a line: zsh -f zsh_offers.zsh <folder of _mqkit> <line>
+# For every line on standard input prints what zsh offers at its end, one word a line, and a line with a dot:
+#   zsh -f zsh_offers.zsh <folder of _mqkit>
 # An interactive zsh on a terminal of its own completes; the matches are noted where its own compadd adds them.
 zmodload zsh/zpty
-zpty shell zsh -f -i
 note=$(mktemp)
-trap 'zpty -d shell; rm -f $note' EXIT
+trap 'zpty -d shell; rm -f $note*' EXIT
 
 cat >$note.zsh <<END
 PS1= PS2=
@@ -22,17 +22,30 @@ compadd() {
     (( \$#matched )) && print -rl -- \$IPREFIX\$with[-P]\$with[-p]\${^matched} >>${(q)note}
     builtin compadd "\$@"
 }
-done-listing() { print -r -- end >>${(q)note}.end; zle kill-whole-line }
+done-listing() { zle kill-whole-line; print -r -- end >>${(q)note}.end }
 zle -N done-listing
 bindkey '^I' complete-word
-bindkey '^X' done-listing
+bindkey '^G' done-listing
 unsetopt automenu autolist
-print -r -- ready >${(q)note}.ready
+print -r -- ready >>${(q)note}.end
 END
+
+settled() { # waits until the shell has done what it was given
+    local tries=1000
+    until [[ -s $note.end ]] || (( --tries == 0 )); do
+        sleep 0.01
+        zpty -r -t shell >/dev/null
+    done
+    rm $note.end
+}
+
+zpty shell zsh -f -i
 zpty -w shell "source $note.zsh"
-wait-for() { local tries=500; until [[ -s $1 ]] || (( --tries == 0 )); do sleep 0.02; zpty -r -t shell >/dev/null; done }
-wait-for $note.ready
-zpty -n -w shell "$2"$'\t\x18'
-wait-for $note.end
-cat $note
-rm -f $note.*
+settled
+while IFS= read -r line; do
+    : >$note
+    zpty -n -w shell "$line"$'\t\x07'
+    settled
+    cat $note
+    print .
+done
