@@ -5,7 +5,8 @@ load packages
 
 setup_file() {
     export pages=$BATS_FILE_TMPDIR/pages
-    "$MQKIT_SOURCE/script/manual" "$pages" "$(load packages; version)" "$(load packages; released)"
+    load packages
+    "$MQKIT_SOURCE/script/manual" "$pages" "$(version)" "$(released)"
 }
 
 own_pages() { grep -L '^\.so ' "$pages"/man?/*; }

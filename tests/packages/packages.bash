@@ -20,8 +20,8 @@ completes() {
 # works_from <prefix>: what is installed below it works without anything else of mqkit.
 works_from() {
     local study=$BATS_TEST_TMPDIR/study.mq
-    printf '$opt\n%%keywords hf\n' >"$study"
-    [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit fmt "$study")" = $'dsl_version: 2\n\n$opt\n  %source origin\n  %keywords "hf"' ]
+    printf '$opt\n%%keywords "hf opt"\n' >"$study"
+    [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit fmt "$study")" = $'dsl_version: 2\n\n$opt\n  %source origin\n  %keywords "hf opt"' ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit template list -d "$1/share/mqkit/templates" | grep -c '(thermochemistry)')" -eq 2 ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" completes "$1/share/bash-completion/completions/mqkit" "mqkit explain $study --task ")" = opt ]
     MANPATH=$1/share/man man -w mqkit mqkit-fmt mqkit-migrate mqkit-template 5 mq >/dev/null
