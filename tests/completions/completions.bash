@@ -6,7 +6,7 @@ setup_completions() {
     ln -sf "$MQKIT" "$BATS_TEST_TMPDIR/bin/mqkit"
     export PATH="$BATS_TEST_TMPDIR/bin:$PATH" LC_ALL=C.UTF-8
     cd "$BATS_TEST_TMPDIR/w" || return 1
-    export MORQUILL_TEMPLATE_PATH=$PWD/templates
+    export MORQUILL_TEMPLATE_PATH=$PWD/templates HOME=$BATS_TEST_TMPDIR
     cp "$MQKIT_SOURCE/examples/tasks/conditions.mq" a.mq
     cp "$MQKIT_SOURCE/examples/matrix/functional_basis.mq" matrix.mq
     printf '$opt\n  %%keywords hf\n' | tee b.MQ templates/opt.mq >templates/conformers/refine.mq
