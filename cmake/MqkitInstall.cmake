@@ -2,11 +2,12 @@
 
 set(MQKIT_LIBRARY_DIR ${CMAKE_INSTALL_DATADIR}/mqkit)
 
-# The program without its symbols, unless somebody is debugging it. Stands before install(TARGETS), which obeys it.
+# Programs without their symbols, unless somebody is debugging them. Stands before install(TARGETS), which obeys it.
 if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     install(CODE "set(CMAKE_INSTALL_DO_STRIP TRUE)")
 endif()
-install(TARGETS mqkit RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+get_property(programs GLOBAL PROPERTY MQKIT_PROGRAMS)
+install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 # Manual pages, written from docs/. They need pandoc; without it the program is built and installed all the same.
 find_program(MQKIT_PANDOC pandoc)
@@ -25,6 +26,7 @@ else()
         COMMAND ${CMAKE_COMMAND} -E echo "no manual pages: they are written with pandoc, which is not here"
         VERBATIM)
 endif()
+add_custom_target(installed DEPENDS ${programs} manual) # all that has to be built before `cmake --install`
 install(DIRECTORY ${MQKIT_MANUAL}/ DESTINATION ${CMAKE_INSTALL_MANDIR} OPTIONAL FILES_MATCHING PATTERN "*.[15]")
 
 # Completions, each under the name by which its shell looks for it.

@@ -44,10 +44,11 @@ file(REMOVE_RECURSE ${share}/zsh/site-functions)
 file(GLOB compressed ${share}/man/man*/* ${texts}/changelog ${texts}/changelog.Debian)
 run(gzip -9nf ${compressed})
 
-file(WRITE ${share}/lintian/overrides/mqkit
-"# One file for every system, and half the start-up time: see NOTICE for what it contains.
-mqkit: statically-linked-binary [usr/bin/mqkit]
-# It was never uploaded to Debian.
-mqkit: initial-upload-closes-no-bugs *
-")
+# One file for every system, and half the start-up time: see NOTICE for what it contains. Nothing is uploaded to Debian.
+file(GLOB programs RELATIVE ${CPACK_TEMPORARY_DIRECTORY} ${CPACK_TEMPORARY_DIRECTORY}/usr/bin/*)
+list(TRANSFORM programs PREPEND "mqkit: statically-linked-binary [")
+list(TRANSFORM programs APPEND "]")
+list(APPEND programs "mqkit: initial-upload-closes-no-bugs *")
+list(JOIN programs "\n" overrides)
+file(WRITE ${share}/lintian/overrides/mqkit "${overrides}\n")
 run(chmod -R u=rwX,go=rX ${CPACK_TEMPORARY_DIRECTORY}/usr)

@@ -40,7 +40,7 @@ load packages
     ! unshare -rn true 2>/dev/null || apart=(unshare -rn)
     # Nothing that was compiled before is taken.
     PATH=$BATS_TEST_TMPDIR/bin:$PATH CCACHE_DISABLE=1 CMAKE_CXX_COMPILER_LAUNCHER='' "${apart[@]}" sh -c '
-        cmake --preset release -DBUILD_TESTING=OFF && cmake --build --preset release --target mqkit' >log 2>&1 ||
+        cmake --preset release -DBUILD_TESTING=OFF && cmake --build --preset release --target installed' >log 2>&1 ||
         { tail -n 30 log; return 1; }
     [ ! -e "$BATS_TEST_TMPDIR/called" ]
     cmp build/mqkit "$MQKIT"
