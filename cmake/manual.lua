@@ -22,21 +22,29 @@ local function link(element)
     return text
 end
 
--- Rows of two or three columns read better as terms with what is said of them: columns of a terminal are narrow.
+-- Rows read better as terms with what is said of them: columns of a terminal are narrow. The second of three columns
+-- belongs to the term; of more columns each stands behind its heading.
 local function terms(rows)
     local simple = pandoc.utils.to_simple_table(rows)
-    if #simple.headers < 2 or #simple.headers > 3 then return rows end
+    local heads = {}
+    for i, head in ipairs(simple.headers) do heads[i] = pandoc.utils.blocks_to_inlines(head) end
     local items = {}
     for _, row in ipairs(simple.rows) do
-        local term = pandoc.List(pandoc.utils.blocks_to_inlines(row[1]))
-        local said = row[#row]
-        if #row == 3 and #said > 0 then
+        local cells = {}
+        for i, cell in ipairs(row) do cells[i] = pandoc.utils.blocks_to_inlines(cell) end
+        local term, said = cells[1], pandoc.List()
+        if #cells == 3 and #cells[3] > 0 then
             term:extend({ pandoc.Str(","), pandoc.Space() })
-            term:extend(pandoc.utils.blocks_to_inlines(row[2]))
-        elseif #row == 3 then
-            said = row[2]
+            term:extend(table.remove(cells, 2))
         end
-        items[#items + 1] = { term, { said } }
+        for i = 2, #cells do
+            if #cells[i] > 0 then
+                if #said > 0 then said:extend({ pandoc.Str(";"), pandoc.Space() }) end
+                if #cells > 3 then said = said .. heads[i] .. { pandoc.Str(":"), pandoc.Space() } end
+                said = said .. cells[i]
+            end
+        end
+        items[#items + 1] = { term, { { pandoc.Plain(said) } } }
     end
     return pandoc.DefinitionList(items)
 end

@@ -70,6 +70,14 @@ Counts `up`; see [two](two.md), [there](#there) and [the rest](rest.md).
 | option | effect |
 |---|---|
 | `--up` | counts up |
+
+| name | kind | meaning |
+|---|---|---|
+| `n` | integer | what is counted |
+
+| name | kind | unit | meaning |
+|---|---|---|---|
+| `m` | integer | | what is [left](two.md#there) |
 END
     printf '<!-- manual: two(5): a file of twos -->\n# Two\n\nText.\n' >tree/docs/two.md
     tree/script/manual pages 1.2.3 2001-02-03
@@ -89,6 +97,11 @@ DESCRIPTION
 
 THERE
        --up counts up
+
+       n, integer
+              what is counted
+
+       m kind: integer; meaning: what is left (two(5))
 
 SEE ALSO
        mqkit(1), two(5)
