@@ -48,6 +48,7 @@ configured() {
         share/doc/mqkit/{README.md,CHANGELOG.md,LICENSE,NOTICE,docs/language.md,examples/matrix/functional_basis.mq}; do
         [ -s "$file" ] || { echo "$file"; return 1; }
     done
+    [ -x share/doc/mqkit/examples/hooks/pre-commit ]
     diff -r share/mqkit/templates "$MQKIT_SOURCE/examples/templates"
 }
 
