@@ -212,12 +212,10 @@ _mqkit_command() {
 }
 
 _mqkit() {
-    local REPLY program word typed=${COMP_WORDS[COMP_CWORD]} prefix='' command first pending='' behind=0 restore
+    local REPLY program word typed=${COMP_WORDS[COMP_CWORD]} prefix='' command first pending='' behind=0
     local -a others=()
     local -A values=()
     COMPREPLY=()
-    restore=$(shopt -p extglob)
-    shopt -s extglob
     _mqkit_plain "${COMP_WORDS[0]}"
     program=$REPLY
     _mqkit_plain "$typed"
@@ -239,7 +237,6 @@ _mqkit() {
             _mqkit_other
         fi
     fi
-    $restore
 }
 
 complete -F _mqkit mqkit
