@@ -65,3 +65,21 @@ configured() {
     configured -G Ninja -DMQKIT_STATIC=ON
     ninja -C build -t commands mqkit | tail -n 1 | grep -q -- ' -static '
 }
+
+@test "building by script/build asks for no package of the tests" {
+    mkdir "$BATS_TEST_TMPDIR/bin"
+    cd "$BATS_TEST_TMPDIR/bin"
+    printf '#!/bin/sh\nexit 1\n' >dpkg-query # nothing is installed
+    printf '#!/bin/sh\necho "$*" >>"%s"\n' "$BATS_TEST_TMPDIR/asked" >apt-get
+    printf '#!/bin/sh\n"$@"\n' >sudo
+    # What comes behind the set-up is not done: there is no tree around the script.
+    mkdir -p "$BATS_TEST_TMPDIR/tree/script"
+    cp "$MQKIT_SOURCE/script/build" "$MQKIT_SOURCE/script/setup" "$BATS_TEST_TMPDIR/tree/script"
+    chmod +x ./*
+    PATH=$PWD:$PATH run "$BATS_TEST_TMPDIR/tree/script/build"
+    [ "$status" -ne 0 ]
+    diff "$BATS_TEST_TMPDIR/asked" - <<'END'
+update -qq
+install -y -qq --no-install-recommends g++ cmake ninja-build libyaml-cpp-dev
+END
+}
