@@ -38,7 +38,7 @@ load packages
     # A network of its own has no way out; where that is not allowed, the build runs in the one that is here.
     apart=()
     ! unshare -rn true 2>/dev/null || apart=(unshare -rn)
-    # Nothing that was compiled before is taken.
+    # Nothing that was compiled before is taken, as in script/package.
     PATH=$BATS_TEST_TMPDIR/bin:$PATH CCACHE_DISABLE=1 CMAKE_CXX_COMPILER_LAUNCHER='' "${apart[@]}" sh -c '
         cmake --preset release -DBUILD_TESTING=OFF && cmake --build --preset release --target installed' >log 2>&1 ||
         { tail -n 30 log; return 1; }
