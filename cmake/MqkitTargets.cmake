@@ -43,6 +43,24 @@ function(mqkit_room folder)
     set_property(GLOBAL APPEND PROPERTY MQKIT_ROOMS ${folder})
 endfunction()
 
+# mqkit_program(<name> <source> USES <folder>...): a program that is installed, left at the top of the build folder. It has
+# the version inside.
+function(mqkit_program name source)
+    cmake_parse_arguments(PROGRAM "" "" "USES" ${ARGN})
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/ident.cpp.in ${PROJECT_BINARY_DIR}/embedded/ident.cpp @ONLY)
+    add_executable(${name} ${source} ${PROJECT_BINARY_DIR}/embedded/ident.cpp)
+    target_link_libraries(${name} PRIVATE mqkit_flags)
+    foreach(used IN LISTS PROGRAM_USES)
+        string(REPLACE "/" "_" used ${used})
+        target_link_libraries(${name} PRIVATE mqkit_${used})
+    endforeach()
+    if(MQKIT_STATIC AND MQKIT_YAML_ARCHIVE AND NOT MQKIT_SANITIZE)
+        target_link_options(${name} PRIVATE -static)
+    endif()
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
+    set_property(GLOBAL APPEND PROPERTY MQKIT_PROGRAMS ${name})
+endfunction()
+
 # mqkit_embed(<folder> <header> <name>=<file>...): a header for the sources of the room alone, included as
 # "<folder>/<header>", in which each constant `std::string_view <name>` holds the bytes of a file of src/<folder>. A
 # file that changed is embedded anew by the next build.
