@@ -7,8 +7,8 @@ namespace morquill::graph {
 
 namespace {
 
-// Programs in the order of `TaskProgram`, then the kinds behind `NodeKind::task` in theirs. Similar methods have
-// similar colours: blue for ab initio, green for semi-empirical and machine-learned, red for spectra.
+// Programs in the order of `TaskProgram`, then the kinds behind `NodeKind::task` in theirs. Similar methods
+// have similar colours: blue for ab initio, green for semi-empirical and machine-learned, red for spectra.
 // clang-format off
 constexpr BoxLook looks[] = {
     {"gaussian",  "#d6e6f5", "#2f6ea5", "box",           "",               "[",   "]"},

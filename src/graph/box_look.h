@@ -10,11 +10,11 @@ namespace morquill::graph {
 
 /// Colours are in the form `#rrggbb`.
 struct BoxLook {
-    std::string_view name;     ///< a word of letters, by which a format may refer to the look
-    std::string_view fill;     ///< colour of the box
-    std::string_view line;     ///< colour of its outline
-    std::string_view dotShape; ///< a node shape of Graphviz
-    std::string_view dotStyle; ///< besides "filled"; may be empty
+    std::string_view name;        ///< a word of letters, by which a format may refer to the look
+    std::string_view fill;        ///< colour of the box
+    std::string_view line;        ///< colour of its outline
+    std::string_view dotShape;    ///< a node shape of Graphviz
+    std::string_view dotStyle;    ///< besides "filled"; may be empty
     std::string_view mermaidOpen; ///< the brackets of a Mermaid node
     std::string_view mermaidClose;
 };

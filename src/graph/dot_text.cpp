@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view edgeStyles[] = {
     "",
     "style=dashed",
-    "style=dotted, arrowhead=none",
+    "style=dotted, arrowhead=odot",
 };
 static_assert(std::size(edgeStyles) == static_cast<std::size_t>(EdgeKind::use) + 1);
 

@@ -17,8 +17,8 @@ class GraphDraft {
     std::size_t addNode(GraphNode node);
     /// Adds a line to a node.
     void addLine(std::size_t node, std::string line) { graph_.nodes[node].lines.push_back(std::move(line)); }
-    /// Adds an edge, or to the one of the kind that joins the two already; a line that it has is not repeated,
-    /// an empty one is none.
+    /// Adds an edge, or to the one of the kind that joins the two already; a line that it has is not
+    /// repeated, an empty one is none.
     void addEdge(std::size_t from, std::size_t to, EdgeKind kind, std::string line = {});
     void addCluster(GraphCluster cluster) { graph_.clusters.push_back(std::move(cluster)); }
 

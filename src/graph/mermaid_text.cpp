@@ -1,9 +1,11 @@
 #include "graph/mermaid_text.h"
 
 #include "graph/box_look.h"
+#include "graph/visible_text.h"
 #include "support/line_builder.h"
 #include "support/text.h"
 
+#include <algorithm>
 #include <iterator>
 #include <string_view>
 
@@ -50,38 +52,31 @@ bool staysAsItIs(std::string_view text, std::size_t at) noexcept {
     return false;
 }
 
-/// Mermaid's own marks for escapes on their way through, which it would take for escapes.
-struct OwnMark {
-    std::string_view bytes;
-    std::string_view number;
-};
-constexpr OwnMark ownMarks[] = {{"\xef\xac\x82", "64258"}, {"\xc2\xb6", "182"}};
+/// What Mermaid takes for a line end, a formula, an icon and its own marks for escapes even where it is
+/// written by numbers.
+constexpr std::string_view misread[] = {"\\n", "$$", ":fa-", "\xef\xac\x82\xc2\xb0", "\xc2\xb6\xc3\x9f"};
+/// The number of a character that is not seen and keeps such a text apart.
+constexpr std::string_view wordJoiner = "#8288;";
 
-/// How many bytes at a place are one of Mermaid's own marks, whose number is added; 0 when there is none.
-std::size_t addOwnMark(std::string& out, std::string_view rest) {
-    for (const auto& [bytes, number] : ownMarks) {
-        if (rest.starts_with(bytes)) {
-            out.append("#").append(number).append(";");
-            return bytes.size();
-        }
+void addCharacter(std::string& out, std::string_view text, std::size_t at, std::size_t length) {
+    if (length > 1 || staysAsItIs(text, at)) {
+        out += text.substr(at, length);
+    } else {
+        out.append("#").append(std::to_string(static_cast<unsigned char>(text[at]))).append(";");
     }
-    return 0;
 }
 
 std::string escaped(std::string_view text) {
     std::string out;
     for (std::size_t i = 0; i < text.size();) {
-        if (const std::size_t length = addOwnMark(out, text.substr(i)); length > 0) {
-            i += length;
-            continue;
+        const auto rest = text.substr(i);
+        const auto length = std::max<std::size_t>(characterLength(rest), 1);
+        addCharacter(out, text, i, length);
+        if (std::any_of(std::begin(misread), std::end(misread),
+                        [&](std::string_view word) { return rest.starts_with(word); })) {
+            out += wordJoiner;
         }
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (byte >= 0x80 || staysAsItIs(text, i)) {
-            out += text[i];
-        } else {
-            out.append("#").append(std::to_string(byte)).append(";");
-        }
-        ++i;
+        i += length;
     }
     return out;
 }

@@ -84,9 +84,7 @@ class StudyDrawing {
         return collapsed ? running % declaredCount : running;
     }
     /// True for the first task that its box stands for.
-    [[nodiscard]] bool leads(std::size_t running) const noexcept {
-        return nodeOfTask(running) == running;
-    }
+    [[nodiscard]] bool leads(std::size_t running) const noexcept { return nodeOfTask(running) == running; }
 
     void addTasks() {
         const std::size_t count = collapsed ? combinations : 1;
@@ -121,8 +119,9 @@ class StudyDrawing {
     void addDerives() {
         firstDerive = collapsed ? declaredCount : document.tasks.size();
         for (const DeriveBlock& block : document.derives) {
-            derives.try_emplace(block.spec.name,
-                                draft.addNode({NodeKind::derive, {}, {visibleText(block.spec.name), "derive"}}));
+            derives.try_emplace(
+                block.spec.name,
+                draft.addNode({NodeKind::derive, {}, {visibleText(block.spec.name), "derive"}}));
         }
     }
 
@@ -284,7 +283,8 @@ class StudyDrawing {
         if (plot.sourceKind == taskdsl::plot::PlotSourceKind::variants) {
             draft.addEdge(variantsOf(plot.sourceArgument), node, EdgeKind::use);
         } else if (plot.sourceKind == taskdsl::plot::PlotSourceKind::derived) {
-            const auto derive = std::string_view(plot.sourceArgument).substr(0, plot.sourceArgument.find('.'));
+            const auto derive =
+                std::string_view(plot.sourceArgument).substr(0, plot.sourceArgument.find('.'));
             draft.addEdge(deriveNamed(derive), node, EdgeKind::use);
         }
     }

@@ -15,8 +15,8 @@ namespace morquill::graph {
 /// The same, and of a text with more than `limit` characters only the first ones with "..." behind them.
 [[nodiscard]] std::string visibleStart(std::string_view text, std::size_t limit);
 
-/// The length in bytes, 1 to 4, of the UTF-8 character at the front of the text; 0 when there is none: an empty
-/// text, a byte that begins no character, an overlong form, a surrogate, a number above U+10FFFF.
+/// The length in bytes, 1 to 4, of the UTF-8 character at the front of the text; 0 when there is none: an
+/// empty text, a byte that begins no character, an overlong form, a surrogate, a number above U+10FFFF.
 [[nodiscard]] std::size_t characterLength(std::string_view text) noexcept;
 
 } // namespace morquill::graph
