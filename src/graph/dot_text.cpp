@@ -98,7 +98,8 @@ std::string renderDot(const StudyGraph& graph) {
     LineBuilder out;
     out.line("digraph study {");
     out.deeper();
-    out.line("graph [fontname=\"Helvetica\", fontsize=11, color=\"#999999\", style=rounded];");
+    // Boxes further apart than usual: so are then two arrows between the same boxes.
+    out.line("graph [fontname=\"Helvetica\", fontsize=11, color=\"#999999\", style=rounded, nodesep=0.5];");
     out.line("node [fontname=\"Helvetica\", fontsize=11];");
     out.line("edge [fontname=\"Helvetica\", fontsize=9];");
     addClusters(out, graph);

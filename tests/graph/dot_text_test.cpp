@@ -13,12 +13,13 @@ std::string dotOf(const std::string& file, VariantView view) {
 }
 
 TEST(DotText, AnEmptyGraph) {
-    EXPECT_EQ(renderDot({}),
-              "digraph study {\n"
-              "  graph [fontname=\"Helvetica\", fontsize=11, color=\"#999999\", style=rounded];\n"
-              "  node [fontname=\"Helvetica\", fontsize=11];\n"
-              "  edge [fontname=\"Helvetica\", fontsize=9];\n"
-              "}\n");
+    EXPECT_EQ(
+        renderDot({}),
+        "digraph study {\n"
+        "  graph [fontname=\"Helvetica\", fontsize=11, color=\"#999999\", style=rounded, nodesep=0.5];\n"
+        "  node [fontname=\"Helvetica\", fontsize=11];\n"
+        "  edge [fontname=\"Helvetica\", fontsize=9];\n"
+        "}\n");
 }
 
 TEST(DotText, EveryKindOfBoxAndArrow) {

@@ -85,7 +85,7 @@ class WithDot : public ::testing::Test {
     }
 
     TemporaryDirectory directory;
-    ScopedEnv path{"PATH", directory.root().string()};
+    ScopedEnv path{"PATH", directory.root()};
 };
 
 TEST_F(WithDot, SvgIsWhatItMakesOfTheDotText) {

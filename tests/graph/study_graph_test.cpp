@@ -55,7 +55,8 @@ TEST(StudyGraph, SourcesThatAreNoTaskAreNotDrawn) {
 
 TEST(StudyGraph, EveryNameOfAListIsASource) {
     EXPECT_EQ(drawn("$a\n$b\n$c\n%source \"b,a\"\n"),
-              "task a | gaussian\ntask b | gaussian\ntask c | gaussian\nb -> c\na -> c\n");
+              "task a | gaussian\ntask b | gaussian\ntask c | gaussian\nb -> c\na -> c\n"
+              "a ?> c: completed a\n"); // the condition that such a list stands for
 }
 
 TEST(StudyGraph, BindingsOfOneTaskAreOneArrowWithTheirKeys) {
