@@ -95,7 +95,7 @@ END
     chmod +x bin/dot
     PATH=$PWD/bin:$PATH "$graph" "$golden/chain.mq" --format svg >out 2>err &
     program=$!
-    while [ ! -s started ]; do sleep 0.05; done
+    for _ in $(seq 200); do [ -s started ] && break || sleep 0.05; done
     kill -TERM "$program"
     status=0
     wait "$program" || status=$?
