@@ -55,115 +55,115 @@ std::string tasksSourceText(const taskdsl::derive::TasksSource& source) {
 class StudyDrawing {
   public:
     StudyDrawing(const TaskDocument& source, VariantView view)
-        : document(source), declaredCount(source.templateTasks.size()),
-          combinations(declaredCount == 0 ? 0 : source.tasks.size() / declaredCount),
-          collapsed(view == VariantView::collapsed) {}
+        : document_(source), declaredCount_(source.templateTasks.size()),
+          combinations_(declaredCount_ == 0 ? 0 : source.tasks.size() / declaredCount_),
+          collapsed_(view == VariantView::collapsed) {}
 
     StudyGraph draw() {
         addTasks();
         addDerives();
         addPlots();
-        for (std::size_t i = 0; i < document.tasks.size(); ++i) {
+        for (std::size_t i = 0; i < document_.tasks.size(); ++i) {
             joinTask(i);
         }
-        for (std::size_t i = 0; i < document.derives.size(); ++i) {
-            joinDerive(document.derives[i], firstDerive + i);
+        for (std::size_t i = 0; i < document_.derives.size(); ++i) {
+            joinDerive(document_.derives[i], firstDerive_ + i);
         }
-        for (const auto& [plot, node] : plots) {
+        for (const auto& [plot, node] : plots_) {
             joinPlot(*plot, node);
         }
-        return draft.take();
+        return draft_.take();
     }
 
   private:
     /// Every combination has one variant of each declared task, in their order.
     [[nodiscard]] const TaskInfo& declaredOf(std::size_t running) const {
-        return document.templateTasks[running % declaredCount];
+        return document_.templateTasks[running % declaredCount_];
     }
     [[nodiscard]] std::size_t nodeOfTask(std::size_t running) const noexcept {
-        return collapsed ? running % declaredCount : running;
+        return collapsed_ ? running % declaredCount_ : running;
     }
     /// True for the first task that its box stands for.
     [[nodiscard]] bool leads(std::size_t running) const noexcept { return nodeOfTask(running) == running; }
 
     void addTasks() {
-        const std::size_t count = collapsed ? combinations : 1;
-        for (std::size_t i = 0; i < document.tasks.size(); ++i) {
-            const TaskInfo& task = document.tasks[i];
+        const std::size_t count = collapsed_ ? combinations_ : 1;
+        for (std::size_t i = 0; i < document_.tasks.size(); ++i) {
+            const TaskInfo& task = document_.tasks[i];
             if (leads(i)) {
-                const std::string& name = collapsed ? declaredOf(i).name : task.name;
-                draft.addNode({NodeKind::task,
-                               task.program,
-                               {visibleText(name), counted(taskdsl::programName(task.program), count)}});
+                const std::string& name = collapsed_ ? declaredOf(i).name : task.name;
+                draft_.addNode({NodeKind::task,
+                                task.program,
+                                {visibleText(name), counted(taskdsl::programName(task.program), count)}});
             }
-            runningTasks.try_emplace(task.name, nodeOfTask(i));
+            runningTasks_.try_emplace(task.name, nodeOfTask(i));
         }
-        for (std::size_t i = 0; i < declaredCount; ++i) {
-            declaredTasks.try_emplace(document.templateTasks[i].name, i);
+        for (std::size_t i = 0; i < declaredCount_; ++i) {
+            declaredTasks_.try_emplace(document_.templateTasks[i].name, i);
         }
-        if (!collapsed && combinations > 1) {
+        if (!collapsed_ && combinations_ > 1) {
             addClusters();
         }
     }
 
     void addClusters() {
-        for (std::size_t i = 0; i < document.tasks.size(); i += declaredCount) {
-            GraphCluster cluster{shortened(document.tasks[i].matrixVariantKey), {}};
-            for (std::size_t node = i; node < i + declaredCount; ++node) {
+        for (std::size_t i = 0; i < document_.tasks.size(); i += declaredCount_) {
+            GraphCluster cluster{shortened(document_.tasks[i].matrixVariantKey), {}};
+            for (std::size_t node = i; node < i + declaredCount_; ++node) {
                 cluster.nodes.push_back(node);
             }
-            draft.addCluster(std::move(cluster));
+            draft_.addCluster(std::move(cluster));
         }
     }
 
     void addDerives() {
-        firstDerive = collapsed ? declaredCount : document.tasks.size();
-        for (const DeriveBlock& block : document.derives) {
-            derives.try_emplace(
+        firstDerive_ = collapsed_ ? declaredCount_ : document_.tasks.size();
+        for (const DeriveBlock& block : document_.derives) {
+            derives_.try_emplace(
                 block.spec.name,
-                draft.addNode({NodeKind::derive, {}, {visibleText(block.spec.name), "derive"}}));
+                draft_.addNode({NodeKind::derive, {}, {visibleText(block.spec.name), "derive"}}));
         }
     }
 
     /// The plots of all variants of a task are one in the collapsed view.
     void addPlots() {
-        std::vector<std::size_t> firstPlots(declaredCount); // of each declared task
-        for (std::size_t i = 0; i < document.tasks.size(); ++i) {
-            const auto& ofTask = document.tasks[i].plots;
+        std::vector<std::size_t> firstPlots(declaredCount_); // of each declared task
+        for (std::size_t i = 0; i < document_.tasks.size(); ++i) {
+            const auto& ofTask = document_.tasks[i].plots;
             if (leads(i)) {
-                firstPlots[i % declaredCount] = plots.size();
+                firstPlots[i % declaredCount_] = plots_.size();
             }
             for (std::size_t k = 0; k < ofTask.size(); ++k) {
-                const auto& shown = collapsed ? declaredOf(i).plots[k] : ofTask[k];
-                const std::size_t node = leads(i) ? addPlot(shown, collapsed ? combinations : 1)
-                                                  : plots[firstPlots[i % declaredCount] + k].second;
-                plots.emplace_back(&ofTask[k], node);
-                draft.addEdge(nodeOfTask(i), node, EdgeKind::use);
+                const auto& shown = collapsed_ ? declaredOf(i).plots[k] : ofTask[k];
+                const std::size_t node = leads(i) ? addPlot(shown, collapsed_ ? combinations_ : 1)
+                                                  : plots_[firstPlots[i % declaredCount_] + k].second;
+                plots_.emplace_back(&ofTask[k], node);
+                draft_.addEdge(nodeOfTask(i), node, EdgeKind::use);
             }
         }
-        for (const auto& plot : document.plots) {
-            plots.emplace_back(&plot, addPlot(plot, 1));
+        for (const auto& plot : document_.plots) {
+            plots_.emplace_back(&plot, addPlot(plot, 1));
         }
     }
 
     std::size_t addPlot(const taskdsl::plot::PlotSpec& plot, std::size_t count) {
         const std::string kind(taskdsl::plot::plotKindName(plot.kind));
-        return draft.addNode({NodeKind::plot, {}, {visibleText(plot.name), counted(kind + " plot", count)}});
+        return draft_.addNode({NodeKind::plot, {}, {visibleText(plot.name), counted(kind + " plot", count)}});
     }
 
     void joinTask(std::size_t running) {
-        const TaskInfo& task = document.tasks[running];
+        const TaskInfo& task = document_.tasks[running];
         const std::size_t node = nodeOfTask(running);
         for (const auto& name : sourceTasks(task)) {
-            draft.addEdge(taskNamed(name), node, EdgeKind::source);
+            draft_.addEdge(taskNamed(name), node, EdgeKind::source);
         }
         for (const auto& binding : sourceBindings(task)) {
             if (binding.sourceKind == taskdsl::BindingSource::task) {
-                draft.addEdge(taskNamed(binding.sourceTask), node, EdgeKind::source, shortened(binding.key));
+                draft_.addEdge(taskNamed(binding.sourceTask), node, EdgeKind::source, shortened(binding.key));
             }
         }
         // One text for all variants: the condition as it is written.
-        const auto& shown = collapsed ? declaredOf(running).whenEntries : task.whenEntries;
+        const auto& shown = collapsed_ ? declaredOf(running).whenEntries : task.whenEntries;
         for (std::size_t i = 0; i < task.whenEntries.size(); ++i) {
             joinCondition(task.whenEntries[i], shortened(shown[i].text), running);
         }
@@ -173,7 +173,7 @@ class StudyDrawing {
     void joinCondition(const taskdsl::TaskWhenEntry& entry, const std::string& shown, std::size_t running) {
         bool namesTask = false;
         const auto join = [&](std::size_t from) {
-            draft.addEdge(from, nodeOfTask(running), EdgeKind::condition, shown);
+            draft_.addEdge(from, nodeOfTask(running), EdgeKind::condition, shown);
             namesTask = true;
         };
         const taskdsl::TaskWhenExpr condition = parseCondition(entry);
@@ -187,7 +187,7 @@ class StudyDrawing {
             }
         }
         if (!namesTask && leads(running)) {
-            draft.addLine(nodeOfTask(running), "when " + shown);
+            draft_.addLine(nodeOfTask(running), "when " + shown);
         }
     }
 
@@ -201,16 +201,16 @@ class StudyDrawing {
 
     std::size_t completedTarget(const std::string& target) {
         if (equalsNoCase(target, "allothers")) {
-            return draft.nodeOf(NodeKind::selection, "all other tasks");
+            return draft_.nodeOf(NodeKind::selection, "all other tasks");
         }
-        return isPattern(target) && !runningTasks.contains(target)
-                   ? draft.nodeOf(NodeKind::selection, target, "every match")
+        return isPattern(target) && !runningTasks_.contains(target)
+                   ? draft_.nodeOf(NodeKind::selection, target, "every match")
                    : taskNamed(target);
     }
 
     /// The box of a task by the name that it runs under or was declared with.
     std::size_t taskNamed(std::string_view name) {
-        if (const auto running = runningTasks.find(name); running != runningTasks.end()) {
+        if (const auto running = runningTasks_.find(name); running != runningTasks_.end()) {
             return running->second;
         }
         return variantsOf(name);
@@ -218,37 +218,37 @@ class StudyDrawing {
 
     /// The box that stands for all variants of a declared task.
     std::size_t variantsOf(std::string_view name) {
-        const auto declared = declaredTasks.find(name);
-        if (declared == declaredTasks.end()) {
-            const auto running = runningTasks.find(name);
-            return running != runningTasks.end()
+        const auto declared = declaredTasks_.find(name);
+        if (declared == declaredTasks_.end()) {
+            const auto running = runningTasks_.find(name);
+            return running != runningTasks_.end()
                        ? running->second
-                       : draft.nodeOf(NodeKind::missing, std::string(name), "not in this file");
+                       : draft_.nodeOf(NodeKind::missing, std::string(name), "not in this file");
         }
-        if (collapsed || combinations == 1) {
+        if (collapsed_ || combinations_ == 1) {
             return declared->second;
         }
         // One box between the variants and all that use them, so that not each is joined with each.
-        const auto [box, isNew] = variantBoxes.try_emplace(declared->second, 0);
+        const auto [box, isNew] = variantBoxes_.try_emplace(declared->second, 0);
         if (isNew) {
-            box->second = draft.nodeOf(NodeKind::selection, std::string(name), "all variants");
-            for (std::size_t i = declared->second; i < document.tasks.size(); i += declaredCount) {
-                draft.addEdge(i, box->second, EdgeKind::use);
+            box->second = draft_.nodeOf(NodeKind::selection, std::string(name), "all variants");
+            for (std::size_t i = declared->second; i < document_.tasks.size(); i += declaredCount_) {
+                draft_.addEdge(i, box->second, EdgeKind::use);
             }
         }
         return box->second;
     }
 
     std::size_t deriveNamed(std::string_view name) {
-        const auto found = derives.find(name);
-        return found != derives.end()
+        const auto found = derives_.find(name);
+        return found != derives_.end()
                    ? found->second
-                   : draft.nodeOf(NodeKind::missing, std::string(name), "no derive of this file");
+                   : draft_.nodeOf(NodeKind::missing, std::string(name), "no derive of this file");
     }
 
     void joinDerive(const DeriveBlock& block, std::size_t node) {
         for (const auto& name : collectDeriveTaskReferences(block.spec)) {
-            draft.addEdge(taskNamed(name), node, EdgeKind::use);
+            draft_.addEdge(taskNamed(name), node, EdgeKind::use);
         }
         for (const auto& statement : block.spec.statements) {
             const auto* from = std::get_if<taskdsl::derive::FromStatement>(&statement);
@@ -258,48 +258,48 @@ class StudyDrawing {
             if (const auto* tasks = std::get_if<taskdsl::derive::TasksSource>(&from->source)) {
                 joinTasksSource(*tasks, node);
             } else if (const auto* table = std::get_if<taskdsl::derive::DerivedTableSource>(&from->source)) {
-                draft.addEdge(deriveNamed(table->derive), node, EdgeKind::use);
+                draft_.addEdge(deriveNamed(table->derive), node, EdgeKind::use);
             }
         }
     }
 
     void joinTasksSource(const taskdsl::derive::TasksSource& source, std::size_t node) {
         if (!source.templateName.empty()) {
-            draft.addEdge(variantsOf(source.templateName), node, EdgeKind::use);
+            draft_.addEdge(variantsOf(source.templateName), node, EdgeKind::use);
         } else if (std::any_of(source.patterns.begin(), source.patterns.end(), isPattern)) {
-            const auto selection = draft.nodeOf(NodeKind::selection, shortened(tasksSourceText(source)));
-            draft.addEdge(selection, node, EdgeKind::use);
+            const auto selection = draft_.nodeOf(NodeKind::selection, shortened(tasksSourceText(source)));
+            draft_.addEdge(selection, node, EdgeKind::use);
         } else {
             for (const auto& name : source.patterns) {
-                draft.addEdge(taskNamed(name), node, EdgeKind::use);
+                draft_.addEdge(taskNamed(name), node, EdgeKind::use);
             }
         }
     }
 
     void joinPlot(const taskdsl::plot::PlotSpec& plot, std::size_t node) {
         for (const auto& name : collectPlotTaskReferences(plot)) {
-            draft.addEdge(taskNamed(name), node, EdgeKind::use);
+            draft_.addEdge(taskNamed(name), node, EdgeKind::use);
         }
         if (plot.sourceKind == taskdsl::plot::PlotSourceKind::variants) {
-            draft.addEdge(variantsOf(plot.sourceArgument), node, EdgeKind::use);
+            draft_.addEdge(variantsOf(plot.sourceArgument), node, EdgeKind::use);
         } else if (plot.sourceKind == taskdsl::plot::PlotSourceKind::derived) {
             const auto derive =
                 std::string_view(plot.sourceArgument).substr(0, plot.sourceArgument.find('.'));
-            draft.addEdge(deriveNamed(derive), node, EdgeKind::use);
+            draft_.addEdge(deriveNamed(derive), node, EdgeKind::use);
         }
     }
 
-    const TaskDocument& document;
-    std::size_t declaredCount;
-    std::size_t combinations; ///< of the matrix; 1 without one
-    bool collapsed;
-    GraphDraft draft;
-    NodesByName runningTasks; ///< of several with one name the first
-    NodesByName declaredTasks;
-    NodesByName derives;
-    std::unordered_map<std::size_t, std::size_t> variantBoxes; ///< by the place of the declared task
-    std::size_t firstDerive = 0;
-    std::vector<std::pair<const taskdsl::plot::PlotSpec*, std::size_t>> plots; ///< with their boxes
+    const TaskDocument& document_;
+    std::size_t declaredCount_;
+    std::size_t combinations_; ///< of the matrix; 1 without one
+    bool collapsed_;
+    GraphDraft draft_;
+    NodesByName runningTasks_; ///< of several with one name the first
+    NodesByName declaredTasks_;
+    NodesByName derives_;
+    std::unordered_map<std::size_t, std::size_t> variantBoxes_; ///< by the place of the declared task
+    std::size_t firstDerive_ = 0;
+    std::vector<std::pair<const taskdsl::plot::PlotSpec*, std::size_t>> plots_; ///< with their boxes
 };
 
 bool standsAtFoot(const GraphNode& node) noexcept {
