@@ -4,18 +4,14 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
-#include "console/logger.h"
 #include "console/messages.h"
 #include "project/project_command.h"
 #include "project/rename/rename.h"
-#include "support/fault.h"
 #include "support/text.h"
 #include "templates/template_command.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <exception>
 #include <span>
 #include <string>
 #include <vector>
@@ -157,35 +153,6 @@ std::string commandLine(const CommandEntry& entry) {
     return "  `" + field + "` " + std::string(entry.description) + "\n";
 }
 
-/// Kept apart from its caller: the stack is unwound up to a function that may not throw, but that function's
-/// own objects are not destroyed.
-[[gnu::noinline]] int runUnguarded(int argc, char** argv, int (*command)(int argc, char** argv)) {
-    const console::LogSession session("mqkit", argc, argv, console::LogLevel::Warning,
-                                      console::LogLevel::Skip);
-    try {
-        return console::finishOutput(command(argc, argv));
-    } catch (const std::exception& fault) {
-        // A lack of memory is no fault of the program; whatever else gets here is one and ends it.
-        if (!isOutOfMemory(fault)) {
-            throw;
-        }
-        console::reportError(console::ErrorTag::coloured, faultText(fault, {}));
-        return console::finishOutput(1);
-    }
-}
-
-std::terminate_handler usualEnd = nullptr;
-
-/// Called without an exception when there was no memory even for the exception.
-[[noreturn]] void endWithoutMemory() {
-    if (std::current_exception() == nullptr) {
-        console::reportErrorInPieces({"out of memory"});
-        std::_Exit(1);
-    }
-    usualEnd();
-    std::abort();
-}
-
 } // namespace
 
 int dispatchCommand(int argc, char** argv) {
@@ -214,12 +181,6 @@ void printTopLevelHelp(std::string_view programPath) {
         text += commandLine(entry);
     }
     console::printHelp(text += helpBehind, programPath);
-}
-
-int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept {
-    console::prepareStandardStreams();
-    usualEnd = std::set_terminate(endWithoutMemory);
-    return runUnguarded(argc, argv, command);
 }
 
 } // namespace morquill::app

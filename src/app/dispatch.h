@@ -26,9 +26,4 @@ struct OlderShape {
 /// The overview of all commands, on standard output.
 void printTopLevelHelp(std::string_view programPath);
 
-/// A whole run of the program: readies the standard streams, opens the log session, calls `command` and
-/// returns the exit status. An exception that no command caught ends the process abnormally, after the
-/// session was closed.
-[[nodiscard]] int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept;
-
 } // namespace morquill::app

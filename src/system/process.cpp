@@ -26,6 +26,7 @@ struct Launch {
     const char* path;
     std::vector<char*> arguments; ///< ends in a null pointer
     std::string failure;          ///< stands before the system text
+    ChildStreams streams = {};
 };
 
 // A child must not start deaf because its parent holds a signal back for a while. A hang-up that was ignored
@@ -52,8 +53,16 @@ void resetSignals() {
     ::_exit(launchFailedStatus);
 }
 
+void takeStream(int file, int stream, int pipeEnd) {
+    if (file >= 0 && ::dup2(file, stream) < 0) {
+        failInChild(pipeEnd, std::string("failed to redirect a standard stream: ") + systemErrorText(errno));
+    }
+}
+
 [[noreturn]] void becomeChild(const Launch& launch, const std::string& workingDir, int pipeEnd) {
     resetSignals();
+    takeStream(launch.streams.input, STDIN_FILENO, pipeEnd);
+    takeStream(launch.streams.output, STDOUT_FILENO, pipeEnd);
     if (!workingDir.empty() && ::chdir(workingDir.c_str()) != 0) {
         failInChild(pipeEnd,
                     "failed to change working directory to '" + workingDir + "': " + systemErrorText(errno));
@@ -135,11 +144,12 @@ std::optional<std::string> failureOf(const std::string& label, const ProcessResu
 
 } // namespace
 
-ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::string& workingDir) {
+ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::string& workingDir,
+                           ChildStreams streams) {
     if (argv.empty() || argv.front().empty()) {
         return {.error = "program name is empty"};
     }
-    Launch launch{::execvp, argv.front().c_str(), {}, "failed to execute '" + argv.front() + "': "};
+    Launch launch{::execvp, argv.front().c_str(), {}, "failed to execute '" + argv.front() + "': ", streams};
     launch.arguments.reserve(argv.size() + 1);
     for (const std::string& argument : argv) {
         launch.arguments.push_back(const_cast<char*>(argument.c_str())); // exec never writes to them

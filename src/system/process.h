@@ -22,10 +22,17 @@ struct ProcessResult {
     std::string error; ///< the launcher's own failure text, empty otherwise
 };
 
+/// Open files that a child has for its standard streams; -1 stands for those of this process.
+struct ChildStreams {
+    int input = -1;
+    int output = -1;
+};
+
 /// Runs `argv[0]`, looked up along `PATH`, with `argv` in `workingDir` (empty: where this process stands) and
 /// waits for its end. The child starts with no signal blocked and every signal at its default, save a hang-up
 /// that this process was told to ignore.
-[[nodiscard]] ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::string& workingDir);
+[[nodiscard]] ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::string& workingDir,
+                                         ChildStreams streams = {});
 
 /// The same for `/bin/sh -c <command>`.
 [[nodiscard]] ProcessResult spawnShell(const std::string& command, const std::string& workingDir);
