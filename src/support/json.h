@@ -12,4 +12,7 @@ namespace morquill {
 /// `text` escaped and in double quotes.
 [[nodiscard]] std::string jsonString(std::string_view text);
 
+/// Appends `jsonString(text)` to a text.
+void appendJsonString(std::string& out, std::string_view text);
+
 } // namespace morquill

@@ -17,8 +17,7 @@ template <class List>
 void reserveLarge(List& list, std::size_t count) {
     if (count > list.capacity()) {
         list.reserve(count);
-        preferHugePages(list.data() + list.size(),
-                        (list.capacity() - list.size()) * sizeof(*list.data()));
+        preferHugePages(list.data() + list.size(), (list.capacity() - list.size()) * sizeof(*list.data()));
     }
 }
 

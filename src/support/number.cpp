@@ -4,6 +4,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <system_error>
 
@@ -81,6 +82,11 @@ std::optional<double> readDouble(std::string_view text) {
 
 std::string formatSignificant(double value, int digits) {
     std::array<char, 64> buffer{};
+    // Small integers, which most numbers are, have one form whatever the digits; -0 is none of them.
+    if (digits >= 15 && std::abs(value) < 1e15 && value == std::trunc(value) && !std::signbit(value)) {
+        const auto end = std::to_chars(buffer.begin(), buffer.end(), static_cast<std::int64_t>(value));
+        return {buffer.begin(), end.ptr};
+    }
     const auto end = std::to_chars(buffer.begin(), buffer.end(), value, std::chars_format::general, digits);
     return {buffer.begin(), end.ptr};
 }

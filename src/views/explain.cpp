@@ -110,6 +110,8 @@ ExplainView makeView(const TaskDocument& document, const ExplainOptions& options
     return view;
 }
 
+constexpr std::size_t typicalTaskSize = 1024; ///< bytes in print
+
 /// The source as its directive gave it: unlike the canonical writer, this view shows no "origin" that nobody
 /// wrote.
 std::string declaredSource(const TaskInfo& task) {
@@ -129,6 +131,11 @@ std::string dslVersion(const TaskDocument& document, std::string_view missing) {
 
 std::string_view boolText(bool value) noexcept {
     return value ? "true" : "false";
+}
+
+/// Ends a line with a place in brackets.
+void closeWithPlace(LineBuilder& out, const taskdsl::SourceSpan& span) {
+    out.add("    [").addWith([&span](std::string& text) { appendSpan(text, span); }).add("]").close();
 }
 
 void addTaskText(LineBuilder& out, const TaskInfo& task) {
@@ -157,20 +164,22 @@ void addTaskText(LineBuilder& out, const TaskInfo& task) {
     if (!task.whenEntries.empty()) {
         out.line("  when_conditions:");
         for (const auto& condition : task.whenEntries) {
-            out.line("    - ", condition.text, "    [", formatSpan(condition.span), "]");
+            out.open("    - ", condition.text);
+            closeWithPlace(out, condition.span);
         }
     }
     if (!task.directives.empty()) {
         out.line("  directives:");
         for (const auto& directive : task.directives) {
-            out.line("    - %", directive.name, directive.value.empty() ? "" : " ", directive.value, "    [",
-                     formatSpan(directive.span), "]");
+            out.open("    - %", directive.name, directive.value.empty() ? "" : " ", directive.value);
+            closeWithPlace(out, directive.span);
         }
     }
 }
 
 std::string renderText(const ExplainView& view) {
     LineBuilder out;
+    out.reserve(view.tasks.size() * typicalTaskSize);
     out.line("file: ", view.document.filePath);
     out.line("dsl_version: ", dslVersion(view.document, "<missing>"));
     out.line("task_view: ", view.expanded ? "expanded" : "source");
@@ -186,55 +195,97 @@ std::string renderText(const ExplainView& view) {
     return out.take();
 }
 
-/// One-line array of the JSON values that `item` makes of the elements.
-template <class List, class Item>
-std::string jsonArray(const List& list, const Item& item) {
-    std::string out = "[";
-    for (const auto& element : list) {
-        out += &element == &*std::begin(list) ? "" : ", ";
-        out += item(element);
+/// The lines of one task's JSON object, each with a comma behind it but the last.
+class TaskJson {
+  public:
+    explicit TaskJson(LineBuilder& out) : out_(out) {}
+
+    void text(std::string_view name, std::string_view value) {
+        key(name);
+        string(value);
+        out_.add(",").close();
     }
-    return out + "]";
-}
+    void flag(std::string_view name, bool value) {
+        key(name);
+        out_.add(boolText(value), ",").close();
+    }
+    void span(std::string_view name, const taskdsl::SourceSpan& value) {
+        key(name);
+        place(value);
+        out_.add(",").close();
+    }
+    /// A one-line array; `item` adds an element. The comma is left to the caller.
+    template <class List, class Item>
+    LineBuilder& array(std::string_view name, const List& list, const Item& item) {
+        key(name);
+        out_.add("[");
+        for (const auto& element : list) {
+            out_.add(&element == &*std::begin(list) ? "" : ", ");
+            item(element);
+        }
+        return out_.add("]");
+    }
+    void string(std::string_view value) {
+        out_.addWith([value](std::string& text) { appendJsonString(text, value); });
+    }
+    void place(const taskdsl::SourceSpan& value) {
+        place_.clear();
+        appendSpan(place_, value);
+        string(place_);
+    }
+
+  private:
+    void key(std::string_view name) { out_.open("      \"", name, "\": "); }
+
+    LineBuilder& out_;
+    std::string place_;
+};
 
 void addTaskJson(LineBuilder& out, const TaskInfo& task) {
-    const auto key = [&out](std::string_view name, const std::string& value, std::string_view end = ",") {
-        out.line("      \"", name, "\": ", value, end);
-    };
-    const auto text = [&key](std::string_view name, std::string_view value) { key(name, jsonString(value)); };
-    const auto flag = [&key](std::string_view name, bool value) { key(name, std::string(boolText(value))); };
+    TaskJson json(out);
     out.line("    {");
-    text("name", task.name);
-    text("block_span", formatSpan(task.headerSpan));
-    text("program", taskdsl::programName(task.program));
-    text("source", declaredSource(task));
-    key("dependencies",
-        jsonArray(sourceTasks(task), [](const std::string& name) { return jsonString(name); }));
-    flag("use_guess", task.guessEnabled);
-    flag("alert", task.alert);
-    flag("localfirst", task.localFirst);
-    text("finalgeom", task.finalGeom);
-    text("guess_source_task", task.guessSourceTask);
-    text("guess_converter", task.guessConverter);
-    text("template_task_name", task.templateTaskName);
-    text("matrix_variant_key", task.matrixVariantKey);
-    key("when_conditions", jsonArray(task.whenEntries, [](const taskdsl::TaskWhenEntry& condition) {
-            return R"({"text": )" + jsonString(condition.text) + R"(, "span": )" +
-                   jsonString(formatSpan(condition.span)) + "}";
-        }));
-    key("directives",
-        jsonArray(task.directives.get(),
-                  [](const taskdsl::TaskDirective& directive) {
-                      return R"({"name": )" + jsonString(directive.name) + R"(, "argument": )" +
-                             jsonString(directive.value) + R"(, "span": )" +
-                             jsonString(formatSpan(directive.span)) + "}";
-                  }),
-        "");
+    json.text("name", task.name);
+    json.span("block_span", task.headerSpan);
+    json.text("program", taskdsl::programName(task.program));
+    json.text("source", declaredSource(task));
+    json.array("dependencies", sourceTasks(task), [&json](const std::string& name) { json.string(name); })
+        .add(",")
+        .close();
+    json.flag("use_guess", task.guessEnabled);
+    json.flag("alert", task.alert);
+    json.flag("localfirst", task.localFirst);
+    json.text("finalgeom", task.finalGeom);
+    json.text("guess_source_task", task.guessSourceTask);
+    json.text("guess_converter", task.guessConverter);
+    json.text("template_task_name", task.templateTaskName);
+    json.text("matrix_variant_key", task.matrixVariantKey);
+    json.array("when_conditions", task.whenEntries,
+               [&](const taskdsl::TaskWhenEntry& condition) {
+                   out.add(R"({"text": )");
+                   json.string(condition.text);
+                   out.add(R"(, "span": )");
+                   json.place(condition.span);
+                   out.add("}");
+               })
+        .add(",")
+        .close();
+    json.array("directives", task.directives,
+               [&](const taskdsl::TaskDirective& directive) {
+                   out.add(R"({"name": )");
+                   json.string(directive.name);
+                   out.add(R"(, "argument": )");
+                   json.string(directive.value);
+                   out.add(R"(, "span": )");
+                   json.place(directive.span);
+                   out.add("}");
+               })
+        .close();
     out.open("    }");
 }
 
 std::string renderJson(const ExplainView& view) {
     LineBuilder out;
+    out.reserve(view.tasks.size() * typicalTaskSize);
     out.line("{");
     const auto key = [&out](std::string_view name, const std::string& value) {
         out.line("  \"", name, "\": ", value, ",");

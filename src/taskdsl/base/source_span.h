@@ -27,6 +27,9 @@ struct SourceSpan {
 /// it equals the start. An invalid span gives its path, or "<unknown>" when that is empty too.
 [[nodiscard]] std::string formatSpan(const SourceSpan& span);
 
+/// Appends the same to a text.
+void appendSpan(std::string& out, const SourceSpan& span);
+
 /// The span of one physical line: from its first byte that is no blank or tab to one behind its last byte.
 [[nodiscard]] SourceSpan spanOfLine(const SharedText& path, std::size_t lineNumber, std::string_view rawText);
 

@@ -16,7 +16,6 @@
 #include "taskdsl/task/task_substitution.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <optional>
 #include <utility>
 
@@ -74,7 +73,7 @@ void expandTasks(TaskDocument& document) {
 /// Reads the "extra.yaml" beside the file, when there is one, into a document that holds the caller's defines
 /// and nothing else yet. Returns its collections.
 Collections readExtraYaml(TaskDocument& document, const std::string& path, DocumentContext& context) {
-    if (!context.run.options.isFile(context.run.resolveIncludePath("extra.yaml", path))) {
+    if (!context.run.options.isFile(joinPath(document.directory, "extra.yaml"))) {
         return {};
     }
     auto extra = parseYamlInclude("extra.yaml", path, context);
@@ -132,8 +131,7 @@ TaskDocument readDocument(const TextSlice& text, const std::string& path, const 
                           DocumentContext& context) {
     TaskDocument document;
     document.filePath = path;
-    const std::filesystem::path directory = std::filesystem::path(path).parent_path();
-    document.directory = directory.string();
+    document.directory = parentPath(path);
     mergeDefines(document, defines, NameClash::takeNew);
 
     std::vector<IncludedTasks> included;
@@ -143,7 +141,7 @@ TaskDocument readDocument(const TextSlice& text, const std::string& path, const 
         included.push_back({begin, document.tasks.size()});
     };
 
-    const bool hasDirectory = !directory.empty();
+    const bool hasDirectory = !document.directory.empty();
     Collections collections = hasDirectory ? readExtraYaml(document, path, context) : Collections{};
     std::vector<SourceLine> lines = makeSourceLines(text, SharedText(path));
     {
@@ -157,7 +155,7 @@ TaskDocument readDocument(const TextSlice& text, const std::string& path, const 
         run.taskFiles.add(path);
     }
     if (hasDirectory) {
-        const auto extra = run.resolveIncludePath("extra.mq", path);
+        const auto extra = joinPath(document.directory, "extra.mq");
         if (run.options.isFile(extra) && !run.taskFiles.contains(extra)) {
             includeTasks("extra.mq", path);
             noteExtraTasks(document, context);
@@ -199,7 +197,7 @@ TaskDocument TaskParser::parseContent(std::optional<std::string> text, const std
     text.reset(); // one copy of a large file is enough
     TaskDocument document = parse(whole, path, defines);
     document.filePath = path;
-    document.directory = std::filesystem::path(path).parent_path().string();
+    document.directory = parentPath(path);
     return document;
 }
 
