@@ -70,7 +70,7 @@ list_blocks() {
     # 2 is also a block directory that is missing in some case: those that are there can be sent.
     if [[ $status -ne 0 && ! -s $work/list ]]; then
         cat "$work/err" >&2
-        grep -h '^\[mqkit\]' "$work/out" >&2
+        grep '^\[mqkit\] ' "$work/out" >&2
         rm -rf "$work"
         die "no block directory for -n $1"
     fi

@@ -140,6 +140,25 @@ bool startRunner(const std::string& root, bool dryRun, RebuildSummary& summary) 
     return true;
 }
 
+/// Cleans the cases and runs the generator in full, or tells what would be done.
+bool regenerate(const WorkPlace& place, const std::vector<std::string>& selected,
+                const RebuildOptions& options, RebuildSummary& summary) {
+    // An update at work would put back the records that go here.
+    const auto locks = options.dryRun ? std::optional<WorkLocks>(WorkLocks()) : lockWork(place);
+    if (!locks || !cleanCases(place, selected, options, summary)) {
+        return false;
+    }
+    printGeneratorCommand(place, options.dryRun, rebuildWords);
+    if (!options.dryRun) {
+        if (std::string failure; !runGenerator(place, rebuildWords, failure)) {
+            console::reportError("failed to re-run morquill" + inParentheses(failure));
+            return false;
+        }
+        console::printNote("full morquill rebuild completed");
+    }
+    return true;
+}
+
 bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::string>& selected,
              const RebuildOptions& options) {
     if (!place) {
@@ -147,16 +166,8 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
     }
     printWorkHeader(*place, selected, options.dryRun, rebuildWords);
     RebuildSummary summary;
-    if (!cleanCases(*place, selected, options, summary)) {
+    if (!regenerate(*place, selected, options, summary)) {
         return false;
-    }
-    printGeneratorCommand(*place, options.dryRun, rebuildWords);
-    if (!options.dryRun) {
-        if (std::string failure; !runGenerator(*place, rebuildWords, failure)) {
-            console::reportError("failed to re-run morquill" + inParentheses(failure));
-            return false;
-        }
-        console::printNote("full morquill rebuild completed");
     }
     const bool withRunner = options.runScript && place->kind == TargetKind::Project;
     return !withRunner || startRunner(place->directory, options.dryRun, summary);

@@ -34,6 +34,11 @@ bool prepareRun(const WorkPlace& place, const std::vector<std::string>& selected
 /// Runs the generator on narrowed status files, which are back when this returns, throws or is ended by a
 /// signal.
 bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selected, UpdateSummary& summary) {
+    // Another update would take narrowed files for whole ones and put those back.
+    const auto locks = lockWork(place);
+    if (!locks) {
+        return false;
+    }
     const system::SignalGuard
         signals; // goes last: the status files are back before a signal ends the program
     StatusRestorer statusFiles;
