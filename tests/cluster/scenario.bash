@@ -34,7 +34,7 @@ print_figures() {
         "$recipes/run-block" "$scratch/empty"
     done
     one=$((($(now_ms) - one) / 20))
-    echo "run-block alone: $one ms a block; submissions in all: $(find "$project/cluster" -name 'mqkit-*' -type f | wc -l) lists," \
+    echo "run-block alone: $one ms a block; submissions in all: $(find "$project/cluster" -maxdepth 1 -name 'mqkit-*' | wc -l) lists," \
         "$(sacct -n -X -P -o JobID | wc -l) jobs and array tasks"
 }
 
@@ -72,7 +72,7 @@ drained() { wait_until "${1:-90}" queue_is_empty || check "the queue within ${1:
 started_in() { [[ -s $1/runs ]]; }
 none_runs() { [[ -z $(squeue -h -t running,completing) ]]; }
 table_row() { "$recipes/block-status" -n "$1" | awk -v b="$1" '$1 == b { print $2, $3, $4, $5, $6 }'; }
-job_of() { squeue -h -r -o '%A %K' | awk -v i="$1" '$2 == i { print $1 }'; } # the job of an array index
+job_of() { squeue -h -r -o '%F_%K' | grep "_$1\$"; } # the job of an array index
 
 # Recipe 1 and 4, and of 5 the node that goes: one array; five blocks are done by mq.status, one fails, one is
 # cancelled, one requeued by hand, the node is drained for a while and lost once.
@@ -82,7 +82,7 @@ step_array() {
         printf 'preopt RENDERED 2026-01-01T00:00:00Z -\n' >"m$i/mq.status"
     done
     check "before" "5 0 0 0 $((cases - 5))" "$(table_row preopt)"
-    touch m10/preopt/fail m20/preopt/hang m30/preopt/hang m60/preopt/hang
+    touch m10/preopt/fail m20/preopt/hang m30/preopt/hang m99/preopt/hang
     note=$("$recipes/submit-array" -n preopt --max 40 2>/dev/null)
     check "the first submission" "$((cases - 5)) block(s) in $((cases - 5)) array task(s)" "${note#*, }"
     # mqkit lists the cases by name: the index of one is its line in the list.
@@ -94,13 +94,14 @@ step_array() {
     wait_until 60 started_in m30/preopt && scontrol requeue "$(job_of "$requeued")"
     scontrol update nodename=localhost state=drain reason=test
     wait_until 60 none_runs
-    check "on a drained node nothing runs, and blocks wait" yes "$([[ $(squeue -h -r | wc -l) -gt 0 ]] && echo yes)"
+    check "on a drained node what runs comes to its end" yes "$(none_runs && echo yes)"
+    check "the others wait" yes "$([[ $(squeue -h -r | wc -l) -gt 0 ]] && echo yes)"
     scontrol update nodename=localhost state=resume
-    wait_until 60 started_in m60/preopt
+    wait_until 60 started_in m99/preopt
     sleep 1
     scontrol update nodename=localhost state=down reason=test
     wait_until 30 none_runs
-    scontrol update nodename=localhost state=resume
+    scontrol update nodename=localhost state=resume 2>/dev/null # it may be back already
     drained 120
     check "after the first submission" "$((cases - 2)) 0 0 2 0" "$(table_row preopt)"
     check "what failed" $'m10\texit 3\nm20\tlost: CANCELLED by 0' \
@@ -111,6 +112,8 @@ step_array() {
     drained
     check "a third submission" "submit-array: nothing to send" "$("$recipes/submit-array" -n preopt 2>/dev/null)"
     check "each ended once, those of mq.status never" "5x0 $((cases - 5))x1" "$(counted preopt end)"
+    check "what was requeued and what lost its node began twice" "2 2" \
+        "$(grep -c start m30/preopt/runs) $(grep -c start m99/preopt/runs)"
     note="$cases cases, 2 submissions, at most 40 at once; node drained and lost in between"
 }
 

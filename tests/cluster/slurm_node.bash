@@ -65,7 +65,7 @@ start_accounting() {
         create user 'slurm'@'%' identified by 'scratch'; grant all on accounts.* to 'slurm'@'%';"
     cat >"$node/slurmdbd.conf" <<END
 AuthType=auth/munge
-AuthInfo=socket=$node/munge/socket,ttl=300
+AuthInfo=socket=$node/munge/socket
 DbdHost=localhost
 DbdAddr=127.0.0.1
 DbdPort=$dbd_port
@@ -85,6 +85,7 @@ END
     sacctmgr -i add cluster scratch >/dev/null || true # the controller may have been quicker
 }
 
+# A requeued job waits for as long as its old credentials are good, 120 s unless cred_expire says otherwise.
 write_slurm_conf() {
     cat >"$node/slurm.conf" <<END
 ClusterName=scratch
@@ -94,7 +95,7 @@ SlurmctldPort=$controller_port
 SlurmdPort=$slurmd_port
 SlurmUser=root
 AuthType=auth/munge
-AuthInfo=socket=$node/munge/socket,ttl=300
+AuthInfo=socket=$node/munge/socket,ttl=300,cred_expire=5
 CredType=cred/munge
 StateSaveLocation=$node/state
 SlurmdSpoolDir=$node/spool
