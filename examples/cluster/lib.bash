@@ -98,11 +98,11 @@ block_states() {
     any | marker | status) ;;
     *) die "--done is any, marker or status, not '${option[done]}'" ;;
     esac
-    names=$(cd "$root/cluster" && printf '%s,' mqkit-* | tr -d '*')
+    names=$(cd "$root/cluster" && for name in mqkit-*; do [[ ! -f $name ]] || printf '%s,' "$name"; done)
     : >"$blocks.queue"
     : >"$blocks.past"
-    if command -v squeue >/dev/null; then
-        squeue -h -r --name="$names" -o '%j|%K|%A|%T' >"$blocks.queue" || die "squeue does not answer"
+    if [[ -n $names ]]; then
+        squeue -h -r --name="$names" -o '%j|%K|%A|%T' >"$blocks.queue" || die "squeue does not answer, and blocks were sent"
         # Without accounts there is no sacct; then the reason of a lost block stays unknown.
         sacct -n -X -P -S now-30days --name="$names" -o JobName,JobID,State >"$blocks.past" 2>/dev/null || true
     fi

@@ -240,3 +240,23 @@ step_collect() {
     check "a log of a job" 1 "$(grep -c 'ended well' results/cluster_m17.log)"
     note="$((2 * cases)) files"
 }
+
+# docs/cluster.md, word by word: all its shell blocks in their order, in the project that it speaks of.
+step_document() {
+    local home=$scratch/home block
+    mkdir -p "$home/projects"
+    (cd "$source/examples/water-clusters" &&
+        printf 'clusters\nn\n' | MORQUILL_TASK_PATH=$home/projects mqkit project init &&
+        mqkit project rebuild --path "$home/projects/clusters/clusters.projmq" -n '*' </dev/null) >"$scratch/document.out" 2>&1
+    awk '/^```sh/ { on = 1; next } /^```/ { on = 0 } on' "$source/docs/cluster.md" >"$scratch/document.sh"
+    check "commands in the page" yes "$([[ $(wc -l <"$scratch/document.sh") -gt 20 ]] && echo yes)"
+    (cd "$source" && HOME=$home USER=$(id -un) bash -euo pipefail "$scratch/document.sh") >>"$scratch/document.out" 2>&1
+    check "every one ends well" 0 $?
+    drained
+    cd "$home/projects/clusters" || exit 1
+    for block in preopt opt__r2scan opt__wb97x energy__r2scan energy__wb97x summary__r2scan; do
+        check "$block of the page" "4 0 0 0 0" "$(table_row "$block")"
+    done
+    cd "$project" || exit 1
+    note="$(grep -c . "$scratch/document.sh") lines of shell"
+}

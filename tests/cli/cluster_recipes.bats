@@ -1,0 +1,144 @@
+#!/usr/bin/env bats
+# The recipes of examples/cluster as far as they need no scheduler; script/test-cluster runs all of them on one.
+bats_require_minimum_version 1.5.0
+load siblings
+
+setup() {
+    setup_project
+    recipes="$MQKIT_SOURCE/examples/cluster"
+    unset SLURM_JOB_ID
+    for case in m1 m2; do
+        echo 'echo start >>runs; [ ! -e fail ] || exit 3; echo end >>runs; echo "ran in $PWD"' >$case/opt/comd
+    done
+}
+
+table() { # <done> <failed> <never sent>: of the block opt
+    diff <("$recipes/block-status" -n opt | awk 'NR == 2 { print $2, $5, $6, $3 + $4 }') <(echo "$1 $2 $3 0")
+}
+
+@test "the recipes and the scripts of their test pass shellcheck" {
+    cd "$MQKIT_SOURCE"
+    shellcheck -x -P SCRIPTDIR examples/cluster/{lib.bash,run-block,run-local,block-job,block-status,submit-*}
+    shellcheck -x script/test-cluster tests/cluster/*.bash tests/cluster/morquill
+}
+
+@test "blocks run once, the failed one again, with a log that collect finds" {
+    touch m2/opt/fail
+    table 0 0 2
+    run --separate-stderr "$recipes/run-local" -n opt --at-once 2
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-1]}" = "run-local: some blocks failed: block-status --list failed names them" ]
+    table 1 1 0
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m2/opt	exit 3" ]
+    [ "$("$recipes/block-status" -n opt --list done)" = "$root/m1/opt	marker" ]
+    rm m2/opt/fail
+    run "$recipes/run-local" -n opt --only failed
+    [ "$status" -eq 0 ]
+    table 2 0 0
+    run --separate-stderr "$recipes/run-local" -n opt
+    [ "$status" -eq 0 ]
+    [ "$output" = "run-local: nothing to run" ]
+    [ "$(cat m1/opt/runs)" = $'start\nend' ]
+    [ "$(cat m2/opt/runs)" = $'start\nstart\nend' ]
+    [ "$(sed 's/^== [^ ]* local [^ ]* [0-9]*: //; s/start on .*/start/' m2/opt/cluster.log)" = "start
+failed, exit 3
+start
+ran in $root/m2/opt
+ended well" ]
+    "$MQKIT" project collect -n opt cluster.log
+    cmp results/cluster_m1.log m1/opt/cluster.log
+}
+
+@test "what mq.status calls rendered is done, or not, as asked" {
+    printf '# TASK\nopt RENDERED t -\n' >m1/mq.status
+    printf 'opt FAILED t -\nsoc rendered t -\n' >m2/mq.status
+    table 1 0 1
+    [ "$("$recipes/block-status" -n opt --list done)" = "$root/m1/opt	mq.status" ]
+    [ "$("$recipes/block-status" -n opt --done marker --list new | wc -l)" -eq 2 ]
+    "$recipes/run-local" -n opt
+    [ ! -e m1/opt/runs ]
+    [ -e m2/opt/cluster_done.mqwk ]
+    [ "$("$recipes/block-status" -n opt --done status --list new)" = "$root/m2/opt	" ]
+}
+
+@test "a rebuild forgets what has run" {
+    "$recipes/run-local" -n opt
+    sibling morquill
+    "$MQKIT" project rebuild --path demo.projmq -n opt </dev/null
+    table 0 0 2
+}
+
+@test "a block that somebody runs is left alone, that of a process that is gone is not" {
+    echo "local elsewhere 1" >m1/opt/cluster.claim
+    echo "local $(uname -n) 999999999" >m2/opt/cluster.claim
+    run --separate-stderr "$recipes/run-block" m1/opt
+    [ "$status" -eq 75 ]
+    [ "$stderr" = "run-block: $root/m1/opt is run by: local elsewhere 1" ]
+    [ "$("$recipes/block-status" -n opt --list running)" = "$root/m1/opt	local elsewhere 1" ]
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m2/opt	lost: local $(uname -n) 999999999" ]
+    "$recipes/run-local" -n opt
+    [ ! -e m1/opt/runs ]
+    [ "$(cat m2/opt/runs)" = $'start\nend' ]
+    # The job that left the claim takes it up again.
+    echo "slurm 7" >m1/opt/cluster.claim
+    SLURM_JOB_ID=8 run "$recipes/run-block" m1/opt
+    [ "$status" -eq 75 ]
+    SLURM_JOB_ID=7 "$recipes/run-block" m1/opt
+    [ "$(cat m1/opt/runs)" = $'start\nend' ]
+    [ ! -e m1/opt/cluster.claim ]
+}
+
+@test "a signal ends all that a block has started, and the block is not done" {
+    echo 'echo start >>runs; (trap "echo closed >>runs; exit 0" TERM; echo $BASHPID >inner; sleep 60 & wait) & wait' >m1/opt/comd
+    for signal in TERM INT USR1; do
+        rm -f m1/opt/{runs,inner}
+        env --default-signal "$recipes/run-block" m1/opt 3>&- &
+        pid=$!
+        for _ in $(seq 100); do
+            [ -s m1/opt/inner ] && break
+            sleep 0.1
+        done
+        kill -s "$signal" "$pid"
+        status=0
+        wait "$pid" || status=$?
+        [ "$status" -eq 143 ]
+        [ "$(cat m1/opt/runs)" = $'start\nclosed' ]
+        ! kill -0 "$(cat m1/opt/inner)" 2>/dev/null
+        [ ! -e m1/opt/cluster_done.mqwk ] && [ ! -e m1/opt/cluster.claim ] && [ ! -e m1/opt/cluster.failed ]
+        [[ $(tail -n 1 m1/opt/cluster.log) == *": stopped by SIG$signal" ]]
+    done
+}
+
+@test "names that a shell would take apart" {
+    mv m2 'm 2 "$x" \'\''%s'
+    "$recipes/run-local" -n opt
+    if command -v parallel >/dev/null; then
+        rm m*/opt/cluster_done.mqwk
+        "$recipes/run-local" -n opt --with parallel
+    fi
+    table 2 0 0
+}
+
+@test "every script says what is wrong, in one line" {
+    told() { # <message> <script> <arguments>...
+        run --separate-stderr "$recipes/$2" "${@:3}"
+        [ "$status" -ne 0 ]
+        [ "${stderr_lines[-1]}" = "$1" ] || { echo "$stderr"; return 1; }
+    }
+    told "block-status: name the task blocks with -n, for instance -n opt" block-status
+    told "block-status: no block directory for -n nothing" block-status -n nothing
+    told "block-status: --list is done, running, queued, failed or new, not 'all'" block-status -n opt --list all
+    told "block-status: --done is any, marker or status, not 'x'" block-status -n opt --done x
+    told "block-status: -n needs a value (usage: block-status [--path P] -n blocks [--done any|marker|status] [--list done|running|queued|failed|new])" block-status -n
+    told "run-local: --at-once needs a positive number, not '0'" run-local -n opt --at-once 0
+    told "run-local: --with is xargs or parallel, not 'make'" run-local -n opt --with make
+    told "run-local: --only is failed or new, not 'done'" run-local -n opt --only done
+    told "run-block: no such directory: none" run-block none
+    told "run-block: no comd in $root/m1/soc: have it generated first" run-block m1/soc
+    told "run-block: usage: run-block <block directory>" run-block
+    told "block-job: usage: block-job <folder> <at once> <list> [<block directory>]" block-job
+    MQKIT=no-such-mqkit told "block-status: 'no-such-mqkit' is needed and not in PATH" block-status -n opt
+    run "$recipes/submit-chain" --help
+    [ "$status" -eq 0 ]
+    [[ ${lines[0]} == "usage: submit-chain "* ]]
+}
