@@ -1,6 +1,7 @@
 # What became of each block. Reads the queue (name|index|job|state), the accounts (name|job[_index]|state), the lists of
 # all submissions (name <tab> key <tab> directory; the key is an array index or a job number) and the blocks, one a line.
-# Prints state, directory and reason: done, running, queued, failed or new.
+# Prints state (done, running, queued, failed or new), directory, reason and, where there is one, the claim of a job that
+# is gone.
 
 function first_line(path,    line) {
     line = ""
@@ -64,6 +65,7 @@ FILENAME == ARGV[3] {
     case_dir = substr(dir, 1, length(dir) - length(part[n]) - 1)
     state = "new"
     reason = ""
+    gone = ""
     claim = first_line(dir "/cluster.claim")
     failure = first_line(dir "/cluster.failed")
     if (ENVIRON["DONE_BY"] != "status" && first_line(dir "/cluster_done.mqwk") != "") {
@@ -88,5 +90,6 @@ FILENAME == ARGV[3] {
         state = "failed"
         reason = "lost: " claim
     }
-    print state "\t" dir "\t" reason
+    if (state == "failed" || state == "new") gone = claim
+    print state "\t" dir "\t" reason "\t" gone
 }

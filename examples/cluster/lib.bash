@@ -91,7 +91,8 @@ take_blocks() {
     mkdir -p "$root/cluster/output" || die "cannot write in $root"
 }
 
-# block_states: "<state> <tab> <directory> <tab> <reason>" for each line of the file `blocks`
+# block_states: "<state> <tab> <directory> <tab> <reason> <tab> <claim of a job that is gone>" for each line of the file
+# `blocks`
 block_states() {
     local names
     case ${option[done]:-any} in
@@ -123,19 +124,17 @@ blocks_to_send() {
     awk -F '\t' -v only=",$only," 'index(only, "," $1 ",") { print $2 }' "$blocks.states"
 }
 
-# drop_claim <directory>: takes away the claim of a job that is gone, never a newer one that came meanwhile
-drop_claim() {
-    local claim=$1/cluster.claim seen aside=$1/.cluster.claim.$$
-    seen=$(cat "$claim" 2>/dev/null) || return 0
-    mv "$claim" "$aside" 2>/dev/null || return 0
-    [[ $(cat "$aside") == "$seen" ]] || ln "$aside" "$claim"
-    rm -f "$aside"
-}
-
-drop_claims() { # of the directories on standard input
-    while IFS= read -r dir; do
-        [[ ! -e $dir/cluster.claim ]] || drop_claim "$dir"
-    done
+# drop_claims: takes away the claims that `block_states` has found to be of jobs that are gone. One that has come since
+# is of somebody who works there now, and stays.
+drop_claims() {
+    local dir gone aside
+    while IFS=$'\t' read -r dir gone; do
+        [[ $(cat "$dir/cluster.claim" 2>/dev/null) == "$gone" ]] || continue
+        aside=$dir/.cluster.claim.$$
+        mv "$dir/cluster.claim" "$aside" 2>/dev/null || continue
+        [[ $(cat "$aside") == "$gone" ]] || ln "$aside" "$dir/cluster.claim"
+        rm -f "$aside"
+    done < <(awk -F '\t' '$4 != "" { print $2 "\t" $4 }' "$blocks.states")
 }
 
 # new_list: an empty list of a submission in <project>/cluster; prints its path, whose last part names the jobs

@@ -38,6 +38,7 @@ table() { # <done> <failed> <never sent>: of the block opt
     run --separate-stderr "$recipes/run-local" -n opt
     [ "$status" -eq 0 ]
     [ "$output" = "run-local: nothing to run" ]
+    "$recipes/run-block" m1/opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ "$(cat m2/opt/runs)" = $'start\nstart\nend' ]
     [ "$(sed 's/^== [^ ]* local [^ ]* [0-9]*: //; s/start on .*/start/' m2/opt/cluster.log)" = "start
@@ -86,6 +87,19 @@ ended well" ]
     SLURM_JOB_ID=7 "$recipes/run-block" m1/opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ ! -e m1/opt/cluster.claim ]
+}
+
+@test "a claim that comes while a selection is made stays" {
+    mkdir "$BATS_TEST_TMPDIR/held"
+    echo "local $(uname -n) 999999999" >m1/opt/cluster.claim
+    # The first reading of the blocks lets somebody else take m1 before it goes on.
+    printf '#!/bin/sh\n"%s" "$@"; status=$?\necho "local elsewhere 1" >%s/m1/opt/cluster.claim\nexit $status\n' "$(command -v awk)" "$root" \
+        >"$BATS_TEST_TMPDIR/held/awk"
+    chmod +x "$BATS_TEST_TMPDIR/held/awk"
+    PATH="$BATS_TEST_TMPDIR/held:$PATH" run "$recipes/run-local" -n opt
+    [ ! -e m1/opt/runs ]
+    [ "$(cat m1/opt/cluster.claim)" = "local elsewhere 1" ]
+    [ -e m2/opt/cluster_done.mqwk ]
 }
 
 @test "a signal ends all that a block has started, and the block is not done" {
