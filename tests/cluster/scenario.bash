@@ -34,7 +34,7 @@ print_figures() {
         "$recipes/run-block" "$scratch/empty"
     done
     one=$((($(now_ms) - one) / 20))
-    echo "run-block alone: $one ms a block; submissions in all: $(find "$project/cluster" -maxdepth 1 -name 'mqkit-*' | wc -l) lists," \
+    echo "run-block alone: $one ms a block; submissions in all: $(find "$project/cluster" -maxdepth 1 -name 'mqkit-*' | wc -l)," \
         "$(sacct -n -X -P -o JobID | wc -l) jobs and array tasks"
 }
 
@@ -233,6 +233,21 @@ wait_for_children() { # all but the daemons
     done
 }
 
+# What a block costs beside its own 0.2 s when 64 of them have room: one array task each, or bundles of 25.
+step_overhead() {
+    local begin bundle
+    note='a block costs beside its own time'
+    for bundle in 1 25; do
+        mqkit project exec -n grid -- rm -f cluster_done.mqwk runs >/dev/null
+        begin=$(now_ms)
+        "$recipes/submit-array" -n grid --bundle "$bundle" --at-once 8 -- --cpus-per-task="$((bundle > 8 ? 8 : 1))" \
+            >/dev/null 2>&1
+        drained
+        check "each ended once" "${cases}x1" "$(counted grid end)"
+        note+=", $((($(now_ms) - begin) / cases - 200 / 64)) ms in bundles of $bundle"
+    done
+}
+
 step_collect() {
     mqkit project collect -n energy 'energy.log' 'cluster.log' >"$scratch/collect.out" 2>&1
     check "collect ends with" 0 $?
@@ -254,7 +269,7 @@ step_document() {
     check "every one ends well" 0 $?
     drained
     cd "$home/projects/clusters" || exit 1
-    for block in preopt opt__r2scan opt__wb97x energy__r2scan energy__wb97x summary__r2scan; do
+    for block in {preopt,opt,energy,summary}__{r2scan,wb97x}; do
         check "$block of the page" "4 0 0 0 0" "$(table_row "$block")"
     done
     cd "$project" || exit 1
