@@ -22,12 +22,13 @@ function rendered(case_dir, task,    line, word, path, found) {
     return found
 }
 
-# A claim is "slurm <job>", or "local <host> <process>". One of another machine is taken as alive.
+# A claim is "slurm <user> <job>" or "local <user> <host> <process>". One of somebody else or of another machine is taken
+# as alive: a queue may show its owner alone what is in it.
 function claim_lives(claim,    word) {
     split(claim, word, " ")
-    if (word[1] == "slurm") return word[2] in live
-    if (word[1] == "local") return word[2] != ENVIRON["HOST"] || system("kill -0 " (word[3] + 0) " 2>/dev/null") == 0
-    return 0
+    if (word[2] != ENVIRON["ME"]) return 1
+    if (word[1] == "slurm") return word[3] in live
+    return word[3] != ENVIRON["HOST"] || system("kill -0 " (word[4] + 0) " 2>/dev/null") == 0
 }
 
 FILENAME == ARGV[1] {

@@ -110,7 +110,7 @@ block_states() {
     for name in "$root"/cluster/mqkit-*; do
         [[ ! -f $name ]] || sed "s|^|${name##*/}	|" "$name"
     done >"$blocks.sent"
-    DONE_BY=${option[done]:-any} HOST=$(uname -n) awk -f "$tools/block-states.awk" \
+    DONE_BY=${option[done]:-any} HOST=$(uname -n) ME=$(id -un) awk -f "$tools/block-states.awk" \
         "$blocks.queue" "$blocks.past" "$blocks.sent" "$blocks"
 }
 
@@ -138,7 +138,12 @@ drop_claims() {
 }
 
 # new_list: an empty list of a submission in <project>/cluster; prints its path, whose last part names the jobs
-new_list() { mktemp "$root/cluster/mqkit-XXXXXX" || die "cannot write in $root/cluster"; }
+new_list() {
+    local list
+    list=$(mktemp "$root/cluster/mqkit-XXXXXX") || die "cannot write in $root/cluster"
+    chmod "$(printf %o $((0666 & ~$(umask))))" "$list" # colleagues read it, too
+    echo "$list"
+}
 
 # send <list> <sbatch options>...: submits; prints the job's number
 send() {

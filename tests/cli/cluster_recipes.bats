@@ -41,7 +41,7 @@ table() { # <done> <failed> <never sent>: of the block opt
     "$recipes/run-block" m1/opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ "$(cat m2/opt/runs)" = $'start\nstart\nend' ]
-    [ "$(sed 's/^== [^ ]* local [^ ]* [0-9]*: //; s/start on .*/start/' m2/opt/cluster.log)" = "start
+    [ "$(sed 's/^== [^ ]* local [^ ]* [^ ]* [0-9]*: //; s/start on .*/start/' m2/opt/cluster.log)" = "start
 failed, exit 3
 start
 ran in $root/m2/opt
@@ -70,18 +70,18 @@ ended well" ]
 }
 
 @test "a block that somebody runs is left alone, that of a process that is gone is not" {
-    echo "local elsewhere 1" >m1/opt/cluster.claim
-    echo "local $(uname -n) 999999999" >m2/opt/cluster.claim
+    echo "local $(id -un) elsewhere 1" >m1/opt/cluster.claim
+    echo "local $(id -un) $(uname -n) 999999999" >m2/opt/cluster.claim
     run --separate-stderr "$recipes/run-block" m1/opt
     [ "$status" -eq 75 ]
-    [ "$stderr" = "run-block: $root/m1/opt is run by: local elsewhere 1" ]
-    [ "$("$recipes/block-status" -n opt --list running)" = "$root/m1/opt	local elsewhere 1" ]
-    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m2/opt	lost: local $(uname -n) 999999999" ]
+    [ "$stderr" = "run-block: $root/m1/opt is run by: local $(id -un) elsewhere 1" ]
+    [ "$("$recipes/block-status" -n opt --list running)" = "$root/m1/opt	local $(id -un) elsewhere 1" ]
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m2/opt	lost: local $(id -un) $(uname -n) 999999999" ]
     "$recipes/run-local" -n opt
     [ ! -e m1/opt/runs ]
     [ "$(cat m2/opt/runs)" = $'start\nend' ]
     # The job that left the claim takes it up again.
-    echo "slurm 7" >m1/opt/cluster.claim
+    echo "slurm $(id -un) 7" >m1/opt/cluster.claim
     SLURM_JOB_ID=8 run "$recipes/run-block" m1/opt
     [ "$status" -eq 75 ]
     SLURM_JOB_ID=7 "$recipes/run-block" m1/opt
@@ -89,16 +89,52 @@ ended well" ]
     [ ! -e m1/opt/cluster.claim ]
 }
 
+@test "what a colleague has claimed is never taken for lost" {
+    echo "slurm somebody-else 7" >m1/opt/cluster.claim
+    echo "local somebody-else $(uname -n) 999999999" >m2/opt/cluster.claim
+    [ "$("$recipes/block-status" -n opt --list running | cut -f 2)" = "slurm somebody-else 7
+local somebody-else $(uname -n) 999999999" ]
+    run --separate-stderr "$recipes/run-local" -n opt
+    [ "$output" = "run-local: nothing to run" ]
+}
+
+@test "a list of a submission can be read by colleagues; too many elements are told before anything is sent" {
+    sibling squeue
+    sibling sacct
+    sibling sbatch 'echo 5'
+    sibling scontrol 'echo "MaxArraySize = 3"'
+    umask 022
+    run --separate-stderr "$recipes/submit-array" -n opt --max 7 -- --time=1
+    [ "$output" = "submit-array: job 5, 2 block(s) in 2 array task(s)" ]
+    list="$(echo cluster/mqkit-*)"
+    [ "$(stat -c %a "$list")" = 644 ]
+    [ "$(cat "$list")" = "1	$root/m1/opt
+2	$root/m2/opt" ]
+    grep -qF "sbatch --parsable --job-name=${list##*/} --output=$root/cluster/output/%x_%a.out --open-mode=append --requeue --signal=B:USR1@60 --array=1-2%7 --time=1 $recipes/block-job $recipes 1 $root/$list in $root" "$RECORD"
+    sibling scontrol 'echo "MaxArraySize = 2"'
+    rm "$RECORD"
+    run --separate-stderr "$recipes/submit-array" -n opt
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-1]}" = "submit-array: 2 array tasks, and this site takes 1 in one array: bundle them, --bundle 2" ]
+    run ! grep sbatch "$RECORD"
+    sibling sbatch 'echo "no such partition" >&2; exit 1'
+    run --separate-stderr "$recipes/submit-array" -n opt --bundle 2
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-2]}" = "no such partition" ]
+    [ "${stderr_lines[-1]}" = "submit-array: sbatch took nothing" ]
+    [ "$(echo cluster/mqkit-*)" = "$list" ]
+}
+
 @test "a claim that comes while a selection is made stays" {
     mkdir "$BATS_TEST_TMPDIR/held"
-    echo "local $(uname -n) 999999999" >m1/opt/cluster.claim
+    echo "local $(id -un) $(uname -n) 999999999" >m1/opt/cluster.claim
     # The first reading of the blocks lets somebody else take m1 before it goes on.
-    printf '#!/bin/sh\n"%s" "$@"; status=$?\necho "local elsewhere 1" >%s/m1/opt/cluster.claim\nexit $status\n' "$(command -v awk)" "$root" \
+    printf '#!/bin/sh\n"%s" "$@"; status=$?\necho "local $(id -un) elsewhere 1" >%s/m1/opt/cluster.claim\nexit $status\n' "$(command -v awk)" "$root" \
         >"$BATS_TEST_TMPDIR/held/awk"
     chmod +x "$BATS_TEST_TMPDIR/held/awk"
     PATH="$BATS_TEST_TMPDIR/held:$PATH" run "$recipes/run-local" -n opt
     [ ! -e m1/opt/runs ]
-    [ "$(cat m1/opt/cluster.claim)" = "local elsewhere 1" ]
+    [ "$(cat m1/opt/cluster.claim)" = "local $(id -un) elsewhere 1" ]
     [ -e m2/opt/cluster_done.mqwk ]
 }
 
@@ -117,7 +153,7 @@ ended well" ]
         wait "$pid" || status=$?
         [ "$status" -eq 143 ]
         [ "$(cat m1/opt/runs)" = $'start\nclosed' ]
-        ! kill -0 "$(cat m1/opt/inner)" 2>/dev/null
+        run ! kill -0 "$(cat m1/opt/inner)"
         [ ! -e m1/opt/cluster_done.mqwk ] && [ ! -e m1/opt/cluster.claim ] && [ ! -e m1/opt/cluster.failed ]
         [[ $(tail -n 1 m1/opt/cluster.log) == *": stopped by SIG$signal" ]]
     done
