@@ -126,6 +126,29 @@ bool startRunner(const std::string& root, console::RunMode mode, RebuildSummary 
     return true;
 }
 
+/// Cleans the cases and runs the generator in full, or shows what would be done. Nothing after a message.
+std::optional<RebuildSummary> regenerate(const WorkPlace& place, const std::vector<std::string>& selected,
+                                         const RebuildOptions& options) {
+    // An update at work would put back the records that go here.
+    const auto locks = options.dryRun ? std::optional<WorkLocks>(WorkLocks()) : lockWork(place);
+    if (!locks) {
+        return std::nullopt;
+    }
+    const auto summary = cleanCases(place, selected, options);
+    if (!summary) {
+        return std::nullopt;
+    }
+    printGeneratorCommand(place, console::runMode(options.dryRun), rebuildWords);
+    if (!options.dryRun) {
+        if (const auto failure = runGenerator(place, rebuildWords)) {
+            console::reportError("failed to re-run morquill" + inParentheses(*failure));
+            return std::nullopt;
+        }
+        console::printNote("full morquill rebuild completed");
+    }
+    return summary;
+}
+
 bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::string>& selected,
              const RebuildOptions& options) {
     if (!place) {
@@ -133,17 +156,9 @@ bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::strin
     }
     const auto mode = console::runMode(options.dryRun);
     printWorkHeader(*place, selected, mode, rebuildWords);
-    const auto summary = cleanCases(*place, selected, options);
+    const auto summary = regenerate(*place, selected, options);
     if (!summary) {
         return false;
-    }
-    printGeneratorCommand(*place, mode, rebuildWords);
-    if (!options.dryRun) {
-        if (const auto failure = runGenerator(*place, rebuildWords)) {
-            console::reportError("failed to re-run morquill" + inParentheses(*failure));
-            return false;
-        }
-        console::printNote("full morquill rebuild completed");
     }
     const bool withRunner = options.runScript && place->kind == TargetKind::Project;
     return !withRunner || startRunner(place->directory, mode, *summary);

@@ -2,6 +2,7 @@
 
 #include "console/messages.h"
 #include "project/cases/target.h"
+#include "support/descriptor.h"
 
 #include <optional>
 #include <string>
@@ -39,6 +40,14 @@ inline constexpr WorkflowWords rebuildWords{"rebuild", "Rebuild", "full", ""};
 [[nodiscard]] std::optional<WorkPlace> openProject(const std::string& root, const std::string& file,
                                                    const std::vector<std::string>& selected,
                                                    const WorkflowWords& words);
+
+/// The locks of one workflow on the status files that it changes, held for as long as these live.
+using WorkLocks = std::vector<Descriptor>;
+
+/// Keeps every other update and rebuild out of these cases; nothing, after a message, when one is at work
+/// there. Two on different cases do not meet. Where the file system has no locks there is nothing to keep
+/// them apart.
+[[nodiscard]] std::optional<WorkLocks> lockWork(const WorkPlace& place);
 
 void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, console::RunMode mode,
                      const WorkflowWords& words);

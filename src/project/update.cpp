@@ -36,6 +36,11 @@ std::optional<UpdateSummary> prepareRun(const WorkPlace& place, const std::vecto
 /// Runs the generator on narrowed status files, which are back when this returns, throws or is ended by a
 /// signal. Nothing after a message.
 std::optional<UpdateSummary> refreshComd(const WorkPlace& place, const std::vector<std::string>& selected) {
+    // Another update would take narrowed files for whole ones and put those back.
+    const auto locks = lockWork(place);
+    if (!locks) {
+        return std::nullopt;
+    }
     // Goes last: the status files are back before a signal ends the program.
     const system::SignalGuard signals;
     StatusRestorer statusFiles;
