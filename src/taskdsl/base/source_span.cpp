@@ -15,13 +15,16 @@ std::int32_t toCoordinate(std::size_t value) noexcept {
     return static_cast<std::int32_t>(std::min(value, most));
 }
 
+void appendNumber(std::string& out, std::int32_t number) {
+    std::array<char, 16> buffer{};
+    out.append(buffer.begin(), std::to_chars(buffer.begin(), buffer.end(), number).ptr);
+}
+
 /// `<line>:<column>`.
 void appendPlace(std::string& out, std::int32_t line, std::int32_t column) {
-    std::array<char, 24> buffer{};
-    char* end = std::to_chars(buffer.begin(), buffer.end(), line).ptr;
-    *end++ = ':';
-    end = std::to_chars(end, buffer.end(), column).ptr;
-    out.append(buffer.begin(), end);
+    appendNumber(out, line);
+    out += ':';
+    appendNumber(out, column);
 }
 
 } // namespace
