@@ -97,5 +97,20 @@ TEST(Shared, WithoutAValueIsAnEmptyOne) {
     EXPECT_TRUE(none.empty());
 }
 
+#ifdef __SANITIZE_ADDRESS__
+// The checked build has to check what the headers define inline.
+TEST(CheckedBuildDeathTest, SeesAReadOfFreedMemoryInAHeader) {
+    auto* text = new SharedText("gone");
+    delete text;
+    EXPECT_DEATH((void)text->size(), "heap-use-after-free");
+}
+
+TEST(CheckedBuildDeathTest, SeesAnIndexBehindTheEndOfAView) {
+    const TextSlice slice("ab");
+    volatile std::size_t behind = 7;
+    EXPECT_DEATH((void)slice.view()[behind], "Assertion");
+}
+#endif
+
 } // namespace
 } // namespace morquill
