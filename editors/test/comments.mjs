@@ -30,11 +30,13 @@ export async function trialsOfExamples() {
   return trials.map((trial, i) => ({ ...trial, comment: stripped[i] })).filter((_, i) => !silent.has(i));
 }
 
-/// Lines of quotes, backslashes and marks, as one condition each; `begin` is where the program begins the comment, at
-/// or behind the last byte that it keeps.
+/// Lines of quotes, backslashes and marks, as one condition each; `kept` is what the program keeps of it as a value.
 export function quotingTrials(count) {
   const puzzles = quotingPuzzles(count);
-  return keptText(puzzles).map((kept, i) => ({ text: `$t\n  %when ${puzzles[i]}\n`, number: 1, kept, line: `  %when ${puzzles[i]}` }));
+  return keptText(puzzles).map((kept, i) => {
+    const line = `  %when ${puzzles[i]}`;
+    return { text: `$t\n${line}\n`, number: 1, kept, line };
+  });
 }
 
 /// What is left of a line whose comment begins at `begin` (-1: it has none), as the value of its directive.

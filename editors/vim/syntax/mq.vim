@@ -158,10 +158,10 @@ syntax region mqStatementString start=/"/ skip=/\\./ end=/"\|$/ oneline containe
 syntax region mqStatementString start=/'/ end=/'\|$/ oneline contained contains=mqKey
 syntax cluster mqStatement contains=mqStatementComment,mqStatementEscape,mqStatementString,mqSnapshot,mqKey,mqNumber,mqFunction
 syntax match mqFunction /\%([A-Za-z0-9_.]\)\@<!\h\w*(\@=/ contained
-syntax match mqPlotWord /^\s*\zs\c\%(from\|axis\|legend\|title\|output\|format\|terminal\|size\|style\|theme\|missing\|x\|y\|intensity\|z\|yerr\|yerror\|error\|series\|threshold\|relative\|sort\|mode\|broaden\|range\|bins\|density\|limit\|diagonal\|fit\|metrics\|point\|column\|system\|orbitals\?\|spin\|roots\?\|states\?\|arrow\|transition\|unit\|label\|value\|scale\|position\|visible\|order\)\%([A-Za-z0-9_.\-]\)\@!/ contained
 syntax match mqPlotOption /[ \t)]\@<=\c\%(label\|unit\|log\|scale\|axis\|style\|value\|fwhm\|task\|multiplicity\|root\|to\|by\)\%([A-Za-z0-9_.\-]\)\@!/ contained
-syntax match mqDeriveWord /^\s*\zs\c\%(let\|require\|assert\|report\|emit\|formula\|profile\|bind\|from\|join\|where\|select\|group\|aggregate\|reduce\|sort\|limit\|unit\)\%([A-Za-z0-9_.\-]\)\@!/ contained
+syntax match mqPlotWord /^\s*\zs\c\%(from\|axis\|legend\|title\|output\|format\|terminal\|size\|style\|theme\|missing\|x\|y\|intensity\|z\|yerr\|yerror\|error\|series\|threshold\|relative\|sort\|mode\|broaden\|range\|bins\|density\|limit\|diagonal\|fit\|metrics\|point\|column\|system\|orbitals\?\|spin\|roots\?\|states\?\|arrow\|transition\|unit\|label\|value\|scale\|position\|visible\|order\)\%([A-Za-z0-9_.\-]\)\@!/ contained
 syntax match mqDeriveOption /[ \t)]\@<=\c\%(as\|by\|on\|to\|in\|and\|or\|not\|else\|matches\|for\|asc\|desc\|table\|value\|atomvec\|kv\|artifact\|csv\|tsv\|jsonl\|root\|unit\|from\)\%([A-Za-z0-9_.\-]\)\@!/ contained
+syntax match mqDeriveWord /^\s*\zs\c\%(let\|require\|assert\|report\|emit\|formula\|profile\|bind\|from\|join\|where\|select\|group\|aggregate\|reduce\|sort\|limit\|unit\)\%([A-Za-z0-9_.\-]\)\@!/ contained
 execute 'syntax match mqBlockHead /^\%(' . s:capture . '\|\s*%plot' . s:behind . '\).*$/ contained contains=mqBlockWord,mqDirectivePlot,mqPlotKind,mqComment,mqKey'
 syntax match mqBlockWord /^\s*@\%(plot\|derive\)/ contained
 syntax match mqDirectivePlot /^\s*%plot/ contained
