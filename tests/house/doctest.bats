@@ -91,6 +91,11 @@ mqkit <command>
 $ echo '$ ls'
 $ ls
 ```
+
+```console
+$ mqkit-graph ../opt.mq --format mermaid | head -n 1
+flowchart TD
+```
 PAGE
 }
 
