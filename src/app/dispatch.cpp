@@ -18,6 +18,7 @@
 #include <exception>
 #include <span>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace morquill::app {
@@ -165,8 +166,9 @@ std::string commandLine(const CommandEntry& entry) {
     try {
         return console::finishOutput(command(argc, argv));
     } catch (const std::exception& fault) {
-        // A lack of memory is no fault of the program; whatever else gets here is one and ends it.
-        if (!isOutOfMemory(fault)) {
+        // Neither a lack of memory nor a failing file system is a fault of the program; whatever else gets here is
+        // one and ends it.
+        if (!isOutOfMemory(fault) && dynamic_cast<const std::system_error*>(&fault) == nullptr) {
             throw;
         }
         console::reportError(console::ErrorTag::coloured, faultText(fault, {}));

@@ -27,7 +27,7 @@ const std::vector<ClassRow>& classRows() {
     static const std::vector<ClassRow> rows{
         {CallClass::open, {of(EACCES), of(EIO), of(EMFILE), of(ENOSPC), of(EINTR)}, 1},
         {CallClass::read, {of(EIO), of(EINTR), "short"}, 1},
-        {CallClass::stat, {of(EIO), of(EACCES)}, 1},
+        {CallClass::stat, {of(EIO), of(ENOMEM)}, 1},
         {CallClass::write, {of(ENOSPC), of(EIO), of(EINTR), "short", "full"}, 1},
         {CallClass::room, {of(ENOSPC), of(EIO), of(EINTR)}, 1},
         {CallClass::close, {of(EIO), of(ENOSPC), of(EINTR)}, 1},
