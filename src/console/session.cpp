@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <exception>
+#include <system_error>
 
 namespace morquill::console {
 
@@ -20,8 +21,9 @@ namespace {
     try {
         return finishOutput(command(argc, argv));
     } catch (const std::exception& fault) {
-        // A lack of memory is no fault of the program; whatever else gets here is one and ends it.
-        if (!isOutOfMemory(fault)) {
+        // Neither a lack of memory nor a failing file system is a fault of the program; whatever else gets here is
+        // one and ends it.
+        if (!isOutOfMemory(fault) && dynamic_cast<const std::system_error*>(&fault) == nullptr) {
             throw;
         }
         reportError(ErrorTag::coloured, faultText(fault, {}));

@@ -39,7 +39,7 @@ std::optional<std::vector<std::string>> listByExtension(const std::string& dir, 
         std::string path = joinPath(dir, entry.name);
         const std::string extension = toLower(extensionOf(path));
         if (std::find(extensions.begin(), extensions.end(), extension) != extensions.end() &&
-            isRegularFile(path)) {
+            (entry.kind == EntryKind::file || (entry.kind == EntryKind::link && isRegularFile(path)))) {
             files.push_back(std::move(path));
         }
     }

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -54,15 +55,29 @@ std::string targetName(const std::string& source, const std::string& caseName) {
     return stemOf(source) + "_" + caseName + std::string(extensionOf(source));
 }
 
+/// What a pattern matches in a block; nothing, after a message, when the block cannot be read.
+std::optional<std::vector<std::string>> findItems(const CollectPlace& place, const std::string& pattern) {
+    const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
+    try {
+        return expandBlockPattern(place.blockDir, pattern,
+                                  directoriesOnly ? MatchedKind::directories : MatchedKind::any);
+    } catch (const std::system_error& failure) {
+        console::reportWarning(failure.what());
+        return std::nullopt;
+    }
+}
+
 void collectPattern(const CollectPlace& place, const std::string& pattern, console::RunMode mode,
                     CollectSummary& summary) {
-    const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
-    const auto matches = expandBlockPattern(place.blockDir, pattern,
-                                            directoriesOnly ? MatchedKind::directories : MatchedKind::any);
-    if (matches.empty()) {
+    const auto matches = findItems(place, pattern);
+    if (!matches) {
+        summary.failed += 1;
+        return;
+    }
+    if (matches->empty()) {
         console::printSkip(place.label + " : " + pattern);
     }
-    for (const auto& match : matches) {
+    for (const auto& match : *matches) {
         const auto source = joinPath(place.blockDir, match);
         const auto target = joinPath(place.targetDir, targetName(source, place.caseName));
         console::printNote(std::string("copy: ").append(source).append(" -> ").append(target));

@@ -24,7 +24,7 @@ namespace {
 
 std::vector<std::string> listWorkMarkers(const std::string& blockDir) {
     std::vector<std::string> markers;
-    for (const auto& name : listDirectoryEntries(blockDir, "*")) {
+    for (const auto& name : listDirectoryEntries(blockDir, "*.mqwk")) {
         auto path = joinPath(blockDir, name);
         if (extensionOf(name) == ".mqwk" && isRegularFile(path)) {
             markers.push_back(std::move(path));

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <memory>
+#include <new>
 
 #include <fcntl.h>
 
@@ -27,7 +28,11 @@ bool stops(const StopTest& isStopped) {
 
 bool copyThroughMemory(int from, int to, const StopTest& isStopped) {
     constexpr std::size_t bufferSize = 1 << 18;
-    const auto buffer = std::make_unique<char[]>(bufferSize);
+    const std::unique_ptr<char[]> buffer(new (std::nothrow) char[bufferSize]);
+    if (!buffer) {
+        errno = ENOMEM;
+        return false;
+    }
     while (!stops(isStopped)) {
         const ssize_t got = readSome(from, buffer.get(), bufferSize);
         if (got <= 0) {

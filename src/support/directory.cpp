@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <memory>
 #include <string_view>
+#include <system_error>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -71,16 +72,29 @@ std::optional<std::vector<DirectoryEntry>> readAsListed(const std::string& dir) 
     return entries;
 }
 
+/// True for what only says that there is no such directory.
+bool isAbsence(int error) noexcept {
+    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
+}
+
+/// A directory that is there and cannot be read must not pass for an empty one.
+void requireRead(int error, const std::string& dir) {
+    if (error != 0 && !isAbsence(error)) {
+        throw std::system_error(error, std::system_category(), "could not read directory " + dir);
+    }
+}
+
 /// The names that `accept` takes, in ascending byte order.
 template <class Accept>
 std::vector<std::string> sortedNames(const std::string& dir, Accept accept) {
     std::vector<std::string> names;
-    (void)eachEntry(dir, [&](DIR* /*open*/, const dirent& entry) {
+    const int error = eachEntry(dir, [&](DIR* /*open*/, const dirent& entry) {
         if (accept(entry.d_name)) {
             names.emplace_back(entry.d_name);
         }
         return true;
     });
+    requireRead(error, dir);
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -114,10 +128,11 @@ std::vector<std::string> listDirectoryEntries(const std::string& dir, const std:
 
 bool anyDirectoryEntry(const std::string& dir, const std::function<bool(const std::string&)>& accept) {
     bool found = false;
-    (void)eachEntry(dir, [&](DIR* /*open*/, const dirent& entry) {
+    const int error = eachEntry(dir, [&](DIR* /*open*/, const dirent& entry) {
         found = accept(entry.d_name);
         return !found;
     });
+    requireRead(error, dir);
     return found;
 }
 

@@ -24,6 +24,20 @@ bool exceedsMemory(off_t size) noexcept {
     return pages > 0 && pageSize > 0 && size / pageSize >= pages;
 }
 
+/// What a path leads to; `none` for what this user may not look at. A path that the system fails to look up must
+/// not pass for a free one: that throws `std::system_error`.
+fs::file_type kindAt(const std::string& path) {
+    std::error_code error;
+    const auto type = fs::status(path, error).type();
+    const bool isAnswer = !error || type == fs::file_type::not_found || error == std::errc::permission_denied ||
+                          error == std::errc::too_many_symbolic_link_levels ||
+                          error == std::errc::filename_too_long || error == std::errc::invalid_argument;
+    if (!isAnswer) {
+        throw std::system_error(error, "could not look up " + path);
+    }
+    return type;
+}
+
 /// Bytes below which nobody asks how much memory there is.
 constexpr off_t largeFile = off_t{1} << 26;
 
@@ -66,13 +80,11 @@ std::optional<std::string> readInputFile(const std::string& path) try {
 }
 
 bool isRegularFile(const std::string& path) {
-    std::error_code error;
-    return fs::is_regular_file(path, error);
+    return kindAt(path) == fs::file_type::regular;
 }
 
 bool isDirectory(const std::string& path) {
-    std::error_code error;
-    return fs::is_directory(path, error);
+    return kindAt(path) == fs::file_type::directory;
 }
 
 } // namespace morquill

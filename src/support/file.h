@@ -25,9 +25,10 @@ namespace morquill {
 /// care. On failure `errno` has the reason.
 [[nodiscard]] bool writeTextFile(const std::string& path, std::string_view text);
 
-/// True for a regular file or a link that leads to one.
+/// True for a regular file or a link that leads to one; false for what this user may not look at. Throws
+/// `std::system_error`, whose text names the path, when the system fails to look it up.
 [[nodiscard]] bool isRegularFile(const std::string& path);
-/// True for a directory or a link that leads to one.
+/// True for a directory or a link that leads to one. Throws likewise.
 [[nodiscard]] bool isDirectory(const std::string& path);
 
 } // namespace morquill

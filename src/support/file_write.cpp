@@ -57,12 +57,6 @@ class SignalHold {
     bool sizeSignalWasPending_ = false;
 };
 
-/// Writes over a file from its first byte on and cuts off what is left of a longer one.
-bool replaceContent(int fd, std::string_view text) noexcept {
-    return ::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, text) &&
-           ::ftruncate(fd, static_cast<off_t>(text.size())) == 0;
-}
-
 /// Some file systems report a failed write only when a descriptor is closed; a copy of it serves as well and
 /// leaves the file open for putting things right.
 bool reachedTheServer(int fd) noexcept {
@@ -99,6 +93,13 @@ std::optional<std::string> readStart(int fd, std::size_t size) {
     return start;
 }
 
+/// Writes over a file from its first byte on and cuts off what is left of a longer one. The cut is the last step:
+/// behind it the old bytes cannot be put back.
+bool replaceContent(int fd, std::string_view text) noexcept {
+    return ::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, text) && reachedTheServer(fd) &&
+           ::ftruncate(fd, static_cast<off_t>(text.size())) == 0;
+}
+
 /// A file that is readable keeps its old bytes when the write fails: those behind the text are cut off last,
 /// so only as many as the text covers have to be remembered.
 bool overwriteFile(int fd, bool readable, std::string_view text) {
@@ -111,7 +112,7 @@ bool overwriteFile(int fd, bool readable, std::string_view text) {
     if (readable && !old) {
         return false;
     }
-    if (reserveRoom(fd, info, text.size()) && replaceContent(fd, text) && reachedTheServer(fd)) {
+    if (reserveRoom(fd, info, text.size()) && replaceContent(fd, text)) {
         return true;
     }
     const int error = errno;

@@ -16,6 +16,10 @@ namespace {
 std::optional<fs::path> behindCurrentDirectory(std::string_view path) {
     std::error_code error;
     auto absolute = fs::absolute(fs::path(path), error);
+    if (error && error != std::errc::no_such_file_or_directory && error != std::errc::invalid_argument) {
+        // Taken as it stands, the path would lead somewhere else.
+        throw std::system_error(error, "could not find out the current directory");
+    }
     return error ? std::nullopt : std::optional(std::move(absolute));
 }
 

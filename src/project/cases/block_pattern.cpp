@@ -1,10 +1,12 @@
 #include "project/cases/block_pattern.h"
 
 #include "support/directory.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/paths.h"
 
 #include <algorithm>
+#include <system_error>
 
 #include <fnmatch.h>
 
@@ -36,6 +38,9 @@ std::vector<std::string> matchTree(const std::string& blockDir, const std::strin
         if (maybeFile && ::fnmatch(pattern.c_str(), path.c_str() + prefix, FNM_PATHNAME) == 0 &&
             isRegularFile(path)) {
             matches.push_back(path.substr(prefix));
+        }
+        if (kind == EntryKind::unreadable) {
+            throw std::system_error(lastSystemError(), "could not read directory " + path);
         }
         return true;
     });

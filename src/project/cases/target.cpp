@@ -1,9 +1,13 @@
 #include "project/cases/target.h"
 
+#include "console/messages.h"
 #include "support/directory.h"
 #include "support/file.h"
 
+#include <algorithm>
+#include <functional>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace morquill::project {
@@ -15,8 +19,38 @@ constexpr std::string_view templateExtension = ".projmq";
 constexpr int projectLevels = 6; // the start and five above it
 constexpr int caseLevels = 4;
 
+bool isForbidden(const std::system_error& failure) noexcept {
+    return failure.code() == std::errc::permission_denied;
+}
+
+/// As `anyDirectoryEntry`; a directory that this user may not read has nothing: the way up may lead through one.
+bool anyVisibleEntry(const std::string& dir, const std::function<bool(const std::string&)>& accept) {
+    try {
+        return anyDirectoryEntry(dir, accept);
+    } catch (const std::system_error& failure) {
+        if (!isForbidden(failure)) {
+            throw;
+        }
+        return false;
+    }
+}
+
+/// True for a directory of a project that holds a task file. One that this user may not read is none, which is
+/// reported: it may be somebody's case.
+bool isCaseDirectory(const std::string& dir) {
+    try {
+        return anyDirectoryEntry(dir, [](const std::string& entry) { return extensionOf(entry) == taskExtension; });
+    } catch (const std::system_error& failure) {
+        if (!isForbidden(failure)) {
+            throw;
+        }
+        console::reportWarning(std::string(failure.what()) + "; it counts as no case");
+        return false;
+    }
+}
+
 bool hasProjectTemplate(const std::string& dir) {
-    return anyDirectoryEntry(dir, [&](const std::string& name) {
+    return anyVisibleEntry(dir, [&](const std::string& name) {
         return extensionOf(name) == templateExtension && isRegularFile(joinPath(dir, name));
     });
 }
@@ -24,7 +58,7 @@ bool hasProjectTemplate(const std::string& dir) {
 // A link counts wherever it leads: a case whose link dangles is still a case, with a file that cannot be
 // read.
 bool hasTaskFile(const std::string& dir) {
-    return anyDirectoryEntry(dir, [&](const std::string& name) {
+    return anyVisibleEntry(dir, [&](const std::string& name) {
         return extensionOf(name) == taskExtension && !isDirectory(joinPath(dir, name));
     });
 }
@@ -111,12 +145,14 @@ ProjectTarget caseTarget(std::string dir, std::string file) {
 
 std::vector<std::string> listProjectTemplates(const std::string& dir) {
     std::vector<std::string> templates;
-    for (const std::string& name : listDirectoryEntries(dir, "*")) {
+    (void)anyVisibleEntry(dir, [&](const std::string& name) {
         std::string path = joinPath(dir, name);
         if (extensionOf(name) == templateExtension && isRegularFile(path)) {
             templates.push_back(std::move(path));
         }
-    }
+        return false; // on to the next
+    });
+    std::sort(templates.begin(), templates.end());
     return templates;
 }
 
@@ -130,9 +166,7 @@ std::vector<std::string> listCaseDirectories(const std::string& root) {
     std::vector<std::string> cases;
     for (const std::string& name : listDirectoryEntries(root, "*")) {
         std::string path = joinPath(root, name);
-        if (name.front() != '.' && anyDirectoryEntry(path, [](const std::string& entry) {
-                return extensionOf(entry) == taskExtension;
-            })) {
+        if (name.front() != '.' && isCaseDirectory(path)) {
             cases.push_back(std::move(path));
         }
     }

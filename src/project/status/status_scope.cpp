@@ -27,6 +27,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// True when `errno` says that nothing is at a path: any other failure to look at it leaves that open.
+bool isAbsence() noexcept {
+    return errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
+}
+
 std::optional<FileIdentity> identityAt(const std::string& path) noexcept {
     struct stat info {};
     if (::lstat(path.c_str(), &info) != 0) {
@@ -40,12 +45,21 @@ std::optional<StatusBackup> takeBackup(const std::string& path) {
     StatusBackup backup;
     backup.path = path;
     backup.entry = identityAt(backup.path);
+    if (!backup.entry && !isAbsence()) {
+        return std::nullopt;
+    }
     std::error_code error;
     if (backup.entry && S_ISLNK(backup.entry->kind)) {
         backup.link = fs::read_symlink(backup.path, error).string();
+        if (error) {
+            return std::nullopt;
+        }
     }
     struct stat info {};
-    if (::stat(backup.path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+    if (::stat(backup.path.c_str(), &info) != 0) {
+        return isAbsence() ? std::optional(std::move(backup)) : std::nullopt;
+    }
+    if (!S_ISREG(info.st_mode)) {
         return backup;
     }
     auto text = readTextFile(backup.path);
@@ -177,10 +191,8 @@ bool restoreText(const StatusBackup& backup) {
         return false;
     }
     // What lay behind a link goes back even where the link cannot.
-    if (gone && backup.held.linkTo(backup.file)) {
-        return entryRestored;
-    }
-    if ((gone || !holdsText(backup.file, backup.content)) && !writeBack(backup)) {
+    const bool linked = gone && backup.held.linkTo(backup.file);
+    if (!linked && (gone || !holdsText(backup.file, backup.content)) && !writeBack(backup)) {
         return false;
     }
     if (gone || (info.st_mode & 07777) != backup.mode) {
