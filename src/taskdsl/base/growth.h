@@ -19,16 +19,16 @@ class GrowthBudget {
 
   private:
     void take(std::size_t count, std::size_t bytes) {
-        lines += count;
-        text += bytes;
-        if (lines > limits::expandedLines || text > limits::expandedText) {
+        lines_ += count;
+        text_ += bytes;
+        if (lines_ > limits::expandedLines || text_ > limits::expandedText) {
             fail();
         }
     }
     [[noreturn]] static void fail();
 
-    std::size_t lines = 0;
-    std::size_t text = 0;
+    std::size_t lines_ = 0;
+    std::size_t text_ = 0;
 };
 
 } // namespace morquill::taskdsl

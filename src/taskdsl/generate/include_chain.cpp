@@ -8,25 +8,25 @@
 
 namespace morquill::taskdsl {
 
-IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& key, std::string shown) : chain(owner) {
-    if (chain.keys.count(key) != 0) {
-        std::string message(chain.label);
+IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& key, std::string shown) : chain_(owner) {
+    if (chain_.keys_.count(key) != 0) {
+        std::string message(chain_.label_);
         message += " cycle detected: ";
-        for (const auto& element : chain.elements) {
+        for (const auto& element : chain_.elements_) {
             message += element.shown + " -> ";
         }
         throw DiagnosticError(message + shown);
     }
-    if (chain.elements.size() == limits::includeDepth) {
-        throw DiagnosticError(std::string(chain.label) + " is nested more than " +
+    if (chain_.elements_.size() == limits::includeDepth) {
+        throw DiagnosticError(std::string(chain_.label_) + " is nested more than " +
                               std::to_string(limits::includeDepth) + " deep: " + shown);
     }
-    chain.elements.push_back({chain.keys.insert(key).first, std::move(shown)});
+    chain_.elements_.push_back({chain_.keys_.insert(key).first, std::move(shown)});
 }
 
 IncludeChain::Entry::~Entry() {
-    chain.keys.erase(chain.elements.back().key);
-    chain.elements.pop_back();
+    chain_.keys_.erase(chain_.elements_.back().key);
+    chain_.elements_.pop_back();
 }
 
 IncludeChain::Entry enterFile(IncludeChain& chain, const std::string& path) {

@@ -11,7 +11,7 @@ namespace morquill::taskdsl {
 class IncludeChain {
   public:
     /// `name` is the kind of inclusion in messages, as in "task include cycle detected: ...".
-    explicit IncludeChain(std::string_view name) : label(name) {}
+    explicit IncludeChain(std::string_view name) : label_(name) {}
 
     /// Enters an element for the time of a scope.
     class Entry {
@@ -25,7 +25,7 @@ class IncludeChain {
         ~Entry();
 
       private:
-        IncludeChain& chain;
+        IncludeChain& chain_;
     };
 
   private:
@@ -33,9 +33,9 @@ class IncludeChain {
         std::set<std::string>::iterator key;
         std::string shown;
     };
-    std::string_view label;
-    std::vector<Element> elements;
-    std::set<std::string> keys;
+    std::string_view label_;
+    std::vector<Element> elements_;
+    std::set<std::string> keys_;
 };
 
 /// Enters a file for the time of a scope: told apart by its canonical path, shown by the path as resolved.

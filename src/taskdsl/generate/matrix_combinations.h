@@ -36,7 +36,7 @@ class MatrixWalk {
     explicit MatrixWalk(const std::vector<MatrixAxis>& axes);
 
     /// The number of combinations.
-    [[nodiscard]] std::size_t size() const noexcept { return count; }
+    [[nodiscard]] std::size_t size() const noexcept { return count_; }
     /// Moves to the next combination; false behind the last one.
     bool advance() noexcept;
     /// The value of an axis in the current combination.
@@ -52,9 +52,9 @@ class MatrixWalk {
         std::size_t selector = 0; ///< the track whose index this one follows; itself when independent
         std::size_t index = 0;    ///< current selection of an independent axis
     };
-    std::vector<Track> tracks;
-    std::vector<std::size_t> independent;
-    std::size_t count = 1;
+    std::vector<Track> tracks_;
+    std::vector<std::size_t> independent_;
+    std::size_t count_ = 1;
 };
 
 /// All combinations, in the order of the walk.

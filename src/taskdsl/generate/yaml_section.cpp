@@ -28,7 +28,7 @@ constexpr std::string_view plainTag = "?";
 class SectionWalk {
   public:
     SectionWalk(ValueMap& settingsOut, Collections& collectionsOut)
-        : settings(settingsOut), collections(collectionsOut) {}
+        : settings_(settingsOut), collections_(collectionsOut) {}
 
     void readRoot(const YAML::Node& root) {
         if (!root.IsDefined() || root.IsNull()) {
@@ -41,9 +41,9 @@ class SectionWalk {
             auto key = pair.first.as<std::string>();
             if (pair.second.IsSequence()) {
                 auto items = readItems(pair.second);
-                collections.insert_or_assign(std::move(key), std::move(items));
+                collections_.insert_or_assign(std::move(key), std::move(items));
             } else {
-                flatten(pair.second, key, settings, 0);
+                flatten(pair.second, key, settings_, 0);
             }
         }
     }
@@ -94,9 +94,9 @@ class SectionWalk {
     }
 
     void count(std::size_t bytes) {
-        ++entries;
-        text += bytes;
-        if (entries > limits::yamlEntries || text > limits::yamlText) {
+        ++entries_;
+        text_ += bytes;
+        if (entries_ > limits::yamlEntries || text_ > limits::yamlText) {
             throw YAML::RepresentationException(YAML::Mark::null_mark(),
                                                 "the section stands for more than " +
                                                     std::to_string(limits::yamlEntries) + " values or " +
@@ -104,10 +104,10 @@ class SectionWalk {
         }
     }
 
-    ValueMap& settings;
-    Collections& collections;
-    std::size_t entries = 0;
-    std::size_t text = 0;
+    ValueMap& settings_;
+    Collections& collections_;
+    std::size_t entries_ = 0;
+    std::size_t text_ = 0;
 };
 
 /// Hears a document without keeping it.

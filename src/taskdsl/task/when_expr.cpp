@@ -336,11 +336,13 @@ std::vector<std::string> collectCompletedTargets(const TaskWhenExpr& expr) {
 std::vector<std::string> collectPlaceholders(const TaskWhenExpr& expr) {
     std::vector<std::string> placeholders;
     walk(expr, [&](const TaskWhenExpr& node) {
-        if (const auto* comparison = std::get_if<WhenComparison>(&node.node)) {
-            for (const auto* side : {&comparison->left, &comparison->right}) {
-                if (side->kind == WhenOperandKind::placeholder) {
-                    placeholders.push_back(side->text);
-                }
+        const auto* comparison = std::get_if<WhenComparison>(&node.node);
+        if (comparison == nullptr) {
+            return;
+        }
+        for (const auto* side : {&comparison->left, &comparison->right}) {
+            if (side->kind == WhenOperandKind::placeholder) {
+                placeholders.push_back(side->text);
             }
         }
     });

@@ -125,20 +125,27 @@ struct ReferenceMatch {
     Rename rename;
 };
 
-/// Calls `found` for every rename that changes something at a site of the text.
+/// Calls `found` for every rename that changes something at the site.
+template <class Found>
+void forEachMatchAt(std::string_view text, const ReferenceSite& site, const ValueMap& renames,
+                    const Found& found) {
+    for (auto at = site.first; at <= site.last; ++at) {
+        forEachKeyAt(text, at, renames, [&](Rename rename) {
+            const auto end = matchBehindName(text, at + rename->first.size(), site.inBraces);
+            if (end != std::string_view::npos && rename->first != rename->second) {
+                found(ReferenceMatch{site, at, end, rename});
+            }
+        });
+    }
+}
+
+/// The same for every site of the text.
 template <class Found>
 void forEachMatch(std::string_view text, const ValueMap& renames, const Found& found) {
     for (const bool inBraces : {true, false}) {
         for (auto site = nextSite(text, 0, inBraces); site;
              site = nextSite(text, site->begin + 1, inBraces)) {
-            for (auto at = site->first; at <= site->last; ++at) {
-                forEachKeyAt(text, at, renames, [&](Rename rename) {
-                    const auto end = matchBehindName(text, at + rename->first.size(), inBraces);
-                    if (end != std::string_view::npos && rename->first != rename->second) {
-                        found(ReferenceMatch{*site, at, end, rename});
-                    }
-                });
-            }
+            forEachMatchAt(text, *site, renames, found);
         }
     }
 }
