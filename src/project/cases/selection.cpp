@@ -19,12 +19,12 @@ const std::vector<std::string>& shownNames(const TaskCatalog& catalog) {
     return catalog.availableTasks.empty() ? catalog.expandedTasks : catalog.availableTasks;
 }
 
-/// One explicit or interactive choice and its words.
+/// One explicit or interactive choice and its messages.
 struct Choice {
     const TaskCatalog& catalog;
-    Wildcards wildcards;        ///< in the names; the menu's are plain
+    Wildcards wildcards;        ///< of the names; those of the menu are plain
     std::string noBlocks;       ///< the message for a catalog without blocks
-    std::string missingMessage; ///< stands before the names that are not known
+    std::string missingMessage; ///< precedes the names that are not known
 };
 
 std::vector<std::string> askForNames(const TaskCatalog& catalog, std::string_view title) {

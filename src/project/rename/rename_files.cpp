@@ -284,8 +284,8 @@ bool rewriteTextFile(const std::string& path, const RenamedBlock& block, const s
 
 void rewriteCaseTree(const std::string& caseDir, const RenamedBlock& block, const std::string& caseName,
                      RenameReport& report) {
-    // Links below are not entered, so the canonical path of a file is that of the case and the rest of its
-    // path.
+    // Links below are not entered, so the canonical path of a file is that of the case and the rest
+    // of its path.
     const auto canonicalCase = normalisedPath(caseDir);
     walkTree(caseDir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         switch (kind) {

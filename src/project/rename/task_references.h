@@ -29,8 +29,8 @@ struct ReferencePlace {
     std::set<TaskReference> references;
 };
 
-/// The places of all tasks, plots and derives. A task has the same number of places whatever it names, so
-/// that the places of two texts that differ in names alone stand in pairs.
+/// The places of all tasks, plots and derives. A task has the same number of places whatever it names,
+/// so that the places of two texts that differ only in names correspond one to one.
 [[nodiscard]] std::vector<ReferencePlace> collectTaskReferences(const taskdsl::TaskDocument& document);
 
 } // namespace morquill::project

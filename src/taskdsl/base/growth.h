@@ -7,14 +7,14 @@
 
 namespace morquill::taskdsl {
 
-/// Counts the lines that an expansion makes, so that repetition without end is an error and not the end of
-/// memory.
+/// Counts the lines that an expansion makes, so that endless repetition is an error before memory runs out.
 class GrowthBudget {
   public:
-    /// Takes one line of `bytes` bytes. Throws `DiagnosticError` beyond the bounds.
+    /// Counts one line of `bytes` bytes. Throws `DiagnosticError` beyond the bounds.
     void takeLine(std::size_t bytes) { take(1, bytes); }
-    /// Takes the work of one item of a loop, or of one fragment, that may make no line at all.
+    /// Counts the work of one loop item, which may make no line at all. Throws as `takeLine`.
     void takeRepetition() { take(limits::linesPerRepetition, 0); }
+    /// The same for one fragment.
     void takeFragment() { take(limits::linesPerFragment, 0); }
 
   private:

@@ -20,7 +20,7 @@ enum class MarkKind : std::uint8_t { open, close, comma, orWord, andWord, compar
 
 constexpr std::size_t noMark = std::numeric_limits<std::size_t>::max();
 
-/// A place in the text of a condition that gives it structure.
+/// A token in the text of a condition that sets its structure.
 struct Mark {
     MarkKind kind;
     std::size_t begin;
@@ -82,7 +82,7 @@ std::vector<Mark> findMarks(std::string_view text) {
     return marks;
 }
 
-/// Part of the condition's text, trimmed, with the marks that stand in it.
+/// Part of the condition's text, trimmed, with the marks in it.
 struct Range {
     std::size_t begin;
     std::size_t end;
@@ -157,13 +157,14 @@ class ConditionParser {
         return true;
     }
 
-    /// Calls `take` with the index of every mark of the range at its own level; stops when that gives false.
+    /// Calls `take` with the index of every mark of the range at its own level;
+    /// stops when that returns false.
     template <class Take>
     void forEachMark(const Range& range, Take take) const {
         for (auto i = range.firstMark; i < range.endMark; ++i) {
             if (marks_[i].kind == MarkKind::open) {
                 if (marks_[i].match == noMark) {
-                    return; // never closed: all behind it is one level down
+                    return; // never closed: everything after it is one level down
                 }
                 i = marks_[i].match;
             } else if (!take(i)) {
@@ -189,7 +190,7 @@ class ConditionParser {
         return parts;
     }
 
-    /// Reads the range as far as its own level goes; what stands a level below becomes a task.
+    /// Reads the range as far as its own level goes; what is a level below becomes a task.
     void parseLevel(Task task) {
         task.range = trimmed(task.range);
         while (unwrap(task.range, '(')) {
@@ -204,7 +205,7 @@ class ConditionParser {
         }
     }
 
-    /// False when the word does not stand in the range.
+    /// False when the word is not in the range.
     bool parseChain(const Task& task, MarkKind word, DeriveConditionKind kind) {
         const auto parts = splitAt(task.range, word);
         if (parts.size() == 1) {

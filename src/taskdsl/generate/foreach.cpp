@@ -72,8 +72,7 @@ std::size_t itemCount(const Series& series, const std::string& source) {
     return high - low + 1;
 }
 
-/// A `@foreach` header, with texts of its own as its line may be moved away, and the "@end" that belongs to
-/// it.
+/// A `@foreach` header, with texts of its own because its line may be moved away, and its "@end".
 struct Loop {
     std::string name;
     std::optional<std::string> source;
@@ -87,7 +86,7 @@ class ItemValues {
     explicit ItemValues(const ValueMap& outer) : values_(outer) {}
     [[nodiscard]] const ValueMap& get() const noexcept { return values_; }
 
-    /// What a layer covered up: the key and its former value.
+    /// What a layer hides: each key and its former value.
     using Layer = std::vector<std::pair<std::string, std::optional<std::string>>>;
 
     [[nodiscard]] Layer push(const std::string& name, const ValueMap& item) {
@@ -220,7 +219,7 @@ class ForeachPass {
             const auto text = std::to_string(number);
             repeatFor(name, {{"index", std::to_string(index)}, {"series", text}, {"value", text}}, body,
                       depth);
-            if (index < count) { // the last number may be the last of its type
+            if (index < count) { // the last number may be the largest or smallest of its type
                 number += series.first <= series.last ? 1 : -1;
             }
         }

@@ -14,7 +14,7 @@ namespace morquill::taskdsl {
 namespace {
 
 /// Resolves parameters depth first. The path is a stack of its own, so that a long chain of parameters does
-/// not end the program's stack.
+/// not exhaust the program's stack.
 class ParameterResolver {
   public:
     ParameterResolver(const ValueMap& boundValues, const FragmentDefinition& fragment, const SourceLine& line)

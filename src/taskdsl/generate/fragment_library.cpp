@@ -20,7 +20,7 @@ bool isFragment(const SourceLine& line) noexcept {
     return line.kind() == LineKind::fragment;
 }
 
-/// Removes blank lines at both ends of a body. To a text fragment a comment is text.
+/// Removes blank lines at both ends of a body; in a text fragment a comment is text.
 void trimBody(FragmentDefinition& fragment) {
     const bool raw = fragment.kind == FragmentKind::text;
     const auto holdsText = [raw](const SourceLine& line) {

@@ -16,9 +16,9 @@ class IncludeChain {
     /// Enters an element for the time of a scope.
     class Entry {
       public:
-        /// `key` tells elements apart, `shown` is what messages print. Throws `DiagnosticError` with the
-        /// whole chain when the element is on it already, or when the chain grows beyond
-        /// `limits::includeDepth`.
+        /// `key` identifies the element, `shown` is what messages print. Throws `DiagnosticError`
+        /// with the whole chain when the element is on it already, or when the chain
+        /// grows beyond `limits::includeDepth`.
         Entry(IncludeChain& chain, const std::string& key, std::string shown);
         Entry(const Entry&) = delete;
         Entry& operator=(const Entry&) = delete;
@@ -38,7 +38,7 @@ class IncludeChain {
     std::set<std::string> keys_;
 };
 
-/// Enters a file for the time of a scope: told apart by its canonical path, shown by the path as resolved.
+/// Enters a file for the time of a scope: identified by its canonical path, shown by the path as resolved.
 [[nodiscard]] IncludeChain::Entry enterFile(IncludeChain& chain, const std::string& path);
 
 } // namespace morquill::taskdsl

@@ -48,7 +48,7 @@ class Renames {
   private:
     static constexpr char mark = '\x01';
 
-    /// A name that stays is no rename: a condition that mentions it keeps its spacing.
+    /// A name that stays is not a rename: a condition that mentions it keeps its spacing.
     const ValueMap& markedNames() const {
         if (!marksMade_) {
             for (const auto& [oldName, newName] : names_) {
@@ -256,7 +256,7 @@ void expandMatrix(TaskDocument& document) {
         return;
     }
     validateMatrix(document.matrixAxes);
-    // The tasks go first: the variants need the room.
+    // The tasks are released first: the variants need the memory.
     document.tasks.reset();
     document.tasks = MatrixExpansion(document).run();
 }

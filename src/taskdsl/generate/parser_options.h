@@ -5,11 +5,11 @@
 
 namespace morquill::taskdsl {
 
-/// What whoever runs the parser decides. The language itself reads neither the environment nor a log.
+/// The options of a parser run. The language itself reads neither the environment nor a log.
 struct ParserOptions {
     bool legacyMultiSource = false;      ///< `%source a,b` is read
     LibraryFileFinder findLibraryFile{}; ///< without one, `<name>` is looked for beside the including file
-    WarningSink warnings{};              ///< hears of doubtful forms; without one nobody does
+    WarningSink warnings{};              ///< receives doubtful forms; without one they pass in silence
 };
 
 } // namespace morquill::taskdsl

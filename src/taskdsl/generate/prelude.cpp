@@ -31,7 +31,7 @@ bool isIndented(std::string_view line) noexcept {
     return line.starts_with(' ') || line.starts_with('\t');
 }
 
-/// `key: value`. A directive is none, also when its value holds a colon.
+/// `key: value`. A directive is not one, even when its value holds a colon.
 bool isKeyLine(std::string_view text) noexcept {
     const auto colon = text.find(':');
     return colon != std::string_view::npos && !trim(text.substr(0, colon)).empty() && !text.starts_with('%');
@@ -43,7 +43,7 @@ class PreludeReader {
                   DocumentContext& parseContext)
         : lines_(allLines), path_(file), context_(parseContext) {}
 
-    /// Reads on to the first line that is no part of the prelude.
+    /// Reads on to the first line that is not part of the prelude.
     TakenLines<PreludeResult> read() {
         while (index_ < lines_.size() && readLine()) {
         }
@@ -51,7 +51,7 @@ class PreludeReader {
     }
 
   private:
-    /// Moves behind the line or section at `index_`; false, and no move, where the prelude ends.
+    /// Moves past the line or section at `index_`; false, and no move, where the prelude ends.
     bool readLine() {
         warnIfRemovedInclude();
         const auto text = lines_[index_].clean();
@@ -86,7 +86,7 @@ class PreludeReader {
         return true;
     }
 
-    /// Moves behind the section whose keyword is at `index_`. Directives under a missing task header are no
+    /// Moves past the section whose keyword is at `index_`. Directives under a missing task header are not
     /// entries of the section above them.
     void passSection(std::size_t next) {
         while (++index_ < next) {
@@ -108,7 +108,7 @@ class PreludeReader {
         }
         ParenthesisCount parentheses;
         if (!parentheses.read(text) || !parentheses.balanced()) {
-            return false; // its arguments go on behind this line: the include pass gathers them
+            return false; // its arguments continue on the next line: the include pass gathers them
         }
         const auto include = parseIncludeLine(text);
         if (include.kind == IncludeTarget::yamlFile) {
@@ -162,12 +162,12 @@ class PreludeReader {
     PreludeResult result_;
 };
 
-/// `---` or `...` at the margin, alone or with more behind a blank.
+/// `---` or `...` at the margin, alone or with more after a blank.
 bool isDocumentMarker(std::string_view line) noexcept {
     return matchWord(line, "---") || matchWord(line, "...");
 }
 
-/// A YAML file has no body: what is behind its prelude is not read.
+/// A YAML file has no body: what follows its prelude is not read.
 void reportUnreadLine(const SourceLine& line, const std::string& path, const DocumentContext& context) {
     if (line.clean().starts_with('%')) {
         throw misplacedDirective(line, path);

@@ -23,8 +23,8 @@ namespace {
 /// The library's tag of a scalar without quotes, block indicator and tag of its own.
 constexpr std::string_view plainTag = "?";
 
-/// Walks the nodes of one section. An alias makes two names for one node, so a small text can stand for a
-/// huge or even an endless tree: what is taken out of it is counted.
+/// Walks the nodes of one section. An alias gives one node two names, so a small text can describe a huge or
+/// even an endless tree: what is taken out of it is counted.
 class SectionWalk {
   public:
     SectionWalk(ValueMap& settingsOut, Collections& collectionsOut)
@@ -110,7 +110,7 @@ class SectionWalk {
     std::size_t text_ = 0;
 };
 
-/// Hears a document without keeping it.
+/// Listens to a document without keeping it.
 class DocumentProbe : public YAML::EventHandler {
   public:
     YAML::Mark start;
@@ -135,8 +135,8 @@ class DocumentProbe : public YAML::EventHandler {
     void OnMapEnd() override {}
 };
 
-/// `YAML::Load` reads the first document and drops what stands behind it. Empty documents are harmless: some
-/// people set the body off with a line of dashes.
+/// `YAML::Load` reads the first document and drops what follows. Empty documents are harmless:
+/// some people set the body off with a line of dashes.
 void requireOneDocument(const std::string& text) {
     std::istringstream input(text);
     YAML::Parser parser(input);
@@ -145,7 +145,7 @@ void requireOneDocument(const std::string& text) {
     for (int last = first.start.pos; parser;) {
         DocumentProbe next;
         parser.HandleNextDocument(next);
-        // A document that does not move on is something that the library cannot take in.
+        // A document that makes no progress is one that the library cannot read.
         if (next.holdsSomething || next.start.pos <= last) {
             throw YAML::ParserException(next.start, "a second YAML document is not read");
         }
@@ -179,7 +179,7 @@ std::optional<std::size_t> findSwallowedDirective(const YAML::Node& root, std::s
     return std::nullopt;
 }
 
-/// Where the library met the fault; an invalid span when it does not know.
+/// The place where the library met the fault; an invalid span when it does not know.
 SourceSpan placeOf(const YAML::Exception& error, const std::string& path, std::size_t firstLine) {
     if (error.mark.is_null()) {
         return {};

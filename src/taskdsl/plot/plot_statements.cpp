@@ -68,7 +68,7 @@ std::string readDerivedCall(const Statement& statement) {
     return std::string(left) + "." + std::string(right);
 }
 
-/// What is said when a source comes without its argument; empty for a source that takes none.
+/// The message for a source without its argument; empty for a source that takes none.
 std::string_view missingArgument(PlotSourceKind source) noexcept {
     switch (source) {
     case PlotSourceKind::task:

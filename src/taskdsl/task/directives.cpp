@@ -116,8 +116,8 @@ void readArgs(DirectiveReader& reader) {
     reader.task.args = value ? *value : text;
 }
 
-/// Moves to the next line that holds text, whatever its kind; nothing where a boundary or the end comes
-/// first.
+/// Moves to the next line that holds text, whatever its kind; nothing where a boundary or the
+/// end comes first.
 std::optional<std::string_view> nextFilledLineOfAnyKind(DirectiveReader& reader) {
     auto piece = reader.nextLineOfAnyKind();
     while (piece && piece->empty()) {
@@ -126,7 +126,7 @@ std::optional<std::string_view> nextFilledLineOfAnyKind(DirectiveReader& reader)
     return piece;
 }
 
-/// The command that begins with this line, the lines that it goes on in included.
+/// The command that begins with this line, continuation lines included.
 std::string readCommand(DirectiveReader& reader, std::string_view line, std::string_view keyword) {
     std::string command;
     while (isContinuedCommand(line)) {
@@ -221,8 +221,8 @@ std::unordered_set<std::string> conditionsOfSource(const TaskInfo& task) {
     return conditions;
 }
 
-/// Of the conditions that a source implies, those that stand in `written` too take the place that they have
-/// there, once: migrating a file twice must write neither another order nor a condition twice.
+/// Of the conditions that a source implies, those that are also in `written` take their place there, once:
+/// migrating a file twice must change neither the order nor the number of the conditions.
 void placeImpliedConditions(TaskInfo& task, std::vector<TaskWhenEntry>& written) {
     const auto implied = conditionsOfSource(task);
     if (implied.empty()) {
