@@ -7,7 +7,7 @@
 #include <vector>
 
 /// The workflows behind the sub-commands of `project`. Each prints its own messages and throws
-/// `console::UsageError` for a command line that cannot be followed; the command reports it and shows the help.
+/// `console::UsageError` for a command line that cannot be followed.
 namespace morquill::project {
 
 struct UpdateOptions {

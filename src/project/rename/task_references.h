@@ -20,6 +20,7 @@ struct TaskReference {
     ReferenceForm form = ReferenceForm::task;
     std::string text;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the zero that the compiler generates for a null
     friend auto operator<=>(const TaskReference&, const TaskReference&) = default;
 };
 

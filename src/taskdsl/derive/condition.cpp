@@ -142,19 +142,18 @@ class ConditionParser {
         return depth + 1;
     }
 
-    /// True when one pair of this kind of bracket encloses the range; then it is taken off.
-    bool unwrap(Range& range, char open) const {
+    /// The inside of a range that one pair of this kind of bracket encloses; nothing for any other range.
+    std::optional<Range> insideOf(const Range& range, char open) const {
         if (range.firstMark == range.endMark) {
-            return false;
+            return std::nullopt;
         }
         const Mark& first = marks_[range.firstMark];
         if (first.begin != range.begin || text_[first.begin] != open || first.match != range.endMark - 1 ||
             marks_[first.match].end != range.end ||
             text_[marks_[first.match].begin] != (open == '(' ? ')' : ']')) {
-            return false;
+            return std::nullopt;
         }
-        range = between(range.begin + 1, range.end - 1, range.firstMark + 1, range.endMark - 1);
-        return true;
+        return between(range.begin + 1, range.end - 1, range.firstMark + 1, range.endMark - 1);
     }
 
     /// Calls `take` with the index of every mark of the range at its own level;
@@ -193,7 +192,8 @@ class ConditionParser {
     /// Reads the range as far as its own level goes; what is a level below becomes a task.
     void parseLevel(Task task) {
         task.range = trimmed(task.range);
-        while (unwrap(task.range, '(')) {
+        while (const auto inside = insideOf(task.range, '(')) {
+            task.range = *inside;
             task.depth = deeper(task.depth);
         }
         if (textOf(task.range).empty()) {
@@ -236,7 +236,7 @@ class ConditionParser {
             // The rest has no `or` and no `and` at its own level, unless parentheses open a new one.
             task.range =
                 between(task.range.begin + 4, task.range.end, task.range.firstMark, task.range.endMark);
-            if (Range inside = task.range; unwrap(inside, '(')) {
+            if (insideOf(task.range, '(')) {
                 tasks_.push_back(task);
                 return;
             }
@@ -274,11 +274,13 @@ class ConditionParser {
         }
     }
 
-    std::vector<Range> splitList(Range range) const {
-        if ((!unwrap(range, '[') && !unwrap(range, '(')) || textOf(range).empty()) {
+    std::vector<Range> splitList(const Range& range) const {
+        const auto brackets = insideOf(range, '[');
+        const auto inside = brackets ? brackets : insideOf(range, '(');
+        if (!inside || textOf(*inside).empty()) {
             plotError(span_, "in condition requires a non-empty list");
         }
-        auto values = splitAt(range, MarkKind::comma);
+        auto values = splitAt(*inside, MarkKind::comma);
         if (std::any_of(values.begin(), values.end(),
                         [&](const Range& value) { return textOf(value).empty(); })) {
             plotError(span_, "in condition contains an empty value");

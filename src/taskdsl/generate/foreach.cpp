@@ -51,14 +51,14 @@ Series parseSeries(const std::string& source) {
     if (last.empty() || cursor.skipSpace().rest() != ")") {
         throw unsupported();
     }
-    Series series;
-    const auto read = [](std::string_view digits, std::int64_t& value) {
-        return std::from_chars(digits.data(), digits.data() + digits.size(), value).ec == std::errc{};
+    const auto number = [&source](std::string_view digits) {
+        std::int64_t value = 0;
+        if (std::from_chars(digits.data(), digits.data() + digits.size(), value).ec != std::errc{}) {
+            throw DiagnosticError("@foreach source '" + source + "' has a number beyond 64 bits");
+        }
+        return value;
     };
-    if (!read(first, series.first) || !read(last, series.last)) {
-        throw DiagnosticError("@foreach source '" + source + "' has a number beyond 64 bits");
-    }
-    return series;
+    return {number(first), number(last)};
 }
 
 /// The number of items of a series, checked against the bound.
@@ -92,7 +92,7 @@ class ItemValues {
     [[nodiscard]] Layer push(const std::string& name, const ValueMap& item) {
         Layer layer;
         for (const auto& [key, value] : item) {
-            std::string whole = name + "." + key;
+            std::string whole = std::string(name).append(".").append(key);
             const auto [entry, isNew] = values_.try_emplace(whole, value);
             layer.emplace_back(std::move(whole), std::nullopt);
             if (!isNew) {
@@ -101,7 +101,7 @@ class ItemValues {
         }
         return layer;
     }
-    void pop(Layer layer) {
+    void pop(Layer&& layer) {
         for (auto& [key, former] : layer) {
             if (former) {
                 values_.insert_or_assign(std::move(key), std::move(*former));

@@ -84,7 +84,8 @@ class SectionWalk {
         for (const auto& pair : node) {
             const auto name = pair.first.as<std::string>();
             count(key.size() + name.size());
-            flatten(pair.second, key.empty() ? name : key + "." + name, values, depth + 1);
+            flatten(pair.second, key.empty() ? name : std::string(key).append(".").append(name), values,
+                    depth + 1);
         }
     }
 
