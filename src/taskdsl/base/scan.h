@@ -9,7 +9,7 @@
 /// has been removed and which has been trimmed.
 namespace morquill::taskdsl {
 
-/// The line up to its comment. A `#` outside quotes, at the start of the line or behind white space,
+/// The line up to its comment. A `#` outside quotes, at the start of the line or after white space,
 /// begins one. A kind of quote counts only when the line holds an even number of them (at least two,
 /// not counting escaped ones), so that a lone apostrophe does not hide a comment.
 [[nodiscard]] std::string_view stripComment(std::string_view line) noexcept;

@@ -344,7 +344,7 @@ class Expander {
         });
         for (const auto& parameter : parameters) {
             if (!slots[parameter]) {
-                plotError(span_, subject + " requires argument '" + parameter + "'");
+                plotError(span_, std::string(subject).append(" requires argument '").append(parameter) + "'");
             }
         }
         Bindings bindings;

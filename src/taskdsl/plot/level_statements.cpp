@@ -111,18 +111,22 @@ void readArrowTarget(ExcitedArrow& arrow, ArrowWords& words) {
     }
     if (words.skipRootWord()) {
         setRoot();
-    } else if (words.skip({"first"})) {
+        return;
+    }
+    if (words.skip({"first"})) {
         const auto mode = parseArrowTarget(words.take("arrow first target requires lower or higher"));
         if (!mode) {
             fail(words.statement, "arrow first target must be lower or higher");
         }
         setRelative(*mode);
-    } else if (const auto mode = parseArrowTarget(words.words[words.at])) {
+        return;
+    }
+    if (const auto mode = parseArrowTarget(words.words[words.at])) {
         ++words.at;
         setRelative(*mode);
-    } else {
-        setRoot();
+        return;
     }
+    setRoot();
 }
 
 void readArrowOptions(ExcitedArrow& arrow, ArrowWords& words) {
