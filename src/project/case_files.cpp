@@ -46,7 +46,7 @@ std::optional<std::vector<std::string>> listByExtension(const std::string& dir, 
     return files;
 }
 
-/// A case directory in the making: unless it is kept, what was put into it goes again, and so does it.
+/// A case directory in the making: unless it is kept, it is removed with what was put into it.
 class UnfinishedCase {
   public:
     UnfinishedCase(std::string dir, const std::string& geometryName)
@@ -58,7 +58,7 @@ class UnfinishedCase {
             ::unlink(geometry_.c_str());
         }
         if (hasDirectory_) {
-            ::rmdir(dir_.c_str()); // fails, rightly, when someone else has put something there
+            ::rmdir(dir_.c_str()); // fails, rightly, when somebody else has put something there
         }
     }
 
@@ -115,7 +115,7 @@ std::string selectSourceTaskFile(const std::string& dir) {
             }
         }
         console::logError("invalid selection; try again");
-        if (!answer) { // the end of input will not say anything else
+        if (!answer) { // the end of input will not answer otherwise
             return {};
         }
     }

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// What the workflows on a project begin with: the blocks and the cases that they act on.
+/// The first step of the workflows on a project: choosing the blocks and the cases to act on.
 namespace morquill::project {
 
 /// A project and the blocks chosen from it by name.
@@ -18,9 +18,9 @@ struct ChosenBlocks {
     std::vector<std::string> selected; ///< expanded block names
 };
 
-/// What `exec`, `collect` and a run without sub-command begin with: resolves the template, demands names,
+/// The first step of `exec`, `collect` and a run without sub-command: resolves the template, demands names,
 /// loads the catalog and selects with wildcards. Nothing, after a message, when the catalog cannot be loaded.
-/// Throws `console::UsageError` for a path or names that lead to no block.
+/// Throws `console::UsageError` for a path or a name that leads to no block.
 [[nodiscard]] std::optional<ChosenBlocks> chooseBlocks(const ProjectOptions& options);
 
 /// The case directories of a project in order, for `exec` and `collect`. Throws `console::UsageError` when
@@ -33,8 +33,8 @@ struct ChosenWork {
     std::vector<std::string> selected; ///< expanded block names
 };
 
-/// What `update` and `rebuild` begin with: resolves the path and chooses blocks by name or from the menu
-/// under `title`. Nothing after a message; a choice may be empty, which has been reported, too.
+/// The first step of `update` and `rebuild`: resolves the path and chooses blocks by name or from the menu
+/// under `title`. Nothing after a message; an empty choice has been reported, too.
 [[nodiscard]] std::optional<ChosenWork>
 chooseWork(const std::string& path, const std::vector<std::string>& names, std::string_view title);
 

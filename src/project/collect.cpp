@@ -47,7 +47,7 @@ bool makeDirectory(const std::string& dir) {
     return isDirectory(dir);
 }
 
-/// The name of an item among those of other cases: the case name behind its own.
+/// The name of an item among those of other cases: its own name and the case name.
 std::string targetName(const std::string& source, const std::string& caseName) {
     if (isDirectory(source)) {
         return baseName(source) + "_" + caseName;

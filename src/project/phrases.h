@@ -8,7 +8,7 @@
 /// Messages, and parts of them, that several workflows share.
 namespace morquill::project {
 
-/// Shows a command that is run or, in a dry run, would be.
+/// Prints a command that is run or, in a dry run, would be.
 void printExecution(std::string_view command, console::RunMode mode);
 
 /// " (<reason>)", or nothing for an empty reason.

@@ -101,8 +101,8 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
     try {
         return runSubCommand(options);
     } catch (const console::UsageError& error) {
-        // Not the shape's refusal: a help word among the words of a line that could be read is a name like
-        // any other.
+        // Not the shape's refusal: a help word among the words of a line that could be read is a name
+        // like any other.
         const int status = console::reportUsageError(error);
         printProjectHelp(programPath);
         return status;

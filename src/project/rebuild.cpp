@@ -33,7 +33,7 @@ std::vector<std::string> listWorkMarkers(const std::string& blockDir) {
     return markers;
 }
 
-/// Takes the selected records out of the status file of a case: how many; nothing after a message.
+/// Takes the selected records out of the status file of a case and returns how many; nothing after a message.
 std::optional<std::size_t> cleanStatus(const std::string& caseDir, const std::vector<std::string>& selected,
                                        console::RunMode mode) {
     const bool dryRun = mode == console::RunMode::dryRun;
@@ -71,7 +71,7 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
                               std::to_string(count) + " .mqwk file(s)");
 }
 
-/// Cleans all cases and counts what went; nothing after a message.
+/// Cleans all cases and counts what was removed; nothing after a message.
 std::optional<RebuildSummary> cleanCases(const WorkPlace& place, const std::vector<std::string>& selected,
                                          const RebuildOptions& options) {
     RebuildSummary summary;

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-/// What update and rebuild share: the checks before anything is touched, the header, and the call of the
-/// generator `morquill`.
+/// What update and rebuild share: the checks before anything is touched, the header, and the call of
+/// the generator `morquill`.
 namespace morquill::project {
 
 /// One case or a whole project, checked and ready to be worked on.
@@ -21,12 +21,12 @@ struct WorkPlace {
     std::vector<std::string> caseDirs; ///< the cases to be touched, in order
 };
 
-/// How one of the two workflows names itself.
+/// The words of one of the two workflows.
 struct WorkflowWords {
     std::string_view verb;  ///< "update"
     std::string_view title; ///< "Update"
     std::string_view mode;  ///< the generator's mode in the header: "comd-only"
-    std::string_view flag;  ///< what the generator is told on its command line, when not empty
+    std::string_view flag;  ///< option on the generator's command line, when not empty
 };
 
 inline constexpr WorkflowWords updateWords{"update", "Update", "comd-only", "--comd-only"};
@@ -54,7 +54,7 @@ void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& sel
 
 /// Shows the generator's command line.
 void printGeneratorCommand(const WorkPlace& place, console::RunMode mode, const WorkflowWords& words);
-/// Runs the generator. Nothing when it ended well, else the reason.
+/// Runs the generator. Returns nothing on success, else the reason.
 [[nodiscard]] std::optional<std::string> runGenerator(const WorkPlace& place, const WorkflowWords& words);
 
 } // namespace morquill::project

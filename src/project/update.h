@@ -17,7 +17,7 @@ namespace morquill::project {
 [[nodiscard]] bool updateProject(const std::string& root, const std::string& file,
                                  const std::vector<std::string>& selected, const UpdateOptions& options);
 
-/// Runs `bash comd` in the selected block directories of each case, counting what went well and what did not;
+/// Runs `bash comd` in the selected block directories of each case, counting successes and failures;
 /// a dry run counts the runnable ones. What is missing is only reported.
 void runComdForCases(const std::vector<std::string>& caseDirs, const std::vector<std::string>& selected,
                      console::RunMode mode, UpdateSummary& summary);

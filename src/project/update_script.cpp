@@ -57,8 +57,8 @@ bool writeComdRunnerScript(const std::string& root, const std::vector<std::strin
                            const std::vector<std::string>& selected) {
     const auto outPath = comdRunnerScriptPath(root);
     const auto text = formatComdRunnerScript(root, caseDirs, selected);
-    // What stands there goes first: writing over it would go through a link, into a file with further names,
-    // or wait for the reader of a pipe.
+    // What is there is removed first: writing over it would go through a link, into a file with further
+    // names, or wait for the reader of a pipe.
     if (::unlink(outPath.c_str()) != 0 && errno != ENOENT) {
         return false;
     }

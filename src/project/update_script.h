@@ -15,9 +15,9 @@ namespace morquill::project {
 /// The path of the script of a case or project.
 [[nodiscard]] std::string comdRunnerScriptPath(const std::string& root);
 
-/// Writes the script into `root` as a new file, in the place of whatever stood there, and makes it
-/// executable. True on success; otherwise no script is left, for an older one would run other blocks. A
-/// directory in its place stays.
+/// Writes the script into `root` as a new file, in place of whatever is there, and makes it executable.
+/// True on success; otherwise no script is left, since an older one would run other blocks.
+/// A directory in its place stays.
 [[nodiscard]] bool writeComdRunnerScript(const std::string& root, const std::vector<std::string>& caseDirs,
                                          const std::vector<std::string>& selected);
 

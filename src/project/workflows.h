@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// The workflows behind the sub-commands of `project`. Each prints its own messages; what makes the command
-/// line one that cannot be followed is thrown, and the command reports it and shows the help.
+/// The workflows behind the sub-commands of `project`. Each prints its own messages and throws
+/// `console::UsageError` for a command line that cannot be followed.
 namespace morquill::project {
 
 struct UpdateOptions {
@@ -23,8 +23,8 @@ struct RebuildOptions {
 
 /// Makes a project from the task and geometry files of the current directory. True on success.
 [[nodiscard]] bool runProjectInit();
-/// Adds cases to a project; the exit status. Throws `console::UsageError` without a project or a geometry
-/// file.
+/// Adds cases to a project; the exit status. Throws `console::UsageError` without a project or
+/// a geometry file.
 [[nodiscard]] int runProjectAdd(const ProjectOptions& options);
 /// Refreshes the command scripts of selected blocks. True on success.
 [[nodiscard]] bool runProjectUpdate(const std::string& path, const std::vector<std::string>& names,

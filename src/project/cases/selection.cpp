@@ -19,12 +19,12 @@ const std::vector<std::string>& shownNames(const TaskCatalog& catalog) {
     return catalog.availableTasks.empty() ? catalog.expandedTasks : catalog.availableTasks;
 }
 
-/// One explicit or interactive choice and its words.
+/// One explicit or interactive choice and its messages.
 struct Choice {
     const TaskCatalog& catalog;
-    Wildcards wildcards;        ///< in the names; the menu's are plain
+    Wildcards wildcards;        ///< of the names; those of the menu are plain
     std::string noBlocks;       ///< the message for a catalog without blocks
-    std::string missingMessage; ///< stands before the names that are not known
+    std::string missingMessage; ///< precedes the names that are not known
 };
 
 std::vector<std::string> askForNames(const TaskCatalog& catalog, std::string_view title) {
@@ -61,34 +61,41 @@ std::optional<std::vector<std::string>> choose(const Choice& choice, const std::
     return std::move(selected);
 }
 
+/// Adds the expansions of a block to the choice; false when the catalog has no such block.
+bool takeBlock(const TaskCatalog& catalog, const std::string& name, NameList& chosen) {
+    const auto expansions = catalog.expansionsByName.find(name);
+    if (expansions == catalog.expansionsByName.end()) {
+        return false;
+    }
+    for (const std::string& expansion : expansions->second) {
+        chosen.add(expansion);
+    }
+    return true;
+}
+
+/// The same for every block whose name the pattern matches; false when there is none.
+bool takeMatchingBlocks(const TaskCatalog& catalog, const std::string& pattern, NameList& chosen) {
+    bool hit = false;
+    for (const std::string& logical : catalog.logicalNames) {
+        if (::fnmatch(pattern.c_str(), logical.c_str(), 0) == 0) {
+            hit = true;
+            takeBlock(catalog, logical, chosen);
+        }
+    }
+    return hit;
+}
+
 } // namespace
 
 BlockSelection selectTaskBlocks(const TaskCatalog& catalog, const std::vector<std::string>& names,
                                 Wildcards wildcards) {
     NameList chosen;
     std::vector<std::string> missing;
-    const auto take = [&](const std::string& name) {
-        const auto expansions = catalog.expansionsByName.find(name);
-        if (expansions == catalog.expansionsByName.end()) {
-            return false;
-        }
-        for (const std::string& expansion : expansions->second) {
-            chosen.add(expansion);
-        }
-        return true;
-    };
     for (const std::string& name : names) {
-        bool hit = false;
-        if (wildcards == Wildcards::matched && name.find_first_of("*?[") != std::string::npos) {
-            for (const std::string& logical : catalog.logicalNames) {
-                if (::fnmatch(name.c_str(), logical.c_str(), 0) == 0) {
-                    hit = true;
-                    take(logical);
-                }
-            }
-        } else {
-            hit = take(name);
-        }
+        const bool isPattern =
+            wildcards == Wildcards::matched && name.find_first_of("*?[") != std::string::npos;
+        const bool hit =
+            isPattern ? takeMatchingBlocks(catalog, name, chosen) : takeBlock(catalog, name, chosen);
         if (!hit && !name.empty()) {
             missing.push_back(name);
         }

@@ -55,8 +55,8 @@ bool hasProjectTemplate(const std::string& dir) {
     });
 }
 
-// A link counts wherever it leads: a case whose link dangles is still a case, with a file that cannot be
-// read.
+// A link counts wherever it leads: a case whose link dangles is still a case, with a file that
+// cannot be read.
 bool hasTaskFile(const std::string& dir) {
     return anyVisibleEntry(dir, [&](const std::string& name) {
         return extensionOf(name) == taskExtension && !isDirectory(joinPath(dir, name));
@@ -115,8 +115,8 @@ Outcome<ProjectTemplate> resolveFromCurrentDirectory() {
     return ProjectTemplate{enclosing, above.front()};
 }
 
-/// The enclosing project of an absolute path; `unresolved` is the message, without the path, when there is
-/// none.
+/// The enclosing project of an absolute path; `unresolved` is the message, without the path,
+/// when there is none.
 Outcome<ProjectTemplate> resolveEnclosingProject(const std::string& path, std::string_view unresolved) {
     const std::string dir = findProjectDirectory(path);
     const auto templates = listProjectTemplates(dir);

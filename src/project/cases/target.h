@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// From a path that the user typed to a project or a case. All paths given back are absolute and lexically
+/// From a path that the user typed to a project or a case. All returned paths are absolute and lexically
 /// normal, without a trailing slash; links are not resolved, so that a case file that links to the template
 /// stays a case file.
 namespace morquill::project {

@@ -42,7 +42,7 @@ class CatalogBuilder {
     std::map<std::string, NameList, std::less<>> expansions_;
 };
 
-/// Tells the place where a block is written; every expansion of the block has the same.
+/// The place where a block is written, the same for all its expansions.
 std::string headerKey(const TaskInfo& task) {
     const taskdsl::SourceSpan& span = task.headerSpan;
     return span.path.str() + '|' + std::to_string(span.line) + ':' + std::to_string(span.column) + '-' +
@@ -89,7 +89,7 @@ TaskCatalog CatalogBuilder::finish() const {
     return catalog;
 }
 
-/// A sink that passes warnings on and remembers that there were some.
+/// A sink that passes warnings on and remembers that there were any.
 struct WarningWatch {
     const taskdsl::WarningSink& sink;
     bool warned = false;
@@ -129,7 +129,7 @@ class CaseReader {
         if (dependsOnDirectory(*text, caseDir) ? parse(*text, file) : parseOnce(asCase_, *text, file)) {
             return true;
         }
-        // A template that includes its neighbours finds them only from where it stands itself.
+        // A template that includes its neighbours finds them only from its own place.
         return parseOnce(asTemplate_, *text, templateFile_);
     }
 
@@ -157,8 +157,8 @@ class CaseReader {
         return true;
     }
 
-    // The names are in the catalog after the first time. A text with warnings is parsed anew, for every case
-    // has to be warned about.
+    // The names are in the catalog after the first time. A text with warnings is parsed anew,
+    // since every case has to be warned about.
     bool parseOnce(Outcomes& outcomes, const std::string& text, const std::string& path) {
         if (const auto known = outcomes.find(text); known != outcomes.end()) {
             return known->second;

@@ -13,13 +13,13 @@
 /// The task blocks that a project or a case offers.
 namespace morquill::project {
 
-/// Block names of one or more task files; every list holds each name once, none empty, in order of first
-/// appearance.
+/// Block names of one or more task files; every list holds each name once, none empty, in order
+/// of first appearance.
 struct TaskCatalog {
     std::vector<std::string> availableTasks; ///< as written: what the menu shows
     std::vector<std::string> expandedTasks;  ///< as they exist after matrix expansion: the block directories
     std::vector<std::string> logicalNames;   ///< what a wildcard is matched against
-    /// Logical name to the expanded names it stands for; a variant's own name stands for itself.
+    /// Logical name to the expanded names that it selects; a variant's own name selects itself.
     std::map<std::string, std::vector<std::string>, std::less<>> expansionsByName;
 };
 
@@ -27,8 +27,8 @@ struct TaskCatalog {
 /// including document as tasks of their own; what was written is the name that they were made from.
 [[nodiscard]] std::string_view writtenName(const taskdsl::TaskInfo& task) noexcept;
 
-/// The blocks of one task file; a failure when it cannot be read or parsed. Warnings of the language go to
-/// the sink.
+/// The blocks of one task file; a failure when it cannot be read or parsed. Warnings of the language go
+/// to the sink.
 Outcome<TaskCatalog> scanTaskFile(const std::string& file,
                                   const taskdsl::WarningSink& warnings = console::logWarning);
 

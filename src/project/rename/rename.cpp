@@ -21,15 +21,15 @@ namespace morquill::project {
 
 namespace {
 
-/// What the given file stands for.
+/// What the file on the command line leads to.
 struct RenamePlace {
     TargetKind kind = TargetKind::Case;
     std::string file;    ///< the file to be rewritten: the task file or the project template
     std::string caseDir; ///< the directory of the given task file; empty when the template itself was given
 };
 
-/// A task file that is a link to a project template, or the stub that stands for such a link, stands for the
-/// whole project.
+/// A task file that is a link to a project template, or the stub in place of such a link,
+/// means the whole project.
 RenamePlace findPlace(const std::string& path) {
     if (path.ends_with(".projmq")) {
         return {TargetKind::Project, path, ""};
@@ -60,7 +60,7 @@ std::string caseNameOf(const RenamePlace& place) {
     return place.kind == TargetKind::Case && inside ? stemOf(place.file) : "";
 }
 
-/// False, after a message, when a case would lose the way to its template: the name of a block may stand in
+/// False, after a message, when a case would lose the way to its template: the name of a block may be part of
 /// the name of the template file.
 bool checkStubs(const std::vector<RenamedCase>& cases, const RenamedBlock& block) {
     for (const auto& [caseDir, names] : cases) {

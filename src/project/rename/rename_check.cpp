@@ -146,7 +146,7 @@ bool waitsAlike(const taskdsl::TaskWhenEntry& before, const taskdsl::TaskWhenEnt
 }
 
 /// True when a task depends on as much before as after. A new name like `origin` or `and` is read as
-/// something other than a name where it stands for the old one.
+/// something other than a name in place of the old one.
 bool dependsAlike(const TaskInfo& before, const TaskInfo& after) {
     return sourceTasks(before).size() == sourceTasks(after).size() &&
            sourceBindings(before).size() == sourceBindings(after).size() &&
@@ -218,8 +218,8 @@ std::optional<std::string> findKnownKey(const std::string& name, const RenamedBl
     return std::nullopt;
 }
 
-/// Adds the names of the blocks that stand under the renamed headers of a file to `names`. The fault, when
-/// one is that of another block, is made out of several, or is not what the header says.
+/// Adds the names of the blocks under the renamed headers of a file to `names`. The fault, when one is that
+/// of another block, is made out of several, or is not what the header says.
 std::optional<std::string> addNames(const TaskFile& file, const TaskDocument& before,
                                     const TaskDocument& after, const std::set<std::string>& taken,
                                     const Renaming& renaming, NameMap& names) {
@@ -273,9 +273,9 @@ bool isRewritten(const std::string& file, const Renaming& renaming) {
                        [&](const std::string& tree) { return liesBelow(path, tree); });
 }
 
-/// The file that a reference stands in which a rewritten text still has. The lines of a fragment have the
-/// place of their include line, so those of the file itself may come from any included one. Nothing when that
-/// is rewritten, too: it is read here as it was before.
+/// The file of a reference that a rewritten text still has. The lines of a fragment have the place of their
+/// include line, so those of the file itself may come from any included one. Nothing when that is rewritten,
+/// too: it is read here as it was before.
 std::optional<std::string> findUnrenamed(const ReferencePlace& place, const TaskFile& file,
                                          const TaskDocument& document, const Renaming& renaming) {
     if (place.file != file.path) {
@@ -426,7 +426,7 @@ std::optional<std::string> blockNameFault(const std::string& name) {
         return "a block name cannot be empty";
     }
     if (std::any_of(name.begin(), name.end(), isControl)) {
-        // without the name, which would not stand in one line
+        // without the name, which would not fit on one line
         return "a block name cannot hold a line break or another control character";
     }
     const std::string shown = ": $" + name;

@@ -142,6 +142,18 @@ bool rewriteFile(const std::string& path, std::string canonical, const RenamedBl
     return true;
 }
 
+/// The same for a link in a case, when it leads to a file that the rename may change.
+void rewriteLinkedFile(const std::string& path, const std::string& caseTree, const RenamedBlock& block,
+                       const std::string& caseName, RenameReport& report) {
+    if (!isRegularFile(path)) {
+        return;
+    }
+    const auto target = normalisedPath(path);
+    if (isOpenTarget(target, caseTree, report.linkRoot)) {
+        (void)rewriteFile(path, target, block, caseName, report);
+    }
+}
+
 /// The block directory of a case and the prefixed files in it.
 void renameBlockDirectory(const std::string& caseDir, const RenamedBlock& block, RenameReport& report) {
     const auto oldDir = joinPath(caseDir, block.oldName);
@@ -272,8 +284,8 @@ bool rewriteTextFile(const std::string& path, const RenamedBlock& block, const s
 
 void rewriteCaseTree(const std::string& caseDir, const RenamedBlock& block, const std::string& caseName,
                      RenameReport& report) {
-    // Links below are not entered, so the canonical path of a file is that of the case and the rest of its
-    // path.
+    // Links below are not entered, so the canonical path of a file is that of the case and the rest
+    // of its path.
     const auto canonicalCase = normalisedPath(caseDir);
     walkTree(caseDir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         switch (kind) {
@@ -283,12 +295,7 @@ void rewriteCaseTree(const std::string& caseDir, const RenamedBlock& block, cons
             (void)rewriteFile(path, canonicalCase + path.substr(caseDir.size()), block, caseName, report);
             break;
         case EntryKind::link:
-            if (isRegularFile(path)) {
-                const auto target = normalisedPath(path);
-                if (isOpenTarget(target, canonicalCase, report.linkRoot)) {
-                    (void)rewriteFile(path, target, block, caseName, report);
-                }
-            }
+            rewriteLinkedFile(path, canonicalCase, block, caseName, report);
             break;
         case EntryKind::unreadable:
             report.warnings.push_back("could not read directory; skipped: " + path);

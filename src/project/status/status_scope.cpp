@@ -146,8 +146,8 @@ bool holdsText(const std::string& path, std::string_view text) noexcept {
     }
 }
 
-/// Makes the path what it was, a link or a place for a plain file; what came there instead goes, a directory
-/// excepted.
+/// Makes the path what it was, a link or a place for a plain file; what came there instead goes,
+/// a directory excepted.
 bool restoreEntry(const StatusBackup& backup) noexcept {
     const auto now = identityAt(backup.path);
     if (now && S_ISDIR(now->kind)) {
@@ -190,7 +190,7 @@ bool restoreText(const StatusBackup& backup) {
     if ((!entryRestored && backup.link.empty()) || (!gone && !S_ISREG(info.st_mode))) {
         return false;
     }
-    // What lay behind a link goes back even where the link cannot.
+    // The target of a link goes back even where the link cannot.
     const bool linked = gone && backup.held.linkTo(backup.file);
     if (!linked && (gone || !holdsText(backup.file, backup.content)) && !writeBack(backup)) {
         return false;
@@ -201,8 +201,8 @@ bool restoreText(const StatusBackup& backup) {
     return entryRestored;
 }
 
-/// Removes a file that came while the generator ran, at the path or behind a link that led to none before.
-/// The error number of a failure, else 0.
+/// Removes a file that came while the generator ran, at the path or at the end of a link that led nowhere
+/// before. Returns 0 or the error number.
 int removeArrival(const StatusBackup& backup) noexcept {
     const auto now = identityAt(backup.path);
     if (!now || S_ISDIR(now->kind)) {
@@ -225,8 +225,8 @@ int removeArrival(const StatusBackup& backup) noexcept {
     return removed ? 0 : errno;
 }
 
-/// Leaves the old bytes under a free name where they belong, or where that directory has been moved to; the
-/// path of the file, empty when they could not be left anywhere.
+/// Saves the old bytes under a free name where they belong, or where that directory has been moved to.
+/// Returns the path of the file, empty when they could not be saved anywhere.
 std::string saveBeside(const StatusBackup& backup) {
     constexpr int mostNames = 100;
     const auto name = baseName(backup.file);
@@ -259,7 +259,7 @@ void reportRestoreFailure(const StatusBackup& backup, std::string_view reason,
                                   saved.empty() ? "" : "; what it held is in ", saved, ")"});
 }
 
-/// Keeps what could not be put back and tells where it is and why.
+/// Keeps what could not be put back and reports where it is and why.
 void keepUnrestored(const StatusBackup& backup, std::string_view reason) noexcept {
     try {
         const auto saved = holdsText(backup.file, backup.content) ? backup.file : saveBeside(backup);

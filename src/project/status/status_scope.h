@@ -23,14 +23,14 @@ struct FileIdentity {
     friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
 };
 
-/// What stood at the path of one case's status file before it was touched.
+/// What was at the path of one case's status file before it was touched.
 struct StatusBackup {
     std::string path;
     bool existed = false;              ///< a regular file, or a link to one
     std::string content;               ///< every byte, when it existed
     mode_t mode = 0644;                ///< its permissions
     std::string file;                  ///< where the bytes lie: the path, links resolved
-    std::string link;                  ///< where the path led to, when it was a symbolic link
+    std::string link;                  ///< target of the path when it was a symbolic link
     std::optional<FileIdentity> entry; ///< what lay at the path itself, of whatever kind
     system::HeldBytes held;            ///< the content on its disk, from just before it was touched
 };
@@ -53,10 +53,10 @@ struct UpdateSummary {
                                                             console::RunMode mode,
                                                             std::vector<StatusBackup>& backups);
 
-/// Puts back what the backups hold, the last one first; a file that has come since is removed, what stood
-/// there before without being a status file (a directory, a FIFO, a link that leads to none) stays. What
-/// cannot go back is left beside its place, or where its directory has been moved to. Reports every failure,
-/// is stopped by none, not even by a lack of memory; false when there was one.
+/// Puts back what the backups hold, the last one first; a file that has come since is removed;
+/// what was there before without being a status file (a directory, a FIFO, a link that leads to none) stays.
+/// What cannot go back is left beside its place, or where its directory has been moved to.
+/// Reports every failure, is stopped by none, not even by a lack of memory; false when there was one.
 [[nodiscard]] bool restoreStatusFiles(const std::vector<StatusBackup>& backups) noexcept;
 
 /// Restores on every way out of the scope, once.

@@ -31,7 +31,7 @@ class DiagnosticError : public WholeTextError {
     std::string message_;
 };
 
-/// Takes one warning line.
+/// Receives one warning line.
 using WarningSink = std::function<void(const std::string&)>;
 
 } // namespace morquill::taskdsl

@@ -6,23 +6,23 @@
 #include <string_view>
 #include <vector>
 
-/// Where the lines end that belong to one opening line.
+/// Finds the end of the lines that belong to an opening line.
 namespace morquill::taskdsl {
 
-/// The end of a block: its closing line, or, when it has none, the first line that cannot belong to it.
+/// The end of a block: its closing line or, without one, the first line that cannot belong to it.
 struct BlockEnd {
     std::size_t index = 0;
     bool isClosed = false;
 };
 
-/// What a run of lines says, and the first line behind it.
+/// The value read from a run of lines, and the first line after them.
 template <class Value>
 struct TakenLines {
     Value value;
     std::size_t next = 0;
 };
 
-/// The first "@end" behind the head of a block; lines from `limit` on cannot belong to it.
+/// The first "@end" after the head of a block; lines from `limit` on cannot belong to it.
 [[nodiscard]] BlockEnd findBlockEnd(const std::vector<SourceLine>& lines, std::size_t head,
                                     std::size_t limit) noexcept;
 
@@ -34,8 +34,8 @@ struct TakenLines {
 /// The terminator of the heredoc that a directive's value (`<<`, `<< END`) opens; "EOF" when none is written.
 [[nodiscard]] std::string_view heredocTerminator(std::string_view value) noexcept;
 
-/// The line behind `opener` that is the terminator but for white space around it. A boundary line cannot
-/// belong to the heredoc.
+/// The line after `opener` that is the terminator, white space around it aside. A boundary line cannot belong
+/// to the heredoc.
 [[nodiscard]] BlockEnd findHeredocEnd(const std::vector<SourceLine>& lines, std::size_t opener,
                                       std::string_view terminator) noexcept;
 

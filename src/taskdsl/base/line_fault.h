@@ -14,8 +14,8 @@ namespace morquill::taskdsl {
     return std::string(path.empty() ? std::string_view("<memory>") : path);
 }
 
-/// The fault "<file>:<line>: <message>" of one line; `currentFile` serves a line that has no origin of its
-/// own.
+/// The fault "<file>:<line>: <message>" of one line; `currentFile` serves a line that has no origin
+/// of its own.
 [[nodiscard]] inline DiagnosticError lineFault(const SourceLine& line, std::string_view currentFile,
                                                std::string_view message) {
     const SharedText path = line.originPath.empty() ? SharedText(currentFile) : line.originPath;

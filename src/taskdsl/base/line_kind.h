@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-/// What a line is to the task language by its own text alone; the stages decide what it means where it lies.
+/// What a line is by its own text alone; the stages decide what it means in its place.
 namespace morquill::taskdsl {
 
 enum class LineKind : std::uint8_t {
@@ -20,7 +20,7 @@ enum class LineKind : std::uint8_t {
     end             ///< "@end"
 };
 
-/// The kind of a cleaned line. It is never `removedInclude`: of a comment nothing is left.
+/// The kind of a cleaned line. It is never `removedInclude`: nothing is left of a comment.
 [[nodiscard]] LineKind kindOfCleanLine(std::string_view clean) noexcept;
 
 /// True for the lines that close the block of the directive before them: a directive, a task header, an

@@ -17,7 +17,7 @@ struct Bracket {
     std::string_view key;
 };
 
-/// The next `[key]` from `begin` on. No key character is a bracket, so a failed try goes on behind its key.
+/// The next `[key]` from `begin` on. No key character is a bracket, so a failed try goes on after its key.
 Bracket nextBracket(std::string_view text, std::size_t begin) noexcept {
     for (std::size_t open = text.find('[', begin); open != std::string_view::npos;) {
         const auto key = Cursor(text, open + 1).takeWhile(isKeyChar);

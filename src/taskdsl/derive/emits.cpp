@@ -211,7 +211,7 @@ void readEmitAtomVector(BlockReader& reader, std::string_view text) {
     if (halves) {
         statement.value = reader.expression(halves->right);
     } else {
-        // `a-b` is a property but no field: as an expression it would be a difference.
+        // `a-b` is a property but not a field: as an expression it would be a difference.
         constexpr std::uint32_t fields = seenSelect | seenGroupBy | seenAggregate;
         const auto& name = statement.property;
         const bool field = isWordStart(name.front()) && name.find('-') == std::string::npos;

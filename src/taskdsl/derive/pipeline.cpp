@@ -91,7 +91,7 @@ DerivedTableSource derivedTable(const BlockReader& reader, std::string_view deri
             requireIdentifier(table, "derived() table name must be an identifier", reader.span)};
 }
 
-/// `derived(derive.table)`: the names stand before and behind the first dot.
+/// `derived(derive.table)`: the names before and after the first dot.
 DerivedTableSource splitShorthand(const BlockReader& reader, std::string_view text) {
     const auto selector = trim(text);
     const auto dot = selector.find('.');
@@ -260,8 +260,8 @@ void readGroupBy(BlockReader& reader, std::string_view text) {
 
 namespace {
 
-/// True for a value that calls a function, somewhere in it. A value in parentheses passes, too: the call of a
-/// formula may leave none behind once it is expanded, and what it leaves is printed so.
+/// True for a value that calls a function, somewhere in it. A value in parentheses passes, too:
+/// a formula may hold no call once it is expanded, and its expansion is printed in parentheses.
 bool isAggregate(const ExprRef& value, std::string_view text) {
     return plot::callsFunction(value) || insideParentheses(text);
 }

@@ -7,9 +7,9 @@
 
 namespace morquill::taskdsl::derive {
 
-/// The names of the tasks that the block reads: sources and joins over atoms, snapshot references, and the
-/// first argument of the functions that take a task. "self", in any case, is no task name. Patterns of
-/// `tasks(...)` are not resolved.
+/// The names of the tasks that the block reads: sources and joins over atoms, snapshot references,
+/// and the first argument of the functions that take a task. "self", in any case, is not a task name.
+/// Patterns of `tasks(...)` are not resolved.
 [[nodiscard]] std::set<std::string> collectDeriveTaskReferences(const DeriveSpec& spec);
 
 } // namespace morquill::taskdsl::derive

@@ -13,8 +13,8 @@
 /// `define:` sections and the keys that they may not use.
 namespace morquill::taskdsl {
 
-/// True for a key that stands for a runtime placeholder of `%source`: one of the reserved names, such a name
-/// with a dot and more behind it, or such a name followed by digits only.
+/// True for a key that means a runtime placeholder of `%source`: one of the reserved names, alone,
+/// followed by a dot and more, or followed by digits only.
 [[nodiscard]] bool isReservedKey(std::string_view key) noexcept;
 
 /// Throws `DiagnosticError` for a reserved define key.
@@ -26,7 +26,7 @@ void requireFreeDefineKey(std::string_view key);
 /// What a merge does with a name that is there already.
 enum class NameClash : std::uint8_t { keepOld, takeNew };
 
-/// Puts defines into the document. Throws `DiagnosticError` for a reserved key.
+/// Adds defines to the document. Throws `DiagnosticError` for a reserved key.
 void mergeDefines(TaskDocument& document, const ValueMap& defines, NameClash clash);
 
 } // namespace morquill::taskdsl

@@ -18,7 +18,7 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// A fragment and the library it lies in; the library is null for a standalone file.
+/// A fragment and its library, which is null for a standalone file.
 struct FoundFragment {
     const FragmentDefinition* definition = nullptr;
     const FragmentLibrary* library = nullptr;
@@ -187,7 +187,7 @@ class IncludePass {
     static bool isIndented(const SourceLine& line) noexcept {
         return line.text().front() == ' ' || line.text().front() == '\t';
     }
-    /// True for an include line that is part of no task's body, as its indentation tells.
+    /// True for an include line whose indentation shows that it belongs to no task's body.
     [[nodiscard]] bool isAtMargin(const SourceLine& line) const noexcept {
         return isDocument() && !isIndented(line);
     }
@@ -235,7 +235,7 @@ class IncludePass {
         }
     }
 
-    /// Puts a fragment in. At the margin, one of kind document ends the task that it is behind.
+    /// Puts a fragment in. At the margin, one of kind document ends the task before it.
     void instantiate(const IncludeDirective& include, const SourceLine& line) {
         FragmentDefinition standalone;
         FoundFragment found;
@@ -293,7 +293,7 @@ class IncludePass {
     const IncludeFrame& frame_;
     DocumentContext& context_;
     FragmentExpansionScope current_; ///< what an include may bring at this line
-    bool inTask_ = false;            ///< behind a task header; only in document scope
+    bool inTask_ = false;            ///< after a task header; only in document scope
     bool changed_ = false;           ///< an include was met: lines go to `result_`
     std::vector<SourceLine> result_;
 };
@@ -315,7 +315,7 @@ std::vector<SourceLine> instantiateFragment(const FragmentDefinition& definition
                         "cannot include " + std::string(fragmentKindName(definition.kind)) + " fragment '" +
                             name + "' in " + std::string(fragmentKindName(scope)) + " context");
     }
-    // A library is loaded once, so its path tells it apart; a standalone file may come by several paths.
+    // A library is loaded once, so its path identifies it; a standalone file may be reached by several paths.
     const auto& path = definition.path.str();
     const IncludeChain::Entry entry(context.run.fragmentChain,
                                     library ? path + "::" + name : normalisedPath(path), path + "::" + name);

@@ -12,7 +12,7 @@
 /// that it has where it was written.
 namespace morquill::taskdsl {
 
-/// What one pass works on: the file whose lines these are, the library it is, and what may stand in it.
+/// What one pass works on: the file that the lines belong to, the library it is, and what it may hold.
 struct IncludeFrame {
     SharedText baseFile;                      ///< for lines that have no origin path
     const FragmentLibrary* library = nullptr; ///< null outside a library
@@ -25,8 +25,8 @@ struct IncludeFrame {
 [[nodiscard]] std::vector<SourceLine> expandIncludes(std::vector<SourceLine> lines, const IncludeFrame& frame,
                                                      DocumentContext& context);
 
-/// The lines that stand for one include of a fragment: its body with the arguments put in and its own
-/// includes expanded. `library` is the fragment's own, null for a standalone file.
+/// The lines that replace one include of a fragment: its body with the arguments put in and its own includes
+/// expanded. `library` is the fragment's own, null for a standalone file.
 [[nodiscard]] std::vector<SourceLine>
 instantiateFragment(const FragmentDefinition& definition, const IncludeDirective& include,
                     const SourceLine& includeLine, const FragmentLibrary* library,

@@ -51,14 +51,14 @@ Series parseSeries(const std::string& source) {
     if (last.empty() || cursor.skipSpace().rest() != ")") {
         throw unsupported();
     }
-    Series series;
-    const auto read = [](std::string_view digits, std::int64_t& value) {
-        return std::from_chars(digits.data(), digits.data() + digits.size(), value).ec == std::errc{};
+    const auto number = [&source](std::string_view digits) {
+        std::int64_t value = 0;
+        if (std::from_chars(digits.data(), digits.data() + digits.size(), value).ec != std::errc{}) {
+            throw DiagnosticError("@foreach source '" + source + "' has a number beyond 64 bits");
+        }
+        return value;
     };
-    if (!read(first, series.first) || !read(last, series.last)) {
-        throw DiagnosticError("@foreach source '" + source + "' has a number beyond 64 bits");
-    }
-    return series;
+    return {number(first), number(last)};
 }
 
 /// The number of items of a series, checked against the bound.
@@ -72,8 +72,7 @@ std::size_t itemCount(const Series& series, const std::string& source) {
     return high - low + 1;
 }
 
-/// A `@foreach` header, with texts of its own as its line may be moved away, and the "@end" that belongs to
-/// it.
+/// A `@foreach` header, with texts of its own because its line may be moved away, and its "@end".
 struct Loop {
     std::string name;
     std::optional<std::string> source;
@@ -87,13 +86,13 @@ class ItemValues {
     explicit ItemValues(const ValueMap& outer) : values_(outer) {}
     [[nodiscard]] const ValueMap& get() const noexcept { return values_; }
 
-    /// What a layer covered up: the key and its former value.
+    /// What a layer hides: each key and its former value.
     using Layer = std::vector<std::pair<std::string, std::optional<std::string>>>;
 
     [[nodiscard]] Layer push(const std::string& name, const ValueMap& item) {
         Layer layer;
         for (const auto& [key, value] : item) {
-            std::string whole = name + "." + key;
+            std::string whole = std::string(name).append(".").append(key);
             const auto [entry, isNew] = values_.try_emplace(whole, value);
             layer.emplace_back(std::move(whole), std::nullopt);
             if (!isNew) {
@@ -102,7 +101,7 @@ class ItemValues {
         }
         return layer;
     }
-    void pop(Layer layer) {
+    void pop(Layer&& layer) {
         for (auto& [key, former] : layer) {
             if (former) {
                 values_.insert_or_assign(std::move(key), std::move(*former));
@@ -220,7 +219,7 @@ class ForeachPass {
             const auto text = std::to_string(number);
             repeatFor(name, {{"index", std::to_string(index)}, {"series", text}, {"value", text}}, body,
                       depth);
-            if (index < count) { // the last number may be the last of its type
+            if (index < count) { // the last number may be the largest or smallest of its type
                 number += series.first <= series.last ? 1 : -1;
             }
         }

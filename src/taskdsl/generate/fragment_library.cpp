@@ -20,7 +20,7 @@ bool isFragment(const SourceLine& line) noexcept {
     return line.kind() == LineKind::fragment;
 }
 
-/// Removes blank lines at both ends of a body. To a text fragment a comment is text.
+/// Removes blank lines at both ends of a body; in a text fragment a comment is text.
 void trimBody(FragmentDefinition& fragment) {
     const bool raw = fragment.kind == FragmentKind::text;
     const auto holdsText = [raw](const SourceLine& line) {
@@ -34,13 +34,13 @@ void trimBody(FragmentDefinition& fragment) {
 class LibraryReader {
   public:
     LibraryReader(std::string_view text, const SharedText& path, DocumentContext& parseContext)
-        : lines(makeSourceLines(text, path)), context(parseContext) {
-        library.path = path;
+        : lines_(makeSourceLines(text, path)), context_(parseContext) {
+        library_.path = path;
     }
 
     FragmentLibrary read() {
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            const SourceLine& line = lines[i];
+        for (std::size_t i = 0; i < lines_.size(); ++i) {
+            const SourceLine& line = lines_[i];
             if (line.clean().empty()) {
                 continue;
             }
@@ -52,24 +52,24 @@ class LibraryReader {
                 throw fault(line, "expected &FRAGMENT declaration");
             }
         }
-        return std::move(library);
+        return std::move(library_);
     }
 
   private:
     [[nodiscard]] DiagnosticError fault(const SourceLine& line, std::string_view message) const {
-        return lineFault(line, library.path, message);
+        return lineFault(line, library_.path, message);
     }
 
     /// Leaves `i` on the last line of the body.
     void readFragment(std::size_t& i) {
-        auto [fragment, next] = parseFragmentHeader(lines, i, library.path, FragmentNaming::required);
+        auto [fragment, next] = parseFragmentHeader(lines_, i, library_.path, FragmentNaming::required);
         i = next - 1;
-        while (i + 1 < lines.size() && !isFragment(lines[i + 1])) {
-            fragment.lines.push_back(std::move(lines[++i]));
+        while (i + 1 < lines_.size() && !isFragment(lines_[i + 1])) {
+            fragment.lines.push_back(std::move(lines_[++i]));
         }
         trimBody(fragment);
         std::string name = fragment.name;
-        const auto [entry, isNew] = library.fragments.try_emplace(std::move(name), std::move(fragment));
+        const auto [entry, isNew] = library_.fragments.try_emplace(std::move(name), std::move(fragment));
         if (!isNew) {
             throw DiagnosticError("duplicate fragment name '" + entry->first + "'");
         }
@@ -79,15 +79,16 @@ class LibraryReader {
         if (include.kind != IncludeTarget::library || include.alias.empty()) {
             throw fault(line, "library dependencies must use '&INCLUDE \"file.mqlib\" as namespace'");
         }
-        if (library.dependencies.count(include.alias) != 0) {
+        if (library_.dependencies.count(include.alias) != 0) {
             throw fault(line, "duplicate library namespace '" + include.alias + "'");
         }
-        library.dependencies.emplace(include.alias, loadLibrary(searchName(include), library.path.str(), context));
+        library_.dependencies.emplace(include.alias,
+                                      loadLibrary(searchName(include), library_.path.str(), context_));
     }
 
-    std::vector<SourceLine> lines;
-    DocumentContext& context;
-    FragmentLibrary library;
+    std::vector<SourceLine> lines_;
+    DocumentContext& context_;
+    FragmentLibrary library_;
 };
 
 /// The first line that is neither blank nor a comment; the line count when there is none.

@@ -8,42 +8,42 @@
 
 namespace morquill::taskdsl {
 
-IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& key, std::string shown) : chain(owner) {
-    chain.enter(key, std::move(shown));
+IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& key, std::string shown) : chain_(owner) {
+    chain_.enter(key, std::move(shown));
 }
 
-IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& path) : chain(owner) {
-    if (chain.elements.empty()) {
-        chain.elements.push_back({std::nullopt, path});
+IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& path) : chain_(owner) {
+    if (chain_.elements_.empty()) {
+        chain_.elements_.push_back({std::nullopt, path});
     } else {
-        chain.enter(normalisedPath(path), path);
+        chain_.enter(normalisedPath(path), path);
     }
 }
 
 IncludeChain::Entry::~Entry() {
-    if (const auto& key = chain.elements.back().key) {
-        chain.keys.erase(*key);
+    if (const auto& key = chain_.elements_.back().key) {
+        chain_.keys_.erase(*key);
     }
-    chain.elements.pop_back();
+    chain_.elements_.pop_back();
 }
 
 void IncludeChain::enter(const std::string& key, std::string shown) {
-    if (!elements.empty() && !elements.front().key) {
-        elements.front().key = keys.insert(normalisedPath(elements.front().shown)).first;
+    if (!elements_.empty() && !elements_.front().key) {
+        elements_.front().key = keys_.insert(normalisedPath(elements_.front().shown)).first;
     }
-    if (keys.count(key) != 0) {
-        std::string message(label);
+    if (keys_.count(key) != 0) {
+        std::string message(label_);
         message += " cycle detected: ";
-        for (const auto& element : elements) {
+        for (const auto& element : elements_) {
             message += element.shown + " -> ";
         }
         throw DiagnosticError(message + shown);
     }
-    if (elements.size() == limits::includeDepth) {
-        throw DiagnosticError(std::string(label) + " is nested more than " +
+    if (elements_.size() == limits::includeDepth) {
+        throw DiagnosticError(std::string(label_) + " is nested more than " +
                               std::to_string(limits::includeDepth) + " deep: " + shown);
     }
-    elements.push_back({keys.insert(key).first, std::move(shown)});
+    elements_.push_back({keys_.insert(key).first, std::move(shown)});
 }
 
 } // namespace morquill::taskdsl

@@ -12,14 +12,14 @@ namespace morquill::taskdsl {
 class IncludeChain {
   public:
     /// `name` is the kind of inclusion in messages, as in "task include cycle detected: ...".
-    explicit IncludeChain(std::string_view name) : label(name) {}
+    explicit IncludeChain(std::string_view name) : label_(name) {}
 
     /// Enters an element for the time of a scope.
     class Entry {
       public:
-        /// `key` tells elements apart, `shown` is what messages print. Throws `DiagnosticError` with the
-        /// whole chain when the element is on it already, or when the chain grows beyond
-        /// `limits::includeDepth`.
+        /// `key` identifies the element, `shown` is what messages print. Throws `DiagnosticError`
+        /// with the whole chain when the element is on it already, or when the chain
+        /// grows beyond `limits::includeDepth`.
         Entry(IncludeChain& chain, const std::string& key, std::string shown);
         /// Enters a file: told apart by its canonical path, which is not asked for before there is a second
         /// element, shown by the path as resolved. Throws as the other.
@@ -29,7 +29,7 @@ class IncludeChain {
         ~Entry();
 
       private:
-        IncludeChain& chain;
+        IncludeChain& chain_;
     };
 
   private:
@@ -40,9 +40,9 @@ class IncludeChain {
     };
     void enter(const std::string& key, std::string shown);
 
-    std::string_view label;
-    std::vector<Element> elements;
-    std::set<std::string> keys;
+    std::string_view label_;
+    std::vector<Element> elements_;
+    std::set<std::string> keys_;
 };
 
 } // namespace morquill::taskdsl

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view keyword = "&INCLUDE";
 
-/// Where the word `as` divides the target from its alias; `npos` when it does not stand there.
+/// The position of the `as` that divides the target from its alias; `npos` without one.
 std::size_t findAlias(std::string_view text) noexcept {
     return findAtTop(text, quote_rules::includeLine, [text](std::size_t at) {
         return at > 0 && isSpace(text[at - 1]) && matchWord(text.substr(at), "as");

@@ -6,8 +6,8 @@
 
 namespace morquill::taskdsl {
 
-/// Looks for the file that a name in `<` and `>` means; the name comes without them. A relative path that it
-/// returns is taken from the directory of the including file, like any other name.
+/// Finds the file that a name in `<` and `>` means; the name is passed without them. A relative result is
+/// taken from the directory of the including file, like any other name.
 using LibraryFileFinder = std::function<std::string(const std::string& name)>;
 
 /// The file that an include target names, as an absolute, normalised path; it need not exist. A name in `<`

@@ -24,8 +24,8 @@ struct MatrixAxes {
     std::map<std::string, std::vector<std::string>, std::less<>>& values;
 };
 
-/// Puts axes behind those that are there; an axis of the same key is replaced in its place or kept. Throws
-/// `DiagnosticError` for a reserved key.
+/// Appends axes to those that are there; an axis of the same key is replaced in its place or kept.
+/// Throws `DiagnosticError` for a reserved key.
 void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash);
 void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, NameClash clash);
 

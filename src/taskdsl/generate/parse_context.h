@@ -30,10 +30,10 @@ class EnteredFiles {
     std::set<std::string> canonical_;
 };
 
-/// The state of one run of the parser: it lives from the first line of the main file to the last one, through
-/// all files that are included.
+/// The state of one run of the parser, from the first line of the main file to the last one,
+/// through all included files.
 struct ParseContext {
-    /// A missing warning sink becomes one that does nothing: stages call it unasked.
+    /// A missing warning sink becomes one that does nothing, so that stages can call it without a check.
     explicit ParseContext(ParserOptions parserOptions);
 
     const ParserOptions options;
@@ -43,7 +43,7 @@ struct ParseContext {
     IncludeChain fragmentChain{"fragment include"};
     /// Loaded libraries by canonical path.
     std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> libraries;
-    /// The task files entered so far: an "extra.mq" among them is not looked into again.
+    /// The task files entered so far: an "extra.mq" among them is not read again.
     EnteredFiles taskFiles;
     GrowthBudget growth;
     bool followsIncludes = true; ///< false: an include line is a fault, no other file is read
@@ -57,7 +57,7 @@ struct ParseContext {
     [[nodiscard]] std::string resolveIncludePath(std::string_view name, const std::string& baseFile) const;
 };
 
-/// What one document brings along while it is being read: every included task file has its own.
+/// The state of one document while it is being read; every included task file has its own.
 struct DocumentContext {
     explicit DocumentContext(ParseContext& parseRun) : run(parseRun) {}
 
@@ -65,7 +65,7 @@ struct DocumentContext {
     /// The libraries that the file itself imports, by namespace alias.
     std::map<std::string, std::shared_ptr<const FragmentLibrary>, std::less<>> namespaces;
     NameList includedFiles; ///< files read for this document
-    /// Keys of the settings that an included task file brought along: their values were looked at with it.
+    /// Keys of the settings that came from an included task file: their values were checked with it.
     KeySet inheritedSettings;
 };
 

@@ -11,11 +11,11 @@ namespace morquill::taskdsl {
 /// Answers whether a path leads to a regular file.
 using FileTest = std::function<bool(const std::string&)>;
 
-/// What whoever runs the parser decides. The language itself reads neither the environment nor a log.
+/// The options of a parser run. The language itself reads neither the environment nor a log.
 struct ParserOptions {
     bool legacyMultiSource = false;      ///< `%source a,b` is read
     LibraryFileFinder findLibraryFile{}; ///< without one, `<name>` is looked for beside the including file
-    WarningSink warnings{};              ///< hears of doubtful forms; without one nobody does
+    WarningSink warnings{};              ///< receives doubtful forms; without one they pass in silence
     FileTest isFile{};                   ///< whether an extra file is there; without one the disk is asked
 };
 

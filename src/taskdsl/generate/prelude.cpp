@@ -31,7 +31,7 @@ bool isIndented(std::string_view line) noexcept {
     return line.starts_with(' ') || line.starts_with('\t');
 }
 
-/// `key: value`. A directive is none, also when its value holds a colon.
+/// `key: value`. A directive is not one, even when its value holds a colon.
 bool isKeyLine(std::string_view text) noexcept {
     const auto colon = text.find(':');
     return colon != std::string_view::npos && !trim(text.substr(0, colon)).empty() && !text.starts_with('%');
@@ -41,113 +41,113 @@ class PreludeReader {
   public:
     PreludeReader(const std::vector<SourceLine>& allLines, const std::string& file,
                   DocumentContext& parseContext)
-        : lines(allLines), path(file), context(parseContext) {}
+        : lines_(allLines), path_(file), context_(parseContext) {}
 
-    /// Reads on to the first line that is no part of the prelude.
+    /// Reads on to the first line that is not part of the prelude.
     TakenLines<PreludeResult> read() {
-        while (index < lines.size() && readLine()) {
+        while (index_ < lines_.size() && readLine()) {
         }
-        return {std::move(result), index};
+        return {std::move(result_), index_};
     }
 
   private:
-    /// Moves behind the line or section at `index`; false, and no move, where the prelude ends.
+    /// Moves past the line or section at `index_`; false, and no move, where the prelude ends.
     bool readLine() {
         warnIfRemovedInclude();
-        const auto text = lines[index].clean();
+        const auto text = lines_[index_].clean();
         if (text.empty()) {
-            ++index;
+            ++index_;
             return true;
         }
-        if (beginsBody(lines[index].kind())) {
+        if (beginsBody(lines_[index_].kind())) {
             return false;
         }
-        if (lines[index].kind() == LineKind::include) {
+        if (lines_[index_].kind() == LineKind::include) {
             return readInclude(text);
         }
         if (text.starts_with(defineKeyword)) {
-            auto block = parseDefineBlock(lines, index + 1);
+            auto block = parseDefineBlock(lines_, index_ + 1);
             for (auto& [key, value] : block.value) {
-                result.defines.insert_or_assign(key, std::move(value));
+                result_.defines.insert_or_assign(key, std::move(value));
             }
             passSection(block.next);
             return true;
         }
         if (text.starts_with(matrixKeyword)) {
-            const auto block = parseMatrixBlock(lines, index + 1);
-            mergeMatrixAxes({result.matrixAxes, result.matrixValues}, block.value, NameClash::takeNew);
+            const auto block = parseMatrixBlock(lines_, index_ + 1);
+            mergeMatrixAxes({result_.matrixAxes, result_.matrixValues}, block.value, NameClash::takeNew);
             passSection(block.next);
             return true;
         }
-        if (isIndented(lines[index].text()) || !isKeyLine(text)) {
+        if (isIndented(lines_[index_].text()) || !isKeyLine(text)) {
             return false;
         }
         readSection();
         return true;
     }
 
-    /// Moves behind the section whose keyword is at `index`. Directives under a missing task header are no
+    /// Moves past the section whose keyword is at `index_`. Directives under a missing task header are not
     /// entries of the section above them.
     void passSection(std::size_t next) {
-        while (++index < next) {
-            if (isKnownDirective(lines[index].clean())) {
-                throw misplacedDirective(lines[index], path);
+        while (++index_ < next) {
+            if (isKnownDirective(lines_[index_].clean())) {
+                throw misplacedDirective(lines_[index_], path_);
             }
         }
     }
 
     void warnIfRemovedInclude() const {
-        if (lines[index].kind() == LineKind::removedInclude) {
-            warnHashInclude(trim(lines[index].text()), path, context.run.options.warnings);
+        if (lines_[index_].kind() == LineKind::removedInclude) {
+            warnHashInclude(trim(lines_[index_].text()), path_, context_.run.options.warnings);
         }
     }
 
     bool readInclude(std::string_view text) {
-        if (!context.run.followsIncludes) {
+        if (!context_.run.followsIncludes) {
             return false;
         }
         ParenthesisCount parentheses;
         if (!parentheses.read(text) || !parentheses.balanced()) {
-            return false; // its arguments go on behind this line: the include pass gathers them
+            return false; // its arguments continue on the next line: the include pass gathers them
         }
         const auto include = parseIncludeLine(text);
         if (include.kind == IncludeTarget::yamlFile) {
-            mergeMissing(parseYamlInclude(searchName(include), path, context));
+            mergeMissing(parseYamlInclude(searchName(include), path_, context_));
         } else if (include.kind == IncludeTarget::library && !include.alias.empty()) {
-            if (const auto refusal = bindLibrary(include.alias, searchName(include), path, context)) {
+            if (const auto refusal = bindLibrary(include.alias, searchName(include), path_, context_)) {
                 throw DiagnosticError(*refusal);
             }
         } else {
             return false;
         }
-        ++index;
+        ++index_;
         return true;
     }
 
     void mergeMissing(PreludeResult included) {
-        result.settings.merge(included.settings);
-        result.defines.merge(included.defines);
-        result.collections.merge(included.collections);
-        mergeMatrixAxes({result.matrixAxes, result.matrixValues}, included.matrixAxes, NameClash::keepOld);
+        result_.settings.merge(included.settings);
+        result_.defines.merge(included.defines);
+        result_.collections.merge(included.collections);
+        mergeMatrixAxes({result_.matrixAxes, result_.matrixValues}, included.matrixAxes, NameClash::keepOld);
     }
 
     /// Takes the lines of a YAML section. A nested key may be called "define" or "matrix": those begin a
     /// section of their own only at the margin. A `%` at the margin is a directive whose task header is
     /// missing: to the YAML library the document ends there, and what follows is not read.
     void readSection() {
-        const std::size_t first = index;
+        const std::size_t first = index_;
         std::string text;
-        for (; index < lines.size() && (index == first || !endsSection(lines[index])); ++index) {
-            if (lines[index].text().starts_with('%')) {
-                throw misplacedDirective(lines[index], path);
+        for (; index_ < lines_.size() && (index_ == first || !endsSection(lines_[index_])); ++index_) {
+            if (lines_[index_].text().starts_with('%')) {
+                throw misplacedDirective(lines_[index_], path_);
             }
-            if (index != first) {
+            if (index_ != first) {
                 warnIfRemovedInclude();
             }
-            text += lines[index].text();
+            text += lines_[index_].text();
             text += '\n';
         }
-        readYamlSection(text, path, first + 1, result.settings, result.collections);
+        readYamlSection(text, path_, first + 1, result_.settings, result_.collections);
     }
 
     static bool endsSection(const SourceLine& line) noexcept {
@@ -155,19 +155,19 @@ class PreludeReader {
                line.text().starts_with(defineKeyword) || line.text().starts_with(matrixKeyword);
     }
 
-    const std::vector<SourceLine>& lines;
-    std::size_t index = 0;
-    const std::string& path;
-    DocumentContext& context;
-    PreludeResult result;
+    const std::vector<SourceLine>& lines_;
+    std::size_t index_ = 0;
+    const std::string& path_;
+    DocumentContext& context_;
+    PreludeResult result_;
 };
 
-/// `---` or `...` at the margin, alone or with more behind a blank.
+/// `---` or `...` at the margin, alone or with more after a blank.
 bool isDocumentMarker(std::string_view line) noexcept {
     return matchWord(line, "---") || matchWord(line, "...");
 }
 
-/// A YAML file has no body: what is behind its prelude is not read.
+/// A YAML file has no body: what follows its prelude is not read.
 void reportUnreadLine(const SourceLine& line, const std::string& path, const DocumentContext& context) {
     if (line.clean().starts_with('%')) {
         throw misplacedDirective(line, path);

@@ -30,18 +30,17 @@ struct PreludeResult {
 [[nodiscard]] TakenLines<PreludeResult> parsePrelude(const std::vector<SourceLine>& lines,
                                                      const std::string& path, DocumentContext& context);
 
-/// Refuses a YAML document marker (`---`, `...`) as the line that ended the prelude of a file, when it hides
-/// lines from it: what stands between the prelude and the first block is passed over without a word. Throws
-/// `DiagnosticError`.
+/// Refuses a YAML document marker (`---`, `...`) that ends the prelude of a file when entries follow it:
+/// what is between the prelude and the first block is skipped in silence. Throws `DiagnosticError`.
 void requireWholePrelude(const std::vector<SourceLine>& lines, std::size_t next, std::string_view path);
 
 /// Reads a YAML file as a prelude. `target` is resolved from the file `base`. A missing file is a warning and
-/// gives nothing.
+/// an empty result.
 [[nodiscard]] PreludeResult parseYamlInclude(const std::string& target, const std::string& base,
                                              DocumentContext& context);
 
-/// Puts the settings, defines and axes of a prelude into the document. Throws `DiagnosticError` for a
-/// reserved name.
+/// Adds the settings, defines and axes of a prelude to the document. Throws `DiagnosticError` for
+/// a reserved name.
 void mergePrelude(TaskDocument& document, const PreludeResult& prelude, NameClash clash);
 
 } // namespace morquill::taskdsl

@@ -7,7 +7,7 @@
 
 namespace morquill::taskdsl {
 
-/// Warns that a line of `LineKind::removedInclude`, trimmed, has no effect. `path` is the file that it is in.
+/// Warns that a trimmed line of `LineKind::removedInclude` in the file `path` has no effect.
 void warnHashInclude(std::string_view trimmed, std::string_view path, const WarningSink& warn);
 
 } // namespace morquill::taskdsl

@@ -16,8 +16,8 @@ bool takesCommands(const WrittenDirective& directive) noexcept {
     return scope == FragmentKind::process || scope == FragmentKind::preprocess;
 }
 
-/// Walks the lines as written; what decides is whether a line belongs to something that takes lines as they
-/// are.
+/// Walks the lines as written; what decides is whether a line belongs to something that takes lines
+/// as they are.
 class HeaderScan {
   public:
     explicit HeaderScan(std::string_view text) : lines_(makeSourceLines(text, {})) {}
@@ -33,7 +33,7 @@ class HeaderScan {
     void readLine(const SourceLine& line) {
         const LineKind kind = line.kind();
         if (line.clean().empty() || kind == LineKind::loop || kind == LineKind::end) {
-            return; // loop lines are gone before commands are read: one that is continued goes on behind them
+            return; // loop lines are gone before commands are read: a continued command goes on after them
         }
         if (continued_) {
             continued_ = isContinuedCommand(line.clean());
@@ -63,7 +63,7 @@ class HeaderScan {
     std::vector<WrittenHeader> headers_;
     std::size_t index_ = 0;
     bool inTask_ = false;
-    bool inCommands_ = false; ///< behind %process or %preprocess
+    bool inCommands_ = false; ///< after %process or %preprocess
     bool continued_ = false;  ///< the last command ended in a backslash
 };
 

@@ -25,12 +25,12 @@ namespace {
 /// The library's tag of a scalar without quotes, block indicator and tag of its own.
 constexpr std::string_view plainTag = "?";
 
-/// Walks the nodes of one section. An alias makes two names for one node, so a small text can stand for a
-/// huge or even an endless tree: what is taken out of it is counted.
+/// Walks the nodes of one section. An alias gives one node two names, so a small text can describe a huge or
+/// even an endless tree: what is taken out of it is counted.
 class SectionWalk {
   public:
     SectionWalk(ValueMap& settingsOut, Collections& collectionsOut)
-        : settings(settingsOut), collections(collectionsOut) {}
+        : settings_(settingsOut), collections_(collectionsOut) {}
 
     void readRoot(const YAML::Node& root) {
         if (!root.IsDefined() || root.IsNull()) {
@@ -43,9 +43,9 @@ class SectionWalk {
             auto key = pair.first.as<std::string>();
             if (pair.second.IsSequence()) {
                 auto items = readItems(pair.second);
-                collections.insert_or_assign(std::move(key), std::move(items));
+                collections_.insert_or_assign(std::move(key), std::move(items));
             } else {
-                flatten(pair.second, key, settings, 0);
+                flatten(pair.second, key, settings_, 0);
             }
         }
     }
@@ -86,7 +86,8 @@ class SectionWalk {
         for (const auto& pair : node) {
             const auto name = pair.first.as<std::string>();
             count(key.size() + name.size());
-            flatten(pair.second, key.empty() ? name : key + "." + name, values, depth + 1);
+            flatten(pair.second, key.empty() ? name : std::string(key).append(".").append(name), values,
+                    depth + 1);
         }
     }
 
@@ -96,9 +97,9 @@ class SectionWalk {
     }
 
     void count(std::size_t bytes) {
-        ++entries;
-        text += bytes;
-        if (entries > limits::yamlEntries || text > limits::yamlText) {
+        ++entries_;
+        text_ += bytes;
+        if (entries_ > limits::yamlEntries || text_ > limits::yamlText) {
             throw YAML::RepresentationException(YAML::Mark::null_mark(),
                                                 "the section stands for more than " +
                                                     std::to_string(limits::yamlEntries) + " values or " +
@@ -106,13 +107,13 @@ class SectionWalk {
         }
     }
 
-    ValueMap& settings;
-    Collections& collections;
-    std::size_t entries = 0;
-    std::size_t text = 0;
+    ValueMap& settings_;
+    Collections& collections_;
+    std::size_t entries_ = 0;
+    std::size_t text_ = 0;
 };
 
-/// Hears a document without keeping it.
+/// Listens to a document without keeping it.
 class DocumentProbe : public YAML::EventHandler {
   public:
     YAML::Mark start;
@@ -137,8 +138,8 @@ class DocumentProbe : public YAML::EventHandler {
     void OnMapEnd() override {}
 };
 
-/// `YAML::Load` reads the first document and drops what stands behind it. Empty documents are harmless: some
-/// people set the body off with a line of dashes.
+/// `YAML::Load` reads the first document and drops what follows. Empty documents are harmless:
+/// some people set the body off with a line of dashes.
 void requireOneDocument(const std::string& text) {
     std::istringstream input(text);
     YAML::Parser parser(input);
@@ -147,7 +148,7 @@ void requireOneDocument(const std::string& text) {
     for (int last = first.start.pos; parser;) {
         DocumentProbe next;
         parser.HandleNextDocument(next);
-        // A document that does not move on is something that the library cannot take in.
+        // A document that makes no progress is one that the library cannot read.
         if (next.holdsSomething || next.start.pos <= last) {
             throw YAML::ParserException(next.start, "a second YAML document is not read");
         }
@@ -181,7 +182,7 @@ std::optional<std::size_t> findSwallowedDirective(const YAML::Node& root, std::s
     return std::nullopt;
 }
 
-/// Where the library met the fault; an invalid span when it does not know.
+/// The place where the library met the fault; an invalid span when it does not know.
 SourceSpan placeOf(const YAML::Exception& error, const std::string& path, std::size_t firstLine) {
     if (error.mark.is_null()) {
         return {};

@@ -10,9 +10,9 @@
 
 namespace morquill::taskdsl {
 
-/// Takes a `@plot` or `@derive` block (`keyword`) off the lines: from its head through its "@end", with
-/// `[key]` substitution from `values`. Throws `DiagnosticError` when the block is not closed, holds another
-/// of its kind, or does not begin at `head`.
+/// Captures a `@plot` or `@derive` block (`keyword`) from its head through its "@end",
+/// with `[key]` substitution from `values`. Throws `DiagnosticError` when the block is not closed,
+/// holds another of its kind, or does not begin at `head`.
 [[nodiscard]] TakenLines<CapturedBlock> captureBlock(std::string_view keyword,
                                                      const std::vector<SourceLine>& lines, std::size_t head,
                                                      const ValueMap& values);

@@ -50,7 +50,7 @@ void parseTaskInclude(const std::string& target, const std::string& base, TaskDo
             context.inheritedSettings.insert(key);
         }
     }
-    // The written form of an included task is of no use: only what it became is taken over.
+    // Only what an included task became is taken over: its written form is of no use here.
     inner.templateTasks.reset();
     append(document.tasks.edit(), inner.tasks.edit());
     append(document.plots, inner.plots);

@@ -14,8 +14,8 @@ using IncludedTextReader = std::function<TaskDocument(std::string_view text, con
                                                       const ValueMap& defines, DocumentContext& context)>;
 
 /// Reads a task file and puts what it holds into the document: its tasks, plots and derives, the settings
-/// whose key is free, the files it read. Its defines and axes stay behind. `target` is resolved from the file
-/// `base`. A missing file is a warning. Throws `DiagnosticError` when the file includes itself.
+/// whose key is free, the files it read. Its defines and axes are not taken over. `target` is resolved from
+/// the file `base`. A missing file is a warning. Throws `DiagnosticError` when the file includes itself.
 void parseTaskInclude(const std::string& target, const std::string& base, TaskDocument& document,
                       DocumentContext& context, const IncludedTextReader& read);
 

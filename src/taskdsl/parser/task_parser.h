@@ -9,15 +9,15 @@
 
 namespace morquill::taskdsl {
 
-/// Reads task files. It holds the options of its caller and no more: every call is a run of its own with its
-/// own context. A fault of the input is thrown as `DiagnosticError`, a doubtful form goes to the warning
-/// sink.
+/// Reads task files. It holds the options of its caller and no more: every call is a run of its own
+/// with its own context. A fault of the input is thrown as `DiagnosticError`, a doubtful form goes to
+/// the warning sink.
 class TaskParser {
   public:
     explicit TaskParser(ParserOptions options = {});
 
-    /// Reads the file whole and parses it. Throws "could not open file: <path>" when it is no readable
-    /// regular file.
+    /// Reads the file whole and parses it. Throws "could not open file: <path>" when it is no
+    /// readable regular file.
     [[nodiscard]] TaskDocument parseFile(const std::string& path, const ValueMap& defines = {}) const;
     /// The same for a path that the user named on the command line: a pipe or a terminal is read to its end,
     /// too. Includes are looked for beside that path.

@@ -28,7 +28,7 @@ struct ControlLine {
     TaskInfo& task;
     std::string_view key;  ///< as written in the row
     std::string_view text; ///< the whole line
-    std::string_view rest; ///< the text behind the key's letters, trimmed
+    std::string_view rest; ///< the text after the key's letters, trimmed
 };
 
 /// Returns whether the line declares a control of the task.
@@ -172,7 +172,7 @@ bool readGuess(const ControlLine& line) {
     return true;
 }
 
-/// An empty rest and any word that is no plain "no" mean true.
+/// An empty rest and any word other than a plain "no" mean true.
 bool isLenientlyTrue(std::string_view rest) {
     return !isOneOf(rest, {"false", "no", "off", "0", "n"});
 }

@@ -35,14 +35,14 @@ struct WrittenDirective {
 /// Takes a cleaned directive line apart.
 [[nodiscard]] WrittenDirective splitDirective(std::string_view clean) noexcept;
 
-/// What whoever reads the directives decides.
+/// What the caller decides about the reading of directives.
 struct DirectiveOptions {
     const WarningSink& warnings;
     bool legacyMultiSource = false; ///< `%source a,b` is tolerated
 };
 
-/// What the handler of one directive works on: the task it fills in, the text behind the keyword, and the
-/// lines behind it, from which a block directive takes its block.
+/// What the handler of one directive works on: the task it fills in, the text after the keyword,
+/// and the lines below, from which a block directive takes its block.
 class DirectiveReader {
   public:
     /// `index` is the directive's own line.
@@ -52,23 +52,23 @@ class DirectiveReader {
           header_(lineIndex) {}
 
     TaskInfo& task;
-    std::string_view value; ///< trimmed text behind the keyword, comment removed
+    std::string_view value; ///< trimmed text after the keyword, comment removed
     DirectiveOptions options;
 
     /// The last line consumed so far.
     [[nodiscard]] std::size_t position() const noexcept { return index_; }
-    /// The line read last, as it stands.
+    /// The line read last, as written.
     [[nodiscard]] const SourceLine& currentLine() const noexcept { return lines_[index_]; }
     /// The span of the line read last: the directive's own, or the current block line.
     [[nodiscard]] SourceSpan span() const;
     /// The span of the directive's own line.
     [[nodiscard]] SourceSpan headerSpan() const;
 
-    /// The place of a condition on the line read last; conditions stand in the file of their task.
+    /// The place of a condition on the line read last; a condition is always in the file of its task.
     [[nodiscard]] SourceSpan conditionSpan() const;
 
-    /// Moves to the next line of the block and returns its cleaned text, which may be empty; nothing, and
-    /// no move, where the block ends.
+    /// Moves to the next line of the block and returns its cleaned text, which may be empty;
+    /// nothing, and no move, where the block ends.
     std::optional<std::string_view> nextLine();
     /// The same, passing over empty lines.
     std::optional<std::string_view> nextFilledLine();
@@ -94,7 +94,7 @@ class DirectiveReader {
     [[noreturn]] void failHere(std::string_view text) const;
 
   private:
-    /// The next line; null at the end and in front of a boundary.
+    /// The next line; null at the end and before a boundary.
     [[nodiscard]] const SourceLine* peek() const noexcept;
 
     const std::vector<SourceLine>& lines_;
@@ -105,11 +105,11 @@ class DirectiveReader {
 /// Reads a directive into the task; unknown keywords have none.
 using DirectiveHandler = void (*)(DirectiveReader&);
 
-/// On which values a directive opens its scope for the lines behind it.
+/// Which values let a directive open its scope for the lines below it.
 enum class ScopeRule : std::uint8_t { always, emptyValue, emptyValueOrHeredoc };
 
-/// One row of the directive table: a keyword as written, the name it is recorded under, its handler, and what
-/// an include behind it may bring.
+/// One row of the directive table: a keyword as written, the name it is recorded under, its handler,
+/// and what an include below it may bring.
 struct DirectiveRow {
     std::string_view keyword;
     std::string_view recordedName;
@@ -120,8 +120,8 @@ struct DirectiveRow {
 
 /// The row of a keyword, compared exactly; null for an unknown one.
 [[nodiscard]] const DirectiveRow* findDirective(std::string_view keyword) noexcept;
-/// The scope that the lines behind a directive are in; that of the task for an unknown keyword and for a
-/// value that leaves nothing to the lines.
+/// The scope of the lines below a directive; that of the task for an unknown keyword and for a value that
+/// leaves nothing to those lines.
 [[nodiscard]] FragmentKind scopeBehind(const WrittenDirective& directive) noexcept;
 /// True for a cleaned line that is a directive with such a keyword.
 [[nodiscard]] bool isKnownDirective(std::string_view clean) noexcept;

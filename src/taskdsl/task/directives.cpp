@@ -11,6 +11,10 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 
@@ -46,14 +50,19 @@ std::string readLongText(DirectiveReader& reader, std::string_view keyword) {
     return *std::move(text);
 }
 
+/// Appends a part, with `separator` in front unless it is the first; an empty part changes nothing.
+void appendPart(std::string& text, char separator, std::string_view part) {
+    if (!text.empty() && !part.empty()) {
+        text += separator;
+    }
+    text += part;
+}
+
 /// The value and the filled lines of the block, with `separator` between them.
 std::string readJoinedEntries(DirectiveReader& reader, char separator) {
     std::string text(reader.value);
     while (const auto line = reader.nextFilledLine()) {
-        if (!text.empty()) {
-            text += separator;
-        }
-        text += *line;
+        appendPart(text, separator, *line);
     }
     return text;
 }
@@ -107,38 +116,37 @@ void readArgs(DirectiveReader& reader) {
     reader.task.args = value ? *value : text;
 }
 
-std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view keyword) {
-    std::vector<std::string> commands;
-    while (const auto first = reader.nextFilledLine()) {
-        std::string command;
-        auto piece = first;
-        bool open = false;
-        for (;;) {
-            std::string_view text = *piece;
-            open = isContinuedCommand(text);
-            if (open) {
-                text = trim(text.substr(0, text.size() - 1));
-            }
-            if (!text.empty()) {
-                if (!command.empty()) {
-                    command += ' ';
-                }
-                command += text;
-            }
-            if (!open) {
-                break;
-            }
-            do {
-                piece = reader.nextLineOfAnyKind();
-            } while (piece && piece->empty());
-            if (!piece) {
-                break;
-            }
-        }
-        if (open) {
+/// Moves to the next line that holds text, whatever its kind; nothing where a boundary or the
+/// end comes first.
+std::optional<std::string_view> nextFilledLineOfAnyKind(DirectiveReader& reader) {
+    auto piece = reader.nextLineOfAnyKind();
+    while (piece && piece->empty()) {
+        piece = reader.nextLineOfAnyKind();
+    }
+    return piece;
+}
+
+/// The command that begins with this line, continuation lines included.
+std::string readCommand(DirectiveReader& reader, std::string_view line, std::string_view keyword) {
+    std::string command;
+    while (isContinuedCommand(line)) {
+        appendPart(command, ' ', trim(line.substr(0, line.size() - 1)));
+        const auto next = nextFilledLineOfAnyKind(reader);
+        if (!next) {
             reader.warn("has a continued %" + std::string(keyword) +
                         " command without a following non-empty line; using the command parsed so far.");
+            return command;
         }
+        line = *next;
+    }
+    appendPart(command, ' ', line);
+    return command;
+}
+
+std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view keyword) {
+    std::vector<std::string> commands;
+    while (const auto line = reader.nextFilledLine()) {
+        auto command = readCommand(reader, *line, keyword);
         if (!command.empty()) {
             commands.push_back(std::move(command));
         }
@@ -213,8 +221,8 @@ std::unordered_set<std::string> conditionsOfSource(const TaskInfo& task) {
     return conditions;
 }
 
-/// Of the conditions that a source implies, those that stand in `written` too take the place that they have
-/// there, once: migrating a file twice must write neither another order nor a condition twice.
+/// Of the conditions that a source implies, those that are also in `written` take their place there, once:
+/// migrating a file twice must change neither the order nor the number of the conditions.
 void placeImpliedConditions(TaskInfo& task, std::vector<TaskWhenEntry>& written) {
     const auto implied = conditionsOfSource(task);
     if (implied.empty()) {

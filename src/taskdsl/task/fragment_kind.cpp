@@ -9,7 +9,7 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// `unknown` has a name, but no spelling.
+/// `unknown` has a name but no spelling.
 constexpr auto kindWords = wordTable<FragmentKind>({
     {"unknown", FragmentKind::unknown},
     {"document", FragmentKind::document},

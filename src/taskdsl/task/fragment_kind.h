@@ -5,7 +5,7 @@
 
 namespace morquill::taskdsl {
 
-/// What a fragment may hold; also the context in which an `&INCLUDE` stands.
+/// What a fragment may hold; also the context of an `&INCLUDE` line.
 enum class FragmentKind : std::int32_t {
     unknown = 0,
     document,
@@ -29,7 +29,7 @@ using FragmentExpansionScope = FragmentKind;
 [[nodiscard]] std::string_view fragmentKindName(FragmentKind kind) noexcept;
 /// Reads a spelling (trimmed, any case, `-` as `_`); `unknown` for any other text.
 [[nodiscard]] FragmentKind parseFragmentKind(std::string_view text);
-/// True when a fragment of that kind may stand in that scope.
+/// True when a fragment of that kind may be included in that scope.
 [[nodiscard]] bool kindFits(FragmentKind kind, FragmentExpansionScope scope) noexcept;
 
 } // namespace morquill::taskdsl

@@ -51,7 +51,7 @@ bool isLegacyPairList(const TaskInfo& task) {
 std::string legacyParamValues(std::string_view keywords) {
     std::string result;
     Cursor cursor(keywords);
-    // Pattern: ([A-Za-z0-9_.:-]+)\s*=\s*(value). A run of key characters without a value behind it has no
+    // Pattern: ([A-Za-z0-9_.:-]+)\s*=\s*(value). A run of key characters without a value after it has no
     // match that begins inside it, so every run is looked at once.
     for (;;) {
         (void)cursor.takeWhile([](char c) { return !isLegacyKeyChar(c); });

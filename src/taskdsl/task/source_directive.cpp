@@ -16,7 +16,7 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// Makes a condition of every name behind the first, unless the task has it already.
+/// Makes every name after the first a condition, unless the task has it already.
 void addCompletedConditions(DirectiveReader& reader, const std::vector<std::string>& names) {
     TaskInfo& task = reader.task;
     std::unordered_set<std::string> known;

@@ -42,22 +42,6 @@ TEST(DeriveOutput, TextsAreQuotedAndNamesAreNot) {
                                       "@end\n");
 }
 
-TEST(DeriveOutput, EnumerationsHaveTextsAndFallBackToValueZero) {
-    const auto textOf = [](auto name, auto value, int count) {
-        std::vector<std::string> texts;
-        for (int i = 0; i < count; ++i) {
-            texts.emplace_back(name(static_cast<decltype(value)>(i)));
-        }
-        return join(texts, " ");
-    };
-    EXPECT_EQ(textOf(deriveCompareOpName, DeriveCompareOp{}, 10), "truthy == != < <= > >= in matches truthy");
-    EXPECT_EQ(textOf(deriveConditionKindName, DeriveConditionKind{}, 5), "leaf and or not leaf");
-    EXPECT_EQ(textOf(deriveValueKindName, DeriveValueKind{}, 3), "number string number");
-    EXPECT_EQ(textOf(deriveSortDirectionName, DeriveSortDirection{}, 3), "asc desc asc");
-    EXPECT_EQ(textOf(deriveSinkFormatName, DeriveSinkFormat{}, 5), "none csv tsv jsonl none");
-    EXPECT_EQ(deriveSinkFormatName(static_cast<DeriveSinkFormat>(-1)), "none");
-}
-
 /// A `@derive` block in a text.
 struct WrittenBlock {
     CapturedBlock block;
