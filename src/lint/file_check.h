@@ -8,11 +8,11 @@
 
 namespace morquill::lint {
 
-/// Checks one task file: its lines as written, its parse, and the tasks it declares. Never throws for what a
-/// file holds or for one that cannot be read: that is an issue. The parser's warnings go to the sink.
+/// Checks one task file: its lines as written, its parse, and the tasks it declares. A file that cannot be
+/// read or parsed is an issue of the report, not an exception. The parser's warnings go to the sink.
 [[nodiscard]] LintFileReport lintFile(const std::string& path, const taskdsl::WarningSink& warnings);
 
-/// Checks a text as if it were the file `path`.
+/// Checks a text as if it were the content of the file `path`.
 [[nodiscard]] LintFileReport lintText(std::string_view text, const std::string& path,
                                       const taskdsl::WarningSink& warnings);
 
