@@ -3,8 +3,7 @@
 #include <string_view>
 
 /// `fmt`, `migrate` and `expand`: a task file through the parser and the canonical writer. Run operations
-/// look at the arguments from `argv[2]` on and give the exit status; help operations write to standard
-/// output.
+/// read the arguments from `argv[2]` on and return the exit status; help operations write to standard output.
 namespace morquill::views {
 
 void printFmtHelp(std::string_view programPath);
