@@ -200,10 +200,5 @@ TEST(TemplateViews, CategoriesAreSortedByByteAndKeepTheOrderInside) {
         "General:\n  a\n\nZn:\n  c\n\nopt:\n  z\n  b\n\n");
 }
 
-TEST(QuotedPath, EscapesQuotesAndBackslashes) {
-    EXPECT_EQ(quotedPath("a b"), "\"a b\"");
-    EXPECT_EQ(quotedPath("a\"\\"), "\"a\\\"\\\\\"");
-}
-
 } // namespace
 } // namespace morquill::templates
