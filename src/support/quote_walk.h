@@ -35,8 +35,7 @@ struct QuoteRow {
     Backslash backslash = Backslash::inQuotes;
     Protected isProtected = Protected::anyByte;
     Snapshots snapshots = Snapshots::none;
-    std::string_view opening =
-        {}; ///< brackets that count outside quotes and snapshots; kinds are not told apart
+    std::string_view opening = {}; ///< brackets that count outside quotes and snapshots, all of one kind
     std::string_view closing = {}; ///< one without an open bracket is ignored
 };
 

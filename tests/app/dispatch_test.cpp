@@ -37,7 +37,7 @@ TEST(Dispatch, WithoutACommandTheHelpIsShown) {
     struct Row {
         std::vector<std::string> arguments;
         int status;
-        std::string error; // behind the tag; empty: nothing at all
+        std::string error; // after the tag; empty when there is no message
     };
     const Row rows[] = {
         {{"mqkit"}, 1, ""},

@@ -76,7 +76,7 @@ TEST_F(Lint, WhatItDoesNotKnowIsRefusedWithTheUsage) {
     }
 }
 
-TEST_F(Lint, HelpIsThatOfTheCommandInFrontAndOfTheDriverBehindOtherArguments) {
+TEST_F(Lint, HelpIsThatOfTheCommandFirstAndOfTheDriverAfterOtherArguments) {
     for (const char* token : {"help", "-h", "--help"}) {
         const auto output = lint({token, "--nonsense"});
         EXPECT_EQ(output.status, 0) << token;

@@ -71,7 +71,8 @@ TEST(LintRules, LookAtTheFile) {
         {"$a\n%foo\n", "E 2:1-2:5 parse-error | task 'a' contains unknown directive '%foo'\n"},
         {"define:\n  source: x\n" + a,
          "E - parse-error | define key 'source' is reserved for runtime %source placeholders\n"},
-        {"$a\n%control\ntotgpu 1\n%foo\n", // what the lines hold is told although the file does not parse
+        {"$a\n%control\ntotgpu 1\n%foo\n", // issues of the lines are reported although the file does not
+                                           // parse
          "W 3:1-3:7 legacy-control-gpu-alias | %control totgpu is legacy; use gpus\n"
          "E 4:1-4:5 parse-error | task 'a' contains unknown directive '%foo'\n"},
         {"dsl_version: 3\n" + a, "W - unknown-dsl-version | unexpected dsl_version '3'\n"},

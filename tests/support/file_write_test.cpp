@@ -35,8 +35,8 @@ class FileWrite : public ::testing::Test {
     fs::path dir;
 };
 
-/// Runs the action in a child with the limit for files and the system's own answer to growing past it; gives
-/// the child's wait status.
+/// Runs the action in a child with the limit for files and the system's default action for growing past it;
+/// returns the child's wait status.
 template <class Action>
 int inChildWithFileLimit(rlim_t bytes, Action action) {
     const pid_t child = ::fork();
@@ -83,7 +83,7 @@ TEST_F(FileWrite, AFileThatMayNotGrowKeepsItsOldBytes) {
     }
 }
 
-TEST_F(FileWrite, ANewFileThatCannotBeWrittenInWholeIsNotLeftBehind) {
+TEST_F(FileWrite, ANewFileThatCannotBeWrittenInFullIsRemoved) {
     fs::create_symlink("target", at("link"));
     for (const char* name : {"new", "link"}) {
         EXPECT_EQ(

@@ -1,5 +1,5 @@
-// Where the text of `fmt`, `migrate` and `expand` goes, and what they refuse. The command-line tests compare
-// their whole output.
+// Where the text of `fmt`, `migrate` and `expand` goes, and what
+// they refuse. The command-line tests compare their whole output.
 
 #include "views/file_commands.h"
 
@@ -107,7 +107,7 @@ TEST_F(FileCommands, RefusalsNameWhatIsWrong) {
     EXPECT_THAT(tree(), ElementsAre("t.mq = " + written));
 }
 
-TEST_F(FileCommands, AFullDiskIsTold) {
+TEST_F(FileCommands, AFullDiskIsReported) {
     write("t.mq", "$a\n%keywords " + std::string(4000, 'x') + "\n");
     Output output;
     {

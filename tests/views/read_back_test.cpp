@@ -169,7 +169,7 @@ struct LossyText {
     const char* warning;
 };
 
-TEST(ReadBack, WhatALayoutCannotCarryIsTold) {
+TEST(ReadBack, WhatALayoutCannotExpressIsReported) {
     for (const auto& [text, warning] : std::initializer_list<LossyText>{
              {"$\" a\"", "task ' a' does not read back: the name reads back as 'a'"},
              {"$\"a #b\"", "task 'a #b' does not read back: the name reads back as 'a'"},
@@ -196,7 +196,7 @@ TEST(ReadBack, WhatALayoutCannotCarryIsTold) {
     }
 }
 
-TEST(ReadBack, WhatARewriteDropsIsToldInOneLine) {
+TEST(ReadBack, WhatARewriteDropsIsReportedInOneLine) {
     for (const auto& [text, warning] : std::initializer_list<LossyText>{
              {"$a\n%interface provider",
               "task 'a' does not read back: it is written without %interface provider"},

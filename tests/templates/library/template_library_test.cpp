@@ -51,7 +51,7 @@ class Library : public ::testing::Test {
     fs::path root = directory.root();
 };
 
-TEST_F(Library, TheCategoryIsTheDirectoryThatTheFileLiesIn) {
+TEST_F(Library, TheCategoryIsTheDirectoryOfTheFile) {
     put("tpl/root.mq", "$a\n");
     put("tpl/opt/opt.mq", "$a\n");
     put("tpl/deep/er/x.y.mq", "$a\n");

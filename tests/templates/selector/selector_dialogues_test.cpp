@@ -27,7 +27,7 @@ constexpr std::string_view question = "[mqkit] choose a variable to set or chang
                                       "        input 'q' to return to template selection;\n"
                                       "        Variable index?: ";
 
-/// The user as a script: keys and lines in order, the end of input behind the last of each.
+/// The user as a script: keys and lines in order, then the end of input for each.
 struct Script {
     std::vector<std::int32_t> keys;
     std::vector<std::string> lines;
@@ -222,7 +222,7 @@ TEST_F(Dialogue, GenerateLeavesTheCursorVisibleAtTheEnd) {
     }
 }
 
-TEST_F(Dialogue, GenerateTellsAFailure) {
+TEST_F(Dialogue, GenerateReportsAFailure) {
     state.selected = {"sp"};
     EXPECT_THAT(generatePrinted({"no/such/dir"}, 'x'),
                 EndsWith("mq): \n[mqkit][ERROR] could not write file no/such/dir.mq\n"
