@@ -1,5 +1,7 @@
 #include "support/file.h"
 
+#include "fixtures/temporary_directory.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,15 +26,14 @@ namespace fs = std::filesystem;
 
 class FileWrite : public ::testing::Test {
   protected:
-    FileWrite() {
-        std::string name = (fs::temp_directory_path() / "mqkit-write-XXXXXX").string();
-        dir = ::mkdtemp(name.data());
-        fs::permissions(dir, fs::perms(0777));
-    }
-    ~FileWrite() override { fs::remove_all(dir); }
+    FileWrite() { fs::permissions(dir, fs::perms(0777)); }
     [[nodiscard]] std::string at(const std::string& name) const { return (dir / name).string(); }
 
-    fs::path dir;
+  private:
+    TemporaryDirectory top_;
+
+  protected:
+    const fs::path dir = top_.root();
 };
 
 /// Runs the action in a child with the limit for files and the system's default action for growing past it;
