@@ -45,9 +45,11 @@ int reportUsageError(const UsageError& error);
 /// Returns how many of the words after an option are its values; nothing when too few are left.
 using ValueCount = std::optional<std::size_t> (*)(Words following);
 
+/// For an option without a value.
 [[nodiscard]] std::optional<std::size_t> noValue(Words following) noexcept;
+/// For an option with one value.
 [[nodiscard]] std::optional<std::size_t> oneValue(Words following) noexcept;
-/// The whole rest of the line, even when it is empty.
+/// For an option that takes the whole rest of the line, even an empty one.
 [[nodiscard]] std::optional<std::size_t> restOfLine(Words following) noexcept;
 
 /// One option: its word, its values and what it does. Every operation may throw `UsageError`.

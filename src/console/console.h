@@ -37,7 +37,7 @@ enum class ConsoleColor { red = 1, yellow, green, white, blue, cyan, magenta };
 
 /// The terminal escape sequence of a colour; empty for a value outside the enumeration.
 [[nodiscard]] std::string_view colorSequence(ConsoleColor color) noexcept;
-inline constexpr std::string_view resetSequence = "\033[0m";
+inline constexpr std::string_view resetSequence = "\033[0m"; ///< ends colour and bold
 inline constexpr std::string_view boldSequence = "\033[1m";
 
 /// Makes the run's colour decision from `NO_COLOR` (any value, even an empty one) and
@@ -46,7 +46,9 @@ bool decideColor(int argc, const char* const* argv);
 /// Forgets the decision, as before the first `decideColor`.
 void forgetColorDecision() noexcept;
 
+/// A standard stream for output.
 enum class Stream : std::uint8_t { output, error };
+/// The weight of styled text.
 enum class Weight : std::uint8_t { normal, bold };
 
 /// True when output to the stream may be coloured: the decision allows it (before there is one: `NO_COLOR` is

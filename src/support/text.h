@@ -14,9 +14,11 @@ namespace morquill {
 [[nodiscard]] constexpr bool isSpace(char c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
+/// `[0-9]`.
 [[nodiscard]] constexpr bool isDigit(char c) noexcept {
     return c >= '0' && c <= '9';
 }
+/// `[A-Za-z]`.
 [[nodiscard]] constexpr bool isLetter(char c) noexcept {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
@@ -40,6 +42,7 @@ namespace morquill {
 [[nodiscard]] constexpr bool isKeyChar(char c) noexcept {
     return isNameChar(c) || c == '.';
 }
+/// The byte in ASCII lower case.
 [[nodiscard]] constexpr char lowerChar(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }

@@ -24,8 +24,8 @@ inline constexpr std::int32_t right = 1003;
 inline constexpr std::int32_t left = 1004;
 } // namespace key
 
-inline constexpr std::string_view hideCursor = "\033[?25l";
-inline constexpr std::string_view showCursor = "\033[?25h";
+inline constexpr std::string_view hideCursor = "\033[?25l"; ///< escape sequence
+inline constexpr std::string_view showCursor = "\033[?25h"; ///< escape sequence
 
 /// Draws the screen again. Called while input is awaited, after
 /// the program was stopped and has regained the terminal.

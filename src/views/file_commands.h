@@ -7,12 +7,15 @@
 namespace morquill::views {
 
 void printFmtHelp(std::string_view programPath);
+/// Prints a file in canonical layout.
 int runFmt(int argc, char** argv);
 
 void printMigrateHelp(std::string_view programPath);
+/// The same, and also converts removed forms that no longer read.
 int runMigrate(int argc, char** argv);
 
 void printExpandHelp(std::string_view programPath);
+/// Prints the file with its matrix as declared or expanded.
 int runExpand(int argc, char** argv);
 
 } // namespace morquill::views
