@@ -1,5 +1,4 @@
-# How a room of the house becomes a target: one static library per folder of src/, one test program per
-# folder of tests/.
+# How a room becomes targets: one static library per folder of src/, one test program per folder of tests/.
 
 add_library(mqkit_warnings INTERFACE)
 target_compile_options(mqkit_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
@@ -7,8 +6,8 @@ if(MQKIT_WERROR)
     target_compile_options(mqkit_warnings INTERFACE -Werror)
 endif()
 if(MQKIT_SANITIZE)
-    # At the link of everything, also of the tests: those are compiled plain, as it is the program that is under
-    # test, and instrumenting its tests would cost the build as much again.
+    # Linked into everything, including the tests. Those are compiled without instrumentation, which would double
+    # the cost of the build without testing more of the program.
     target_link_options(mqkit_warnings INTERFACE -fsanitize=address,undefined)
 endif()
 
@@ -24,7 +23,7 @@ if(MQKIT_FUZZ)
 endif()
 
 # mqkit_room(<folder> [USES <folder>...]): the library of one folder of src/, without its sub-folders, which are
-# rooms of their own. A source called main.cpp or *_main.cpp is a program and no part of the room.
+# rooms of their own. A source called main.cpp or *_main.cpp is a program, not a part of the room.
 function(mqkit_room folder)
     cmake_parse_arguments(ROOM "" "" "USES" ${ARGN})
     string(REPLACE "/" "_" name ${folder})

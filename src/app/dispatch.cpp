@@ -27,7 +27,7 @@ bool isOneOf(const std::array<std::string_view, N>& words, std::string_view word
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-/// True for an argument that names a file with this ending rather than being an option.
+/// True for an argument that is not an option and names a file with this ending.
 bool namesFile(std::string_view argument, std::string_view ending) {
     return !argument.starts_with('-') && argument.ends_with(ending);
 }
@@ -62,7 +62,7 @@ bool isTemplateShape(Arguments arguments) {
     return !arguments.empty() && isOneOf(options, arguments.front());
 }
 
-// In the order in which they are tried: the first that matches takes the whole command line.
+// Tried in this order; the first that matches takes the whole command line.
 constexpr std::array<OlderShape, 4> olderShapes{{
     {"rename", isRenameShape, project::runRenameCompatibility},
     {"update", isUpdateShape, project::runUpdateCompatibility},
@@ -74,8 +74,8 @@ console::UsageError refusal(const std::string& message) {
     return console::UsageError(console::ErrorTag::coloured, message);
 }
 
-/// The command that a word or its prefix names; null when there is none. Throws `UsageError` when there are
-/// several; `what` is what the word was meant to be.
+/// The command with that name or prefix; null when there is none. Throws `UsageError` when there are several;
+/// its message calls the word `what`.
 const CommandEntry* findOneCommand(const std::string& word, std::string_view what) {
     std::vector<std::string> matches;
     const CommandEntry* entry = findCommand(commandTable(), word, matches);
@@ -86,7 +86,7 @@ const CommandEntry* findOneCommand(const std::string& word, std::string_view wha
     return entry;
 }
 
-/// The help that is asked for behind the help word. Throws `UsageError`.
+/// The help operation for the words after the help word. Throws `UsageError`.
 HelpOperation findTopic(int argc, char** argv) {
     if (argc == 2) {
         return printTopLevelHelp;
@@ -104,7 +104,7 @@ int showHelp(int argc, char** argv) {
     return 0;
 }
 
-/// What answers a command line of at least one word. Throws `UsageError`.
+/// The operation for a command line of at least one word. Throws `UsageError`.
 RunOperation findOperation(int argc, char** argv) {
     const std::string first = argv[1];
     if (console::isHelpToken(toLower(first))) {
@@ -119,7 +119,7 @@ RunOperation findOperation(int argc, char** argv) {
     throw refusal("unknown command or argument: " + first);
 }
 
-/// The overview in front of the list of commands, and behind it.
+/// The overview before and after the list of commands.
 constexpr std::string_view helpBefore = R"(  Mqkit: A unified entry point for .mq and .projmq workflows.
 # Usage:
   `@ <command> [options]`
@@ -129,7 +129,7 @@ constexpr std::string_view helpBefore = R"(  Mqkit: A unified entry point for .m
 # Commands:
 )";
 
-constexpr std::string_view helpBehind = R"(
+constexpr std::string_view helpAfter = R"(
 # Examples:
   `@ template merge opt freq -o task.mq`
   `@ project add --path ./demo_project mol1.xyz mol2.xyz`
@@ -180,7 +180,7 @@ void printTopLevelHelp(std::string_view programPath) {
     for (const auto& entry : commandTable()) {
         text += commandLine(entry);
     }
-    console::printHelp(text += helpBehind, programPath);
+    console::printHelp(text += helpAfter, programPath);
 }
 
 } // namespace morquill::app

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A leading "~" alone, or before a slash, is the home directory when one is known.
+/// Expands a leading "~", alone or before a slash, to the home directory when that is known.
 std::string expandHome(std::string_view name) {
     if (name == "~" || name.starts_with("~/") || name.starts_with("~\\")) {
         if (const auto home = getEnvOrDefault("HOME", ""); !home.empty()) {

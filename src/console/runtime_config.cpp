@@ -25,7 +25,7 @@ struct ConfigDefault {
     std::string_view value;
 };
 
-// One table for the whole tool family: most rows serve the siblings.
+// One table for the whole tool family: most rows are for the sibling programs.
 constexpr ConfigDefault configDefaults[] = {
     {"MORQUILL_SCRIPTS_PATH", "~/.morq/task/scripts"},
     {"MORQUILL_WFN_EXAMPLES_PATH", "~/.morq/task/multiwfn_templates"},
@@ -60,7 +60,7 @@ constexpr ConfigDefault configDefaults[] = {
     {"MQRUN_PHYSICAL_CPU_NUM", ""},
 };
 
-/// The environment's value; nothing for a text that cannot be the name of a variable.
+/// The environment's value; nothing for a name that no variable can have.
 std::optional<std::string> environmentValue(std::string_view name) {
     using namespace std::string_view_literals;
     if (name.empty() || name.find_first_of("=\0"sv) != std::string_view::npos) {
@@ -76,12 +76,12 @@ std::string currentDirectory() {
     return error ? std::string() : path.string();
 }
 
-/// A path as a program sees it that runs in `workingDir`; an empty one is the current directory.
+/// A path as seen by a program that runs in `workingDir`; an empty one means the current directory.
 std::string seenFrom(const std::string& workingDir, std::string path) {
     return workingDir.empty() || path.starts_with('/') ? std::move(path) : joinPath(workingDir, path);
 }
 
-/// The value of a reference; empty when it has no value.
+/// The value that a reference expands to; empty when there is none.
 std::string referenceValue(std::string_view name, const std::string& workingDir) {
     if (name != "PWD") {
         return environmentValue(name).value_or("");
@@ -102,13 +102,13 @@ std::size_t identifierLength(std::string_view text) {
     return length;
 }
 
-/// A reference at the start of a text: its length with the "$", and the name in it.
+/// A reference at the start of a text: its length including the "$", and its name.
 struct Reference {
-    std::size_t length = 0; // 0: there is no reference here
+    std::size_t length = 0; // 0 when there is no reference
     std::string_view name;
 };
 
-/// `text` begins with "$"; `closed` says whether there is a "}" in it.
+/// Reads a reference; `text` begins with "$", and `closed` says whether it contains a "}".
 Reference readReference(std::string_view text, bool closed) {
     if (text.size() > 1 && text[1] == '{') {
         if (!closed) {
@@ -132,7 +132,7 @@ std::string expandReferences(std::string_view text, const std::string& workingDi
             return result;
         }
         const std::string_view rest = text.substr(dollar);
-        // A brace is searched only where there is one, which keeps a text full of "${" linear.
+        // The search for a brace runs only where there is one, which keeps a text full of "${" linear.
         const bool closed = lastClosing != std::string_view::npos && dollar < lastClosing;
         const Reference reference = readReference(rest, closed);
         const std::string value = referenceValue(reference.name, workingDir);
@@ -147,8 +147,8 @@ std::string expandReferences(std::string_view text, const std::string& workingDi
     }
 }
 
-/// The first executable regular file of that name along `PATH`; an empty entry there is the current
-/// directory.
+/// The first executable regular file of that name along
+/// `PATH`; an empty entry there is the current directory.
 std::optional<std::string> searchPath(const std::string& name, const std::string& workingDir) {
     const auto directories = environmentValue("PATH");
     if (!directories) {
@@ -164,7 +164,7 @@ std::optional<std::string> searchPath(const std::string& name, const std::string
     return std::nullopt;
 }
 
-/// The file that an entry of `MORQUILL_MQRUN_PATH` names, when there is one.
+/// The file that an entry of `MORQUILL_MQRUN_PATH` names; nothing when there is none.
 std::optional<std::string> resolveRunnerEntry(const std::string& entry, const std::string& workingDir) {
     if (entry.find('/') == std::string::npos) {
         return searchPath(entry, workingDir);
@@ -259,7 +259,7 @@ std::string expandPath(std::string_view text, const std::string& workingDir) {
 std::vector<std::string> splitPathList(std::string_view value, const std::string& workingDir) {
     std::vector<std::string> paths;
     for (const auto& piece : splitTrimmed(value, ':')) {
-        paths.push_back(expandPath(piece, workingDir)); // never empty: what has no value stays as written
+        paths.push_back(expandPath(piece, workingDir)); // never empty: a reference without a value stays
     }
     return paths;
 }

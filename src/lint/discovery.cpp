@@ -17,7 +17,7 @@ bool hasTaskExtension(std::string_view path) {
     return equalsNoCase(extensionOf(path), ".mq");
 }
 
-/// Adds the task files below `root`. A directory that cannot be read ends neither its siblings nor the walk.
+/// Adds the task files below `root`. The walk continues after a directory that cannot be read.
 void addTree(const std::string& root, std::vector<std::string>& files) {
     walkTree(root, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         if (kind == EntryKind::file && hasTaskExtension(path)) {

@@ -24,7 +24,7 @@ using taskdsl::TaskInfo;
 
 namespace {
 
-/// Adds to the report what the rules find in a subject.
+/// Adds to the report all that the rules find in a subject.
 template <class Subject>
 void check(const Subject& subject, LintFileReport& report) {
     applyRules(subject, [&report](const LintRule& rule, LintFinding finding) {
@@ -37,15 +37,15 @@ void check(const Subject& subject, LintFileReport& report) {
 
 using TaskNames = std::set<std::string_view>;
 
-/// The tasks that a target behind `completed` means; of those of a pattern two at most: whoever asks wants to
-/// know whether there are several.
+/// The tasks that a target of `completed` means; at most two of those that match a pattern, as callers only
+/// ask whether there are several.
 TaskNames matchingTasks(const std::string& target, const TaskNames& known) {
     if (target.find_first_of("*?[") == std::string::npos) {
         const auto name = known.find(target);
         return name == known.end() ? TaskNames{} : TaskNames{*name};
     }
     TaskNames matches;
-    // Only names that begin as the pattern does are looked at.
+    // Only names that share the pattern's plain beginning are compared.
     const auto prefix = std::string_view(target).substr(0, target.find_first_of("*?[\\"));
     for (auto name = known.lower_bound(prefix);
          name != known.end() && name->starts_with(prefix) && matches.size() < 2; ++name) {
@@ -110,7 +110,7 @@ void checkDocument(const TaskDocument& document, LintedFile& file, LintFileRepor
     check(uses, report);
 }
 
-/// What the scan of the lines gives: issues for the report, and what later stages need to know.
+/// The result of scanning the lines: issues for the report, and facts for later stages.
 LintedFile scanLines(std::string_view text, LintFileReport& report) {
     const auto lines = splitLines(text);
     for (auto& pending : scanRawLines(lines, SharedText(report.path))) {
@@ -120,13 +120,13 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
     return {rawDslVersion(lines), text.find("{{ energy }}") != std::string_view::npos, {}};
 }
 
-/// Checks a file whose text is known, or, without one, tells why it cannot be read.
+/// Checks a file by its text, or reports without one why it cannot be read.
 LintFileReport lintSource(const std::optional<std::string_view>& text, const std::string& path,
                           const taskdsl::WarningSink& warnings, const taskdsl::FileTest& isFile) {
     LintFileReport report{path, {}, false};
     try {
         LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
-        // Only a file that says so is read with the tolerance of its time.
+        // Only a file that declares the old version is read with its tolerance.
         const taskdsl::TaskParser parser({.legacyMultiSource = file.version == "1",
                                           .findLibraryFile = console::findLibraryFile,
                                           .warnings = warnings,

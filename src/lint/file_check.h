@@ -9,13 +9,13 @@
 
 namespace morquill::lint {
 
-/// Checks one task file: its lines as written, its parse, and the tasks it declares. Never throws for what a
-/// file holds or for one that cannot be read: that is an issue. The parser's warnings go to the sink;
-/// `isFile` answers whether an extra file lies beside the file, without it the disk is asked.
+/// Checks one task file: its lines as written, its parse, and the tasks it declares. A file that cannot be
+/// read or parsed is an issue of the report, not an exception. The parser's warnings go to the sink; `isFile`
+/// answers whether an extra file lies beside the file, without it the disk is asked.
 [[nodiscard]] LintFileReport lintFile(const std::string& path, const taskdsl::WarningSink& warnings,
                                       const taskdsl::FileTest& isFile = {});
 
-/// Checks a text as if it were the file `path`.
+/// Checks a text as if it were the content of the file `path`.
 [[nodiscard]] LintFileReport lintText(std::string_view text, const std::string& path,
                                       const taskdsl::WarningSink& warnings);
 

@@ -27,11 +27,11 @@ struct LintOptions {
     bool strict = false;
     bool quiet = false;
     std::string format = "text";
-    bool dropsWarnings = false; ///< the parser's: no line of the log may mix into the JSON
+    bool dropsWarnings = false; ///< the parser's, as no line of the log may get into the JSON
     std::vector<std::string> paths;
 };
 
-/// The help that the command shows for -h in the middle of its words and behind a refusal.
+/// The help for -h in the middle of the line and after a refusal.
 constexpr std::string_view driverHelp = R"(Usage:
   @ lint [--strict] [--quiet] [--format text|json] <path>...
 
@@ -64,7 +64,7 @@ void setQuiet(LintOptions& options, console::Words /*values*/) {
     options.quiet = true;
 }
 void setFormat(LintOptions& options, console::Words values) {
-    // Only this spelling keeps the log silent, also when a later --format takes it back.
+    // Only this spelling keeps the log silent, even when a later --format overrides it.
     options.dropsWarnings = options.dropsWarnings || std::string_view(values.front()) == "json";
     options.format = toLower(values.front());
     if (options.format != "text" && options.format != "json") {
@@ -82,7 +82,7 @@ constexpr console::OptionRow<LintOptions> optionRows[] = {
 };
 // clang-format on
 
-/// Reads the words behind the command word. Throws `UsageError`.
+/// Reads the words after the command word. Throws `UsageError`.
 LintOptions readCommandLine(int argc, char** argv) {
     LintOptions options;
     console::readWords(console::wordsFrom(argc, argv, 2), optionRows, options, [&](console::Words words) {

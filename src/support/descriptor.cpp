@@ -10,12 +10,12 @@ namespace morquill {
 
 namespace {
 
-/// True for a fault of the disk that would only come again in another way of writing.
+/// True for a fault of the disk, which any other way of writing would meet again.
 bool isFaultOfTheDisk(int error) noexcept {
     return error == ENOSPC || error == EIO || error == EFBIG || error == EDQUOT;
 }
 
-/// What is asked between the portions of a copy.
+/// Called between the portions of a copy; true stops it.
 using StopTest = std::function<bool()>;
 
 bool stops(const StopTest& isStopped) {
@@ -102,7 +102,7 @@ ssize_t readFull(int fd, char* buffer, std::size_t size) noexcept {
 std::optional<std::string> readToEnd(int fd, std::size_t expectedSize) {
     constexpr std::size_t smallest = 4096;
     std::string content;
-    // One byte more than the size, so that the end of file is seen without a second growth.
+    // One byte more than the size, so that the end of the file is seen without a second allocation.
     content.resize(expectedSize > 0 ? expectedSize + 1 : smallest);
     for (std::size_t used = 0;;) {
         const ssize_t got = readSome(fd, content.data() + used, content.size() - used);
@@ -126,7 +126,7 @@ bool copyToEnd(int from, int to, const std::function<bool()>& isStopped) {
     while (!stops(isStopped)) {
         const ssize_t moved = ::copy_file_range(from, nullptr, to, nullptr, portion, 0);
         if (moved == 0) {
-            // The end, or a file whose size the system does not know.
+            // The end, or a file whose size the system does not report.
             return copyThroughMemory(from, to, isStopped);
         }
         if (moved < 0 && errno != EINTR) {

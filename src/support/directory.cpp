@@ -38,7 +38,7 @@ struct CloseDirectory {
 };
 
 /// Calls `take` with every entry, in the order of the file system, until it returns false. Returns 0, or the
-/// error number when the directory cannot be read to its end.
+/// error number when the directory cannot be read in full.
 template <class Take>
 int eachEntry(const std::string& dir, Take take) {
     const std::unique_ptr<DIR, CloseDirectory> open(::opendir(dir.c_str()));
@@ -84,7 +84,7 @@ void requireRead(int error, const std::string& dir) {
     }
 }
 
-/// The names that `accept` takes, in ascending byte order.
+/// The names for which `accept` returns true, in ascending byte order.
 template <class Accept>
 std::vector<std::string> sortedNames(const std::string& dir, Accept accept) {
     std::vector<std::string> names;
@@ -99,7 +99,7 @@ std::vector<std::string> sortedNames(const std::string& dir, Accept accept) {
     return names;
 }
 
-/// A path that a walk has still to come to.
+/// A path that a walk has yet to reach.
 struct Waiting {
     std::string path;
     EntryKind kind;
@@ -156,7 +156,7 @@ void walkTree(const std::string& top, WalkOrder order,
         const auto first = static_cast<std::ptrdiff_t>(waiting.size());
         for (const auto& entry : *entries) {
             auto path = joinPath(next.path, entry.name);
-            // By name, an entry comes before whatever lies below its neighbours: it is visited at once.
+            // By name, an entry comes before whatever lies below its siblings, so it is visited at once.
             const bool isVisited = order == WalkOrder::byName;
             if (!isVisited || isEntered(path, entry.kind)) {
                 waiting.push_back({std::move(path), entry.kind, isVisited});

@@ -16,8 +16,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// True for a size that no text can have because the machine's memory does not hold it: files with holes can
-/// claim any size. Asked before the memory is, as that may be granted and missed only when it is used.
+/// True for a size that exceeds the machine's memory: a file with holes can claim any size. Checked before
+/// memory is requested, because the system may grant it and find out only on use that there is too little.
 bool exceedsMemory(off_t size) noexcept {
     const auto pages = ::sysconf(_SC_PHYS_PAGES);
     const auto pageSize = ::sysconf(_SC_PAGESIZE);
@@ -64,8 +64,8 @@ std::optional<std::string> readInputFile(const std::string& path) try {
     if (!S_ISFIFO(info.st_mode) && !S_ISCHR(info.st_mode)) {
         return std::nullopt;
     }
-    // A FIFO has to wait for its writer, or it would seem empty. A device is not waited for before it is
-    // known to be a terminal; O_NOCTTY: reading one does not make it ours.
+    // A FIFO has to wait for its writer, or it would seem empty. A device is opened without waiting, as it
+    // may not be a terminal. O_NOCTTY: reading a terminal must not make it our controlling one.
     const bool isFifo = S_ISFIFO(info.st_mode);
     const Descriptor file = openFile(path, isFifo ? O_RDONLY : O_RDONLY | O_NONBLOCK | O_NOCTTY);
     if (!file.isOpen() || ::fstat(file.get(), &info) != 0) {

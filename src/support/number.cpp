@@ -63,7 +63,7 @@ std::optional<double> readDouble(std::string_view text) {
     if (trimmed.empty()) {
         return std::nullopt;
     }
-    // Plain decimal numbers, which nearly all are, need no copy and no locale.
+    // Plain decimal numbers, which nearly all are, need neither a copy nor a locale.
     double plain = 0;
     const char* const behind = trimmed.data() + trimmed.size();
     if (const auto read = std::from_chars(trimmed.data(), behind, plain);

@@ -4,25 +4,25 @@
 #include <utility>
 #include <variant>
 
-/// Answers that can fail with a message.
+/// Results that can fail with a message.
 namespace morquill {
 
-/// Why there is no answer: the message for the user, without a tag.
+/// Why there is no result: the message for the user, without a tag.
 struct Failure {
     std::string text;
 };
 
-/// The answer of a step or the message of its failure; made from either.
+/// The result of a step or the message of its failure; converts from either.
 template <class T>
 class [[nodiscard]] Outcome {
   public:
     Outcome(T value) : result_(std::in_place_index<0>, std::move(value)) {}
     Outcome(Failure failure) : result_(std::in_place_index<1>, std::move(failure)) {}
 
-    /// True when there is an answer.
+    /// True when there is a result.
     [[nodiscard]] explicit operator bool() const noexcept { return result_.index() == 0; }
 
-    /// The answer; throws `std::bad_variant_access` when there is none.
+    /// The result; throws `std::bad_variant_access` when there is none.
     [[nodiscard]] T& value() { return std::get<0>(result_); }
     [[nodiscard]] const T& value() const { return std::get<0>(result_); }
     [[nodiscard]] T& operator*() { return value(); }
@@ -30,10 +30,10 @@ class [[nodiscard]] Outcome {
     [[nodiscard]] T* operator->() { return &value(); }
     [[nodiscard]] const T* operator->() const { return &value(); }
 
-    /// The failure; throws `std::bad_variant_access` when there is an answer. Returned as it is by a step
-    /// that fails for the same reason.
+    /// The failure, which a step that fails for the same reason returns unchanged; throws
+    /// `std::bad_variant_access` when there is a result.
     [[nodiscard]] const Failure& failure() const { return std::get<1>(result_); }
-    /// The message of the failure.
+    /// The message of the failure; throws like `failure`.
     [[nodiscard]] const std::string& error() const { return failure().text; }
 
   private:

@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The path behind the current directory, as it is written; nothing when there is no such directory any more.
+/// The path appended to the current directory, as written; nothing when that directory no longer exists.
 std::optional<fs::path> behindCurrentDirectory(std::string_view path) {
     std::error_code error;
     auto absolute = fs::absolute(fs::path(path), error);
@@ -38,7 +38,7 @@ std::string absoluteLocation(std::string_view path) {
 }
 
 std::string normalisedPath(const std::string& path) {
-    // Absolute first: the weakly canonical form of a relative path that does not exist stays relative, and
+    // Absolute first: the weakly canonical form of a relative path that does not exist stays relative and
     // would differ from another spelling of the same place.
     if (const auto absolute = behindCurrentDirectory(path)) {
         std::error_code error;

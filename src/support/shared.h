@@ -9,16 +9,16 @@
 #include <type_traits>
 #include <utility>
 
-/// Values that many records hold but that are stored once. The program has one thread: holders are counted
-/// without atomics.
+/// Values that many records hold and that are stored once. The
+/// program has one thread, so holders are counted without atomics.
 namespace morquill {
 
-/// An immutable text with shared ownership: for what many records repeat, and for fields that are mostly
-/// empty. It is as large as a pointer, a copy counts, and it reads like a `std::string_view`.
+/// An immutable text with shared ownership, for texts that many records repeat and for fields that are mostly
+/// empty. It is as large as a pointer, is copied by counting, and reads like a `std::string_view`.
 class SharedText {
   public:
     SharedText() noexcept = default;
-    SharedText(std::string_view text) // NOLINT(google-explicit-constructor): it stands wherever a text stands
+    SharedText(std::string_view text) // NOLINT(google-explicit-constructor): usable like a text
         : block_(text.empty() ? nullptr : makeBlock(text)) {}
     SharedText(const std::string& text) : SharedText(std::string_view(text)) {} // NOLINT(google-explicit-*)
     SharedText(const char* text) : SharedText(std::string_view(text)) {}        // NOLINT(google-explicit-*)
@@ -55,7 +55,7 @@ class SharedText {
     friend bool operator==(const SharedText& a, const char* b) noexcept { return a.view() == b; }
 
   private:
-    /// The head of an allocation; the bytes of the text follow it.
+    /// The head of an allocation, followed by the bytes of the text.
     struct Block {
         std::uint32_t holders;
         std::size_t size; ///< of the text, in bytes
@@ -69,10 +69,10 @@ class SharedText {
         return block;
     }
 
-    Block* block_ = nullptr; ///< none for the empty text
+    Block* block_ = nullptr; ///< null for the empty text
 };
 
-/// A piece of a shared text, which it holds: it is never longer than its text lives.
+/// A part of a shared text, which it keeps alive.
 class TextSlice {
   public:
     TextSlice() noexcept = default;
@@ -82,8 +82,9 @@ class TextSlice {
     TextSlice(const std::string& text) : TextSlice(SharedText(text)) {} // NOLINT(google-explicit-constructor)
     TextSlice(const char* text) : TextSlice(SharedText(text)) {}        // NOLINT(google-explicit-constructor)
 
-    /// The part of `whole` that `part`, a view into it, shows.
+    /// The part of `whole` that `part`, which must be a view into it, shows.
     TextSlice(const TextSlice& whole, std::string_view part) noexcept : owner_(whole.owner_), view_(part) {}
+    /// The slice for `part`, which must be a view into this one.
     [[nodiscard]] TextSlice slice(std::string_view part) const noexcept { return {*this, part}; }
 
     [[nodiscard]] std::string_view view() const noexcept { return view_; }
@@ -101,7 +102,8 @@ class TextSlice {
     std::string_view view_;
 };
 
-/// A counted reference to a value; empty when there is none. Made by `make`, freed with its last holder.
+/// A counted reference to a value, or to none. The value
+/// is made by `make` and destroyed with its last holder.
 template <class T>
 class CountedRef {
   public:
@@ -123,7 +125,7 @@ class CountedRef {
         }
     }
 
-    /// A reference to a value of its own.
+    /// Makes a value from the arguments and returns a reference to it.
     template <class... Arguments>
     [[nodiscard]] static CountedRef make(Arguments&&... arguments) {
         CountedRef made;
@@ -153,9 +155,8 @@ class CountedRef {
     Node* node_ = nullptr;
 };
 
-/// A value with shared ownership that is copied when it is edited: records that were copied from one another
-/// share it for as long as none of them changes it. It is as large as a pointer; without a value it reads as
-/// a default one.
+/// A value with shared ownership that is copied when edited: records that were copied from one another share
+/// it until one of them changes it. It is as large as a pointer; without a value it reads as a default one.
 template <class T>
 class Shared {
   public:
@@ -169,7 +170,7 @@ class Shared {
     }
     const T& operator*() const noexcept { return get(); }
     const T* operator->() const noexcept { return &get(); }
-    /// The value for editing; other holders keep what they have.
+    /// Returns the value for editing; other holders keep the old one.
     [[nodiscard]] T& edit() {
         if (!value_) {
             value_ = CountedRef<T>::make();

@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Makes a copy of a regular file under a name that is free; what could not be copied in full is taken away.
+/// Copies a regular file to an unused name; a copy that could not be finished is removed.
 bool makeFile(const std::string& source, const std::string& copy, const SignalGuard& ending) {
     const Descriptor from = openFile(source, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     struct stat info {};
@@ -55,8 +55,8 @@ bool makeLink(const std::string& source, const std::string& copy) {
     return !error;
 }
 
-/// Makes a copy of a directory under a name that is free. False when something in it could not be copied; the
-/// rest is there all the same.
+/// Copies a directory to an unused name. Returns false when something
+/// in it could not be copied; the rest is copied all the same.
 bool makeDirectory(const std::string& source, const std::string& copy, const SignalGuard& ending) {
     std::error_code error;
     if (!fs::create_directory(copy, error)) {
@@ -94,15 +94,15 @@ bool exists(const std::string& path) {
     return ::lstat(path.c_str(), &info) == 0;
 }
 
-/// What the names of this host's unfinished copies begin with: process numbers mean nothing on another one
-/// that shares the disk.
+/// The start of the names of this host's unfinished copies. It names the host because process numbers mean
+/// nothing on another host that shares the disk.
 std::string copyPrefix() {
-    std::array<char, 65> host{}; // 64 bytes and the end
+    std::array<char, 65> host{}; // 64 bytes and the terminator
     (void)::gethostname(host.data(), host.size() - 1);
     return ".mqkit-" + std::string(host.data()) + "-";
 }
 
-/// A name beside `target` that is free: what is made under it can be renamed to `target`.
+/// An unused name beside `target`, where a copy can be made and then renamed to `target`.
 std::string nameBeside(const std::string& target) {
     const auto start =
         target.substr(0, target.rfind('/') + 1) + copyPrefix() + std::to_string(::getpid()) + "-";
@@ -113,7 +113,7 @@ std::string nameBeside(const std::string& target) {
     return start + std::to_string(number);
 }
 
-/// Lets `copy` and `target`, which both exist, change places.
+/// Exchanges `copy` and `target`, which both exist.
 bool exchange(const std::string& copy, const std::string& target) {
     if (::renameat2(AT_FDCWD, copy.c_str(), AT_FDCWD, target.c_str(), RENAME_EXCHANGE) == 0) {
         return true;
@@ -121,7 +121,7 @@ bool exchange(const std::string& copy, const std::string& target) {
     if (errno != EINVAL && errno != ENOSYS) {
         return false;
     }
-    // A file system that cannot do it in one step.
+    // The file system cannot exchange them in one step.
     const auto aside = nameBeside(target);
     if (::rename(target.c_str(), aside.c_str()) != 0) {
         return false;
@@ -133,20 +133,20 @@ bool exchange(const std::string& copy, const std::string& target) {
     return ::rename(aside.c_str(), copy.c_str()) == 0;
 }
 
-/// Puts a copy in the place of `target` and removes what stood there. False when that is not possible; the
-/// copy is removed then.
+/// Replaces `target` with a copy and removes the old target. Returns
+/// false when that is not possible; the copy is removed then.
 bool putInPlace(const std::string& copy, const std::string& target) {
     if (::rename(copy.c_str(), target.c_str()) == 0) {
         return true;
     }
-    // A directory that is not empty, or one for the other kind.
+    // One of them is a directory that `rename` cannot replace or be replaced by.
     const bool placed = exists(target) && exchange(copy, target);
     std::error_code error;
-    fs::remove_all(copy, error); // the old result where they have changed places
+    fs::remove_all(copy, error); // the old target if they were exchanged, else the copy
     return placed && !error;
 }
 
-/// The process that a name behind `copyPrefix` tells: `<process>-<number>`; 0 for any other text.
+/// The process named after `copyPrefix`, as in `<process>-<number>`; 0 for any other text.
 pid_t ownerOf(std::string_view rest) noexcept {
     pid_t process = 0;
     const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), process);
@@ -156,19 +156,19 @@ pid_t ownerOf(std::string_view rest) noexcept {
     return isOwned ? process : 0;
 }
 
-/// A path without the links on the way to it; the last component may be one.
+/// A path with the links on the way to it resolved; the last component may still be one.
 std::string placeOf(const std::string& path) {
     return joinPath(normalisedPath(parentPath(path)), baseName(path));
 }
 
-/// True when the source would be copied to where it is, into itself, or over what holds it.
+/// True when the source would be copied onto itself, into itself, or over a directory that contains it.
 bool meetsItself(const std::string& source, const std::string& target) {
     const auto from = placeOf(source);
     const auto to = placeOf(target);
     return from == to || liesBelow(from, to) || liesBelow(to, from);
 }
 
-/// True when a regular file may take the target's place: a free one, or that of another file or a link.
+/// True when a regular file may be put at the target: nothing, another file or a link is there.
 bool takesFile(const std::string& source, const std::string& target) {
     struct stat standing {};
     struct stat info {};
@@ -182,10 +182,10 @@ bool takesFile(const std::string& source, const std::string& target) {
 } // namespace
 
 bool copyItem(const std::string& source, const std::string& target) {
-    const SignalGuard ending; // goes last: nothing unfinished is left when a signal ends the program
+    const SignalGuard ending; // destroyed last: a signal ends the program only after the clean-up
     std::error_code error;
-    if (!fs::exists(source, error) ||
-        meetsItself(source, target)) { // a link that leads nowhere does not exist
+    // A link that leads nowhere does not count as existing.
+    if (!fs::exists(source, error) || meetsItself(source, target)) {
         return false;
     }
     const auto kind = fs::symlink_status(source, error).type();
@@ -194,7 +194,7 @@ bool copyItem(const std::string& source, const std::string& target) {
         return false;
     }
     if (const auto parent = parentPath(target); !parent.empty()) {
-        fs::create_directories(parent, error); // a failure shows when the copy is made
+        fs::create_directories(parent, error); // a failure shows in the copy
     }
     const auto copy = nameBeside(target);
     bool complete = false;
@@ -211,7 +211,7 @@ bool copyItem(const std::string& source, const std::string& target) {
     default:
         break;
     }
-    // A directory that is not whole is better than none, but never than the one before.
+    // A partial directory is better than none, but never better than the old one.
     if (complete || (isDirectory && ending.noted() == 0 && exists(copy) && !exists(target))) {
         return putInPlace(copy, target) && complete;
     }
@@ -225,7 +225,7 @@ void removeStaleCopies(const std::string& dir) {
         const pid_t owner =
             name.starts_with(prefix) ? ownerOf(std::string_view(name).substr(prefix.size())) : 0;
         if (owner > 0 && ::kill(owner, 0) != 0 && errno == ESRCH) {
-            std::error_code ignored; // what cannot be removed harms nothing
+            std::error_code ignored; // leaving one behind does no harm
             fs::remove_all(joinPath(dir, name), ignored);
         }
     }

@@ -12,14 +12,14 @@ namespace morquill::system {
 
 namespace {
 
-/// Makes the file and has it filled by `fill`, which returns false with `errno`.
+/// Creates the file and calls `fill` to write it; on failure, that returns false with `errno`.
 template <class Fill>
 std::error_code makeFile(const std::string& path, Fill fill) {
     Descriptor file = openFile(path, O_WRONLY | O_CREAT | O_EXCL, 0666);
     if (!file.isOpen()) {
         return lastSystemError();
     }
-    // Some file systems report a full disk or a used up quota only at the close.
+    // Some file systems report a full disk or an exhausted quota only on close.
     if (fill(file.get()) && file.close()) {
         return {};
     }

@@ -18,19 +18,19 @@ namespace morquill::system {
 
 namespace {
 
-constexpr int launchFailedStatus = 127; // never seen by a caller: the text in the pipe wins
+constexpr int launchFailedStatus = 127; // no caller sees it: the text in the pipe takes precedence
 
-/// What the child becomes: a program with its arguments and the words for a failed start.
+/// What the child runs: a program, its arguments, and the message for a failed start.
 struct Launch {
     int (*execute)(const char*, char* const*); ///< with or without a search along PATH
     const char* path;
     std::vector<char*> arguments; ///< ends in a null pointer
-    std::string failure;          ///< stands before the system text
+    std::string failure;          ///< precedes the system's text
     ChildStreams streams = {};
 };
 
-// A child must not start deaf because its parent holds a signal back for a while. A hang-up that was ignored
-// when this program started (`nohup`) was meant for everything below it and stays so.
+// A child must not start deaf because its parent blocks a signal for a while. A hang-up that was ignored when
+// this program started (`nohup`) was meant for its children as well and stays ignored.
 void resetSignals() {
     struct sigaction current {};
     for (int number = 1; number < NSIG; ++number) {
@@ -38,9 +38,8 @@ void resetSignals() {
             current.sa_handler == SIG_IGN) {
             continue;
         }
-        std::signal(
-            number,
-            SIG_DFL); // the two that cannot be changed, and those of the C library, answer with an error
+        // Fails for the two that cannot be changed and for those of the C library.
+        std::signal(number, SIG_DFL);
     }
     sigset_t none;
     sigemptyset(&none);
@@ -99,7 +98,7 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
         return result;
     }
     console::flushOut();
-    const SignalGuard ending; // ends this program, if that was asked for, when the child has ended
+    const SignalGuard ending; // a signal ends this program only after the child has ended
     ChildSignals signals;
     const pid_t child = ::fork();
     if (child < 0) {
@@ -113,10 +112,10 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
     signals.watch(child);
     (void)writeEnd.close();
     result.launched = true;
-    // The pipe is emptied before the wait: a failure text longer than the pipe's buffer must not stop the
-    // child. It ends at the latest when the child's program starts, which closes the other end.
+    // The pipe is read before the wait: a failure text longer than the pipe's buffer must not block the
+    // child. The text ends at the latest when the child's program starts, which closes the other end.
     const std::string launchFailure = readToEnd(readEnd.get()).value_or("");
-    // The end is seen first and the child reaped after, so that a late signal cannot hit a reused number.
+    // Wait without reaping first, so that a late signal cannot reach another process under a reused number.
     siginfo_t ended{};
     while (::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
     }
@@ -152,7 +151,7 @@ ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::stri
     Launch launch{::execvp, argv.front().c_str(), {}, "failed to execute '" + argv.front() + "': ", streams};
     launch.arguments.reserve(argv.size() + 1);
     for (const std::string& argument : argv) {
-        launch.arguments.push_back(const_cast<char*>(argument.c_str())); // exec never writes to them
+        launch.arguments.push_back(const_cast<char*>(argument.c_str())); // exec does not modify them
     }
     launch.arguments.push_back(nullptr);
     return spawn(launch, workingDir);

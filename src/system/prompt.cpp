@@ -17,8 +17,8 @@ namespace morquill::system {
 std::optional<std::string> readInputLine() {
     console::flushOut();
     std::string line;
-    // A file may be read ahead, as the place can be set back; of a pipe or a terminal only what belongs to
-    // the line may be taken.
+    // A file may be read ahead, as its position can be set back;
+    // from a pipe or a terminal, only the line itself may be taken.
     const bool seekable = ::lseek(STDIN_FILENO, 0, SEEK_CUR) >= 0;
     std::array<char, 4096> buffer{};
     for (;;) {

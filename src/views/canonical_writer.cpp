@@ -29,9 +29,9 @@ namespace {
 
 constexpr ByteSet lineEnds(std::string_view("\n\r"));
 
-// The forms of a directive: directives are indented by two blanks, lines of a block directive by four.
+// The forms of a directive. Directives are indented by two blanks, the lines of their blocks by four.
 
-/// `  %<directive> <value>` with the value through the scalar rule.
+/// Writes `  %<directive> <value>`, with the value quoted by the scalar rule.
 void addScalar(LineBuilder& text, std::string_view directive, std::string_view value) {
     text.open("  %", directive, " ");
     text.addWith([value](std::string& out) { taskdsl::appendUnquotedScalar(out, value); }).close();
@@ -43,7 +43,7 @@ void addFilledScalar(LineBuilder& text, std::string_view directive, std::string_
     }
 }
 
-/// The terminator is always EOF: a text with such a line does not survive rewriting.
+/// The terminator is always EOF, so a text with such a line does not survive the rewrite.
 void addHeredoc(LineBuilder& text, std::string_view directive, std::string_view body) {
     text.line("  %", directive, " << EOF");
     if (!body.empty()) {
@@ -58,8 +58,8 @@ void addFilledHeredoc(LineBuilder& text, std::string_view directive, std::string
     }
 }
 
-/// A block of commands. One that would end the block (it was the continuation of an empty line) is that
-/// again.
+/// Writes a block of commands. One that would end the block was read as the continuation of an empty line,
+/// and is written as such again.
 void addCommands(LineBuilder& text, std::string_view directive,
                  const Shared<std::vector<std::string>>& commands) {
     if (!commands.empty()) {
@@ -76,7 +76,7 @@ void addCommands(LineBuilder& text, std::string_view directive,
 void addBlock(LineBuilder& text, std::string_view directive, const std::vector<std::string>& lines) {
     bool open = false;
     for (const auto& line : lines) {
-        // A text that would end the block (it came from behind the keyword) stands there again.
+        // A text that would end the block was read from the keyword's own line, and is written there again.
         if (isStructure(taskdsl::kindOfCleanLine(line))) {
             text.line("  %", directive, " ", line);
             open = false;
@@ -152,7 +152,7 @@ void writeCluster(LineBuilder& text, const taskdsl::BatchCluster& cluster) {
     text.line(line);
 }
 
-/// The destination as it stands when its words read back as the same text, otherwise as one quoted word.
+/// The destination unquoted when its words read back as the same text, otherwise as one quoted word.
 std::string destinationText(const std::string& destination) {
     const auto words = taskdsl::splitShellWords(taskdsl::cleanLine("as " + destination));
     const bool readsBack = join({words.begin() + 1, words.end()}, " ") == destination;
@@ -174,7 +174,7 @@ void writeBatch(LineBuilder& text, const TaskInfo& task) {
         writeCluster(text, *task.batchCluster);
     }
     for (const auto& entry : task.batchCollect) {
-        // A pattern that would not be one word again is quoted.
+        // A pattern that would not read back as one word is quoted.
         text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteShellWord(entry.pattern),
                   entry.destination.empty() ? "" : " as ", destinationText(entry.destination));
     }
@@ -218,7 +218,7 @@ void writeControl(LineBuilder& text, const TaskInfo& task) {
         item("externalinp", "true");
     }
     if (!task.finalGeom.empty()) {
-        // Its reader is one of shell words: quotes and backslashes are not plain characters there.
+        // It is read as shell words, in which quotes and backslashes are not plain characters.
         const bool isPlain = task.finalGeom.view().find_first_of("'\\") == std::string::npos;
         item("finalgeom", isPlain ? taskdsl::quoteCanonicalScalar(task.finalGeom)
                                   : taskdsl::quoteForcedScalar(task.finalGeom));
@@ -228,7 +228,8 @@ void writeControl(LineBuilder& text, const TaskInfo& task) {
 
 void writeKeywords(LineBuilder& text, const TaskInfo& task) {
     if (task.keywords.view().starts_with("<<")) {
-        text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords)); // bare, it would open a heredoc
+        // Unquoted, it would open a heredoc.
+        text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords));
     } else if (!lineEnds.meets(task.keywords)) {
         addFilledScalar(text, "keywords", task.keywords);
     } else {
@@ -308,79 +309,79 @@ void writeTask(LineBuilder& text, const TaskInfo& task) {
     }
 }
 
-/// Prints the document and, where somebody listens, reports what does not read back.
+/// Prints the document and, when there is a sink, reports what does not read back.
 class DocumentPrinter {
   public:
-    explicit DocumentPrinter(const ReadBackContext& readBackContext)
-        : context(readBackContext), document(readBackContext.document) {}
+    explicit DocumentPrinter(const ReadBackContext& context)
+        : context_(context), document_(context.document) {}
 
     std::string print() && {
-        const bool isSource = context.view == CanonicalView::sourceView;
-        if (context.warnings) {
-            reportLostHeadLines(context);
+        const bool isSource = context_.view == CanonicalView::sourceView;
+        if (context_.warnings) {
+            reportLostHeadLines(context_);
         }
-        text.reserve(typicalTaskSize * std::max(document.tasks.size(), document.templateTasks.size()));
-        writeSettings(text, document);
+        text_.reserve(typicalTaskSize * std::max(document_.tasks.size(), document_.templateTasks.size()));
+        writeSettings(text_, document_);
         if (isSource) {
-            writeMatrix(text, document);
+            writeMatrix(text_, document_);
         }
-        text.line();
+        text_.line();
         const auto& tasks =
-            isSource && !document.templateTasks.empty() ? document.templateTasks : document.tasks;
-        const bool hasBlocks = !document.plots.empty() || !document.derives.empty();
+            isSource && !document_.templateTasks.empty() ? document_.templateTasks : document_.tasks;
+        const bool hasBlocks = !document_.plots.empty() || !document_.derives.empty();
         for (const TaskInfo& task : tasks) {
             printTask(task);
             if (hasBlocks || &task != &tasks.back()) {
-                text.line();
+                text_.line();
             }
         }
-        for (const auto& plot : document.plots) {
-            printSubstituted("plot", plot.name, renderPlot(plot, "", context.warnings));
-            if (!document.derives.empty() || &plot != &document.plots.back()) {
-                text.line();
+        for (const auto& plot : document_.plots) {
+            printSubstituted("plot", plot.name, renderPlot(plot, "", context_.warnings));
+            if (!document_.derives.empty() || &plot != &document_.plots.back()) {
+                text_.line();
             }
         }
-        for (const auto& derive : document.derives) {
-            printSubstituted("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings));
-            if (&derive != &document.derives.back()) {
-                text.line();
+        for (const auto& derive : document_.derives) {
+            printSubstituted("derive", derive.spec.name, renderDerive(derive.spec, "", context_.warnings));
+            if (&derive != &document_.derives.back()) {
+                text_.line();
             }
         }
-        return text.take();
+        return text_.take();
     }
 
   private:
     void printTask(const TaskInfo& task) {
-        const std::size_t begin = text.size();
-        writeTask(text, task);
-        if (context.warnings) {
-            reportLostOfTask(context, task, text.textFrom(begin));
+        const std::size_t begin = text_.size();
+        writeTask(text_, task);
+        if (context_.warnings) {
+            reportLostOfTask(context_, task, text_.textFrom(begin));
         }
-        // A plot of a declared task is read as it stands; the defines come later.
-        const bool isExpanded = context.view == CanonicalView::matrixExpandedView;
+        // A plot of a declared task is read before the defines are inserted.
+        const bool isExpanded = context_.view == CanonicalView::matrixExpandedView;
         for (const auto& plot : task.plots) {
-            const std::string printed = renderPlot(plot, "  ", context.warnings);
+            const std::string printed = renderPlot(plot, "  ", context_.warnings);
             if (isExpanded) {
                 printSubstituted("plot", plot.name, printed);
             } else {
-                text.add(printed);
+                text_.add(printed);
             }
         }
     }
 
-    /// Prints a block into which the defines go where it is read.
+    /// Prints a block into which the defines are inserted when it is read.
     void printSubstituted(std::string_view what, std::string_view name, const std::string& printed) {
-        text.add(printed);
-        if (context.warnings) {
-            reportReplacedKey(context, what, name, printed);
+        text_.add(printed);
+        if (context_.warnings) {
+            reportReplacedKey(context_, what, name, printed);
         }
     }
 
-    static constexpr std::size_t typicalTaskSize = 256; ///< bytes in print
+    static constexpr std::size_t typicalTaskSize = 256; ///< in bytes, as printed
 
-    const ReadBackContext context;
-    const TaskDocument& document;
-    LineBuilder text;
+    const ReadBackContext context_;
+    const TaskDocument& document_;
+    LineBuilder text_;
 };
 
 } // namespace

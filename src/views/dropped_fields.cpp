@@ -44,7 +44,7 @@ constexpr std::array<PayloadRow, 7> payloadRows{{
     {Payload::body, "%body", &TaskInfo::body},
 }};
 
-/// True when all that `%keywords` says is printed under its modern names.
+/// True when all of `%keywords` is printed under modern names.
 bool isCarriedOver(const TaskInfo& task) {
     switch (task.program) {
     case TaskProgram::other:

@@ -28,13 +28,13 @@ using taskdsl::TaskInfo;
 namespace {
 
 struct ExplainOptions {
-    std::string taskName; ///< empty for all
+    std::string taskName; ///< empty for all tasks
     std::string format = "text";
     bool expanded = false;
     std::string inputPath;
 };
 
-/// What is shown of a document: the tasks of the chosen view.
+/// The tasks of the document in the chosen view.
 struct ExplainView {
     const TaskDocument& document;
     std::vector<const TaskInfo*> tasks;
@@ -61,7 +61,7 @@ void setExpanded(ExplainOptions& options, console::Words /*values*/) {
     options.expanded = true;
 }
 
-/// Help is asked for: no path, and no word behind counts.
+/// Requests the help: there is no path, and the words after this one are ignored.
 void askHelp(ExplainOptions& options, console::Words /*values*/) {
     options.inputPath.clear();
 }
@@ -76,7 +76,7 @@ constexpr console::OptionRow<ExplainOptions> optionRows[] = {
 };
 // clang-format on
 
-/// Reads the words behind the command word; without a path the help is to be shown. Throws `UsageError`.
+/// Reads the words after the command word; without a path, the help is to be shown. Throws `UsageError`.
 ExplainOptions readCommandLine(int argc, char** argv) {
     if (argc < 3) {
         throw usageError("explain expects a <task.mq> path");
@@ -112,8 +112,8 @@ ExplainView makeView(const TaskDocument& document, const ExplainOptions& options
 
 constexpr std::size_t typicalTaskSize = 1024; ///< bytes in print
 
-/// The source as its directive gave it: unlike the canonical writer, this view shows no "origin" that nobody
-/// wrote.
+/// The source as its directive has it: unlike the canonical writer,
+/// this view does not show an "origin" that is not in the file.
 std::string declaredSource(const TaskInfo& task) {
     const bool declared = std::any_of(task.directives.begin(), task.directives.end(),
                                       [](const taskdsl::TaskDirective& d) { return d.name == "source"; });

@@ -64,13 +64,13 @@ constexpr OptionRow expandOptions[] = {
 };
 // clang-format on
 
-/// What tells the three commands apart while their words are read.
+/// How the three commands differ while their words are read.
 struct CommandForm {
     std::string_view name;
     std::span<const OptionRow> options;
-    ErrorTag tag;                   ///< of a refusal; an unknown word is told in colour by every command
-    bool leavesExtraFiles = false;  ///< what extra files beside the result bring is not written into it
-    bool legacyMultiSource = false; ///< the removed `%source a,b` is read and converted
+    ErrorTag tag;                   ///< of a refusal; every command reports an unknown word in colour
+    bool leavesExtraFiles = false;  ///< the content of extra files beside the result is not written into it
+    bool legacyMultiSource = false; ///< the removed form `%source a,b` is read and converted
 };
 
 constexpr CommandForm fmtForm{
@@ -82,7 +82,7 @@ constexpr CommandForm migrateForm{.name = "migrate",
                                   .legacyMultiSource = true};
 constexpr CommandForm expandForm{.name = "expand", .options = expandOptions, .tag = ErrorTag::coloured};
 
-/// Reads the words behind the command word. Throws `UsageError`.
+/// Reads the words after the command word. Throws `UsageError`.
 FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** argv) {
     FileCommandOptions options;
     const auto refuse = [&form](const std::string& text) { return console::UsageError(form.tag, text); };
@@ -135,8 +135,8 @@ int deliverCanonicalText(std::string text, const FileCommandOptions& options) {
     return 0;
 }
 
-/// True when whoever reads the result finds the extra files of the input beside it. A result that replaces
-/// one of them has to hold what that one held.
+/// True when a reader of the result finds the extra files of the input beside it. A result that replaces one
+/// of them has to contain what that one contained.
 bool isWrittenBesideInput(const FileCommandOptions& options) {
     const std::filesystem::path output(options.inPlace ? options.inputPath : options.outputPath);
     const auto directory = [](const std::filesystem::path& file) {
@@ -147,7 +147,8 @@ bool isWrittenBesideInput(const FileCommandOptions& options) {
             directory(output) == directory(options.inputPath));
 }
 
-/// A file that is written in place must be a regular one; otherwise a pipe or a terminal serves, too.
+/// Reads the input, which must be a regular file when it is
+/// written in place, and may otherwise be a pipe or a terminal.
 taskdsl::TaskDocument readDocument(const CommandForm& form, const FileCommandOptions& options) {
     const taskdsl::TaskParser parser({.legacyMultiSource = form.legacyMultiSource,
                                       .findLibraryFile = console::findLibraryFile,

@@ -20,20 +20,20 @@ using taskdsl::ValueMap;
 
 namespace {
 
-/// A key that every reader of the prelude takes as it stands.
+/// True for a key that every reader of the prelude takes literally.
 bool isPlainKey(std::string_view key) noexcept {
     return !key.empty() && isWordStart(key.front()) && std::all_of(key.begin(), key.end(), isKeyChar) &&
            key != "define" && key != "matrix" && !equalsNoCase(key, "null");
 }
 
-/// A value that YAML takes as it stands, bare or between double quotes: printable ASCII.
+/// True for a value that YAML takes literally, bare or between double quotes: printable ASCII.
 bool isPlainSettingValue(std::string_view value) noexcept {
     return value.empty() || (isKeyChar(value.front()) && std::all_of(value.begin(), value.end(), [](char c) {
                                  return c >= ' ' && c <= '~';
                              }));
 }
 
-/// Reads one line of settings behind the line that every head begins with.
+/// Reads one line of settings, after the line with which every head begins.
 bool readsAsSetting(const std::string& line, const std::string& key, const std::string& value) {
     const std::string text = "dsl_version: 2\n" + line;
     taskdsl::ParseContext run({});

@@ -41,9 +41,10 @@ std::string inQuotes(std::string_view text) {
     return "'" + oneLine(text) + "'";
 }
 
-// What passes without being read. Each test may refuse a text that would read back, never the other way.
+// What passes without being read. A test may refuse a text that would read back, but never the reverse.
 
-/// A word that every reader of this language takes as it stands: no white space, quote, `#` or backslash.
+/// True for a word that every reader of this language takes
+/// literally: no white space, quote, `#` or backslash.
 bool isPlainWord(std::string_view text) noexcept {
     constexpr static ByteSet unusual([](char c) {
         return (c >= '\0' && c <= ' ') || c == '"' || c == '\'' || c == '#' || c == '\\';
@@ -53,7 +54,7 @@ bool isPlainWord(std::string_view text) noexcept {
 
 constexpr ByteSet lineEnds(std::string_view("\n\r"));
 
-/// A line of a block that neither ends the block nor loses anything to trimming or a comment.
+/// True for a line of a block that neither ends the block nor loses anything to trimming or a comment.
 bool isPlainLine(std::string_view text) noexcept {
     constexpr std::string_view marks = "%$&@";
     constexpr static ByteSet endsOrComments(std::string_view("#\n"));
@@ -65,7 +66,7 @@ bool isPlainCommand(std::string_view text) noexcept {
     return isPlainLine(text) && text.back() != '\\';
 }
 
-/// A heredoc without a line that ends it and without one that looks like a loop or a block.
+/// True for a heredoc without a line that ends it or looks like a loop or a block.
 bool isPlainHeredoc(std::string_view text) noexcept {
     if (text.find(heredocEnd) != std::string_view::npos) {
         return false;
@@ -90,7 +91,7 @@ bool isPlainBinding(const taskdsl::SourceBinding& binding) noexcept {
                        [](const auto& selector) { return isPlainWord(selector.second); });
 }
 
-/// Words that a source reads as more than the name of a task.
+/// The words that a source reads as more than the name of a task.
 bool isSourceWord(std::string_view text) noexcept {
     return text == "origin" || text == "restart" || text == "guess" || text == "gues" ||
            text.starts_with("xyz=") || text.find(',') != std::string_view::npos;
@@ -123,7 +124,7 @@ bool hasPlainControl(const TaskInfo& task) noexcept {
            plainOrEmpty(task.finalGeom);
 }
 
-/// A `%mod` line `<name> <words>` without operation. Only such lines are told without reading them.
+/// True for a `%mod` line `<name> <words>` without an operation. Any other line has to be read.
 bool isPlainMod(const taskdsl::ModEntry& entry) {
     constexpr std::array<std::string_view, 4> operations{"add", "subtract", "select", "remove"};
     const auto words = splitBlank(entry.value);
@@ -141,7 +142,7 @@ bool hasPlainKeywords(const TaskInfo& task) noexcept {
     if (text.empty()) {
         return true;
     }
-    // A pair of quotes around the whole value would be taken off once more.
+    // A pair of quotes around the whole value would be removed.
     const bool isUnquoted =
         text.front() != '"' && text.front() != '\'' && !isTrimmed(text.front()) && !isTrimmed(text.back());
     return isUnquoted && (!lineEnds.meets(text) || isPlainHeredoc(text));
@@ -170,9 +171,9 @@ bool isPlainTask(const TaskInfo& task) {
            hasPlainMods(task) && (task.strucId.empty() || isPlainWord(task.strucId));
 }
 
-// What a task that was read has of one that was printed.
+// What a task that was read has in common with the one that was printed.
 
-/// The key and the words of every `%mod` operation: blanks and tabs between words are alike.
+/// The key and the words of every `%mod` operation; it does not matter which blanks and tabs separate words.
 std::vector<Texts> modsOf(const TaskInfo& task) {
     std::vector<Texts> operations;
     for (const auto& entry : task.modEntries) {
@@ -205,11 +206,11 @@ bool sameParams(const TaskInfo& a, const TaskInfo& b) {
     return trim(taskdsl::resolvedParams(a).view()) == trim(b.paramValues.view());
 }
 
-/// One part of a task: what a message calls it, when it is printed, and when the one that was read is the
-/// one that was printed.
+/// A part of a task: its name in messages, when it is printed, and
+/// whether the part that was read equals the one that was printed.
 struct PartRow {
     std::string_view what;
-    Payload payload; ///< the payload it belongs to; `none` for what every task prints
+    Payload payload; ///< the payload that it is; `none` for what every task prints
     bool (*same)(const TaskInfo& printed, const TaskInfo& read);
 };
 
@@ -259,7 +260,7 @@ Texts changedParts(const TaskInfo& printed, const TaskInfo& read) {
     return reasons;
 }
 
-/// A long text of a task and what a message calls it.
+/// A long text of a task and its name in messages.
 struct LongText {
     std::string_view what;
     Payload payload;
@@ -274,7 +275,7 @@ bool endsHeredoc(std::string_view line) noexcept {
     return trim(line) == heredocEnd;
 }
 
-/// A line that the loop pass, which knows no texts, takes for its own.
+/// True for a line that the loop pass, which does not know heredocs, takes for one of its own.
 bool beginsLoopOrBlock(std::string_view line) {
     const auto kind = taskdsl::kindOfCleanLine(taskdsl::cleanLine(line));
     return opensBlock(kind) || kind == taskdsl::LineKind::end || kind == taskdsl::LineKind::loop;
@@ -292,7 +293,7 @@ std::string heredocOf(const TaskInfo& task, const LongText& row) {
     return isHeredoc ? text.str() : std::string();
 }
 
-/// The first line of the row's heredoc that `test` holds for, in words.
+/// Describes the first line of the row's heredoc for which `test` holds.
 std::optional<std::string> findHeredocLine(const TaskInfo& task, const LongText& row,
                                            bool (*test)(std::string_view)) {
     const std::string text = heredocOf(task, row);
@@ -304,7 +305,7 @@ std::optional<std::string> findHeredocLine(const TaskInfo& task, const LongText&
     return std::nullopt;
 }
 
-/// Takes the texts that end their own heredoc out of the task and out of its printed block, so that the rest
+/// Removes the texts that end their own heredoc from the task and from its printed block, so that the rest
 /// can be read; returns what is wrong with them.
 Texts takeOutEndedTexts(TaskInfo& task, std::string& block) {
     Texts reasons;
@@ -327,7 +328,7 @@ Texts takeOutEndedTexts(TaskInfo& task, std::string& block) {
     return reasons;
 }
 
-/// Reads a printed task back and says what has become of it.
+/// Reads a printed task back and returns what is lost.
 Texts readBackFaults(TaskInfo task, std::string_view printed) {
     std::string block(printed);
     Texts reasons = takeOutEndedTexts(task, block);
@@ -366,7 +367,7 @@ std::string replacedKey(std::string_view what, const std::string& key) {
     return std::string(what) + " holds '[" + key + "]', which is a define";
 }
 
-/// The defines that go into task names where the text is read: an axis of the same name wins.
+/// The defines that are inserted into task names when the text is read; an axis of the same name wins.
 ValueMap nameValues(const ReadBackContext& context) {
     ValueMap values = context.document.defines;
     if (context.view == CanonicalView::sourceView) {
@@ -377,7 +378,7 @@ ValueMap nameValues(const ReadBackContext& context) {
     return values;
 }
 
-/// True when the defines change an expanded task once more.
+/// True when the defines would change an expanded task again.
 bool isChangedByDefines(const TaskInfo& task, const ValueMap& defines) {
     TaskInfo again = task;
     try {
@@ -388,8 +389,8 @@ bool isChangedByDefines(const TaskInfo& task, const ValueMap& defines) {
     return !changedParts(task, again).empty();
 }
 
-/// Expanded tasks stand beside the defines that they were made with: a `[key]` that a value has brought would
-/// be replaced, too. Of declared tasks that is so for the name alone.
+/// Expanded tasks are printed with the defines that they were made with, so a `[key]` that came from a value
+/// would be replaced as well. In declared tasks, that concerns the name only.
 void addReplacedKeys(const ReadBackContext& context, const TaskInfo& task, std::string_view printed,
                      Texts& reasons) {
     const ValueMap& defines = context.document.defines;

@@ -20,7 +20,7 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using testing::ScopedEnv;
 
-/// A directory of its own to stand in, a home, and none of the variables that the tests name.
+/// A test with a working directory and a home of its own, and without the variables that the tests set.
 class RuntimeConfigTest : public ::testing::Test {
   protected:
     RuntimeConfigTest() {

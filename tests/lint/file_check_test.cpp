@@ -1,4 +1,4 @@
-// What a whole file gives, stage by stage. Each rule's own forms are the matter of rules_test.cpp.
+// The checks of a whole file, stage by stage. The forms that each rule finds are in rules_test.cpp.
 
 #include "lint/file_check.h"
 
@@ -37,7 +37,7 @@ TEST(LintText, ASoundTextHasNoIssue) {
     EXPECT_THAT(report.issues, IsEmpty());
 }
 
-TEST(LintText, TheLinesAreCheckedAlsoWhenTheTextDoesNotParse) {
+TEST(LintText, TheLinesAreCheckedEvenWhenTheTextDoesNotParse) {
     const auto report = lintText("$a\n%keywords k\n#INCLUDE old.mq\n%nonsense\n", "t.mq", silent);
     EXPECT_FALSE(report.parsed);
     EXPECT_THAT(codesOf(report), ElementsAre("legacy-hash-include", "parse-error"));
@@ -54,7 +54,7 @@ TEST(LintText, OnlyAFileOfVersionOneIsReadWithTheToleranceOfItsTime) {
     EXPECT_FALSE(lintText(text, "t.mq", silent).parsed);
 }
 
-TEST(LintText, ConditionsAreHeldAgainstTheTasksOfTheFile) {
+TEST(LintText, ConditionsAreComparedWithTheTasksOfTheFile) {
     EXPECT_THAT(codesFor("%when completed b\n"), IsEmpty());
     EXPECT_THAT(codesFor("%when completed [ab]\n"), IsEmpty());
     EXPECT_THAT(codesFor("%when completed z\n"), ElementsAre("missing-completed-target"));
@@ -103,7 +103,7 @@ TEST(LintFile, AFaultInAnIncludedFileNamesThatFile) {
     EXPECT_EQ(report.issues[0].span.line, 2);
 }
 
-TEST(LintFile, AFaultThatSaysItsLineInItsMessageHasItsPlaceAsWell) {
+TEST(LintFile, AFaultThatNamesItsLineInTheMessageHasItsPlaceAsWell) {
     const TemporaryDirectory dir;
     const auto library = dir.write("l.mqlib", "\n  nonsense\n");
     const auto path = dir.write("t.mq", "&INCLUDE l.mqlib as l\n$a\n%keywords k\n");
@@ -126,7 +126,7 @@ TEST(LintText, TheMessageOfAFaultIsTakenFromTheFault) {
     EXPECT_FALSE(report.issues[0].messageNamesPlace);
 }
 
-TEST(LintFile, AnyBytesGiveAReport) {
+TEST(LintFile, AnyBytesAreReportedOn) {
     const TemporaryDirectory dir;
     std::string bytes;
     for (int i = 0; i < 4096; ++i) {

@@ -1,5 +1,7 @@
 #include "support/file.h"
 
+#include "fixtures/temporary_directory.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -21,14 +23,13 @@ namespace fs = std::filesystem;
 
 class File : public ::testing::Test {
   protected:
-    File() {
-        std::string name = (fs::temp_directory_path() / "mqkit-file-XXXXXX").string();
-        dir = ::mkdtemp(name.data());
-    }
-    ~File() override { fs::remove_all(dir); }
     [[nodiscard]] std::string at(const std::string& name) const { return (dir / name).string(); }
 
-    fs::path dir;
+  private:
+    TemporaryDirectory top_;
+
+  protected:
+    const fs::path dir = top_.root();
 };
 
 TEST_F(File, ReadsBackEveryByteThatWasWritten) {

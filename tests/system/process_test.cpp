@@ -23,14 +23,14 @@ int forkError = 0; // what the system answers with in the tests that need it
 int waitError = 0;
 } // namespace
 
-// These stand before the C library's, so that a system without room for a process can be had.
+// These replace those of the C library, to simulate a system that cannot start another process.
 extern "C" pid_t fork() noexcept {
     errno = forkError;
     return forkError != 0 ? -1 : ::_Fork();
 }
 extern "C" pid_t waitpid(pid_t child, int* status, int options) {
     if (waitError != 0) {
-        ::wait4(child, status, options, nullptr); // the child is not left behind
+        ::wait4(child, status, options, nullptr); // no child is left over
         errno = waitError;
         return -1;
     }
@@ -59,7 +59,7 @@ TEST_F(Process, AnExitWithZeroIsSuccess) {
     EXPECT_EQ(result.error, "");
 }
 
-TEST_F(Process, TheChildStandsInItsDirectoryWithItsArgumentsUntouched) {
+TEST_F(Process, TheChildRunsInItsDirectoryWithUnchangedArguments) {
     const std::string script = at("show");
     ASSERT_TRUE(writeTextFile(script, "#!/bin/sh\npwd -P >out\nfor a do printf '<%s>' \"$a\" >>out; done\n"));
     fs::permissions(script, fs::perms::owner_all);
@@ -67,7 +67,7 @@ TEST_F(Process, TheChildStandsInItsDirectoryWithItsArgumentsUntouched) {
     EXPECT_EQ(readTextFile(at("out")), fs::canonical(dir).string() + "\n<a b><><$(x)><'q'><-n><\xff\n>");
 }
 
-TEST_F(Process, FailuresAreToldInOneLine) {
+TEST_F(Process, FailuresAreReportedInOneLine) {
     const std::string gone = at("gone");
     ASSERT_TRUE(writeTextFile(at("data"), "no program"));
     const struct {
@@ -105,7 +105,7 @@ TEST_F(Process, FailuresAreToldInOneLine) {
               "failed to change working directory to '" + gone + "': No such file or directory");
 }
 
-TEST_F(Process, TheRecordTellsAStartThatFailedFromAnExit) {
+TEST_F(Process, TheRecordDistinguishesAFailedStartFromAnExit) {
     const ProcessResult missing = spawnProgram({"no-such-program-of-mqkit"}, "");
     EXPECT_FALSE(missing.launched || missing.exited || missing.terminatedBySignal);
     EXPECT_EQ(spawnProgram({}, "").error, "program name is empty");

@@ -228,7 +228,7 @@ TEST(CanonicalWriter, PayloadOfScript) {
               "$a\n  %source origin\n  %program script\n  %runner bash\n  %body << EOF\necho\nEOF\n");
 }
 
-TEST(CanonicalWriter, BlocksBehindThePayload) {
+TEST(CanonicalWriter, BlocksAfterThePayload) {
     TaskInfo task("a");
     task.whenEntries.edit() = {{"completed b", {}}, {"x == 1", {}}};
     task.preProcessCommands.edit() = {"p \"q\""};

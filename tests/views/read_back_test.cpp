@@ -1,14 +1,13 @@
 #include "views/read_back.h"
 
 #include "fixtures/comparable_document.h"
+#include "support/file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <optional>
-#include <sstream>
 
 namespace morquill::views {
 namespace {
@@ -59,13 +58,6 @@ void expectLaw(const TaskDocument& document, const std::string& where) {
     }
 }
 
-std::string contentOf(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
-}
-
 /// The texts between ```mq fences of a document.
 std::vector<std::string> fencedTexts(const std::string& page) {
     std::vector<std::string> texts;
@@ -98,7 +90,7 @@ TEST(ReadBack, EveryExampleIsTheSameDocumentAgain) {
 TEST(ReadBack, EveryDocumentedTextIsTheSameDocumentAgain) {
     std::size_t seen = 0;
     for (const auto& entry : std::filesystem::directory_iterator("docs")) {
-        for (const auto& text : fencedTexts(contentOf(entry.path()))) {
+        for (const auto& text : fencedTexts(readTextFile(entry.path().string()).value())) {
             std::optional<TaskDocument> document;
             try {
                 document = parse(text);
@@ -117,7 +109,7 @@ TEST(ReadBack, EverySeedOfTheFuzzerHoldsTheLaw) {
     for (const auto& entry : std::filesystem::directory_iterator("fuzz/corpus/parser")) {
         std::optional<TaskDocument> document;
         try {
-            document = parse(contentOf(entry.path()));
+            document = parse(readTextFile(entry.path().string()).value());
         } catch (const taskdsl::DiagnosticError&) {
             continue;
         }
@@ -177,7 +169,7 @@ struct LossyText {
     const char* warning;
 };
 
-TEST(ReadBack, WhatALayoutCannotCarryIsTold) {
+TEST(ReadBack, WhatALayoutCannotExpressIsReported) {
     for (const auto& [text, warning] : std::initializer_list<LossyText>{
              {"$\" a\"", "task ' a' does not read back: the name reads back as 'a'"},
              {"$\"a #b\"", "task 'a #b' does not read back: the name reads back as 'a'"},
@@ -204,7 +196,7 @@ TEST(ReadBack, WhatALayoutCannotCarryIsTold) {
     }
 }
 
-TEST(ReadBack, WhatARewriteDropsIsToldInOneLine) {
+TEST(ReadBack, WhatARewriteDropsIsReportedInOneLine) {
     for (const auto& [text, warning] : std::initializer_list<LossyText>{
              {"$a\n%interface provider",
               "task 'a' does not read back: it is written without %interface provider"},

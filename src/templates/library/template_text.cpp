@@ -12,7 +12,7 @@ namespace morquill::templates {
 
 namespace {
 
-/// Filled in for every task when it is written out.
+/// The names that are filled in for every task when it is run.
 constexpr std::array<std::string_view, 4> taskNames{"inputname", "taskname", "rootname", "originname"};
 
 bool isBuiltIn(std::string_view name) {
@@ -21,7 +21,7 @@ bool isBuiltIn(std::string_view name) {
 }
 
 std::string_view headerName(std::string_view line) noexcept {
-    // Most lines are no headers; only those that may be are freed of their comment.
+    // Most lines are not headers; only those that may be are stripped of their comment.
     return trimLeft(line).starts_with('$') ? taskdsl::taskHeaderName(taskdsl::cleanLine(line))
                                            : std::string_view{};
 }
@@ -77,7 +77,7 @@ std::vector<std::string> scanPlaceholders(std::string_view text, BuiltIns builtI
     for (auto open = text.find('['); open != std::string_view::npos;) {
         const auto close = text.find(']', open + 1);
         if (close == std::string_view::npos) {
-            break; // no later bracket can be closed either
+            break; // no later bracket is closed either
         }
         const auto name = text.substr(open + 1, close - open - 1);
         if (!name.empty() && !(builtIns == BuiltIns::drop && isBuiltIn(name))) {

@@ -13,10 +13,10 @@ namespace morquill::templates {
 
 namespace {
 
-/// Whether a dialogue has a further round.
+/// Whether a dialogue has another round.
 enum class Dialogue : std::uint8_t { open, over };
 
-/// Waits for a key; the selector ends with the input.
+/// Waits for a key; the end of input ends the selector.
 AfterDialogue waitForKey(const SelectorConsole& console) {
     console.print("Press any key to continue...");
     return console.readKey() == key::endOfInput ? AfterDialogue::quit : AfterDialogue::goOn;
@@ -34,7 +34,7 @@ std::string numbered(std::size_t index) {
     return "  [" + std::to_string(index + 1) + "] ";
 }
 
-/// What a template says about the variables in question.
+/// The values that a variable template has for the given names, as shown in the dialogue.
 std::string matchingValues(const VariableTemplate& entry, const std::vector<std::string>& names) {
     std::vector<std::string> pairs;
     for (const auto& name : names) {
@@ -45,7 +45,7 @@ std::string matchingValues(const VariableTemplate& entry, const std::vector<std:
     return pairs.empty() ? "(no matching variables)" : "(" + join(pairs, ", ") + ")";
 }
 
-/// The part of the dialogue that takes values from a variable template. It is over at the end of input.
+/// Takes values from a variable template. The end of input ends the dialogue.
 Dialogue loadValues(SelectorState& state, const std::vector<std::string>& names,
                     const SelectorConsole& console) {
     const auto& templates = state.variableTemplates;
@@ -77,7 +77,7 @@ Dialogue loadValues(SelectorState& state, const std::vector<std::string>& names,
     return Dialogue::open;
 }
 
-/// The part of the dialogue that sets one variable. It is over at the end of input.
+/// Sets one variable. The end of input ends the dialogue.
 Dialogue setValue(SelectorState& state, const std::vector<std::string>& names, std::string_view answer,
                   const SelectorConsole& console) {
     const auto index = readMenuIndex(answer, names.size(), MenuSign::none);
@@ -95,7 +95,7 @@ Dialogue setValue(SelectorState& state, const std::vector<std::string>& names, s
     return Dialogue::open;
 }
 
-/// One round of the dialogue. It is over when the user leaves it.
+/// One round of the dialogue, which ends when the user leaves it.
 Dialogue editOnce(SelectorState& state, const std::vector<std::string>& names,
                   const SelectorConsole& console) {
     std::string text = note("Variables used by selected templates:\n");
@@ -119,7 +119,7 @@ std::string outputName(const std::string& answer) {
     if (answer.empty()) {
         return "generated_task.mq";
     }
-    // Anywhere in the name: "task.mq.old" stays as the user wrote it.
+    // Anywhere in the name, so that "task.mq.old" stays as the user wrote it.
     return answer.find(".mq") == std::string::npos ? answer + ".mq" : answer;
 }
 
@@ -164,7 +164,7 @@ DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console
     }
     console.print("Output filename (default: generated_task.mq): ");
     const auto answer = console.readLine();
-    if (!answer) { // no answer is no consent to overwrite a file
+    if (!answer) { // the end of input is no consent to overwrite a file
         console.print(system::hideCursor);
         return {std::move(state), AfterDialogue::goOn};
     }

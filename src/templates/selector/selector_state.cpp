@@ -12,7 +12,7 @@ namespace morquill::templates {
 
 namespace {
 
-/// A cursor moved by one row; it stops at both ends of a list.
+/// Moves a cursor by one row; it stops at both ends of the list.
 template <class T>
 std::int32_t moved(std::int32_t cursor, std::int32_t by, const std::vector<T>& list) noexcept {
     return std::clamp(cursor + by, 0, std::max(static_cast<std::int32_t>(list.size()) - 1, 0));
@@ -91,7 +91,7 @@ SelectorAction leaveVariables(SelectorState& state) {
     return SelectorAction::none;
 }
 
-/// One key of a screen; keys that are not listed do nothing.
+/// A key of a screen; keys that are not listed do nothing.
 struct KeyRow {
     std::int32_t pressed;
     KeyEffect effect;

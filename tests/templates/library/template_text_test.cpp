@@ -8,7 +8,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-TEST(ScanPlaceholders, GivesSortedUniqueNames) {
+TEST(ScanPlaceholders, ReturnsSortedUniqueNames) {
     EXPECT_THAT(scanPlaceholders("[func]/[basis] [func]", BuiltIns::drop), ElementsAre("basis", "func"));
     EXPECT_THAT(scanPlaceholders("", BuiltIns::drop), ElementsAre());
 }
