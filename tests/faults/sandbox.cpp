@@ -123,7 +123,9 @@ std::string Sandbox::faultsOfTree(const Tree& found) const {
     std::string text;
     for (const auto& path : pathsOf(scenario_.before, after_, found)) {
         const auto entry = at(found, path);
-        if (!isAsAfter(path, entry) && entry != at(scenario_.before, path) && !isUnfinishedCopy(path)) {
+        const auto& others = scenario_.childFiles;
+        const bool isOthers = std::find(others.begin(), others.end(), path) != others.end();
+        if (!isOthers && !isAsAfter(path, entry) && entry != at(scenario_.before, path) && !isUnfinishedCopy(path)) {
             text += path + " is " + describe(entry) + "\n";
         }
     }
@@ -146,8 +148,12 @@ std::string Sandbox::faultsOfNextRun() {
 }
 
 std::string Sandbox::complaints(const RunResult& result) {
+    return faultsOfReport(now(), result) + complaintsOfFiles();
+}
+
+std::string Sandbox::complaintsOfFiles() {
     const Tree found = now();
-    std::string text = faultsOfReport(found, result) + faultsOfTree(found);
+    std::string text = faultsOfTree(found);
     const bool isHalfDone = found != scenario_.before && !isFinished(found);
     if (text.empty() && isHalfDone && scenario_.promise == Promise::wholeOrAsBefore) {
         text = faultsOfNextRun();

@@ -21,6 +21,9 @@ class Sandbox {
     /// What is wrong with the outcome of the last run, one fault a line; empty when all promises are kept.
     [[nodiscard]] std::string complaints(const RunResult& result);
 
+    /// The same for the files alone, after a run that may end in any way.
+    [[nodiscard]] std::string complaintsOfFiles();
+
     /// The undisturbed run, whose report says how many calls there are.
     [[nodiscard]] const RunResult& undisturbed() const noexcept { return undisturbed_; }
     [[nodiscard]] const Scenario& scenario() const noexcept { return scenario_; }
