@@ -166,8 +166,8 @@ std::string commandLine(const CommandEntry& entry) {
     try {
         return console::finishOutput(command(argc, argv));
     } catch (const std::exception& fault) {
-        // Neither a lack of memory nor a failing file system is a fault of the program; whatever else gets here is
-        // one and ends it.
+        // Neither a lack of memory nor a failing file system is a fault of the program; whatever else gets
+        // here is one and ends it.
         if (!isOutOfMemory(fault) && dynamic_cast<const std::system_error*>(&fault) == nullptr) {
             throw;
         }

@@ -113,7 +113,10 @@ int lintFiles(const LintOptions& options) {
     std::unordered_map<std::string, bool> known;
     const taskdsl::FileTest isFile = [&known](const std::string& path) {
         const auto [entry, isNew] = known.try_emplace(path, false);
-        return isNew ? entry->second = isRegularFile(path) : entry->second;
+        if (isNew) {
+            entry->second = isRegularFile(path);
+        }
+        return entry->second;
     };
     std::vector<LintFileReport> reports;
     reports.reserve(files.size());

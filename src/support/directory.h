@@ -24,12 +24,13 @@ struct DirectoryEntry {
 /// `errno`, when it cannot be read.
 [[nodiscard]] std::optional<std::vector<DirectoryEntry>> readDirectory(const std::string& dir);
 
-/// The names in a directory without "." and "..", in ascending byte order; empty when there is no such directory.
-/// Throws `std::system_error`, whose text names the directory, when it is there and cannot be read.
+/// The names in a directory without "." and "..", in ascending byte order; empty when there is no such
+/// directory. Throws `std::system_error`, whose text names the directory, when it is there and cannot be
+/// read.
 [[nodiscard]] std::vector<std::string> listDirectoryEntries(const std::string& dir);
 
-/// Those of them that match a shell pattern (`*` and `?` do not match a slash, they do match a leading dot). Throws
-/// likewise.
+/// Those of them that match a shell pattern (`*` and `?` do not match a slash, they do match a leading dot).
+/// Throws likewise.
 [[nodiscard]] std::vector<std::string> listDirectoryEntries(const std::string& dir,
                                                             const std::string& pattern);
 

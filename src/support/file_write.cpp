@@ -93,8 +93,8 @@ std::optional<std::string> readStart(int fd, std::size_t size) {
     return start;
 }
 
-/// Writes over a file from its first byte on and cuts off what is left of a longer one. The cut is the last step:
-/// behind it the old bytes cannot be put back.
+/// Writes over a file from its first byte on and cuts off what is left of a longer one. The cut is the last
+/// step: behind it the old bytes cannot be put back.
 bool replaceContent(int fd, std::string_view text) noexcept {
     return ::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, text) && reachedTheServer(fd) &&
            ::ftruncate(fd, static_cast<off_t>(text.size())) == 0;

@@ -116,7 +116,7 @@ ChildSignals::ChildSignals() noexcept {
 
 void ChildSignals::watch(pid_t child) noexcept {
     if (const int number = notedSignal; number != 0) { // before the child was there to hear of it
-        signalProcessTree(child, number); // which may have started others by now
+        signalProcessTree(child, number);              // which may have started others by now
     }
     watchedChild = child;
     ::sigprocmask(SIG_SETMASK, &oldMask_, nullptr);

@@ -101,7 +101,8 @@ RunResult runWith(const Fault& fault, const Command& command) {
     auto environment = command.environment;
     environment.push_back("LD_PRELOAD=" + given("MQKIT_INJECTOR"));
     environment.push_back("FAULT_REPORT=/proc/self/fd/" + std::to_string(shared.get()));
-    environment.push_back("FAULT_PLAN=" + fault.callClass + " " + std::to_string(fault.call) + " " + fault.kind);
+    environment.push_back("FAULT_PLAN=" + fault.callClass + " " + std::to_string(fault.call) + " " +
+                          fault.kind);
     const auto wordList = pointers(words);
     const auto environmentList = pointers(environment);
 
@@ -110,7 +111,8 @@ RunResult runWith(const Fault& fault, const Command& command) {
         throw std::runtime_error("no child process");
     }
     if (child == 0) {
-        become(wordList, environmentList, command.directory.c_str(), {input.get(), output.get(), errors.get()});
+        become(wordList, environmentList, command.directory.c_str(),
+               {input.get(), output.get(), errors.get()});
     }
     RunResult result;
     await(child, result);

@@ -1,5 +1,5 @@
-// Every command that writes, with each of its calls failing once: the status and the message are right, every file
-// is as before or as promised, and nothing stays behind that stops the next run.
+// Every command that writes, with each of its calls failing once: the status and the message are right, every
+// file is as before or as promised, and nothing stays behind that stops the next run.
 
 #include "faults/sandbox.h"
 
@@ -57,13 +57,14 @@ bool failCall(Sandbox& sandbox, const Fault& fault) {
     }
     const std::string complaints = sandbox.complaints(result);
     if (!complaints.empty()) {
-        ADD_FAILURE() << complaints << "after " << fault.kind << " in " << result.report.call << ", call " << fault.call
-                      << " of class " << fault.callClass << "; status " << result.status << ", messages:\n"
+        ADD_FAILURE() << complaints << "after " << fault.kind << " in " << result.report.call << ", call "
+                      << fault.call << " of class " << fault.callClass << "; status " << result.status
+                      << ", messages:\n"
                       << result.errors;
     } else if (std::getenv("MQKIT_FAULTS_LIST") != nullptr) {
-        std::cout << "LIST " << sandbox.scenario().name << ' ' << fault.callClass << ' ' << fault.kind << ' ' << fault.call << ' '
-                  << result.report.call << " -> " << result.status << ' ' << result.errors.substr(0, result.errors.find('\n'))
-                  << '\n';
+        std::cout << "LIST " << sandbox.scenario().name << ' ' << fault.callClass << ' ' << fault.kind << ' '
+                  << fault.call << ' ' << result.report.call << " -> " << result.status << ' '
+                  << result.errors.substr(0, result.errors.find('\n')) << '\n';
     }
     return true;
 }

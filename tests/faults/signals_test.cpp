@@ -1,5 +1,5 @@
-// A signal at each call of the workflows and of the selector: the program ends by it, the status files and the
-// terminal are as before, and the next run finishes the work.
+// A signal at each call of the workflows and of the selector: the program ends by it, the status files and
+// the terminal are as before, and the next run finishes the work.
 
 #include "faults/sandbox.h"
 
@@ -53,7 +53,8 @@ TEST_P(Signals, EndTheProgramWithItsFilesInOrder) {
             }
             isReached = true;
             EXPECT_EQ(result.status, 128 + number) << context(fault, result.report) << "\n" << result.errors;
-            EXPECT_EQ(sandbox.complaintsOfFiles(), "") << context(fault, result.report) << "\n" << result.errors;
+            EXPECT_EQ(sandbox.complaintsOfFiles(Children::ended), "") << context(fault, result.report) << "\n"
+                                                                      << result.errors;
         }
     }
     EXPECT_GT(calls, 40);
@@ -82,7 +83,8 @@ TEST_P(Signals, AStopAndABrokenPipeChangeNothing) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Workflows, Signals, ::testing::Values("update", "update_run", "rebuild", "exec", "collect", "add"),
+INSTANTIATE_TEST_SUITE_P(Workflows, Signals,
+                         ::testing::Values("update", "update_run", "rebuild", "exec", "collect", "add"),
                          [](const auto& row) { return row.param; });
 
 } // namespace

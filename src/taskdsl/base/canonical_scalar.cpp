@@ -14,7 +14,9 @@ namespace morquill::taskdsl {
 namespace {
 
 /// What a bare value must not hold.
-constexpr ByteSet quotedBytes([](char c) { return isSpace(c) || c == '"' || c == '#' || c == ',' || c == ':'; });
+constexpr ByteSet quotedBytes([](char c) {
+    return isSpace(c) || c == '"' || c == '#' || c == ',' || c == ':';
+});
 
 bool standsBare(std::string_view text) noexcept {
     return !text.empty() && !quotedBytes.meets(text);

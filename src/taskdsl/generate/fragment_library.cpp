@@ -82,7 +82,8 @@ class LibraryReader {
         if (library.dependencies.count(include.alias) != 0) {
             throw fault(line, "duplicate library namespace '" + include.alias + "'");
         }
-        library.dependencies.emplace(include.alias, loadLibrary(searchName(include), library.path.str(), context));
+        library.dependencies.emplace(include.alias,
+                                     loadLibrary(searchName(include), library.path.str(), context));
     }
 
     std::vector<SourceLine> lines;

@@ -136,7 +136,7 @@ class MatrixExpansion {
         std::map<std::string_view, std::size_t> files;
         std::size_t textOfOne = 0; // of one combination, before substitution
         for (const auto& task : document.templateTasks) {
-            const auto file = files.try_emplace(task.filePath.str(), files.size()).first->second;
+            const auto file = files.try_emplace(task.filePath.view(), files.size()).first->second;
             templates.push_back({&task, holdsBrackets(task), refersToTask(task), file, {}, {}});
             anyRefers = anyRefers || templates.back().refers;
             textOfOne += textSize(task);
