@@ -6,20 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <iostream>
-#include <string_view>
 
 namespace faults {
 namespace {
 
 constexpr int endSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGXCPU};
-
-/// 1 for every signal at every call, otherwise how many calls one signal skips: the signals take turns.
-bool isThorough() {
-    const char* const value = std::getenv("MQKIT_FAULTS");
-    return value != nullptr && std::string_view(value) == "all";
-}
 
 Fault signalAt(int call, int number) {
     return {"any", call, std::to_string(-number)};
