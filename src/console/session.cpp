@@ -33,9 +33,22 @@ namespace {
 
 std::terminate_handler usualEnd = nullptr;
 
-/// Called without an exception when there was no memory even for the exception.
-[[noreturn]] void endWithoutMemory() {
+/// True when there was no memory for the exception itself, or none for the message about it.
+bool endsForLackOfMemory() noexcept {
     if (std::current_exception() == nullptr) {
+        return true;
+    }
+    try {
+        throw;
+    } catch (const std::exception& fault) {
+        return isOutOfMemory(fault);
+    } catch (...) {
+        return false;
+    }
+}
+
+[[noreturn]] void endWithoutMemory() {
+    if (endsForLackOfMemory()) {
         reportErrorInPieces({"out of memory"});
         std::_Exit(1);
     }

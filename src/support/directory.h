@@ -24,8 +24,9 @@ struct DirectoryEntry {
 /// `errno`, when it cannot be read.
 [[nodiscard]] std::optional<std::vector<DirectoryEntry>> readDirectory(const std::string& dir);
 
-/// The names in a directory without "." and "..", in ascending byte order; empty when there is no such directory.
-/// Throws `std::system_error`, whose text names the directory, when it is there and cannot be read.
+/// The names in a directory without "." and "..", in ascending byte order; empty when there is no such
+/// directory. Throws `std::system_error`, whose text names the directory, when it is there and cannot be
+/// read.
 [[nodiscard]] std::vector<std::string> listDirectoryEntries(const std::string& dir);
 
 /// The names that match a shell pattern; `*` and `?` match a leading dot, but no slash. Throws likewise.

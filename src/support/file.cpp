@@ -24,12 +24,13 @@ bool exceedsMemory(off_t size) noexcept {
     return pages > 0 && pageSize > 0 && size / pageSize >= pages;
 }
 
-/// What a path leads to; `none` for what this user may not look at. A path that the system fails to look up must
-/// not pass for a free one: that throws `std::system_error`.
+/// What a path leads to; `none` for what this user may not look at. A path that the system fails to look up
+/// must not pass for a free one: that throws `std::system_error`.
 fs::file_type kindAt(const std::string& path) {
     std::error_code error;
     const auto type = fs::status(path, error).type();
-    const bool isAnswer = !error || type == fs::file_type::not_found || error == std::errc::permission_denied ||
+    const bool isAnswer = !error || type == fs::file_type::not_found ||
+                          error == std::errc::permission_denied ||
                           error == std::errc::too_many_symbolic_link_levels ||
                           error == std::errc::filename_too_long || error == std::errc::invalid_argument;
     if (!isAnswer) {

@@ -46,9 +46,8 @@ std::string inQuotes(std::string_view text) {
 /// True for a word that every reader of this language takes
 /// literally: no white space, quote, `#` or backslash.
 bool isPlainWord(std::string_view text) noexcept {
-    constexpr static ByteSet unusual([](char c) {
-        return (c >= '\0' && c <= ' ') || c == '"' || c == '\'' || c == '#' || c == '\\';
-    });
+    constexpr static ByteSet unusual(
+        [](char c) { return (c >= '\0' && c <= ' ') || c == '"' || c == '\'' || c == '#' || c == '\\'; });
     return !text.empty() && !unusual.meets(text);
 }
 
@@ -288,8 +287,7 @@ std::string heredocOf(const TaskInfo& task, const LongText& row) {
     }
     const SharedText text =
         row.payload == Payload::extraInput ? taskdsl::resolvedExtraInput(task) : task.*row.text;
-    const bool isHeredoc =
-        row.payload != Payload::keywords || lineEnds.meets(text);
+    const bool isHeredoc = row.payload != Payload::keywords || lineEnds.meets(text);
     return isHeredoc ? text.str() : std::string();
 }
 

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 #include <thread>
 
 #include <fcntl.h>
@@ -101,7 +102,8 @@ RunResult runWith(const Fault& fault, const Command& command) {
     auto environment = command.environment;
     environment.push_back("LD_PRELOAD=" + given("MQKIT_INJECTOR"));
     environment.push_back("FAULT_REPORT=/proc/self/fd/" + std::to_string(shared.get()));
-    environment.push_back("FAULT_PLAN=" + fault.callClass + " " + std::to_string(fault.call) + " " + fault.kind);
+    environment.push_back("FAULT_PLAN=" + fault.callClass + " " + std::to_string(fault.call) + " " +
+                          fault.kind);
     const auto wordList = pointers(words);
     const auto environmentList = pointers(environment);
 
@@ -110,7 +112,8 @@ RunResult runWith(const Fault& fault, const Command& command) {
         throw std::runtime_error("no child process");
     }
     if (child == 0) {
-        become(wordList, environmentList, command.directory.c_str(), {input.get(), output.get(), errors.get()});
+        become(wordList, environmentList, command.directory.c_str(),
+               {input.get(), output.get(), errors.get()});
     }
     RunResult result;
     await(child, result);
@@ -119,6 +122,11 @@ RunResult runWith(const Fault& fault, const Command& command) {
     ::lseek(shared.get(), 0, SEEK_SET);
     (void)morquill::readFull(shared.get(), reinterpret_cast<char*>(&result.report), sizeof result.report);
     return result;
+}
+
+bool isThorough() {
+    const char* const value = std::getenv("MQKIT_FAULTS");
+    return value != nullptr && std::string_view(value) == "all";
 }
 
 std::string given(const char* variable) {

@@ -12,7 +12,7 @@ namespace faults {
 struct Fault {
     std::string callClass = "none"; ///< of `classNames`
     int call = 0;                   ///< from 1 on
-    std::string kind = "0";         ///< error number (with `+`: from there on), `-<signal>`, `short` or `full`
+    std::string kind = "0"; ///< error number (with `+`: from there on), `-<signal>`, `short` or `full`
 };
 
 /// A command with its surroundings.
@@ -24,15 +24,18 @@ struct Command {
 };
 
 struct RunResult {
-    int status = 0;      ///< the exit status, or 128 and the signal that ended it; 1000 when it had to be killed
+    int status = 0; ///< the exit status, or 128 and the signal that ended it; 1000 when it had to be killed
     std::string output;
     std::string errors;
     Report report{};
-    int stops = 0;       ///< how often it was stopped, and let go on
+    int stops = 0; ///< how often it was stopped, and let go on
 };
 
 /// Runs a command with a fault. Throws `std::runtime_error` when the surroundings do not let it.
 [[nodiscard]] RunResult runWith(const Fault& fault, const Command& command);
+
+/// True when every call gets every fault; otherwise the faults take turns.
+[[nodiscard]] bool isThorough();
 
 /// The value of an environment variable that tests are given. Throws `std::runtime_error` without one.
 [[nodiscard]] std::string given(const char* variable);

@@ -1,5 +1,5 @@
-// Every command that writes, with each of its calls failing once: the status and the message are right, every file
-// is as before or as promised, and nothing stays behind that stops the next run.
+// Every command that writes, with each of its calls failing once: the status and the message are right, every
+// file is as before or as promised, and nothing stays behind that stops the next run.
 
 #include "faults/sandbox.h"
 
@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <iostream>
-#include <string_view>
 
 namespace faults {
 namespace {
@@ -44,11 +43,6 @@ const std::vector<ClassRow>& classRows() {
     return rows;
 }
 
-bool isThorough() {
-    const char* const value = std::getenv("MQKIT_FAULTS");
-    return value != nullptr && std::string_view(value) == "all";
-}
-
 /// Fails one call; false when the command does not get to it any more.
 bool failCall(Sandbox& sandbox, const Fault& fault) {
     const RunResult result = sandbox.run(fault);
@@ -57,13 +51,14 @@ bool failCall(Sandbox& sandbox, const Fault& fault) {
     }
     const std::string complaints = sandbox.complaints(result);
     if (!complaints.empty()) {
-        ADD_FAILURE() << complaints << "after " << fault.kind << " in " << result.report.call << ", call " << fault.call
-                      << " of class " << fault.callClass << "; status " << result.status << ", messages:\n"
+        ADD_FAILURE() << complaints << "after " << fault.kind << " in " << result.report.call << ", call "
+                      << fault.call << " of class " << fault.callClass << "; status " << result.status
+                      << ", messages:\n"
                       << result.errors;
     } else if (std::getenv("MQKIT_FAULTS_LIST") != nullptr) {
-        std::cout << "LIST " << sandbox.scenario().name << ' ' << fault.callClass << ' ' << fault.kind << ' ' << fault.call << ' '
-                  << result.report.call << " -> " << result.status << ' ' << result.errors.substr(0, result.errors.find('\n'))
-                  << '\n';
+        std::cout << "LIST " << sandbox.scenario().name << ' ' << fault.callClass << ' ' << fault.kind << ' '
+                  << fault.call << ' ' << result.report.call << " -> " << result.status << ' '
+                  << result.errors.substr(0, result.errors.find('\n')) << '\n';
     }
     return true;
 }

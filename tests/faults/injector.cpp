@@ -1,8 +1,9 @@
 // A library for LD_PRELOAD that makes one system call of a program fail, or raises a signal before it.
 //
-// FAULT_PLAN is "<class> <n> <kind>": the n-th call of the class, counted from the start of `main`, gets what the
-// kind says. Kinds are the number of an error, `-<signal>`, and the words of `Kind`. FAULT_REPORT names a file of
-// the size of `Report`, shared with whoever started the program. Child programs run without any of this.
+// FAULT_PLAN is "<class> <n> <kind>": the n-th call of the class, counted from the start of `main`, gets what
+// the kind says. Kinds are the number of an error, `-<signal>`, and the words of `Kind`. FAULT_REPORT names a
+// file of the size of `Report`, shared with whoever started the program. Child programs run without any of
+// this.
 
 #include "faults/injector.h"
 
@@ -113,7 +114,8 @@ void readPlan() noexcept {
     const char* const path = std::getenv("FAULT_REPORT");
     char className[16] = {};
     char kindName[16] = {};
-    if (plan == nullptr || path == nullptr || std::sscanf(plan, "%15s %d %15s", className, &plannedCall, kindName) != 3) {
+    if (plan == nullptr || path == nullptr ||
+        std::sscanf(plan, "%15s %d %15s", className, &plannedCall, kindName) != 3) {
         return;
     }
     const int fd = ::open(path, O_RDWR | O_CLOEXEC);
@@ -123,15 +125,16 @@ void readPlan() noexcept {
         return;
     }
     for (int i = 0; i < faults::classCount; ++i) {
-        plannedClass = std::strcmp(className, faults::classNames[i]) == 0 ? static_cast<CallClass>(i) : plannedClass;
+        plannedClass =
+            std::strcmp(className, faults::classNames[i]) == 0 ? static_cast<CallClass>(i) : plannedClass;
     }
     const int value = std::atoi(kindName);
     number = value < 0 ? -value : value;
-    kind = std::strcmp(kindName, "short") == 0  ? faults::Kind::shortened
-           : std::strcmp(kindName, "full") == 0 ? faults::Kind::full
+    kind = std::strcmp(kindName, "short") == 0     ? faults::Kind::shortened
+           : std::strcmp(kindName, "full") == 0    ? faults::Kind::full
            : std::strchr(kindName, '+') != nullptr ? faults::Kind::forGood
-           : value < 0                          ? faults::Kind::signal
-                                                : faults::Kind::error;
+           : value < 0                             ? faults::Kind::signal
+                                                   : faults::Kind::error;
     ::unsetenv("LD_PRELOAD");
     ::unsetenv("FAULT_PLAN");
     ::unsetenv("FAULT_REPORT");
@@ -156,47 +159,48 @@ int startMain(int argc, char** argv, char** environment) {
 
 extern "C" {
 
-int __libc_start_main(int (*main)(int, char**, char**), int argc, char** argv, int (*init)(int, char**, char**),
-                      void (*fini)(), void (*linkerFini)(), void* stackEnd) {
+int __libc_start_main(int (*main)(int, char**, char**), int argc, char** argv,
+                      int (*init)(int, char**, char**), void (*fini)(), void (*linkerFini)(),
+                      void* stackEnd) {
     programMain = main;
-    return real(__libc_start_main, "__libc_start_main")(startMain, argc, argv, init, fini, linkerFini, stackEnd);
+    return real(__libc_start_main, "__libc_start_main")(startMain, argc, argv, init, fini, linkerFini,
+                                                        stackEnd);
 }
 
 // What is looked up is kept: a look-up may allocate, and a signal handler may be the caller.
-#define REAL(name)                                                                                                   \
-    static auto* const original = real(name, #name)
+#define REAL(name) static auto* const original = real(name, #name)
 
 /// Wraps a call that answers -1 and `errno`.
-#define FAILING(callClass, result, name, parameters, arguments)                                                      \
-    result name parameters {                                                                                         \
-        REAL(name);                                                                                                  \
-        return fails(CallClass::callClass, #name) ? static_cast<result>(-1) : original arguments;                    \
+#define FAILING(callClass, result, name, parameters, arguments)                                              \
+    result name parameters {                                                                                 \
+        REAL(name);                                                                                          \
+        return fails(CallClass::callClass, #name) ? static_cast<result>(-1) : original arguments;            \
     }
 
 /// Wraps a call that answers a null pointer and `errno`.
-#define FAILING_NULL(callClass, result, name, parameters, arguments)                                                 \
-    result name parameters {                                                                                         \
-        REAL(name);                                                                                                  \
-        return fails(CallClass::callClass, #name) ? nullptr : original arguments;                                    \
+#define FAILING_NULL(callClass, result, name, parameters, arguments)                                         \
+    result name parameters {                                                                                 \
+        REAL(name);                                                                                          \
+        return fails(CallClass::callClass, #name) ? nullptr : original arguments;                            \
     }
 
-#define OPENING(name)                                                                                                \
-    int name(const char* path, int flags, ...) {                                                                     \
-        va_list more;                                                                                                \
-        va_start(more, flags);                                                                                       \
-        const auto mode = va_arg(more, mode_t);                                                                      \
-        va_end(more);                                                                                                \
-        REAL(name);                                                                                                  \
-        return fails(CallClass::open, #name) ? -1 : original(path, flags, mode);                                     \
+#define OPENING(name)                                                                                        \
+    int name(const char* path, int flags, ...) {                                                             \
+        va_list more;                                                                                        \
+        va_start(more, flags);                                                                               \
+        const auto mode = va_arg(more, mode_t);                                                              \
+        va_end(more);                                                                                        \
+        REAL(name);                                                                                          \
+        return fails(CallClass::open, #name) ? -1 : original(path, flags, mode);                             \
     }
-#define OPENING_AT(name)                                                                                             \
-    int name(int dir, const char* path, int flags, ...) {                                                            \
-        va_list more;                                                                                                \
-        va_start(more, flags);                                                                                       \
-        const auto mode = va_arg(more, mode_t);                                                                      \
-        va_end(more);                                                                                                \
-        REAL(name);                                                                                                  \
-        return fails(CallClass::open, #name) ? -1 : original(dir, path, flags, mode);                                \
+#define OPENING_AT(name)                                                                                     \
+    int name(int dir, const char* path, int flags, ...) {                                                    \
+        va_list more;                                                                                        \
+        va_start(more, flags);                                                                               \
+        const auto mode = va_arg(more, mode_t);                                                              \
+        va_end(more);                                                                                        \
+        REAL(name);                                                                                          \
+        return fails(CallClass::open, #name) ? -1 : original(dir, path, flags, mode);                        \
     }
 
 OPENING(open)
@@ -217,7 +221,8 @@ FAILING_NULL(read, char*, getcwd, (char* buffer, size_t size), (buffer, size))
 FAILING(stat, int, stat, (const char* path, struct stat* info), (path, info))
 FAILING(stat, int, lstat, (const char* path, struct stat* info), (path, info))
 FAILING(stat, int, fstat, (int fd, struct stat* info), (fd, info))
-FAILING(stat, int, fstatat, (int dir, const char* path, struct stat* info, int flags), (dir, path, info, flags))
+FAILING(stat, int, fstatat, (int dir, const char* path, struct stat* info, int flags),
+        (dir, path, info, flags))
 FAILING(stat, int, access, (const char* path, int mode), (path, mode))
 
 FAILING(room, int, fallocate, (int fd, int mode, off_t start, off_t size), (fd, mode, start, size))
@@ -227,7 +232,8 @@ FAILING(room, int, fsync, (int fd), (fd))
 FAILING(room, int, fdatasync, (int fd), (fd))
 
 FAILING(name, int, rename, (const char* from, const char* to), (from, to))
-FAILING(name, int, renameat, (int fromDir, const char* from, int toDir, const char* to), (fromDir, from, toDir, to))
+FAILING(name, int, renameat, (int fromDir, const char* from, int toDir, const char* to),
+        (fromDir, from, toDir, to))
 FAILING(name, int, renameat2, (int fromDir, const char* from, int toDir, const char* to, unsigned flags),
         (fromDir, from, toDir, to, flags))
 FAILING(name, int, link, (const char* from, const char* to), (from, to))
@@ -252,7 +258,8 @@ FAILING(start, int, chdir, (const char* path), (path))
 FAILING(start, int, execv, (const char* path, char* const arguments[]), (path, arguments))
 FAILING(start, int, execvp, (const char* path, char* const arguments[]), (path, arguments))
 FAILING(wait, pid_t, waitpid, (pid_t child, int* status, int options), (child, status, options))
-FAILING(wait, int, waitid, (idtype_t type, id_t child, siginfo_t* info, int options), (type, child, info, options))
+FAILING(wait, int, waitid, (idtype_t type, id_t child, siginfo_t* info, int options),
+        (type, child, info, options))
 
 FAILING(terminal, int, tcgetattr, (int fd, struct termios* modes), (fd, modes))
 FAILING(terminal, int, tcsetattr, (int fd, int when, const struct termios* modes), (fd, when, modes))

@@ -6,29 +6,30 @@ namespace faults {
 /// Kinds of calls that are counted together.
 enum class CallClass {
     none,
-    any,    ///< all but memory
-    open,   ///< files and directories, for reading and for writing
-    read,   ///< of files, directories and links
+    any,  ///< all but memory
+    open, ///< files and directories, for reading and for writing
+    read, ///< of files, directories and links
     stat,
     write,
-    room,   ///< sizes and places in a file
+    room, ///< sizes and places in a file
     close,
-    name,   ///< renaming and linking
+    name, ///< renaming and linking
     remove,
     mkdir,
-    mode,   ///< permissions and owners
-    fork,   ///< whatever comes before the child is there
-    start,  ///< what the child does to become another program
+    mode,  ///< permissions and owners
+    fork,  ///< whatever comes before the child is there
+    start, ///< what the child does to become another program
     wait,
     terminal, ///< and standard input
-    output, ///< of the standard output's stream
+    output,   ///< of the standard output's stream
     memory,
 };
 
 constexpr int classCount = 18;
 /// By class: its word in a plan.
-constexpr const char* classNames[classCount] = {"none",   "any",   "open", "read", "stat",  "write", "room",     "close",  "name",
-                                                "remove", "mkdir", "mode", "fork", "start", "wait",  "terminal", "output", "memory"};
+constexpr const char* classNames[classCount] = {"none", "any",   "open", "read",     "stat",   "write",
+                                                "room", "close", "name", "remove",   "mkdir",  "mode",
+                                                "fork", "start", "wait", "terminal", "output", "memory"};
 
 /// What happens to the planned call.
 enum class Kind {

@@ -100,7 +100,9 @@ std::string describe(const std::optional<Entry>& entry) {
     if (!entry) {
         return "nothing";
     }
-    const std::string kind = entry->kind == S_IFREG ? "a file" : entry->kind == S_IFDIR ? "a directory" : "a link";
+    const std::string kind = entry->kind == S_IFREG   ? "a file"
+                             : entry->kind == S_IFDIR ? "a directory"
+                                                      : "a link";
     constexpr std::size_t shown = 60;
     std::string start = entry->content.substr(0, shown);
     std::replace(start.begin(), start.end(), '\n', '|');

@@ -32,6 +32,9 @@ std::vector<std::string> matchNames(const std::string& blockDir, const std::stri
 
 std::vector<std::string> matchTree(const std::string& blockDir, const std::string& pattern) {
     std::vector<std::string> matches;
+    if (!isDirectory(blockDir)) {
+        return matches;
+    }
     const std::size_t prefix = joinPath(blockDir, "").size();
     walkTree(blockDir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         const bool maybeFile = kind == EntryKind::file || kind == EntryKind::link;

@@ -23,7 +23,8 @@ bool isForbidden(const std::system_error& failure) noexcept {
     return failure.code() == std::errc::permission_denied;
 }
 
-/// As `anyDirectoryEntry`; a directory that this user may not read has nothing: the way up may lead through one.
+/// As `anyDirectoryEntry`; a directory that this user may not read has nothing: the way up may lead through
+/// one.
 bool anyVisibleEntry(const std::string& dir, const std::function<bool(const std::string&)>& accept) {
     try {
         return anyDirectoryEntry(dir, accept);
@@ -35,11 +36,12 @@ bool anyVisibleEntry(const std::string& dir, const std::function<bool(const std:
     }
 }
 
-/// True for a directory of a project that holds a task file. One that this user may not read is none, which is
-/// reported: it may be somebody's case.
+/// True for a directory of a project that holds a task file. One that this user may not read is none, which
+/// is reported: it may be somebody's case.
 bool isCaseDirectory(const std::string& dir) {
     try {
-        return anyDirectoryEntry(dir, [](const std::string& entry) { return extensionOf(entry) == taskExtension; });
+        return anyDirectoryEntry(
+            dir, [](const std::string& entry) { return extensionOf(entry) == taskExtension; });
     } catch (const std::system_error& failure) {
         if (!isForbidden(failure)) {
             throw;
