@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 namespace morquill::project {
@@ -36,6 +37,15 @@ bool anyVisibleEntry(const std::string& dir, const std::function<bool(const std:
     }
 }
 
+/// Reports, once for each directory, what makes it no case.
+void reportNoCase(const std::string& dir, std::string_view reason) {
+    static std::unordered_set<std::string>
+        reported; // the cases of a project are listed more than once in a run
+    if (reported.insert(dir).second) {
+        console::reportWarning(std::string(reason) + "; it counts as no case");
+    }
+}
+
 /// True for a directory of a project that holds a task file. One that this user may not read is none, which
 /// is reported: it may be somebody's case.
 bool isCaseDirectory(const std::string& dir) {
@@ -46,7 +56,7 @@ bool isCaseDirectory(const std::string& dir) {
         if (!isForbidden(failure)) {
             throw;
         }
-        console::reportWarning(std::string(failure.what()) + "; it counts as no case");
+        reportNoCase(dir, failure.what());
         return false;
     }
 }
