@@ -10,8 +10,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <string_view>
-#include <system_error>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace morquill::project {
@@ -67,8 +67,11 @@ bool writeComdRunnerScript(const std::string& root, const std::vector<std::strin
     if (system::writeNewFile(fresh, text)) {
         return false;
     }
-    std::error_code ignored; // `bash mqkit_update_comd.sh` works without the permission
-    fs::permissions(fresh, static_cast<fs::perms>(0755), fs::perm_options::add, ignored);
+    struct stat info {};
+    if (::stat(fresh.c_str(), &info) == 0) {
+        // A failure does no harm: `bash mqkit_update_comd.sh` works without the permission.
+        (void)::chmod(fresh.c_str(), (info.st_mode & 07777) | 0755);
+    }
     if (::rename(fresh.c_str(), outPath.c_str()) == 0) {
         return true;
     }

@@ -141,6 +141,7 @@ std::vector<Scenario> makeScenarios() {
          .input = "n\n",
          .goesOn = true,
          .childFiles = {"p/seen", "p/m1/opt/comd", "p/m2/opt/comd"},
+         .lists = {"p/mqkit_update_comd.sh"},
          .looseModes = {"p/mqkit_update_comd.sh"}},
         {.name = "update_run",
          .before = project(),

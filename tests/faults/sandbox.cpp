@@ -151,9 +151,18 @@ std::string Sandbox::faultsOfNextRun() {
 }
 
 std::string Sandbox::complaints(const RunResult& result) {
+    Tree found = now();
+    std::string text = faultsOfReport(found, result);
+    if (result.status != 0) {
+        return text + complaintsOfFiles(Children::finished);
+    }
     // What a success leaves out was looked at with its report.
-    return faultsOfReport(now(), result) +
-           complaintsOfFiles(result.status == 0 ? Children::ended : Children::finished);
+    for (const auto& path : scenario_.lists) {
+        if (const auto list = at(after_, path); list && found.contains(path)) {
+            found[path] = *list;
+        }
+    }
+    return text + faultsOfTree(found, Children::ended);
 }
 
 std::string Sandbox::complaintsOfFiles(Children children) {

@@ -6,6 +6,7 @@
 #include "support/paths.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <system_error>
 
 #include <fnmatch.h>
@@ -42,7 +43,7 @@ std::vector<std::string> matchTree(const std::string& blockDir, const std::strin
             isRegularFile(path)) {
             matches.push_back(path.substr(prefix));
         }
-        if (kind == EntryKind::unreadable) {
+        if (kind == EntryKind::unreadable && errno != ENOENT && errno != ENOTDIR) {
             throw std::system_error(lastSystemError(), "could not read directory " + path);
         }
         return true;

@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 namespace morquill::project {
@@ -36,6 +37,26 @@ bool anyVisibleEntry(const std::string& dir, const std::function<bool(const std:
     }
 }
 
+/// The names in a directory in ascending byte order, none in one that this user may not read.
+std::vector<std::string> visibleNames(const std::string& dir) {
+    std::vector<std::string> names;
+    (void)anyVisibleEntry(dir, [&](const std::string& name) {
+        names.push_back(name);
+        return false; // on to the next
+    });
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+/// Reports, once for each directory, what makes it no case.
+void reportNoCase(const std::string& dir, std::string_view reason) {
+    static std::unordered_set<std::string>
+        reported; // the cases of a project are listed more than once in a run
+    if (reported.insert(dir).second) {
+        console::reportWarning(std::string(reason) + "; it counts as no case");
+    }
+}
+
 /// True for a directory of a project that holds a task file. One that this user may not read is none, which
 /// is reported: it may be somebody's case.
 bool isCaseDirectory(const std::string& dir) {
@@ -46,7 +67,7 @@ bool isCaseDirectory(const std::string& dir) {
         if (!isForbidden(failure)) {
             throw;
         }
-        console::reportWarning(std::string(failure.what()) + "; it counts as no case");
+        reportNoCase(dir, failure.what());
         return false;
     }
 }
@@ -147,26 +168,24 @@ ProjectTarget caseTarget(std::string dir, std::string file) {
 
 std::vector<std::string> listProjectTemplates(const std::string& dir) {
     std::vector<std::string> templates;
-    (void)anyVisibleEntry(dir, [&](const std::string& name) {
+    for (const std::string& name : visibleNames(dir)) {
         std::string path = joinPath(dir, name);
         if (extensionOf(name) == templateExtension && isRegularFile(path)) {
             templates.push_back(std::move(path));
         }
-        return false; // on to the next
-    });
-    std::sort(templates.begin(), templates.end());
+    }
     return templates;
 }
 
 std::vector<std::string> listTaskFiles(const std::string& dir) {
-    std::vector<std::string> names = listDirectoryEntries(dir, "*");
+    std::vector<std::string> names = visibleNames(dir);
     std::erase_if(names, [](const std::string& name) { return extensionOf(name) != taskExtension; });
     return names;
 }
 
 std::vector<std::string> listCaseDirectories(const std::string& root) {
     std::vector<std::string> cases;
-    for (const std::string& name : listDirectoryEntries(root, "*")) {
+    for (const std::string& name : visibleNames(root)) {
         std::string path = joinPath(root, name);
         if (name.front() != '.' && isCaseDirectory(path)) {
             cases.push_back(std::move(path));
