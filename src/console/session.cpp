@@ -21,8 +21,8 @@ namespace {
     try {
         return finishOutput(command(argc, argv));
     } catch (const std::exception& fault) {
-        // Neither a lack of memory nor a failing file system is a fault of the program; whatever else gets here is
-        // one and ends it.
+        // Neither a lack of memory nor a failing file system is a fault of the program; whatever else gets
+        // here is one and ends it.
         if (!isOutOfMemory(fault) && dynamic_cast<const std::system_error*>(&fault) == nullptr) {
             throw;
         }
