@@ -156,7 +156,7 @@ ended() {
 \$ true
 
 [mqkit] finished: executed 2/2 block(s) successfully." \
-        "[mqkit][WARN] could not read directory $root/closed: Permission denied; it counts as no case" \
+        "[mqkit][WARN] could not read directory $root/closed: Permission denied; no case is looked for there" \
         project exec -n opt -- true
     chmod 0755 closed
 }

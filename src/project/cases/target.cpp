@@ -48,12 +48,25 @@ std::vector<std::string> visibleNames(const std::string& dir) {
     return names;
 }
 
-/// Reports, once for each directory, what makes it no case.
-void reportNoCase(const std::string& dir, std::string_view reason) {
+/// Reports, once for each directory, why its cases are left out.
+void reportLeftOut(const std::string& dir, std::string_view reason) {
     static std::unordered_set<std::string>
         reported; // the cases of a project are listed more than once in a run
     if (reported.insert(dir).second) {
-        console::reportWarning(std::string(reason) + "; it counts as no case");
+        console::reportWarning(std::string(reason) + "; no case is looked for there");
+    }
+}
+
+/// The names in a project; none, after a warning, in one that this user may not read.
+std::vector<std::string> namesIn(const std::string& root) {
+    try {
+        return listDirectoryEntries(root);
+    } catch (const std::system_error& failure) {
+        if (!isForbidden(failure)) {
+            throw;
+        }
+        reportLeftOut(root, failure.what());
+        return {};
     }
 }
 
@@ -67,7 +80,7 @@ bool isCaseDirectory(const std::string& dir) {
         if (!isForbidden(failure)) {
             throw;
         }
-        reportNoCase(dir, failure.what());
+        reportLeftOut(dir, failure.what());
         return false;
     }
 }
@@ -185,7 +198,7 @@ std::vector<std::string> listTaskFiles(const std::string& dir) {
 
 std::vector<std::string> listCaseDirectories(const std::string& root) {
     std::vector<std::string> cases;
-    for (const std::string& name : visibleNames(root)) {
+    for (const std::string& name : namesIn(root)) {
         std::string path = joinPath(root, name);
         if (name.front() != '.' && isCaseDirectory(path)) {
             cases.push_back(std::move(path));
