@@ -16,7 +16,7 @@ namespace {
 /// A function of its own, so that the log session is destroyed before an exception reaches the caller, which
 /// may not throw: the objects of that one would not be.
 [[gnu::noinline]] int runGuarded(std::string_view toolName, int argc, char** argv,
-                                   int (*command)(int argc, char** argv)) {
+                                 int (*command)(int argc, char** argv)) {
     const LogSession session(toolName, argc, argv, LogLevel::Warning, LogLevel::Skip);
     try {
         return finishOutput(command(argc, argv));

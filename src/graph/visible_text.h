@@ -9,7 +9,8 @@ namespace morquill::graph {
 
 /// The text in valid UTF-8 that every picture format takes: what a reader cannot see or what is not UTF-8 is
 /// shown byte by byte as `\x1b`. These are control characters, line and paragraph separators, the marks that
-/// turn the direction of writing, the two code points that XML does not allow, and bytes that form no character.
+/// turn the direction of writing, the two code points that XML does not allow, and bytes that form no
+/// character.
 [[nodiscard]] std::string visibleText(std::string_view text);
 
 /// The same, and of a text with more than `limit` characters only the first ones, followed by "...".
