@@ -57,6 +57,10 @@ std::string_view unquote(std::string_view text) noexcept {
     return text;
 }
 
+bool isIndented(std::string_view line) noexcept {
+    return line.starts_with(' ') || line.starts_with('\t');
+}
+
 std::string_view directiveName(std::string_view text) noexcept {
     return !text.empty() && text.front() == '%' ? text.substr(1) : std::string_view{};
 }

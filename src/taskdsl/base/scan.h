@@ -20,6 +20,9 @@ namespace morquill::taskdsl {
 /// The trimmed text without one surrounding pair of double or single quotes. There are no escapes.
 [[nodiscard]] std::string_view unquote(std::string_view text) noexcept;
 
+/// True when the line, as it was written, begins with a blank or a tab.
+[[nodiscard]] bool isIndented(std::string_view line) noexcept;
+
 /// The text after a leading `%`; empty when the line is not a directive.
 [[nodiscard]] std::string_view directiveName(std::string_view text) noexcept;
 /// The trimmed text after a leading `$`, without one pair of double quotes; empty when the line is

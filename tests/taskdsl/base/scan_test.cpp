@@ -49,6 +49,14 @@ TEST(Classifiers, DirectiveAndHeader) {
     EXPECT_EQ(taskHeaderName("opt"), "");
 }
 
+TEST(Classifiers, IndentedIsWhatBeginsWithABlankOrATab) {
+    EXPECT_TRUE(isIndented(" a"));
+    EXPECT_TRUE(isIndented("\ta"));
+    EXPECT_FALSE(isIndented("a b"));
+    EXPECT_FALSE(isIndented("\va"));
+    EXPECT_FALSE(isIndented(""));
+}
+
 TEST(Classifiers, MatchWordTakesAnyWhiteSpace) {
     EXPECT_TRUE(matchWord("guess\tx", "guess"));
     EXPECT_TRUE(matchWord("guess", "guess"));
