@@ -108,16 +108,7 @@ bool isIdentifier(std::string_view text) noexcept {
 }
 
 bool isDottedIdentifier(std::string_view text) noexcept {
-    for (;;) {
-        const auto dot = text.find('.');
-        if (!isIdentifier(text.substr(0, dot))) {
-            return false;
-        }
-        if (dot == std::string_view::npos) {
-            return true;
-        }
-        text.remove_prefix(dot + 1);
-    }
+    return allDottedParts(text, isIdentifier);
 }
 
 } // namespace morquill::taskdsl

@@ -44,6 +44,21 @@ namespace morquill::taskdsl {
 
 /// True for a letter followed by letters, digits, `_` and `-`.
 [[nodiscard]] bool isIdentifier(std::string_view text) noexcept;
+/// True when the test holds for every part of the text between its dots; without a dot, for the whole text.
+template <class Test>
+[[nodiscard]] bool allDottedParts(std::string_view text, const Test& test) {
+    for (;;) {
+        const auto dot = text.find('.');
+        if (!test(text.substr(0, dot))) {
+            return false;
+        }
+        if (dot == std::string_view::npos) {
+            return true;
+        }
+        text.remove_prefix(dot + 1);
+    }
+}
+
 /// True for identifiers joined by `.`.
 [[nodiscard]] bool isDottedIdentifier(std::string_view text) noexcept;
 

@@ -15,7 +15,6 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::string_view mainSlot = "main";
 constexpr std::string_view basisKey = "basisset";
 
 constexpr auto targetWords = wordTable<ModTargetKind>({

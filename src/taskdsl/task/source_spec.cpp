@@ -18,7 +18,6 @@ namespace {
 constexpr std::string_view xyzPrefix = "xyz=";
 constexpr std::string_view frameKey = "frame";
 constexpr std::string_view framePrefix = "frame=";
-constexpr std::string_view mainSlot = "main";
 constexpr std::string_view geomKey = "geom";
 constexpr std::string_view geomPrefix = "geom.";
 

@@ -72,6 +72,21 @@ TEST(Classifiers, TextBehindAWordInAnyCase) {
     EXPECT_EQ(textBehindWord("def", "defined"), std::nullopt);
 }
 
+TEST(DottedParts, AreAllTestedAndMayBeEmpty) {
+    const auto isShort = [](std::string_view part) { return part.size() < 3; };
+    EXPECT_TRUE(allDottedParts("aa.b", isShort));
+    EXPECT_TRUE(allDottedParts("aa", isShort));
+    EXPECT_TRUE(allDottedParts("", isShort));
+    EXPECT_FALSE(allDottedParts("aaa.b", isShort));
+    EXPECT_FALSE(allDottedParts("a.bbb", isShort));
+    const auto isFilled = [](std::string_view part) { return !part.empty(); };
+    EXPECT_TRUE(allDottedParts("a.b.c", isFilled));
+    EXPECT_FALSE(allDottedParts("a.b.", isFilled));
+    EXPECT_FALSE(allDottedParts("a..b", isFilled));
+    EXPECT_FALSE(allDottedParts(".a", isFilled));
+    EXPECT_FALSE(allDottedParts("", isFilled));
+}
+
 TEST(AssignedValue, IsQuotedOrEndsAtWhiteSpace) {
     struct Row {
         std::string_view text;
