@@ -232,17 +232,9 @@ bool isUsing(const plot::PlotCallArgument& argument) noexcept {
     return argument.named && argument.name == "using";
 }
 
-const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
-                                       const SourceSpan& span) {
-    if (const auto* text = plot::nameOrString(expression)) {
-        return *text;
-    }
-    plotError(span, std::string(label) + " must be an identifier or string literal");
-}
-
 const ParameterProfile& requireProfile(const ExprRef& value, std::string_view function,
                                        const DeriveSurface& surface, const SourceSpan& span) {
-    const auto& name = requireNameOrString(value, "using profile", span);
+    const auto& name = plot::requireNameOrString(value, "using profile", span);
     const auto found = surface.profiles.find(name);
     if (found == surface.profiles.end()) {
         plotError(span, "unknown parameter profile " + singleQuoted(name));

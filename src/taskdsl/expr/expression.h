@@ -121,6 +121,9 @@ struct PrintedExpression {
 
 /// The text of an identifier or a string; null for any other expression.
 [[nodiscard]] const std::string* nameOrString(const ExprRef& expression) noexcept;
+/// The same; throws `DiagnosticError` "<label> must be an identifier or string literal" for anything else.
+[[nodiscard]] const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
+                                                     const SourceSpan& span);
 
 /// Rebuilds a tree from its leaves up: `replace` is given every node, its children replaced already, and
 /// gives what stands in its place (the node itself to keep it). Nodes below which nothing changed are shared,

@@ -203,7 +203,7 @@ class Parser {
     }
 
   private:
-    /// The result when the text ends behind it.
+    /// The result when the text ends after it.
     ExprRef whole(ExprRef result) const {
         if (token_.kind != PlotTokenKind::end) {
             const bool string = token_.kind == PlotTokenKind::string;

@@ -33,7 +33,7 @@ std::size_t indentOf(std::string_view rawLine) noexcept {
     return indent;
 }
 
-/// The parenthesis depth behind a line that was entered with `depth`; negative when one is closed that was
+/// The parenthesis depth after a line that was entered with `depth`; negative when one is closed that was
 /// never opened.
 std::int64_t scanLine(std::string_view text, std::int64_t depth, const SourceSpan& span,
                       std::string_view language) {

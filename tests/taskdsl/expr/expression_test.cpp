@@ -331,6 +331,18 @@ TEST(PlotExpression, OnlyNamesAndStringsHaveAText) {
     EXPECT_EQ(nameOrString(nullptr), nullptr);
 }
 
+TEST(PlotExpression, WhereANameOrStringIsAskedForNothingElsePasses) {
+    EXPECT_EQ(requireNameOrString(read("a.b"), "selector", somewhere), "a.b");
+    EXPECT_EQ(requireNameOrString(read("'a b'"), "selector", somewhere), "a b");
+    try {
+        (void)requireNameOrString(read("1"), "selector", somewhere);
+        FAIL() << "a number passed";
+    } catch (const DiagnosticError& error) {
+        EXPECT_EQ(error.message(), "selector must be an identifier or string literal");
+        EXPECT_EQ(error.span(), somewhere);
+    }
+}
+
 TEST(PlotExpression, MappingRebuildsWhatChangedAndSharesTheRest) {
     const auto source = read("f(a, x=b) + -c * (d - a)");
     const auto renamed = mapExpression(source, [](const ExprRef& node) {
