@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/shared.h"
+#include "support/text.h"
 #include "taskdsl/base/source_span.h"
 
 #include <cstddef>
@@ -96,6 +97,11 @@ inline constexpr std::size_t maxExpressionDepth = 1000;
 /// parentheses goes on with the expression that the call begins. The text begins with "(".
 /// Throws `DiagnosticError` as `parsePlotExpression`.
 [[nodiscard]] ExprRef parseCallOf(std::string name, std::string_view text, const SourceSpan& span);
+
+/// `[A-Za-z0-9_.:]` and brackets: the bytes of a name after its first.
+[[nodiscard]] constexpr bool isExpressionNameChar(char c) noexcept {
+    return isDottedWordChar(c) || c == ':' || c == '[' || c == ']';
+}
 
 /// True for a text that is one name of an expression: a letter, `_` or `[`, then letters, digits and `_.:[]`.
 [[nodiscard]] bool isExpressionName(std::string_view text) noexcept;
