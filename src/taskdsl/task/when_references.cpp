@@ -13,7 +13,7 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::string_view braces = "{{";
+constexpr std::string_view openBraces = "{{";
 constexpr std::string_view completedWord = "completed";
 
 /// The two forms in which a condition names a task: `{{ <task>.<property> }}` and `completed <task>`.
@@ -32,11 +32,11 @@ struct ReferenceSite {
 /// The next site whose pattern begins at `from` or later. The character before "completed" belongs
 /// to the pattern.
 std::optional<ReferenceSite> nextBraces(std::string_view text, std::size_t from) noexcept {
-    const auto at = text.find(braces, from);
+    const auto at = text.find(openBraces, from);
     if (at == std::string_view::npos) {
         return std::nullopt;
     }
-    const auto first = at + braces.size();
+    const auto first = at + openBraces.size();
     return ReferenceSite{at, first, skipSpace(text, first), ReferenceForm::braces};
 }
 
