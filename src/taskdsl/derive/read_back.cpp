@@ -46,8 +46,7 @@ bool holdsUnusualName(const plot::PlotExpression& node) {
 
 /// The place after a name with the arguments of its call, or after a text in parentheses.
 std::size_t endOfOperand(std::string_view text, std::size_t at) noexcept {
-    const auto isChar = [](char c) { return isDottedWordChar(c) || c == ':' || c == '[' || c == ']'; };
-    while (at < text.size() && isChar(text[at])) {
+    while (at < text.size() && plot::isExpressionNameChar(text[at])) {
         ++at;
     }
     if (at == text.size() || text[at] != '(') {

@@ -20,7 +20,7 @@ namespace morquill::taskdsl {
 /// One directive seen in a task block, kept for the explain view and for lint.
 struct TaskDirective {
     std::string_view name; ///< keyword without the `%`; a text with static lifetime
-    TextSlice value;       ///< the text behind the keyword on the directive's own line
+    TextSlice value;       ///< the text after the keyword on the directive's own line
     SourceSpan span;
 
     friend bool operator==(const TaskDirective&, const TaskDirective&) = default;
