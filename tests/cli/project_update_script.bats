@@ -1,5 +1,6 @@
 # `mqkit_update_comd.sh`: a new file in whole, or none.
 bats_require_minimum_version 1.5.0
+load expect
 load siblings
 
 setup() {

@@ -1,10 +1,11 @@
 # The selector in a real terminal: what the user sees, the file that is written, and the terminal afterwards.
+load expect
 
 setup() {
-    export NO_COLOR=1 HOME="$BATS_TEST_TMPDIR" TMUX_TMPDIR="$BATS_TEST_TMPDIR" LC_ALL=C.UTF-8
+    setup_plain
+    export TMUX_TMPDIR="$BATS_TEST_TMPDIR" LC_ALL=C.UTF-8
     unset TMUX
     server=selector
-    cd "$BATS_TEST_TMPDIR"
     mkdir -p tpl/many
     printf 'autorun: false\n\n$opt\n  %%keywords "opt [func]/[basis]"\n' >tpl/opt.mq
     printf 'name: "my dft"\ndescription: "Hybrid"\nvariables:\n  func: PBE0\n  basis: "a:b"\n' >tpl/dft.yaml
