@@ -71,6 +71,21 @@ shows() {
     diff <(echo "$expected") <(screen)
 }
 
+# shows_list: the same of the page of templates, whose title and controls never change.
+shows_list() {
+    { printf '=== Morquill interactive template selector ===\n\n'; cat; cat <<'TEXT'; } | shows
+
+Controls:
+  ↑/↓  Move cursor
+  Space Select/unselect template
+  p     Preview selected templates
+  v     Edit variables
+  t     Choose variable template
+  Enter Generate task file
+  q     Quit
+TEXT
+}
+
 # ended <status>: the program is over, the terminal is as before and shows its cursor.
 ended() {
     see "and done"
@@ -84,45 +99,23 @@ program() { pgrep -P "$(tmux -L "$server" display-message -p '#{pane_pid}')" mqk
 @test "start, move, tick, quit" {
     printf '$a\n' >tpl/many/a.mq
     start
-    shows <<'TEXT'
-=== Morquill interactive template selector ===
-
+    shows_list <<'TEXT'
 Selected templates (0):
   (none)
 
 Available templates (1/2):
 →   opt (General) [variables: 2]
     a (many)
-
-Controls:
-  ↑/↓  Move cursor
-  Space Select/unselect template
-  p     Preview selected templates
-  v     Edit variables
-  t     Choose variable template
-  Enter Generate task file
-  q     Quit
 TEXT
     [ "$(cursor)" -eq 0 ]
     keys Down Space
-    shows <<'TEXT'
-=== Morquill interactive template selector ===
-
+    shows_list <<'TEXT'
 Selected templates (1):
   ✓ a
 
 Available templates (2/2):
     opt (General) [variables: 2]
 → ✓ a (many)
-
-Controls:
-  ↑/↓  Move cursor
-  Space Select/unselect template
-  p     Preview selected templates
-  v     Edit variables
-  t     Choose variable template
-  Enter Generate task file
-  q     Quit
 TEXT
     keys Up
     see "→   opt"
