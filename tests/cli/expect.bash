@@ -13,7 +13,7 @@ setup_plain() {
 # setup_deep: the same, so deep that no search upwards leaves the directory of the test.
 setup_deep() { setup_plain 1/2/3/4/5/6; }
 
-# setup_colored: what a terminal's user has, instead of what setup_plain sets.
+# setup_colored: as at a terminal that shows colours.
 setup_colored() {
     unset NO_COLOR
     export TERM=xterm SHELL=/bin/sh

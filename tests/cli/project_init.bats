@@ -48,7 +48,7 @@ project template: $root/tasks/clusters/clusters.projmq
 [INFO] start the generated project now? (y/n): 
 END
     names_below "$root/tasks" >tree
-    diff - names_below <<END
+    diff - tree <<END
 clusters/
 clusters/clusters.projmq
 clusters/water1/
