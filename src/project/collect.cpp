@@ -123,8 +123,7 @@ int runProjectCollect(const ProjectOptions& options) {
     }
     const auto caseDirs = chooseCases(chosen->root);
     if (options.patterns.empty()) {
-        throw console::UsageError(console::ErrorTag::plain,
-                                  "project collect requires at least one glob pattern.");
+        throw console::plainRefusal("project collect requires at least one glob pattern.");
     }
     const auto results = joinPath(chosen->root, "results");
     if (!makeDirectory(results)) { // also in a dry run
