@@ -128,17 +128,8 @@ Found unknownVersion(const LintedFile& file) {
 
 // Tasks.
 
-/// The task's first directive of that name.
-const TaskDirective* findDirective(const TaskInfo& task, std::string_view name) {
-    const auto& directives = task.directives.get();
-    const auto found =
-        std::find_if(directives.begin(), directives.end(),
-                     [name](const TaskDirective& directive) { return directive.name == name; });
-    return found == directives.end() ? nullptr : &*found;
-}
-
 bool hasDirective(const LintedTask& linted, std::string_view name) {
-    return findDirective(linted.task, name) != nullptr;
+    return firstDirective(linted.task, name) != nullptr;
 }
 
 /// A finding at the task's header.
@@ -151,7 +142,7 @@ Found atDirective(std::string_view name, bool broken, const LintedTask& linted, 
     if (!broken) {
         return std::nullopt;
     }
-    const TaskDirective* directive = findDirective(linted.task, name);
+    const TaskDirective* directive = firstDirective(linted.task, name);
     return LintFinding{
         directive == nullptr ? linted.task.headerSpan : directive->span, std::string(value), {}, {}};
 }
@@ -254,7 +245,7 @@ Found keywordBraces(const LintedTask& linted) {
     if (program != TaskProgram::gaussian && program != TaskProgram::orca) {
         return std::nullopt;
     }
-    const TaskDirective* keywords = findDirective(linted.task, "keywords");
+    const TaskDirective* keywords = firstDirective(linted.task, "keywords");
     return atDirective("keywords", keywords != nullptr && hasBraceList(keywords->value), linted);
 }
 

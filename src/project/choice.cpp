@@ -4,6 +4,7 @@
 #include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/cases/task_catalog.h"
+#include "project/phrases.h"
 #include "support/text.h"
 
 #include <utility>
@@ -34,7 +35,7 @@ std::optional<ChosenBlocks> chooseBlocks(const ProjectOptions& options) {
 std::vector<std::string> chooseCases(const std::string& root) {
     auto caseDirs = listCaseDirectories(root);
     if (caseDirs.empty()) {
-        throw console::plainRefusal("no case subdirectories were found in project: " + root);
+        throw console::plainRefusal(noCases(root));
     }
     return caseDirs;
 }

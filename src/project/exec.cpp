@@ -52,7 +52,7 @@ void execInBlock(const ProjectOptions& options, const std::string& caseDir, cons
     const auto blockDir = joinPath(caseDir, task);
     if (!isDirectory(blockDir)) {
         summary.missing += 1;
-        console::printSkip(caseName + " / $" + task + " : block directory is missing");
+        console::printSkip(missingBlock(blockLabel(caseName, task)));
         return;
     }
     const auto command = resolveCommand(options.command, task, caseName);

@@ -56,7 +56,7 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
     if (!isDirectory(blockDir)) {
         summary.blocksMissing += 1;
         const auto kind = options.dryRun ? console::MessageKind::dryRun : console::MessageKind::skip;
-        console::printMessage(kind, label + " : block directory is missing");
+        console::printMessage(kind, missingBlock(label));
         return;
     }
     summary.blocksVisited += 1;
@@ -84,7 +84,7 @@ std::optional<RebuildSummary> cleanCases(const WorkPlace& place, const std::vect
         summary.statusTouched += *records > 0 ? 1 : 0;
         summary.recordsRemoved += static_cast<std::int32_t>(*records);
         for (const auto& task : selected) {
-            cleanBlock(joinPath(caseDir, task), baseName(caseDir) + " / $" + task, options, summary);
+            cleanBlock(joinPath(caseDir, task), blockLabel(baseName(caseDir), task), options, summary);
         }
     }
     console::printLine();

@@ -94,6 +94,10 @@ std::string replaceAll(std::string_view text, std::string_view from, std::string
     }
 }
 
+std::string oneLine(std::string_view text) {
+    return replaceAll(replaceAll(text, "\n", "\\n"), "\r", "\\r");
+}
+
 std::string shellQuote(std::string_view text) {
     return "'" + replaceAll(text, "'", R"('\'')") + "'";
 }

@@ -95,6 +95,13 @@ namespace morquill {
 /// Replaces every occurrence of `from` (left to right, without overlap); an empty `from` changes nothing.
 [[nodiscard]] std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);
 
+/// The text with its line feeds and carriage returns shown as `\n` and `\r`.
+[[nodiscard]] std::string oneLine(std::string_view text);
+/// True for a file name pattern: a text with one of the characters `*?[`.
+[[nodiscard]] constexpr bool hasWildcard(std::string_view text) noexcept {
+    return text.find_first_of("*?[") != std::string_view::npos;
+}
+
 /// Quotes the text as one word of a POSIX shell: in single quotes, with an inner one written as '\''.
 [[nodiscard]] std::string shellQuote(std::string_view text);
 

@@ -1,9 +1,9 @@
 #include "views/canonical_writer.h"
 
-#include "support/byte_set.h"
 #include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/base/shell_words.h"
@@ -27,8 +27,6 @@ using taskdsl::TaskProgram;
 
 namespace {
 
-constexpr ByteSet lineEnds(std::string_view("\n\r"));
-
 // The forms of a directive. Directives are indented by two blanks, the lines of their blocks by four.
 
 /// Writes `  %<directive> <value>`, with the value quoted by the scalar rule.
@@ -45,11 +43,11 @@ void addFilledScalar(LineBuilder& text, std::string_view directive, std::string_
 
 /// The terminator is always EOF, so a text with such a line does not survive the rewrite.
 void addHeredoc(LineBuilder& text, std::string_view directive, std::string_view body) {
-    text.line("  %", directive, " << EOF");
+    text.line("  %", directive, " << ", taskdsl::heredocEnd);
     if (!body.empty()) {
         text.line(body);
     }
-    text.line("EOF");
+    text.line(taskdsl::heredocEnd);
 }
 
 void addFilledHeredoc(LineBuilder& text, std::string_view directive, std::string_view body) {
@@ -230,7 +228,7 @@ void writeKeywords(LineBuilder& text, const TaskInfo& task) {
     if (task.keywords.view().starts_with("<<")) {
         // Unquoted, it would open a heredoc.
         text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords));
-    } else if (!lineEnds.meets(task.keywords)) {
+    } else if (!taskdsl::lineEnds.meets(task.keywords)) {
         addFilledScalar(text, "keywords", task.keywords);
     } else {
         addHeredoc(text, "keywords", task.keywords);
@@ -326,8 +324,7 @@ class DocumentPrinter {
             writeMatrix(text_, document_);
         }
         text_.line();
-        const auto& tasks =
-            isSource && !document_.templateTasks.empty() ? document_.templateTasks : document_.tasks;
+        const auto& tasks = isSource ? declaredTasks(document_) : document_.tasks;
         const bool hasBlocks = !document_.plots.empty() || !document_.derives.empty();
         for (const TaskInfo& task : tasks) {
             printTask(task);

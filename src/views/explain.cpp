@@ -13,7 +13,6 @@
 #include "taskdsl/parser/task_parser.h"
 #include "taskdsl/task/source_spec.h"
 
-#include <algorithm>
 #include <exception>
 #include <optional>
 #include <span>
@@ -91,8 +90,7 @@ ExplainOptions readCommandLine(int argc, char** argv) {
 }
 
 ExplainView makeView(const TaskDocument& document, const ExplainOptions& options) {
-    const auto& tasks =
-        options.expanded || document.templateTasks.empty() ? document.tasks : document.templateTasks;
+    const auto& tasks = options.expanded ? document.tasks : declaredTasks(document);
     ExplainView view{document, {}, options.expanded};
     for (const TaskInfo& task : tasks) {
         if (options.taskName.empty() || task.name == options.taskName) {
@@ -107,9 +105,7 @@ constexpr std::size_t typicalTaskSize = 1024; ///< bytes in print
 /// The source as its directive has it: unlike the canonical writer,
 /// this view does not show an "origin" that is not in the file.
 std::string declaredSource(const TaskInfo& task) {
-    const bool declared = std::any_of(task.directives.begin(), task.directives.end(),
-                                      [](const taskdsl::TaskDirective& d) { return d.name == "source"; });
-    if (!declared) {
+    if (firstDirective(task, "source") == nullptr) {
         return {};
     }
     requireNumericFrame(task.source);

@@ -70,8 +70,7 @@ bool isFaithfulAxis(const MatrixAxis& axis, bool isLong) {
 
 void reportLostHeadLines(const ReadBackContext& context) {
     const auto report = [&context](std::string_view what, std::string_view key) {
-        const auto shown = replaceAll(replaceAll(key, "\n", "\\n"), "\r", "\\r");
-        context.warnings(std::string(what) + " '" + shown +
+        context.warnings(std::string(what) + " '" + oneLine(key) +
                          "' does not read back: the prelude reads its line as something else");
     };
     const auto& document = context.document;
