@@ -119,7 +119,7 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
 /// Checks a file by its text, or reports without one why it cannot be read.
 LintFileReport lintSource(const std::optional<std::string_view>& text, const std::string& path,
                           const taskdsl::WarningSink& warnings, const taskdsl::FileTest& isFile) {
-    LintFileReport report{path, {}, false};
+    LintFileReport report{.path = path, .issues = {}, .parsed = false};
     try {
         LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
         // Only a file that declares the old version is read with its tolerance.

@@ -23,8 +23,8 @@ using console::writeOut;
 namespace {
 
 struct LintOptions {
-    bool strict = false;
-    bool quiet = false;
+    Strictness strictness = Strictness::lenient;
+    TextDetail detail = TextDetail::issues;
     std::string format = "text";
     bool dropsWarnings = false; ///< the parser's, as no line of the log may get into the JSON
     std::vector<std::string> paths;
@@ -50,10 +50,10 @@ constexpr std::string_view lintHelp = R"(  Lint .mq files and directories.
 )";
 
 void setStrict(LintOptions& options, console::Words /*values*/) {
-    options.strict = true;
+    options.strictness = Strictness::strict;
 }
 void setQuiet(LintOptions& options, console::Words /*values*/) {
-    options.quiet = true;
+    options.detail = TextDetail::summaryOnly;
 }
 void setFormat(LintOptions& options, console::Words values) {
     // Only this spelling keeps the log silent, even when a later --format overrides it.
@@ -115,9 +115,9 @@ int lintFiles(const LintOptions& options) {
     for (const auto& file : files) {
         reports.push_back(lintFile(file, warnings, isFile));
     }
-    const LintSummary summary = summariseLint(reports, options.strict);
+    const LintSummary summary = summariseLint(reports, options.strictness);
     writeOut(options.format == "json" ? renderLintJson(reports, summary)
-                                      : renderLintText(reports, summary, options.quiet));
+                                      : renderLintText(reports, summary, options.detail));
     return summary.errors == 0 ? 0 : 1;
 }
 

@@ -115,9 +115,9 @@ void writeMatrix(LineBuilder& text, const TaskDocument& document) {
         }
         return;
     }
-    const bool isLong = needsLongMatrix(document);
+    const MatrixForm form = matrixForm(document);
     for (const auto& axis : axes) {
-        text.line(canonicalAxis(axis, isLong));
+        text.line(canonicalAxis(axis, form));
     }
 }
 
@@ -391,14 +391,16 @@ std::string canonicalDefine(std::string_view key, std::string_view value) {
     return "  " + std::string(key) + ": " + taskdsl::quoteUnquotedScalar(value);
 }
 
-bool needsLongMatrix(const TaskDocument& document) noexcept {
-    return std::any_of(
-        document.matrixAxes.begin(), document.matrixAxes.end(),
-        [](const taskdsl::MatrixAxis& axis) { return !axis.names.empty() || !axis.map.empty(); });
+MatrixForm matrixForm(const TaskDocument& document) noexcept {
+    const bool needsList =
+        std::any_of(document.matrixAxes.begin(), document.matrixAxes.end(),
+                    [](const taskdsl::MatrixAxis& axis) { return !axis.names.empty() || !axis.map.empty(); });
+    return needsList ? MatrixForm::list : MatrixForm::lines;
 }
 
-std::string canonicalAxis(const taskdsl::MatrixAxis& axis, bool isLong) {
-    std::string lines = (isLong ? "  - " : "  ") + axis.key + ": " + taskdsl::joinCanonicalList(axis.values);
+std::string canonicalAxis(const taskdsl::MatrixAxis& axis, MatrixForm form) {
+    std::string lines = (form == MatrixForm::list ? "  - " : "  ") + axis.key + ": " +
+                        taskdsl::joinCanonicalList(axis.values);
     if (!axis.names.empty()) {
         lines += "\n    name: " + taskdsl::joinCanonicalList(axis.names);
     }

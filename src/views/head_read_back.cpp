@@ -62,8 +62,8 @@ bool readsAsAxis(const std::string& lines, const MatrixAxis& axis) {
 }
 
 /// True when the matrix prints this axis with a line that reads back.
-bool isFaithfulAxis(const MatrixAxis& axis, bool isLong) {
-    return isPlainKey(axis.key) || readsAsAxis(canonicalAxis(axis, isLong), axis);
+bool isFaithfulAxis(const MatrixAxis& axis, MatrixForm form) {
+    return isPlainKey(axis.key) || readsAsAxis(canonicalAxis(axis, form), axis);
 }
 
 } // namespace
@@ -88,9 +88,9 @@ void reportLostHeadLines(const ReadBackContext& context) {
     if (context.view != CanonicalView::sourceView) {
         return;
     }
-    const bool isLong = needsLongMatrix(document);
+    const MatrixForm form = matrixForm(document);
     for (const auto& axis : document.matrixAxes) {
-        if (!isFaithfulAxis(axis, isLong)) {
+        if (!isFaithfulAxis(axis, form)) {
             report("matrix axis", axis.key);
         }
     }
