@@ -1,5 +1,6 @@
 #pragma once
 
+#include "console/console.h"
 #include "console/messages.h"
 #include "support/fault.h"
 #include "support/text.h"
@@ -72,6 +73,21 @@ int runCommandLine(const Run& run, void (*help)(std::string_view programPath), s
             help(programPath);
         }
         return status;
+    }
+}
+
+/// Reads a command line by `read()` and returns what it returns. Where the words hold a help word, a refusal
+/// is reported and becomes a `HelpRequest`. Throws `UsageError`.
+template <class Read>
+auto readOrHelp(Words words, const Read& read) {
+    try {
+        return read();
+    } catch (const UsageError& error) {
+        if (std::none_of(words.begin(), words.end(), isHelpToken)) {
+            throw;
+        }
+        reportUsageError(error);
+        throw HelpRequest();
     }
 }
 

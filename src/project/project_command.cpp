@@ -1,13 +1,11 @@
 #include "project/project_command.h"
 
 #include "console/command_line.h"
-#include "console/console.h"
 #include "console/messages.h"
 #include "project/choice.h"
 #include "project/workflows.h"
 #include "support/fault.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <exception>
 
@@ -31,17 +29,9 @@ constexpr LineShape updateShape{readUpdateWords, HelpWord::nowhere};
 /// Reads a line of the shape. Throws `HelpRequest`, after the message of the refusal, where a help word makes
 /// the line ask for help; otherwise `UsageError`.
 ProjectOptions readShape(const LineShape& shape, int argc, char** argv) {
-    try {
-        return shape.read(argc, argv);
-    } catch (const console::UsageError& error) {
-        const auto words = console::wordsFrom(argc, argv, 1);
-        if (shape.helpWord == HelpWord::nowhere ||
-            std::none_of(words.begin(), words.end(), console::isHelpToken)) {
-            throw;
-        }
-        console::reportUsageError(error);
-        throw console::HelpRequest();
-    }
+    const auto read = [&] { return shape.read(argc, argv); };
+    return shape.helpWord == HelpWord::nowhere ? read()
+                                               : console::readOrHelp(console::wordsFrom(argc, argv, 1), read);
 }
 
 int runShape(const LineShape& shape, int argc, char** argv) {

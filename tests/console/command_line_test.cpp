@@ -128,6 +128,17 @@ TEST(CommandLine, ALineIsRunOrRefusedWithOrWithoutTheHelp) {
     EXPECT_EQ(outcome(silent, HelpAfter::emptyRefusal), "help of tool\n1");
 }
 
+TEST(CommandLine, AHelpWordTurnsARefusalIntoARequestForHelp) {
+    const char* plain[] = {"a", "-H"};
+    const char* asking[] = {"a", "--help"};
+    const auto refused = []() -> int { throw plainRefusal("no path"); };
+    EXPECT_EQ(readOrHelp(asking, [] { return 7; }), 7);
+    EXPECT_EQ(outcome([&] { return readOrHelp(plain, refused); }, HelpAfter::emptyRefusal),
+              "[mqkit][ERROR] no path\n1");
+    EXPECT_EQ(outcome([&] { return readOrHelp(asking, refused); }, HelpAfter::emptyRefusal),
+              "[mqkit][ERROR] no path\nhelp of tool\n0");
+}
+
 TEST(CommandLine, TheSecondPathOfALineIsRefused) {
     const char* words[] = {"", "-h"};
     std::optional<std::string> path;

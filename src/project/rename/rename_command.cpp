@@ -33,27 +33,14 @@ constexpr std::string_view renameHelp = R"(# Usage:
       Equivalent to: `@ rename demo.projmq old_block new_block`
 )";
 
-/// Reads and runs a line. Where it holds a help word, a refusal asks for help, after its message.
-int runWords(int argc, char** argv, RenameOptions (*read)(int argc, const char* const* argv),
-             RenameOptions& options) {
-    try {
-        options = read(argc, argv);
-        return renameBlock(options);
-    } catch (const console::UsageError& error) {
-        const auto words = console::wordsFrom(argc, argv, 1);
-        if (std::none_of(words.begin(), words.end(), console::isHelpToken)) {
-            throw;
-        }
-        console::reportUsageError(error);
-        throw console::HelpRequest();
-    }
-}
-
 int runFrame(int argc, char** argv, RenameOptions (*read)(int argc, const char* const* argv)) {
     RenameOptions options;
+    const auto run = [&] {
+        options = console::readOrHelp(console::wordsFrom(argc, argv, 1), [&] { return read(argc, argv); });
+        return renameBlock(options);
+    };
     try {
-        return console::runCommandLine([&] { return runWords(argc, argv, read, options); }, printRenameHelp,
-                                       argv[0], console::HelpAfter::anyRefusal);
+        return console::runCommandLine(run, printRenameHelp, argv[0], console::HelpAfter::anyRefusal);
     } catch (const std::exception& failure) {
         console::reportError(ErrorTag::coloured, faultText(failure, options.file));
         return 1;
