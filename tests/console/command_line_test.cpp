@@ -167,7 +167,7 @@ TEST(FindByPrefix, FindsANameOrTheOnlyPrefixInAnyCase) {
         int number; // 0: none
         std::vector<std::string> names;
     };
-    const Row rows[] = {
+    const Row lookups[] = {
         {"list", 1, {"list"}},
         {"LIST", 1, {"list"}},
         {"liste", 2, {"lister"}},
@@ -176,7 +176,7 @@ TEST(FindByPrefix, FindsANameOrTheOnlyPrefixInAnyCase) {
         {"lis", 0, {"list", "lister"}},
         {"", 0, {"list", "lister", "merge"}},
     };
-    for (const Row& row : rows) {
+    for (const Row& row : lookups) {
         const auto match = findByPrefix(names, row.word);
         EXPECT_EQ(match.row == nullptr ? 0 : match.row->number, row.number) << row.word;
         EXPECT_EQ(match.names, row.names) << row.word;
