@@ -104,6 +104,10 @@ std::string singleQuoted(std::string_view text) {
     return result;
 }
 
+std::string oneLine(std::string_view text) {
+    return replaceAll(replaceAll(text, "\n", "\\n"), "\r", "\\r");
+}
+
 std::string shellQuote(std::string_view text) {
     return "'" + replaceAll(text, "'", R"('\'')") + "'";
 }

@@ -118,6 +118,12 @@ template <std::size_t N>
 
 /// The text between single quotes, as messages show a name; quotes within it stay as they are.
 [[nodiscard]] std::string singleQuoted(std::string_view text);
+/// The text with its line feeds and carriage returns shown as `\n` and `\r`.
+[[nodiscard]] std::string oneLine(std::string_view text);
+/// True for a file name pattern: a text with one of the characters `*?[`.
+[[nodiscard]] constexpr bool hasWildcard(std::string_view text) noexcept {
+    return text.find_first_of("*?[") != std::string_view::npos;
+}
 
 /// Quotes the text as one word of a POSIX shell: in single quotes, with an inner one written as '\''.
 [[nodiscard]] std::string shellQuote(std::string_view text);

@@ -109,5 +109,20 @@ TEST(Text, SplitLinesNeedsNoFinalFeedAndMakesNoEmptyLastLine) {
     EXPECT_THAT(splitLines("\n"), ElementsAre(""));
 }
 
+TEST(Text, OneLineShowsTheEndsOfLines) {
+    EXPECT_EQ(oneLine("a\nb\r\n"), "a\\nb\\r\\n");
+    EXPECT_EQ(oneLine("\\n\t"), "\\n\t");
+    EXPECT_EQ(oneLine(""), "");
+}
+
+TEST(Text, AWildcardIsAnyOfThreeCharacters) {
+    for (const char* pattern : {"opt*", "?", "a[bc]", "["}) {
+        EXPECT_TRUE(hasWildcard(pattern)) << pattern;
+    }
+    for (const char* name : {"", "opt", "a]", "\\", "{a,b}", "~"}) {
+        EXPECT_FALSE(hasWildcard(name)) << name;
+    }
+}
+
 } // namespace
 } // namespace morquill

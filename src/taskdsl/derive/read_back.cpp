@@ -105,7 +105,7 @@ void ReadBackCheck::warn() const {
     }
     const std::string line =
         "derive '" + std::string(derive_) + "' does not read back: " + join(reasons_, "; ");
-    warnings_(replaceAll(replaceAll(line, "\n", "\\n"), "\r", "\\r"));
+    warnings_(oneLine(line));
 }
 
 void ReadBackCheck::reportStatement(std::string_view statement) {
