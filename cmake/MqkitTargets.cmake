@@ -14,8 +14,10 @@ endif()
 add_library(mqkit_flags INTERFACE)
 target_link_libraries(mqkit_flags INTERFACE mqkit_warnings)
 if(MQKIT_SANITIZE)
+    # A function called once is not put into its caller: its variables, with the guards around them, would be on the
+    # stack at every level of a recursion.
     target_compile_options(mqkit_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
-                                                 -fno-omit-frame-pointer)
+                                                 -fno-omit-frame-pointer -fno-inline-functions-called-once)
 endif()
 if(MQKIT_FUZZ)
     target_compile_options(mqkit_flags INTERFACE -fsanitize=fuzzer-no-link,address,undefined)

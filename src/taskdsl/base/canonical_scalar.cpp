@@ -18,7 +18,7 @@ constexpr ByteSet quotedBytes([](char c) {
     return isSpace(c) || c == '"' || c == '#' || c == ',' || c == ':';
 });
 
-bool standsBare(std::string_view text) noexcept {
+bool isBareScalar(std::string_view text) noexcept {
     return !text.empty() && !quotedBytes.meets(text);
 }
 
@@ -70,7 +70,7 @@ std::string quoteSettingScalar(std::string_view text) {
 }
 
 void appendCanonicalScalar(std::string& out, std::string_view text) {
-    if (standsBare(text)) {
+    if (isBareScalar(text)) {
         out += text;
     } else {
         appendQuoted(out, text);

@@ -9,13 +9,13 @@
 namespace morquill::taskdsl::derive {
 namespace {
 
-struct Fault {
+struct StatementFault {
     const char* text;
     const char* message;
 };
 
 template <std::size_t N>
-void expectFaults(StatementReader read, const Fault (&faults)[N]) {
+void expectFaults(StatementReader read, const StatementFault (&faults)[N]) {
     for (const auto& [text, message] : faults) {
         EXPECT_EQ(readerFault(read, text), atStatement(message)) << text;
     }
