@@ -122,11 +122,7 @@ void addClasses(LineBuilder& out, const StudyGraph& graph) {
 } // namespace
 
 std::string mermaidLabel(const std::vector<std::string>& lines) {
-    std::string label = "\"";
-    for (const auto& line : lines) {
-        label.append(&line == &lines.front() ? "" : "<br/>").append(escaped(line));
-    }
-    return label += '"';
+    return quotedLabel(lines, "<br/>", escaped);
 }
 
 std::string renderMermaid(const StudyGraph& graph) {

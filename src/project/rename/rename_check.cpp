@@ -52,10 +52,6 @@ constexpr ForbiddenBytes forbiddenBytes[] = {
     {",", "','"},
 };
 
-bool isControl(char c) noexcept {
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
-}
-
 /// The lines on which the block is written.
 std::set<std::int32_t> linesOf(const std::vector<WrittenHeader>& headers, const std::string& name) {
     std::set<std::int32_t> lines;
