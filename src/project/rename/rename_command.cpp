@@ -1,6 +1,7 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "project/cases/target.h"
 #include "project/rename/rename.h"
 #include "support/fault.h"
 
@@ -84,7 +85,7 @@ void printRenameHelp(std::string_view programPath) {
 }
 
 bool hasTaskFileSuffix(std::string_view token) noexcept {
-    return !token.starts_with('-') && (token.ends_with(".mq") || token.ends_with(".projmq"));
+    return !token.starts_with('-') && (token.ends_with(taskExtension) || token.ends_with(templateExtension));
 }
 
 bool isRenameShape(console::Words arguments) noexcept {
