@@ -13,7 +13,7 @@ namespace morquill::graph {
 
 namespace {
 
-/// What stands in front of the label of an edge, behind it, and the whole arrow of an edge without one.
+/// What precedes the label of an edge, what follows it, and the whole arrow of an edge without one.
 struct Arrow {
     std::string_view open;
     std::string_view close;

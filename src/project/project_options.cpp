@@ -142,12 +142,12 @@ bool endsList(std::string_view token) {
 }
 
 /// At least one value, whatever it is, and the following ones up to the next option or template.
-std::optional<std::size_t> severalValues(Words behind) noexcept {
-    if (behind.empty()) {
+std::optional<std::size_t> severalValues(Words following) noexcept {
+    if (following.empty()) {
         return std::nullopt;
     }
     return static_cast<std::size_t>(
-        std::distance(behind.begin(), std::find_if(behind.begin() + 1, behind.end(), endsList)));
+        std::distance(following.begin(), std::find_if(following.begin() + 1, following.end(), endsList)));
 }
 
 using console::askHelp;

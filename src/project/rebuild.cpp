@@ -12,7 +12,6 @@
 #include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
-#include "support/text.h"
 #include "system/prompt.h"
 
 #include <optional>

@@ -53,8 +53,8 @@ void setNames(RenameOptions& options, console::Words values) {
     options.newName = values[1];
 }
 
-std::optional<std::size_t> twoValues(console::Words behind) noexcept {
-    return behind.size() < 2 ? std::nullopt : std::optional<std::size_t>(2);
+std::optional<std::size_t> twoValues(console::Words following) noexcept {
+    return following.size() < 2 ? std::nullopt : std::optional<std::size_t>(2);
 }
 
 constexpr std::string_view namesMissing = "-r/--rename expects two values: <old_block> <new_block>";
