@@ -7,7 +7,7 @@
 #include "taskdsl/plot/render.h"
 #include "taskdsl/plot/substitute_plot.h"
 
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
 
 #include <cstdint>
 #include <cstdio>

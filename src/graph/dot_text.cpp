@@ -1,6 +1,7 @@
 #include "graph/dot_text.h"
 
 #include "graph/box_look.h"
+#include "graph/visible_text.h"
 #include "support/line_builder.h"
 
 #include <iterator>
@@ -83,11 +84,7 @@ void addFoot(LineBuilder& out, const StudyGraph& graph) {
 } // namespace
 
 std::string dotLabel(const std::vector<std::string>& lines) {
-    std::string label = "\"";
-    for (const auto& line : lines) {
-        label.append(&line == &lines.front() ? "" : "\\n").append(escapedForDot(line));
-    }
-    return label += '"';
+    return quotedLabel(lines, "\\n", escapedForDot);
 }
 
 std::string renderDot(const StudyGraph& graph) {

@@ -13,7 +13,7 @@ namespace morquill::graph {
 
 namespace {
 
-/// What stands in front of the label of an edge, behind it, and the whole arrow of an edge without one.
+/// What precedes the label of an edge, what follows it, and the whole arrow of an edge without one.
 struct Arrow {
     std::string_view open;
     std::string_view close;
@@ -122,11 +122,7 @@ void addClasses(LineBuilder& out, const StudyGraph& graph) {
 } // namespace
 
 std::string mermaidLabel(const std::vector<std::string>& lines) {
-    std::string label = "\"";
-    for (const auto& line : lines) {
-        label.append(&line == &lines.front() ? "" : "<br/>").append(escapedForMermaid(line));
-    }
-    return label += '"';
+    return quotedLabel(lines, "<br/>", escapedForMermaid);
 }
 
 std::string renderMermaid(const StudyGraph& graph) {

@@ -4,6 +4,7 @@
 #include "project/cases/target.h"
 #include "project/workflows.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
 
 #include <unordered_set>

@@ -4,6 +4,7 @@
 #include "console/console.h"
 #include "project/cases/target.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -129,7 +130,7 @@ void chooseOnce(const ProjectOptions& options) {
 }
 
 bool namesTemplate(std::string_view token) noexcept {
-    return !token.starts_with('-') && token.ends_with(".projmq");
+    return !token.starts_with('-') && token.ends_with(templateExtension);
 }
 
 /// Ends the values of an option that takes several.
@@ -141,12 +142,12 @@ bool endsList(std::string_view token) {
 }
 
 /// At least one value, whatever it is, and the following ones up to the next option or template.
-std::optional<std::size_t> severalValues(Words behind) noexcept {
-    if (behind.empty()) {
+std::optional<std::size_t> severalValues(Words following) noexcept {
+    if (following.empty()) {
         return std::nullopt;
     }
     return static_cast<std::size_t>(
-        std::distance(behind.begin(), std::find_if(behind.begin() + 1, behind.end(), endsList)));
+        std::distance(following.begin(), std::find_if(following.begin() + 1, following.end(), endsList)));
 }
 
 using console::askHelp;
@@ -229,14 +230,14 @@ class ProjectPathTest {
         if (token.empty() || token.starts_with('-')) {
             return false;
         }
-        if (token.ends_with(".projmq")) {
+        if (token.ends_with(templateExtension)) {
             return true;
         }
         const std::string path = absoluteLocation(token);
         if (!isRegularFile(path)) {
             return isDirectory(path) && liesInProject(path);
         }
-        if (extensionOf(path) == ".mq") {
+        if (extensionOf(path) == taskExtension) {
             return true;
         }
         const auto [known, isNew] = filesInProject_.try_emplace(parentPath(path));

@@ -30,7 +30,7 @@ namespace {
 
 struct ExplainOptions {
     std::string taskName; ///< empty for all tasks
-    std::string format = "text";
+    console::ReportFormat format = console::ReportFormat::text;
     bool expanded = false;
     std::string inputPath;
 };
@@ -47,11 +47,11 @@ void setTask(ExplainOptions& options, console::Words values) {
 }
 
 void setFormat(ExplainOptions& options, console::Words values) {
-    const std::string_view value = values.front();
-    if (value != "text" && value != "json") {
-        throw console::bareRefusal("unsupported explain format: " + std::string(value));
+    const auto format = console::reportFormats.findExact(values.front());
+    if (!format) {
+        throw console::bareRefusal("unsupported explain format: " + std::string(values.front()));
     }
-    options.format = value;
+    options.format = *format;
 }
 
 void setExpanded(ExplainOptions& options, console::Words /*values*/) {
@@ -183,7 +183,7 @@ std::string renderText(const ExplainView& view) {
     return out.take();
 }
 
-/// The lines of one task's JSON object, each with a comma behind it but the last.
+/// The lines of one task's JSON object, each but the last followed by a comma.
 class TaskJson {
   public:
     explicit TaskJson(LineBuilder& out) : out_(out) {}
@@ -310,7 +310,7 @@ int explainFile(const ExplainOptions& options) {
     if (view.tasks.empty() && !options.taskName.empty()) {
         throw console::bareRefusal("task not found in explain view: " + options.taskName);
     }
-    writeOut(options.format == "json" ? renderJson(view) : renderText(view));
+    writeOut(options.format == console::ReportFormat::json ? renderJson(view) : renderText(view));
     return 0;
 }
 

@@ -31,8 +31,9 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-std::string inQuotes(std::string_view text) {
-    return "'" + oneLine(text) + "'";
+/// A text as messages show it.
+std::string shown(std::string_view text) {
+    return singleQuoted(oneLine(text));
 }
 
 // What passes without being read. A test may refuse a text that would read back, but never the reverse.
@@ -238,7 +239,7 @@ constexpr std::array<PartRow, 18> parts{{
 Texts changedParts(const TaskInfo& printed, const TaskInfo& read) {
     Texts reasons;
     if (read.name != printed.name) {
-        reasons.push_back("the name reads back as " + inQuotes(read.name));
+        reasons.push_back("the name reads back as " + shown(read.name));
     }
     for (const auto& part : parts) {
         if (printsPayload(printed.program, part.payload) && !part.same(printed, read)) {
@@ -246,7 +247,7 @@ Texts changedParts(const TaskInfo& printed, const TaskInfo& read) {
         }
     }
     if (read.strucId != printed.strucId) {
-        reasons.push_back("%meta strucid reads back as " + inQuotes(read.strucId));
+        reasons.push_back("%meta strucid reads back as " + shown(read.strucId));
     }
     return reasons;
 }
@@ -289,7 +290,7 @@ std::optional<std::string> findHeredocLine(const TaskInfo& task, const LongText&
     const std::string text = heredocOf(task, row);
     for (const auto line : splitLines(text)) {
         if (test(line)) {
-            return std::string(row.what) + " holds a line " + inQuotes(trim(line));
+            return std::string(row.what) + " holds a line " + shown(trim(line));
         }
     }
     return std::nullopt;
@@ -410,7 +411,7 @@ void reportLostOfTask(const ReadBackContext& context, const TaskInfo& task, std:
     }
     addReplacedKeys(context, task, printed, reasons);
     if (!reasons.empty()) {
-        context.warnings("task " + inQuotes(task.name) + " does not read back: " + join(reasons, "; "));
+        context.warnings("task " + shown(task.name) + " does not read back: " + join(reasons, "; "));
     }
 }
 
@@ -419,7 +420,7 @@ void reportReplacedKey(const ReadBackContext& context, std::string_view what, st
     const ValueMap& defines = context.document.defines;
     const auto key = firstDefinedKey(printed, defines);
     if (key && taskdsl::substituteBrackets(printed, defines) != printed) {
-        context.warnings(std::string(what) + " " + inQuotes(name) +
+        context.warnings(std::string(what) + " " + shown(name) +
                          " does not read back: " + replacedKey("it", *key));
     }
 }

@@ -3,6 +3,7 @@
 #include "console/messages.h"
 #include "support/directory.h"
 #include "support/file.h"
+#include "support/paths.h"
 
 #include <algorithm>
 #include <functional>
@@ -15,8 +16,6 @@ namespace morquill::project {
 
 namespace {
 
-constexpr std::string_view taskExtension = ".mq";
-constexpr std::string_view templateExtension = ".projmq";
 constexpr int projectLevels = 6; // the start and five above it
 constexpr int caseLevels = 4;
 
@@ -100,7 +99,7 @@ bool hasTaskFile(const std::string& dir) {
 }
 
 bool looksLikeCase(const std::string& dir) {
-    return hasTaskFile(dir) || isRegularFile(joinPath(dir, "mq.status")) ||
+    return hasTaskFile(dir) || isRegularFile(joinPath(dir, statusFileName)) ||
            isDirectory(joinPath(dir, ".morq/store")) || isDirectory(joinPath(dir, "Results"));
 }
 

@@ -1,5 +1,6 @@
 #include "project/status/status_file.h"
 
+#include "project/cases/target.h"
 #include "support/file.h"
 #include "support/text.h"
 
@@ -84,7 +85,7 @@ std::string_view taskStatusName(TaskStatus status) noexcept {
 }
 
 std::string statusFilePath(const std::string& caseDir) {
-    return caseDir + "/mq.status";
+    return std::string(caseDir).append("/").append(statusFileName);
 }
 
 TaskNameSet parseCompletedTasks(std::string_view text) {

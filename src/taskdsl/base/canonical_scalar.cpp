@@ -29,11 +29,6 @@ bool hasPairOfSingleQuotes(std::string_view text) noexcept {
     return text.size() >= 2 && text.front() == '\'' && text.back() == '\'';
 }
 
-/// Bytes that YAML refuses in a bare text.
-bool isControl(char c) noexcept {
-    return (c >= '\0' && c < ' ') || c == '\x7f';
-}
-
 /// True when YAML reads the bare text as something other than this text: an indicator at its start, a
 /// null, or a control character.
 bool isMoreThanTextInYaml(std::string_view text) noexcept {

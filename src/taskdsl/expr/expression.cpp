@@ -1,5 +1,6 @@
 #include "taskdsl/expr/expression.h"
 
+#include "support/match.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/expr/expression_walk.h"

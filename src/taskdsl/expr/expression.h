@@ -93,8 +93,8 @@ inline constexpr std::size_t maxExpressionDepth = 1000;
 /// Throws `DiagnosticError` with the span of the statement for the leftmost fault.
 [[nodiscard]] ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span);
 
-/// Reads the text as what stands behind the name of a function: `(a, b=c)` is the call. Text behind the
-/// parentheses goes on with the expression that the call begins. The text begins with "(".
+/// Reads the text as what follows the name of a function: `(a, b=c)` is the call. Text after the
+/// parentheses continues the expression that the call begins. The text begins with "(".
 /// Throws `DiagnosticError` as `parsePlotExpression`.
 [[nodiscard]] ExprRef parseCallOf(std::string name, std::string_view text, const SourceSpan& span);
 

@@ -1,6 +1,5 @@
 #include "taskdsl/generate/removed_include.h"
 
-#include "support/text.h"
 #include "taskdsl/base/scan.h"
 
 #include <filesystem>

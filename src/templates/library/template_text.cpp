@@ -1,6 +1,7 @@
 #include "templates/library/template_text.h"
 
 #include "support/text.h"
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/generate/define_block.h"
 
@@ -46,9 +47,8 @@ bool HeredocWalk::takesLine(std::string_view line) {
     }
     const auto directive = taskdsl::cleanLine(line);
     const auto value = trim(directive.substr(std::min(directive.find(' '), directive.size())));
-    if (value.starts_with("<<")) {
-        const auto word = trim(value.substr(2));
-        terminator_ = word.empty() ? "EOF" : word;
+    if (taskdsl::opensHeredoc(value)) {
+        terminator_ = taskdsl::heredocTerminator(value);
     }
     return false;
 }

@@ -1,7 +1,6 @@
 // let, require and report as records and in print.
 
-#include "fixtures/blocks.h"
-#include "fixtures/derive_reader.h"
+#include "fixtures/derive_fixture.h"
 #include "taskdsl/derive/derive_output.h"
 
 #include <gtest/gtest.h>

@@ -13,15 +13,8 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using ::testing::StartsWith;
 
-struct Section {
-    ValueMap settings;
-    Collections collections;
-};
-
-Section readSection(const std::string& text, const std::string& path = "t.mq", std::size_t firstLine = 1) {
-    Section section;
-    readYamlSection(text, path, firstLine, section.settings, section.collections);
-    return section;
+YamlSection readSection(const std::string& text, const std::string& path = "t.mq", std::size_t firstLine = 1) {
+    return readYamlSection(text, path, firstLine);
 }
 
 TEST(YamlSection, ScalarsAndInnerMappingsAreSettings) {
@@ -61,13 +54,6 @@ TEST(YamlSection, ASequenceIsACollectionWithItsPositions) {
                                                      ValueMap{{"index", "2"}, {"name", "oh"}, {"at.x", "1"}},
                                                      ValueMap{{"index", "5"}, {"value", "last"}})),
                             Pair("none", IsEmpty())));
-}
-
-TEST(YamlSection, AddsToWhatIsThereAndTheNewValueCounts) {
-    Section section{{{"a", "old"}, {"b", "kept"}}, {{"l", {{{"value", "old"}}}}}};
-    readYamlSection("a: new\nl: [x]\n", "t.mq", 1, section.settings, section.collections);
-    EXPECT_EQ(section.settings, (ValueMap{{"a", "new"}, {"b", "kept"}}));
-    EXPECT_THAT(section.collections.at("l"), ElementsAre(ValueMap{{"index", "1"}, {"value", "x"}}));
 }
 
 TEST(YamlSection, FaultsHaveTheLineOfTheFile) {
