@@ -55,7 +55,7 @@ long_options() { grep -oE -e '(^| |\[)--[a-z][a-z-]*' | tr -d ' [' | grep -v -e 
     [ -z "$(offered 'mqkit explain `touch${IFS}made` --task ')" ]
     [ ! -e made ]
     cp a.mq "$HOME/study.mq"
-    [ "$(offered 'mqkit explain ~/study.mq --task s')" = scan ]
+    [ "$(offered 'mqkit explain ~/study.mq --task b')" = bond_scan ]
 }
 
 @test "behind -- a command of its own is completed" {

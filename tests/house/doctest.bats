@@ -58,7 +58,7 @@ $opt
 ```
 
 ```mq part-of=examples/matrix/functional_basis.mq
-$opt
+$opt_min
   %source origin
   %keywords "[functional]/[basis] em=[dispersion] [grid] opt"
 ```
