@@ -1,6 +1,8 @@
 #!/usr/bin/env bats
 # What the pages have to show; that it is true is the work of script/doctest.
 
+load links
+
 setup() {
     cd "$MQKIT_SOURCE"
 }
@@ -53,11 +55,9 @@ END
 }
 
 @test "every link leads somewhere" {
-    for page in README.md CONTRIBUTING.md docs/*.md; do
-        grep -oE '\]\([^)#: ]+' "$page" | sed 's/^](//' | while read -r target; do
-            [ -e "$(dirname "$page")/$target" ] || { echo "$page: $target"; exit 1; }
-        done
-    done
+    diff <(dead_links README.md CONTRIBUTING.md CHANGELOG.md docs/*.md) /dev/null
+    printf '# A page: `one`\n[1](#a-page-one) [2](#a-page) [3](none.md) [4](page.md#a-page-one)\n' >"$BATS_TEST_TMPDIR/page.md"
+    [ "$(cd "$BATS_TEST_TMPDIR" && dead_links page.md)" = $'page.md: #a-page\npage.md: none.md' ]
 }
 
 # drawing <picture>: its text, of a drawing by Graphviz without the places, which are those of its version and fonts.
