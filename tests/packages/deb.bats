@@ -64,3 +64,24 @@ files_there() { find "$root" -path "$root/var" -prune -o ! -type d -print; }
         zsh -f "$MQKIT_SOURCE/tests/packages/zsh_offers.zsh" "$root/usr/share/zsh/vendor-completions")
     [ "$found" = $'opt\n.\nsvg\n.' ]
 }
+
+@test "with the package alone a hook stops a bad commit, and vim has colours" {
+    dpkg_there -i "$package"
+    export PATH="$root/usr/bin:/usr/bin:/bin" HOME=$BATS_TEST_TMPDIR GIT_CONFIG_GLOBAL=/dev/null GIT_CONFIG_NOSYSTEM=1
+    unset MQKIT
+    mkdir "$BATS_TEST_TMPDIR/study"
+    cd "$BATS_TEST_TMPDIR/study"
+    git init -q .
+    cp "$root/usr/share/mqkit/hooks/pre-commit" .git/hooks/
+    printf '$opt_min # the first step\n  %%source best\n  %%keywords hf\n' >study.mq
+    git add study.mq
+    run git -c user.name=Ada -c user.email=ada@example.org commit -m x
+    [ "$status" -eq 1 ]
+    [ "${lines[0]}" = "study.mq:2:3: error [missing-source-task] source task does not exist: best" ]
+    sed -i 's/best/origin/' study.mq
+    git add study.mq
+    git -c user.name=Ada -c user.email=ada@example.org commit -q -m x
+    vim -Nu NONE -i NONE -n -es --cmd "set runtimepath^=$root/usr/share/vim/vimfiles" --cmd 'filetype plugin on' \
+        --cmd 'syntax on' study.mq -c 'call writefile([&filetype, synIDattr(synID(1, 11, 1), "name")], "out")' -c 'qa!'
+    [ "$(cat out)" = $'mq\nmqComment' ]
+}
