@@ -272,7 +272,7 @@ step_document() {
     check "every one ends well" 0 $?
     drained
     cd "$home/projects/clusters" || exit 1
-    for block in {preopt,opt,energy,summary}__{r2scan,wb97x}; do
+    for block in {preopt,opt_min,energy,summary}__{r2scan,wb97x}; do
         check "$block of the page" "4 0 0 0 0" "$(table_row "$block")"
     done
     cd "$project" || exit 1
