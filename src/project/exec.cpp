@@ -50,7 +50,7 @@ void execInBlock(const ProjectOptions& options, const std::string& caseDir, cons
                  ExecSummary& summary) {
     const auto caseName = baseName(caseDir);
     const auto blockDir = joinPath(caseDir, task);
-    if (!isDirectory(blockDir)) {
+    if (!lookUpDirectory(blockDir)) {
         summary.missing += 1;
         console::printSkip(caseName + " / $" + task + " : block directory is missing");
         return;

@@ -245,8 +245,8 @@ class ProjectPathTest {
             return true;
         }
         const std::string path = absoluteLocation(token);
-        if (!isRegularFile(path)) {
-            return isDirectory(path) && liesInProject(path);
+        if (!lookUpRegularFile(path)) {
+            return lookUpDirectory(path) && liesInProject(path);
         }
         if (extensionOf(path) == ".mq") {
             return true;

@@ -100,11 +100,11 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
 
 void runComd(const std::string& blockDir, const std::string& label, console::RunMode mode,
              UpdateSummary& summary) {
-    if (!isDirectory(blockDir)) {
+    if (!lookUpDirectory(blockDir)) {
         console::printSkip(label + " : block directory is missing");
         return;
     }
-    if (!isRegularFile(joinPath(blockDir, "comd"))) {
+    if (!lookUpRegularFile(joinPath(blockDir, "comd"))) {
         console::printSkip(label + " : comd is missing");
         return;
     }

@@ -463,7 +463,7 @@ std::optional<std::string> stubTemplate(const std::string& text, const std::stri
         } catch (const taskdsl::DiagnosticError&) {
             return std::nullopt;
         }
-        if (!found->ends_with(".projmq") || !isRegularFile(*found)) {
+        if (!found->ends_with(".projmq") || !lookUpRegularFile(*found)) {
             return std::nullopt;
         }
     }
