@@ -107,7 +107,7 @@ int lintFiles(const LintOptions& options) {
     const taskdsl::FileTest isFile = [&known](const std::string& path) {
         const auto [entry, isNew] = known.try_emplace(path, false);
         if (isNew) {
-            entry->second = isRegularFile(path);
+            entry->second = lookUpRegularFile(path);
         }
         return entry->second;
     };

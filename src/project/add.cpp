@@ -32,7 +32,7 @@ AddResult addCase(AddRun& run, const std::string& path) {
     if (toLower(extensionOf(path)) != ".xyz") {
         return failAdd("not an .xyz file", path);
     }
-    if (!isRegularFile(path)) {
+    if (!lookUpRegularFile(path)) {
         return failAdd("xyz file not found", path);
     }
     const std::string stem = stemOf(path);
@@ -43,7 +43,7 @@ AddResult addCase(AddRun& run, const std::string& path) {
         return failAdd("duplicate case name in arguments", stem);
     }
     const std::string caseDir = joinPath(run.root, stem);
-    if (isDirectory(caseDir)) {
+    if (lookUpDirectory(caseDir)) {
         console::printSkip("case directory already exists: " + caseDir);
         return AddResult::skipped;
     }

@@ -40,7 +40,7 @@ std::optional<std::vector<std::string>> listByExtension(const std::string& dir, 
         std::string path = joinPath(dir, entry.name);
         const std::string extension = toLower(extensionOf(path));
         if (std::find(extensions.begin(), extensions.end(), extension) != extensions.end() &&
-            (entry.kind == EntryKind::file || (entry.kind == EntryKind::link && isRegularFile(path)))) {
+            (entry.kind == EntryKind::file || (entry.kind == EntryKind::link && lookUpRegularFile(path)))) {
             files.push_back(std::move(path));
         }
     }
@@ -126,7 +126,7 @@ bool createCase(const std::string& geometryFile, const std::string& projectDir,
                 const std::string& templateFile) {
     const std::string name = stemOf(geometryFile);
     const std::string target = joinPath(projectDir, name);
-    if (isDirectory(target)) {
+    if (lookUpDirectory(target)) {
         console::logWarning("directory already exists: " + target);
         return false;
     }

@@ -44,12 +44,12 @@ bool holdsResults(const std::string& blockDir, const std::string& targetDir) {
 bool makeDirectory(const std::string& dir) {
     std::error_code error;
     std::filesystem::create_directories(dir, error);
-    return isDirectory(dir);
+    return lookUpDirectory(dir);
 }
 
 /// The name of an item among those of other cases: its own name and the case name.
 std::string targetName(const std::string& source, const std::string& caseName) {
-    if (isDirectory(source)) {
+    if (lookUpDirectory(source)) {
         return baseName(source) + "_" + caseName;
     }
     return stemOf(source) + "_" + caseName + std::string(extensionOf(source));
@@ -143,7 +143,7 @@ int runProjectCollect(const ProjectOptions& options) {
         }
         for (const auto& caseDir : caseDirs) {
             auto block = blockOf(caseDir, task);
-            if (!isDirectory(block.directory)) {
+            if (!lookUpDirectory(block.directory)) {
                 summary.missing += 1;
                 console::printSkip(missingBlock(block.label));
                 continue;

@@ -47,7 +47,7 @@ std::string resolveCommand(std::string_view command, const std::string& task, co
 }
 
 void execInBlock(const ProjectOptions& options, const CaseBlock& block, ExecSummary& summary) {
-    if (!isDirectory(block.directory)) {
+    if (!lookUpDirectory(block.directory)) {
         summary.missing += 1;
         console::printSkip(missingBlock(block.label));
         return;

@@ -54,7 +54,7 @@ bool failProject(const std::error_code& error) {
 }
 
 bool makeProjectDirectory(const std::string& dir) {
-    if (isDirectory(dir)) {
+    if (lookUpDirectory(dir)) {
         console::logWarning("project directory already exists: " + dir);
         return true;
     }
@@ -68,7 +68,7 @@ bool makeProjectDirectory(const std::string& dir) {
 }
 
 bool makeTemplate(const std::string& source, const std::string& file) {
-    if (isRegularFile(file)) {
+    if (lookUpRegularFile(file)) {
         console::logInfo("project template already exists: " + file);
         return true;
     }

@@ -234,8 +234,8 @@ class ProjectPathTest {
             return true;
         }
         const std::string path = absoluteLocation(token);
-        if (!isRegularFile(path)) {
-            return isDirectory(path) && liesInProject(path);
+        if (!lookUpRegularFile(path)) {
+            return lookUpDirectory(path) && liesInProject(path);
         }
         if (extensionOf(path) == taskExtension) {
             return true;

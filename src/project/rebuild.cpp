@@ -26,7 +26,7 @@ std::vector<std::string> listWorkMarkers(const std::string& blockDir) {
     std::vector<std::string> markers;
     for (const auto& name : listDirectoryEntries(blockDir, "*.mqwk")) {
         auto path = joinPath(blockDir, name);
-        if (extensionOf(name) == ".mqwk" && isRegularFile(path)) {
+        if (extensionOf(name) == ".mqwk" && lookUpRegularFile(path)) {
             markers.push_back(std::move(path));
         }
     }
@@ -52,7 +52,7 @@ std::optional<std::size_t> cleanStatus(const std::string& caseDir, const std::ve
 }
 
 void cleanBlock(const CaseBlock& block, const RebuildOptions& options, RebuildSummary& summary) {
-    if (!isDirectory(block.directory)) {
+    if (!lookUpDirectory(block.directory)) {
         summary.blocksMissing += 1;
         const auto kind = options.dryRun ? console::MessageKind::dryRun : console::MessageKind::skip;
         console::printMessage(kind, missingBlock(block.label));
@@ -123,7 +123,7 @@ bool startRunner(const std::string& root, console::RunMode mode, RebuildSummary 
 std::optional<RebuildSummary> regenerate(const WorkPlace& place, const std::vector<std::string>& selected,
                                          const RebuildOptions& options) {
     // An update at work would put back the records that go here.
-    const auto locks = options.dryRun ? std::optional<WorkLocks>(WorkLocks()) : lockWork(place);
+    const auto locks = options.dryRun ? std::optional<StatusLocks>(StatusLocks()) : lockWork(place);
     if (!locks) {
         return std::nullopt;
     }

@@ -100,11 +100,11 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
 }
 
 void runComd(const CaseBlock& block, console::RunMode mode, UpdateSummary& summary) {
-    if (!isDirectory(block.directory)) {
+    if (!lookUpDirectory(block.directory)) {
         console::printSkip(missingBlock(block.label));
         return;
     }
-    if (!isRegularFile(joinPath(block.directory, "comd"))) {
+    if (!lookUpRegularFile(joinPath(block.directory, "comd"))) {
         console::printSkip(block.label + " : comd is missing");
         return;
     }

@@ -6,6 +6,7 @@
 #include "project/rename/rename_check.h"
 #include "project/rename/rename_files.h"
 #include "project/rename/template_stub.h"
+#include "project/status/status_lock.h"
 #include "support/directory.h"
 #include "support/file.h"
 #include "support/name_list.h"
@@ -182,7 +183,7 @@ void printReport(const RenamedBlock& block, const RenameReport& report) {
 
 int renameBlock(const RenameOptions& options) {
     const auto path = absoluteLocation(options.file);
-    if (!isRegularFile(path)) {
+    if (!lookUpRegularFile(path)) {
         console::reportError("file does not exist: " + path);
         return 1;
     }
@@ -192,6 +193,12 @@ int renameBlock(const RenameOptions& options) {
         return 1;
     }
     const auto place = findPlace(path);
+    // An update that runs would put its own texts back over the renamed ones.
+    const auto locks = lockStatusFiles(
+        place.kind, place.kind == TargetKind::Case ? place.caseDir : parentPath(place.file), place.file);
+    if (!locks) {
+        return 1;
+    }
     const auto scope = findScope(place);
     if (!checkRename(scope, block)) {
         return 1;

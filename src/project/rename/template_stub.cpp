@@ -29,7 +29,7 @@ std::optional<std::string> stubTemplate(const std::string& text, const std::stri
         } catch (const taskdsl::DiagnosticError&) {
             return std::nullopt;
         }
-        if (!found->ends_with(templateExtension) || !isRegularFile(*found)) {
+        if (!found->ends_with(templateExtension) || !lookUpRegularFile(*found)) {
             return std::nullopt;
         }
     }

@@ -118,7 +118,8 @@ StatusRecords parseStatusRecords(std::string_view text) {
     StatusRecords records;
     forEachRow(text, [&](std::string_view row) {
         const auto tokens = splitBlank(row);
-        if (tokens.empty()) { // a lone vertical tab or form feed: white space that trimming leaves
+        // A vertical tab or form feed is white space that trimming leaves: alone, or before a comment.
+        if (tokens.empty() || tokens.front().starts_with('#')) {
             return;
         }
         auto record = readRow(tokens);

@@ -226,7 +226,7 @@ std::string saveBeside(const StatusBackup& backup) {
     constexpr int mostNames = 100;
     const auto name = baseName(backup.file);
     for (const auto& dir : {parentPath(backup.file), backup.held.directory()}) {
-        for (int i = 0; i < mostNames && isDirectory(dir); ++i) {
+        for (int i = 0; i < mostNames && lookUpDirectory(dir); ++i) {
             auto path = joinPath(dir, i == 0   ? name
                                       : i == 1 ? name + ".saved"
                                                : name + ".saved-" + std::to_string(i));
@@ -245,7 +245,7 @@ const char* restoreObstacle(const StatusBackup& backup) {
     if (now && S_ISDIR(now->kind)) {
         return "a directory is in its place";
     }
-    return isDirectory(parentPath(backup.path)) ? "it cannot be written" : "its directory is gone";
+    return lookUpDirectory(parentPath(backup.path)) ? "it cannot be written" : "its directory is gone";
 }
 
 void reportRestoreFailure(const StatusBackup& backup, std::string_view reason,

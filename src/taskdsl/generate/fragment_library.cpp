@@ -107,7 +107,7 @@ std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, cons
     if (path.empty()) {
         throw DiagnosticError("empty fragment library path");
     }
-    if (!isRegularFile(path)) {
+    if (!lookUpRegularFile(path)) {
         throw DiagnosticError("fragment library not found: " + path);
     }
     const IncludeChain::Entry entry(context.run.libraryChain, path);
@@ -141,7 +141,7 @@ FragmentDefinition loadFragmentFile(const std::string& name, const std::string& 
     if (path.empty()) {
         throw DiagnosticError("empty fragment include path");
     }
-    if (!isRegularFile(path)) {
+    if (!lookUpRegularFile(path)) {
         throw DiagnosticError("included fragment file not found: " + path);
     }
     const auto text = readTextFile(path);

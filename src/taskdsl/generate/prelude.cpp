@@ -213,7 +213,7 @@ PreludeResult parseYamlInclude(const std::string& target, const std::string& bas
         return {};
     }
     const IncludeChain::Entry entry(context.run.yamlChain, path);
-    if (!isRegularFile(path)) {
+    if (!lookUpRegularFile(path)) {
         context.run.options.warnings("Warning: Included YAML file not found: " + path);
         return {};
     }

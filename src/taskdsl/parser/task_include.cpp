@@ -27,7 +27,7 @@ void parseTaskInclude(const std::string& target, const std::string& base, TaskDo
         return;
     }
     const IncludeChain::Entry entry(context.run.taskChain, path);
-    if (!isRegularFile(path)) {
+    if (!lookUpRegularFile(path)) {
         context.run.options.warnings("Warning: Included task file not found: " + path);
         return;
     }

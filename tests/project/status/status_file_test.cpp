@@ -76,7 +76,7 @@ TEST(StatusRecordsText, IsReadRowByRow) {
         EXPECT_EQ(records.begin()->second, row.record) << row.text;
         EXPECT_EQ(records.begin()->first, row.record.name);
     }
-    EXPECT_TRUE(parseStatusRecords(header + "\n# x RENDERED\n\v\n").empty());
+    EXPECT_TRUE(parseStatusRecords(header + "\n# x RENDERED\n\v\n\v# y RENDERED\n").empty());
 }
 
 TEST(StatusRecordsText, TheLastRowOfANameStands) {
