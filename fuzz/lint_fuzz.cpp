@@ -21,9 +21,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fuzz::require(!issue.code.empty() && !issue.message.empty(), "an issue has a code and a message",
                       text);
     }
-    const auto summary = lint::summariseLint(reports, false);
+    const auto summary = lint::summariseLint(reports, lint::Strictness::lenient);
     fuzz::require(summary.errors + summary.warnings == report.issues.size(), "every issue is counted", text);
     fuzz::holdJson(lint::renderLintJson(reports, summary));
-    fuzz::require(!lint::renderLintText(reports, summary, false).empty(), "the report has a text", text);
+    fuzz::require(!lint::renderLintText(reports, summary, lint::TextDetail::issues).empty(),
+                  "the report has a text", text);
     return 0;
 }

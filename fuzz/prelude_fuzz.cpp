@@ -12,14 +12,13 @@ namespace {
 using namespace morquill;
 
 void readSection(std::string_view text) {
-    taskdsl::ValueMap settings;
-    taskdsl::Collections collections;
+    taskdsl::YamlSection section;
     try {
-        taskdsl::readYamlSection(std::string(text), "a.yaml", 1, settings, collections);
+        section = taskdsl::readYamlSection(std::string(text), "a.yaml", 1);
     } catch (const taskdsl::DiagnosticError&) {
         return;
     }
-    for (const auto& [name, items] : collections) {
+    for (const auto& [name, items] : section.collections) {
         for (const auto& item : items) {
             fuzz::require(item.contains("index"), "an item of a collection has its number", text);
         }

@@ -2,7 +2,7 @@
 // byte 0x1f; the result is that of the rules applied in the plainest way.
 
 #include "fuzz_input.h"
-#include "project/rename/rename_check.h"
+#include "project/rename/block_name.h"
 #include "project/rename/rename_files.h"
 #include "project/rename/word_replace.h"
 #include "support/text.h"
