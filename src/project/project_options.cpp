@@ -135,10 +135,10 @@ bool namesTemplate(std::string_view token) noexcept {
 
 /// Ends the values of an option that takes several.
 bool endsList(std::string_view token) {
-    static constexpr std::array<std::string_view, 12> stops{
-        "-n",        "--name",     "--exec",       "--collect",    "--path", "--rebuild",
-        "--dry-run", "--run-comd", "--run-script", "--run-runner", "-h",     "--help"};
-    return std::find(stops.begin(), stops.end(), token) != stops.end() || namesTemplate(token);
+    static constexpr std::string_view stops[] = {"-n",           "--name",       "--exec",    "--collect",
+                                                 "--path",       "--rebuild",    "--dry-run", "--run-comd",
+                                                 "--run-script", "--run-runner", "-h",        "--help"};
+    return isOneOf(token, stops) || namesTemplate(token);
 }
 
 /// At least one value, whatever it is, and the following ones up to the next option or template.
@@ -297,9 +297,7 @@ bool isProjectShape(Words arguments) noexcept {
 }
 
 bool isUpdateShape(Words arguments) noexcept {
-    static constexpr std::array<std::string_view, 4> openings{"-b", "--batch", "-u", "--update"};
-    return !arguments.empty() &&
-           std::find(openings.begin(), openings.end(), arguments.front()) != openings.end();
+    return !arguments.empty() && isOneOf(arguments.front(), {"-b", "--batch", "-u", "--update"});
 }
 
 bool isProjectPathToken(std::string_view token) {

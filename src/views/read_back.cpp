@@ -118,11 +118,10 @@ bool hasPlainControl(const TaskInfo& task) noexcept {
 
 /// True for a `%mod` line `<name> <words>` without an operation. Any other line has to be read.
 bool isPlainMod(const taskdsl::ModEntry& entry) {
-    constexpr std::array<std::string_view, 4> operations{"add", "subtract", "select", "remove"};
     const auto words = splitBlank(entry.value);
     return isPlainLine(entry.key) && isPlainWord(entry.key) && !words.empty() &&
            entry.key.find(':') == std::string::npos && std::all_of(words.begin(), words.end(), isPlainWord) &&
-           std::find(operations.begin(), operations.end(), words.front()) == operations.end();
+           !taskdsl::isModOperation(words.front());
 }
 
 bool hasPlainMods(const TaskInfo& task) {

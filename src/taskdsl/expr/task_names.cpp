@@ -3,8 +3,6 @@
 #include "support/text.h"
 #include "taskdsl/expr/expression_walk.h"
 
-#include <algorithm>
-#include <iterator>
 #include <string_view>
 
 namespace morquill::taskdsl::plot {
@@ -18,8 +16,7 @@ constexpr std::string_view taskFunctions[] = {
     "result"};
 
 bool takesTask(const std::string& function) {
-    return std::find(std::begin(taskFunctions), std::end(taskFunctions), toLower(function)) !=
-           std::end(taskFunctions);
+    return isOneOf(toLower(function), taskFunctions);
 }
 
 /// The task that the node names: `{{ task.key }}`, or the first argument of a function of tasks. A first

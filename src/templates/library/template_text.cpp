@@ -6,7 +6,6 @@
 #include "taskdsl/generate/define_block.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
 
 namespace morquill::templates {
@@ -14,11 +13,10 @@ namespace morquill::templates {
 namespace {
 
 /// The names that are filled in for every task when it is run.
-constexpr std::array<std::string_view, 4> taskNames{"inputname", "taskname", "rootname", "originname"};
+constexpr std::string_view taskNames[] = {"inputname", "taskname", "rootname", "originname"};
 
 bool isBuiltIn(std::string_view name) {
-    return std::find(taskNames.begin(), taskNames.end(), name) != taskNames.end() ||
-           taskdsl::isReservedKey(name);
+    return isOneOf(name, taskNames) || taskdsl::isReservedKey(name);
 }
 
 std::string_view headerName(std::string_view line) noexcept {
