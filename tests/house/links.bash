@@ -1,8 +1,14 @@
 # Links of pages.
 
+# prose <page>: the page without its fenced blocks.
+prose() {
+    # shellcheck disable=SC2016 # three backticks
+    sed '/^ *```/,/^ *```$/d' "$1"
+}
+
 # sections <page>: the name of every section as a link writes it behind #.
 sections() {
-    sed '/^ *```/,/^ *```$/d' "$1" | sed -n 's/^##* //p' | tr '[:upper:]' '[:lower:]' | sed 's/[^a-z0-9 _-]//g; s/ /-/g'
+    prose "$1" | sed -n 's/^##* //p' | tr '[:upper:]' '[:lower:]' | sed 's/[^a-z0-9 _-]//g; s/ /-/g'
 }
 
 # dead_links <page>...: every link, page by page, that leads to no file or to no section of it.
@@ -15,6 +21,6 @@ dead_links() {
             if [[ ! -e ${file:-$page} ]] || { [[ $target == *'#'* ]] && ! grep -qxF -e "${target#*#}" <(sections "${file:-$page}"); }; then
                 echo "$page: $target"
             fi
-        done < <(sed '/^ *```/,/^ *```$/d' "$page" | grep -oE '\]\([^): ]+' | sed 's/^](//' | sort -u)
+        done < <(prose "$page" | grep -oE '\]\([^): ]+' | sed 's/^](//' | sort -u)
     done
 }
