@@ -119,7 +119,7 @@ bool overwriteFile(int fd, bool readable, std::string_view text) {
     if (old) {
         (void)(::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, *old));
         // Also returns the room that was reserved past the end.
-        (void)::ftruncate(fd, info.st_size);
+        (void)(::ftruncate(fd, info.st_size) == 0);
     }
     errno = error;
     return false;
