@@ -35,17 +35,33 @@ std::string inFolder(std::string name) {
     return name;
 }
 
-void clearFolder(const std::string& folder) {
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        std::filesystem::remove(entry.path());
+/// The folder that the selector writes to: the current one for the time of an input, empty again behind it.
+/// The fuzzer has relative paths of its own.
+class Folder {
+  public:
+    Folder() : before_(std::filesystem::current_path()) { std::filesystem::current_path(own().root()); }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    ~Folder() {
+        std::filesystem::current_path(before_);
+        for (const auto& entry : std::filesystem::directory_iterator(own().root())) {
+            std::filesystem::remove(entry.path());
+        }
     }
-}
+
+  private:
+    static const TemporaryDirectory& own() {
+        static const TemporaryDirectory directory;
+        return directory;
+    }
+
+    std::filesystem::path before_;
+};
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const TemporaryDirectory directory;
-    std::filesystem::current_path(directory.root());
+    const Folder folder;
     const auto keys = fuzz::textOf(data, size);
     const auto input = asInput(keys);
     std::string cursor;
@@ -71,6 +87,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fuzz::require(cursor == system::showCursor, "the cursor is shown at the end", keys);
         fuzz::require(screens <= 2 * size + 2, "each screen is for a key", keys);
     }
-    clearFolder(directory.root());
     return 0;
 }

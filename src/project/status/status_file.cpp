@@ -73,7 +73,9 @@ void appendField(std::string& text, std::string_view value, std::size_t width) {
 void appendRow(std::string& text, const std::string& name, const TaskStatusRecord& record) {
     appendField(text, name, nameWidth);
     appendField(text, taskStatusName(record.status), statusWidth);
-    appendField(text, record.updatedAt.empty() ? "-" : record.updatedAt, timeWidth);
+    const std::string_view time = record.updatedAt.empty() ? std::string_view("-") : record.updatedAt;
+    appendField(text, time, timeWidth);
+    text.append(time.size() < timeWidth ? 0 : 1, ' '); // or the reason would become a part of the time
     text += record.reason.empty() ? "-" : replaceAll(record.reason, "\n", "");
     text += '\n';
 }

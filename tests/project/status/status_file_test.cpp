@@ -102,6 +102,9 @@ TEST(StatusRecordsText, SurvivesWritingAndReading) {
         records[name] = {name, name == "o" ? TaskStatus::Failed : TaskStatus::Rendered,
                          "2026-01-01T00:00:00Z", "why"};
     }
+    // A time that fills its column does not run into the reason.
+    records["t"] = {"t", TaskStatus::Rendered, "2026-01-01T00:00:00.123Z", "why"};
+    records["u"] = {"u", TaskStatus::Failed, "2026-01-01T00:00:00.123456Z", "-"};
     EXPECT_EQ(parseStatusRecords(formatStatusRecords(records)), records);
 }
 
