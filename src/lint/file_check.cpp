@@ -123,31 +123,41 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
 }
 
 /// Checks a file whose text is known, or, without one, tells why it cannot be read.
-LintFileReport lintSource(const std::optional<std::string_view>& text, const std::string& path,
-                          const taskdsl::WarningSink& warnings) {
-    LintFileReport report{path, {}, false};
+LintedText lintSource(const std::optional<std::string_view>& text, const std::string& path,
+                      const taskdsl::WarningSink& warnings, const taskdsl::FileOverlay& overlay) {
+    LintedText linted{{path, {}, false}, std::nullopt};
+    LintFileReport& report = linted.report;
     try {
         LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
         // Only a file that says so is read with the tolerance of its time.
-        taskdsl::TaskParser parser(file.version == "1", warnings);
-        const TaskDocument document = text ? parser.parseText(*text, path) : parser.parseFile(path);
+        taskdsl::TaskParser parser(file.version == "1", warnings, overlay);
+        linted.document = text ? parser.parseText(*text, path) : parser.parseFile(path);
         report.parsed = true;
-        checkDocument(document, file, report);
+        checkDocument(*linted.document, file, report);
     } catch (const std::exception& fault) {
         check(ParseFault{faultText(fault, path)}, report);
     }
-    return report;
+    return linted;
 }
 
 } // namespace
 
+LintedText lintAndKeep(std::string_view text, const std::string& path, const taskdsl::WarningSink& warnings,
+                       const taskdsl::FileOverlay& overlay) {
+    return lintSource(text, path, warnings, overlay);
+}
+
 LintFileReport lintText(std::string_view text, const std::string& path,
                         const taskdsl::WarningSink& warnings) {
-    return lintSource(text, path, warnings);
+    return lintSource(text, path, warnings, {}).report;
 }
 
 LintFileReport lintFile(const std::string& path) {
-    return lintSource(readTextFile(path), path, {});
+    return lintSource(readTextFile(path), path, {}, {}).report;
+}
+
+void addParseFault(std::string_view fault, LintFileReport& report) {
+    check(ParseFault{fault}, report);
 }
 
 } // namespace morquill::lint

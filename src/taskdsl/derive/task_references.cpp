@@ -19,10 +19,14 @@ constexpr std::string_view taskFunctions[] = {
     "gibbs_corr", "zpe",        "thermal_corr",      "nimag",        "imag_freq",   "kv",
     "result"};
 
-bool takesTask(const std::string& function) {
+} // namespace
+
+bool takesTask(std::string_view function) {
     return std::find(std::begin(taskFunctions), std::end(taskFunctions), toLower(function)) !=
            std::end(taskFunctions);
 }
+
+namespace {
 
 void addTask(const std::string& task, References& references) {
     if (!task.empty() && !equalsNoCase(task, "self")) {

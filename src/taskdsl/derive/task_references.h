@@ -4,6 +4,7 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 
 namespace morquill::taskdsl::derive {
 
@@ -11,5 +12,8 @@ namespace morquill::taskdsl::derive {
 /// first argument of the functions that take a task. "self", in any case, is no task name. Patterns of
 /// `tasks(...)` are not resolved.
 [[nodiscard]] std::set<std::string> collectDeriveTaskReferences(const DeriveSpec& spec);
+
+/// True for a function, named in any case, whose first argument is a task.
+[[nodiscard]] bool takesTask(std::string_view function);
 
 } // namespace morquill::taskdsl::derive

@@ -111,7 +111,7 @@ std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, cons
     if (path.empty()) {
         throw DiagnosticError("empty fragment library path");
     }
-    if (!isRegularFile(path)) {
+    if (!context.hasFile(path)) {
         throw DiagnosticError("fragment library not found: " + path);
     }
     const auto entry = enterFile(context.libraryChain, path);
@@ -119,7 +119,7 @@ std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, cons
     auto& library = context.libraries[normalisedPath(path)];
     if (!library) {
         context.countInclude();
-        const auto text = readTextFile(path);
+        const auto text = context.readFile(path);
         if (!text) {
             throw DiagnosticError("fragment library not found: " + path);
         }
@@ -145,10 +145,10 @@ FragmentDefinition loadFragmentFile(const std::string& name, const std::string& 
     if (path.empty()) {
         throw DiagnosticError("empty fragment include path");
     }
-    if (!isRegularFile(path)) {
+    if (!context.hasFile(path)) {
         throw DiagnosticError("included fragment file not found: " + path);
     }
-    const auto text = readTextFile(path);
+    const auto text = context.readFile(path);
     if (!text) {
         throw DiagnosticError("cannot open included fragment file: " + path);
     }

@@ -1,5 +1,9 @@
 #include "taskdsl/generate/parse_context.h"
 
+#include "support/file.h"
+
+#include <utility>
+
 namespace morquill::taskdsl {
 
 ValueMap libraryBindings(const DocumentContext& document) {
@@ -15,6 +19,15 @@ void ParseContext::countInclude() {
         throw DiagnosticError("more than " + std::to_string(limits::includes) +
                               " &INCLUDE lines were followed");
     }
+}
+
+bool ParseContext::hasFile(const std::string& path) const {
+    return (overlay && overlay(path)) || isRegularFile(path);
+}
+
+std::optional<std::string> ParseContext::readFile(const std::string& path) const {
+    auto text = overlay ? overlay(path) : std::nullopt;
+    return text ? std::move(text) : readTextFile(path);
 }
 
 } // namespace morquill::taskdsl

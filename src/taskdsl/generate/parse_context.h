@@ -4,12 +4,14 @@
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/growth.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/generate/file_overlay.h"
 #include "taskdsl/generate/fragment.h"
 #include "taskdsl/generate/include_chain.h"
 
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -25,15 +27,20 @@ struct DocumentContext {
     KeySet inheritedSettings;
 };
 
+/// No file has another text than the disk.
+inline const FileOverlay noOverlay;
+
 /// Namespace alias to library path.
 [[nodiscard]] ValueMap libraryBindings(const DocumentContext& document);
 
 /// The state of one run of the parser: it lives from the first line of the main file to the last one, through
 /// all files that are included.
 struct ParseContext {
-    explicit ParseContext(const WarningSink& sink) : warnings(sink) {}
+    explicit ParseContext(const WarningSink& sink, const FileOverlay& files = noOverlay)
+        : warnings(sink), overlay(files) {}
 
     const WarningSink& warnings;
+    const FileOverlay& overlay;
     IncludeChain taskChain{"task include"};
     IncludeChain yamlChain{"YAML include"};
     IncludeChain libraryChain{"fragment library include"};
@@ -49,6 +56,11 @@ struct ParseContext {
 
     /// Counts an include line that is followed. Throws `DiagnosticError` beyond `limits::includes`.
     void countInclude();
+
+    /// True for a regular file, on the disk or in the overlay.
+    [[nodiscard]] bool hasFile(const std::string& path) const;
+    /// The text of a file, from the overlay or the disk; nothing when it cannot be read.
+    [[nodiscard]] std::optional<std::string> readFile(const std::string& path) const;
 };
 
 } // namespace morquill::taskdsl

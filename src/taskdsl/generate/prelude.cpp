@@ -1,6 +1,5 @@
 #include "taskdsl/generate/prelude.h"
 
-#include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/base/line_fault.h"
 #include "taskdsl/base/scan.h"
@@ -212,11 +211,11 @@ PreludeResult parseYamlInclude(const std::string& target, const std::string& bas
         return {};
     }
     const auto entry = enterFile(context.yamlChain, path);
-    if (!isRegularFile(path)) {
+    if (!context.hasFile(path)) {
         context.warnings("Warning: Included YAML file not found: " + path);
         return {};
     }
-    const auto text = readTextFile(path);
+    const auto text = context.readFile(path);
     if (!text) {
         context.warnings("Warning: Cannot open included YAML file: " + path);
         return {};

@@ -1,6 +1,5 @@
 #include "taskdsl/parser/task_include.h"
 
-#include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/generate/include_path.h"
 
@@ -28,11 +27,11 @@ void parseTaskInclude(const std::string& target, const std::string& base, TaskDo
         return;
     }
     const auto entry = enterFile(context.taskChain, path);
-    if (!isRegularFile(path)) {
+    if (!context.hasFile(path)) {
         context.warnings("Warning: Included task file not found: " + path);
         return;
     }
-    const auto text = readTextFile(path);
+    const auto text = context.readFile(path);
     if (!text) {
         context.warnings("Warning: Cannot open included task file: " + path);
         return;

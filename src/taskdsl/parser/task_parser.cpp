@@ -219,7 +219,7 @@ void expandTasks(TaskDocument& document) {
 /// Reads the "extra.yaml" beside the file, when there is one, into a document that holds the caller's defines
 /// and nothing else yet. Returns its collections.
 Collections readExtraYaml(TaskDocument& document, const std::string& path, ParseContext& context) {
-    if (!isRegularFile(resolveIncludePath("extra.yaml", path))) {
+    if (!context.hasFile(resolveIncludePath("extra.yaml", path))) {
         return {};
     }
     auto extra = parseYamlInclude("extra.yaml", path, context);
@@ -266,9 +266,10 @@ void noteExtraTasks(TaskDocument& document, const ParseContext& context) {
 
 } // namespace
 
-TaskParser::TaskParser(bool multiSource, WarningSink sink)
+TaskParser::TaskParser(bool multiSource, WarningSink sink, FileOverlay files)
     : legacyMultiSource(multiSource),
-      warnings(sink ? std::move(sink) : [](const std::string& text) { console::logWarning(text); }) {}
+      warnings(sink ? std::move(sink) : [](const std::string& text) { console::logWarning(text); }),
+      overlay(std::move(files)) {}
 
 TaskDocument TaskParser::parseFile(const std::string& path, const ValueMap& defines) {
     return parseContent(readTextFile(path), path, defines);
@@ -291,7 +292,7 @@ TaskDocument TaskParser::parseContent(const std::optional<std::string>& text, co
 
 TaskDocument TaskParser::parseText(std::string_view text, const std::string& path, const ValueMap& defines) {
     nextDocumentOrder = 0;
-    ParseContext context(warnings);
+    ParseContext context(warnings, overlay);
     std::optional<IncludeChain::Entry> entry;
     if (!path.empty()) {
         const auto absolute = absolutePath(path);
@@ -305,7 +306,7 @@ TaskDocument TaskParser::parseText(std::string_view text, const std::string& pat
 
 TaskDocument TaskParser::parseDeclaredTasks(std::string_view text) {
     nextDocumentOrder = 0;
-    ParseContext context(warnings);
+    ParseContext context(warnings, overlay);
     context.followsIncludes = false;
     TaskDocument document;
     auto lines = makeSourceLines(splitLines(text), 0, {});
@@ -354,7 +355,7 @@ TaskDocument TaskParser::readDocument(std::string_view text, const std::string& 
     }
     if (hasDirectory) {
         const auto extra = resolveIncludePath("extra.mq", path);
-        if (isRegularFile(extra) && context.taskFiles.count(normalisedPath(extra)) == 0) {
+        if (context.hasFile(extra) && context.taskFiles.count(normalisedPath(extra)) == 0) {
             includeTasks("extra.mq", path);
             noteExtraTasks(document, context);
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/generate/file_overlay.h"
 #include "taskdsl/task/task_document.h"
 
 #include <cstdint>
@@ -16,8 +17,9 @@ struct ParseContext;
 /// one to the next. A fault of the input is thrown as `DiagnosticError`, a doubtful form is told to the sink.
 class TaskParser {
   public:
-    /// `legacyMultiSource` tolerates `%source a,b`. Without a sink, warnings go to the log.
-    explicit TaskParser(bool legacyMultiSource = false, WarningSink warnings = {});
+    /// `legacyMultiSource` tolerates `%source a,b`. Without a sink, warnings go to the log. The overlay has
+    /// the texts of files that count instead of what is on the disk.
+    explicit TaskParser(bool legacyMultiSource = false, WarningSink warnings = {}, FileOverlay overlay = {});
 
     /// Reads the file whole and parses it. Throws "could not open file: <path>" when it is no readable
     /// regular file.
@@ -41,6 +43,7 @@ class TaskParser {
 
     bool legacyMultiSource;
     WarningSink warnings;
+    FileOverlay overlay;
     std::uint64_t nextDocumentOrder = 0;
 };
 
