@@ -1,0 +1,68 @@
+#include "lsp/navigation.h"
+
+#include "fixtures/lsp_client.h"
+#include "fixtures/temporary_directory.h"
+
+namespace {
+
+using namespace morquill::lsp;
+using morquill::TemporaryDirectory;
+
+constexpr const char* uri = "untitled:1";
+const std::string text = "$opt\n"
+                         "  %keywords \"opt\"\n"
+                         "$freq\n"
+                         "  %source opt\n";
+
+std::string print(const Json& list) {
+    std::string printed;
+    for (const Json& entry : list) {
+        printed += LspClient::rangeText(entry["range"]);
+        printed += entry.contains("kind") ? "(" + entry["kind"].dump() + ") " : " ";
+    }
+    return printed;
+}
+
+TEST(Navigation, goesToTheDefinition) {
+    LspClient client;
+    client.open(uri, text);
+    EXPECT_EQ(print(client.request("textDocument/definition", LspClient::at(uri, 3, 11))), "0:1-0:4 ");
+    EXPECT_EQ(print(client.request("textDocument/definition", LspClient::at(uri, 3, 13))), "0:1-0:4 ");
+    EXPECT_TRUE(client.request("textDocument/definition", LspClient::at(uri, 1, 13)).is_null());
+    EXPECT_TRUE(client.request("textDocument/definition", LspClient::at(uri, 3, 5)).is_null());
+    EXPECT_TRUE(client.request("textDocument/definition", LspClient::at(uri, 99, 0)).is_null());
+    EXPECT_EQ(client.requestError("textDocument/definition", LspClient::document(uri)), -32602);
+}
+
+TEST(Navigation, findsReferencesWithAndWithoutTheDefinition) {
+    LspClient client;
+    client.open(uri, text);
+    Json params = LspClient::at(uri, 0, 2);
+    EXPECT_EQ(print(client.request("textDocument/references", params)), "3:10-3:13 ");
+    params["context"] = {{"includeDeclaration", true}};
+    EXPECT_EQ(print(client.request("textDocument/references", params)), "0:1-0:4 3:10-3:13 ");
+}
+
+TEST(Navigation, highlightsWritesAndReads) {
+    LspClient client;
+    client.open(uri, text);
+    EXPECT_EQ(print(client.request("textDocument/documentHighlight", LspClient::at(uri, 3, 10))),
+              "0:1-0:4(3) 3:10-3:13(2) ");
+}
+
+TEST(Navigation, goesToAFile) {
+    const TemporaryDirectory directory;
+    directory.write("l.mqlib", "&FRAGMENT task_body opt\n");
+    const auto file = uriOfPath(directory.path("a.mq"));
+    const auto library = uriOfPath(directory.path("l.mqlib"));
+    LspClient client;
+    client.open(file, "&INCLUDE \"l.mqlib\" as l\n$a\n  &INCLUDE l.opt\n");
+    const Json start = client.request("textDocument/definition", LspClient::at(file, 0, 12));
+    EXPECT_EQ(start["uri"], library);
+    EXPECT_EQ(LspClient::rangeText(start["range"]), "0:0-0:0");
+    const Json fragment = client.request("textDocument/definition", LspClient::at(file, 2, 14));
+    EXPECT_EQ(fragment[0]["uri"], library);
+    EXPECT_EQ(LspClient::rangeText(fragment[0]["range"]), "0:20-0:23");
+}
+
+} // namespace
