@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::size_t requests = 0;
     const auto run = [&] {
         while (auto frame = frames.next()) {
-            server.receive(std::move(*frame));
+            server.receive(*frame);
             ++requests;
         }
         while (server.step(now)) {

@@ -4,7 +4,6 @@
 #include "lsp/help_table.h"
 #include "lsp/hover.h"
 #include "lsp/index/expression_tokens.h"
-#include "lsp/sources/resolve.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
@@ -119,7 +118,7 @@ class Items {
 
 void addNames(const CompletionPlace& place, NameKind kind, ItemKind itemKind, std::string_view detail,
               Items& items) {
-    for (const SourceFile* file : Resolver(place.session.sources, place.file).files()) {
+    for (const SourceFile* file : place.session.sources.documentFiles(place.file)) {
         for (const auto& o : file->index.occurrences) {
             if (o.role == NameRole::definition && o.kind == kind) {
                 items.add(file->name(o), itemKind, detail);
@@ -322,8 +321,7 @@ std::vector<std::string> spacesOf(const CompletionPlace& place, const SourceFile
 }
 
 void addFragments(const CompletionPlace& place, Items& items) {
-    const Resolver resolver(place.session.sources, place.file);
-    for (const SourceFile* file : resolver.files()) {
+    for (const SourceFile* file : place.session.sources.documentFiles(place.file)) {
         const auto spaces = spacesOf(place, *file);
         for (std::uint32_t i = 0; i < file->index.blocks.size(); ++i) {
             const Block& block = file->index.blocks[i];
@@ -482,7 +480,7 @@ CompletionPlace placeOf(Session& session, const OpenText& text, std::size_t offs
     // Behind the end of a block's last line, an indented line still belongs to the block.
     auto block = blockAt(file.index, offset);
     if (line.starts_with(' ')) {
-        const auto lastFilled = file.text().substr(0, begin).find_last_not_of(" \t\r\n");
+        const auto lastFilled = file.text().substr(0, offset).find_last_not_of(" \t\r\n");
         block =
             lastFilled == std::string_view::npos ? block : std::max(block, blockAt(file.index, lastFilled));
     }

@@ -4,7 +4,6 @@
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
-#include "views/dropped_fields.h"
 
 #include <algorithm>
 #include <array>
@@ -122,7 +121,7 @@ std::vector<std::string> namesOf(std::string_view text) {
 
 } // namespace
 
-std::vector<std::string> lostByRewrite(const SourceFile& file, const Analysis& analysis) {
+std::vector<std::string> lostByRewrite(const SourceFile& file) {
     std::vector<std::string> lost;
     const FileIndex& index = file.index;
     if (holdsKind(index, NameKind::comment, NameRole::word)) {
@@ -141,11 +140,6 @@ std::vector<std::string> lostByRewrite(const SourceFile& file, const Analysis& a
         })) {
         lost.emplace_back("includes");
     }
-    for (const auto& task : analysis.document->templateTasks) {
-        for (auto& field : views::droppedFields(task)) {
-            addOnce(lost, "'" + field + "' of task '" + task.name + "'");
-        }
-    }
     return lost;
 }
 
@@ -159,7 +153,7 @@ Json formatDocument(Session& session, const Json& params) {
                                                           : issues.back().message);
     }
     requireStrictReading(text, analysis);
-    auto lost = lostByRewrite(session.sources.of(text), analysis);
+    auto lost = lostByRewrite(session.sources.of(text));
     const auto canonical =
         views::renderCanonicalDocument(printedDocument(analysis), views::CanonicalView::sourceView,
                                        [&lost](const std::string& warning) { addOnce(lost, warning); });

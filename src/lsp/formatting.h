@@ -11,7 +11,7 @@ namespace morquill::lsp {
 
 /// What a rewrite of the text would drop, as a user would name it ("comments"), each once; empty when nothing
 /// is lost.
-[[nodiscard]] std::vector<std::string> lostByRewrite(const SourceFile& file, const Analysis& analysis);
+[[nodiscard]] std::vector<std::string> lostByRewrite(const SourceFile& file);
 
 /// `textDocument/formatting`. Throws `ResponseError` with what would be lost, or why the text cannot be read.
 [[nodiscard]] Json formatDocument(Session& session, const Json& params);

@@ -1,7 +1,6 @@
 #include "lsp/hints.h"
 
 #include "lsp/hover.h"
-#include "lsp/sources/resolve.h"
 
 #include <algorithm>
 #include <map>
@@ -85,7 +84,7 @@ Json inlayHints(Session& session, const Json& params) {
 Json codeLenses(Session& session, const Json& params) {
     const OpenText& text = requireText(session, params);
     const SourceFile& file = session.sources.of(text);
-    const auto users = usersOf(Resolver(session.sources, file).files());
+    const auto users = usersOf(session.sources.documentFiles(file));
     PositionWalk walk(text.buffer, session.client.unit);
     Json lenses = Json::array();
     for (const auto& o : file.index.occurrences) {

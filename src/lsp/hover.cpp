@@ -71,7 +71,8 @@ std::string canonicalTask(const TaskInfo& task) {
     TaskDocument one;
     one.templateTasks = std::vector<TaskInfo>{task};
     one.tasks = one.templateTasks;
-    return views::renderCanonicalDocument(one, views::CanonicalView::sourceView);
+    const auto text = views::renderCanonicalDocument(one, views::CanonicalView::sourceView);
+    return text.substr(text.find('$')); // without the head of the file
 }
 
 std::string taskHover(const HoverContext& context) {

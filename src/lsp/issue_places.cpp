@@ -33,6 +33,9 @@ ByteRange lineRange(const TextBuffer& buffer, std::int64_t line) {
     return range;
 }
 
+/// The end of a span that is a line without its blanks, of which the length is not known.
+constexpr std::int32_t wholeLine = 1 << 30;
+
 /// A message that begins with "<file>:<line>: ", taken apart.
 struct PlacedMessage {
     std::string_view file;
@@ -178,19 +181,20 @@ ByteRange spanRange(const SourceSpan& span, const TextBuffer& buffer) {
     ByteRange range{buffer.sourceOffset(span.line, span.column),
                     buffer.sourceOffset(span.endLine, span.endColumn)};
     range.end = std::max(range.begin, range.end);
-    return range;
+    return span.endColumn == wholeLine ? lineRange(buffer, span.line) : range;
 }
 
 IssuePlace placeOfIssue(const lint::LintIssue& issue, const OpenText& text) {
     IssuePlace place{{}, {}, issue.span, issue.message};
     std::string file = issue.file;
-    if (!isValidSpan(issue.span)) {
-        if (const auto placed = splitPlacedMessage(issue.message)) {
-            file = placed->file;
-            const auto line = static_cast<std::int32_t>(placed->line);
-            place.span = {SharedText(file), line, 1, line, 1 << 20};
-            place.message = placed->message;
-        }
+    if (isValidSpan(issue.span)) {
+        // What a fragment or an included file brought is at fault where it is written.
+        file = issue.span.path.empty() ? file : issue.span.path.str();
+    } else if (const auto placed = splitPlacedMessage(issue.message)) {
+        file = placed->file;
+        const auto line = static_cast<std::int32_t>(placed->line);
+        place.span = {SharedText(file), line, 1, line, wholeLine};
+        place.message = placed->message;
     }
     if (!isSameFile(file, text)) {
         place.file = file;

@@ -2,7 +2,6 @@
 
 #include "lsp/help_table.h"
 #include "lsp/issue_places.h"
-#include "lsp/sources/resolve.h"
 #include "support/text.h"
 #include "taskdsl/task/legacy_keywords.h"
 #include "taskdsl/task/resolved_task.h"
@@ -183,6 +182,51 @@ std::optional<Fix> keywordsToTemplate(const Broken& broken) {
     return Fix{"Write %template and %param", {{broken.wholeLine(), lines}}};
 }
 
+/// A name that no define or axis has.
+std::string freeAxisName(const SourceFile& file) {
+    std::string name = "choice";
+    for (int number = 2; file.definitions.contains(name); ++number) {
+        name = "choice_" + std::to_string(number);
+    }
+    return name;
+}
+
+/// The edit that declares an axis: in the matrix of the file, or in a new one in front of the first task.
+TextEdit axisDeclaration(const Broken& broken, const std::string& axis) {
+    const auto& blocks = broken.file.index.blocks;
+    const auto matrix = std::find_if(blocks.begin(), blocks.end(),
+                                     [](const Block& b) { return b.kind == BlockKind::matrix; });
+    const auto source = broken.source();
+    if (matrix != blocks.end()) {
+        const auto body = trimLeft(source.substr(std::min(source.find('\n', matrix->begin), source.size())));
+        const auto end = std::min(source.find('\n', matrix->end), source.size() - 1) + 1;
+        return {{end, end}, (body.starts_with('-') ? "  - " : "  ") + axis + "\n"};
+    }
+    const auto first = std::find_if(blocks.begin(), blocks.end(), [](const Block& b) {
+        return b.kind == BlockKind::task || b.kind == BlockKind::loop || b.kind == BlockKind::plot ||
+               b.kind == BlockKind::derive;
+    });
+    const std::size_t begin = first == blocks.end() ? 0 : first->begin;
+    return {{begin, begin}, "matrix:\n  " + axis + "\n"};
+}
+
+/// `{a,b}` in the keywords as an axis.
+std::optional<Fix> bracesToAxis(const Broken& broken) {
+    const auto line = broken.wholeLine();
+    const auto text = broken.source().substr(line.begin, line.end - line.begin);
+    const auto open = text.find('{');
+    const auto close = text.find('}', std::min(open, text.size()));
+    const auto comma = text.find(',', std::min(open, text.size()));
+    if (close == std::string_view::npos || comma > close) {
+        return std::nullopt;
+    }
+    const auto name = freeAxisName(broken.file);
+    const auto values = splitTrimmed(text.substr(open + 1, close - open - 1), ',');
+    return Fix{"Declare the alternatives as axis '" + name + "'",
+               {axisDeclaration(broken, name + ": " + join(values, ", ")),
+                {{line.begin + open, line.begin + close + 1}, "[" + name + "]"}}};
+}
+
 std::optional<Fix> nearestFix(const Broken& broken, const std::vector<std::string_view>& words) {
     const auto word = broken.source().substr(broken.range.begin, broken.range.size());
     const auto nearest = nearestWord(word, words);
@@ -191,7 +235,7 @@ std::optional<Fix> nearestFix(const Broken& broken, const std::vector<std::strin
 
 std::optional<Fix> nearestTask(const Broken& broken) {
     std::vector<std::string_view> names;
-    for (const SourceFile* file : Resolver(broken.session.sources, broken.file).files()) {
+    for (const SourceFile* file : broken.session.sources.documentFiles(broken.file)) {
         for (const auto& o : file->index.occurrences) {
             if (o.kind == NameKind::task && o.role == NameRole::definition) {
                 names.push_back(file->name(o));
@@ -223,7 +267,7 @@ struct FixRow {
     Certainty certainty;
 };
 
-constexpr std::array<FixRow, 15> fixes{{
+constexpr std::array<FixRow, 16> fixes{{
     {"legacy-hash-include", includeSign, Certainty::guessed}, // the file may be missing
     {"legacy-fragment-kind-alias", quotedAlias, Certainty::sure},
     {"legacy-control-gpu-alias", controlAlias, Certainty::sure},
@@ -234,6 +278,7 @@ constexpr std::array<FixRow, 15> fixes{{
     {"legacy-script-runner", keywordsToRunner, Certainty::sure},
     {"legacy-xtb-keywords", keywordsToArgs, Certainty::sure},
     {"legacy-implicit-xtb-args", addProgramXtb, Certainty::sure},
+    {"legacy-keyword-brace-expansion", bracesToAxis, Certainty::guessed}, // makes more tasks
     {"parse-error", nearestDirective, Certainty::guessed},
     {"missing-source-task", nearestTask, Certainty::guessed},
     {"missing-guess-task", nearestTask, Certainty::guessed},

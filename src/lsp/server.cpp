@@ -82,7 +82,7 @@ std::optional<Server::Message> Server::readMessage(const Frame& frame) {
     return message;
 }
 
-void Server::receive(Frame frame) {
+void Server::receive(const Frame& frame) {
     if (auto message = readMessage(frame)) {
         queue_.push_back(std::move(*message));
     }
@@ -205,7 +205,13 @@ void Server::idle(TimePoint now) {
 
 std::optional<std::chrono::milliseconds> Server::pause(TimePoint now) const {
     using std::chrono::milliseconds;
-    if (!queue_.empty() || !session_.workspace.isDone()) {
+    if (!queue_.empty()) {
+        return milliseconds(0);
+    }
+    if (life_ != Life::running) {
+        return std::nullopt; // nothing is done before or after
+    }
+    if (!session_.workspace.isDone()) {
         return milliseconds(0);
     }
     std::optional<milliseconds> least;

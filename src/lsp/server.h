@@ -17,7 +17,7 @@ class Server {
     explicit Server(SendMessage send);
 
     /// Takes a frame in. It is looked at in its turn, by `step`.
-    void receive(Frame frame);
+    void receive(const Frame& frame);
     /// Handles the oldest message that waits; false when there is none.
     bool step(TimePoint now);
     /// Does work that waited for a pause and is due.

@@ -63,7 +63,7 @@ class Input {
         }
         frames_.feed(std::string_view(bytes.data(), static_cast<std::size_t>(count)));
         while (auto frame = frames_.next()) {
-            server.receive(std::move(*frame));
+            server.receive(*frame);
         }
         return true;
     }

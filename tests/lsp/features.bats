@@ -70,7 +70,7 @@ END
 
 @test "formatting" {
     ask textDocument/formatting '{"textDocument":{"uri":"untitled:1"}}' >out
-    diff out <(answer "[{\"newText\":\"  %source origin\\n\",\"range\":$(range 1 0 1 0)},{\"newText\":\"\\n\",\"range\":$(range 2 0 2 0)}]")
+    diff out <(answer "[{\"newText\":\"dsl_version: 2\\n\\n\",\"range\":$(range 0 0 0 0)},{\"newText\":\"  %source origin\\n\",\"range\":$(range 1 0 1 0)},{\"newText\":\"\\n\",\"range\":$(range 2 0 2 0)}]")
 }
 
 @test "formatting is what mqkit fmt prints, on the examples that it does not refuse" {

@@ -38,12 +38,13 @@ std::string aligned(const std::string& text, int first, int last) {
 
 TEST(Formatting, writesTheCanonicalText) {
     EXPECT_EQ(formatted("$a\n%keywords hf\n$b\n%source a\n%keywords   'b3lyp opt'\n"),
-              "$a\n  %source origin\n  %keywords hf\n\n$b\n  %source a\n  %keywords \"b3lyp opt\"\n");
+              "dsl_version: 2\n\n$a\n  %source origin\n  %keywords hf\n\n$b\n  %source a\n  %keywords "
+              "\"b3lyp opt\"\n");
 }
 
 TEST(Formatting, leavesACanonicalTextAlone) {
     LspClient client;
-    client.open(uri, "$a\n  %source origin\n  %keywords hf\n");
+    client.open(uri, "dsl_version: 2\n\n$a\n  %source origin\n  %keywords hf\n");
     EXPECT_TRUE(client.request("textDocument/formatting", LspClient::document(uri)).empty());
 }
 
@@ -53,7 +54,7 @@ TEST(Formatting, refusesWhatItWouldDrop) {
               "! formatting would lose: @foreach loops, collections");
     EXPECT_EQ(formatted("$a\n&INCLUDE gone.mq\n"), "! formatting would lose: includes");
     EXPECT_EQ(formatted("$a\n  %control\n    alert false\n"),
-              "! formatting would lose: 'alert false' of task 'a'");
+              "! formatting would lose: task 'a' does not read back: it is written without alert false");
 }
 
 TEST(Formatting, refusesATextWithAFault) {

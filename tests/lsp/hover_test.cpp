@@ -29,7 +29,7 @@ TEST(Hover, ofWords) {
     EXPECT_EQ(hoverAt(text, "totc"),
               "`totcore <n>`\n\nNumber of processor cores; the value of the prelude serves tasks "
               "that have none.");
-    EXPECT_EQ(hoverAt(text, "or"), "-");
+    EXPECT_EQ(hoverAt(text, "%keywords h"), "-");
     EXPECT_EQ(hoverAt(text, "%program or"), "ORCA; takes %keywords and %extrainput.");
     EXPECT_EQ(hoverAt(text, "%plot sp"),
               "Lines with their intensities, drawn as sticks, broadened, or both.");
@@ -44,9 +44,9 @@ TEST(Hover, ofATaskIsItsCanonicalText) {
 }
 
 TEST(Hover, ofAKeyIsItsValues) {
-    EXPECT_EQ(hoverAt("define:\n  d: \"1 2\" # c\nmatrix:\n  f: x, y\n$a_[f]_[d]\n", "$a_["),
+    EXPECT_EQ(hoverAt("define:\n  d: \"1 2\" # c\nmatrix:\n  f: x, y\n$a_[f]_[d]\n  %keywords hf\n", "$a_["),
               "Axis `f`: `x, y`");
-    EXPECT_EQ(hoverAt("define:\n  d: \"1 2\" # c\nmatrix:\n  f: x, y\n$a_[f]_[d]\n", "]_["),
+    EXPECT_EQ(hoverAt("define:\n  d: \"1 2\" # c\nmatrix:\n  f: x, y\n$a_[f]_[d]\n  %keywords hf\n", "]_["),
               "Define `d`: `\"1 2\"`");
 }
 

@@ -40,6 +40,19 @@ TEST_F(IssuePlacesTest, aMessageMayNameAnotherFile) {
     EXPECT_EQ(shown("$a\n&INCLUDE x.mq\n", "/d/b.mq:7: wrong"), "&INCLUDE x.mq -> /d/b.mq | wrong");
 }
 
+TEST_F(IssuePlacesTest, whatAFragmentBringsIsAtFaultThere) {
+    const std::string content = "$a\n&INCLUDE \"b.mqfrag\"\n";
+    const auto& text = store.open("file:///d/a.mq", 1, content);
+    const auto place = placeOfIssue({LintSeverity::warning,
+                                     "/d/a.mq",
+                                     {SharedText("/d/b.mqfrag"), 2, 1, 2, 5},
+                                     "legacy-xtb-keywords",
+                                     "old"},
+                                    text);
+    EXPECT_EQ(place.file, "/d/b.mqfrag");
+    EXPECT_EQ(content.substr(place.range.begin, place.range.size()), "&INCLUDE \"b.mqfrag\"");
+}
+
 TEST_F(IssuePlacesTest, aMessageWithoutAPlaceIsAtTheFirstLine) {
     EXPECT_EQ(shown("  one\ntwo\n", "wrong: no"), "one | wrong: no");
     EXPECT_EQ(shown("", "wrong"), " | wrong");

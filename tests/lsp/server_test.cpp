@@ -140,6 +140,15 @@ TEST(Server, waitsForAPauseOfTyping) {
     EXPECT_EQ(client.takeMessages().size(), 1U);
 }
 
+TEST(Server, restsBeforeInitializeAndAfterShutdown) {
+    LspClient before(LspClient::notInitialized);
+    EXPECT_EQ(before.server.pause(before.now), std::nullopt);
+    LspClient client;
+    client.open("untitled:1", "$a\n");
+    EXPECT_TRUE(client.request("shutdown", nullptr).is_null());
+    EXPECT_EQ(client.server.pause(client.now), std::nullopt);
+}
+
 TEST(Server, aBadNotificationIsLoggedAndCostsNothing) {
     LspClient client;
     client.notify("textDocument/didChange", {{"textDocument", 7}});

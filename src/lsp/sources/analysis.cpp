@@ -98,9 +98,23 @@ void checkPart(FileCheck check, const std::string& path, const taskdsl::FileOver
     }
 }
 
+/// The name of a text that belongs to no file: a place in a message needs one.
+const std::string memoryName = "<memory>";
+
+/// The files that were looked for and are not there: the parser warns of them.
+void addMissingFiles(Analysis& analysis) {
+    for (const auto& warning : analysis.warnings) {
+        const auto path = warning.rfind(": ");
+        if (warning.starts_with("Warning: Included") && path != std::string::npos) {
+            analysis.files->push_back(warning.substr(path + 2));
+        }
+    }
+}
+
 void checkTasks(const OpenText& text, const taskdsl::FileOverlay& overlay, Analysis& analysis) {
     const taskdsl::WarningSink warnings = [&](const std::string& line) { analysis.warnings.push_back(line); };
-    auto linted = lint::lintAndKeep(text.buffer.text(), text.path, warnings, overlay);
+    auto linted =
+        lint::lintAndKeep(text.buffer.text(), text.path.empty() ? memoryName : text.path, warnings, overlay);
     analysis.report = std::move(linted.report);
     if (!linted.document) {
         return;
@@ -110,6 +124,7 @@ void checkTasks(const OpenText& text, const taskdsl::FileOverlay& overlay, Analy
     for (const auto* name : {"extra.yaml", "extra.mq"}) {
         analysis.files->push_back(joinPath(document.directory, name));
     }
+    addMissingFiles(analysis);
     if (!document.matrixAxes.empty()) {
         document.tasks.reset(); // what a matrix makes is large, and nobody asks for it
     }

@@ -25,7 +25,8 @@ class Resolver {
     [[nodiscard]] std::vector<Place> definitions(const Place& place) const;
     /// Every place in the document that means one of the definitions, these included, file by file.
     [[nodiscard]] std::vector<Place> references(const std::vector<Place>& definitions) const;
-    [[nodiscard]] const std::vector<const SourceFile*>& files() const noexcept { return files_; }
+    [[nodiscard]] const std::vector<const SourceFile*>& files() const& noexcept { return files_; }
+    const std::vector<const SourceFile*>& files() && = delete; // the list goes with its owner
 
   private:
     [[nodiscard]] std::vector<Place> tasks(std::string_view name) const;
