@@ -11,12 +11,16 @@
 #include <string_view>
 #include <utility>
 
+#include <malloc.h>
 #include <poll.h>
 #include <unistd.h>
 
 namespace morquill::lsp {
 
 namespace {
+
+/// Bytes of a message behind which memory is given back.
+constexpr std::size_t largeMessage = 1U << 20U;
 
 TimePoint now() {
     return std::chrono::steady_clock::now();
@@ -78,7 +82,11 @@ class Input {
 int serve(int input, int output) {
     std::signal(SIGPIPE, SIG_IGN);
     bool connected = true;
-    Server server([&](const std::string& body) { connected = connected && writeAll(output, frameOf(body)); });
+    bool wasLarge = false;
+    Server server([&](const std::string& body) {
+        connected = connected && writeAll(output, frameOf(body));
+        wasLarge = wasLarge || body.size() > largeMessage;
+    });
     Input stream(input);
     bool open = true;
     while (connected && !server.exitStatus()) {
@@ -90,6 +98,8 @@ int serve(int input, int output) {
                 break;
             }
             server.idle(now());
+        } else if (std::exchange(wasLarge, false)) {
+            ::malloc_trim(0); // a large answer is made of many small values, whose room is not needed again
         }
     }
     return server.exitStatus().value_or(server.statusAtEnd());
