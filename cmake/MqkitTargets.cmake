@@ -1,5 +1,4 @@
-# How a room of the house becomes a target: one static library per folder of src/, one test program per
-# folder of tests/.
+# How a room becomes targets: one static library per folder of src/, one test program per folder of tests/.
 
 add_library(mqkit_warnings INTERFACE)
 target_compile_options(mqkit_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
@@ -7,8 +6,8 @@ if(MQKIT_WERROR)
     target_compile_options(mqkit_warnings INTERFACE -Werror)
 endif()
 if(MQKIT_SANITIZE)
-    # At the link of everything, also of the tests: those are compiled plain, as it is the program that is under
-    # test, and instrumenting its tests would cost the build as much again.
+    # Linked into everything, including the tests. Those are compiled without instrumentation, which would double
+    # the cost of the build without testing more of the program.
     target_link_options(mqkit_warnings INTERFACE -fsanitize=address,undefined)
 endif()
 
@@ -24,7 +23,7 @@ if(MQKIT_FUZZ)
 endif()
 
 # mqkit_room(<folder> [USES <folder>...]): the library of one folder of src/, without its sub-folders, which are
-# rooms of their own. A source called main.cpp or *_main.cpp is a program and no part of the room.
+# rooms of their own. A source called main.cpp or *_main.cpp is a program, not a part of the room.
 function(mqkit_room folder)
     cmake_parse_arguments(ROOM "" "" "USES" ${ARGN})
     string(REPLACE "/" "_" name ${folder})
@@ -41,6 +40,24 @@ function(mqkit_room folder)
         target_link_libraries(mqkit_${name} PUBLIC mqkit_${used})
     endforeach()
     set_property(GLOBAL APPEND PROPERTY MQKIT_ROOMS ${folder})
+endfunction()
+
+# mqkit_program(<name> <source> USES <folder>...): a program that is installed, left at the top of the build folder. It has
+# the version inside.
+function(mqkit_program name source)
+    cmake_parse_arguments(PROGRAM "" "" "USES" ${ARGN})
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/ident.cpp.in ${PROJECT_BINARY_DIR}/embedded/ident.cpp @ONLY)
+    add_executable(${name} ${source} ${PROJECT_BINARY_DIR}/embedded/ident.cpp)
+    target_link_libraries(${name} PRIVATE mqkit_flags)
+    foreach(used IN LISTS PROGRAM_USES)
+        string(REPLACE "/" "_" used ${used})
+        target_link_libraries(${name} PRIVATE mqkit_${used})
+    endforeach()
+    if(MQKIT_STATIC AND MQKIT_YAML_ARCHIVE AND NOT MQKIT_SANITIZE)
+        target_link_options(${name} PRIVATE -static)
+    endif()
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
+    set_property(GLOBAL APPEND PROPERTY MQKIT_PROGRAMS ${name})
 endfunction()
 
 # mqkit_embed(<folder> <header> <name>=<file>...): a header for the sources of the room alone, included as
@@ -81,7 +98,13 @@ function(mqkit_unit_tests folder)
     target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_link_libraries(test_${name} PRIVATE mqkit_warnings mqkit_${name} GTest::gmock GTest::gmock_main)
     target_compile_options(test_${name} PRIVATE -O0)
-    target_precompile_headers(test_${name} REUSE_FROM mqkit_test_pch)
+    # What a header defines inline is emitted by the tests as well, and theirs wins at the link: the room that is
+    # nearly all headers has its tests instrumented.
+    if(MQKIT_SANITIZE AND folder STREQUAL support)
+        target_link_libraries(test_${name} PRIVATE mqkit_flags)
+    else()
+        target_precompile_headers(test_${name} REUSE_FROM mqkit_test_pch)
+    endif()
     add_test(NAME unit.${entry} COMMAND test_${name} --gtest_brief=1)
     set_tests_properties(unit.${entry} PROPERTIES WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
 endfunction()

@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
     }
     try {
-        taskdsl::TaskParser parser(true, [](const std::string&) {});
+        taskdsl::TaskParser parser({.legacyMultiSource = true});
         const auto document = parser.parseText(texts.front(), directory() + "t.mq");
         (void)renderCanonicalDocument(document, views::CanonicalView::sourceView);
         (void)renderCanonicalDocument(document, views::CanonicalView::matrixExpandedView);

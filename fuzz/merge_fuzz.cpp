@@ -37,7 +37,7 @@ bool isSubsequence(const std::vector<std::string_view>& part, const std::vector<
 
 void parse(const std::string& text) {
     try {
-        (void)taskdsl::TaskParser(false, [](const std::string&) {}).parseText(text, "");
+        (void)taskdsl::TaskParser().parseText(text, "");
     } catch (const std::runtime_error&) {
         // A fault of the input, told as such.
     }
@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(templates::withAutorun(whole) == whole);
     parse(whole);
 
-    const auto names = templates::scanPlaceholders(merged, true);
+    const auto names = templates::scanPlaceholders(merged, templates::BuiltIns::drop);
     const auto values = templates::parseVariableTemplate(texts.back(), "default").values;
     const auto section = templates::buildDefineSection(names, values);
     parse(templates::replaceDefineSection(whole, section));

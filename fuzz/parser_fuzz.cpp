@@ -18,8 +18,8 @@ using namespace morquill;
 using taskdsl::DiagnosticError;
 using taskdsl::TaskDocument;
 
-TaskDocument parse(const std::string& text, bool isTolerant) {
-    return taskdsl::TaskParser(isTolerant, [](const std::string&) {}).parseText(text, "");
+TaskDocument parse(const std::string& text, const taskdsl::ParserOptions& options = {}) {
+    return taskdsl::TaskParser(options).parseText(text, "");
 }
 
 [[noreturn]] void fail(const char* fault, const std::string& text) {
@@ -36,7 +36,7 @@ void holdLaw(const TaskDocument& document, views::CanonicalView view) {
     }
     TaskDocument read;
     try {
-        read = parse(printed, false);
+        read = parse(printed);
     } catch (const DiagnosticError& error) {
         fail(error.what(), printed);
     }
@@ -50,7 +50,7 @@ void holdLaw(const TaskDocument& document, views::CanonicalView view) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     TaskDocument document;
     try {
-        document = parse(std::string(reinterpret_cast<const char*>(data), size), true);
+        document = parse(std::string(reinterpret_cast<const char*>(data), size), {.legacyMultiSource = true});
     } catch (const DiagnosticError&) {
         return 0;
     }

@@ -13,13 +13,13 @@ namespace morquill::app {
 
 namespace {
 
-/// The run operation of a command on one task file: its help token is the word behind the command word.
+/// The run operation of a command on one task file, whose help token follows the command word.
 template <HelpOperation help, RunOperation run>
 int fileCommand(int argc, char** argv) {
     return runFileCommand(argc, argv, 2, help, run);
 }
 
-/// A row whose two name columns are the same word, as all of them are.
+/// Makes a row whose display name is the command word, as in all rows.
 constexpr CommandEntry row(std::string_view name, std::string_view description, HelpOperation help,
                            RunOperation run) {
     return {name, name, help, run, description};

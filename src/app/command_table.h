@@ -8,30 +8,30 @@
 /// The commands of the program: one row each, looked up by name or unique prefix.
 namespace morquill::app {
 
-/// Prints a command's help on standard output; takes the program path as given (`argv[0]`).
+/// Prints a command's help to standard output; takes the program path as given (`argv[0]`).
 using HelpOperation = void (*)(std::string_view programPath);
 /// Runs a command with the untouched argument vector; returns the exit status.
 using RunOperation = int (*)(int argc, char** argv);
 
-/// One command.
+/// A command.
 struct CommandEntry {
     std::string_view name; ///< the command word, lower case
     std::string_view displayName;
     HelpOperation help = nullptr;
     RunOperation run = nullptr;
-    std::string_view description = {}; ///< its line in the overview
+    std::string_view description = {}; ///< its text in the overview
 };
 
-/// All commands, in the order in which messages list them.
+/// Returns all commands, in the order in which messages list them.
 [[nodiscard]] std::span<const CommandEntry> commandTable() noexcept;
 
-/// The row whose name is `token` (in any case), or the only one whose name begins with it; none for an empty
-/// token. `matches` receives the name of the exact match, or all names that begin with the token.
+/// Returns the row whose name is `token` (in any case), or the only one whose name begins with it; null for
+/// an empty token. `matches` receives the name of the exact match, or all names that begin with the token.
 [[nodiscard]] const CommandEntry* findCommand(std::span<const CommandEntry> table, std::string_view token,
                                               std::vector<std::string>& matches);
 
-/// The runner that the commands on one task file share: help with status 0 when exactly `argv[helpIndex]` is
-/// a help token, status 1 without a `run`, otherwise what `run` returns.
+/// Runs a command on one task file: prints the help and returns 0 when `argv[helpIndex]` is a help token,
+/// returns 1 without a `run`, otherwise the result of `run`.
 [[nodiscard]] int runFileCommand(int argc, char** argv, int helpIndex, HelpOperation help, RunOperation run);
 
 } // namespace morquill::app

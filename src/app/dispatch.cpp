@@ -4,18 +4,14 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
-#include "console/logger.h"
 #include "console/messages.h"
 #include "project/project_command.h"
 #include "project/rename/rename.h"
-#include "support/fault.h"
 #include "support/text.h"
 #include "templates/template_command.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <exception>
 #include <span>
 #include <string>
 #include <vector>
@@ -31,7 +27,7 @@ bool isOneOf(const std::array<std::string_view, N>& words, std::string_view word
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-/// True for an argument that names a file with this ending rather than being an option.
+/// True for an argument that is not an option and names a file with this ending.
 bool namesFile(std::string_view argument, std::string_view ending) {
     return !argument.starts_with('-') && argument.ends_with(ending);
 }
@@ -66,7 +62,7 @@ bool isTemplateShape(Arguments arguments) {
     return !arguments.empty() && isOneOf(options, arguments.front());
 }
 
-// In the order in which they are tried: the first that matches takes the whole command line.
+// Tried in this order; the first that matches takes the whole command line.
 constexpr std::array<OlderShape, 4> olderShapes{{
     {"rename", isRenameShape, project::runRenameCompatibility},
     {"update", isUpdateShape, project::runUpdateCompatibility},
@@ -78,8 +74,8 @@ console::UsageError refusal(const std::string& message) {
     return console::UsageError(console::ErrorTag::coloured, message);
 }
 
-/// The command that a word or its prefix names; null when there is none. Throws `UsageError` when there are
-/// several; `what` is what the word was meant to be.
+/// The command with that name or prefix; null when there is none. Throws `UsageError` when there are several;
+/// its message calls the word `what`.
 const CommandEntry* findOneCommand(const std::string& word, std::string_view what) {
     std::vector<std::string> matches;
     const CommandEntry* entry = findCommand(commandTable(), word, matches);
@@ -90,7 +86,7 @@ const CommandEntry* findOneCommand(const std::string& word, std::string_view wha
     return entry;
 }
 
-/// The help that is asked for behind the help word. Throws `UsageError`.
+/// The help operation for the words after the help word. Throws `UsageError`.
 HelpOperation findTopic(int argc, char** argv) {
     if (argc == 2) {
         return printTopLevelHelp;
@@ -108,7 +104,7 @@ int showHelp(int argc, char** argv) {
     return 0;
 }
 
-/// What answers a command line of at least one word. Throws `UsageError`.
+/// The operation for a command line of at least one word. Throws `UsageError`.
 RunOperation findOperation(int argc, char** argv) {
     const std::string first = argv[1];
     if (console::isHelpToken(toLower(first))) {
@@ -123,7 +119,7 @@ RunOperation findOperation(int argc, char** argv) {
     throw refusal("unknown command or argument: " + first);
 }
 
-/// The overview in front of the list of commands, and behind it.
+/// The overview before and after the list of commands.
 constexpr std::string_view helpBefore = R"(  Mqkit: A unified entry point for .mq and .projmq workflows.
 # Usage:
   `@ <command> [options]`
@@ -133,7 +129,7 @@ constexpr std::string_view helpBefore = R"(  Mqkit: A unified entry point for .m
 # Commands:
 )";
 
-constexpr std::string_view helpBehind = R"(
+constexpr std::string_view helpAfter = R"(
 # Examples:
   `@ template merge opt freq -o task.mq`
   `@ project add --path ./demo_project mol1.xyz mol2.xyz`
@@ -155,35 +151,6 @@ std::string commandLine(const CommandEntry& entry) {
     std::string field(entry.name);
     field.resize(std::max<std::size_t>(field.size(), 10), ' ');
     return "  `" + field + "` " + std::string(entry.description) + "\n";
-}
-
-/// Kept apart from its caller: the stack is unwound up to a function that may not throw, but that function's
-/// own objects are not destroyed.
-[[gnu::noinline]] int runUnguarded(int argc, char** argv, int (*command)(int argc, char** argv)) {
-    const console::LogSession session("mqkit", argc, argv, console::LogLevel::Warning,
-                                      console::LogLevel::Skip);
-    try {
-        return console::finishOutput(command(argc, argv));
-    } catch (const std::exception& fault) {
-        // A lack of memory is no fault of the program; whatever else gets here is one and ends it.
-        if (!isOutOfMemory(fault)) {
-            throw;
-        }
-        console::reportError(console::ErrorTag::coloured, faultText(fault, {}));
-        return console::finishOutput(1);
-    }
-}
-
-std::terminate_handler usualEnd = nullptr;
-
-/// Called without an exception when there was no memory even for the exception.
-[[noreturn]] void endWithoutMemory() {
-    if (std::current_exception() == nullptr) {
-        console::reportErrorInPieces({"out of memory"});
-        std::_Exit(1);
-    }
-    usualEnd();
-    std::abort();
 }
 
 } // namespace
@@ -213,13 +180,7 @@ void printTopLevelHelp(std::string_view programPath) {
     for (const auto& entry : commandTable()) {
         text += commandLine(entry);
     }
-    console::printHelp(text += helpBehind, programPath);
-}
-
-int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept {
-    console::prepareStandardStreams();
-    usualEnd = std::set_terminate(endWithoutMemory);
-    return runUnguarded(argc, argv, command);
+    console::printHelp(text += helpAfter, programPath);
 }
 
 } // namespace morquill::app

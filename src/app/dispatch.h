@@ -5,30 +5,25 @@
 #include <span>
 #include <string_view>
 
-/// From the process's arguments to the command that answers them.
+/// From the arguments of the process to the command that handles them.
 namespace morquill::app {
 
-/// Picks the command by exact name or unique prefix, prints help, or recognises one of the older shapes that
-/// have no command word; returns the exit status.
+/// Runs the command with that exact name or unique prefix, the help, or one of the older shapes without a
+/// command word. Returns the exit status.
 [[nodiscard]] int dispatchCommand(int argc, char** argv);
 
-/// A command line without command word that is still understood.
+/// A form of command line without a command word that is still understood.
 struct OlderShape {
-    std::string_view name; ///< what it asks for: "rename", "update", "project" or "template"
+    std::string_view name; ///< the command it means: "rename", "update", "project" or "template"
     bool (*matches)(std::span<const char* const> arguments) = nullptr;
     RunOperation run = nullptr;
 };
 
-/// The first of the older shapes, in their fixed order, that `arguments` (those behind the program path)
-/// have; none when there is no such shape.
+/// Returns the first of the older shapes, in their fixed order, that matches `arguments`, those after the
+/// program path; null when there is none.
 [[nodiscard]] const OlderShape* findOlderShape(std::span<const char* const> arguments);
 
-/// The overview of all commands, on standard output.
+/// Prints the overview of all commands to standard output.
 void printTopLevelHelp(std::string_view programPath);
-
-/// A whole run of the program: readies the standard streams, opens the log session, calls `command` and
-/// returns the exit status. An exception that no command caught ends the process abnormally, after the
-/// session was closed.
-[[nodiscard]] int runInSession(int argc, char** argv, int (*command)(int argc, char** argv)) noexcept;
 
 } // namespace morquill::app

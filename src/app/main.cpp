@@ -1,5 +1,6 @@
 #include "app/dispatch.h"
+#include "console/session.h"
 
 int main(int argc, char** argv) {
-    return morquill::app::runInSession(argc, argv, morquill::app::dispatchCommand);
+    return morquill::console::runInSession("mqkit", argc, argv, morquill::app::dispatchCommand);
 }

@@ -12,11 +12,13 @@ namespace {
 
 using catalog_rows::rows;
 
-/// One name and the row it reaches.
+/// A name and the index of its row.
 struct IndexEntry {
     std::string_view name;
     std::uint16_t row = 0;
 
+    // A false alarm: the check takes the comparison with 0 inside a defaulted `<=>` for a null pointer.
+    // NOLINTNEXTLINE(modernize-use-nullptr)
     friend constexpr auto operator<=>(const IndexEntry&, const IndexEntry&) = default;
 };
 
@@ -28,15 +30,15 @@ constexpr std::size_t nameCount = [] {
     return count;
 }();
 
-/// All names in byte order; a name of two rows stands with the earlier row first, which is the one that
-/// counts.
+/// All names in byte order. A name of two rows has the earlier one first, which is the one that counts.
 constexpr std::array<IndexEntry, nameCount> nameIndex = [] {
     std::array<IndexEntry, nameCount> index{};
     std::size_t next = 0;
-    for (std::uint16_t i = 0; i < std::size(rows); ++i) {
-        index[next++] = {rows[i].canonical, i};
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const auto row = static_cast<std::uint16_t>(i);
+        index[next++] = {rows[i].canonical, row};
         for (const auto alias : rows[i].aliases) {
-            index[next++] = {alias, i};
+            index[next++] = {alias, row};
         }
     }
     std::sort(index.begin(), index.end());
@@ -51,7 +53,7 @@ constexpr std::size_t longestName = [] {
     return longest;
 }();
 
-// The index compares names as they stand in the table, so the table has to be normalised.
+// The index compares names as written in the table, so the table has to be normalised.
 static_assert(std::all_of(nameIndex.begin(), nameIndex.end(), [](const IndexEntry& entry) {
     return !entry.name.empty() && std::all_of(entry.name.begin(), entry.name.end(),
                                               [](char c) { return isKeyChar(c) && lowerChar(c) == c; });
@@ -111,7 +113,7 @@ struct CapabilityName {
     std::string_view name;
 };
 
-/// In the order in which capabilities are tested.
+/// The names of the capabilities, in the order in which they are tested.
 constexpr CapabilityName capabilityNames[] = {
     {&PropertyCapabilities::gradient, "gradient"},
     {&PropertyCapabilities::hessian, "hessian"},
@@ -145,7 +147,7 @@ std::string normalizePropertyKey(std::string_view text) {
 }
 
 const PropertyCatalogRow* findProperty(std::string_view name) noexcept {
-    // Normalised in place: no name of the catalog is longer than this, and most look-ups are misses that
+    // Normalised in a local buffer: no name of the catalog is longer, and most look-ups are misses that
     // should not cost an allocation.
     std::array<char, longestName> buffer;
     std::size_t length = 0;

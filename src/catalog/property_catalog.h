@@ -10,7 +10,7 @@
 #include <string_view>
 
 /// The property catalog: the fixed vocabulary of quantum-chemical results that the tool family reads from its
-/// normalised documents. It is compiled in and has no file form.
+/// normalised documents. It is compiled in, not read from a file.
 namespace morquill {
 
 /// Shape of a property's value.
@@ -23,7 +23,7 @@ enum class PropertyValueKind : std::int32_t {
     vector3Series = 5,
 };
 
-/// Physical kind of a quantity.
+/// Physical kind of a property's value.
 enum class PropertyQuantityClass : std::int32_t {
     unknown = 0,
     dimensionless = 1,
@@ -45,7 +45,7 @@ enum class PropertyQuantityClass : std::int32_t {
     heatCapacity = 17,
 };
 
-/// The record that a value belongs to; `none` for a value of the whole document.
+/// The record to which a value belongs; `none` for a value of the whole document.
 enum class PropertyRecordType : std::int32_t {
     none = 0,
     job = 1,
@@ -65,7 +65,7 @@ enum class PropertyRecordType : std::int32_t {
     spinOrbitCouplingElement = 15,
 };
 
-/// What a result must offer for a property to exist. A row sets at most one.
+/// What a result must contain for a property to exist. A row requires at most one capability.
 struct PropertyCapabilities {
     bool gradient = false;
     bool hessian = false;
@@ -79,14 +79,14 @@ struct PropertyCapabilities {
     friend constexpr bool operator==(const PropertyCapabilities&, const PropertyCapabilities&) = default;
 };
 
-/// The other names of a row, in their listed order.
+/// The other names of a row, as listed.
 class PropertyAliases {
   public:
     static constexpr std::size_t most = 5;
 
     constexpr PropertyAliases(std::initializer_list<std::string_view> names) {
         for (const auto name : names) {
-            names_[count_++] = name; // a sixth name in the constexpr table does not compile
+            names_[count_++] = name; // a sixth name does not compile in the constexpr table
         }
     }
     [[nodiscard]] constexpr const std::string_view* begin() const noexcept { return names_.data(); }
@@ -101,11 +101,11 @@ class PropertyAliases {
 /// One property. All texts live as long as the process.
 struct PropertyCatalogRow {
     std::string_view canonical; ///< canonical name, beginning "qc."
-    PropertyAliases aliases;    ///< other names that reach the row
+    PropertyAliases aliases;    ///< other names of the property
     PropertyValueKind valueKind;
     PropertyRecordType recordType;
     PropertyQuantityClass quantityClass;
-    std::string_view unit; ///< unit in which the value is stored; empty when it has none
+    std::string_view unit; ///< unit of the stored value; empty when it has none
     PropertyCapabilities capabilities;
     std::int32_t tier;            ///< 1 for program, job, system, geometry and leading energies, else 2
     std::string_view description; ///< one line
@@ -117,25 +117,25 @@ struct PropertyCatalogRow {
 /// All rows, in catalog order.
 [[nodiscard]] std::span<const PropertyCatalogRow> propertyCatalog() noexcept;
 
-/// A name as the catalog compares it: letters, digits, `_`, `-` and `.` kept and lower-cased, all else
-/// dropped.
+/// Returns a name in the form that the catalog compares: letters,
+/// digits, `_`, `-` and `.` in lower case, all other bytes dropped.
 [[nodiscard]] std::string normalizePropertyKey(std::string_view text);
 
-/// The first row whose canonical name or alias equals the normalised name; null when there is none.
+/// Returns the first row whose canonical name or alias equals the normalised name; null when there is none.
 [[nodiscard]] const PropertyCatalogRow* findProperty(std::string_view name) noexcept;
 
-/// The canonical name of `findProperty`.
+/// Returns the canonical name of the row that `findProperty` finds; nothing when there is none.
 [[nodiscard]] std::optional<std::string_view> canonicalPropertyName(std::string_view name) noexcept;
 
-/// False when the row needs a capability that is not available.
+/// False when the row requires a capability that is not available.
 [[nodiscard]] bool capabilitiesSatisfied(const PropertyCapabilities& row,
                                          const PropertyCapabilities& available) noexcept;
 
-/// The texts of the enumerations, such as "text_scalar"; a value out of range gives the text of value 0.
+/// The names of the enumerators, such as "text_scalar"; that of value 0 for a value out of range.
 [[nodiscard]] std::string_view propertyValueKindName(PropertyValueKind kind) noexcept;
 [[nodiscard]] std::string_view propertyQuantityClassName(PropertyQuantityClass quantity) noexcept;
 [[nodiscard]] std::string_view propertyRecordTypeName(PropertyRecordType record) noexcept;
-/// The capability that the row needs, such as "excited_states", or "none".
+/// The name of the required capability, such as "excited_states", or "none".
 [[nodiscard]] std::string_view propertyCapabilityName(const PropertyCapabilities& capabilities) noexcept;
 
 } // namespace morquill

@@ -4,7 +4,7 @@
 
 namespace morquill {
 
-/// The user's reference of all properties in Markdown: docs/properties.md, byte for byte.
+/// Returns the user's reference of all properties in Markdown: docs/properties.md, byte for byte.
 [[nodiscard]] std::string renderPropertyDocument();
 
 } // namespace morquill

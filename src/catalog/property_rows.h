@@ -4,7 +4,7 @@
 
 #include <iterator>
 
-/// The rows of the catalog. Only property_catalog.cpp includes this; everyone else asks the catalog.
+/// The rows of the catalog. Only property_catalog.cpp includes this; all other code uses its functions.
 namespace morquill::catalog_rows {
 
 using Kind = PropertyValueKind;
@@ -21,9 +21,8 @@ inline constexpr PropertyCapabilities needsDipole{.dipole = true};
 inline constexpr PropertyCapabilities needsAtomicCharges{.atomicCharges = true};
 inline constexpr PropertyCapabilities needsSpinOrbit{.spinOrbit = true};
 
-// Name, aliases / value kind, record, quantity, unit, capability, tier / description. Names are written in
-// normalised form. "cm^-1" and "cm-1" are different unit texts and both stay as the result documents have
-// them.
+// Name, aliases / value kind, record, quantity, unit, capability, tier / description. Names are in normalised
+// form. "cm^-1" and "cm-1" are different unit texts; each is what the result documents contain.
 // clang-format off
 inline constexpr PropertyCatalogRow rows[] = {
     {"qc.program", {"program", "qc.program.name"},

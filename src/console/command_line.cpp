@@ -13,16 +13,16 @@ int reportUsageError(const UsageError& error) {
     return 1;
 }
 
-std::optional<std::size_t> noValue(Words /*behind*/) noexcept {
+std::optional<std::size_t> noValue(Words /*following*/) noexcept {
     return 0;
 }
 
-std::optional<std::size_t> oneValue(Words behind) noexcept {
-    return behind.empty() ? std::nullopt : std::optional<std::size_t>(1);
+std::optional<std::size_t> oneValue(Words following) noexcept {
+    return following.empty() ? std::nullopt : std::optional<std::size_t>(1);
 }
 
-std::optional<std::size_t> restOfLine(Words behind) noexcept {
-    return behind.size();
+std::optional<std::size_t> restOfLine(Words following) noexcept {
+    return following.size();
 }
 
 UsageError unknownArgument(std::string_view word) {

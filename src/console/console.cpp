@@ -1,6 +1,7 @@
 #include "console/console.h"
 
 #include "console/messages.h"
+#include "support/fault.h"
 
 #include <cerrno>
 #include <csignal>
@@ -15,18 +16,18 @@ namespace morquill::console {
 
 namespace {
 
-// The decision and whether it was taken; written once, by the session guard of `main`.
+// The decision and whether it was made; written once, by the session guard of `main`.
 bool colorDecided = false;
 bool colorAllowed = true;
 
-// The first failure of standard output; 0 while everything went out. Nothing is tried behind it.
+// The first failure of standard output; 0 while all was written. Nothing is written after a failure.
 int outputError = 0;
 bool outputClosed = false;
 
 extern "C" void ignoreSignal(int /*signal*/) {}
 
-/// Leaves a signal that the system would end the program with to the result of the write that raised it. A
-/// handler, not SIG_IGN: it goes back to the default when a child program is started.
+/// Turns a signal that would end the program into a failed write. A handler rather than SIG_IGN, because a
+/// child program starts with the default again.
 void leaveToTheWrite(int signal) noexcept {
     struct sigaction current {};
     if (::sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_DFL) {
@@ -63,7 +64,7 @@ void flushOut() noexcept {
 void prepareStandardStreams() noexcept {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(fd, F_GETFD) < 0) {
-            // The lowest free number is taken, and that is this one.
+            // `open` takes the lowest free number, which is this one.
             (void)::open("/dev/null", O_RDWR);
             outputClosed = outputClosed || fd == STDOUT_FILENO;
         }
@@ -78,8 +79,8 @@ int finishOutput(int status) {
         return status;
     }
     if (outputError != EPIPE) {
-        const std::string reason = std::strerror(outputError);
-        reportError(ErrorTag::coloured, "could not write to standard output: " + reason);
+        reportError(ErrorTag::coloured,
+                    std::string("could not write to standard output: ") + systemErrorText(outputError));
     }
     return status == 0 ? 1 : status;
 }

@@ -9,7 +9,7 @@ namespace morquill::console {
 
 namespace {
 
-/// The text with the program in place of every "@" that no letter follows.
+/// The text with the program's name in place of every "@" that no letter follows.
 std::string withProgram(std::string_view text, const std::string& program) {
     std::string shown;
     for (std::size_t i = 0; i < text.size(); ++i) {

@@ -59,7 +59,7 @@ ConsoleColor logLevelColor(LogLevel level) noexcept {
 }
 
 Logger& Logger::instance() {
-    static auto* const logger = new Logger; // lives to the end of the process, whoever still logs then
+    static auto* const logger = new Logger; // never destroyed: destructors may log to the very end
     return *logger;
 }
 
@@ -156,7 +156,7 @@ void Logger::consoleWrite(LogLevel level, std::string_view text, const ConsoleSt
 void Logger::consoleLine(LogLevel level, std::string_view text, const ConsoleStyle& style) const {
     const bool toError = style.forceError || level == LogLevel::Warning || level == LogLevel::Error;
     const auto color = style.color == 0 ? logLevelColor(level) : static_cast<ConsoleColor>(style.color);
-    // Not `colorEnabled`: the log follows its own switch and does not look at TERM.
+    // Not `colorEnabled`: the log has a switch of its own and ignores TERM.
     const bool colored = consoleColor_ && std::getenv("NO_COLOR") == nullptr &&
                          ::isatty(toError ? STDERR_FILENO : STDOUT_FILENO) == 1;
     std::string line;

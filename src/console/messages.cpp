@@ -12,7 +12,7 @@ namespace {
 constexpr std::array<std::string_view, 5> messageTags{"[mqkit]", "[mqkit][SKIP]", "[mqkit][DRY-RUN]",
                                                       "[mqkit][WARN]", "[mqkit][ERROR]"};
 
-/// One write per line: lines of programs that share a terminal do not mix.
+/// One write per line, so that lines of programs that share a terminal do not mix.
 std::string line(std::string_view text) {
     std::string whole;
     whole.reserve(text.size() + 1);
@@ -38,8 +38,8 @@ std::string tagged(MessageKind kind, std::string_view text) {
     return whole.append(1, ' ').append(text);
 }
 
-MessageKind stepKind(bool dryRun) noexcept {
-    return dryRun ? MessageKind::dryRun : MessageKind::note;
+MessageKind stepKind(RunMode mode) noexcept {
+    return mode == RunMode::dryRun ? MessageKind::dryRun : MessageKind::note;
 }
 
 void printMessage(MessageKind kind, std::string_view text) {

@@ -1,6 +1,7 @@
 #include "console/runtime_config.h"
 
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <filesystem>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include <unistd.h>
 
@@ -23,7 +25,7 @@ struct ConfigDefault {
     std::string_view value;
 };
 
-// One table for the whole tool family: most rows serve the siblings.
+// One table for the whole tool family: most rows are for the sibling programs.
 constexpr ConfigDefault configDefaults[] = {
     {"MORQUILL_SCRIPTS_PATH", "~/.morq/task/scripts"},
     {"MORQUILL_WFN_EXAMPLES_PATH", "~/.morq/task/multiwfn_templates"},
@@ -58,7 +60,7 @@ constexpr ConfigDefault configDefaults[] = {
     {"MQRUN_PHYSICAL_CPU_NUM", ""},
 };
 
-/// The environment's value; nothing for a text that cannot be the name of a variable.
+/// The environment's value; nothing for a name that no variable can have.
 std::optional<std::string> environmentValue(std::string_view name) {
     using namespace std::string_view_literals;
     if (name.empty() || name.find_first_of("=\0"sv) != std::string_view::npos) {
@@ -74,9 +76,17 @@ std::string currentDirectory() {
     return error ? std::string() : path.string();
 }
 
-/// The value of a reference; empty when it has no value.
-std::string referenceValue(std::string_view name) {
-    return name == "PWD" ? currentDirectory() : environmentValue(name).value_or("");
+/// A path as seen by a program that runs in `workingDir`; an empty one means the current directory.
+std::string seenFrom(const std::string& workingDir, std::string path) {
+    return workingDir.empty() || path.starts_with('/') ? std::move(path) : joinPath(workingDir, path);
+}
+
+/// The value that a reference expands to; empty when there is none.
+std::string referenceValue(std::string_view name, const std::string& workingDir) {
+    if (name != "PWD") {
+        return environmentValue(name).value_or("");
+    }
+    return workingDir.empty() ? currentDirectory() : workingDir;
 }
 
 bool beginsWithHome(std::string_view text) {
@@ -92,13 +102,13 @@ std::size_t identifierLength(std::string_view text) {
     return length;
 }
 
-/// A reference at the start of a text: its length with the "$", and the name in it.
+/// A reference at the start of a text: its length including the "$", and its name.
 struct Reference {
-    std::size_t length = 0; // 0: there is no reference here
+    std::size_t length = 0; // 0 when there is no reference
     std::string_view name;
 };
 
-/// `text` begins with "$"; `closed` says whether there is a "}" in it.
+/// Reads a reference; `text` begins with "$", and `closed` says whether it contains a "}".
 Reference readReference(std::string_view text, bool closed) {
     if (text.size() > 1 && text[1] == '{') {
         if (!closed) {
@@ -111,7 +121,7 @@ Reference readReference(std::string_view text, bool closed) {
     return length == 0 ? Reference{} : Reference{length + 1, text.substr(1, length)};
 }
 
-std::string expandReferences(std::string_view text) {
+std::string expandReferences(std::string_view text, const std::string& workingDir) {
     const std::size_t lastClosing = text.rfind('}');
     std::string result;
     std::size_t i = 0;
@@ -122,10 +132,10 @@ std::string expandReferences(std::string_view text) {
             return result;
         }
         const std::string_view rest = text.substr(dollar);
-        // A brace is searched only where there is one, which keeps a text full of "${" linear.
+        // The search for a brace runs only where there is one, which keeps a text full of "${" linear.
         const bool closed = lastClosing != std::string_view::npos && dollar < lastClosing;
         const Reference reference = readReference(rest, closed);
-        const std::string value = referenceValue(reference.name);
+        const std::string value = referenceValue(reference.name, workingDir);
         if (reference.length == 0) {
             result += '$';
         } else if (value.empty()) {
@@ -137,15 +147,15 @@ std::string expandReferences(std::string_view text) {
     }
 }
 
-/// The first executable regular file of that name along `PATH`; an empty entry there is the current
-/// directory.
-std::optional<std::string> searchPath(const std::string& name) {
+/// The first executable regular file of that name along
+/// `PATH`; an empty entry there is the current directory.
+std::optional<std::string> searchPath(const std::string& name, const std::string& workingDir) {
     const auto directories = environmentValue("PATH");
     if (!directories) {
         return std::nullopt;
     }
     for (const auto& entry : splitOn(*directories, ':')) {
-        std::string path = entry.empty() ? "." : entry;
+        std::string path = seenFrom(workingDir, entry.empty() ? "." : entry);
         path.append("/").append(name);
         if (isRegularFile(path) && ::access(path.c_str(), X_OK) == 0) {
             return path;
@@ -154,12 +164,13 @@ std::optional<std::string> searchPath(const std::string& name) {
     return std::nullopt;
 }
 
-/// The file that an entry of `MORQUILL_MQRUN_PATH` names, when there is one.
-std::optional<std::string> resolveRunnerEntry(const std::string& entry) {
+/// The file that an entry of `MORQUILL_MQRUN_PATH` names; nothing when there is none.
+std::optional<std::string> resolveRunnerEntry(const std::string& entry, const std::string& workingDir) {
     if (entry.find('/') == std::string::npos) {
-        return searchPath(entry);
+        return searchPath(entry, workingDir);
     }
-    return isRegularFile(entry) ? std::optional(entry) : std::nullopt;
+    std::string path = seenFrom(workingDir, entry);
+    return isRegularFile(path) ? std::optional(std::move(path)) : std::nullopt;
 }
 
 } // namespace
@@ -189,18 +200,19 @@ std::vector<std::string> configSearchDirs() {
     return directories;
 }
 
-RuntimeConfig loadConfig(const std::string& fileName) {
+RuntimeConfig loadConfig(const std::string& fileName, const std::string& workingDir) {
     for (const auto& directory : configSearchDirs()) {
         std::string path = directory;
         path.append("/").append(fileName);
-        if (const auto text = readTextFile(path)) {
-            return parseConfigText(skipByteOrderMark(*text), directory);
+        if (const auto text = readTextFile(seenFrom(workingDir, std::move(path)))) {
+            return parseConfigText(skipByteOrderMark(*text), directory, workingDir);
         }
     }
     return {};
 }
 
-RuntimeConfig parseConfigText(std::string_view text, const std::string& configDir) {
+RuntimeConfig parseConfigText(std::string_view text, const std::string& configDir,
+                              const std::string& workingDir) {
     static constexpr std::array<std::string_view, 3> directoryForms{
         "${MORQUILL_CONFIG_DIR}", "$MORQUILL_CONFIG_DIR", "%MORQUILL_CONFIG_DIR%"};
     RuntimeConfig config;
@@ -216,43 +228,46 @@ RuntimeConfig parseConfigText(std::string_view text, const std::string& configDi
                 value = replaceAll(value, form, configDir);
             }
         }
-        config.insert_or_assign(std::string(trim(line.substr(0, equals))), expandPath(value));
+        config.insert_or_assign(std::string(trim(line.substr(0, equals))), expandPath(value, workingDir));
     }
     return config;
 }
 
-std::string getConfigValue(const RuntimeConfig& config, const std::string& key) {
+std::string getConfigValue(const RuntimeConfig& config, const std::string& key,
+                           const std::string& workingDir) {
     if (std::string value = getEnvOrDefault(key, ""); !value.empty()) {
         return value;
     }
     const auto found = config.find(key);
-    return expandPath(found != config.end() ? std::string_view(found->second) : defaultConfigValue(key));
+    return expandPath(found != config.end() ? std::string_view(found->second) : defaultConfigValue(key),
+                      workingDir);
 }
 
 std::string getEnvOrDefault(const std::string& name, std::string_view fallback) {
     return environmentValue(name).value_or(std::string(fallback));
 }
 
-std::string expandPath(std::string_view text) {
+std::string expandPath(std::string_view text, const std::string& workingDir) {
     if (beginsWithHome(text)) {
         if (const std::string home = getEnvOrDefault("HOME", ""); !home.empty()) {
-            return expandReferences(home + std::string(text.substr(1)));
+            return expandReferences(home + std::string(text.substr(1)), workingDir);
         }
     }
-    return expandReferences(text);
+    return expandReferences(text, workingDir);
 }
 
-std::vector<std::string> splitPathList(std::string_view value) {
+std::vector<std::string> splitPathList(std::string_view value, const std::string& workingDir) {
     std::vector<std::string> paths;
     for (const auto& piece : splitTrimmed(value, ':')) {
-        paths.push_back(expandPath(piece)); // never empty: what has no value stays as written
+        paths.push_back(expandPath(piece, workingDir)); // never empty: a reference without a value stays
     }
     return paths;
 }
 
-RunnerProgram locateRunner(const RuntimeConfig& config) {
-    for (const auto& entry : splitPathList(getConfigValue(config, "MORQUILL_MQRUN_PATH"))) {
-        if (auto path = resolveRunnerEntry(expandPath(entry))) {
+RunnerProgram locateRunner(const RuntimeConfig& config, const std::string& workingDir) {
+    const auto paths = getConfigValue(config, "MORQUILL_MQRUN_PATH", workingDir);
+    for (const auto& entry : splitPathList(paths, workingDir)) {
+        if (auto path = resolveRunnerEntry(expandPath(entry, workingDir), workingDir)) {
             return {std::move(*path), "MORQUILL_MQRUN_PATH"};
         }
     }
@@ -262,8 +277,8 @@ RunnerProgram locateRunner(const RuntimeConfig& config) {
     return {"mqrun", "fallback"};
 }
 
-std::string findRunnerProgram(const RuntimeConfig& config) {
-    return locateRunner(config).path;
+std::string findRunnerProgram(const RuntimeConfig& config, const std::string& workingDir) {
+    return locateRunner(config, workingDir).path;
 }
 
 bool isRunnerAvailable(const std::string& path) {

@@ -1,44 +1,30 @@
 #include "lint/discovery.h"
 
+#include "support/directory.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
+#include <string_view>
 #include <utility>
 
 namespace morquill::lint {
 
-namespace fs = std::filesystem;
-
 namespace {
 
-bool hasTaskExtension(const fs::path& path) {
-    return equalsNoCase(path.extension().native(), ".mq");
+bool hasTaskExtension(std::string_view path) {
+    return equalsNoCase(extensionOf(path), ".mq");
 }
 
-/// Adds the task files below `root`. A directory that cannot be read ends neither its siblings nor the walk,
-/// as it would with the standard library's recursive iterator.
+/// Adds the task files below `root`. The walk continues after a directory that cannot be read.
 void addTree(const std::string& root, std::vector<std::string>& files) {
-    std::vector<std::string> open{root};
-    while (!open.empty()) {
-        const std::string directory = std::move(open.back());
-        open.pop_back();
-        std::error_code error;
-        fs::directory_iterator entry(directory, error);
-        for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-            std::error_code gone; // an entry that vanished is none of the three
-            if (entry->is_symlink(gone)) {
-                continue;
-            }
-            if (entry->is_directory(gone)) {
-                open.push_back(entry->path().native());
-            } else if (hasTaskExtension(entry->path()) && entry->is_regular_file(gone)) {
-                files.push_back(entry->path().native());
-            }
+    walkTree(root, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
+        if (kind == EntryKind::file && hasTaskExtension(path)) {
+            files.push_back(path);
         }
-    }
+        return true;
+    });
 }
 
 } // namespace

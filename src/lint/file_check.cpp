@@ -1,5 +1,6 @@
 #include "lint/file_check.h"
 
+#include "console/library_file.h"
 #include "lint/rules.h"
 #include "lint/source_scan.h"
 #include "support/fault.h"
@@ -23,41 +24,36 @@ using taskdsl::TaskInfo;
 
 namespace {
 
-/// Adds to the report what the rules find in a subject.
+/// Adds to the report all that the rules find in a subject.
 template <class Subject>
 void check(const Subject& subject, LintFileReport& report) {
     applyRules(subject, [&report](const LintRule& rule, LintFinding finding) {
         std::string message = lintMessage(rule, finding);
         report.issues.push_back({rule.severity, finding.file.empty() ? report.path : std::move(finding.file),
-                                 std::move(finding.span), rule.code, std::move(message)});
+                                 std::move(finding.span), rule.code, std::move(message),
+                                 finding.messageNamesPlace});
     });
 }
 
 using TaskNames = std::set<std::string_view>;
 
-/// Adds the tasks that a target behind `completed` means; false when there are none. A pattern adds two at
-/// most: whoever asks wants to know whether there are several.
-bool addMatches(const std::string& target, const TaskNames& known, TaskNames& matches) {
-    const auto wild = target.find_first_of("*?[");
-    if (wild == std::string::npos) {
+/// The tasks that a target of `completed` means; at most two of those that match a pattern, as callers only
+/// ask whether there are several.
+TaskNames matchingTasks(const std::string& target, const TaskNames& known) {
+    if (target.find_first_of("*?[") == std::string::npos) {
         const auto name = known.find(target);
-        if (name == known.end()) {
-            return false;
-        }
-        matches.insert(*name);
-        return true;
+        return name == known.end() ? TaskNames{} : TaskNames{*name};
     }
-    // Only names that begin as the pattern does are looked at.
+    TaskNames matches;
+    // Only names that share the pattern's plain beginning are compared.
     const auto prefix = std::string_view(target).substr(0, target.find_first_of("*?[\\"));
-    std::size_t found = 0;
-    for (auto name = known.lower_bound(prefix); name != known.end() && name->starts_with(prefix) && found < 2;
-         ++name) {
+    for (auto name = known.lower_bound(prefix);
+         name != known.end() && name->starts_with(prefix) && matches.size() < 2; ++name) {
         if (::fnmatch(target.c_str(), std::string(*name).c_str(), 0) == 0) {
             matches.insert(*name);
-            ++found;
         }
     }
-    return found > 0;
+    return matches;
 }
 
 /// Checks one condition of a task.
@@ -68,7 +64,9 @@ void checkCondition(const LintedFile& file, const TaskInfo& task, const taskdsl:
     TaskNames referenced;
     for (const auto& target : taskdsl::collectCompletedTargets(condition)) {
         if (!equalsNoCase(target, "allothers")) {
-            check(CompletedTarget{target, addMatches(target, file.knownTasks, referenced), span}, report);
+            auto matches = matchingTasks(target, file.knownTasks);
+            check(CompletedTarget{target, !matches.empty(), span}, report);
+            referenced.merge(matches);
         }
     }
     if (taskdsl::hasAllOthers(condition)) {
@@ -112,7 +110,7 @@ void checkDocument(const TaskDocument& document, LintedFile& file, LintFileRepor
     check(uses, report);
 }
 
-/// What the scan of the lines gives: issues for the report, and what later stages need to know.
+/// The result of scanning the lines: issues for the report, and facts for later stages.
 LintedFile scanLines(std::string_view text, LintFileReport& report) {
     const auto lines = splitLines(text);
     for (auto& pending : scanRawLines(lines, SharedText(report.path))) {
@@ -122,42 +120,59 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
     return {rawDslVersion(lines), text.find("{{ energy }}") != std::string_view::npos, {}};
 }
 
-/// Checks a file whose text is known, or, without one, tells why it cannot be read.
+/// What a check of one file takes from its caller.
+struct LintSetting {
+    const taskdsl::WarningSink& warnings;
+    const taskdsl::FileTest& isFile;
+    const taskdsl::FileOverlay& overlay;
+};
+
+/// Checks a file by its text, or reports without one why it cannot be read.
 LintedText lintSource(const std::optional<std::string_view>& text, const std::string& path,
-                      const taskdsl::WarningSink& warnings, const taskdsl::FileOverlay& overlay) {
+                      const LintSetting& setting) {
     LintedText linted{{path, {}, false}, std::nullopt};
     LintFileReport& report = linted.report;
     try {
         LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
-        // Only a file that says so is read with the tolerance of its time.
-        taskdsl::TaskParser parser(file.version == "1", warnings, overlay);
+        // Only a file that declares the old version is read with its tolerance.
+        const taskdsl::TaskParser parser({.legacyMultiSource = file.version == "1",
+                                          .findLibraryFile = console::findLibraryFile,
+                                          .warnings = setting.warnings,
+                                          .isFile = setting.isFile,
+                                          .overlay = setting.overlay});
         linted.document = text ? parser.parseText(*text, path) : parser.parseFile(path);
         report.parsed = true;
         checkDocument(*linted.document, file, report);
     } catch (const std::exception& fault) {
-        check(ParseFault{faultText(fault, path)}, report);
+        addParseFault(fault, report);
     }
     return linted;
 }
 
 } // namespace
 
-LintedText lintAndKeep(std::string_view text, const std::string& path, const taskdsl::WarningSink& warnings,
-                       const taskdsl::FileOverlay& overlay) {
-    return lintSource(text, path, warnings, overlay);
-}
-
 LintFileReport lintText(std::string_view text, const std::string& path,
                         const taskdsl::WarningSink& warnings) {
-    return lintSource(text, path, warnings, {}).report;
+    return lintSource(text, path, {warnings, {}, {}}).report;
 }
 
-LintFileReport lintFile(const std::string& path) {
-    return lintSource(readTextFile(path), path, {}, {}).report;
+LintFileReport lintFile(const std::string& path, const taskdsl::WarningSink& warnings,
+                        const taskdsl::FileTest& isFile) {
+    return lintSource(readTextFile(path), path, {warnings, isFile, {}}).report;
 }
 
-void addParseFault(std::string_view fault, LintFileReport& report) {
-    check(ParseFault{fault}, report);
+LintedText lintAndKeep(std::string_view text, const std::string& path, const taskdsl::WarningSink& warnings,
+                       const taskdsl::FileOverlay& overlay) {
+    return lintSource(text, path, {warnings, {}, overlay});
+}
+
+void addParseFault(const std::exception& fault, LintFileReport& report) {
+    if (const auto* placed = dynamic_cast<const taskdsl::DiagnosticError*>(&fault)) {
+        check(ParseFault{placed->message(), placed->span(), placed->messageNamesPlace()}, report);
+        return;
+    }
+    const std::string message = faultText(fault, report.path);
+    check(ParseFault{message, {}}, report);
 }
 
 } // namespace morquill::lint

@@ -2,22 +2,25 @@
 
 #include "lint/report.h"
 #include "taskdsl/base/diagnostic.h"
-#include "taskdsl/generate/file_overlay.h"
+#include "taskdsl/generate/parser_options.h"
 #include "taskdsl/task/task_document.h"
 
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace morquill::lint {
 
-/// Checks one task file: its lines as written, its parse, and the tasks it declares. Never throws for what a
-/// file holds or for one that cannot be read: that is an issue. The parser's warnings go to the log.
-[[nodiscard]] LintFileReport lintFile(const std::string& path);
+/// Checks one task file: its lines as written, its parse, and the tasks it declares. A file that cannot be
+/// read or parsed is an issue of the report, not an exception. The parser's warnings go to the sink; `isFile`
+/// answers whether an extra file lies beside the file, without it the disk is asked.
+[[nodiscard]] LintFileReport lintFile(const std::string& path, const taskdsl::WarningSink& warnings,
+                                      const taskdsl::FileTest& isFile = {});
 
-/// Checks a text as if it were the file `path`. Without a sink, the parser's warnings go to the log.
+/// Checks a text as if it were the content of the file `path`.
 [[nodiscard]] LintFileReport lintText(std::string_view text, const std::string& path,
-                                      const taskdsl::WarningSink& warnings = {});
+                                      const taskdsl::WarningSink& warnings);
 
 /// A report and the document that it was made from.
 struct LintedText {
@@ -30,7 +33,7 @@ struct LintedText {
                                      const taskdsl::WarningSink& warnings,
                                      const taskdsl::FileOverlay& overlay);
 
-/// Adds the issue of a reader's fault, as `lintText` does for its own.
-void addParseFault(std::string_view fault, LintFileReport& report);
+/// Adds the issue of a fault that ended a parse, as `lintText` does for its own.
+void addParseFault(const std::exception& fault, LintFileReport& report);
 
 } // namespace morquill::lint

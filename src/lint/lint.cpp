@@ -8,10 +8,12 @@
 #include "lint/discovery.h"
 #include "lint/file_check.h"
 #include "lint/report.h"
+#include "support/file.h"
 #include "support/text.h"
 
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace morquill::lint {
@@ -25,10 +27,11 @@ struct LintOptions {
     bool strict = false;
     bool quiet = false;
     std::string format = "text";
+    bool dropsWarnings = false; ///< the parser's, as no line of the log may get into the JSON
     std::vector<std::string> paths;
 };
 
-/// The help that the command shows for -h in the middle of its words and behind a refusal.
+/// The help for -h in the middle of the line and after a refusal.
 constexpr std::string_view driverHelp = R"(Usage:
   @ lint [--strict] [--quiet] [--format text|json] <path>...
 
@@ -47,19 +50,6 @@ constexpr std::string_view lintHelp = R"(  Lint .mq files and directories.
   `@ lint --strict ./cases`
 )";
 
-/// True when the log must stay silent, so that no line of it mixes into the JSON. Here, and only here, the
-/// one-word form counts: the option itself is refused.
-bool asksForJson(int argc, char** argv) {
-    for (int i = 2; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        if (argument == "--format=json" ||
-            (argument == "--format" && i + 1 < argc && std::string_view(argv[i + 1]) == "json")) {
-            return true;
-        }
-    }
-    return false;
-}
-
 console::UsageError usageError(const std::string& message) {
     return console::UsageError(console::ErrorTag::none, message);
 }
@@ -74,6 +64,8 @@ void setQuiet(LintOptions& options, console::Words /*values*/) {
     options.quiet = true;
 }
 void setFormat(LintOptions& options, console::Words values) {
+    // Only this spelling keeps the log silent, even when a later --format overrides it.
+    options.dropsWarnings = options.dropsWarnings || std::string_view(values.front()) == "json";
     options.format = toLower(values.front());
     if (options.format != "text" && options.format != "json") {
         throw usageError("unsupported format: " + options.format);
@@ -90,7 +82,7 @@ constexpr console::OptionRow<LintOptions> optionRows[] = {
 };
 // clang-format on
 
-/// Reads the words behind the command word. Throws `UsageError`.
+/// Reads the words after the command word. Throws `UsageError`.
 LintOptions readCommandLine(int argc, char** argv) {
     LintOptions options;
     console::readWords(console::wordsFrom(argc, argv, 2), optionRows, options, [&](console::Words words) {
@@ -113,10 +105,23 @@ int lintFiles(const LintOptions& options) {
         console::printErrorLine("no .mq files found");
         return 1;
     }
+    taskdsl::WarningSink warnings;
+    if (!options.dropsWarnings) {
+        warnings = console::logWarning;
+    }
+    // Every file of a directory asks for the same extra files.
+    std::unordered_map<std::string, bool> known;
+    const taskdsl::FileTest isFile = [&known](const std::string& path) {
+        const auto [entry, isNew] = known.try_emplace(path, false);
+        if (isNew) {
+            entry->second = isRegularFile(path);
+        }
+        return entry->second;
+    };
     std::vector<LintFileReport> reports;
     reports.reserve(files.size());
     for (const auto& file : files) {
-        reports.push_back(lintFile(file));
+        reports.push_back(lintFile(file, warnings, isFile));
     }
     const LintSummary summary = summariseLint(reports, options.strict);
     writeOut(options.format == "json" ? renderLintJson(reports, summary)
@@ -130,10 +135,6 @@ int runLint(int argc, char** argv) {
     if (argc > 2 && console::isHelpToken(argv[2])) {
         printLintHelp(argv[0]);
         return 0;
-    }
-    if (asksForJson(argc, argv)) {
-        console::Logger::instance().openSession({}, console::LogLevel::Skip, console::LogLevel::Error,
-                                                console::decideColor(argc, argv));
     }
     try {
         const LintOptions options = readCommandLine(argc, argv);

@@ -17,19 +17,19 @@ std::string_view severityText(const LintIssue& issue, bool strict) noexcept {
 
 void addIssueText(LineBuilder& out, const LintIssue& issue, bool strict) {
     out.open(issue.file);
-    if (isValidSpan(issue.span)) {
+    if (isValidSpan(issue.span) && !issue.messageNamesPlace) {
         out.add(":", std::to_string(issue.span.line), ":", std::to_string(issue.span.column));
     }
     out.add(": ", severityText(issue, strict), " [", issue.code, "] ", issue.message).close();
 }
 
-/// The issue's place; its file when no place is known.
+/// The place of an issue; its file when no place is known.
 std::string placeText(const LintIssue& issue) {
     return isValidSpan(issue.span) || issue.file.empty() ? formatSpan(issue.span) : issue.file;
 }
 
-/// The elements as JSON objects one level further in, with a comma behind all but the last. `add` writes the
-/// lines between the braces.
+/// Writes the elements as JSON objects one level deeper, with a comma after all but the last. `add` writes
+/// the lines between the braces.
 template <class List, class Add>
 void addObjects(LineBuilder& out, const List& list, const Add& add) {
     out.deeper();

@@ -8,27 +8,30 @@
 #include <string_view>
 #include <vector>
 
-/// What lint has found, and how it is shown.
+/// What lint has found, as records and as text.
 namespace morquill::lint {
 
+/// How bad an issue is.
 enum class LintSeverity : std::int32_t { warning = 0, error = 1 };
 
-/// One thing that is wrong with a file.
+/// One thing wrong with a file.
 struct LintIssue {
     LintSeverity severity = LintSeverity::warning;
-    std::string file;         ///< the linted file; a parse fault in an included file names that one
+    std::string file;         ///< the linted file, or the included one where the parse failed
     taskdsl::SourceSpan span; ///< invalid when no place is known
     std::string_view code;    ///< a text with static lifetime
     std::string message;
+    bool messageNamesPlace = false; ///< the text output does not repeat the place
 };
 
+/// The issues of a file.
 struct LintFileReport {
     std::string path;
-    std::vector<LintIssue> issues; ///< in the order found
+    std::vector<LintIssue> issues; ///< in the order in which they were found
     bool parsed = false;           ///< the parser took the whole file
 };
 
-/// The counts of a run. With `strict`, every issue is an error.
+/// The counts of a run. With `strict`, every issue counts as an error.
 struct LintSummary {
     std::size_t files = 0;
     std::size_t errors = 0;
@@ -36,12 +39,13 @@ struct LintSummary {
     bool strict = false;
 };
 
+/// Counts the issues of all files.
 [[nodiscard]] LintSummary summariseLint(const std::vector<LintFileReport>& reports, bool strict);
 
-/// One line per issue and one that sums up; with `quiet` only the latter.
+/// Returns one line per issue and a summary line; with `quiet`, only the latter.
 [[nodiscard]] std::string renderLintText(const std::vector<LintFileReport>& reports,
                                          const LintSummary& summary, bool quiet);
-/// The whole result as one JSON document.
+/// Returns the whole result as one JSON document.
 [[nodiscard]] std::string renderLintJson(const std::vector<LintFileReport>& reports,
                                          const LintSummary& summary);
 

@@ -1,6 +1,5 @@
 #include "lint/rules.h"
 
-#include "lint/parse_fault.h"
 #include "support/text.h"
 #include "taskdsl/base/shell_words.h"
 #include "taskdsl/task/resolved_task.h"
@@ -44,7 +43,7 @@ constexpr std::array<Alias, 3> controlWords{
     {{"totgpu", "gpus"}, {"gputype", "gpu_type"}, {"gpumem", "gpu_mem"}}};
 constexpr std::array<Alias, 3> processWords{{{"scripts", "run"}, {"mkdirp", "mkdir"}, {"mwfn", "multiwfn"}}};
 
-/// Lengths past 2^31 - 1 are clamped: a span never wraps round to an invalid one.
+/// Lengths above 2^31 - 1 are clamped, so that no span wraps round to an invalid one.
 std::int32_t coordinate(std::size_t value) noexcept {
     constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
     return static_cast<std::int32_t>(std::min(value, most));
@@ -55,7 +54,7 @@ SourceSpan partOfLine(const RawLine& line, std::size_t begin, std::size_t length
             coordinate(begin + 1 + length)};
 }
 
-/// The word, when it is an older name; its place is where it first stands in the line.
+/// A finding when the word is an older name, placed at its first occurrence in the line.
 template <std::size_t N>
 Found findAlias(const RawLine& line, std::string_view word, const std::array<Alias, N>& aliases) {
     const auto alias = std::find_if(aliases.begin(), aliases.end(),
@@ -109,11 +108,15 @@ Found processAlias(const RawLine& line) {
     return findAlias(line, firstWord(line.processText), processWords);
 }
 
-// The file.
+// Files.
 
 Found parseError(const ParseFault& fault) {
-    auto parts = splitParseFault(fault.text);
-    return LintFinding{std::move(parts.span), std::move(parts.message), {}, std::move(parts.file)};
+    const bool placed = isValidSpan(fault.span) && !fault.messageNamesPlace;
+    return LintFinding{fault.span,
+                       std::string(fault.message),
+                       {},
+                       placed ? fault.span.path.str() : std::string(),
+                       fault.messageNamesPlace};
 }
 
 Found unknownVersion(const LintedFile& file) {
@@ -230,8 +233,8 @@ Found argsOfOthers(const LintedTask& linted) {
                        linted);
 }
 
-/// True when a comma stands somewhere between a `{` and the next `}`. Braces that open before that `}` hold
-/// no comma that the first one does not hold.
+/// True when there is a comma between a `{` and the next `}`. Further braces that open before that `}` need
+/// no look of their own, as any comma in them is in the first one, too.
 bool hasBraceList(std::string_view text) noexcept {
     for (auto open = text.find('{'); open != std::string_view::npos;) {
         const auto close = text.find('}', open);
@@ -255,7 +258,7 @@ Found keywordBraces(const LintedTask& linted) {
     return atDirective("keywords", keywords != nullptr && hasBraceList(keywords->value), linted);
 }
 
-/// True when the task tells its program what to compute.
+/// True when the task says what its program is to compute.
 bool hasPayload(const TaskInfo& task) {
     switch (task.program) {
     case TaskProgram::xtb:
@@ -275,7 +278,7 @@ bool hasPayload(const TaskInfo& task) {
     case TaskProgram::script:
         break;
     }
-    return true; // these two have rules of their own
+    return true; // `other` and `script` have rules of their own
 }
 
 Found missingKeywords(const LintedTask& linted) {
@@ -305,7 +308,7 @@ Found missingSource(const LintedTask& linted) {
 }
 
 Found missingGuess(const LintedTask& linted) {
-    const std::string& guess = linted.task.guessSourceTask;
+    const std::string_view guess = linted.task.guessSourceTask;
     return atDirective("control", !guess.empty() && !isKnown(linted, guess), linted, guess);
 }
 

@@ -11,7 +11,7 @@ namespace morquill::lint {
 
 namespace {
 
-/// Simpler than what the parser takes for a comment: a `#` outside quotes that has no backslash in front.
+/// Simpler than the parser's idea of a comment: a `#` outside quotes that no backslash precedes.
 std::string_view stripRawComment(std::string_view line) noexcept {
     QuoteWalk walk(taskdsl::quote_rules::rawComment);
     for (std::size_t at = 0; at < line.size(); at = walk.step(line, at)) {
@@ -22,25 +22,25 @@ std::string_view stripRawComment(std::string_view line) noexcept {
     return line;
 }
 
-/// Which block the lines are in.
+/// The block that a line is in.
 enum class OpenBlock { none, control, process };
 
-/// Follows the blocks from line to line and tells of each line what stands in one.
+/// Follows the blocks from line to line and marks the part of each line that is inside one.
 class BlockWalk {
   public:
     void read(RawLine& line) noexcept {
         const auto statement = line.statement;
         if (const auto control = taskdsl::textBehindWord(statement, "%control")) {
-            open = control->empty() ? OpenBlock::control : OpenBlock::none;
+            open_ = control->empty() ? OpenBlock::control : OpenBlock::none;
             line.controlText = *control;
         } else if (const auto process = behindProcess(statement)) {
-            open = process->empty() ? OpenBlock::process : OpenBlock::none;
+            open_ = process->empty() ? OpenBlock::process : OpenBlock::none;
             line.processText = *process;
         } else if (marks.find(statement.front()) != std::string_view::npos) {
-            open = OpenBlock::none;
-        } else if (open == OpenBlock::control) {
+            open_ = OpenBlock::none;
+        } else if (open_ == OpenBlock::control) {
             line.controlText = statement;
-        } else if (open == OpenBlock::process) {
+        } else if (open_ == OpenBlock::process) {
             line.processText = statement;
         }
     }
@@ -48,13 +48,13 @@ class BlockWalk {
   private:
     static constexpr std::string_view marks = "$%@";
 
-    /// `%preprocess` opens a block only when it stands alone on its line.
+    /// `%preprocess` opens a block only when it is alone on its line.
     static std::optional<std::string_view> behindProcess(std::string_view statement) noexcept {
         return equalsNoCase(statement, "%preprocess") ? std::string_view{}
                                                       : taskdsl::textBehindWord(statement, "%process");
     }
 
-    OpenBlock open = OpenBlock::none;
+    OpenBlock open_ = OpenBlock::none;
 };
 
 } // namespace
@@ -83,7 +83,7 @@ std::vector<PendingLineIssue> scanRawLines(const std::vector<std::string_view>& 
         if (line.text.ends_with('\r')) {
             line.text.remove_suffix(1);
         }
-        // A line that begins with an include of the old form is all comment to what follows.
+        // A line that begins with an include of the old form is a comment from its first byte on.
         line.statement = trim(stripRawComment(line.text));
         if (!line.statement.empty()) {
             walk.read(line);

@@ -4,11 +4,12 @@
 #include "lsp/help_table.h"
 #include "lsp/hover.h"
 #include "lsp/index/expression_tokens.h"
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/base/scan.h"
-#include "taskdsl/derive/task_references.h"
+#include "taskdsl/expr/task_names.h"
 #include "views/dropped_fields.h"
 
 #include <algorithm>
@@ -205,7 +206,7 @@ taskdsl::TaskProgram programOf(const CompletionPlace& place) {
     for (const auto& o : place.file.index.occurrences) {
         if (task != noIndex && o.kind == NameKind::program &&
             enclosing(place.file.index, blockAt(place.file.index, o.begin), BlockKind::task) == task) {
-            (void)taskdsl::parseProgramName(place.file.name(o), program);
+            program = taskdsl::parseProgramName(place.file.name(o)).value_or(program);
         }
     }
     return program;
@@ -346,8 +347,9 @@ void addPaths(const CompletionPlace& place, Items& items) {
     const auto slash = place.partial.rfind('/');
     const std::string folder(place.partial.substr(0, slash == std::string_view::npos ? 0 : slash + 1));
     const auto directory = joinPath(parentPath(place.file.path), folder);
-    for (const auto& name : listDirectoryEntries(directory)) {
-        const bool isFolder = isDirectory(joinPath(directory, name));
+    for (const auto& [name, kind] : readDirectory(directory).value_or(std::vector<DirectoryEntry>{})) {
+        const bool isFolder = kind == EntryKind::directory ||
+                              (kind == EntryKind::link && isDirectory(joinPath(directory, name)));
         const bool isSelf = joinPath(directory, name) == place.file.path;
         if (!name.starts_with('.') && !isSelf &&
             (isFolder || isSourceName(name) || fileKind(name) == FileKind::values)) {
@@ -415,7 +417,7 @@ bool completeExpression(const CompletionPlace& place, Items& items) {
         return true;
     }
     if (const auto call = openCall(place.before)) {
-        const bool takesTask = taskdsl::derive::takesTask(call->function) || call->function == "thermo" ||
+        const bool takesTask = taskdsl::plot::takesTask(call->function) || call->function == "thermo" ||
                                call->function == "atoms" || call->function == "tasks";
         if (takesTask && call->argument == 0) {
             addTasks(place, items);

@@ -1,5 +1,6 @@
 #include "lsp/formatting.h"
 
+#include "console/library_file.h"
 #include "lsp/base/line_diff.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
@@ -44,7 +45,7 @@ taskdsl::TaskDocument printedDocument(const Analysis& analysis) {
 void requireStrictReading(const OpenText& text, const Analysis& analysis) {
     const auto version = analysis.document->settings.find("dsl_version");
     if (version != analysis.document->settings.end() && version->second == "1") {
-        taskdsl::TaskParser parser(false, [](const std::string&) {});
+        const taskdsl::TaskParser parser({.findLibraryFile = console::findLibraryFile});
         try {
             (void)parser.parseText(text.buffer.text(), text.path);
         } catch (const taskdsl::DiagnosticError& fault) {

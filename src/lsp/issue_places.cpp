@@ -1,5 +1,6 @@
 #include "lsp/issue_places.h"
 
+#include "console/library_file.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
@@ -101,7 +102,8 @@ std::string includedFile(std::string_view text, const OpenText& owner) {
         return {};
     }
     try {
-        return taskdsl::resolveIncludePath(searchName(taskdsl::parseIncludeLine(text)), owner.path);
+        return taskdsl::resolveIncludePath(searchName(taskdsl::parseIncludeLine(text)), owner.path,
+                                           console::findLibraryFile);
     } catch (const taskdsl::DiagnosticError&) {
         return {};
     }

@@ -171,13 +171,13 @@ std::optional<Fix> keywordsToTemplate(const Broken& broken) {
     const auto& tasks = document->templateTasks.get();
     const auto task =
         std::find_if(tasks.begin(), tasks.end(), [name](const auto& t) { return t.name == name; });
-    if (task == tasks.end() || !taskdsl::isLegacyPairList(task->keywords, true, true)) {
+    if (task == tasks.end() || !taskdsl::isLegacyPairList(*task)) {
         return std::nullopt; // some of it would be lost
     }
     const std::string indent(broken.indent());
-    std::string lines = indent + "%template " + taskdsl::resolvedTemplateName(*task) + "\n";
+    std::string lines = indent + "%template " + taskdsl::resolvedTemplateName(*task).str() + "\n";
     if (const auto parameters = taskdsl::resolvedParams(*task); !parameters.empty()) {
-        lines += indent + "%param " + parameters + "\n";
+        lines += indent + "%param " + parameters.str() + "\n";
     }
     return Fix{"Write %template and %param", {{broken.wholeLine(), lines}}};
 }

@@ -55,9 +55,12 @@ AddResult addCase(AddRun& run, const std::string& path) {
 int runProjectAdd(const ProjectOptions& options) {
     AddRun run;
     run.dryRun = options.dryRun;
-    if (std::string error; !resolveProjectTemplate(options.path, run.root, run.file, error)) {
-        throw console::UsageError(console::ErrorTag::plain, error);
+    const auto project = resolveProjectTemplate(options.path);
+    if (!project) {
+        throw console::UsageError(console::ErrorTag::plain, project.error());
     }
+    run.root = project->root;
+    run.file = project->file;
     if (options.xyzFiles.empty()) {
         throw console::UsageError(console::ErrorTag::plain, "project add requires at least one .xyz file.");
     }

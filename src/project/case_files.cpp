@@ -1,7 +1,10 @@
 #include "project/case_files.h"
 
 #include "console/logger.h"
+#include "support/directory.h"
+#include "support/fault.h"
 #include "support/file.h"
+#include "support/number.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/new_file.h"
@@ -10,8 +13,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <filesystem>
 #include <optional>
 #include <system_error>
 
@@ -19,8 +20,6 @@
 #include <unistd.h>
 
 namespace morquill::project {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -30,35 +29,24 @@ constexpr std::array<std::string_view, 2> taskFileExtensions{".mq", ".projmq"};
 /// The regular files of a directory whose extension, in any case, is one of `extensions`, in ascending order;
 /// nothing, after a message, when the directory cannot be read.
 std::optional<std::vector<std::string>> listByExtension(const std::string& dir, const auto& extensions) {
-    std::error_code error;
+    const auto entries = readDirectory(dir);
+    if (!entries) {
+        console::logError("filesystem error: " + lastSystemError().message());
+        return std::nullopt;
+    }
     std::vector<std::string> files;
-    for (fs::directory_iterator entry(dir, error); !error && entry != fs::directory_iterator();
-         entry.increment(error)) {
-        std::string path = entry->path().string();
+    for (const auto& entry : *entries) {
+        std::string path = joinPath(dir, entry.name);
         const std::string extension = toLower(extensionOf(path));
         if (std::find(extensions.begin(), extensions.end(), extension) != extensions.end() &&
-            isRegularFile(path)) {
+            (entry.kind == EntryKind::file || (entry.kind == EntryKind::link && isRegularFile(path)))) {
             files.push_back(std::move(path));
         }
     }
-    if (error) {
-        console::logError("filesystem error: " + error.message());
-        return std::nullopt;
-    }
-    std::sort(files.begin(), files.end());
     return files;
 }
 
-/// A one-based index as a position in a list of `count`.
-std::optional<std::size_t> readChoice(std::string_view answer, std::size_t count) {
-    const std::optional<int> number = system::readIndex(trim(answer));
-    if (!number || *number < 1 || static_cast<std::size_t>(*number) > count) {
-        return std::nullopt;
-    }
-    return static_cast<std::size_t>(*number) - 1;
-}
-
-/// A case directory in the making: unless it is kept, what was put into it goes again, and so does it.
+/// A case directory in the making: unless it is kept, it is removed with what was put into it.
 class UnfinishedCase {
   public:
     UnfinishedCase(std::string dir, const std::string& geometryName)
@@ -70,13 +58,13 @@ class UnfinishedCase {
             ::unlink(geometry_.c_str());
         }
         if (hasDirectory_) {
-            ::rmdir(dir_.c_str()); // fails, rightly, when someone else has put something there
+            ::rmdir(dir_.c_str()); // fails, rightly, when somebody else has put something there
         }
     }
 
     [[nodiscard]] std::error_code makeWith(const std::string& geometryFile) {
         if (::mkdir(dir_.c_str(), 0777) != 0) {
-            return {errno, std::system_category()};
+            return lastSystemError();
         }
         hasDirectory_ = true;
         const std::error_code error = system::copyToNewFile(geometryFile, geometry_);
@@ -122,12 +110,12 @@ std::string selectSourceTaskFile(const std::string& dir) {
         console::logPrompt("select a .mq/.projmq file by index: ");
         const std::optional<std::string> answer = system::readInputLine();
         if (answer) {
-            if (const auto choice = readChoice(*answer, files->size())) {
+            if (const auto choice = readMenuIndex(*answer, files->size(), MenuSign::plus)) {
                 return (*files)[*choice];
             }
         }
         console::logError("invalid selection; try again");
-        if (!answer) { // the end of input will not say anything else
+        if (!answer) { // the end of input will not answer otherwise
             return {};
         }
     }
@@ -153,7 +141,7 @@ bool createCase(const std::string& geometryFile, const std::string& projectDir,
     }
     std::error_code linkError;
     if (::symlink(linkTarget.c_str(), link.c_str()) != 0) {
-        linkError.assign(errno, std::system_category());
+        linkError = lastSystemError();
         if (const std::error_code error = system::writeNewFile(link, stub)) {
             console::logError("failed to create symlink: " + error.message());
             return false;

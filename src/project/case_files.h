@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-/// The pieces that `init` and `add` make a project from. Everything here reports through the log.
+/// The pieces that `init` and `add` make a project from. Every function reports through the log.
 namespace morquill::project {
 
 /// The regular files in a directory that hold a geometry, by their extension in any case, in ascending order;

@@ -2,7 +2,7 @@
 #include "console/messages.h"
 #include "project/cases/block_pattern.h"
 #include "project/cases/selection.h"
-#include "project/cases/target.h"
+#include "project/choice.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/paths.h"
@@ -11,7 +11,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <system_error>
+#include <utility>
 
 namespace morquill::project {
 
@@ -45,7 +47,7 @@ bool makeDirectory(const std::string& dir) {
     return isDirectory(dir);
 }
 
-/// The name of an item among those of other cases: the case name behind its own.
+/// The name of an item among those of other cases: its own name and the case name.
 std::string targetName(const std::string& source, const std::string& caseName) {
     if (isDirectory(source)) {
         return baseName(source) + "_" + caseName;
@@ -53,19 +55,34 @@ std::string targetName(const std::string& source, const std::string& caseName) {
     return stemOf(source) + "_" + caseName + std::string(extensionOf(source));
 }
 
-void collectPattern(const CollectPlace& place, const std::string& pattern, bool dryRun,
-                    CollectSummary& summary) {
+/// What a pattern matches in a block; nothing, after a message, when the block cannot be read.
+std::optional<std::vector<std::string>> findItems(const CollectPlace& place, const std::string& pattern) {
     const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
-    const auto matches = expandBlockPattern(place.blockDir, pattern, directoriesOnly);
-    if (matches.empty()) {
+    try {
+        return expandBlockPattern(place.blockDir, pattern,
+                                  directoriesOnly ? MatchedKind::directories : MatchedKind::any);
+    } catch (const std::system_error& failure) {
+        console::reportWarning(failure.what());
+        return std::nullopt;
+    }
+}
+
+void collectPattern(const CollectPlace& place, const std::string& pattern, console::RunMode mode,
+                    CollectSummary& summary) {
+    const auto matches = findItems(place, pattern);
+    if (!matches) {
+        summary.failed += 1;
+        return;
+    }
+    if (matches->empty()) {
         console::printSkip(place.label + " : " + pattern);
     }
-    for (const auto& match : matches) {
+    for (const auto& match : *matches) {
         const auto source = joinPath(place.blockDir, match);
         const auto target = joinPath(place.targetDir, targetName(source, place.caseName));
-        console::printNote("copy: " + source + " -> " + target);
+        console::printNote(std::string("copy: ").append(source).append(" -> ").append(target));
         summary.items += 1;
-        if (place.intoItself || (!dryRun && !system::copyItem(source, target))) {
+        if (place.intoItself || (mode == console::RunMode::apply && !system::copyItem(source, target))) {
             summary.failed += 1;
             console::reportWarning("copy failed: " + source);
         }
@@ -100,25 +117,24 @@ int printCollectSummary(const CollectSummary& summary, const std::string& result
 } // namespace
 
 int runProjectCollect(const ProjectOptions& options) {
-    const auto choice = chooseBlocks(options);
-    if (!choice) {
+    const auto chosen = chooseBlocks(options);
+    if (!chosen) {
         return 1;
     }
-    const ChosenBlocks& chosen = *choice;
-    const auto caseDirs = chooseCases(chosen.root);
+    const auto caseDirs = chooseCases(chosen->root);
     if (options.patterns.empty()) {
         throw console::UsageError(console::ErrorTag::plain,
                                   "project collect requires at least one glob pattern.");
     }
-    const auto results = joinPath(chosen.root, "results");
+    const auto results = joinPath(chosen->root, "results");
     if (!makeDirectory(results)) { // also in a dry run
         console::reportError("could not create results directory: " + results);
         return 1;
     }
-    printCollectHeader(options, chosen, results);
+    printCollectHeader(options, *chosen, results);
     CollectSummary summary;
-    for (const auto& task : chosen.selected) {
-        const auto targetDir = chosen.selected.size() > 1 ? joinPath(results, task) : results;
+    for (const auto& task : chosen->selected) {
+        const auto targetDir = chosen->selected.size() > 1 ? joinPath(results, task) : results;
         if (!options.dryRun && !makeDirectory(targetDir)) {
             console::reportError("could not create result directory: " + targetDir);
             return 1;
@@ -129,7 +145,8 @@ int runProjectCollect(const ProjectOptions& options) {
         for (const auto& caseDir : caseDirs) {
             const auto caseName = baseName(caseDir);
             const auto blockDir = joinPath(caseDir, task);
-            const CollectPlace place{caseName, caseName + " / $" + task, blockDir, targetDir,
+            auto label = std::string(caseName).append(" / $").append(task);
+            const CollectPlace place{caseName, std::move(label), blockDir, targetDir,
                                      holdsResults(blockDir, targetDir)};
             if (!isDirectory(place.blockDir)) {
                 summary.missing += 1;
@@ -137,7 +154,7 @@ int runProjectCollect(const ProjectOptions& options) {
                 continue;
             }
             for (const auto& pattern : options.patterns) {
-                collectPattern(place, pattern, options.dryRun, summary);
+                collectPattern(place, pattern, console::runMode(options.dryRun), summary);
             }
         }
     }

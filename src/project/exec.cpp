@@ -1,8 +1,8 @@
 #include "console/command_line.h"
 #include "console/messages.h"
 #include "project/cases/selection.h"
-#include "project/cases/target.h"
-#include "project/regenerate.h"
+#include "project/choice.h"
+#include "project/phrases.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/paths.h"
@@ -10,6 +10,7 @@
 #include "system/process.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace morquill::project {
 
@@ -57,43 +58,33 @@ void execInBlock(const ProjectOptions& options, const std::string& caseDir, cons
     const auto command = resolveCommand(options.command, task, caseName);
     console::printLine("\n>>> [" + caseName + "] " + blockDir + "\n$ " + command);
     summary.total += 1;
-    std::string failure;
-    if (options.dryRun || system::runShellCommand(blockDir, command, &failure)) {
+    const auto failure = options.dryRun ? std::nullopt : system::runShellCommand(blockDir, command);
+    if (!failure) {
         summary.success += 1;
         return;
     }
     summary.failed += 1;
-    console::reportWarning("command failed: " + blockDir + inParentheses(failure));
+    console::reportWarning("command failed: " + blockDir + inParentheses(*failure));
 }
 
 } // namespace
 
-std::vector<std::string> chooseCases(const std::string& root) {
-    auto caseDirs = listCaseDirectories(root);
-    if (caseDirs.empty()) {
-        throw console::UsageError(console::ErrorTag::plain,
-                                  "no case subdirectories were found in project: " + root);
-    }
-    return caseDirs;
-}
-
 int runProjectExec(const ProjectOptions& options) {
-    const auto choice = chooseBlocks(options);
-    if (!choice) {
+    const auto chosen = chooseBlocks(options);
+    if (!chosen) {
         return 1;
     }
-    const ChosenBlocks& chosen = *choice;
-    const auto caseDirs = chooseCases(chosen.root);
+    const auto caseDirs = chooseCases(chosen->root);
     if (trim(options.command).empty()) {
         throw console::UsageError(console::ErrorTag::plain,
                                   "project exec requires a command via --cmd or -- <cmd...>.");
     }
-    console::printLine("\n[Project Exec]\n  project template: " + chosen.file +
-                       "\n  task blocks: " + formatSelection(chosen.selected) +
+    console::printLine("\n[Project Exec]\n  project template: " + chosen->file +
+                       "\n  task blocks: " + formatSelection(chosen->selected) +
                        "\n  command: " + options.command + (options.dryRun ? "  (dry-run)\n" : "\n"));
     ExecSummary summary;
     for (const auto& caseDir : caseDirs) {
-        for (const auto& task : chosen.selected) {
+        for (const auto& task : chosen->selected) {
             execInBlock(options, caseDir, task, summary);
         }
     }

@@ -19,9 +19,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The directory that projects are made in; empty when it is not configured. The file goes before the
-/// environment: a directory of projects is set once, in the file, and the built-in default "." does not
-/// count.
+/// The directory that projects are made in; empty when it is not configured. The file goes before
+/// the environment: a directory of projects is set once, in the file, and the built-in default "."
+/// does not count.
 std::string configuredTaskPath(const console::RuntimeConfig& config) {
     const auto found = config.find("MORQUILL_TASK_PATH");
     std::string path = found == config.end() ? std::string() : found->second;
@@ -31,7 +31,7 @@ std::string configuredTaskPath(const console::RuntimeConfig& config) {
     return path.empty() ? path : absoluteLocation(path);
 }
 
-/// The name that the user gives, or that of the current directory; empty after a message.
+/// The name that the user types, or that of the current directory; empty after a message.
 std::string askProjectName(const std::string& current) {
     console::logPrompt("project name: ");
     std::string name(trim(system::readInputLine().value_or("")));
@@ -82,13 +82,12 @@ bool makeTemplate(const std::string& source, const std::string& file) {
 void startRunner(const console::RuntimeConfig& config, const std::string& projectDir) {
     std::string runner = console::findRunnerProgram(config);
     if (runner.find('/') != std::string::npos) {
-        runner = absoluteLocation(runner); // the child stands in another directory
+        runner = absoluteLocation(runner); // the child runs in another directory
     }
     const std::string quotedDir = shellQuote(projectDir);
     console::logInfo("running: cd " + quotedDir + " && " + shellQuote(runner) + " kick --path " + quotedDir);
-    std::string failure;
-    if (!system::runProgram(projectDir, runner, {"kick", "--path", projectDir}, &failure)) {
-        console::logError("project runner failed: " + failure);
+    if (const auto failure = system::runProgram(projectDir, runner, {"kick", "--path", projectDir})) {
+        console::logError("project runner failed: " + *failure);
     }
 }
 
@@ -123,7 +122,8 @@ bool runProjectInit() {
         return false;
     }
     for (const std::string& geometry : geometries) {
-        static_cast<void>(createCase(geometry, projectDir, templateFile)); // told by itself; the others go on
+        // A case that cannot be made has been reported; the others go on.
+        (void)createCase(geometry, projectDir, templateFile);
     }
     console::logSeparator();
     console::logInfo("project created");

@@ -3,28 +3,30 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/messages.h"
-#include "project/cases/selection.h"
-#include "project/cases/target.h"
+#include "project/choice.h"
 #include "project/workflows.h"
 #include "support/fault.h"
-#include "support/text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 
 namespace morquill::project {
 
 namespace {
 
+/// Where a help word turns a refused line into one that asks for help.
+enum class HelpWord : std::uint8_t { anywhere, nowhere };
+
 /// One shape of the command line.
 struct LineShape {
     ProjectOptions (*read)(int argc, const char* const* argv);
-    bool helpWordAnywhere; ///< a refused line that holds a help word anywhere asks for help
+    HelpWord helpWord;
 };
 
-constexpr LineShape wordShape{readProjectWords, true};
-constexpr LineShape compatibilityShape{readCompatibilityWords, true};
-constexpr LineShape updateShape{readUpdateWords, false};
+constexpr LineShape wordShape{readProjectWords, HelpWord::anywhere};
+constexpr LineShape compatibilityShape{readCompatibilityWords, HelpWord::anywhere};
+constexpr LineShape updateShape{readUpdateWords, HelpWord::nowhere};
 
 int runShape(const LineShape& shape, int argc, char** argv) {
     int status = 0;
@@ -34,17 +36,13 @@ int runShape(const LineShape& shape, int argc, char** argv) {
         // the help is all there is
     } catch (const console::UsageError& error) {
         const auto words = console::wordsFrom(argc, argv, 1);
-        const bool asksForHelp =
-            shape.helpWordAnywhere && std::any_of(words.begin(), words.end(), console::isHelpToken);
+        const bool asksForHelp = shape.helpWord == HelpWord::anywhere &&
+                                 std::any_of(words.begin(), words.end(), console::isHelpToken);
         const int refused = console::reportUsageError(error);
         status = asksForHelp ? 0 : refused;
     }
     printProjectHelp(argc > 0 ? argv[0] : "");
     return status;
-}
-
-console::UsageError refusal(const std::string& message) {
-    return console::UsageError(console::ErrorTag::plain, message);
 }
 
 int statusOf(bool success) {
@@ -53,7 +51,7 @@ int statusOf(bool success) {
 
 int runAdd(const ProjectOptions& options) {
     if (!options.names.empty()) {
-        throw refusal("project add does not accept -n/--name.");
+        throw console::UsageError(console::ErrorTag::plain, "project add does not accept -n/--name.");
     }
     return runProjectAdd(options);
 }
@@ -65,10 +63,11 @@ int runSubCommand(const ProjectOptions& options) {
     case ProjectSubCommand::Add:
         return runAdd(options);
     case ProjectSubCommand::Update:
-        return statusOf(runProjectUpdate(options.path, options.names, {options.dryRun, options.runComd}));
+        return statusOf(runProjectUpdate(options.path, options.names,
+                                         {.dryRun = options.dryRun, .runComd = options.runComd}));
     case ProjectSubCommand::Rebuild:
-        return statusOf(
-            runProjectRebuild(options.path, options.names, {options.dryRun, options.runScript, true}));
+        return statusOf(runProjectRebuild(options.path, options.names,
+                                          {.dryRun = options.dryRun, .runScript = options.runScript}));
     case ProjectSubCommand::Exec:
         return runProjectExec(options);
     case ProjectSubCommand::Collect:
@@ -102,8 +101,8 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
     try {
         return runSubCommand(options);
     } catch (const console::UsageError& error) {
-        // Not the shape's refusal: a help word among the words of a line that could be read is a name like
-        // any other.
+        // Not the shape's refusal: a help word among the words of a line that could be read is a name
+        // like any other.
         const int status = console::reportUsageError(error);
         printProjectHelp(programPath);
         return status;
@@ -112,27 +111,6 @@ int runProjectWorkflow(const ProjectOptions& options, std::string_view programPa
                              faultText(failure, options.path.empty() ? "." : options.path));
         return 1;
     }
-}
-
-std::optional<ChosenBlocks> chooseBlocks(const ProjectOptions& options) {
-    ChosenBlocks chosen;
-    std::string error;
-    if (!resolveProjectTemplate(options.path, chosen.root, chosen.file, error)) {
-        throw refusal(error);
-    }
-    if (options.names.empty()) {
-        throw refusal("specify at least one task block with -n/--name.");
-    }
-    TaskCatalog catalog;
-    if (!loadCatalog(chosen.root, chosen.file, catalog, error)) {
-        console::reportError(error);
-        return std::nullopt;
-    }
-    std::vector<std::string> missing;
-    if (!selectTaskBlocks(catalog, options.names, true, chosen.selected, missing)) {
-        throw refusal("task block not found in .projmq: " + join(missing, ", ") + knownBlockLines(catalog));
-    }
-    return chosen;
 }
 
 } // namespace morquill::project

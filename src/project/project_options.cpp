@@ -87,7 +87,7 @@ void askHelp(ProjectOptions& /*options*/, Words /*values*/) {
     throw console::HelpRequest();
 }
 
-/// Everything behind `--` is the command of `exec`, options and help words included.
+/// Everything after `--` is the command of `exec`, options and help words included.
 void takeCommand(ProjectOptions& options, Words values) {
     if (options.subCommand != ProjectSubCommand::Exec) {
         throw UsageError(ErrorTag::none);
@@ -148,7 +148,7 @@ bool endsList(std::string_view token) {
     return std::find(stops.begin(), stops.end(), token) != stops.end() || namesTemplate(token);
 }
 
-/// One value at least, whatever it is, and those behind it up to the next option or template.
+/// At least one value, whatever it is, and the following ones up to the next option or template.
 std::optional<std::size_t> severalValues(Words behind) noexcept {
     if (behind.empty()) {
         return std::nullopt;
@@ -209,8 +209,7 @@ constexpr OptionRow updateOptions[] = {
 };
 // clang-format on
 
-/// The sub-command that a word or its prefix stands for. Throws `UsageError`, with a message when it stands
-/// for several.
+/// The sub-command that a word or its prefix names. Throws `UsageError`, with a message when it fits several.
 ProjectSubCommand readSubCommand(std::string_view word) {
     const std::string lowered = toLower(word);
     std::vector<std::string> candidates;
@@ -234,7 +233,8 @@ ProjectSubCommand readSubCommand(std::string_view word) {
     return command;
 }
 
-/// Tells paths of projects from other words. A list of a thousand files asks the disk once per directory.
+/// Recognises paths of projects among other words. A list of a thousand files asks the disk
+/// once per directory.
 class ProjectPathTest {
   public:
     bool operator()(std::string_view token) {
@@ -251,7 +251,7 @@ class ProjectPathTest {
         if (extensionOf(path) == ".mq") {
             return true;
         }
-        const auto [known, isNew] = filesInProject_.try_emplace(parentPath(path), false);
+        const auto [known, isNew] = filesInProject_.try_emplace(parentPath(path));
         if (isNew) {
             known->second = liesInProject(path);
         }
@@ -266,7 +266,7 @@ class ProjectPathTest {
     std::map<std::string, bool> filesInProject_; // by directory: whether its files lie in a project
 };
 
-/// Takes a word of the word form that is no known option; returns how many words went with it.
+/// Takes a word of the word form that is not a known option; returns how many words it consumed.
 std::size_t takePositional(Words words, ProjectPathTest& namesProject, ProjectOptions& options) {
     const std::string_view word = words.front();
     if (word.empty() || word.starts_with('-')) {

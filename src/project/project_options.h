@@ -39,8 +39,8 @@ struct ProjectOptions {
 /// existing `.mq` file, or any existing file or directory inside a project.
 [[nodiscard]] bool isProjectPathToken(std::string_view token);
 
-/// Adds the comma-separated names of one `-n` value; empty pieces and names that are already there are
-/// dropped.
+/// Adds the comma-separated names of one `-n` value; empty pieces and names that are already
+/// there are dropped.
 void appendNames(ProjectOptions& options, std::string_view value);
 
 } // namespace morquill::project

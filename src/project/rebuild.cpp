@@ -3,47 +3,28 @@
 #include "console/messages.h"
 #include "console/runtime_config.h"
 #include "project/cases/selection.h"
+#include "project/choice.h"
+#include "project/phrases.h"
 #include "project/regenerate.h"
 #include "project/status/status_file.h"
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/process.h"
 #include "system/prompt.h"
 
-#include <fcntl.h>
+#include <optional>
+
 #include <unistd.h>
 
 namespace morquill::project {
 
 namespace {
 
-/// Stands in another directory for the time of a scope; stays where it is when that directory cannot be
-/// entered.
-class WorkingDirectory {
-  public:
-    explicit WorkingDirectory(const std::string& dir)
-        : old_(::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
-          moved_(old_ >= 0 && ::chdir(dir.c_str()) == 0) {}
-    WorkingDirectory(const WorkingDirectory&) = delete;
-    WorkingDirectory& operator=(const WorkingDirectory&) = delete;
-    ~WorkingDirectory() {
-        if (moved_) {
-            (void)!::fchdir(old_);
-        }
-        if (old_ >= 0) {
-            ::close(old_);
-        }
-    }
-
-  private:
-    int old_;
-    bool moved_;
-};
-
 std::vector<std::string> listWorkMarkers(const std::string& blockDir) {
     std::vector<std::string> markers;
-    for (const auto& name : listDirectoryEntries(blockDir, "*")) {
+    for (const auto& name : listDirectoryEntries(blockDir, "*.mqwk")) {
         auto path = joinPath(blockDir, name);
         if (extensionOf(name) == ".mqwk" && isRegularFile(path)) {
             markers.push_back(std::move(path));
@@ -52,25 +33,22 @@ std::vector<std::string> listWorkMarkers(const std::string& blockDir) {
     return markers;
 }
 
-/// Takes the selected records out of the status file of a case.
-bool cleanStatus(const std::string& caseDir, const std::vector<std::string>& selected, bool dryRun,
-                 RebuildSummary& summary) {
+/// Takes the selected records out of the status file of a case and returns how many; nothing after a message.
+std::optional<std::size_t> cleanStatus(const std::string& caseDir, const std::vector<std::string>& selected,
+                                       console::RunMode mode) {
+    const bool dryRun = mode == console::RunMode::dryRun;
     const auto name = baseName(caseDir);
     const auto count = keptTasks(selected, readCompletedTasks(caseDir)).size();
-    const auto what = std::to_string(count) + " completed record(s) from mq.status";
-    if (count > 0) {
-        summary.statusTouched += 1;
-        summary.recordsRemoved += static_cast<std::int32_t>(count);
-    }
     if (!dryRun && !removeTaskRecords(caseDir, selected)) {
         console::reportError("failed to clean mq.status: " + name);
-        return false;
+        return std::nullopt;
     }
     if (count > 0) {
-        console::printMessage(console::stepKind(dryRun),
-                              name + (dryRun ? " : would remove " : " : removed ") + what);
+        console::printMessage(console::stepKind(mode), name + (dryRun ? " : would remove " : " : removed ") +
+                                                           std::to_string(count) +
+                                                           " completed record(s) from mq.status");
     }
-    return true;
+    return count;
 }
 
 void cleanBlock(const std::string& blockDir, const std::string& label, const RebuildOptions& options,
@@ -88,18 +66,23 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
     }
     summary.workMarkers += found;
     const auto count = options.dryRun ? found : removeWorkMarkers(blockDir);
-    console::printMessage(console::stepKind(options.dryRun),
+    console::printMessage(console::stepKind(console::runMode(options.dryRun)),
                           label + (options.dryRun ? " : would remove " : " : removed ") +
                               std::to_string(count) + " .mqwk file(s)");
 }
 
-bool cleanCases(const WorkPlace& place, const std::vector<std::string>& selected,
-                const RebuildOptions& options, RebuildSummary& summary) {
+/// Cleans all cases and counts what was removed; nothing after a message.
+std::optional<RebuildSummary> cleanCases(const WorkPlace& place, const std::vector<std::string>& selected,
+                                         const RebuildOptions& options) {
+    RebuildSummary summary;
     for (const auto& caseDir : place.caseDirs) {
         summary.cases += 1;
-        if (!cleanStatus(caseDir, selected, options.dryRun, summary)) {
-            return false;
+        const auto records = cleanStatus(caseDir, selected, console::runMode(options.dryRun));
+        if (!records) {
+            return std::nullopt;
         }
+        summary.statusTouched += *records > 0 ? 1 : 0;
+        summary.recordsRemoved += static_cast<std::int32_t>(*records);
         for (const auto& task : selected) {
             cleanBlock(joinPath(caseDir, task), baseName(caseDir) + " / $" + task, options, summary);
         }
@@ -112,25 +95,28 @@ bool cleanCases(const WorkPlace& place, const std::vector<std::string>& selected
                        ", block directories missing=" + std::to_string(summary.blocksMissing) + ", " +
                        (options.dryRun ? "to remove" : "removed") +
                        " .mqwk=" + std::to_string(summary.workMarkers));
-    return true;
+    return summary;
 }
 
 std::string runnerCommand(const std::string& runner, const std::string& root) {
     return shellQuote(runner) + " kick --path " + shellQuote(root);
 }
 
-bool startRunner(const std::string& root, bool dryRun, RebuildSummary& summary) {
+/// Starts the project runner at the end of a rebuild. True on success.
+bool startRunner(const std::string& root, console::RunMode mode, RebuildSummary summary) {
     const auto runner = resolveRunner(root);
     if (!console::isRunnerAvailable(runner)) {
         console::reportError("configured project runner not found: " + runner);
         return false;
     }
     console::printLine();
-    printExecution(runnerCommand(runner, root), dryRun);
-    std::string failure;
-    if (!dryRun && !system::runProgram(root, runner, {"kick", "--path", root}, &failure)) {
+    printExecution(runnerCommand(runner, root), mode);
+    const auto failure = mode == console::RunMode::dryRun
+                             ? std::nullopt
+                             : system::runProgram(root, runner, {"kick", "--path", root});
+    if (failure) {
         summary.runnerFailed += 1;
-        console::reportError("failed to execute project runner: " + runner + inParentheses(failure));
+        console::reportError("failed to execute project runner: " + runner + inParentheses(*failure));
         return false;
     }
     summary.runnerSuccess += 1;
@@ -140,37 +126,53 @@ bool startRunner(const std::string& root, bool dryRun, RebuildSummary& summary) 
     return true;
 }
 
+/// Cleans the cases and runs the generator in full, or shows what would be done. Nothing after a message.
+std::optional<RebuildSummary> regenerate(const WorkPlace& place, const std::vector<std::string>& selected,
+                                         const RebuildOptions& options) {
+    // An update at work would put back the records that go here.
+    const auto locks = options.dryRun ? std::optional<WorkLocks>(WorkLocks()) : lockWork(place);
+    if (!locks) {
+        return std::nullopt;
+    }
+    const auto summary = cleanCases(place, selected, options);
+    if (!summary) {
+        return std::nullopt;
+    }
+    printGeneratorCommand(place, console::runMode(options.dryRun), rebuildWords);
+    if (!options.dryRun) {
+        if (const auto failure = runGenerator(place, rebuildWords)) {
+            console::reportError("failed to re-run morquill" + inParentheses(*failure));
+            return std::nullopt;
+        }
+        console::printNote("full morquill rebuild completed");
+    }
+    return summary;
+}
+
 bool rebuild(const std::optional<WorkPlace>& place, const std::vector<std::string>& selected,
              const RebuildOptions& options) {
     if (!place) {
         return false;
     }
-    printWorkHeader(*place, selected, options.dryRun, rebuildWords);
-    RebuildSummary summary;
-    if (!cleanCases(*place, selected, options, summary)) {
+    const auto mode = console::runMode(options.dryRun);
+    printWorkHeader(*place, selected, mode, rebuildWords);
+    const auto summary = regenerate(*place, selected, options);
+    if (!summary) {
         return false;
     }
-    printGeneratorCommand(*place, options.dryRun, rebuildWords);
-    if (!options.dryRun) {
-        if (std::string failure; !runGenerator(*place, rebuildWords, failure)) {
-            console::reportError("failed to re-run morquill" + inParentheses(failure));
-            return false;
-        }
-        console::printNote("full morquill rebuild completed");
-    }
     const bool withRunner = options.runScript && place->kind == TargetKind::Project;
-    return !withRunner || startRunner(place->directory, options.dryRun, summary);
+    return !withRunner || startRunner(place->directory, mode, *summary);
 }
 
-/// Settles, before anything is touched, whether the runner is started at the end. False after a message when
-/// it was demanded and is not there.
-bool settleRunner(const std::string& root, bool& runScript) {
+/// The options with `runScript` as it is settled before anything is touched: whether the runner is started at
+/// the end. Nothing, after a message, when it was demanded and is not there.
+std::optional<RebuildOptions> settleRunner(const std::string& root, RebuildOptions options) {
     const auto runner = resolveRunner(root);
     const bool available = console::isRunnerAvailable(runner);
-    if (runScript) {
+    if (options.runScript) {
         if (!available) {
             console::reportError("configured project runner not found: " + runner);
-            return false;
+            return std::nullopt;
         }
         console::printNote("post-rebuild runner enabled: " + runnerCommand(runner, root));
     } else if (!available) {
@@ -181,9 +183,9 @@ bool settleRunner(const std::string& root, bool& runScript) {
         console::printLine();
         console::printNote("execute the configured project runner afterwards? (y/n):");
         console::printLine("        " + runnerCommand(runner, root));
-        runScript = system::askYesNo();
+        options.runScript = system::askYesNo();
     }
-    return true;
+    return options;
 }
 
 } // namespace
@@ -205,9 +207,9 @@ std::int32_t removeWorkMarkers(const std::string& blockDir) {
 }
 
 std::string resolveRunner(const std::string& root) {
-    const WorkingDirectory inRoot(root);
-    const auto runner = console::findRunnerProgram(console::loadConfig("morquill.conf"));
-    // A path relative to the root means nothing once this returns; a bare name is looked up along PATH.
+    const auto place = normalisedPath(root); // as the system names it to a program that runs there
+    const auto runner = console::findRunnerProgram(console::loadConfig("morquill.conf", place), place);
+    // The runner is also shown: a path becomes absolute and normal, a bare name is looked up along PATH.
     return runner.find('/') == std::string::npos ? runner : absoluteLocation(runner);
 }
 
@@ -223,32 +225,32 @@ bool rebuildProject(const std::string& root, const std::string& file,
 
 bool runProjectRebuild(const std::string& path, const std::vector<std::string>& names,
                        const RebuildOptions& options) {
-    ProjectTarget target;
-    std::vector<std::string> selected;
-    if (!chooseWork(path, names, "select task blocks to rebuild:", target, selected)) {
+    const auto work = chooseWork(path, names, "select task blocks to rebuild:");
+    if (!work) {
         return false;
     }
+    const auto& [target, selected] = *work;
     if (selected.empty()) {
         return true;
     }
     console::printLine();
     console::printNote("selected: " + formatSelection(selected));
     console::printNote("rebuild mode re-runs full morquill and refreshes generated inputs/workflow.");
-    RebuildOptions chosen = options;
     bool rebuilt = false;
     if (target.kind == TargetKind::Case) {
-        if (chosen.runScript) {
+        if (options.runScript) {
             console::reportError(
                 "--run-script requires a project root or .projmq path. For a single "
                 "case, rebuild the case first, then run the project runner from the project root.");
             return false;
         }
-        rebuilt = rebuildCase(target.caseDir, target.caseFile, selected, chosen);
+        rebuilt = rebuildCase(target.caseDir, target.caseFile, selected, options);
     } else {
-        if (!settleRunner(target.projectRoot, chosen.runScript)) {
+        const auto settled = settleRunner(target.projectRoot, options);
+        if (!settled) {
             return false;
         }
-        rebuilt = rebuildProject(target.projectRoot, target.projectFile, selected, chosen);
+        rebuilt = rebuildProject(target.projectRoot, target.projectFile, selected, *settled);
     }
     if (!rebuilt) {
         console::reportError("rebuild failed.");

@@ -30,11 +30,11 @@ struct RebuildSummary {
 
 /// The regular files with the extension `.mqwk` that lie directly in a block directory.
 [[nodiscard]] std::int32_t countWorkMarkers(const std::string& blockDir);
-/// Removes them; how many went. One that stays is told on standard error.
+/// Removes them and returns how many; reports one that stays on standard error.
 [[nodiscard]] std::int32_t removeWorkMarkers(const std::string& blockDir);
 
-/// The path of the project runner `mqrun` as the configuration read in the project root names it, or its bare
-/// name. The working directory is the same afterwards.
+/// The path of the project runner `mqrun` as the configuration that holds in the project root names it,
+/// or its bare name. Relative paths in it start at the root, wherever the program runs.
 [[nodiscard]] std::string resolveRunner(const std::string& root);
 
 } // namespace morquill::project

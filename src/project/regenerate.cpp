@@ -1,18 +1,20 @@
 #include "project/regenerate.h"
 
-#include "console/messages.h"
 #include "project/cases/selection.h"
+#include "project/phrases.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
+#include "system/file_lock.h"
 #include "system/process.h"
+
+#include <utility>
 
 namespace morquill::project {
 
 namespace {
 
 constexpr const char* generator = "morquill";
-constexpr const char* comdOnlyFlag = "--comd-only";
 
 bool hasSelection(const std::vector<std::string>& selected, const WorkflowWords& words) {
     if (selected.empty()) {
@@ -22,22 +24,6 @@ bool hasSelection(const std::vector<std::string>& selected, const WorkflowWords&
 }
 
 } // namespace
-
-bool chooseWork(const std::string& path, const std::vector<std::string>& names, std::string_view title,
-                ProjectTarget& target, std::vector<std::string>& selected) {
-    if (std::string error; !resolveTarget(path, target, error)) {
-        console::reportError(error);
-        return false;
-    }
-    const bool chosen =
-        target.kind == TargetKind::Case
-            ? selectFromFile(target.caseFile, "task file", names, title, selected)
-            : selectFromProject(target.projectRoot, target.projectFile, names, title, selected);
-    if (chosen && selected.empty()) {
-        console::printNote("no task blocks were selected; exiting.");
-    }
-    return chosen;
-}
 
 std::optional<WorkPlace> openCase(const std::string& caseDir, const std::string& caseFile,
                                   const std::vector<std::string>& selected, const WorkflowWords& words) {
@@ -68,7 +54,32 @@ std::optional<WorkPlace> openProject(const std::string& root, const std::string&
     return WorkPlace{TargetKind::Project, root, file, std::move(caseDirs)};
 }
 
-void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun,
+std::optional<WorkLocks> lockWork(const WorkPlace& place) {
+    using system::LockKind;
+    // The file of a case is mostly a link to the template. A directory cannot be locked everywhere, and a
+    // task file of its own leads to no template: together they meet a project as long as one of them can.
+    const bool isCase = place.kind == TargetKind::Case;
+    std::vector<std::pair<std::string, LockKind>> wanted{
+        {place.file, isCase ? LockKind::shared : LockKind::exclusive},
+        {isCase ? parentPath(place.directory) : place.directory,
+         isCase ? LockKind::shared : LockKind::exclusive},
+    };
+    if (isCase) {
+        wanted.emplace_back(place.directory, LockKind::exclusive);
+    }
+    WorkLocks locks;
+    for (const auto& [path, kind] : wanted) {
+        auto lock = system::tryLock(path, kind);
+        if (!lock) {
+            console::reportError("another mqkit is changing the status files here: " + place.directory);
+            return std::nullopt;
+        }
+        locks.push_back(std::move(*lock));
+    }
+    return locks;
+}
+
+void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, console::RunMode mode,
                      const WorkflowWords& words) {
     std::string text = place.kind == TargetKind::Case ? "\n[MQ " : "\n[ProjMQ ";
     text.append(words.title).append("]\n");
@@ -78,34 +89,27 @@ void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& sel
         text += "  project directory: " + place.directory + "\n";
     }
     text += "  task blocks: " + formatSelection(selected) + "\n";
-    text += dryRun ? "  mode: dry-run (no files written)\n" : "  mode: apply changes\n";
+    text +=
+        mode == console::RunMode::dryRun ? "  mode: dry-run (no files written)\n" : "  mode: apply changes\n";
     text.append("  morquill mode: ").append(words.mode).append("\n");
     console::printLine(text);
 }
 
-void printExecution(std::string_view command, bool dryRun) {
-    console::printMessage(console::stepKind(dryRun), (dryRun ? "" : "execute ") + std::string(command));
-}
-
-void printGeneratorCommand(const WorkPlace& place, bool dryRun, const WorkflowWords& words) {
+void printGeneratorCommand(const WorkPlace& place, console::RunMode mode, const WorkflowWords& words) {
     std::string command = generator + (" " + shellQuote(place.file));
-    if (words.comdOnly) {
-        command.append(" ").append(comdOnlyFlag);
+    if (!words.flag.empty()) {
+        command.append(" ").append(words.flag);
     }
     console::printLine();
-    printExecution(command, dryRun);
+    printExecution(command, mode);
 }
 
-bool runGenerator(const WorkPlace& place, const WorkflowWords& words, std::string& failure) {
+std::optional<std::string> runGenerator(const WorkPlace& place, const WorkflowWords& words) {
     std::vector<std::string> arguments{place.file};
-    if (words.comdOnly) {
-        arguments.emplace_back(comdOnlyFlag);
+    if (!words.flag.empty()) {
+        arguments.emplace_back(words.flag);
     }
-    return system::runProgram(place.directory, generator, arguments, &failure);
-}
-
-std::string inParentheses(const std::string& reason) {
-    return reason.empty() ? "" : " (" + reason + ")";
+    return system::runProgram(place.directory, generator, arguments);
 }
 
 } // namespace morquill::project

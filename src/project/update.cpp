@@ -1,7 +1,8 @@
 #include "project/update.h"
 
-#include "console/messages.h"
 #include "project/cases/selection.h"
+#include "project/choice.h"
+#include "project/phrases.h"
 #include "project/regenerate.h"
 #include "project/update_script.h"
 #include "support/file.h"
@@ -16,52 +17,59 @@ namespace morquill::project {
 
 namespace {
 
-/// Narrows the status files and tells what was, or would be, done and run.
-bool prepareRun(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun,
-                std::vector<StatusBackup>& backups, UpdateSummary& summary) {
-    if (!scopeStatusFiles(place.caseDirs, selected, dryRun, backups, summary)) {
-        return false;
+/// Narrows the status files and reports what was, or would be, done and run; nothing after a message.
+std::optional<UpdateSummary> prepareRun(const WorkPlace& place, const std::vector<std::string>& selected,
+                                        console::RunMode mode, std::vector<StatusBackup>& backups) {
+    const auto summary = scopeStatusFiles(place.caseDirs, selected, mode, backups);
+    if (!summary) {
+        return std::nullopt;
     }
     console::printLine();
-    console::printNote("summary: cases=" + std::to_string(summary.cases) +
-                       ", mq.status scoped=" + std::to_string(summary.statusScoped) +
-                       ", mq.status hidden=" + std::to_string(summary.statusHidden) +
-                       ", selected completed records=" + std::to_string(summary.selectedCompletedRecords));
-    printGeneratorCommand(place, dryRun, updateWords);
-    return true;
+    console::printNote("summary: cases=" + std::to_string(summary->cases) +
+                       ", mq.status scoped=" + std::to_string(summary->statusScoped) +
+                       ", mq.status hidden=" + std::to_string(summary->statusHidden) +
+                       ", selected completed records=" + std::to_string(summary->selectedCompletedRecords));
+    printGeneratorCommand(place, mode, updateWords);
+    return summary;
 }
 
 /// Runs the generator on narrowed status files, which are back when this returns, throws or is ended by a
-/// signal.
-bool refreshComd(const WorkPlace& place, const std::vector<std::string>& selected, UpdateSummary& summary) {
-    const system::SignalGuard
-        signals; // goes last: the status files are back before a signal ends the program
-    StatusRestorer statusFiles;
-    if (!prepareRun(place, selected, false, statusFiles.backups(), summary)) {
-        return false;
+/// signal. Nothing after a message.
+std::optional<UpdateSummary> refreshComd(const WorkPlace& place, const std::vector<std::string>& selected) {
+    // Another update would take narrowed files for whole ones and put those back.
+    const auto locks = lockWork(place);
+    if (!locks) {
+        return std::nullopt;
     }
-    std::string failure;
-    const bool refreshed = signals.noted() == 0 && runGenerator(place, updateWords, failure);
+    // Goes last: the status files are back before a signal ends the program.
+    const system::SignalGuard signals;
+    StatusRestorer statusFiles;
+    const auto summary = prepareRun(place, selected, console::RunMode::apply, statusFiles.backups());
+    if (!summary) {
+        return std::nullopt;
+    }
+    const auto failure = signals.noted() == 0 ? runGenerator(place, updateWords) : std::nullopt;
     if (!statusFiles.restore() || signals.noted() != 0) {
-        return false;
+        return std::nullopt;
     }
     console::printNote("mq.status restored after comd-only update");
-    if (!refreshed) {
-        console::reportError("failed to re-run morquill in --comd-only mode" + inParentheses(failure));
-        return false;
+    if (failure) {
+        console::reportError("failed to re-run morquill in --comd-only mode" + inParentheses(*failure));
+        return std::nullopt;
     }
     console::printNote("morquill --comd-only update completed");
-    return true;
+    return summary;
 }
 
-bool leaveScript(const WorkPlace& place, const std::vector<std::string>& selected, bool dryRun) {
-    std::string path;
-    if (!writeComdRunnerScript(place.directory, place.caseDirs, selected, dryRun, path)) {
+bool leaveScript(const WorkPlace& place, const std::vector<std::string>& selected, console::RunMode mode) {
+    const bool dryRun = mode == console::RunMode::dryRun;
+    const auto path = comdRunnerScriptPath(place.directory);
+    if (!dryRun && !writeComdRunnerScript(place.directory, place.caseDirs, selected)) {
         console::reportError("failed to write comd runner script: " + path);
         return false;
     }
     console::printLine();
-    console::printMessage(console::stepKind(dryRun),
+    console::printMessage(console::stepKind(mode),
                           (dryRun ? "would generate " : "generated ") + ("comd runner script: " + path));
     console::printNote("this script replays the same per-task 'bash comd' flow as immediate execution");
     return true;
@@ -72,58 +80,56 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
     if (!place) {
         return false;
     }
-    printWorkHeader(*place, selected, options.dryRun, updateWords);
-    UpdateSummary summary;
+    const auto mode = console::runMode(options.dryRun);
+    printWorkHeader(*place, selected, mode, updateWords);
     std::vector<StatusBackup> untouched;
-    const bool refreshed = options.dryRun ? prepareRun(*place, selected, true, untouched, summary)
-                                          : refreshComd(*place, selected, summary);
-    if (!refreshed) {
+    auto summary =
+        options.dryRun ? prepareRun(*place, selected, mode, untouched) : refreshComd(*place, selected);
+    if (!summary) {
         return false;
     }
     if (!options.runComd) {
-        return leaveScript(*place, selected, options.dryRun);
+        return leaveScript(*place, selected, mode);
     }
-    const bool allRan = runComdForCases(place->caseDirs, selected, options.dryRun, summary);
+    runComdForCases(place->caseDirs, selected, mode, *summary);
     console::printLine();
-    console::printNote("comd summary: success=" + std::to_string(summary.comdSuccess) +
-                       ", failed=" + std::to_string(summary.comdFailed));
-    return allRan;
+    console::printNote("comd summary: success=" + std::to_string(summary->comdSuccess) +
+                       ", failed=" + std::to_string(summary->comdFailed));
+    return summary->comdFailed == 0;
 }
 
-bool runComd(const std::string& blockDir, const std::string& label, bool dryRun, UpdateSummary& summary) {
+void runComd(const std::string& blockDir, const std::string& label, console::RunMode mode,
+             UpdateSummary& summary) {
     if (!isDirectory(blockDir)) {
         console::printSkip(label + " : block directory is missing");
-        return true;
+        return;
     }
     if (!isRegularFile(joinPath(blockDir, "comd"))) {
         console::printSkip(label + " : comd is missing");
-        return true;
+        return;
     }
-    printExecution(label + " -> bash comd", dryRun);
-    std::string failure;
-    if (!dryRun && !system::runProgram(blockDir, "bash", {"comd"}, &failure)) {
-        summary.comdFailed += 1;
-        console::reportWarning("comd execution failed: " + blockDir + inParentheses(failure));
-        return false;
+    printExecution(label + " -> bash comd", mode);
+    const auto failure =
+        mode == console::RunMode::dryRun ? std::nullopt : system::runProgram(blockDir, "bash", {"comd"});
+    if (!failure) {
+        summary.comdSuccess += 1;
+        return;
     }
-    summary.comdSuccess += 1;
-    return true;
+    summary.comdFailed += 1;
+    console::reportWarning("comd execution failed: " + blockDir + inParentheses(*failure));
 }
 
 } // namespace
 
-bool runComdForCases(const std::vector<std::string>& caseDirs, const std::vector<std::string>& selected,
-                     bool dryRun, UpdateSummary& summary) {
+void runComdForCases(const std::vector<std::string>& caseDirs, const std::vector<std::string>& selected,
+                     console::RunMode mode, UpdateSummary& summary) {
     console::printLine();
     console::printNote("comd execution for selected task blocks");
-    bool allRan = true;
     for (const auto& caseDir : caseDirs) {
         for (const auto& task : selected) {
-            const auto label = baseName(caseDir) + " / $" + task;
-            allRan = runComd(joinPath(caseDir, task), label, dryRun, summary) && allRan;
+            runComd(joinPath(caseDir, task), baseName(caseDir) + " / $" + task, mode, summary);
         }
     }
-    return allRan;
 }
 
 bool updateCase(const std::string& caseDir, const std::string& caseFile,
@@ -138,11 +144,11 @@ bool updateProject(const std::string& root, const std::string& file, const std::
 
 bool runProjectUpdate(const std::string& path, const std::vector<std::string>& names,
                       const UpdateOptions& options) {
-    ProjectTarget target;
-    std::vector<std::string> selected;
-    if (!chooseWork(path, names, "select task blocks to update comd:", target, selected)) {
+    const auto work = chooseWork(path, names, "select task blocks to update comd:");
+    if (!work) {
         return false;
     }
+    const auto& [target, selected] = *work;
     if (selected.empty()) {
         return true;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "console/messages.h"
 #include "project/status/status_scope.h"
 #include "project/workflows.h"
 
@@ -16,10 +17,9 @@ namespace morquill::project {
 [[nodiscard]] bool updateProject(const std::string& root, const std::string& file,
                                  const std::vector<std::string>& selected, const UpdateOptions& options);
 
-/// Runs `bash comd` in the selected block directories of each case, counting what went well and what did not;
-/// a dry run counts the runnable ones. True when nothing failed; what is missing is only told.
-[[nodiscard]] bool runComdForCases(const std::vector<std::string>& caseDirs,
-                                   const std::vector<std::string>& selected, bool dryRun,
-                                   UpdateSummary& summary);
+/// Runs `bash comd` in the selected block directories of each case, counting successes and failures;
+/// a dry run counts the runnable ones. What is missing is only reported.
+void runComdForCases(const std::vector<std::string>& caseDirs, const std::vector<std::string>& selected,
+                     console::RunMode mode, UpdateSummary& summary);
 
 } // namespace morquill::project

@@ -49,15 +49,16 @@ std::string formatComdRunnerScript(const std::string& root, const std::vector<st
     return text.append(comdRunnerText.substr(callsAt + callsMark.size()));
 }
 
+std::string comdRunnerScriptPath(const std::string& root) {
+    return joinPath(root, "mqkit_update_comd.sh");
+}
+
 bool writeComdRunnerScript(const std::string& root, const std::vector<std::string>& caseDirs,
-                           const std::vector<std::string>& selected, bool dryRun, std::string& outPath) {
-    outPath = joinPath(root, "mqkit_update_comd.sh");
-    if (dryRun) {
-        return true;
-    }
+                           const std::vector<std::string>& selected) {
+    const auto outPath = comdRunnerScriptPath(root);
     const auto text = formatComdRunnerScript(root, caseDirs, selected);
-    // What stands there goes first: writing over it would go through a link, into a file with further names,
-    // or wait for the reader of a pipe.
+    // What is there is removed first: writing over it would go through a link, into a file with further
+    // names, or wait for the reader of a pipe.
     if (::unlink(outPath.c_str()) != 0 && errno != ENOENT) {
         return false;
     }

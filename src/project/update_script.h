@@ -12,11 +12,13 @@ namespace morquill::project {
                                                  const std::vector<std::string>& caseDirs,
                                                  const std::vector<std::string>& selected);
 
-/// Writes the script into `root` as a new file, in the place of whatever stood there, and makes it
-/// executable; `outPath` takes its path, also in a dry run, which writes nothing. True on success; otherwise
-/// no script is left, for an older one would run other blocks. A directory in its place stays.
+/// The path of the script of a case or project.
+[[nodiscard]] std::string comdRunnerScriptPath(const std::string& root);
+
+/// Writes the script into `root` as a new file, in place of whatever is there, and makes it executable.
+/// True on success; otherwise no script is left, since an older one would run other blocks.
+/// A directory in its place stays.
 [[nodiscard]] bool writeComdRunnerScript(const std::string& root, const std::vector<std::string>& caseDirs,
-                                         const std::vector<std::string>& selected, bool dryRun,
-                                         std::string& outPath);
+                                         const std::vector<std::string>& selected);
 
 } // namespace morquill::project

@@ -7,8 +7,7 @@
 
 namespace morquill {
 
-/// A place in a text that moves forward as the text is taken apart. Everything returned is a view into the
-/// text.
+/// A place in a text that moves forward as the text is read. All texts returned are views into it.
 class Cursor {
   public:
     constexpr explicit Cursor(std::string_view text, std::size_t at = 0) noexcept : text_(text), at_(at) {}
@@ -20,24 +19,24 @@ class Cursor {
     /// True when `c` is the next byte.
     [[nodiscard]] constexpr bool isAt(char c) const noexcept { return !atEnd() && text_[at_] == c; }
 
-    /// Moves behind white space.
+    /// Moves past white space.
     constexpr Cursor& skipSpace() noexcept {
         at_ = morquill::skipSpace(text_, at_);
         return *this;
     }
-    /// Moves behind `c` when it is the next byte; reports whether it was.
+    /// Moves past `c` and returns true when it is the next byte.
     constexpr bool take(char c) noexcept {
         const bool found = isAt(c);
         at_ += found ? 1 : 0;
         return found;
     }
-    /// Moves behind `word` when the rest begins with it; reports whether it did.
+    /// Moves past `word` and returns true when the rest begins with it.
     constexpr bool take(std::string_view word) noexcept {
         const bool found = rest().starts_with(word);
         at_ += found ? word.size() : 0;
         return found;
     }
-    /// Takes bytes as long as `fits` holds for them; empty when it does not hold for the first.
+    /// Takes bytes as long as `fits` holds for them; empty when it fails for the first.
     template <class Fits>
     constexpr std::string_view takeWhile(const Fits& fits) noexcept {
         const std::size_t begin = at_;
@@ -50,7 +49,7 @@ class Cursor {
     constexpr std::string_view takeWord() noexcept {
         return takeWhile([](char c) { return !isSpace(c); });
     }
-    /// Takes everything up to `place`, which does not lie behind the end.
+    /// Takes everything up to `place`, which must not lie past the end.
     constexpr std::string_view takeTo(std::size_t place) noexcept {
         const auto taken = text_.substr(at_, place - at_);
         at_ = place;

@@ -1,5 +1,7 @@
 #include "support/fault.h"
 
+#include <cerrno>
+#include <cstring>
 #include <new>
 
 namespace morquill {
@@ -23,6 +25,14 @@ std::string faultText(const std::exception& fault, std::string_view path) {
         text.append(": ").append(path);
     }
     return text;
+}
+
+const char* systemErrorText(int number) noexcept {
+    return std::strerror(number);
+}
+
+std::error_code lastSystemError() noexcept {
+    return {errno, std::system_category()};
 }
 
 } // namespace morquill

@@ -4,31 +4,38 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 
-/// What faults say to the user.
+/// The messages of exceptions.
 namespace morquill {
 
-/// A fault whose message keeps all its bytes: one that quotes its input may hold a NUL byte, where the C
-/// string of `what()` ends.
+/// A fault whose message keeps all its bytes: a message that quotes its input may contain a NUL byte, at
+/// which the C string of `what()` ends.
 class WholeTextError : public std::runtime_error {
   public:
     explicit WholeTextError(const std::string& text) : std::runtime_error(text), text_(text) {}
 
-    /// What `what()` returns, to the last byte.
+    /// The message with all its bytes.
     [[nodiscard]] const std::string& text() const noexcept { return text_; }
 
   private:
     std::string text_;
 };
 
-/// The message of an exception with all its bytes, as far as the exception has kept them.
+/// The message of an exception, with all its bytes for a `WholeTextError`.
 [[nodiscard]] std::string wholeText(const std::exception& fault);
 
-/// True for what the standard library throws when the memory runs out or a size cannot be had at all.
+/// True for what the standard library throws when memory runs out or a container cannot become that large.
 [[nodiscard]] bool isOutOfMemory(const std::exception& fault) noexcept;
 
-/// What a fault says to the user. A lack of memory says nothing by itself: it becomes "out of memory: <path>"
-/// with the file that was worked on, "out of memory" without one.
+/// The message of an exception for the user. Lack of memory, whose own message says nothing, becomes
+/// "out of memory: <path>" with the file being processed, "out of memory" for an empty path.
 [[nodiscard]] std::string faultText(const std::exception& fault, std::string_view path);
+
+/// The system's text for an error number, a value of `errno`.
+[[nodiscard]] const char* systemErrorText(int number) noexcept;
+
+/// The current `errno` as an error code.
+[[nodiscard]] std::error_code lastSystemError() noexcept;
 
 } // namespace morquill

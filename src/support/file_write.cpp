@@ -17,8 +17,12 @@ namespace morquill {
 
 namespace {
 
-/// Holds back, while it lives, every signal that can be held: none may end or stop the program while a file
-/// is half old and half new. What a fault of the program itself raises is not held.
+/// Blocks, while it lives, every signal that can be blocked, so that none ends or stops the program while a
+/// file is half old and half new. Signals raised by a fault of the program itself are not blocked.
+///
+/// Unlike the `SignalGuard` of the workflows, which covers whole steps: children run in those, which must not
+/// inherit blocked signals and have to receive the one that ends the program, and the user may stop the
+/// program. Blocking holds the stop key as well and needs no handler, but suits the time of one write only.
 class SignalHold {
   public:
     SignalHold() noexcept {
@@ -37,7 +41,7 @@ class SignalHold {
     ~SignalHold() {
         const int error = errno;
         if (!sizeSignalWasPending_) {
-            // The caller hears of a file that grew too large by the result of the write.
+            // The caller learns from the result of the write that a file grew too large.
             sigset_t sizeSignal;
             sigemptyset(&sizeSignal);
             sigaddset(&sizeSignal, SIGXFSZ);
@@ -53,23 +57,17 @@ class SignalHold {
     bool sizeSignalWasPending_ = false;
 };
 
-/// Writes over a file from its first byte on and cuts off what is left of a longer one.
-bool replaceContent(int fd, std::string_view text) noexcept {
-    return ::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, text) &&
-           ::ftruncate(fd, static_cast<off_t>(text.size())) == 0;
-}
-
-/// Some file systems report a failed write only when a descriptor is closed; a copy of it serves as well and
-/// leaves the file open for putting things right.
+/// Some file systems report a failed write only when a descriptor is closed. Closing a copy of the descriptor
+/// reveals it, too, and leaves the file open for repair.
 bool reachedTheServer(int fd) noexcept {
     const int copy = ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
     return copy < 0 || ::close(copy) == 0;
 }
 
-/// Asks the file system for the room that the text needs; true also when it cannot promise any. The size of
-/// the file does not change, so nothing has happened yet when there is no room.
+/// Asks the file system to reserve the room that the text needs; true also when it cannot reserve. The size
+/// of the file stays, so the file is unchanged when there is no room.
 bool reserveRoom(int fd, const struct stat& info, std::size_t size) noexcept {
-    constexpr blkcnt_t blockUnit = 512; // of st_blocks, whatever the file system's own blocks are
+    constexpr blkcnt_t blockUnit = 512; // of st_blocks, whatever the block size of the file system
     const auto needed = static_cast<off_t>(size);
     if (needed <= info.st_blocks * blockUnit || ::fallocate(fd, FALLOC_FL_KEEP_SIZE, 0, needed) == 0) {
         return true;
@@ -77,7 +75,8 @@ bool reserveRoom(int fd, const struct stat& info, std::size_t size) noexcept {
     return errno != ENOSPC && errno != EDQUOT && errno != EFBIG && errno != EIO;
 }
 
-/// The first bytes of a file, fewer when it is shorter; nothing when they cannot be read or held.
+/// The first bytes of a file that was just opened, fewer when it is
+/// shorter; nothing when they cannot be read or memory runs out.
 std::optional<std::string> readStart(int fd, std::size_t size) {
     std::string start;
     try {
@@ -86,23 +85,23 @@ std::optional<std::string> readStart(int fd, std::size_t size) {
         errno = ENOMEM;
         return std::nullopt;
     }
-    std::size_t used = 0;
-    while (used < size) {
-        const auto got = ::pread(fd, start.data() + used, size - used, static_cast<off_t>(used));
-        if (got < 0) {
-            return std::nullopt;
-        }
-        if (got == 0) {
-            break;
-        }
-        used += static_cast<std::size_t>(got);
+    const ssize_t got = readFull(fd, start.data(), size);
+    if (got < 0) {
+        return std::nullopt;
     }
-    start.resize(used);
+    start.resize(static_cast<std::size_t>(got));
     return start;
 }
 
-/// A file that is readable keeps its old bytes when the write fails: those behind the text are cut off last,
-/// so only as many as the text covers have to be remembered.
+/// Overwrites a file from its first byte on and cuts off the rest of a longer one. The cut is the last step:
+/// after it the old bytes cannot be put back.
+bool replaceContent(int fd, std::string_view text) noexcept {
+    return ::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, text) && reachedTheServer(fd) &&
+           ::ftruncate(fd, static_cast<off_t>(text.size())) == 0;
+}
+
+/// Overwrites a readable file, which keeps its old bytes when the write fails. The bytes past the text are
+/// cut off last, so only those that the text covers have to be remembered.
 bool overwriteFile(int fd, bool readable, std::string_view text) {
     struct stat info {};
     if (::fstat(fd, &info) != 0) {
@@ -113,13 +112,13 @@ bool overwriteFile(int fd, bool readable, std::string_view text) {
     if (readable && !old) {
         return false;
     }
-    if (reserveRoom(fd, info, text.size()) && replaceContent(fd, text) && reachedTheServer(fd)) {
+    if (reserveRoom(fd, info, text.size()) && replaceContent(fd, text)) {
         return true;
     }
     const int error = errno;
     if (old) {
         (void)(::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, *old));
-        // Also gives back the room that was reserved behind the end.
+        // Also returns the room that was reserved past the end.
         (void)::ftruncate(fd, info.st_size);
     }
     errno = error;
@@ -127,20 +126,19 @@ bool overwriteFile(int fd, bool readable, std::string_view text) {
 }
 
 bool overwriteExisting(const std::string& path, std::string_view text) {
-    int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOCTTY);
-    const bool readable = fd >= 0;
-    if (fd < 0 && errno == EACCES) {
-        fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    Descriptor file = openFile(path, O_RDWR | O_NOCTTY);
+    const bool readable = file.isOpen();
+    if (!readable && errno == EACCES) {
+        file = openFile(path, O_WRONLY | O_NOCTTY);
     }
-    Descriptor file(fd);
-    return file.get() >= 0 && overwriteFile(file.get(), readable, text) && file.close();
+    return file.isOpen() && overwriteFile(file.get(), readable, text) && file.close();
 }
 
-/// A file that cannot be written in whole is not left behind.
+/// Creates a file and removes it again when it cannot be written in full.
 bool writeNewFile(const std::string& path, std::string_view text) {
-    // Through a link whose target does not exist yet the target is made.
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666));
-    if (file.get() < 0) {
+    // A link whose target does not exist yet: the target is created.
+    Descriptor file = openFile(path, O_WRONLY | O_CREAT | O_NOCTTY, 0666);
+    if (!file.isOpen()) {
         return false;
     }
     if (writeAll(file.get(), text) && file.close()) {
@@ -154,10 +152,10 @@ bool writeNewFile(const std::string& path, std::string_view text) {
     return false;
 }
 
-/// Into a pipe, a terminal or another device: there are no old bytes, and the write may have to wait.
+/// Writes to a pipe, a terminal or another device: there are no old bytes, and the write may have to wait.
 bool writeToDevice(const std::string& path, std::string_view text) {
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
-    return file.get() >= 0 && writeAll(file.get(), text) && file.close();
+    Descriptor file = openFile(path, O_WRONLY | O_NOCTTY);
+    return file.isOpen() && writeAll(file.get(), text) && file.close();
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/large_memory.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -7,8 +9,8 @@
 
 namespace morquill {
 
-/// A text as it grows, line by line. Every line begins with the indent: a fixed text and two blanks for each
-/// level. Pieces are texts; each function returns the builder itself.
+/// Builds a text line by line. Every line begins with the indent: a fixed text, then two blanks per level.
+/// Pieces are texts; the functions that add return the builder itself.
 class LineBuilder {
   public:
     explicit LineBuilder(std::string_view indent = {}) : indent_(indent) {}
@@ -18,7 +20,7 @@ class LineBuilder {
     LineBuilder& line(const Pieces&... pieces) {
         return open(pieces...).close();
     }
-    /// Adds a label and a value as one line, unless the value is empty.
+    /// Adds a line made of a label and a value, unless the value is empty.
     LineBuilder& filled(std::string_view label, std::string_view value) {
         return value.empty() ? *this : line(label, value);
     }
@@ -30,34 +32,45 @@ class LineBuilder {
         text_.append(blanksPerLevel * level_, ' ');
         return add(pieces...);
     }
-    /// Adds to the line that is open, or lines that bring their own ends.
+    /// Adds to the open line, or adds lines that have their own line ends.
     template <class... Pieces>
     LineBuilder& add(const Pieces&... pieces) {
         (text_.append(std::string_view(pieces)), ...);
         return *this;
     }
-    /// Ends the line that is open.
+    /// Adds what `write` appends to the text that it is given.
+    template <class Write>
+    LineBuilder& addWith(const Write& write) {
+        write(text_);
+        return *this;
+    }
+    /// Ends the open line.
     LineBuilder& close() {
         text_ += '\n';
         return *this;
     }
 
-    /// The lines from here on stand one level further in, or one further out.
+    /// Indents the following lines by one level more.
     void deeper() noexcept { ++level_; }
+    /// Indents the following lines by one level less.
     void shallower() noexcept { level_ -= level_ > 0 ? 1 : 0; }
 
-    /// What is there so far, in bytes and as text.
+    /// Reserves room for a text of about that many bytes.
+    void reserve(std::size_t bytes) { reserveLarge(text_, bytes); }
+
+    /// The size of the text so far, in bytes.
     [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
     [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
+    /// The text so far; valid until the next change.
     [[nodiscard]] std::string_view text() const noexcept { return text_; }
-    /// The text from the byte `begin` on.
+    /// The text so far from the byte `begin` on.
     [[nodiscard]] std::string_view textFrom(std::size_t begin) const noexcept {
         return std::string_view(text_).substr(begin);
     }
 
-    /// Takes off what stands behind the first `size` bytes.
+    /// Removes everything past the first `size` bytes.
     void cutTo(std::size_t size) { text_.resize(size); }
-    /// The whole text; the builder is empty behind it.
+    /// Returns the whole text and leaves the builder empty.
     [[nodiscard]] std::string take() { return std::exchange(text_, {}); }
 
   private:

@@ -7,7 +7,7 @@
 
 namespace morquill {
 
-/// Names in order of first appearance, each once, none empty.
+/// Names in order of first appearance, each once, none of them empty.
 class NameList {
   public:
     void add(std::string_view name) {

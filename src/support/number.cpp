@@ -3,8 +3,10 @@
 #include "support/text.h"
 
 #include <array>
-#include <cstdio>
+#include <charconv>
+#include <cmath>
 #include <cstdlib>
+#include <system_error>
 
 namespace morquill {
 
@@ -44,11 +46,31 @@ std::optional<std::int32_t> readPositiveInt(std::string_view digits) {
     return value && *value > 0 ? value : std::nullopt;
 }
 
-std::optional<double> readDouble(std::string_view text) {
-    const std::string word(trim(text));
-    if (word.empty()) {
+std::optional<std::size_t> readMenuIndex(std::string_view answer, std::size_t count, MenuSign sign) {
+    answer = trim(answer);
+    if (sign == MenuSign::plus && answer.starts_with('+')) {
+        answer.remove_prefix(1);
+    }
+    const auto number = readPositiveInt(answer);
+    if (!number || static_cast<std::size_t>(*number) > count) {
         return std::nullopt;
     }
+    return static_cast<std::size_t>(*number) - 1;
+}
+
+std::optional<double> readDouble(std::string_view text) {
+    const std::string_view trimmed = trim(text);
+    if (trimmed.empty()) {
+        return std::nullopt;
+    }
+    // Plain decimal numbers, which nearly all are, need neither a copy nor a locale.
+    double plain = 0;
+    const char* const behind = trimmed.data() + trimmed.size();
+    if (const auto read = std::from_chars(trimmed.data(), behind, plain);
+        isDigit(trimmed.front()) && read.ptr == behind && read.ec == std::errc{}) {
+        return plain;
+    }
+    const std::string word(trimmed);
     char* end = nullptr;
     const double value = std::strtod(word.c_str(), &end);
     // An embedded NUL ends the C string early, so the end is compared with the length of the whole word.
@@ -60,8 +82,13 @@ std::optional<double> readDouble(std::string_view text) {
 
 std::string formatSignificant(double value, int digits) {
     std::array<char, 64> buffer{};
-    const int length = std::snprintf(buffer.data(), buffer.size(), "%.*g", digits, value);
-    return {buffer.data(), static_cast<std::size_t>(length)};
+    // Small integers, which most numbers are, have one form whatever the digits; -0 is none of them.
+    if (digits >= 15 && std::abs(value) < 1e15 && value == std::trunc(value) && !std::signbit(value)) {
+        const auto end = std::to_chars(buffer.begin(), buffer.end(), static_cast<std::int64_t>(value));
+        return {buffer.begin(), end.ptr};
+    }
+    const auto end = std::to_chars(buffer.begin(), buffer.end(), value, std::chars_format::general, digits);
+    return {buffer.begin(), end.ptr};
 }
 
 } // namespace morquill

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -8,18 +9,26 @@
 /// Numbers in text, always in the C locale.
 namespace morquill {
 
-/// A signed 32-bit integer read as C's `strtol` with base 10 reads it: leading white space and one sign are
-/// allowed, trailing text is ignored. Nothing when no digit is found or the value does not fit.
+/// Reads a signed 32-bit integer as C's `strtol` does with base 10: leading white space and one sign are
+/// allowed, trailing text is ignored. Returns nothing when there is no digit or the value does not fit.
 [[nodiscard]] std::optional<std::int32_t> readLeadingInt(std::string_view text);
 
-/// A whole decimal integer from 1 to 2147483647 made of digits only; nothing for any other text.
+/// Reads a decimal integer from 1 to 2147483647 that consists of digits only; nothing for any other text.
 [[nodiscard]] std::optional<std::int32_t> readPositiveInt(std::string_view digits);
 
-/// A floating-point number with `strtod` semantics (exponents, hexadecimal, "inf", "nan") that takes up the
-/// whole trimmed text; nothing when text is left over or there is none. The value may be infinite or NaN.
+/// Whether a plus sign may precede the number of a menu entry.
+enum class MenuSign : std::uint8_t { none, plus };
+
+/// Returns the index, from 0, of the menu entry whose number, from 1 to
+/// `count`, is the whole trimmed answer; nothing for any other text.
+[[nodiscard]] std::optional<std::size_t> readMenuIndex(std::string_view answer, std::size_t count,
+                                                       MenuSign sign);
+
+/// Reads a floating-point number as `strtod` does (exponents, hexadecimal, "inf", "nan") from the whole
+/// trimmed text; nothing when text is left over or there is none. The value may be infinite or NaN.
 [[nodiscard]] std::optional<double> readDouble(std::string_view text);
 
-/// A double with `digits` significant digits, as the C format `%.<digits>g` writes it.
+/// Writes a double with `digits` significant digits, as the C format `%.<digits>g` does.
 [[nodiscard]] std::string formatSignificant(double value, int digits);
 
 } // namespace morquill

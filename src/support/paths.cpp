@@ -2,32 +2,52 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <memory>
+#include <optional>
 #include <system_error>
-
-#include <dirent.h>
-#include <fnmatch.h>
+#include <utility>
 
 namespace morquill {
 
 namespace fs = std::filesystem;
 
-std::string absolutePath(std::string_view path) {
+namespace {
+
+/// The path appended to the current directory, as written; nothing when that directory no longer exists.
+std::optional<fs::path> behindCurrentDirectory(std::string_view path) {
     std::error_code error;
-    const auto absolute = fs::absolute(fs::path(path), error);
-    return (error ? fs::path(path) : absolute).lexically_normal().string();
+    auto absolute = fs::absolute(fs::path(path), error);
+    if (error && error != std::errc::no_such_file_or_directory && error != std::errc::invalid_argument) {
+        // Taken as it stands, the path would lead somewhere else.
+        throw std::system_error(error, "could not find out the current directory");
+    }
+    return error ? std::nullopt : std::optional(std::move(absolute));
+}
+
+} // namespace
+
+std::string absolutePath(std::string_view path) {
+    return behindCurrentDirectory(path).value_or(fs::path(path)).lexically_normal().string();
 }
 
 std::string absoluteLocation(std::string_view path) {
-    std::error_code error;
-    std::string text = absolutePath(path.empty() ? fs::current_path(error).string() : std::string(path));
-    if (text.empty()) { // no current directory any more
-        return ".";
-    }
+    std::string text = absolutePath(path.empty() ? "." : path);
     while (text.size() > 1 && text.back() == '/') {
         text.pop_back();
     }
     return text;
+}
+
+std::string normalisedPath(const std::string& path) {
+    // Absolute first: the weakly canonical form of a relative path that does not exist stays relative and
+    // would differ from another spelling of the same place.
+    if (const auto absolute = behindCurrentDirectory(path)) {
+        std::error_code error;
+        const auto canonical = fs::weakly_canonical(*absolute, error);
+        if (!error) {
+            return canonical.string();
+        }
+    }
+    return fs::path(path).lexically_normal().string();
 }
 
 std::string joinPath(std::string_view dir, std::string_view name) {
@@ -67,36 +87,9 @@ std::string stemOf(std::string_view path) {
     return name;
 }
 
-bool anyDirectoryEntry(const std::string& dir, const std::function<bool(const std::string&)>& accept) {
-    const auto close = [](DIR* open) { ::closedir(open); };
-    const std::unique_ptr<DIR, decltype(close)> open(::opendir(dir.c_str()), close);
-    if (!open) {
-        return false;
-    }
-    while (const dirent* entry = ::readdir(open.get())) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != ".." && accept(name)) {
-            return true;
-        }
-    }
-    return false;
-}
-
 bool liesBelow(std::string_view path, std::string_view tree) noexcept {
     return !tree.empty() && path.size() > tree.size() && path.starts_with(tree) &&
            (tree.back() == '/' || path[tree.size()] == '/');
-}
-
-std::vector<std::string> listDirectoryEntries(const std::string& dir, const std::string& pattern) {
-    std::vector<std::string> names;
-    static_cast<void>(anyDirectoryEntry(dir, [&](const std::string& name) {
-        if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PATHNAME) == 0) {
-            names.push_back(name);
-        }
-        return false;
-    }));
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 } // namespace morquill

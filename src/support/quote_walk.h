@@ -8,38 +8,38 @@
 #include <string_view>
 #include <vector>
 
-/// One walk through texts with quotes, snapshots (`{{ }}`) and brackets. What differs from language to
-/// language is data: a `QuoteRule`.
+/// One walk through texts with quotes, snapshots (`{{ }}`) and
+/// brackets. The differences between languages are data: a `QuoteRule`.
 namespace morquill {
 
-/// Where a backslash protects the byte behind it. A backslash at the very end protects nothing.
+/// Where a backslash protects the byte after it. A backslash at the very end protects nothing.
 enum class Backslash : std::uint8_t { nowhere, inDoubleQuotes, inQuotes, exceptInSingleQuotes, everywhere };
 
-/// Which bytes it protects there; in front of any other it is an ordinary byte.
+/// Which bytes it protects there; before any other, it is an ordinary byte.
 enum class Protected : std::uint8_t {
     anyByte,
     shellBytes,       ///< quotes, the backslash and white space
-    quoteOrBackslash, ///< the quote that is open, and the backslash
+    quoteOrBackslash, ///< the open quote, and the backslash
 };
 
 /// What `{{` and `}}` mean.
 enum class Snapshots : std::uint8_t {
     none,   ///< two ordinary bytes
-    flat,   ///< everything up to the first `}}` is inside, quotes mean nothing there
-    nested, ///< pairs lie in one another, and quotes in them hide braces
+    flat,   ///< everything up to the first `}}` is inside; quotes mean nothing there
+    nested, ///< pairs nest, and quotes inside them hide braces
 };
 
-/// One row of a table of rules. Quotes of one kind mean nothing inside the other.
+/// One row of a table of rules. Quotes of one kind mean nothing inside those of the other.
 struct QuoteRow {
     std::string_view quotes = "\"'";
     Backslash backslash = Backslash::inQuotes;
     Protected isProtected = Protected::anyByte;
     Snapshots snapshots = Snapshots::none;
-    std::string_view opening = {}; ///< brackets that count outside quotes and snapshots; all are of one kind
-    std::string_view closing = {}; ///< one that closes nothing changes nothing
+    std::string_view opening = {}; ///< brackets that count outside quotes and snapshots, all of one kind
+    std::string_view closing = {}; ///< one without an open bracket is ignored
 };
 
-/// A row, ready for a walk: what each byte may mean.
+/// A row prepared for walks: what each byte may mean.
 class QuoteRule {
   public:
     enum class Byte : std::uint8_t { plain, quote, backslash, brace, opening, closing };
@@ -68,7 +68,7 @@ class QuoteRule {
     std::array<Byte, 256> bytes_{};
 };
 
-/// Where a walk through a text is. The walk may go on in a further text, as if one followed the other.
+/// The state of a walk through a text. The walk may continue in another text, as if that followed the first.
 class QuoteWalk {
   public:
     constexpr explicit QuoteWalk(const QuoteRule& rule) noexcept : rule_(&rule) {}
@@ -83,8 +83,8 @@ class QuoteWalk {
     /// The number of open brackets.
     [[nodiscard]] constexpr std::size_t depth() const noexcept { return depth_; }
 
-    /// Takes in what begins at `at` and returns the place behind it: two bytes further for `{{`, `}}` and a
-    /// byte with the backslash that protects it, otherwise one.
+    /// Takes what begins at `at` and returns the place after it: two bytes on for `{{`, `}}` and a byte with
+    /// the backslash that protects it, otherwise one.
     [[nodiscard]] constexpr std::size_t step(std::string_view text, std::size_t at) noexcept {
         switch (rule_->byteOf(text[at])) {
         case QuoteRule::Byte::plain:
@@ -147,7 +147,7 @@ class QuoteWalk {
         return true;
     }
 
-    /// Reports whether a pair that opens or closes a snapshot begins at `at`.
+    /// Returns whether a pair that opens or closes a snapshot begins at `at`.
     constexpr bool takeBraces(std::string_view text, std::size_t at) noexcept {
         const char c = text[at];
         if (inQuotes() || at + 1 == text.size() || text[at + 1] != c) {
@@ -182,8 +182,8 @@ template <class Fits>
     return std::string_view::npos;
 }
 
-/// The fields between the `separator`s outside quotes, snapshots and brackets: one more than separators, as
-/// they are written, views into `text`.
+/// Splits `text` at each `separator` outside quotes, snapshots and brackets. Returns one field more than
+/// separators, as written; the fields are views into `text`.
 [[nodiscard]] std::vector<std::string_view> splitAtTop(std::string_view text, const QuoteRule& rule,
                                                        char separator);
 

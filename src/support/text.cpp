@@ -98,17 +98,15 @@ std::string shellQuote(std::string_view text) {
     return "'" + replaceAll(text, "'", R"('\'')") + "'";
 }
 
+std::size_t countLines(std::string_view text) noexcept {
+    const auto ends = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    return text.empty() || text.back() == '\n' ? ends : ends + 1;
+}
+
 std::vector<std::string_view> splitLines(std::string_view text) {
     std::vector<std::string_view> lines;
-    std::size_t begin = 0;
-    while (begin < text.size()) {
-        const auto end = text.find('\n', begin);
-        lines.push_back(text.substr(begin, end - begin));
-        if (end == std::string_view::npos) {
-            break;
-        }
-        begin = end + 1;
-    }
+    lines.reserve(countLines(text));
+    forEachLine(text, [&lines](std::string_view line) { lines.push_back(line); });
     return lines;
 }
 

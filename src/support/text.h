@@ -1,21 +1,24 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// Byte-wise text helpers. Text is bytes: casing and character classes are ASCII, no locale takes part,
-/// and bytes above 0x7f are ordinary characters.
+/// Text is bytes: casing and character classes are ASCII, the
+/// locale is ignored, and bytes above 0x7f are ordinary characters.
 namespace morquill {
 
-/// True for blank, tab, line feed, vertical tab, form feed and carriage return; 0x85 and 0xA0 are no blanks.
+/// True for blank, tab, line feed, vertical tab, form feed and carriage return; false for 0x85 and 0xA0.
 [[nodiscard]] constexpr bool isSpace(char c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
+/// `[0-9]`.
 [[nodiscard]] constexpr bool isDigit(char c) noexcept {
     return c >= '0' && c <= '9';
 }
+/// `[A-Za-z]`.
 [[nodiscard]] constexpr bool isLetter(char c) noexcept {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
@@ -23,7 +26,7 @@ namespace morquill {
 [[nodiscard]] constexpr bool isWordChar(char c) noexcept {
     return isLetter(c) || isDigit(c) || c == '_';
 }
-/// `[A-Za-z_]`: how a word begins that is no number.
+/// `[A-Za-z_]`: the first byte of a word that is not a number.
 [[nodiscard]] constexpr bool isWordStart(char c) noexcept {
     return isLetter(c) || c == '_';
 }
@@ -39,11 +42,12 @@ namespace morquill {
 [[nodiscard]] constexpr bool isKeyChar(char c) noexcept {
     return isNameChar(c) || c == '.';
 }
+/// The byte in ASCII lower case.
 [[nodiscard]] constexpr char lowerChar(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// The place of the first byte from `at` on that is no white space; the end when there is none.
+/// The place of the first byte from `at` on that is not white space; the end when there is none.
 [[nodiscard]] constexpr std::size_t skipSpace(std::string_view text, std::size_t at = 0) noexcept {
     while (at < text.size() && isSpace(text[at])) {
         ++at;
@@ -51,12 +55,12 @@ namespace morquill {
     return at;
 }
 
-/// True for what `trim` takes off: blank, tab, carriage return and line feed.
+/// True for what `trim` removes: blank, tab, carriage return and line feed.
 [[nodiscard]] constexpr bool isTrimmed(char c) noexcept {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
-/// The text without leading blanks, tabs, carriage returns and line feeds. Inline, as every line passes here
-/// several times.
+/// The text without leading blanks, tabs, carriage returns and line
+/// feeds. Inline, because every line passes through here several times.
 [[nodiscard]] constexpr std::string_view trimLeft(std::string_view text) noexcept {
     while (!text.empty() && isTrimmed(text.front())) {
         text.remove_prefix(1);
@@ -72,40 +76,54 @@ namespace morquill {
     return text;
 }
 
-/// ASCII lower-case copy.
+/// Returns a copy in ASCII lower case.
 [[nodiscard]] std::string toLower(std::string_view text);
-/// True when both texts are equal after ASCII lowering.
+/// True when both texts are equal in ASCII lower case.
 [[nodiscard]] bool equalsNoCase(std::string_view left, std::string_view right) noexcept;
-/// True when `text`, in any case, holds `lowered`, which is lower-case and not empty.
+/// True when `text`, in any case, contains `lowered`, which must be lower-case and not empty.
 [[nodiscard]] bool containsNoCase(std::string_view text, std::string_view lowered) noexcept;
 
-/// Splits on one character; empty fields are kept, so the result has one field more than separators.
+/// Splits at each separator; empty fields are kept, so there is one field more than separators.
 [[nodiscard]] std::vector<std::string> splitOn(std::string_view text, char separator);
 /// Splits at runs of white space; the fields are views into `text` and never empty.
 [[nodiscard]] std::vector<std::string_view> splitBlank(std::string_view text);
-/// The fields of `text` between `separator`, trimmed, without the empty ones.
+/// Splits at each separator and trims the fields; empty ones are dropped.
 [[nodiscard]] std::vector<std::string> splitTrimmed(std::string_view text, char separator);
-/// The parts with `separator` between them.
+/// Joins the parts with `separator` between them.
 [[nodiscard]] std::string join(const std::vector<std::string>& parts, std::string_view separator);
 
 /// Replaces every occurrence of `from` (left to right, without overlap); an empty `from` changes nothing.
 [[nodiscard]] std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);
 
-/// The text as one word of a POSIX shell: in single quotes, an inner single quote written as '\''.
+/// Quotes the text as one word of a POSIX shell: in single quotes, with an inner one written as '\''.
 [[nodiscard]] std::string shellQuote(std::string_view text);
 
-/// The text without a UTF-8 byte order mark at its very start: some editors put one in front of a file, where
-/// it says how the file is encoded and is no part of its first line.
+/// The text without a UTF-8 byte order mark at its very start. Some editors put one at the start of a file to
+/// mark its encoding; it is not part of the first line.
 [[nodiscard]] constexpr std::string_view skipByteOrderMark(std::string_view text) noexcept {
     constexpr std::string_view mark = "\xef\xbb\xbf";
     return text.starts_with(mark) ? text.substr(mark.size()) : text;
 }
 
-/// The lines of a text as a line reader gives them: a final line needs no line end, an empty one behind the
-/// last line feed is not produced, carriage returns stay. The views point into `text`.
+/// Calls `take` with each line that `splitLines` would return.
+template <class Take>
+void forEachLine(std::string_view text, const Take& take) {
+    for (std::size_t begin = 0; begin < text.size();) {
+        const auto end = std::min(text.find('\n', begin), text.size());
+        take(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+}
+
+/// The number of lines that `splitLines` returns.
+[[nodiscard]] std::size_t countLines(std::string_view text) noexcept;
+
+/// The lines of a text, as views into it. The last line needs no line feed, no empty line follows a final
+/// one, and carriage returns stay.
 [[nodiscard]] std::vector<std::string_view> splitLines(std::string_view text);
 
-/// Calls the right alternative of a `std::visit`: `std::visit(Match{[](A) {...}, [](B) {...}}, variant)`.
+/// Joins functions, one per alternative, for `std::visit`:
+/// `std::visit(Match{[](A) {...}, [](B) {...}}, value)`.
 template <class... Fs>
 struct Match : Fs... {
     using Fs::operator()...;

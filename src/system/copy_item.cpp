@@ -1,11 +1,11 @@
 #include "system/copy_item.h"
 
 #include "support/descriptor.h"
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/signal_guard.h"
-#include "system/tree_walk.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +14,6 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -30,59 +29,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Copies all that is left of one file to another through memory.
-bool copyThroughBuffer(int from, int to, const SignalGuard& ending) {
-    constexpr std::size_t bufferSize = 1 << 18;
-    const auto buffer = std::make_unique<char[]>(bufferSize);
-    for (;;) {
-        const ssize_t got = ::read(from, buffer.get(), bufferSize);
-        if (got == 0) {
-            return true;
-        }
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got < 0 || ending.noted() != 0 || !writeAll(to, {buffer.get(), static_cast<std::size_t>(got)})) {
-            return false;
-        }
-    }
-}
-
-/// Lets the file system copy, or share, the bytes; what it cannot do goes through memory.
-bool copyBytes(int from, int to, const SignalGuard& ending) {
-    constexpr std::size_t chunk = 1U << 26; // a signal is not looked at before the next one
-    for (;;) {
-        if (ending.noted() != 0) {
-            return false;
-        }
-        const ssize_t moved = ::copy_file_range(from, nullptr, to, nullptr, chunk, 0);
-        if (moved == 0) {
-            return copyThroughBuffer(from, to,
-                                     ending); // the end, or a file whose size the system does not know
-        }
-        if (moved < 0 && errno != EINTR) {
-            // Not a refusal but a fault that would only come again.
-            if (errno == ENOSPC || errno == EIO || errno == EFBIG || errno == EDQUOT) {
-                return false;
-            }
-            return copyThroughBuffer(from, to, ending);
-        }
-    }
-}
-
-/// Makes a copy of a regular file under a name that is free; what could not be copied in full is taken away.
+/// Copies a regular file to an unused name; a copy that could not be finished is removed.
 bool makeFile(const std::string& source, const std::string& copy, const SignalGuard& ending) {
-    const Descriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const Descriptor from = openFile(source, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     struct stat info {};
-    if (from.get() < 0 || ::fstat(from.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
+    if (!from.isOpen() || ::fstat(from.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
         return false;
     }
-    Descriptor to(::open(copy.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, info.st_mode & 0777));
-    if (to.get() < 0) {
+    Descriptor to = openFile(copy, O_WRONLY | O_CREAT | O_EXCL, info.st_mode & 0777);
+    if (!to.isOpen()) {
         return false;
     }
     (void)::fchmod(to.get(), info.st_mode & 07777);
-    const bool copied = copyBytes(from.get(), to.get(), ending);
+    const bool copied = copyToEnd(from.get(), to.get(), [&] { return ending.noted() != 0; });
     if (!to.close() || !copied) {
         (void)::unlink(copy.c_str());
         return false;
@@ -96,15 +55,15 @@ bool makeLink(const std::string& source, const std::string& copy) {
     return !error;
 }
 
-/// Makes a copy of a directory under a name that is free. False when something in it could not be copied; the
-/// rest is there all the same.
+/// Copies a directory to an unused name. Returns false when something
+/// in it could not be copied; the rest is copied all the same.
 bool makeDirectory(const std::string& source, const std::string& copy, const SignalGuard& ending) {
     std::error_code error;
     if (!fs::create_directory(copy, error)) {
         return false;
     }
     bool complete = true;
-    walkTree(source, [&](const std::string& path, EntryKind kind) {
+    walkTree(source, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         if (kind == EntryKind::unreadable || ending.noted() != 0) {
             complete = false;
             return false;
@@ -135,15 +94,15 @@ bool exists(const std::string& path) {
     return ::lstat(path.c_str(), &info) == 0;
 }
 
-/// What the names of this host's unfinished copies begin with: process numbers mean nothing on another one
-/// that shares the disk.
+/// The start of the names of this host's unfinished copies. It names the host because process numbers mean
+/// nothing on another host that shares the disk.
 std::string copyPrefix() {
-    std::array<char, 65> host{}; // 64 bytes and the end
+    std::array<char, 65> host{}; // 64 bytes and the terminator
     (void)::gethostname(host.data(), host.size() - 1);
     return ".mqkit-" + std::string(host.data()) + "-";
 }
 
-/// A name beside `target` that is free: what is made under it can be renamed to `target`.
+/// An unused name beside `target`, where a copy can be made and then renamed to `target`.
 std::string nameBeside(const std::string& target) {
     const auto start =
         target.substr(0, target.rfind('/') + 1) + copyPrefix() + std::to_string(::getpid()) + "-";
@@ -154,7 +113,7 @@ std::string nameBeside(const std::string& target) {
     return start + std::to_string(number);
 }
 
-/// Lets `copy` and `target`, which both exist, change places.
+/// Exchanges `copy` and `target`, which both exist.
 bool exchange(const std::string& copy, const std::string& target) {
     if (::renameat2(AT_FDCWD, copy.c_str(), AT_FDCWD, target.c_str(), RENAME_EXCHANGE) == 0) {
         return true;
@@ -162,7 +121,7 @@ bool exchange(const std::string& copy, const std::string& target) {
     if (errno != EINVAL && errno != ENOSYS) {
         return false;
     }
-    // A file system that cannot do it in one step.
+    // The file system cannot exchange them in one step.
     const auto aside = nameBeside(target);
     if (::rename(target.c_str(), aside.c_str()) != 0) {
         return false;
@@ -174,20 +133,20 @@ bool exchange(const std::string& copy, const std::string& target) {
     return ::rename(aside.c_str(), copy.c_str()) == 0;
 }
 
-/// Puts a copy in the place of `target` and removes what stood there. False when that is not possible; the
-/// copy is removed then.
+/// Replaces `target` with a copy and removes the old target. Returns
+/// false when that is not possible; the copy is removed then.
 bool putInPlace(const std::string& copy, const std::string& target) {
     if (::rename(copy.c_str(), target.c_str()) == 0) {
         return true;
     }
-    // A directory that is not empty, or one for the other kind.
+    // One of them is a directory that `rename` cannot replace or be replaced by.
     const bool placed = exists(target) && exchange(copy, target);
     std::error_code error;
-    fs::remove_all(copy, error); // the old result where they have changed places
+    fs::remove_all(copy, error); // the old target if they were exchanged, else the copy
     return placed && !error;
 }
 
-/// The process that a name behind `copyPrefix` tells: `<process>-<number>`; 0 for any other text.
+/// The process named after `copyPrefix`, as in `<process>-<number>`; 0 for any other text.
 pid_t ownerOf(std::string_view rest) noexcept {
     pid_t process = 0;
     const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), process);
@@ -197,19 +156,19 @@ pid_t ownerOf(std::string_view rest) noexcept {
     return isOwned ? process : 0;
 }
 
-/// A path without the links on the way to it; the last component may be one.
+/// A path with the links on the way to it resolved; the last component may still be one.
 std::string placeOf(const std::string& path) {
     return joinPath(normalisedPath(parentPath(path)), baseName(path));
 }
 
-/// True when the source would be copied to where it is, into itself, or over what holds it.
+/// True when the source would be copied onto itself, into itself, or over a directory that contains it.
 bool meetsItself(const std::string& source, const std::string& target) {
     const auto from = placeOf(source);
     const auto to = placeOf(target);
     return from == to || liesBelow(from, to) || liesBelow(to, from);
 }
 
-/// True when a regular file may take the target's place: a free one, or that of another file or a link.
+/// True when a regular file may be put at the target: nothing, another file or a link is there.
 bool takesFile(const std::string& source, const std::string& target) {
     struct stat standing {};
     struct stat info {};
@@ -223,10 +182,10 @@ bool takesFile(const std::string& source, const std::string& target) {
 } // namespace
 
 bool copyItem(const std::string& source, const std::string& target) {
-    const SignalGuard ending; // goes last: nothing unfinished is left when a signal ends the program
+    const SignalGuard ending; // destroyed last: a signal ends the program only after the clean-up
     std::error_code error;
-    if (!fs::exists(source, error) ||
-        meetsItself(source, target)) { // a link that leads nowhere does not exist
+    // A link that leads nowhere does not count as existing.
+    if (!fs::exists(source, error) || meetsItself(source, target)) {
         return false;
     }
     const auto kind = fs::symlink_status(source, error).type();
@@ -235,7 +194,7 @@ bool copyItem(const std::string& source, const std::string& target) {
         return false;
     }
     if (const auto parent = parentPath(target); !parent.empty()) {
-        fs::create_directories(parent, error); // a failure shows when the copy is made
+        fs::create_directories(parent, error); // a failure shows in the copy
     }
     const auto copy = nameBeside(target);
     bool complete = false;
@@ -252,7 +211,7 @@ bool copyItem(const std::string& source, const std::string& target) {
     default:
         break;
     }
-    // A directory that is not whole is better than none, but never than the one before.
+    // A partial directory is better than none, but never better than the old one.
     if (complete || (isDirectory && ending.noted() == 0 && exists(copy) && !exists(target))) {
         return putInPlace(copy, target) && complete;
     }
@@ -266,7 +225,7 @@ void removeStaleCopies(const std::string& dir) {
         const pid_t owner =
             name.starts_with(prefix) ? ownerOf(std::string_view(name).substr(prefix.size())) : 0;
         if (owner > 0 && ::kill(owner, 0) != 0 && errno == ESRCH) {
-            std::error_code ignored; // what cannot be removed harms nothing
+            std::error_code ignored; // leaving one behind does no harm
             fs::remove_all(joinPath(dir, name), ignored);
         }
     }

@@ -4,17 +4,18 @@
 
 namespace morquill::system {
 
-/// Copies a file, a link or a whole directory to `target`. A file takes the place of another file or a link,
-/// a link and a directory that of whatever stands there, but only once the copy is whole: until then it lies
-/// beside the target under the name ".mqkit-<host>-<process>-<number>". Links are copied as links, never
-/// followed. False when the source does not exist, holds the target or is held by it, is or holds something
-/// of another kind, or anything could not be copied; what stood at the target then stays. Where nothing
-/// stood, the rest of a directory is left there. A signal that asks the program to end stops the copy, which
-/// is taken away before the signal takes effect.
+/// Copies a file, a link or a whole directory to `target`; links are copied as links, never followed. A file
+/// replaces another file or a link; a link or a directory replaces whatever is there. The target is replaced
+/// only once the copy is whole: until then, the copy lies beside it as ".mqkit-<host>-<process>-<number>".
+///
+/// Returns false when the source does not exist, contains the target or is contained in it, is or contains
+/// something of another kind, or when anything could not be copied. The old target then stays; where there
+/// was none, as much of a directory as could be copied is left there. A signal that asks the program to end
+/// stops the copy, which is removed before the signal takes effect.
 [[nodiscard]] bool copyItem(const std::string& source, const std::string& target);
 
-/// Removes from a directory the unfinished copies of processes of this host that are gone, as a killed one
-/// leaves them.
+/// Removes from a directory the unfinished copies of this
+/// host's processes that no longer run, such as killed ones.
 void removeStaleCopies(const std::string& dir);
 
 } // namespace morquill::system

@@ -19,8 +19,8 @@ namespace {
 
 constexpr std::array noRoomErrors{ENOSPC, EDQUOT, EFBIG, EIO};
 
-/// Moves a descriptor above the soft limit, if the hard one allows it: thousands of them must not use up the
-/// numbers that the rest of the program needs. Without any to spare the result is closed.
+/// Moves a descriptor above the soft limit when the hard limit allows it: thousands of them must not use up
+/// the numbers that the rest of the program needs. Without a number to spare, the result is closed.
 Descriptor moveOutOfTheWay(Descriptor low) {
     constexpr rlim_t spared = 64;
     rlimit ordinary{};
@@ -43,7 +43,7 @@ bool HeldBytes::linkTo(const std::string& path) const noexcept {
     if (!file_.isOpen()) {
         return false;
     }
-    // The first form is refused to ordinary users by older kernels, the second needs /proc.
+    // Older kernels refuse the first form to ordinary users; the second needs /proc.
     if (::linkat(file_.get(), "", AT_FDCWD, path.c_str(), AT_EMPTY_PATH) == 0) {
         return true;
     }
@@ -62,17 +62,13 @@ std::string HeldBytes::directory() const {
 
 std::optional<HeldBytes> holdBytes(const std::string& path, std::string_view bytes) {
     struct stat info {};
-    Descriptor file(::open(parentPath(path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
-    bool held = file.isOpen();
-    if (held) {
-        held = writeAll(file.get(), bytes);
-    }
-    if (!held) {
+    Descriptor file = openFile(parentPath(path), O_TMPFILE | O_RDWR, 0600);
+    if (!file.isOpen() || !writeAll(file.get(), bytes)) {
         const bool noRoom = std::find(noRoomErrors.begin(), noRoomErrors.end(), errno) != noRoomErrors.end();
         return noRoom ? std::nullopt : std::optional<HeldBytes>(HeldBytes());
     }
     if (::stat(path.c_str(), &info) == 0) {
-        // The owner first: a change of owner may take permission bits away.
+        // The owner first: changing it may clear permission bits.
         (void)!::fchown(file.get(), info.st_uid, info.st_gid);
         (void)::fchmod(file.get(), info.st_mode & 07777);
     }

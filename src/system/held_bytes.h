@@ -6,20 +6,20 @@
 #include <string>
 #include <string_view>
 
-/// Keeping the bytes of a file that is about to be changed on the disk that they come from.
+/// Keeps the bytes of a file that is about to change, on the same disk.
 namespace morquill::system {
 
-/// A copy of a file without a name. It takes up its space from the start, so that it can become the file
-/// again when the disk is full, and it is gone with the process, whatever ends that.
+/// A copy of a file that has no name. It occupies its space from the start, so it can become the file again
+/// even on a full disk, and it disappears with the process, however that ends.
 class HeldBytes {
   public:
     HeldBytes() = default;
 
-    /// True when there is a copy that can get a name.
+    /// True when there is a copy, which can be given a name.
     [[nodiscard]] bool canReplace() const noexcept { return file_.isOpen(); }
-    /// Gives the copy this name, under which nothing may lie; false when the system refuses.
+    /// Names the copy `path`, where nothing may exist; false when the system refuses.
     [[nodiscard]] bool linkTo(const std::string& path) const noexcept;
-    /// The directory that the copy lies in, wherever that has been moved; empty when the system does not say.
+    /// The directory of the copy, even after that was moved; empty when the system does not report it.
     [[nodiscard]] std::string directory() const;
 
   private:
@@ -29,9 +29,10 @@ class HeldBytes {
     Descriptor file_;
 };
 
-/// Holds `bytes`, those of the file at `path`, with its owner and permissions, on the disk of that file.
-/// Nothing when the disk has no room for them; an empty copy where there can be none: the directory is closed
-/// to us, the file system (NFS, FAT) knows no files without a name, or the descriptors are used up.
+/// Keeps `bytes`, the content of the file at `path`, with that file's owner and
+/// permissions, on its disk. Returns nothing when the disk has no room; returns an
+/// object without a copy when none can be made: the directory is not writable, the
+/// file system (NFS, FAT) has no files without a name, or the descriptors are used up.
 [[nodiscard]] std::optional<HeldBytes> holdBytes(const std::string& path, std::string_view bytes);
 
 } // namespace morquill::system

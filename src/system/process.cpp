@@ -1,13 +1,14 @@
 #include "system/process.h"
 
 #include "console/console.h"
+#include "support/descriptor.h"
+#include "support/fault.h"
 #include "support/text.h"
 #include "system/signal_guard.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -17,22 +18,19 @@ namespace morquill::system {
 
 namespace {
 
-constexpr int launchFailedStatus = 127; // never seen by a caller: the text in the pipe wins
+constexpr int launchFailedStatus = 127; // no caller sees it: the text in the pipe takes precedence
 
-std::string systemText(int number) {
-    return std::strerror(number);
-}
-
-/// What the child becomes: a program with its arguments and the words for a failed start.
+/// What the child runs: a program, its arguments, and the message for a failed start.
 struct Launch {
+    int (*execute)(const char*, char* const*); ///< with or without a search along PATH
     const char* path;
-    bool searchPath;
     std::vector<char*> arguments; ///< ends in a null pointer
-    std::string failure;          ///< stands before the system text
+    std::string failure;          ///< precedes the system's text
+    ChildStreams streams = {};
 };
 
-// A child must not start deaf because its parent holds a signal back for a while. A hang-up that was ignored
-// when this program started (`nohup`) was meant for everything below it and stays so.
+// A child must not start deaf because its parent blocks a signal for a while. A hang-up that was ignored when
+// this program started (`nohup`) was meant for its children as well and stays ignored.
 void resetSignals() {
     struct sigaction current {};
     for (int number = 1; number < NSIG; ++number) {
@@ -40,9 +38,8 @@ void resetSignals() {
             current.sa_handler == SIG_IGN) {
             continue;
         }
-        std::signal(
-            number,
-            SIG_DFL); // the two that cannot be changed, and those of the C library, answer with an error
+        // Fails for the two that cannot be changed and for those of the C library.
+        std::signal(number, SIG_DFL);
     }
     sigset_t none;
     sigemptyset(&none);
@@ -50,43 +47,27 @@ void resetSignals() {
 }
 
 [[noreturn]] void failInChild(int pipeEnd, const std::string& text) {
-    std::size_t written = 0;
-    while (written < text.size()) {
-        const ssize_t count = ::write(pipeEnd, text.data() + written, text.size() - written);
-        if (count < 0 && errno != EINTR) {
-            break;
-        }
-        written += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
+    (void)writeAll(pipeEnd, text);
     ::close(pipeEnd);
     ::_exit(launchFailedStatus);
 }
 
-[[noreturn]] void becomeChild(const Launch& launch, const std::string& workingDir, int pipeEnd) {
-    resetSignals();
-    if (!workingDir.empty() && ::chdir(workingDir.c_str()) != 0) {
-        failInChild(pipeEnd,
-                    "failed to change working directory to '" + workingDir + "': " + systemText(errno));
+void takeStream(int file, int stream, int pipeEnd) {
+    if (file >= 0 && ::dup2(file, stream) < 0) {
+        failInChild(pipeEnd, std::string("failed to redirect a standard stream: ") + systemErrorText(errno));
     }
-    if (launch.searchPath) {
-        ::execvp(launch.path, launch.arguments.data());
-    } else {
-        ::execv(launch.path, launch.arguments.data());
-    }
-    failInChild(pipeEnd, launch.failure + systemText(errno));
 }
 
-std::string readToEnd(int descriptor) {
-    std::string text;
-    std::array<char, 4096> buffer{};
-    for (;;) {
-        const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
-        if (count > 0) {
-            text.append(buffer.data(), static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            return text;
-        }
+[[noreturn]] void becomeChild(const Launch& launch, const std::string& workingDir, int pipeEnd) {
+    resetSignals();
+    takeStream(launch.streams.input, STDIN_FILENO, pipeEnd);
+    takeStream(launch.streams.output, STDOUT_FILENO, pipeEnd);
+    if (!workingDir.empty() && ::chdir(workingDir.c_str()) != 0) {
+        failInChild(pipeEnd,
+                    "failed to change working directory to '" + workingDir + "': " + systemErrorText(errno));
     }
+    launch.execute(launch.path, launch.arguments.data());
+    failInChild(pipeEnd, launch.failure + systemErrorText(errno));
 }
 
 void readStatus(int status, ProcessResult& result) {
@@ -106,39 +87,35 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
     ProcessResult result;
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0) {
-        result.error = "failed to create process error pipe: " + systemText(errno);
+        result.error = std::string("failed to create process error pipe: ") + systemErrorText(errno);
         return result;
     }
-    const auto [readEnd, writeEnd] = ends;
-    const int flags = ::fcntl(writeEnd, F_GETFD);
-    if (flags < 0 || ::fcntl(writeEnd, F_SETFD, flags | FD_CLOEXEC) < 0) {
-        result.error = "failed to configure process error pipe: " + systemText(errno);
-        ::close(readEnd);
-        ::close(writeEnd);
+    const Descriptor readEnd(ends[0]);
+    Descriptor writeEnd(ends[1]);
+    const int flags = ::fcntl(writeEnd.get(), F_GETFD);
+    if (flags < 0 || ::fcntl(writeEnd.get(), F_SETFD, flags | FD_CLOEXEC) < 0) {
+        result.error = std::string("failed to configure process error pipe: ") + systemErrorText(errno);
         return result;
     }
     console::flushOut();
-    const SignalGuard ending; // ends this program, if that was asked for, when the child has ended
+    const SignalGuard ending; // a signal ends this program only after the child has ended
     ChildSignals signals;
     const pid_t child = ::fork();
     if (child < 0) {
-        result.error = "failed to fork child process: " + systemText(errno);
-        ::close(readEnd);
-        ::close(writeEnd);
+        result.error = std::string("failed to fork child process: ") + systemErrorText(errno);
         return result;
     }
     if (child == 0) {
-        ::close(readEnd);
-        becomeChild(launch, workingDir, writeEnd);
+        ::close(readEnd.get());
+        becomeChild(launch, workingDir, writeEnd.get());
     }
     signals.watch(child);
-    ::close(writeEnd);
+    (void)writeEnd.close();
     result.launched = true;
-    // The pipe is emptied before the wait: a failure text longer than the pipe's buffer must not stop the
-    // child. It ends at the latest when the child's program starts, which closes the other end.
-    const std::string launchFailure = readToEnd(readEnd);
-    ::close(readEnd);
-    // The end is seen first and the child reaped after, so that a late signal cannot hit a reused number.
+    // The pipe is read before the wait: a failure text longer than the pipe's buffer must not block the
+    // child. The text ends at the latest when the child's program starts, which closes the other end.
+    const std::string launchFailure = readToEnd(readEnd.get()).value_or("");
+    // Wait without reaping first, so that a late signal cannot reach another process under a reused number.
     siginfo_t ended{};
     while (::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
     }
@@ -149,7 +126,7 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
         waited = ::waitpid(child, &status, 0);
     } while (waited < 0 && errno == EINTR);
     if (waited < 0) {
-        result.error = "failed to wait for child process: " + systemText(errno);
+        result.error = std::string("failed to wait for child process: ") + systemErrorText(errno);
     } else {
         readStatus(status, result);
     }
@@ -160,26 +137,21 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
     return result;
 }
 
-bool report(const std::string& label, const ProcessResult& result, std::string* failureText) {
-    if (succeeded(result)) {
-        return true;
-    }
-    if (failureText != nullptr) {
-        *failureText = describeProcessFailure(label, result);
-    }
-    return false;
+std::optional<std::string> failureOf(const std::string& label, const ProcessResult& result) {
+    return succeeded(result) ? std::nullopt : std::optional(describeProcessFailure(label, result));
 }
 
 } // namespace
 
-ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::string& workingDir) {
+ProcessResult spawnProgram(const std::vector<std::string>& argv, const std::string& workingDir,
+                           ChildStreams streams) {
     if (argv.empty() || argv.front().empty()) {
         return {.error = "program name is empty"};
     }
-    Launch launch{argv.front().c_str(), true, {}, "failed to execute '" + argv.front() + "': "};
+    Launch launch{::execvp, argv.front().c_str(), {}, "failed to execute '" + argv.front() + "': ", streams};
     launch.arguments.reserve(argv.size() + 1);
     for (const std::string& argument : argv) {
-        launch.arguments.push_back(const_cast<char*>(argument.c_str())); // exec never writes to them
+        launch.arguments.push_back(const_cast<char*>(argument.c_str())); // exec does not modify them
     }
     launch.arguments.push_back(nullptr);
     return spawn(launch, workingDir);
@@ -191,8 +163,8 @@ ProcessResult spawnShell(const std::string& command, const std::string& workingD
     }
     static constexpr const char* shell = "/bin/sh";
     const Launch launch{
+        ::execv,
         shell,
-        false,
         {const_cast<char*>(shell), const_cast<char*>("-c"), const_cast<char*>(command.c_str()), nullptr},
         "failed to execute shell command via /bin/sh: "};
     return spawn(launch, workingDir);
@@ -212,15 +184,15 @@ std::string describeProcessFailure(const std::string& label, const ProcessResult
     return result.error.empty() ? label + " ended abnormally" : result.error;
 }
 
-bool runProgram(const std::string& workingDir, const std::string& program,
-                const std::vector<std::string>& arguments, std::string* failureText) {
+std::optional<std::string> runProgram(const std::string& workingDir, const std::string& program,
+                                      const std::vector<std::string>& arguments) {
     std::vector<std::string> argv{program};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
-    return report("program '" + program + "'", spawnProgram(argv, workingDir), failureText);
+    return failureOf("program '" + program + "'", spawnProgram(argv, workingDir));
 }
 
-bool runShellCommand(const std::string& workingDir, const std::string& command, std::string* failureText) {
-    return report("shell command", spawnShell(std::string(trim(command)), workingDir), failureText);
+std::optional<std::string> runShellCommand(const std::string& workingDir, const std::string& command) {
+    return failureOf("shell command", spawnShell(std::string(trim(command)), workingDir));
 }
 
 } // namespace morquill::system

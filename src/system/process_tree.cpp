@@ -1,6 +1,7 @@
 #include "system/process_tree.h"
 
 #include "support/descriptor.h"
+#include "support/text.h"
 
 #include <array>
 #include <csignal>
@@ -14,9 +15,9 @@ namespace morquill::system {
 
 namespace {
 
-// Nothing here may allocate, lock or use a stream: it runs in signal handlers.
+// This runs in signal handlers: no allocation, no lock, no stream.
 
-/// Enough for any tree that one command has started.
+/// More than any one command is expected to start; the rest of a larger tree is left out.
 constexpr std::size_t mostProcesses = 2048;
 
 struct ProcessList {
@@ -58,24 +59,47 @@ struct ChildrenPath {
     }
 };
 
-/// Adds the children of a process that are in this session: numbers with a blank behind each.
+/// Reads the numbers of the children, each followed by a blank, and lists the children in the session.
+class ChildrenReader {
+  public:
+    ChildrenReader(pid_t session, ProcessList& list) noexcept : session_(session), list_(list) {}
+
+    /// Takes the next portion of the text; a number may continue in the one after it.
+    void take(std::string_view portion) noexcept {
+        for (const char c : portion) {
+            if (isDigit(c)) {
+                child_ = child_ * 10 + (c - '0');
+            } else {
+                finishNumber();
+            }
+        }
+    }
+
+  private:
+    void finishNumber() noexcept {
+        if (child_ > 0 && ::getsid(child_) == session_) {
+            list_.add(child_);
+        }
+        child_ = 0;
+    }
+
+    pid_t session_;
+    ProcessList& list_;
+    pid_t child_ = 0;
+};
+
+/// Adds the children of a process that belong to the session.
 void addChildren(pid_t process, pid_t session, ProcessList& list) noexcept {
     const ChildrenPath path(process);
     const Descriptor file(::open(path.text.data(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) {
+        return;
+    }
+    ChildrenReader reader(session, list);
     std::array<char, 4096> buffer;
-    pid_t child = 0;
-    ssize_t got = 0;
-    while (file.isOpen() && (got = ::read(file.get(), buffer.data(), buffer.size())) > 0) {
-        for (const char c : std::string_view(buffer.data(), static_cast<std::size_t>(got))) {
-            if (c >= '0' && c <= '9') {
-                child = child * 10 + (c - '0');
-            } else {
-                if (child > 0 && ::getsid(child) == session) {
-                    list.add(child);
-                }
-                child = 0;
-            }
-        }
+    ssize_t size = 0;
+    while ((size = readSome(file.get(), buffer.data(), buffer.size())) > 0) {
+        reader.take({buffer.data(), static_cast<std::size_t>(size)});
     }
 }
 
@@ -85,7 +109,7 @@ void signalProcessTree(pid_t process, int number) noexcept {
     ProcessList list;
     list.add(process);
     const pid_t session = ::getsid(process);
-    // The whole tree is known before the first of it ends: children of an ended process are not listed.
+    // The whole tree is collected before any process ends: children of an ended one are no longer listed.
     for (std::size_t i = 0; i < list.size; ++i) {
         addChildren(list.processes[i], session, list);
     }

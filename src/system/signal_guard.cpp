@@ -14,12 +14,12 @@ namespace morquill::system {
 
 namespace {
 
-// All that end a program from outside and can be caught. SIGABRT is among them: `abort` itself ends the
-// program whatever its handler does.
+// All signals that end a program from outside and can be caught. SIGABRT is among them, as `abort` itself
+// ends the program whatever the handler does.
 constexpr std::array namedEndSignals{SIGHUP,  SIGINT,    SIGQUIT, SIGTERM, SIGALRM, SIGUSR1,   SIGUSR2,
                                      SIGXCPU, SIGVTALRM, SIGPROF, SIGPOLL, SIGPWR,  SIGSTKFLT, SIGABRT};
 
-/// Calls `act` for each of them, the real-time ones included, whose numbers the C library knows.
+/// Calls `act` for each of them and for the real-time signals, whose numbers only the C library knows.
 template <class Act>
 void forEachEndSignal(Act act) noexcept {
     for (const int number : namedEndSignals) {
@@ -30,17 +30,18 @@ void forEachEndSignal(Act act) noexcept {
     }
 }
 
-// What the outermost guard has found: how each signal, and a write past the limit, was dealt with before.
+// Set by the outermost guard: how each signal, and a write past the limit, was handled before.
 bool guarded = false;
 std::array<struct sigaction, NSIG> oldActions{}; // by signal
 struct sigaction oldLimitAction {};
 
-// All that a signal handler can reach: the first signal noted and the child to pass it on to, 0 for none.
+// The data of the signal handler: the first noted signal and the child to pass it on to, 0 for none.
 std::atomic<int> notedSignal{0};
 std::atomic<pid_t> watchedChild{0};
-static_assert(std::atomic<int>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
+static_assert(std::atomic<int>::is_always_lock_free);
+static_assert(std::atomic<pid_t>::is_always_lock_free);
 
-/// Keys and the hang-up of a terminal go to all its processes, everything else to this one alone.
+/// Keys and the hang-up of a terminal go to all its processes, any other signal to this one alone.
 bool reachesChildrenAnyway(int number, int origin) noexcept {
     return origin == SI_KERNEL && (number == SIGINT || number == SIGQUIT || number == SIGHUP);
 }
@@ -65,7 +66,7 @@ sigset_t endSignalSet() noexcept {
     return set;
 }
 
-/// Sets an action for a signal that would end the program and keeps the old one.
+/// Sets an action for a signal that would end the program and saves the old one.
 void replaceDefault(int number, const struct sigaction& action, struct sigaction& old) noexcept {
     ::sigaction(number, nullptr, &old);
     if ((old.sa_flags & SA_SIGINFO) == 0 && old.sa_handler == SIG_DFL) {
@@ -87,7 +88,7 @@ SignalGuard::SignalGuard() noexcept : outermost_(!std::exchange(guarded, true)) 
     forEachEndSignal(
         [&](int number) { replaceDefault(number, note, oldActions[static_cast<std::size_t>(number)]); });
     struct sigaction fail {};
-    fail.sa_handler = letWriteFail; // no SIG_IGN, which children would inherit
+    fail.sa_handler = letWriteFail; // not SIG_IGN, which children would inherit
     replaceDefault(SIGXFSZ, fail, oldLimitAction);
 }
 
@@ -115,7 +116,7 @@ ChildSignals::ChildSignals() noexcept {
 }
 
 void ChildSignals::watch(pid_t child) noexcept {
-    if (const int number = notedSignal; number != 0) { // before the child was there to hear of it
+    if (const int number = notedSignal; number != 0) { // before there was a child to receive it
         ::kill(child, number);
     }
     watchedChild = child;

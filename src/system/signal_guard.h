@@ -3,14 +3,16 @@
 #include <csignal>
 #include <sys/types.h>
 
-/// Putting off the signals that ask a program to end, for as long as the disk must be left in order first.
+/// Defers the signals that ask a program to end until the disk is in order.
 namespace morquill::system {
 
 /// While it lives, every signal that asks the program to end (SIGTERM, SIGINT, a batch system's SIGUSR1 or
-/// SIGXCPU, a real-time signal, ...) is noted instead; one that was ignored or handled before stays so. A
-/// file that grows past its limit is a write that fails with `EFBIG`, not the end. The destructor gives the
-/// process back to the system's ways and then ends it with the first noted signal. Build it before whatever
-/// has to be undone, so that it goes last. Of several, one within the other, the outermost does the work.
+/// SIGXCPU, a real-time signal, ...) is only noted, unless it was ignored or handled before. A file that
+/// grows past its limit is a write that fails with `EFBIG`, not the end of the program. The destructor
+/// restores the old handling and then ends the program with the first noted signal.
+///
+/// Construct it before whatever has to be undone, so that it is destroyed last. Of nested guards, the
+/// outermost does the work. A single write needs none: `writeTextFile` blocks signals by itself.
 class SignalGuard {
   public:
     SignalGuard() noexcept;
@@ -18,18 +20,18 @@ class SignalGuard {
     SignalGuard& operator=(const SignalGuard&) = delete;
     ~SignalGuard();
 
-    /// The first signal that was noted, 0 for none.
+    /// The first noted signal, 0 for none.
     [[nodiscard]] int noted() const noexcept;
 
   private:
     bool outermost_;
 };
 
-/// Names the child that a noted signal is passed on to, from its start to its end, with all that it has
-/// started: the program waits for them, so they must hear of the signal, too. A key pressed at the terminal
-/// reaches them by itself and is not doubled.
+/// Passes noted signals on to a child and its descendants, from its start to
+/// its end: the program waits for them, so they must receive the signal, too.
+/// A key pressed at the terminal reaches them by itself and is not sent twice.
 ///
-/// Built before `fork` and under a `SignalGuard`, it holds the guard's signals back, so that none falls
+/// Constructed before `fork` and under a `SignalGuard`, it blocks the guard's signals, so that none arrives
 /// between the start of the child and `watch`.
 class ChildSignals {
   public:
@@ -38,9 +40,9 @@ class ChildSignals {
     ChildSignals& operator=(const ChildSignals&) = delete;
     ~ChildSignals();
 
-    /// The child is there: lets the signals come.
+    /// Names the started child and unblocks the signals.
     void watch(pid_t child) noexcept;
-    /// The child has ended and is about to be reaped; its number may soon be another's.
+    /// Forgets the child, which has ended and is about to be reaped: its number may be reused soon.
     void release() noexcept;
 
   private:

@@ -1,6 +1,7 @@
 #include "system/terminal.h"
 
 #include "console/console.h"
+#include "support/descriptor.h"
 
 #include <cerrno>
 #include <ctime>
@@ -15,29 +16,24 @@ namespace morquill::system {
 
 namespace {
 
-// What the signal handlers put back. Written before `keyMode` is set, so a handler never sees half of it.
+// What the signal handlers restore. Written before `keyMode` is set, so no handler sees it half written.
 struct termios savedAttributes;
 volatile std::sig_atomic_t keyDescriptor = -1;
 volatile std::sig_atomic_t keyMode = 0;
 
-/// Set when the program goes on after a stop: somebody else has used the screen meanwhile.
+/// Set when the program continues after a stop, during which others may have used the screen.
 volatile std::sig_atomic_t continued = 0;
 
-/// The signals that are let through while input is awaited; null outside of a session: those of the caller.
+/// The signal mask while input is awaited; null outside a session, where the caller's mask stays.
 const sigset_t* waitMask = nullptr;
 sigset_t sessionWaitMask;
 sigset_t sessionMask;
 
-/// False when the terminal belongs to another job: touching it would stop the program, in the middle of a
-/// handler as well. What is not the program's controlling terminal knows no jobs.
+/// False when the terminal belongs to another job: touching it would stop the program, even inside a handler.
+/// A terminal that is not the program's controlling one has no jobs.
 bool isOurs(int descriptor) noexcept {
     const pid_t foreground = ::tcgetpgrp(descriptor);
     return foreground < 0 || foreground == ::getpgrp();
-}
-
-void writeToTerminal(std::string_view text) noexcept {
-    while (::write(STDOUT_FILENO, text.data(), text.size()) < 0 && errno == EINTR) {
-    }
 }
 
 void leaveKeyMode() noexcept {
@@ -50,18 +46,18 @@ void leaveKeyMode() noexcept {
 void restoreTerminal() noexcept {
     leaveKeyMode();
     if (isOurs(STDOUT_FILENO)) {
-        writeToTerminal(showCursor);
+        (void)writeAll(STDOUT_FILENO, showCursor);
     }
 }
 
-/// Ends the program by the signal. The default action is back when this runs (SA_RESETHAND), and the signal
-/// that is raised here waits until the handler returns.
+/// Ends the program by the signal. The default action is restored before this runs (SA_RESETHAND), and the
+/// signal raised here is delivered when the handler returns.
 extern "C" void restoreAndEnd(int signal) {
     restoreTerminal();
     (void)::raise(signal);
 }
 
-/// Stops the program and returns when it goes on.
+/// Stops the program and returns when it continues.
 extern "C" void restoreAndStop(int signal) {
     const int error = errno;
     restoreTerminal();
@@ -79,8 +75,8 @@ extern "C" void noteContinued(int /*signal*/) {
     continued = 1;
 }
 
-/// Keys one by one and without echo, for the time of one key. Does nothing to input that is no terminal, and
-/// nothing while the terminal is another's: `enter` is tried again after every stop.
+/// Switches the terminal to keys one by one and without echo, for the time of one key. Does nothing when the
+/// input is not a terminal or the terminal belongs to another job; `enter` is tried again after every stop.
 class KeyMode {
   public:
     explicit KeyMode(int descriptor) noexcept : descriptor_(descriptor) { enter(); }
@@ -95,7 +91,7 @@ class KeyMode {
         if (!isOurs(descriptor_)) {
             return;
         }
-        // Still in key mode after a stop that no handler saw: what was saved before it holds.
+        // Still in key mode after a stop that no handler saw: the saved attributes are the right ones.
         if (keyMode == 0 && ::tcgetattr(descriptor_, &savedAttributes) != 0) {
             return;
         }
@@ -110,7 +106,8 @@ class KeyMode {
     int descriptor_;
 };
 
-/// Reads a byte while signals may come. False with EINTR when one came.
+/// Reads a byte while signals may arrive; -1 with EINTR when one did. Not `readSome`, which would hide the
+/// signal: the program may have been stopped meanwhile.
 ssize_t awaitByte(int descriptor, char& byte) noexcept {
     if (isOurs(descriptor)) {
         struct pollfd input {
@@ -118,7 +115,7 @@ ssize_t awaitByte(int descriptor, char& byte) noexcept {
         };
         return ::ppoll(&input, 1, nullptr, waitMask) < 0 ? -1 : ::read(descriptor, &byte, 1);
     }
-    // Another job's terminal: the system stops whoever reads from it, until the job is called back.
+    // Another job's terminal: the system stops whoever reads from it until the job is in the foreground.
     if (waitMask != nullptr) {
         (void)::sigprocmask(SIG_SETMASK, waitMask, nullptr);
     }
@@ -131,8 +128,8 @@ ssize_t awaitByte(int descriptor, char& byte) noexcept {
     return got;
 }
 
-/// The next byte; nothing at the end of input. When the program has the terminal back after a stop, `resume`
-/// is called first.
+/// The next byte; nothing at the end of input. After a stop,
+/// `resume` is called once the program has the terminal back.
 template <class Resume>
 std::optional<char> readByte(int descriptor, const Resume& resume) {
     char byte = 0;
@@ -151,8 +148,8 @@ std::optional<char> readByte(int descriptor, const Resume& resume) {
     }
 }
 
-/// True for a signal that ends a program by default and can be caught. The rest of the numbers are the two
-/// that cannot be caught, what the C library keeps for itself, and signals that stop, continue or do nothing.
+/// True for a signal that ends a program by default and can be caught. The others are the two that cannot be
+/// caught, those that the C library reserves, and those that stop, continue or do nothing.
 bool endsProgram(int signal) noexcept {
     switch (signal) {
     case SIGKILL:
@@ -233,14 +230,14 @@ void awaitTerminal(int descriptor) {
         (void)::raise(SIGTTIN);
         const timespec atOnce{};
         if (::sigtimedwait(&goOn, nullptr, &atOnce) < 0) {
-            return; // not stopped: there is no shell that could let the program go on
+            return; // not stopped: there is no shell that could continue the program
         }
     }
 }
 
 TerminalSession::TerminalSession() : handlerStack_(static_cast<std::size_t>(SIGSTKSZ)) {
-    // Whatever stops or continues the program waits until input is awaited: a half drawn screen is no place
-    // to stop, and the wait is what has to notice that the program went on.
+    // Signals that stop or continue the program are blocked until input is awaited: a half drawn screen is no
+    // place to stop, and the wait has to notice that the program was continued.
     sigset_t held;
     sigemptyset(&held);
     sigaddset(&held, SIGTSTP);
@@ -251,7 +248,7 @@ TerminalSession::TerminalSession() : handlerStack_(static_cast<std::size_t>(SIGS
     sigaddset(&sessionMask, SIGCONT);
     waitMask = &sessionWaitMask;
 
-    // A stack of its own for the handlers: one of the signals says that the program's is used up.
+    // The handlers have a stack of their own: one of the signals reports that the program's is exhausted.
     stack_t stack{};
     stack.ss_sp = handlerStack_.data();
     stack.ss_size = handlerStack_.size();
@@ -261,7 +258,7 @@ TerminalSession::TerminalSession() : handlerStack_(static_cast<std::size_t>(SIGS
             handle(signal, restoreAndEnd, static_cast<int>(SA_RESETHAND) | SA_ONSTACK);
         }
     }
-    // The stop signal is raised inside its own handler and has to act there.
+    // The stop signal is raised inside its own handler and has to take effect there.
     handle(SIGTSTP, restoreAndStop, SA_NODEFER);
     handle(SIGCONT, noteContinued, 0);
 }
@@ -275,7 +272,7 @@ void TerminalSession::handle(int signal, void (*handler)(int), int flags) {
     action.sa_handler = handler;
     action.sa_flags = flags;
     if (handler == restoreAndEnd) {
-        sigfillset(&action.sa_mask); // the first one ends the program
+        sigfillset(&action.sa_mask); // the first signal ends the program
     }
     (void)::sigaction(signal, &action, nullptr);
 }

@@ -43,12 +43,13 @@ bool hasTerminationMarker(std::string_view log, LogProgram program) {
 LogCheck checkTermination(const std::string& logPath, LogProgram program) {
     const auto log = readTextFile(logPath);
     if (!log || log->empty()) {
-        return {false, "Log file is empty or unreadable: " + logPath};
+        return {.message = "Log file is empty or unreadable: " + logPath};
     }
     if (!hasTerminationMarker(*log, program)) {
         return {};
     }
-    return {true, program == LogProgram::orca ? "Found ORCA termination flag in log: " + logPath : ""};
+    return {.terminated = true,
+            .message = program == LogProgram::orca ? "Found ORCA termination flag in log: " + logPath : ""};
 }
 
 } // namespace morquill::system

@@ -4,13 +4,13 @@
 
 namespace morquill::templates {
 
-/// A water molecule: atom count, charge and multiplicity, then element and position in angstrom.
+/// Returns a water molecule: atom count, charge and multiplicity, then elements and positions in angstrom.
 [[nodiscard]] std::string_view sampleGeometry() noexcept;
-/// A task file that shows the idiom of the language.
+/// Returns a task file that shows typical use of the language.
 [[nodiscard]] std::string_view sampleTaskFile() noexcept;
 
-/// Writes both into the directory "test" of the current one, over what is there, and reports it. Returns
-/// the exit status.
+/// Writes both to the directory "test" below the current one, over
+/// existing files, and reports them. Returns the exit status.
 [[nodiscard]] int createSampleWorkspace();
 
 } // namespace morquill::templates

@@ -29,7 +29,7 @@ console::UsageError refusal(const std::string& message) {
     return console::UsageError(ErrorTag::coloured, message);
 }
 
-/// What the words of `list`, `categories` and `merge` say.
+/// The options and names for `list`, `categories` and `merge`.
 struct TemplateOptions {
     std::optional<std::string> directory;
     std::string output = "merged_task.mq";
@@ -65,13 +65,13 @@ TemplateLibrary openLibrary(const TemplateOptions& options) {
 
 using RunWord = int (*)(int argc, char** argv, int firstArgument);
 
-/// A word of the command with the old forms that mean the same.
+/// A word of the command and the old forms that mean the same.
 struct TemplateWord {
     std::string_view name;
     std::string_view letter;
     std::string_view option;
     RunWord run;
-    RunWord runOld; ///< null: the same as `run`
+    RunWord runOld; ///< null when it is `run`
 };
 
 int runList(int argc, char** argv, int firstArgument) {
@@ -111,7 +111,7 @@ int showHelp(int /*argc*/, char** argv, int /*firstArgument*/) {
     return 0;
 }
 
-/// What runs for a word of the command. Throws `UsageError` without a message for any other.
+/// The operation for a word of the command. Throws `UsageError` without a message for an unknown one.
 RunWord findWord(std::string_view word) {
     if (console::isHelpToken(word)) {
         return showHelp;
@@ -124,7 +124,7 @@ RunWord findWord(std::string_view word) {
     throw console::UsageError(ErrorTag::none);
 }
 
-/// What runs for an old form. Throws `UsageError` without a message for any other option.
+/// The operation for an old form. Throws `UsageError` without a message for an unknown one.
 RunWord findOldForm(std::string_view option) {
     for (const TemplateWord& row : templateWords) {
         if (row.letter == option || row.option == option) {
@@ -134,7 +134,8 @@ RunWord findOldForm(std::string_view option) {
     throw console::UsageError(ErrorTag::none);
 }
 
-/// Runs what `find` finds for the word at `wordIndex`; a refusal without a message shows the help.
+/// Runs the operation that `find` returns for the word at
+/// `wordIndex`; a refusal without a message shows the help.
 int runForm(int argc, char** argv, int wordIndex, RunWord (*find)(std::string_view word)) {
     try {
         return find(argc > wordIndex ? argv[wordIndex] : "")(argc, argv, wordIndex + 1);
@@ -185,7 +186,7 @@ constexpr std::string_view templateHelp = R"(# Usage:
       Equivalent to: `@ template interactive`
 )";
 
-/// Does the work of a command; when the memory runs out, the message names the file that it works on.
+/// Does the work of a command; when memory runs out, the message names the file being processed.
 int namingFile(const std::string& path, const std::function<int()>& work) {
     try {
         return work();
@@ -274,7 +275,7 @@ void writeDefineSection(const std::string& taskPath, const std::string& template
         console::reportError("could not read file: " + taskPath);
         return;
     }
-    const auto names = scanPlaceholders(*text, true);
+    const auto names = scanPlaceholders(*text, BuiltIns::drop);
     if (names.empty()) {
         console::printNote("file " + taskPath + " has no placeholders that require define values");
         return;

@@ -1,8 +1,10 @@
 #include "views/canonical_writer.h"
 
+#include "support/byte_set.h"
 #include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/base/shell_words.h"
 #include "taskdsl/derive/derive_output.h"
@@ -25,11 +27,14 @@ using taskdsl::TaskProgram;
 
 namespace {
 
-// The forms of a directive: directives are indented by two blanks, lines of a block directive by four.
+constexpr ByteSet lineEnds(std::string_view("\n\r"));
 
-/// `  %<directive> <value>` with the value through the scalar rule.
+// The forms of a directive. Directives are indented by two blanks, the lines of their blocks by four.
+
+/// Writes `  %<directive> <value>`, with the value quoted by the scalar rule.
 void addScalar(LineBuilder& text, std::string_view directive, std::string_view value) {
-    text.line("  %", directive, " ", taskdsl::quoteUnquotedScalar(value));
+    text.open("  %", directive, " ");
+    text.addWith([value](std::string& out) { taskdsl::appendUnquotedScalar(out, value); }).close();
 }
 
 void addFilledScalar(LineBuilder& text, std::string_view directive, std::string_view value) {
@@ -38,7 +43,7 @@ void addFilledScalar(LineBuilder& text, std::string_view directive, std::string_
     }
 }
 
-/// The terminator is always EOF: a text with such a line does not survive rewriting.
+/// The terminator is always EOF, so a text with such a line does not survive the rewrite.
 void addHeredoc(LineBuilder& text, std::string_view directive, std::string_view body) {
     text.line("  %", directive, " << EOF");
     if (!body.empty()) {
@@ -53,14 +58,15 @@ void addFilledHeredoc(LineBuilder& text, std::string_view directive, std::string
     }
 }
 
-/// A block of commands. One that would end the block (it was the continuation of an empty line) is that
-/// again.
-void addCommands(LineBuilder& text, std::string_view directive, const std::vector<std::string>& commands) {
+/// Writes a block of commands. One that would end the block was read as the continuation of an empty line,
+/// and is written as such again.
+void addCommands(LineBuilder& text, std::string_view directive,
+                 const Shared<std::vector<std::string>>& commands) {
     if (!commands.empty()) {
         text.line("  %", directive);
     }
     for (const auto& command : commands) {
-        if (taskdsl::isStructureLine(command)) {
+        if (isStructure(taskdsl::kindOfCleanLine(command))) {
             text.line("    \\");
         }
         text.line("    ", command);
@@ -70,8 +76,8 @@ void addCommands(LineBuilder& text, std::string_view directive, const std::vecto
 void addBlock(LineBuilder& text, std::string_view directive, const std::vector<std::string>& lines) {
     bool open = false;
     for (const auto& line : lines) {
-        // A text that would end the block (it came from behind the keyword) stands there again.
-        if (taskdsl::isStructureLine(line)) {
+        // A text that would end the block was read from the keyword's own line, and is written there again.
+        if (isStructure(taskdsl::kindOfCleanLine(line))) {
             text.line("  %", directive, " ", line);
             open = false;
             continue;
@@ -146,7 +152,7 @@ void writeCluster(LineBuilder& text, const taskdsl::BatchCluster& cluster) {
     text.line(line);
 }
 
-/// The destination as it stands when its words read back as the same text, otherwise as one quoted word.
+/// The destination unquoted when its words read back as the same text, otherwise as one quoted word.
 std::string destinationText(const std::string& destination) {
     const auto words = taskdsl::splitShellWords(taskdsl::cleanLine("as " + destination));
     const bool readsBack = join({words.begin() + 1, words.end()}, " ") == destination;
@@ -158,17 +164,17 @@ void writeBatch(LineBuilder& text, const TaskInfo& task) {
         return;
     }
     const std::string lanes = std::to_string(task.batchLanes);
-    if (task.batchCollect.empty() && !task.batchCluster.present) {
+    if (task.batchCollect.empty() && !task.batchCluster->present) {
         text.line("  %batch ", lanes);
         return;
     }
     text.line("  %batch");
     text.line("    lane ", lanes);
-    if (task.batchCluster.present) {
-        writeCluster(text, task.batchCluster);
+    if (task.batchCluster->present) {
+        writeCluster(text, *task.batchCluster);
     }
     for (const auto& entry : task.batchCollect) {
-        // A pattern that would not be one word again is quoted.
+        // A pattern that would not read back as one word is quoted.
         text.line("    collect ", entry.required ? "required " : "", taskdsl::quoteShellWord(entry.pattern),
                   entry.destination.empty() ? "" : " as ", destinationText(entry.destination));
     }
@@ -199,7 +205,7 @@ void writeControl(LineBuilder& text, const TaskInfo& task) {
     filled("gpu_type", task.gpuType);
     positive("gpu_mem", task.gpuMemory);
     if (task.guessEnabled) {
-        item("guess", task.guessSourceTask.empty() ? std::string_view("true") : task.guessSourceTask);
+        item("guess", task.guessSourceTask.empty() ? std::string_view("true") : task.guessSourceTask.view());
     }
     filled("guess_converter", task.guessConverter);
     if (!task.waitFreq) {
@@ -212,8 +218,8 @@ void writeControl(LineBuilder& text, const TaskInfo& task) {
         item("externalinp", "true");
     }
     if (!task.finalGeom.empty()) {
-        // Its reader is one of shell words: quotes and backslashes are not plain characters there.
-        const bool isPlain = task.finalGeom.find_first_of("'\\") == std::string::npos;
+        // It is read as shell words, in which quotes and backslashes are not plain characters.
+        const bool isPlain = task.finalGeom.view().find_first_of("'\\") == std::string::npos;
         item("finalgeom", isPlain ? taskdsl::quoteCanonicalScalar(task.finalGeom)
                                   : taskdsl::quoteForcedScalar(task.finalGeom));
     }
@@ -221,9 +227,10 @@ void writeControl(LineBuilder& text, const TaskInfo& task) {
 }
 
 void writeKeywords(LineBuilder& text, const TaskInfo& task) {
-    if (task.keywords.starts_with("<<")) {
-        text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords)); // bare, it would open a heredoc
-    } else if (task.keywords.find_first_of("\n\r") == std::string::npos) {
+    if (task.keywords.view().starts_with("<<")) {
+        // Unquoted, it would open a heredoc.
+        text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords));
+    } else if (!lineEnds.meets(task.keywords)) {
         addFilledScalar(text, "keywords", task.keywords);
     } else {
         addHeredoc(text, "keywords", task.keywords);
@@ -247,7 +254,7 @@ void writeXtbPayload(LineBuilder& text, const TaskInfo& task) {
 
 void writeOtherPayload(LineBuilder& text, const TaskInfo& task) {
     addFilledScalar(text, "template", taskdsl::resolvedTemplateName(task));
-    const std::string all = taskdsl::resolvedParams(task);
+    const SharedText all = taskdsl::resolvedParams(task);
     if (const auto params = trim(all); !params.empty()) {
         text.line("  %param ", params);
     }
@@ -302,76 +309,79 @@ void writeTask(LineBuilder& text, const TaskInfo& task) {
     }
 }
 
-/// Prints the document and, where somebody listens, reports what does not read back.
+/// Prints the document and, when there is a sink, reports what does not read back.
 class DocumentPrinter {
   public:
-    explicit DocumentPrinter(const ReadBackContext& readBackContext)
-        : context(readBackContext), document(readBackContext.document) {}
+    explicit DocumentPrinter(const ReadBackContext& context)
+        : context_(context), document_(context.document) {}
 
     std::string print() && {
-        const bool isSource = context.view == CanonicalView::sourceView;
-        if (context.warnings) {
-            reportLostHeadLines(context);
+        const bool isSource = context_.view == CanonicalView::sourceView;
+        if (context_.warnings) {
+            reportLostHeadLines(context_);
         }
-        writeSettings(text, document);
+        text_.reserve(typicalTaskSize * std::max(document_.tasks.size(), document_.templateTasks.size()));
+        writeSettings(text_, document_);
         if (isSource) {
-            writeMatrix(text, document);
+            writeMatrix(text_, document_);
         }
-        text.line();
+        text_.line();
         const auto& tasks =
-            isSource && !document.templateTasks.empty() ? document.templateTasks : document.tasks;
-        const bool hasBlocks = !document.plots.empty() || !document.derives.empty();
+            isSource && !document_.templateTasks.empty() ? document_.templateTasks : document_.tasks;
+        const bool hasBlocks = !document_.plots.empty() || !document_.derives.empty();
         for (const TaskInfo& task : tasks) {
             printTask(task);
             if (hasBlocks || &task != &tasks.back()) {
-                text.line();
+                text_.line();
             }
         }
-        for (const auto& plot : document.plots) {
-            printSubstituted("plot", plot.name, renderPlot(plot, "", context.warnings));
-            if (!document.derives.empty() || &plot != &document.plots.back()) {
-                text.line();
+        for (const auto& plot : document_.plots) {
+            printSubstituted("plot", plot.name, renderPlot(plot, "", context_.warnings));
+            if (!document_.derives.empty() || &plot != &document_.plots.back()) {
+                text_.line();
             }
         }
-        for (const auto& derive : document.derives) {
-            printSubstituted("derive", derive.spec.name, renderDerive(derive.spec, "", context.warnings));
-            if (&derive != &document.derives.back()) {
-                text.line();
+        for (const auto& derive : document_.derives) {
+            printSubstituted("derive", derive.spec.name, renderDerive(derive.spec, "", context_.warnings));
+            if (&derive != &document_.derives.back()) {
+                text_.line();
             }
         }
-        return text.take();
+        return text_.take();
     }
 
   private:
     void printTask(const TaskInfo& task) {
-        const std::size_t begin = text.size();
-        writeTask(text, task);
-        if (context.warnings) {
-            reportLostOfTask(context, task, text.textFrom(begin));
+        const std::size_t begin = text_.size();
+        writeTask(text_, task);
+        if (context_.warnings) {
+            reportLostOfTask(context_, task, text_.textFrom(begin));
         }
-        // A plot of a declared task is read as it stands; the defines come later.
-        const bool isExpanded = context.view == CanonicalView::matrixExpandedView;
+        // A plot of a declared task is read before the defines are inserted.
+        const bool isExpanded = context_.view == CanonicalView::matrixExpandedView;
         for (const auto& plot : task.plots) {
-            const std::string printed = renderPlot(plot, "  ", context.warnings);
+            const std::string printed = renderPlot(plot, "  ", context_.warnings);
             if (isExpanded) {
                 printSubstituted("plot", plot.name, printed);
             } else {
-                text.add(printed);
+                text_.add(printed);
             }
         }
     }
 
-    /// Prints a block into which the defines go where it is read.
+    /// Prints a block into which the defines are inserted when it is read.
     void printSubstituted(std::string_view what, std::string_view name, const std::string& printed) {
-        text.add(printed);
-        if (context.warnings) {
-            reportReplacedKey(context, what, name, printed);
+        text_.add(printed);
+        if (context_.warnings) {
+            reportReplacedKey(context_, what, name, printed);
         }
     }
 
-    const ReadBackContext context;
-    const TaskDocument& document;
-    LineBuilder text;
+    static constexpr std::size_t typicalTaskSize = 256; ///< in bytes, as printed
+
+    const ReadBackContext context_;
+    const TaskDocument& document_;
+    LineBuilder text_;
 };
 
 } // namespace

@@ -31,7 +31,7 @@ constexpr PayloadPair payloadOf(TaskProgram program) noexcept {
 struct PayloadRow {
     Payload payload;
     std::string_view directive;
-    std::string TaskInfo::*text;
+    SharedText TaskInfo::*text;
 };
 
 constexpr std::array<PayloadRow, 7> payloadRows{{
@@ -44,11 +44,11 @@ constexpr std::array<PayloadRow, 7> payloadRows{{
     {Payload::body, "%body", &TaskInfo::body},
 }};
 
-/// True when all that `%keywords` says is printed under its modern names.
+/// True when all of `%keywords` is printed under modern names.
 bool isCarriedOver(const TaskInfo& task) {
     switch (task.program) {
     case TaskProgram::other:
-        return taskdsl::isLegacyPairList(task.keywords, task.templateName.empty(), task.paramValues.empty());
+        return taskdsl::isLegacyPairList(task);
     case TaskProgram::script:
         return task.runner.empty();
     default:
@@ -68,7 +68,7 @@ std::vector<std::string> droppedFields(const TaskInfo& task) {
     if (task.interfaceMode == taskdsl::TaskInterfaceMode::provider) {
         dropped.emplace_back("%interface provider");
     } else if (task.interfaceMode == taskdsl::TaskInterfaceMode::consume) {
-        dropped.push_back("%interface consume " + task.interfaceProvider);
+        dropped.push_back("%interface consume " + task.interfaceProvider.str());
     }
     if (task.totalCores < 0) {
         dropped.push_back("totcore " + std::to_string(task.totalCores));
@@ -80,7 +80,7 @@ std::vector<std::string> droppedFields(const TaskInfo& task) {
         dropped.emplace_back("alert false");
     }
     if (!task.gaussianGeomControl.empty()) {
-        dropped.push_back("geom " + task.gaussianGeomControl);
+        dropped.push_back("geom " + task.gaussianGeomControl.str());
     }
     for (const auto& row : payloadRows) {
         if ((task.*row.text).empty() || printsPayload(task.program, row.payload)) {

@@ -3,8 +3,11 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "console/library_file.h"
+#include "console/logger.h"
 #include "support/fault.h"
 #include "support/json.h"
+#include "support/large_memory.h"
 #include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
@@ -25,13 +28,13 @@ using taskdsl::TaskInfo;
 namespace {
 
 struct ExplainOptions {
-    std::string taskName; ///< empty for all
+    std::string taskName; ///< empty for all tasks
     std::string format = "text";
     bool expanded = false;
     std::string inputPath;
 };
 
-/// What is shown of a document: the tasks of the chosen view.
+/// The tasks of the document in the chosen view.
 struct ExplainView {
     const TaskDocument& document;
     std::vector<const TaskInfo*> tasks;
@@ -58,7 +61,7 @@ void setExpanded(ExplainOptions& options, console::Words /*values*/) {
     options.expanded = true;
 }
 
-/// Help is asked for: no path, and no word behind counts.
+/// Requests the help: there is no path, and the words after this one are ignored.
 void askHelp(ExplainOptions& options, console::Words /*values*/) {
     options.inputPath.clear();
 }
@@ -73,7 +76,7 @@ constexpr console::OptionRow<ExplainOptions> optionRows[] = {
 };
 // clang-format on
 
-/// Reads the words behind the command word; without a path the help is to be shown. Throws `UsageError`.
+/// Reads the words after the command word; without a path, the help is to be shown. Throws `UsageError`.
 ExplainOptions readCommandLine(int argc, char** argv) {
     if (argc < 3) {
         throw usageError("explain expects a <task.mq> path");
@@ -107,8 +110,10 @@ ExplainView makeView(const TaskDocument& document, const ExplainOptions& options
     return view;
 }
 
-/// The source as its directive gave it: unlike the canonical writer, this view shows no "origin" that nobody
-/// wrote.
+constexpr std::size_t typicalTaskSize = 1024; ///< bytes in print
+
+/// The source as its directive has it: unlike the canonical writer,
+/// this view does not show an "origin" that is not in the file.
 std::string declaredSource(const TaskInfo& task) {
     const bool declared = std::any_of(task.directives.begin(), task.directives.end(),
                                       [](const taskdsl::TaskDirective& d) { return d.name == "source"; });
@@ -126,6 +131,11 @@ std::string dslVersion(const TaskDocument& document, std::string_view missing) {
 
 std::string_view boolText(bool value) noexcept {
     return value ? "true" : "false";
+}
+
+/// Ends a line with a place in brackets.
+void closeWithPlace(LineBuilder& out, const taskdsl::SourceSpan& span) {
+    out.add("    [").addWith([&span](std::string& text) { appendSpan(text, span); }).add("]").close();
 }
 
 void addTaskText(LineBuilder& out, const TaskInfo& task) {
@@ -154,20 +164,22 @@ void addTaskText(LineBuilder& out, const TaskInfo& task) {
     if (!task.whenEntries.empty()) {
         out.line("  when_conditions:");
         for (const auto& condition : task.whenEntries) {
-            out.line("    - ", condition.text, "    [", formatSpan(condition.span), "]");
+            out.open("    - ", condition.text);
+            closeWithPlace(out, condition.span);
         }
     }
     if (!task.directives.empty()) {
         out.line("  directives:");
         for (const auto& directive : task.directives) {
-            out.line("    - %", directive.name, directive.value.empty() ? "" : " ", directive.value, "    [",
-                     formatSpan(directive.span), "]");
+            out.open("    - %", directive.name, directive.value.empty() ? "" : " ", directive.value);
+            closeWithPlace(out, directive.span);
         }
     }
 }
 
 std::string renderText(const ExplainView& view) {
     LineBuilder out;
+    out.reserve(view.tasks.size() * typicalTaskSize);
     out.line("file: ", view.document.filePath);
     out.line("dsl_version: ", dslVersion(view.document, "<missing>"));
     out.line("task_view: ", view.expanded ? "expanded" : "source");
@@ -183,55 +195,97 @@ std::string renderText(const ExplainView& view) {
     return out.take();
 }
 
-/// One-line array of the JSON values that `item` makes of the elements.
-template <class List, class Item>
-std::string jsonArray(const List& list, const Item& item) {
-    std::string out = "[";
-    for (const auto& element : list) {
-        out += &element == &*std::begin(list) ? "" : ", ";
-        out += item(element);
+/// The lines of one task's JSON object, each with a comma behind it but the last.
+class TaskJson {
+  public:
+    explicit TaskJson(LineBuilder& out) : out_(out) {}
+
+    void text(std::string_view name, std::string_view value) {
+        key(name);
+        string(value);
+        out_.add(",").close();
     }
-    return out + "]";
-}
+    void flag(std::string_view name, bool value) {
+        key(name);
+        out_.add(boolText(value), ",").close();
+    }
+    void span(std::string_view name, const taskdsl::SourceSpan& value) {
+        key(name);
+        place(value);
+        out_.add(",").close();
+    }
+    /// A one-line array; `item` adds an element. The comma is left to the caller.
+    template <class List, class Item>
+    LineBuilder& array(std::string_view name, const List& list, const Item& item) {
+        key(name);
+        out_.add("[");
+        for (const auto& element : list) {
+            out_.add(&element == &*std::begin(list) ? "" : ", ");
+            item(element);
+        }
+        return out_.add("]");
+    }
+    void string(std::string_view value) {
+        out_.addWith([value](std::string& text) { appendJsonString(text, value); });
+    }
+    void place(const taskdsl::SourceSpan& value) {
+        place_.clear();
+        appendSpan(place_, value);
+        string(place_);
+    }
+
+  private:
+    void key(std::string_view name) { out_.open("      \"", name, "\": "); }
+
+    LineBuilder& out_;
+    std::string place_;
+};
 
 void addTaskJson(LineBuilder& out, const TaskInfo& task) {
-    const auto key = [&out](std::string_view name, const std::string& value, std::string_view end = ",") {
-        out.line("      \"", name, "\": ", value, end);
-    };
-    const auto text = [&key](std::string_view name, std::string_view value) { key(name, jsonString(value)); };
-    const auto flag = [&key](std::string_view name, bool value) { key(name, std::string(boolText(value))); };
+    TaskJson json(out);
     out.line("    {");
-    text("name", task.name);
-    text("block_span", formatSpan(task.headerSpan));
-    text("program", taskdsl::programName(task.program));
-    text("source", declaredSource(task));
-    key("dependencies",
-        jsonArray(sourceTasks(task), [](const std::string& name) { return jsonString(name); }));
-    flag("use_guess", task.guessEnabled);
-    flag("alert", task.alert);
-    flag("localfirst", task.localFirst);
-    text("finalgeom", task.finalGeom);
-    text("guess_source_task", task.guessSourceTask);
-    text("guess_converter", task.guessConverter);
-    text("template_task_name", task.templateTaskName);
-    text("matrix_variant_key", task.matrixVariantKey);
-    key("when_conditions", jsonArray(task.whenEntries, [](const taskdsl::TaskWhenEntry& condition) {
-            return R"({"text": )" + jsonString(condition.text) + R"(, "span": )" +
-                   jsonString(formatSpan(condition.span)) + "}";
-        }));
-    key("directives",
-        jsonArray(task.directives.get(),
-                  [](const taskdsl::TaskDirective& directive) {
-                      return R"({"name": )" + jsonString(directive.name) + R"(, "argument": )" +
-                             jsonString(directive.value) + R"(, "span": )" +
-                             jsonString(formatSpan(directive.span)) + "}";
-                  }),
-        "");
+    json.text("name", task.name);
+    json.span("block_span", task.headerSpan);
+    json.text("program", taskdsl::programName(task.program));
+    json.text("source", declaredSource(task));
+    json.array("dependencies", sourceTasks(task), [&json](const std::string& name) { json.string(name); })
+        .add(",")
+        .close();
+    json.flag("use_guess", task.guessEnabled);
+    json.flag("alert", task.alert);
+    json.flag("localfirst", task.localFirst);
+    json.text("finalgeom", task.finalGeom);
+    json.text("guess_source_task", task.guessSourceTask);
+    json.text("guess_converter", task.guessConverter);
+    json.text("template_task_name", task.templateTaskName);
+    json.text("matrix_variant_key", task.matrixVariantKey);
+    json.array("when_conditions", task.whenEntries,
+               [&](const taskdsl::TaskWhenEntry& condition) {
+                   out.add(R"({"text": )");
+                   json.string(condition.text);
+                   out.add(R"(, "span": )");
+                   json.place(condition.span);
+                   out.add("}");
+               })
+        .add(",")
+        .close();
+    json.array("directives", task.directives,
+               [&](const taskdsl::TaskDirective& directive) {
+                   out.add(R"({"name": )");
+                   json.string(directive.name);
+                   out.add(R"(, "argument": )");
+                   json.string(directive.value);
+                   out.add(R"(, "span": )");
+                   json.place(directive.span);
+                   out.add("}");
+               })
+        .close();
     out.open("    }");
 }
 
 std::string renderJson(const ExplainView& view) {
     LineBuilder out;
+    out.reserve(view.tasks.size() * typicalTaskSize);
     out.line("{");
     const auto key = [&out](std::string_view name, const std::string& value) {
         out.line("  \"", name, "\": ", value, ",");
@@ -270,8 +324,9 @@ int runExplain(int argc, char** argv) {
             printExplainHelp(argv[0]);
             return 0;
         }
-        taskdsl::TaskParser parser;
-        const TaskDocument document = parser.parseInput(options.inputPath);
+        const taskdsl::TaskParser parser(
+            {.findLibraryFile = console::findLibraryFile, .warnings = console::logWarning});
+        const TaskDocument& document = keepUntilExit(parser.parseInput(options.inputPath));
         const ExplainView view = makeView(document, options);
         if (view.tasks.empty() && !options.taskName.empty()) {
             throw usageError("task not found in explain view: " + options.taskName);

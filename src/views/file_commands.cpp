@@ -3,10 +3,13 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "console/library_file.h"
 #include "console/logger.h"
 #include "console/messages.h"
 #include "support/fault.h"
 #include "support/file.h"
+#include "support/large_memory.h"
+#include "support/paths.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
@@ -61,20 +64,25 @@ constexpr OptionRow expandOptions[] = {
 };
 // clang-format on
 
-/// What tells the three commands apart while their words are read.
+/// How the three commands differ while their words are read.
 struct CommandForm {
     std::string_view name;
     std::span<const OptionRow> options;
-    ErrorTag tag;          ///< of a refusal; an unknown word is told in colour by every command
-    bool leavesExtraFiles; ///< what extra files beside the result bring is not written into it
-    bool toleratesLegacy;  ///< removed forms that can be converted are read
+    ErrorTag tag;                   ///< of a refusal; every command reports an unknown word in colour
+    bool leavesExtraFiles = false;  ///< the content of extra files beside the result is not written into it
+    bool legacyMultiSource = false; ///< the removed form `%source a,b` is read and converted
 };
 
-constexpr CommandForm fmtForm{"fmt", rewriteOptions, ErrorTag::plain, true, false};
-constexpr CommandForm migrateForm{"migrate", rewriteOptions, ErrorTag::plain, true, true};
-constexpr CommandForm expandForm{"expand", expandOptions, ErrorTag::coloured, false, false};
+constexpr CommandForm fmtForm{
+    .name = "fmt", .options = rewriteOptions, .tag = ErrorTag::plain, .leavesExtraFiles = true};
+constexpr CommandForm migrateForm{.name = "migrate",
+                                  .options = rewriteOptions,
+                                  .tag = ErrorTag::plain,
+                                  .leavesExtraFiles = true,
+                                  .legacyMultiSource = true};
+constexpr CommandForm expandForm{.name = "expand", .options = expandOptions, .tag = ErrorTag::coloured};
 
-/// Reads the words behind the command word. Throws `UsageError`.
+/// Reads the words after the command word. Throws `UsageError`.
 FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** argv) {
     FileCommandOptions options;
     const auto refuse = [&form](const std::string& text) { return console::UsageError(form.tag, text); };
@@ -127,8 +135,8 @@ int deliverCanonicalText(std::string text, const FileCommandOptions& options) {
     return 0;
 }
 
-/// True when whoever reads the result finds the extra files of the input beside it. A result that replaces
-/// one of them has to hold what that one held.
+/// True when a reader of the result finds the extra files of the input beside it. A result that replaces one
+/// of them has to contain what that one contained.
 bool isWrittenBesideInput(const FileCommandOptions& options) {
     const std::filesystem::path output(options.inPlace ? options.inputPath : options.outputPath);
     const auto directory = [](const std::filesystem::path& file) {
@@ -139,9 +147,12 @@ bool isWrittenBesideInput(const FileCommandOptions& options) {
             directory(output) == directory(options.inputPath));
 }
 
-/// A file that is written in place must be a regular one; otherwise a pipe or a terminal serves, too.
+/// Reads the input, which must be a regular file when it is
+/// written in place, and may otherwise be a pipe or a terminal.
 taskdsl::TaskDocument readDocument(const CommandForm& form, const FileCommandOptions& options) {
-    taskdsl::TaskParser parser(form.toleratesLegacy);
+    const taskdsl::TaskParser parser({.legacyMultiSource = form.legacyMultiSource,
+                                      .findLibraryFile = console::findLibraryFile,
+                                      .warnings = console::logWarning});
     return options.inPlace ? parser.parseFile(options.inputPath) : parser.parseInput(options.inputPath);
 }
 
@@ -160,7 +171,7 @@ int convert(const CommandForm& form, const FileCommandOptions& options) {
         return 1;
     }
     try {
-        auto document = readDocument(form, options);
+        auto& document = keepUntilExit(readDocument(form, options));
         if (form.leavesExtraFiles && isWrittenBesideInput(options)) {
             document = taskdsl::withoutImplicitContent(std::move(document));
         }

@@ -20,29 +20,28 @@ using taskdsl::ValueMap;
 
 namespace {
 
-/// A key that every reader of the prelude takes as it stands.
+/// True for a key that every reader of the prelude takes literally.
 bool isPlainKey(std::string_view key) noexcept {
     return !key.empty() && isWordStart(key.front()) && std::all_of(key.begin(), key.end(), isKeyChar) &&
            key != "define" && key != "matrix" && !equalsNoCase(key, "null");
 }
 
-/// A value that YAML takes as it stands, bare or between double quotes: printable ASCII.
+/// True for a value that YAML takes literally, bare or between double quotes: printable ASCII.
 bool isPlainSettingValue(std::string_view value) noexcept {
     return value.empty() || (isKeyChar(value.front()) && std::all_of(value.begin(), value.end(), [](char c) {
                                  return c >= ' ' && c <= '~';
                              }));
 }
 
-/// Reads one line of settings behind the line that every head begins with.
+/// Reads one line of settings, after the line with which every head begins.
 bool readsAsSetting(const std::string& line, const std::string& key, const std::string& value) {
     const std::string text = "dsl_version: 2\n" + line;
-    const taskdsl::WarningSink silent = [](const std::string&) {};
-    taskdsl::ParseContext context(silent);
-    context.followsIncludes = false;
-    const auto lines = splitLines(text);
-    std::size_t next = 0;
+    taskdsl::ParseContext run({});
+    run.followsIncludes = false;
+    taskdsl::DocumentContext context(run);
+    const auto lines = taskdsl::makeSourceLines(text, {});
     try {
-        const auto read = taskdsl::parsePrelude(lines, 0, next, "", context);
+        const auto [read, next] = taskdsl::parsePrelude(lines, "", context);
         return next == lines.size() && read.defines.empty() && read.matrixAxes.empty() &&
                read.collections.empty() && read.settings == ValueMap{{"dsl_version", "2"}, {key, value}};
     } catch (const DiagnosticError&) {
@@ -51,14 +50,12 @@ bool readsAsSetting(const std::string& line, const std::string& key, const std::
 }
 
 bool readsAsDefine(const std::string& line, const std::string& key, const std::string& value) {
-    std::size_t next = 0;
-    return taskdsl::parseDefineBlock(splitLines(line), 0, next) == ValueMap{{key, value}};
+    return taskdsl::parseDefineBlock(taskdsl::makeSourceLines(line, {}), 0).value == ValueMap{{key, value}};
 }
 
 bool readsAsAxis(const std::string& lines, const MatrixAxis& axis) {
-    std::size_t next = 0;
     try {
-        return taskdsl::parseMatrixBlock(splitLines(lines), 0, next) == std::vector{axis};
+        return taskdsl::parseMatrixBlock(taskdsl::makeSourceLines(lines, {}), 0).value == std::vector{axis};
     } catch (const DiagnosticError&) {
         return false;
     }

@@ -1,9 +1,10 @@
 #include "views/read_back.h"
 
+#include "support/byte_set.h"
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
-#include "taskdsl/generate/foreach.h"
 #include "taskdsl/parser/task_parser.h"
 #include "taskdsl/task/mod_operation.h"
 #include "taskdsl/task/resolved_task.h"
@@ -40,28 +41,31 @@ std::string inQuotes(std::string_view text) {
     return "'" + oneLine(text) + "'";
 }
 
-// What passes without being read. Each test may refuse a text that would read back, never the other way.
+// What passes without being read. A test may refuse a text that would read back, but never the reverse.
 
-/// A word that every reader of this language takes as it stands: no white space, quote, `#` or backslash.
+/// True for a word that every reader of this language takes
+/// literally: no white space, quote, `#` or backslash.
 bool isPlainWord(std::string_view text) noexcept {
-    return !text.empty() && std::none_of(text.begin(), text.end(), [](char c) {
-        return (c >= '\0' && c <= ' ') || c == '"' || c == '\'' || c == '#' || c == '\\';
-    });
+    constexpr static ByteSet unusual(
+        [](char c) { return (c >= '\0' && c <= ' ') || c == '"' || c == '\'' || c == '#' || c == '\\'; });
+    return !text.empty() && !unusual.meets(text);
 }
 
-/// A line of a block that neither ends the block nor loses anything to trimming or a comment.
+constexpr ByteSet lineEnds(std::string_view("\n\r"));
+
+/// True for a line of a block that neither ends the block nor loses anything to trimming or a comment.
 bool isPlainLine(std::string_view text) noexcept {
     constexpr std::string_view marks = "%$&@";
+    constexpr static ByteSet endsOrComments(std::string_view("#\n"));
     return !text.empty() && !isTrimmed(text.front()) && !isTrimmed(text.back()) &&
-           marks.find(text.front()) == std::string_view::npos &&
-           text.find_first_of("#\n") == std::string_view::npos;
+           marks.find(text.front()) == std::string_view::npos && !endsOrComments.meets(text);
 }
 
 bool isPlainCommand(std::string_view text) noexcept {
     return isPlainLine(text) && text.back() != '\\';
 }
 
-/// A heredoc without a line that ends it and without one that looks like a loop or a block.
+/// True for a heredoc without a line that ends it or looks like a loop or a block.
 bool isPlainHeredoc(std::string_view text) noexcept {
     if (text.find(heredocEnd) != std::string_view::npos) {
         return false;
@@ -86,7 +90,7 @@ bool isPlainBinding(const taskdsl::SourceBinding& binding) noexcept {
                        [](const auto& selector) { return isPlainWord(selector.second); });
 }
 
-/// Words that a source reads as more than the name of a task.
+/// The words that a source reads as more than the name of a task.
 bool isSourceWord(std::string_view text) noexcept {
     return text == "origin" || text == "restart" || text == "guess" || text == "gues" ||
            text.starts_with("xyz=") || text.find(',') != std::string_view::npos;
@@ -105,7 +109,7 @@ bool hasPlainSource(const TaskInfo& task) noexcept {
 }
 
 bool hasPlainBatch(const TaskInfo& task) noexcept {
-    return !task.batchCluster.present &&
+    return !task.batchCluster->present &&
            std::all_of(task.batchCollect.begin(), task.batchCollect.end(), [](const auto& entry) {
                return isPlainWord(entry.pattern) &&
                       (entry.destination.empty() || isPlainWord(entry.destination));
@@ -119,7 +123,7 @@ bool hasPlainControl(const TaskInfo& task) noexcept {
            plainOrEmpty(task.finalGeom);
 }
 
-/// A `%mod` line `<name> <words>` without operation. Only such lines are told without reading them.
+/// True for a `%mod` line `<name> <words>` without an operation. Any other line has to be read.
 bool isPlainMod(const taskdsl::ModEntry& entry) {
     constexpr std::array<std::string_view, 4> operations{"add", "subtract", "select", "remove"};
     const auto words = splitBlank(entry.value);
@@ -133,14 +137,14 @@ bool hasPlainMods(const TaskInfo& task) {
 }
 
 bool hasPlainKeywords(const TaskInfo& task) noexcept {
-    const std::string& text = task.keywords;
+    const std::string_view text = task.keywords;
     if (text.empty()) {
         return true;
     }
-    // A pair of quotes around the whole value would be taken off once more.
+    // A pair of quotes around the whole value would be removed.
     const bool isUnquoted =
         text.front() != '"' && text.front() != '\'' && !isTrimmed(text.front()) && !isTrimmed(text.back());
-    return isUnquoted && (text.find_first_of("\n\r") == std::string::npos || isPlainHeredoc(text));
+    return isUnquoted && (!lineEnds.meets(text) || isPlainHeredoc(text));
 }
 
 bool hasPlainPayload(const TaskInfo& task) {
@@ -166,9 +170,9 @@ bool isPlainTask(const TaskInfo& task) {
            hasPlainMods(task) && (task.strucId.empty() || isPlainWord(task.strucId));
 }
 
-// What a task that was read has of one that was printed.
+// What a task that was read has in common with the one that was printed.
 
-/// The key and the words of every `%mod` operation: blanks and tabs between words are alike.
+/// The key and the words of every `%mod` operation; it does not matter which blanks and tabs separate words.
 std::vector<Texts> modsOf(const TaskInfo& task) {
     std::vector<Texts> operations;
     for (const auto& entry : task.modEntries) {
@@ -198,14 +202,14 @@ bool sameGuess(const TaskInfo& a, const TaskInfo& b) {
 }
 
 bool sameParams(const TaskInfo& a, const TaskInfo& b) {
-    return trim(taskdsl::resolvedParams(a)) == trim(b.paramValues);
+    return trim(taskdsl::resolvedParams(a).view()) == trim(b.paramValues.view());
 }
 
-/// One part of a task: what a message calls it, when it is printed, and when the one that was read is the
-/// one that was printed.
+/// A part of a task: its name in messages, when it is printed, and
+/// whether the part that was read equals the one that was printed.
 struct PartRow {
     std::string_view what;
-    Payload payload; ///< the payload it belongs to; `none` for what every task prints
+    Payload payload; ///< the payload that it is; `none` for what every task prints
     bool (*same)(const TaskInfo& printed, const TaskInfo& read);
 };
 
@@ -255,11 +259,11 @@ Texts changedParts(const TaskInfo& printed, const TaskInfo& read) {
     return reasons;
 }
 
-/// A long text of a task and what a message calls it.
+/// A long text of a task and its name in messages.
 struct LongText {
     std::string_view what;
     Payload payload;
-    std::string TaskInfo::*text;
+    SharedText TaskInfo::*text;
 };
 
 constexpr std::array<LongText, 3> longTexts{{{"%keywords", Payload::keywords, &TaskInfo::keywords},
@@ -270,10 +274,10 @@ bool endsHeredoc(std::string_view line) noexcept {
     return trim(line) == heredocEnd;
 }
 
-/// A line that the loop pass, which knows no texts, takes for its own.
+/// True for a line that the loop pass, which does not know heredocs, takes for one of its own.
 bool beginsLoopOrBlock(std::string_view line) {
-    const auto text = taskdsl::cleanLine(line);
-    return taskdsl::isBlockKeyword(text) || taskdsl::parseForeachHeader(text).valid;
+    const auto kind = taskdsl::kindOfCleanLine(taskdsl::cleanLine(line));
+    return opensBlock(kind) || kind == taskdsl::LineKind::end || kind == taskdsl::LineKind::loop;
 }
 
 /// The text of a row where the task prints it as a heredoc; empty otherwise.
@@ -281,14 +285,13 @@ std::string heredocOf(const TaskInfo& task, const LongText& row) {
     if (!printsPayload(task.program, row.payload)) {
         return {};
     }
-    std::string text =
+    const SharedText text =
         row.payload == Payload::extraInput ? taskdsl::resolvedExtraInput(task) : task.*row.text;
-    const bool isHeredoc =
-        row.payload != Payload::keywords || text.find_first_of("\n\r") != std::string::npos;
-    return isHeredoc ? text : std::string();
+    const bool isHeredoc = row.payload != Payload::keywords || lineEnds.meets(text);
+    return isHeredoc ? text.str() : std::string();
 }
 
-/// The first line of the row's heredoc that `test` holds for, in words.
+/// Describes the first line of the row's heredoc for which `test` holds.
 std::optional<std::string> findHeredocLine(const TaskInfo& task, const LongText& row,
                                            bool (*test)(std::string_view)) {
     const std::string text = heredocOf(task, row);
@@ -300,7 +303,7 @@ std::optional<std::string> findHeredocLine(const TaskInfo& task, const LongText&
     return std::nullopt;
 }
 
-/// Takes the texts that end their own heredoc out of the task and out of its printed block, so that the rest
+/// Removes the texts that end their own heredoc from the task and from its printed block, so that the rest
 /// can be read; returns what is wrong with them.
 Texts takeOutEndedTexts(TaskInfo& task, std::string& block) {
     Texts reasons;
@@ -323,14 +326,13 @@ Texts takeOutEndedTexts(TaskInfo& task, std::string& block) {
     return reasons;
 }
 
-/// Reads a printed task back and says what has become of it.
+/// Reads a printed task back and returns what is lost.
 Texts readBackFaults(TaskInfo task, std::string_view printed) {
     std::string block(printed);
     Texts reasons = takeOutEndedTexts(task, block);
     const auto add = [&reasons](std::string reason) { reasons.push_back(std::move(reason)); };
     try {
-        taskdsl::TaskParser parser(false, [](const std::string&) {});
-        const TaskDocument read = parser.parseDeclaredTasks(block);
+        const TaskDocument read = taskdsl::TaskParser().parseDeclaredTasks(block);
         if (read.tasks.size() == 1 && read.plots.empty() && read.derives.empty()) {
             std::ranges::for_each(changedParts(task, read.tasks.front()), add);
         } else {
@@ -363,7 +365,7 @@ std::string replacedKey(std::string_view what, const std::string& key) {
     return std::string(what) + " holds '[" + key + "]', which is a define";
 }
 
-/// The defines that go into task names where the text is read: an axis of the same name wins.
+/// The defines that are inserted into task names when the text is read; an axis of the same name wins.
 ValueMap nameValues(const ReadBackContext& context) {
     ValueMap values = context.document.defines;
     if (context.view == CanonicalView::sourceView) {
@@ -374,7 +376,7 @@ ValueMap nameValues(const ReadBackContext& context) {
     return values;
 }
 
-/// True when the defines change an expanded task once more.
+/// True when the defines would change an expanded task again.
 bool isChangedByDefines(const TaskInfo& task, const ValueMap& defines) {
     TaskInfo again = task;
     try {
@@ -385,8 +387,8 @@ bool isChangedByDefines(const TaskInfo& task, const ValueMap& defines) {
     return !changedParts(task, again).empty();
 }
 
-/// Expanded tasks stand beside the defines that they were made with: a `[key]` that a value has brought would
-/// be replaced, too. Of declared tasks that is so for the name alone.
+/// Expanded tasks are printed with the defines that they were made with, so a `[key]` that came from a value
+/// would be replaced as well. In declared tasks, that concerns the name only.
 void addReplacedKeys(const ReadBackContext& context, const TaskInfo& task, std::string_view printed,
                      Texts& reasons) {
     const ValueMap& defines = context.document.defines;

@@ -3,10 +3,8 @@
 #include "console/console.h"
 #include "fixtures/console_fixtures.h"
 #include "fixtures/golden.h"
+#include "fixtures/scratch_tree.h"
 #include "support/text.h"
-
-#include <csignal>
-#include <stdexcept>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,26 +14,15 @@ namespace {
 
 using console::testing::throughPipe;
 
-/// What a command line gives: its status and both streams, each for itself.
-struct Outcome {
-    int status = -1;
-    std::string output;
-    std::string error;
-};
-
-Outcome dispatch(std::vector<std::string> arguments) {
-    std::vector<char*> argv;
-    for (auto& argument : arguments) {
-        argv.push_back(argument.data());
-    }
-    argv.push_back(nullptr);
-    Outcome outcome;
-    outcome.output = throughPipe({STDOUT_FILENO}, [&] {
-        outcome.error = throughPipe({STDERR_FILENO}, [&] {
-            outcome.status = dispatchCommand(static_cast<int>(argv.size()) - 1, argv.data());
-        });
+/// Runs a command line through real pipes, as `main` would.
+Output dispatch(std::vector<std::string> arguments) {
+    Arguments words(std::move(arguments));
+    Output output;
+    output.out = throughPipe({STDOUT_FILENO}, [&] {
+        output.err = throughPipe({STDERR_FILENO},
+                                 [&] { output.status = dispatchCommand(words.argc(), words.argv()); });
     });
-    return outcome;
+    return output;
 }
 
 /// The overview for a program of that name.
@@ -47,7 +34,7 @@ TEST(Dispatch, WithoutACommandTheHelpIsShown) {
     struct Row {
         std::vector<std::string> arguments;
         int status;
-        std::string error; // behind the tag; empty: nothing at all
+        std::string error; // after the tag; empty when there is no message
     };
     const Row rows[] = {
         {{"mqkit"}, 1, ""},
@@ -68,15 +55,15 @@ TEST(Dispatch, WithoutACommandTheHelpIsShown) {
     for (const auto& row : rows) {
         const auto outcome = dispatch(row.arguments);
         EXPECT_EQ(outcome.status, row.status) << row.error;
-        EXPECT_EQ(outcome.error, row.error.empty() ? "" : "[mqkit][ERROR]" + row.error);
-        EXPECT_EQ(outcome.output, topLevelHelp("mqkit")) << row.error;
+        EXPECT_EQ(outcome.err, row.error.empty() ? "" : "[mqkit][ERROR]" + row.error);
+        EXPECT_EQ(outcome.out, topLevelHelp("mqkit")) << row.error;
     }
 }
 
 TEST(Dispatch, AnEmptyArgumentVectorShowsTheHelpOfAProgramWithoutName) {
     const auto outcome = dispatch({});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.output, topLevelHelp("program"));
+    EXPECT_EQ(outcome.out, topLevelHelp("program"));
 }
 
 TEST(OlderShapes, AreRecognisedInTheirOrder) {
@@ -150,43 +137,8 @@ TEST(OlderShapes, AreRecognisedInTheirOrder) {
 
 TEST(Dispatch, CommandWordsComeBeforeOlderShapes) {
     const auto outcome = dispatch({"mqkit", "FM", "a.mq", "-r", "demo.projmq"});
-    EXPECT_EQ(outcome.error.find("rename"), std::string::npos);
-    EXPECT_NE(outcome.error, "");
-}
-
-/// A run of the program with the one argument "mqkit".
-int runAlone(int (*command)(int argc, char** argv)) {
-    char program[] = "mqkit";
-    char* argv[] = {program, nullptr};
-    return runInSession(1, argv, command);
-}
-
-TEST(RunInSession, GivesTheStatusOfTheCommand) {
-    EXPECT_EXIT(std::_Exit(runAlone([](int argc, char**) { return 40 + argc; })),
-                ::testing::ExitedWithCode(41), "^$");
-}
-
-TEST(RunInSession, AnExceptionEndsTheProgramAfterTheSessionWasClosed) {
-    // What was written before shows that the session was closed: an abnormal end drops kept output.
-    const auto throwing = [](int, char**) -> int {
-        console::writeOut("kept\n");
-        throw std::runtime_error("no command caught this");
-    };
-    EXPECT_EXIT(
-        {
-            ::dup2(STDERR_FILENO, STDOUT_FILENO);
-            (void)runAlone(throwing);
-        },
-        ::testing::KilledBySignal(SIGABRT), "^kept\n(.|\n)*no command caught this");
-}
-
-TEST(RunInSession, ALackOfMemoryThatNoCommandCaughtIsToldAndFails) {
-    const char* message = "^\\[mqkit\\]\\[ERROR\\] out of memory\n$";
-    const auto throwing = [](int, char**) -> int { throw std::bad_alloc(); };
-    EXPECT_EXIT(std::_Exit(runAlone(throwing)), ::testing::ExitedWithCode(1), message);
-    // What the C++ library does when there is no memory for the exception either.
-    const auto withoutException = [](int, char**) -> int { std::terminate(); };
-    EXPECT_EXIT(std::_Exit(runAlone(withoutException)), ::testing::ExitedWithCode(1), message);
+    EXPECT_EQ(outcome.err.find("rename"), std::string::npos);
+    EXPECT_NE(outcome.err, "");
 }
 
 } // namespace

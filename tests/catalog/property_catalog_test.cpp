@@ -174,19 +174,5 @@ TEST(PropertyCatalog, HasAnId) {
     EXPECT_EQ(propertyCatalogId(), "morq.qc.property_catalog.v9");
 }
 
-TEST(PropertyDocument, IsCurrent) {
-    EXPECT_EQ(readTextFile("docs/properties.md"), renderPropertyDocument())
-        << "docs/properties.md is stale; build the target properties_doc";
-}
-
-TEST(PropertyDocument, ShowsARowWithAllItsNames) {
-    EXPECT_NE(
-        renderPropertyDocument().find(
-            "| `qc.vibration.ir_intensity` | `ir_intensity`, `vibration.ir_intensity` | series | vibrational "
-            "mode | spectral intensity | `km/mol` | vibrations | 2 | Integrated infrared absorption "
-            "intensity of each normal mode. |\n"),
-        std::string::npos);
-}
-
 } // namespace
 } // namespace morquill

@@ -1,6 +1,7 @@
 #include "catalog/property_document.h"
 
 #include "catalog/property_catalog.h"
+#include "support/file.h"
 #include "support/text.h"
 
 #include <gmock/gmock.h>
@@ -37,14 +38,14 @@ TEST(PropertyDocument, HasOneRowOfNineFilledCellsPerPropertyInCatalogOrder) {
         EXPECT_TRUE(rows[i].starts_with("| `" + std::string(property.canonical) + "` | ")) << rows[i];
         EXPECT_TRUE(rows[i].ends_with("| " + std::string(property.description) + " |")) << rows[i];
         const auto cells = splitOn(rows[i], '|');
-        ASSERT_EQ(cells.size(), 11U) << rows[i]; // nothing stands outside the bars
+        ASSERT_EQ(cells.size(), 11U) << rows[i]; // nothing is outside the bars
         for (std::size_t cell = 1; cell < 10; ++cell) {
             EXPECT_FALSE(trim(cells[cell]).empty()) << rows[i];
         }
     }
 }
 
-TEST(PropertyDocument, ADashStandsForWhatAPropertyDoesNotHave) {
+TEST(PropertyDocument, HasADashForWhatAPropertyDoesNotHave) {
     EXPECT_THAT(tableRows(),
                 ::testing::Contains(
                     "| `qc.program` | `program`, `qc.program.name` | text scalar | - | - | - | - | 1 | "
@@ -52,6 +53,20 @@ TEST(PropertyDocument, ADashStandsForWhatAPropertyDoesNotHave) {
     EXPECT_THAT(tableRows(),
                 ::testing::Contains("| `qc.method` | `method` | text scalar | job | - | - | - | 1 | Level of "
                                     "theory of the job, without the basis set. |"));
+}
+
+TEST(PropertyDocument, IsCurrent) {
+    EXPECT_EQ(readTextFile("docs/properties.md"), renderPropertyDocument())
+        << "docs/properties.md is stale; build the target properties_doc";
+}
+
+TEST(PropertyDocument, ShowsARowWithAllItsNames) {
+    EXPECT_NE(
+        renderPropertyDocument().find(
+            "| `qc.vibration.ir_intensity` | `ir_intensity`, `vibration.ir_intensity` | series | vibrational "
+            "mode | spectral intensity | `km/mol` | vibrations | 2 | Integrated infrared absorption "
+            "intensity of each normal mode. |\n"),
+        std::string::npos);
 }
 
 } // namespace

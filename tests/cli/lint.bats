@@ -212,6 +212,38 @@ checked 1 file(s), 1 error(s), 0 warning(s)
     grep -qxF "          \"span\": \"$here/parts/p.mq:2:3-2:12\"" out
 }
 
+@test "a fault that names its line in its message has its place in JSON as well" {
+    printf 'x: 1\n  %%keywords hf\n' >good.mq
+    expect 1 "$here/good.mq: error [parse-error] $here/good.mq:2: task directive appears outside a task block
+checked 1 file(s), 1 error(s), 0 warning(s)
+" "" good.mq
+    expect 1 "$(cat <<TEXT
+{
+  "files": [
+    {
+      "path": "$here/good.mq",
+      "parsed": false,
+      "issues": [
+        {
+          "severity": "error",
+          "code": "parse-error",
+          "message": "$here/good.mq:2: task directive appears outside a task block",
+          "span": "$here/good.mq:2:3-2:15"
+        }
+      ]
+    }
+  ],
+  "summary": {
+    "files": 1,
+    "errors": 1,
+    "warnings": 0,
+    "strict": false
+  }
+}
+TEXT
+)"$'\n' "" --format json good.mq
+}
+
 @test "a file that cannot be parsed does not stop the others" {
     bad >z.mq
     printf '@end\n' >a.mq

@@ -127,3 +127,21 @@ checked 1 file(s), 1 error(s), 0 warning(s) [strict]"
     [ "$status" -eq 1 ]
     [ "$(git rev-list --count --all)" -eq 0 ]
 }
+
+@test "of a project the template is checked, and the cases, which are links, are passed over" {
+    mkdir -p p/m1
+    good >p/p.projmq
+    ln -s ../p.projmq p/m1/m1.mq
+    commits
+    bad >p/p.projmq
+    git add -A
+    run --separate-stderr git commit -q -m x
+    [ "$status" -eq 1 ]
+    [ "$stderr" = "p/p.projmq:2:3: error [missing-source-task] source task does not exist: b
+checked 1 file(s), 1 error(s), 0 warning(s) [strict]
+$refusal" ]
+    git reset -q --hard
+    mkdir p/m2
+    ln -s ../p.projmq p/m2/m2.mq
+    commits
+}

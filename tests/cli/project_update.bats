@@ -240,6 +240,61 @@ $(changes)
     done
 }
 
+# refused <arguments>...: ends with one reason, and nothing has changed.
+refused() {
+    run --separate-stderr "$MQKIT" project "$@" </dev/null
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[0]}" = "[mqkit][ERROR] another mqkit is changing the status files here: $place" ]
+    [ "${stderr_lines[1]}" = "[mqkit][ERROR] $1 failed." ]
+    [ "${#stderr_lines[@]}" -eq 2 ]
+    [ "$(tree)" = "$narrowed" ]
+}
+
+@test "while an update has the status files narrowed, no other one and no rebuild touches them" {
+    before="$(tree)"
+    sibling morquill "$waiting"
+    started project update -n opt --run-comd
+    narrowed="$(tree)"
+    place="$root"
+    refused update -n opt --run-comd
+    refused rebuild -n opt
+    place="$root/m1"
+    refused update --path m1 -n soc --run-comd
+    refused rebuild --path m1/m1.mq -n opt
+    # What only reads is not kept out.
+    "$MQKIT" project update -n opt --run-comd --dry-run
+    "$MQKIT" project exec -n opt -- true
+    stopped TERM
+    [ "$(tree)" = "$before" ]
+    sibling morquill
+    "$MQKIT" project update -n opt --run-comd
+    [ "$(tree)" = "$before" ]
+}
+
+@test "updates of two cases work side by side, a project waits for none of them" {
+    before="$(tree)"
+    sibling morquill 'case $(pwd -P) in */m1) '"$waiting"';; esac'
+    started project update --path m1 -n opt --run-comd
+    "$MQKIT" project update --path m2 -n opt --run-comd
+    narrowed="$(tree)"
+    place="$root"
+    refused update -n opt --run-comd
+    place="$root/m1"
+    refused update --path m1 -n opt --run-comd
+    stopped TERM
+    [ "$(tree)" = "$before" ]
+}
+
+@test "an update that was killed locks nobody out" {
+    sibling morquill "$waiting"
+    started project update -n opt --run-comd
+    kill -KILL "$pid"
+    wait "$pid" || true
+    sibling morquill
+    "$MQKIT" project update -n opt --run-comd
+    kill "$(cat "$RECORD.pid")"
+}
+
 @test "a signal reaches the comd that runs, and no other follows" {
     rm m1/mq.status
     comd m1 opt "$waiting"

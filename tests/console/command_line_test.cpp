@@ -76,7 +76,7 @@ TEST(CommandLine, WordsBeginWhereTheyAreAskedFor) {
     EXPECT_TRUE(wordsFrom(1, argv, 2).empty());
 }
 
-TEST(CommandLine, ARefusalIsOneLineBehindItsTag) {
+TEST(CommandLine, ARefusalIsOneLineAfterItsTag) {
     const auto told = [](const UsageError& error) {
         int status = -1;
         auto text = testing::throughPipe({STDERR_FILENO}, [&] { status = reportUsageError(error); });

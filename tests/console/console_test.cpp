@@ -222,7 +222,7 @@ TEST(Arguments, HelpTokensAreThreeExactWords) {
     }
 }
 
-TEST(Arguments, FlagsAreExactAndStandBehindTheProgramPath) {
+TEST(Arguments, FlagsAreExactAndFollowTheProgramPath) {
     const char* arguments[] = {"--no-color", "x", "--", "--flag"};
     EXPECT_FALSE(isFlagPresent(4, arguments, "--no-color"));
     EXPECT_TRUE(isFlagPresent(4, arguments, "--flag"));

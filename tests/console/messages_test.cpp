@@ -38,8 +38,8 @@ TEST(Messages, EachKindHasItsTag) {
         EXPECT_EQ(tagged(kind, "a b"), std::string(tag) + " a b");
         EXPECT_EQ(out([kind = kind] { printMessage(kind, "a b"); }), std::string(tag) + " a b\n");
     }
-    EXPECT_EQ(stepKind(true), MessageKind::dryRun);
-    EXPECT_EQ(stepKind(false), MessageKind::note);
+    EXPECT_EQ(stepKind(RunMode::dryRun), MessageKind::dryRun);
+    EXPECT_EQ(stepKind(RunMode::apply), MessageKind::note);
 }
 
 TEST(Messages, NotesSkipsAndQuestionsGoToStandardOutput) {

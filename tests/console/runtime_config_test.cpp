@@ -20,7 +20,7 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using testing::ScopedEnv;
 
-/// A directory of its own to stand in, a home, and none of the variables that the tests name.
+/// A test with a working directory and a home of its own, and without the variables that the tests set.
 class RuntimeConfigTest : public ::testing::Test {
   protected:
     RuntimeConfigTest() {
@@ -266,6 +266,24 @@ TEST_F(RuntimeConfigTest, TheRunnerIsLookedForInItsSources) {
     const ScopedEnv env("MORQUILL_MQRUN_PATH", "~/../" + root + "/here/local");
     const ScopedEnv anyHome("HOME", "/");
     EXPECT_EQ(findRunnerProgram({{"MORQUILL_MQRUN_PATH", "runner"}}), "//../" + root + "/here/local");
+}
+
+TEST_F(RuntimeConfigTest, LooksThingsUpForAnotherWorkingDirectory) {
+    const std::string there = root + "/there";
+    fs::create_directories(there + "/tools");
+    fs::create_directories(root + "/here/tools");
+    put("there/some.conf", "A=$MORQUILL_CONFIG_DIR/a\nB=$PWD/b\n");
+    put("there/tools/runner", "", true);
+    put("here/some.conf", "A=here\n");
+    put("here/tools/runner", "", true);
+    EXPECT_THAT(loadConfig("some.conf", there), ElementsAre(Pair("A", "./a"), Pair("B", there + "/b")));
+    EXPECT_EQ(expandPath("${PWD}/x", there), there + "/x");
+    EXPECT_THAT(splitPathList("$PWD:y", there), ElementsAre(there, "y"));
+    EXPECT_EQ(getConfigValue({{"OWN", "$PWD"}}, "OWN", there), there);
+    const ScopedEnv path("PATH", "tools");
+    EXPECT_EQ(findRunnerProgram({{"MORQUILL_MQRUN_PATH", "tools/runner"}}, there), there + "/tools/runner");
+    EXPECT_EQ(findRunnerProgram({{"MORQUILL_MQRUN_PATH", "runner"}}, there), there + "/tools/runner");
+    EXPECT_EQ(findRunnerProgram({{"MORQUILL_MQRUN_PATH", "none"}}, there), "mqrun");
 }
 
 TEST_F(RuntimeConfigTest, ARunnerBesideTheProgramComesBeforeTheBareName) {

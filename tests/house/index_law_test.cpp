@@ -54,7 +54,7 @@ TEST(IndexLaw, TasksAndTheirReferencesAreThoseOfTheParser) {
         if (!standsAlone(text)) {
             continue;
         }
-        taskdsl::TaskParser parser(true, [](const std::string&) {});
+        const taskdsl::TaskParser parser({.legacyMultiSource = true});
         const auto document = parser.parseText(text, "");
         Names tasks;
         for (const auto& task : document.templateTasks) {
@@ -93,7 +93,7 @@ TEST(IndexLaw, TasksAndTheirReferencesAreThoseOfTheParser) {
 TEST(IndexLaw, DefinesAxesPlotsAndDerivesAreThoseOfTheParser) {
     for (const auto& path : exampleFiles()) {
         const auto text = readTextFile(path).value();
-        taskdsl::TaskParser parser(true, [](const std::string&) {});
+        const taskdsl::TaskParser parser({.legacyMultiSource = true});
         const auto document = parser.parseFile(path);
         Names axes;
         for (const auto& axis : document.matrixAxes) {

@@ -1,3 +1,4 @@
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/plot/plot_parser.h"
@@ -63,22 +64,6 @@ TEST(PlotExamples, EachIsACanonicalFixedPointAndEveryKindHasOne) {
         kinds.insert(plot.kind);
     }
     EXPECT_EQ(kinds.size(), std::variant_size_v<PlotData>);
-}
-
-TEST(PlotExamples, TheGuideShowsThemAll) {
-    std::set<std::string> shown;
-    for (const auto& plot : plotsIn(readTextFile("docs/plots.md").value())) {
-        if (plot.indent.size() >= 4) { // a short one in the running text
-            EXPECT_NO_THROW((void)parsed(plot.text)) << plot.text;
-        } else {
-            shown.insert(plot.text);
-        }
-    }
-    std::set<std::string> existing;
-    for (const auto& plot : examples()) {
-        existing.insert(plot.text);
-    }
-    EXPECT_EQ(shown, existing);
 }
 
 } // namespace

@@ -16,7 +16,7 @@ namespace morquill::views {
 namespace {
 
 std::string canonical(const std::string& text) {
-    taskdsl::TaskParser parser(true, [](const std::string&) {});
+    taskdsl::TaskParser parser({.legacyMultiSource = true});
     return renderCanonicalDocument(parser.parseText(text, ""), CanonicalView::sourceView);
 }
 
@@ -66,7 +66,7 @@ TEST(RoundTrip, WhatIsWrittenBesideTheExtraFilesReadsBackAsTheWholeDocument) {
         ASSERT_TRUE(writeTextFile((directory / name).string(), text));
     };
     const auto read = [&] {
-        taskdsl::TaskParser parser(true, [](const std::string&) {});
+        taskdsl::TaskParser parser({.legacyMultiSource = true});
         return parser.parseFile((directory / "t.mq").string());
     };
     write("extra.yaml",
@@ -102,7 +102,7 @@ TEST(RoundTrip, TheExamplesAreStable) {
         if (entry.path().extension() != ".mq") {
             continue;
         }
-        taskdsl::TaskParser parser(true, [](const std::string&) {});
+        taskdsl::TaskParser parser({.legacyMultiSource = true});
         const std::string once =
             renderCanonicalDocument(parser.parseFile(entry.path().string()), CanonicalView::sourceView);
         EXPECT_EQ(canonical(once), once) << entry.path();

@@ -24,7 +24,7 @@ class LintDiscovery : public ::testing::Test {
         fs::create_directories((root / name).parent_path());
         std::ofstream(root / name) << "x";
     }
-    /// What is found, without the root in front.
+    /// The files found, relative to the root.
     [[nodiscard]] std::string find(const std::vector<std::string>& names) const {
         std::vector<std::string> paths;
         for (const auto& name : names) {
@@ -79,12 +79,12 @@ TEST_F(LintDiscovery, FollowsNoLinksInATree) {
     fs::create_symlink(root / "elsewhere/u.mq", root / "tree/u.mq");
     fs::create_symlink(root / "nowhere", root / "tree/dangling.mq");
     EXPECT_EQ(find({"tree"}), "tree/t.mq\n");
-    // A link that was named stands for what it leads to.
+    // A link that was named counts as its target.
     EXPECT_EQ(find({"tree/linked"}), "elsewhere/u.mq\n");
     EXPECT_EQ(find({"tree/u.mq", "tree/dangling.mq"}), "elsewhere/u.mq\n");
 }
 
-TEST_F(LintDiscovery, GoesOnBehindADirectoryThatItCannotOpen) {
+TEST_F(LintDiscovery, ContinuesAfterADirectoryThatItCannotOpen) {
     // Too long a path is what not even the superuser can open.
     const std::string name(250, 'b');
     touch("a/t.mq");

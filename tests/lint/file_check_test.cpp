@@ -1,4 +1,4 @@
-// What a whole file gives, stage by stage. Each rule's own forms are the matter of rules_test.cpp.
+// The checks of a whole file, stage by stage. The forms that each rule finds are in rules_test.cpp.
 
 #include "lint/file_check.h"
 
@@ -45,20 +45,20 @@ TEST(LintAndKeep, KeepsTheDocumentAndReadsThroughTheOverlay) {
     EXPECT_TRUE(linted.report.parsed);
     EXPECT_THAT(linted.report.issues, IsEmpty());
     ASSERT_TRUE(linted.document);
-    EXPECT_EQ(linted.document->templateTasks.size(), 2U);
+    EXPECT_EQ(linted.document->tasks.size(), 2U);
     EXPECT_FALSE(lintAndKeep("%nonsense\n", "t.mq", silent, {}).document);
 }
 
 TEST(AddParseFault, IsTheIssueOfAParserThatStopped) {
     LintFileReport report{"t.mq", {}, false};
-    addParseFault("t.mq:2:3-2:5: error: wrong", report);
+    addParseFault(taskdsl::DiagnosticError({"t.mq", 2, 3, 2, 5}, "wrong"), report);
     ASSERT_EQ(report.issues.size(), 1U);
     EXPECT_EQ(report.issues[0].code, "parse-error");
     EXPECT_EQ(report.issues[0].message, "wrong");
     EXPECT_EQ(report.issues[0].span.line, 2);
 }
 
-TEST(LintText, TheLinesAreCheckedAlsoWhenTheTextDoesNotParse) {
+TEST(LintText, TheLinesAreCheckedEvenWhenTheTextDoesNotParse) {
     const auto report = lintText("$a\n%keywords k\n#INCLUDE old.mq\n%nonsense\n", "t.mq", silent);
     EXPECT_FALSE(report.parsed);
     EXPECT_THAT(codesOf(report), ElementsAre("legacy-hash-include", "parse-error"));
@@ -75,7 +75,7 @@ TEST(LintText, OnlyAFileOfVersionOneIsReadWithTheToleranceOfItsTime) {
     EXPECT_FALSE(lintText(text, "t.mq", silent).parsed);
 }
 
-TEST(LintText, ConditionsAreHeldAgainstTheTasksOfTheFile) {
+TEST(LintText, ConditionsAreComparedWithTheTasksOfTheFile) {
     EXPECT_THAT(codesFor("%when completed b\n"), IsEmpty());
     EXPECT_THAT(codesFor("%when completed [ab]\n"), IsEmpty());
     EXPECT_THAT(codesFor("%when completed z\n"), ElementsAre("missing-completed-target"));
@@ -103,7 +103,7 @@ TEST(LintText, WarningsOfTheParserGoToTheSink) {
 TEST(LintFile, WhatCannotBeReadIsAnIssue) {
     const TemporaryDirectory dir;
     for (const auto& path : {dir.path("missing.mq"), dir.root()}) {
-        const auto report = lintFile(path);
+        const auto report = lintFile(path, silent);
         EXPECT_EQ(report.path, path);
         EXPECT_FALSE(report.parsed);
         ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
@@ -117,20 +117,43 @@ TEST(LintFile, AFaultInAnIncludedFileNamesThatFile) {
     const TemporaryDirectory dir;
     const auto inner = dir.write("inner.mq", "$b\n%nonsense\n");
     const auto outer = dir.write("outer.mq", "$a\n%keywords k\n&INCLUDE inner.mq\n");
-    const auto report = lintFile(outer);
+    const auto report = lintFile(outer, silent);
     EXPECT_EQ(report.path, outer);
     ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
     EXPECT_EQ(report.issues[0].file, inner);
     EXPECT_EQ(report.issues[0].span.line, 2);
 }
 
-TEST(LintFile, AnyBytesGiveAReport) {
+TEST(LintFile, AFaultThatNamesItsLineInTheMessageHasItsPlaceAsWell) {
+    const TemporaryDirectory dir;
+    const auto library = dir.write("l.mqlib", "\n  nonsense\n");
+    const auto path = dir.write("t.mq", "&INCLUDE l.mqlib as l\n$a\n%keywords k\n");
+    const auto report = lintFile(path, silent);
+    ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
+    const LintIssue& issue = report.issues[0];
+    EXPECT_EQ(issue.file, path);
+    EXPECT_EQ(issue.message, library + ":2: expected &FRAGMENT declaration");
+    EXPECT_EQ(formatSpan(issue.span), library + ":2:3-2:11");
+    EXPECT_TRUE(issue.messageNamesPlace);
+}
+
+TEST(LintText, TheMessageOfAFaultIsTakenFromTheFault) {
+    // A text that looks like another fault stays what it is: quoted input.
+    const auto report = lintText("$a\n%u.mq:1:2:error:x\n", "t.mq", silent);
+    ASSERT_THAT(codesOf(report), ElementsAre("parse-error"));
+    EXPECT_EQ(report.issues[0].file, "t.mq");
+    EXPECT_EQ(formatSpan(report.issues[0].span), "t.mq:2:1-2:18");
+    EXPECT_EQ(report.issues[0].message, "task 'a' contains unknown directive '%u.mq:1:2:error:x'");
+    EXPECT_FALSE(report.issues[0].messageNamesPlace);
+}
+
+TEST(LintFile, AnyBytesAreReportedOn) {
     const TemporaryDirectory dir;
     std::string bytes;
     for (int i = 0; i < 4096; ++i) {
         bytes += static_cast<char>(i * 31 % 256);
     }
-    const auto report = lintFile(dir.write("t.mq", bytes));
+    const auto report = lintFile(dir.write("t.mq", bytes), silent);
     EXPECT_EQ(report.path, dir.path("t.mq"));
 }
 

@@ -1,4 +1,4 @@
-// The arguments and the exit status. What a run prints as a whole is the matter of the command-line tests.
+// The arguments and the exit status. The command-line tests compare the whole output.
 
 #include "lint/lint.h"
 
@@ -19,11 +19,9 @@ class Lint : public ScratchTree {
         write("wrong.mq", "%nonsense\n$a\n%nonsense\n");
     }
 
-    Output lint(std::initializer_list<std::string> words) {
-        std::vector<std::string> all{"/opt/mqkit", "lint"};
-        all.insert(all.end(), words);
-        Arguments arguments(std::move(all));
-        return run("", [&] { return runLint(arguments.argc(), arguments.argv()); });
+    Output lint(std::vector<std::string> words) {
+        words.insert(words.begin(), {"/opt/mqkit", "lint"});
+        return runCommand(runLint, std::move(words));
     }
 };
 
@@ -36,7 +34,7 @@ TEST_F(Lint, TheStatusSaysWhetherSomethingCountsAsAnError) {
     EXPECT_EQ(lint({"sound.mq", "wrong.mq"}).status, 1);
 }
 
-TEST_F(Lint, WithoutAPathItChecksTheDirectoryThatItStandsIn) {
+TEST_F(Lint, WithoutAPathItChecksTheCurrentDirectory) {
     const auto output = lint({"--quiet"});
     EXPECT_EQ(output.status, 1);
     EXPECT_THAT(output.out, StartsWith("checked 3 file(s), 1 error(s), "));
@@ -70,10 +68,7 @@ TEST_F(Lint, WhatItDoesNotKnowIsRefusedWithTheUsage) {
         {{"-x", "sound.mq"}, "unknown argument: -x\n"},
     };
     for (const auto& [words, error] : rows) {
-        std::vector<std::string> all{"mqkit", "lint"};
-        all.insert(all.end(), words.begin(), words.end());
-        Arguments arguments(all);
-        const auto output = run("", [&] { return runLint(arguments.argc(), arguments.argv()); });
+        const auto output = lint(words);
         EXPECT_EQ(output.status, 1) << error;
         EXPECT_EQ(output.err, error);
         EXPECT_THAT(output.out,
@@ -81,7 +76,7 @@ TEST_F(Lint, WhatItDoesNotKnowIsRefusedWithTheUsage) {
     }
 }
 
-TEST_F(Lint, HelpIsThatOfTheCommandInFrontAndOfTheDriverBehindOtherArguments) {
+TEST_F(Lint, HelpIsThatOfTheCommandFirstAndOfTheDriverAfterOtherArguments) {
     for (const char* token : {"help", "-h", "--help"}) {
         const auto output = lint({token, "--nonsense"});
         EXPECT_EQ(output.status, 0) << token;

@@ -42,6 +42,17 @@ TEST(LintText, IsOneLinePerIssueAndTheSum) {
               "no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n");
 }
 
+TEST(LintText, APlaceThatTheMessageNamesIsNotRepeated) {
+    const std::vector<LintFileReport> one{
+        {"a.mq",
+         {{LintSeverity::error, "a.mq", {"l.mqlib", 2, 1, 2, 9}, "parse-error", "l.mqlib:2: bad", true}},
+         false}};
+    const auto summary = summariseLint(one, false);
+    EXPECT_EQ(renderLintText(one, summary, false), "a.mq: error [parse-error] l.mqlib:2: bad\n"
+                                                   "checked 1 file(s), 1 error(s), 0 warning(s)\n");
+    EXPECT_NE(renderLintJson(one, summary).find("\"span\": \"l.mqlib:2:1-2:9\"\n"), std::string::npos);
+}
+
 TEST(LintJson, HoldsTheWholeResult) {
     const auto all = reports();
     EXPECT_EQ(renderLintJson(all, summariseLint(all, false)), R"({

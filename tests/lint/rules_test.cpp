@@ -71,7 +71,8 @@ TEST(LintRules, LookAtTheFile) {
         {"$a\n%foo\n", "E 2:1-2:5 parse-error | task 'a' contains unknown directive '%foo'\n"},
         {"define:\n  source: x\n" + a,
          "E - parse-error | define key 'source' is reserved for runtime %source placeholders\n"},
-        {"$a\n%control\ntotgpu 1\n%foo\n", // what the lines hold is told although the file does not parse
+        {"$a\n%control\ntotgpu 1\n%foo\n", // issues of the lines are reported although the file does not
+                                           // parse
          "W 3:1-3:7 legacy-control-gpu-alias | %control totgpu is legacy; use gpus\n"
          "E 4:1-4:5 parse-error | task 'a' contains unknown directive '%foo'\n"},
         {"dsl_version: 3\n" + a, "W - unknown-dsl-version | unexpected dsl_version '3'\n"},
@@ -257,7 +258,7 @@ TEST(LintRules, CheckWhatIsWrittenAndNotWhatTheMatrixMakesOfIt) {
     expectIssues({{"matrix:\n  basis: sto-3g, 6-31g\n" + a + b + "%source a\n%when completed a\n", ""}});
 }
 
-TEST(LintFile, SurvivesAnything) {
+TEST(LintRules, SurviveAnyText) {
     EXPECT_EQ(lint("$a\n%when " + std::string(1u << 17u, '(') + "\n"),
               "E 1:1-1:3 missing-keywords | keywords are not set\n");
     EXPECT_EQ(lint(a + "%extrainput " + std::string(1u << 17u, '{') + "\n%keywords " +
@@ -273,17 +274,6 @@ TEST(LintFile, SurvivesAnything) {
     EXPECT_EQ(lint(a + "%when " + nested + "\n"),
               "E - parse-error | %when condition nests groups more than " +
                   std::to_string(taskdsl::maxWhenNesting) + " levels deep\n");
-}
-
-TEST(LintFile, TellsOfAFileThatIsNotThere) {
-    const auto report = lintFile("no/such/file.mq");
-    ASSERT_EQ(report.issues.size(), 1u);
-    EXPECT_EQ(report.path, "no/such/file.mq");
-    EXPECT_FALSE(report.parsed);
-    EXPECT_EQ(report.issues[0].code, "parse-error");
-    EXPECT_EQ(report.issues[0].file, "no/such/file.mq");
-    EXPECT_EQ(report.issues[0].message, "could not open file: no/such/file.mq");
-    EXPECT_FALSE(isValidSpan(report.issues[0].span));
 }
 
 } // namespace

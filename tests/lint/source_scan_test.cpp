@@ -64,7 +64,7 @@ TEST(LintScan, FindsIncludesOfTheOldForm) {
     EXPECT_EQ(scan("#INCLUDE x.mq\n \t#Include\n#includes"),
               "1:1-1:9" + message + "2:3-2:11" + message + "3:1-3:9" + message);
     EXPECT_EQ(scan("# include x\n#includ\n##include\ntext #INCLUDE x\n&INCLUDE x"), "");
-    // It is no statement: the block goes on behind it.
+    // It is not a statement: the block continues after it.
     EXPECT_EQ(scan("%control\n#INCLUDE x\ntotgpu 1\n"),
               "2:1-2:9" + message + "3:1-3:7 %control totgpu is legacy; use gpus\n");
 }

@@ -36,7 +36,7 @@ using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Not;
 
-TEST(Completion, ofDirectivesPutsThoseOfTheProgramFirst) {
+TEST(Completion, OfDirectivesPutsThoseOfTheProgramFirst) {
     const Json items = itemsAt("$a\n  %program xtb\n  %|\n");
     EXPECT_THAT(labels(items), IsSupersetOf({"source", "args", "keywords", "when"}));
     for (const Json& item : items) {
@@ -47,12 +47,12 @@ TEST(Completion, ofDirectivesPutsThoseOfTheProgramFirst) {
     }
 }
 
-TEST(Completion, replacesTheWordThatWasBegun) {
+TEST(Completion, ReplacesTheWordThatWasBegun) {
     const Json items = itemsAt("$a\n  %key|\n");
     EXPECT_EQ(LspClient::rangeText(items[0]["textEdit"]["range"]), "1:3-1:6");
 }
 
-TEST(Completion, ofTasks) {
+TEST(Completion, OfTasks) {
     const std::string text = "$opt\n$freq-2\n";
     EXPECT_THAT(labels(itemsAt(text + "$x\n  %source |\n")),
                 ElementsAre("origin", "restart", "xyz", "opt", "freq-2", "x"));
@@ -67,7 +67,7 @@ TEST(Completion, ofTasks) {
     EXPECT_THAT(labels(itemsAt(text + "@derive d\n  let g = abs(|\n@end\n")), Not(Contains("opt")));
 }
 
-TEST(Completion, ofKeys) {
+TEST(Completion, OfKeys) {
     EXPECT_THAT(
         labels(itemsAt(
             "ions:\n  - name: cl\ndefine:\n  d: 1\nmatrix:\n  f: a, b\n@foreach ions\n$a_[|\n@end\n")),
@@ -77,7 +77,7 @@ TEST(Completion, ofKeys) {
         ElementsAre("m", "b"));
 }
 
-TEST(Completion, ofWordsByPlace) {
+TEST(Completion, OfWordsByPlace) {
     EXPECT_THAT(labels(itemsAt("$a\n  %program |\n")), IsSupersetOf({"orca", "script"}));
     EXPECT_THAT(labels(itemsAt("$a\n  %control\n    |\n")), IsSupersetOf({"totcore", "guess"}));
     EXPECT_THAT(labels(itemsAt("$a\n  %when |\n")), IsSupersetOf({"completed", "defined"}));
@@ -90,7 +90,7 @@ TEST(Completion, ofWordsByPlace) {
     EXPECT_THAT(labels(itemsAt("|\n")), IsEmpty());
 }
 
-TEST(Completion, ofIncludes) {
+TEST(Completion, OfIncludes) {
     const TemporaryDirectory directory;
     directory.write("l.mqlib", "&FRAGMENT task_body opt(m, b=x)\n&FRAGMENT control c\n");
     directory.write("sub/x.mq", "$x\n");
@@ -106,7 +106,7 @@ TEST(Completion, ofIncludes) {
               "lib.opt(m=${1}, b=${2})");
 }
 
-TEST(Completion, signatureOfACall) {
+TEST(Completion, SignatureOfACall) {
     const auto signature = [](const std::string& expression) {
         const std::string text = "@derive d\n  let g = " + expression + "\n@end\n";
         LspClient client;

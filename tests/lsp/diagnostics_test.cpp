@@ -9,7 +9,7 @@ using namespace morquill::lsp;
 using morquill::TemporaryDirectory;
 using Lines = std::vector<std::string>;
 
-TEST(Diagnostics, areLintsAndTheParsersWarnings) {
+TEST(Diagnostics, AreLintsAndTheParsersWarnings) {
     LspClient client;
     client.open("file:///nowhere/a.mq", "$opt\n"
                                         "  %source gone\n"
@@ -23,7 +23,7 @@ TEST(Diagnostics, areLintsAndTheParsersWarnings) {
                "0:0-0:4 W parser-warning: task 'opt' uses legacy %control totgpu; use %control gpus."}));
 }
 
-TEST(Diagnostics, areClearedOnClose) {
+TEST(Diagnostics, AreClearedOnClose) {
     LspClient client;
     client.open("file:///nowhere/a.mq", "$opt\n");
     EXPECT_EQ(client.takeDiagnostics("file:///nowhere/a.mq"),
@@ -34,7 +34,7 @@ TEST(Diagnostics, areClearedOnClose) {
     EXPECT_TRUE(messages[0]["params"]["diagnostics"].empty());
 }
 
-TEST(Diagnostics, followTheText) {
+TEST(Diagnostics, FollowTheText) {
     LspClient client;
     client.open("untitled:1", "$opt\n");
     EXPECT_EQ(client.takeDiagnostics("untitled:1").size(), 1U);
@@ -47,7 +47,7 @@ TEST(Diagnostics, followTheText) {
     EXPECT_TRUE(messages[0]["params"]["diagnostics"].empty());
 }
 
-TEST(Diagnostics, aTextIsReadOncePerVersion) {
+TEST(Diagnostics, ATextIsReadOncePerVersion) {
     LspClient client;
     client.open("untitled:1", "$opt\n");
     client.idle();
@@ -57,7 +57,7 @@ TEST(Diagnostics, aTextIsReadOncePerVersion) {
     EXPECT_EQ(client.server.session().analyses.count(), 1U);
 }
 
-TEST(Diagnostics, arePulledWhereTheClientAsks) {
+TEST(Diagnostics, ArePulledWhereTheClientAsks) {
     LspClient client(LspClient::initialized, {{"textDocument", {{"diagnostic", Json::object()}}}});
     client.open("untitled:1", "$opt\n");
     client.idle();
@@ -68,7 +68,7 @@ TEST(Diagnostics, arePulledWhereTheClientAsks) {
               (Lines{"0:0-0:4 E missing-keywords: keywords are not set"}));
 }
 
-TEST(Diagnostics, aFaultOfAnIncludeIsShownInBothFiles) {
+TEST(Diagnostics, AFaultOfAnIncludeIsShownInBothFiles) {
     const TemporaryDirectory directory;
     directory.write("inner.mq", "$a\n  %keywords hf\n  %nonsense x\n");
     const auto outer = uriOfPath(directory.path("outer.mq"));
@@ -94,7 +94,7 @@ TEST(Diagnostics, aFaultOfAnIncludeIsShownInBothFiles) {
     EXPECT_EQ(shown, (std::map<std::string, Lines>{{inner, {}}, {outer, {}}}));
 }
 
-TEST(Diagnostics, aLibraryIsReadAsALibrary) {
+TEST(Diagnostics, ALibraryIsReadAsALibrary) {
     LspClient client;
     client.open("file:///nowhere/a.mqlib", "&FRAGMENT task_body opt(method)\n  %keywords [method]\n");
     EXPECT_EQ(client.takeDiagnostics("file:///nowhere/a.mqlib"), Lines{});
@@ -105,7 +105,7 @@ TEST(Diagnostics, aLibraryIsReadAsALibrary) {
                      "fragment"}));
 }
 
-TEST(Diagnostics, countInTheUnitOfTheClient) {
+TEST(Diagnostics, CountInTheUnitOfTheClient) {
     const std::string text = "$\xf0\x9d\x84\x9e\n"; // G clef: two units of UTF-16, four bytes
     LspClient client;
     client.open("untitled:1", text);
@@ -115,7 +115,7 @@ TEST(Diagnostics, countInTheUnitOfTheClient) {
     EXPECT_EQ(bytes.takeDiagnostics("untitled:1")[0].substr(0, 7), "0:0-0:5");
 }
 
-TEST(Diagnostics, anyBytesAreAnswered) {
+TEST(Diagnostics, AnyBytesAreAnswered) {
     LspClient client;
     client.open("untitled:1", std::string(1000000, 'x'));
     client.idle();

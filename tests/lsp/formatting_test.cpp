@@ -36,19 +36,19 @@ std::string aligned(const std::string& text, int first, int last) {
     return edited(text, client.request("textDocument/rangeFormatting", params));
 }
 
-TEST(Formatting, writesTheCanonicalText) {
+TEST(Formatting, WritesTheCanonicalText) {
     EXPECT_EQ(formatted("$a\n%keywords hf\n$b\n%source a\n%keywords   'b3lyp opt'\n"),
               "dsl_version: 2\n\n$a\n  %source origin\n  %keywords hf\n\n$b\n  %source a\n  %keywords "
               "\"b3lyp opt\"\n");
 }
 
-TEST(Formatting, leavesACanonicalTextAlone) {
+TEST(Formatting, LeavesACanonicalTextAlone) {
     LspClient client;
     client.open(uri, "dsl_version: 2\n\n$a\n  %source origin\n  %keywords hf\n");
     EXPECT_TRUE(client.request("textDocument/formatting", LspClient::document(uri)).empty());
 }
 
-TEST(Formatting, refusesWhatItWouldDrop) {
+TEST(Formatting, RefusesWhatItWouldDrop) {
     EXPECT_EQ(formatted("# why\n$a\n"), "! formatting would lose: comments");
     EXPECT_EQ(formatted("c: [1, 2]\n@foreach c\n$a_[c.value]\n@end\n"),
               "! formatting would lose: @foreach loops, collections");
@@ -57,13 +57,13 @@ TEST(Formatting, refusesWhatItWouldDrop) {
               "! formatting would lose: task 'a' does not read back: it is written without alert false");
 }
 
-TEST(Formatting, refusesATextWithAFault) {
+TEST(Formatting, RefusesATextWithAFault) {
     EXPECT_EQ(formatted("$a\n  %nonsense\n"), "! task 'a' contains unknown directive '%nonsense'");
     EXPECT_EQ(formatted("dsl_version: 1\n$a\n$b\n$c\n  %source a,b\n").substr(0, 23),
               "! task 'c' uses removed");
 }
 
-TEST(Formatting, ofARangeMovesBlanksAlone) {
+TEST(Formatting, OfARangeMovesBlanksAlone) {
     const std::string text =
         "$a\n      %keywords hf\n%control # c\n  totcore 4\n        guess true\n\n\n\n  $b\n";
     EXPECT_EQ(aligned(text, 0, 9),
@@ -72,7 +72,7 @@ TEST(Formatting, ofARangeMovesBlanksAlone) {
               "$a\n      %keywords hf\n%control # c\n    totcore 4\n        guess true\n\n\n\n  $b\n");
 }
 
-TEST(Formatting, ofARangeKeepsBlanksThatCount) {
+TEST(Formatting, OfARangeKeepsBlanksThatCount) {
     const std::string text =
         "define:\n    x: 1\n$a\n  %body << EOF\n\n\n    text\nEOF\n  %extrainput\n        %x\n";
     EXPECT_EQ(aligned(text, 0, 8), text);

@@ -34,7 +34,7 @@ std::set<std::string> captured(const std::string& page, const std::string& patte
     return found;
 }
 
-TEST(HelpTable, hasEveryCodeOfLint) {
+TEST(HelpTable, HasEveryCodeOfLint) {
     std::set<std::string> codes;
     for (const auto& rule : morquill::lint::lintRules()) {
         codes.insert(std::string(rule.code));
@@ -42,7 +42,7 @@ TEST(HelpTable, hasEveryCodeOfLint) {
     EXPECT_EQ(words(HelpTopic::lintCode), codes);
 }
 
-TEST(HelpTable, hasEveryDirectiveOfTheParserAndTheDocs) {
+TEST(HelpTable, HasEveryDirectiveOfTheParserAndTheDocs) {
     for (const auto& word : words(HelpTopic::directive)) {
         EXPECT_NE(morquill::taskdsl::findDirective(word), nullptr) << word;
     }
@@ -51,7 +51,7 @@ TEST(HelpTable, hasEveryDirectiveOfTheParserAndTheDocs) {
     }
 }
 
-TEST(HelpTable, hasEveryProgram) {
+TEST(HelpTable, HasEveryProgram) {
     using morquill::taskdsl::TaskProgram;
     std::set<std::string> programs;
     for (int i = 0; i <= static_cast<int>(TaskProgram::script); ++i) {
@@ -60,7 +60,7 @@ TEST(HelpTable, hasEveryProgram) {
     EXPECT_EQ(words(HelpTopic::program), programs);
 }
 
-TEST(HelpTable, hasThePlotsAndStatementsOfTheDocs) {
+TEST(HelpTable, HasThePlotsAndStatementsOfTheDocs) {
     EXPECT_EQ(words(HelpTopic::plotKind), captured("plots.md", "\n## [^\n]*: `([a-z]+)`\n"));
     const auto statements = words(HelpTopic::plotStatement);
     for (const auto& word : captured("plots.md", "\n\\| `([a-z]+)[ :`]")) {
@@ -72,7 +72,7 @@ TEST(HelpTable, hasThePlotsAndStatementsOfTheDocs) {
     }
 }
 
-TEST(HelpTable, findsWordsInAnyCase) {
+TEST(HelpTable, FindsWordsInAnyCase) {
     EXPECT_EQ(findHelp(HelpTopic::directive, "SOURCE")->word, "source");
     EXPECT_EQ(findHelp(HelpTopic::directive, "totcore"), nullptr);
     EXPECT_EQ(topicTitle(HelpTopic::lintCode), "Codes of lint");

@@ -14,7 +14,7 @@ Json wholeText() {
     return params;
 }
 
-TEST(Hints, countVariants) {
+TEST(Hints, CountVariants) {
     LspClient client;
     client.open(uri, "matrix:\n  f: a, b\n  g: c, d\n$opt # [f]\n  %keywords [f]\n");
     const Json hints = client.request("textDocument/inlayHint", wholeText());
@@ -25,7 +25,7 @@ TEST(Hints, countVariants) {
     EXPECT_TRUE(client.request("textDocument/inlayHint", wholeText()).empty());
 }
 
-TEST(Hints, sayWhoUsesATask) {
+TEST(Hints, SayWhoUsesATask) {
     LspClient client;
     client.open(uri,
                 "$a\n$b\n  %source a\n  %when completed a\n@derive d\n  let g = energy(a)\n  emit g\n@end\n");
@@ -35,7 +35,7 @@ TEST(Hints, sayWhoUsesATask) {
     EXPECT_EQ(LspClient::rangeText(lenses[0]["range"]), "0:1-0:2");
 }
 
-TEST(Hints, nameAFewUsers) {
+TEST(Hints, NameAFewUsers) {
     std::string text = "$a\n";
     for (int i = 0; i < 8; ++i) {
         text += "$b" + std::to_string(i) + "\n  %source a\n";

@@ -20,7 +20,7 @@ std::string hoverAt(const std::string& text, std::string_view before) {
     return answer.is_null() ? "-" : answer["contents"]["value"].get<std::string>();
 }
 
-TEST(Hover, ofWords) {
+TEST(Hover, OfWords) {
     const std::string text =
         "$a\n  %keywords hf\n  %control\n    totcore 4\n  %program orca\n  %plot spectrum s\n    x energy\n";
     EXPECT_EQ(hoverAt(text, "  %key"),
@@ -36,21 +36,21 @@ TEST(Hover, ofWords) {
     EXPECT_EQ(hoverAt("&INCLUDE x.mq\n", "&IN").substr(0, 10), "`&INCLUDE ");
 }
 
-TEST(Hover, ofATaskIsItsCanonicalText) {
+TEST(Hover, OfATaskIsItsCanonicalText) {
     EXPECT_EQ(hoverAt("$a\n%keywords   'b c'\n$b\n  %source a\n  %keywords hf\n", "%source "),
               "````mq\n$a\n  %source origin\n  %keywords \"b c\"\n````");
     EXPECT_EQ(hoverAt("matrix:\n  f: x, y\n  g: 1, 2, 3\n$a\n  %keywords [f]\n", "$"),
               "````mq\n$a\n  %source origin\n  %keywords [f]\n````\n\nThe matrix makes 6 variants.");
 }
 
-TEST(Hover, ofAKeyIsItsValues) {
+TEST(Hover, OfAKeyIsItsValues) {
     EXPECT_EQ(hoverAt("define:\n  d: \"1 2\" # c\nmatrix:\n  f: x, y\n$a_[f]_[d]\n  %keywords hf\n", "$a_["),
               "Axis `f`: `x, y`");
     EXPECT_EQ(hoverAt("define:\n  d: \"1 2\" # c\nmatrix:\n  f: x, y\n$a_[f]_[d]\n  %keywords hf\n", "]_["),
               "Define `d`: `\"1 2\"`");
 }
 
-TEST(Hover, ofFunctionsPropertiesAndNames) {
+TEST(Hover, OfFunctionsPropertiesAndNames) {
     const std::string text = "@derive d\n  let g = energy(a) + scf_energy\n  emit e = g\n@end\n$a\n";
     EXPECT_EQ(hoverAt(text, "let g = en"), "`energy(task)`\n\nThe energy of a task, in hartree.");
     EXPECT_EQ(hoverAt(text, "emit e = "), "````mq\nlet g = energy(a) + scf_energy\n````");
@@ -60,18 +60,18 @@ TEST(Hover, ofFunctionsPropertiesAndNames) {
     EXPECT_EQ(propertyHelp("no such thing"), "");
 }
 
-TEST(Hover, ofAConditionIsWhatWasUnderstood) {
+TEST(Hover, OfAConditionIsWhatWasUnderstood) {
     EXPECT_EQ(hoverAt("$a\n  %when completed b and (defined c or {{ b.e }}==1)\n$b\n", "completed b an"),
               "Both sides hold; binds stronger than or.\n\nUnderstood as `completed b and (defined c or {{ "
               "b.e }} = 1)`");
 }
 
-TEST(Hover, ofAnIssueIsWhatItsCodeMeans) {
+TEST(Hover, OfAnIssueIsWhatItsCodeMeans) {
     EXPECT_EQ(hoverAt("$a\n  %source b\n  %keywords hf\n", "%source "),
               "`missing-source-task`: %source names no task.");
 }
 
-TEST(Hover, countsVariants) {
+TEST(Hover, CountsVariants) {
     morquill::taskdsl::TaskDocument document;
     EXPECT_EQ(variantCount(document), 1U);
     document.matrixAxes.push_back({"a", std::vector<std::string>(100000, "x"), {}, {}});

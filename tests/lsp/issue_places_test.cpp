@@ -24,23 +24,23 @@ struct IssuePlacesTest : testing::Test {
     TextStore store;
 };
 
-TEST_F(IssuePlacesTest, aMessageMayNameItsLine) {
+TEST_F(IssuePlacesTest, AMessageMayNameItsLine) {
     EXPECT_EQ(shown("one\n  two  \nthree\n", "/d/a.mq:2: wrong"), "two | wrong");
     EXPECT_EQ(shown("one\n", "<memory>:1: wrong"), "one | wrong");
     EXPECT_EQ(shown("one\n", "/d/a.mq:99: wrong"), " | wrong");
 }
 
-TEST_F(IssuePlacesTest, aMessageMayNameItsTask) {
+TEST_F(IssuePlacesTest, AMessageMayNameItsTask) {
     EXPECT_EQ(shown("\n$a\n  $b # c\n", "task 'b' is wrong"), "$b # c | task 'b' is wrong");
 }
 
-TEST_F(IssuePlacesTest, aMessageMayNameAnotherFile) {
+TEST_F(IssuePlacesTest, AMessageMayNameAnotherFile) {
     EXPECT_EQ(shown("$a\n&INCLUDE x.mq\n&INCLUDE \"b.mq\" # c\n", "/d/b.mq:7: wrong"),
               "&INCLUDE \"b.mq\" # c -> /d/b.mq | wrong");
     EXPECT_EQ(shown("$a\n&INCLUDE x.mq\n", "/d/b.mq:7: wrong"), "&INCLUDE x.mq -> /d/b.mq | wrong");
 }
 
-TEST_F(IssuePlacesTest, whatAFragmentBringsIsAtFaultThere) {
+TEST_F(IssuePlacesTest, WhatAFragmentBringsIsAtFaultThere) {
     const std::string content = "$a\n&INCLUDE \"b.mqfrag\"\n";
     const auto& text = store.open("file:///d/a.mq", 1, content);
     const auto place = placeOfIssue({LintSeverity::warning,
@@ -53,12 +53,12 @@ TEST_F(IssuePlacesTest, whatAFragmentBringsIsAtFaultThere) {
     EXPECT_EQ(content.substr(place.range.begin, place.range.size()), "&INCLUDE \"b.mqfrag\"");
 }
 
-TEST_F(IssuePlacesTest, aMessageWithoutAPlaceIsAtTheFirstLine) {
+TEST_F(IssuePlacesTest, AMessageWithoutAPlaceIsAtTheFirstLine) {
     EXPECT_EQ(shown("  one\ntwo\n", "wrong: no"), "one | wrong: no");
     EXPECT_EQ(shown("", "wrong"), " | wrong");
 }
 
-TEST_F(IssuePlacesTest, warningsAreAtTheirTaskOrInclude) {
+TEST_F(IssuePlacesTest, WarningsAreAtTheirTaskOrInclude) {
     EXPECT_EQ(warned("$a\n$b\n", "task 'b' is doubtful"), "$b");
     EXPECT_EQ(warned("$a\n&INCLUDE b.mq\n", "Warning: Included task file not found: /d/b.mq"),
               "&INCLUDE b.mq");
@@ -67,7 +67,7 @@ TEST_F(IssuePlacesTest, warningsAreAtTheirTaskOrInclude) {
     EXPECT_EQ(warningMessage("x"), "x");
 }
 
-TEST_F(IssuePlacesTest, theNameThatIsMeantIsMarked) {
+TEST_F(IssuePlacesTest, TheNameThatIsMeantIsMarked) {
     const Workspace workspace;
     SourceFiles sources(store, workspace);
     const std::string content = "$a\n  %source b b\n  %control\n    guess c\n  %nonsense nonsense\n";

@@ -4,7 +4,7 @@ namespace {
 
 using namespace morquill::lsp;
 
-TEST(Messages, areJsonRpc) {
+TEST(Messages, AreJsonRpc) {
     EXPECT_EQ(responseText(7, {{"a", 1}}), R"({"id":7,"jsonrpc":"2.0","result":{"a":1}})");
     EXPECT_EQ(responseText("x", nullptr), R"({"id":"x","jsonrpc":"2.0","result":null})");
     EXPECT_EQ(errorText(nullptr, ErrorCode::parseError, "no JSON"),

@@ -6,7 +6,7 @@ namespace {
 
 using namespace morquill::lsp;
 
-TEST(MethodTable, everyMethodHasOneRow) {
+TEST(MethodTable, EveryMethodHasOneRow) {
     std::set<std::string_view> methods;
     for (const auto& row : requestTable()) {
         EXPECT_TRUE(methods.insert(row.method).second) << row.method;
@@ -20,13 +20,13 @@ TEST(MethodTable, everyMethodHasOneRow) {
     EXPECT_EQ(findNotification("textDocument/diagnostic"), nullptr);
 }
 
-TEST(MethodTable, optionsAreJson) {
+TEST(MethodTable, OptionsAreJson) {
     for (const auto& row : requestTable()) {
         EXPECT_TRUE(parseJson(row.options)) << row.method;
     }
 }
 
-TEST(MethodTable, whatIsAnsweredIsOffered) {
+TEST(MethodTable, WhatIsAnsweredIsOffered) {
     const auto offered = serverCapabilities({});
     for (const auto& row : requestTable()) {
         if (!row.capability.empty()) {

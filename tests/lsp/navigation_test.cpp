@@ -23,7 +23,7 @@ std::string print(const Json& list) {
     return printed;
 }
 
-TEST(Navigation, goesToTheDefinition) {
+TEST(Navigation, GoesToTheDefinition) {
     LspClient client;
     client.open(uri, text);
     EXPECT_EQ(print(client.request("textDocument/definition", LspClient::at(uri, 3, 11))), "0:1-0:4 ");
@@ -34,7 +34,7 @@ TEST(Navigation, goesToTheDefinition) {
     EXPECT_EQ(client.requestError("textDocument/definition", LspClient::document(uri)), -32602);
 }
 
-TEST(Navigation, findsReferencesWithAndWithoutTheDefinition) {
+TEST(Navigation, FindsReferencesWithAndWithoutTheDefinition) {
     LspClient client;
     client.open(uri, text);
     Json params = LspClient::at(uri, 0, 2);
@@ -43,14 +43,14 @@ TEST(Navigation, findsReferencesWithAndWithoutTheDefinition) {
     EXPECT_EQ(print(client.request("textDocument/references", params)), "0:1-0:4 3:10-3:13 ");
 }
 
-TEST(Navigation, highlightsWritesAndReads) {
+TEST(Navigation, HighlightsWritesAndReads) {
     LspClient client;
     client.open(uri, text);
     EXPECT_EQ(print(client.request("textDocument/documentHighlight", LspClient::at(uri, 3, 10))),
               "0:1-0:4(3) 3:10-3:13(2) ");
 }
 
-TEST(Navigation, goesToAFile) {
+TEST(Navigation, GoesToAFile) {
     const TemporaryDirectory directory;
     directory.write("l.mqlib", "&FRAGMENT task_body opt\n");
     const auto file = uriOfPath(directory.path("a.mq"));

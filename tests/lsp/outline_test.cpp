@@ -39,7 +39,7 @@ std::string print(const Json& symbols, int depth = 0) {
     return printed;
 }
 
-TEST(Outline, showsTheBlocks) {
+TEST(Outline, ShowsTheBlocks) {
     LspClient client(LspClient::initialized, nested);
     client.open(uri, text);
     EXPECT_EQ(print(client.request("textDocument/documentSymbol", LspClient::document(uri))),
@@ -56,7 +56,7 @@ TEST(Outline, showsTheBlocks) {
               "  g 13 13:6-13:7\n");
 }
 
-TEST(Outline, isFlatForClientsThatTakeNoTree) {
+TEST(Outline, IsFlatForClientsThatTakeNoTree) {
     LspClient client;
     client.open(uri, "$a\n  %keywords hf\n");
     const Json symbols = client.request("textDocument/documentSymbol", LspClient::document(uri));
@@ -66,7 +66,7 @@ TEST(Outline, isFlatForClientsThatTakeNoTree) {
     EXPECT_EQ(symbols[1]["location"]["uri"], uri);
 }
 
-TEST(Outline, foldsBlocksAndComments) {
+TEST(Outline, FoldsBlocksAndComments) {
     LspClient client;
     client.open(uri, text);
     std::string printed;
@@ -76,7 +76,7 @@ TEST(Outline, foldsBlocksAndComments) {
     EXPECT_EQ(printed, "1-2 3-4 7-10 9-10 12-15 5-6comment ");
 }
 
-TEST(Outline, aSelectionGrowsBlockByBlock) {
+TEST(Outline, ASelectionGrowsBlockByBlock) {
     LspClient client;
     client.open(uri, text);
     Json params = LspClient::document(uri);
@@ -90,7 +90,7 @@ TEST(Outline, aSelectionGrowsBlockByBlock) {
     EXPECT_EQ(printed, "10:4-10:11 10:4-10:13 9:0-10:13 7:0-10:13 0:0-16:0 ");
 }
 
-TEST(Outline, linksFilesThatAreThere) {
+TEST(Outline, LinksFilesThatAreThere) {
     const TemporaryDirectory directory;
     directory.write("b c.mq", "$b\n");
     directory.write("x.xyz", "1\n");
@@ -105,7 +105,7 @@ TEST(Outline, linksFilesThatAreThere) {
     EXPECT_EQ(links[1]["target"], uriOfPath(directory.path("b c.mq")));
 }
 
-TEST(Outline, standsManyLoops) {
+TEST(Outline, StandsManyLoops) {
     std::string loops;
     for (int i = 0; i < 100000; ++i) {
         loops += "@foreach a\n";

@@ -46,7 +46,7 @@ struct FixCase {
     std::string after;
 };
 
-TEST(QuickFixes, leadToATextThatLintAccepts) {
+TEST(QuickFixes, LeadToATextThatLintAccepts) {
     const FixCase cases[] = {
         {"legacy-fragment-kind-alias", "$a\n  %keywords hf\n@fragment x cmd\n",
          "$a\n  %keywords hf\n@fragment x process\n"},
@@ -86,7 +86,7 @@ TEST(QuickFixes, leadToATextThatLintAccepts) {
     }
 }
 
-TEST(QuickFixes, allOlderFormsAtOnce) {
+TEST(QuickFixes, AllOlderFormsAtOnce) {
     const std::string text =
         "$a\n  %program xtb\n  %keywords --opt\n$b\n  %source a guess\n  %keywords hf\n  %process\n"
         "    scripts x\n$c\n  %source bb\n  %keywords hf\n";
@@ -99,12 +99,12 @@ TEST(QuickFixes, allOlderFormsAtOnce) {
               "  %keywords hf\n  %process\n    run x\n$c\n  %source bb\n  %keywords hf\n");
 }
 
-TEST(QuickFixes, areNoneForATextWithoutFaults) {
+TEST(QuickFixes, AreNoneForATextWithoutFaults) {
     EXPECT_TRUE(actions("$a\n  %keywords hf\n").empty());
     EXPECT_TRUE(actions("$a\n  %source nothing_like_it\n  %keywords hf\n").empty());
 }
 
-TEST(QuickFixes, nearestWord_) {
+TEST(QuickFixes, NearestWord_) {
     EXPECT_EQ(nearestWord("keyword", {"when", "keywords", "body"}), "keywords");
     EXPECT_EQ(nearestWord("Opt", {"opt"}), "opt");
     EXPECT_EQ(nearestWord("xyz", {"opt", "freq"}), "");

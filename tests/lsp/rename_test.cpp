@@ -30,7 +30,7 @@ std::string renamed(const std::string& text, int line, int character, const std:
     return made;
 }
 
-TEST(Rename, changesTheTaskAndNothingElse) {
+TEST(Rename, ChangesTheTaskAndNothingElse) {
     EXPECT_EQ(renamed("$opt\n"
                       "  %keywords \"opt\"\n"
                       "$freq # opt\n"
@@ -60,7 +60,7 @@ TEST(Rename, changesTheTaskAndNothingElse) {
               "@end\n");
 }
 
-TEST(Rename, changesAxesDefinesFormulasAndLets) {
+TEST(Rename, ChangesAxesDefinesFormulasAndLets) {
     EXPECT_EQ(renamed("matrix:\n  - f: a, b\n  - g: c, d\n    map: f\n$t_[f]_[g]\n", 1, 4, "functional"),
               "matrix:\n  - functional: a, b\n  - g: c, d\n    map: functional\n$t_[functional]_[g]\n");
     EXPECT_EQ(renamed("define:\n  x: 1\n$t\n  %keywords [x]\n  %body << EOF\n[x]\nEOF\n", 3, 13, "y"),
@@ -72,7 +72,7 @@ TEST(Rename, changesAxesDefinesFormulasAndLets) {
               "@derive d\n  let g = 1\n  formula twice(x) = 2 * x\n  emit g = twice(g)\n@end\n");
 }
 
-TEST(Rename, refusesWhatWouldNotHold) {
+TEST(Rename, RefusesWhatWouldNotHold) {
     const std::string text = "$a\n$b\n  %source a\n  %program orca\n";
     EXPECT_EQ(renamed(text, 0, 1, "b"), "! there is a task called 'b' already");
     EXPECT_EQ(renamed(text, 0, 1, " "), "! a name cannot be empty");
@@ -85,7 +85,7 @@ TEST(Rename, refusesWhatWouldNotHold) {
               "! 'y z' would not be read as the name of this define or axis");
 }
 
-TEST(Rename, isPrepared) {
+TEST(Rename, IsPrepared) {
     LspClient client;
     client.open(uri, "$opt\n  %source opt\n");
     const Json answer = client.request("textDocument/prepareRename", LspClient::at(uri, 1, 12));
@@ -94,7 +94,7 @@ TEST(Rename, isPrepared) {
     EXPECT_EQ(client.requestError("textDocument/prepareRename", LspClient::at(uri, 1, 4)), -32803);
 }
 
-TEST(Rename, reachesEveryFileOfTheDocument) {
+TEST(Rename, ReachesEveryFileOfTheDocument) {
     const TemporaryDirectory directory;
     directory.write("l.mqlib", "&FRAGMENT task_body opt(m)\n  %keywords [m]\n");
     const auto file = uriOfPath(directory.path("a.mq"));

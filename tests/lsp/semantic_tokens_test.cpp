@@ -24,7 +24,7 @@ std::string print(const Json& data) {
     return printed;
 }
 
-TEST(SemanticTokens, sayWhatNamesAre) {
+TEST(SemanticTokens, SayWhatNamesAre) {
     LspClient client;
     client.open(uri, "$a_[x] # c\n"
                      "  %source b\n"
@@ -35,14 +35,14 @@ TEST(SemanticTokens, sayWhatNamesAre) {
                                      "2:3+8 keyword 2:12+4 string 2:16+1 variable 2:17+2 string ");
 }
 
-TEST(SemanticTokens, countInTheUnitOfTheClient) {
+TEST(SemanticTokens, CountInTheUnitOfTheClient) {
     LspClient client;
     client.open(uri, "$\xf0\x9d\x84\x9e # c\n");
     const Json answer = client.request("textDocument/semanticTokens/full", LspClient::document(uri));
     EXPECT_EQ(print(answer["data"]), "0:1+2 class= 0:4+3 comment ");
 }
 
-TEST(SemanticTokens, aDeltaLeadsToTheNewTokens) {
+TEST(SemanticTokens, ADeltaLeadsToTheNewTokens) {
     LspClient client;
     client.open(uri, "$a\n  %source b\n$c\n");
     const Json full = client.request("textDocument/semanticTokens/full", LspClient::document(uri));
@@ -62,7 +62,7 @@ TEST(SemanticTokens, aDeltaLeadsToTheNewTokens) {
     EXPECT_TRUE(client.request("textDocument/semanticTokens/full/delta", params).contains("data"));
 }
 
-TEST(SemanticTokens, ofARange) {
+TEST(SemanticTokens, OfARange) {
     LspClient client;
     client.open(uri, "$a\n$b\n$c\n");
     Json params = LspClient::document(uri);

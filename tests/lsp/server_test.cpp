@@ -7,12 +7,12 @@ namespace {
 using namespace morquill::lsp;
 using std::chrono::milliseconds;
 
-TEST(Server, refusesRequestsBeforeInitialize) {
+TEST(Server, RefusesRequestsBeforeInitialize) {
     LspClient client(LspClient::notInitialized);
     EXPECT_EQ(client.requestError("textDocument/diagnostic", Json::object()), -32002);
 }
 
-TEST(Server, isInitializedOnce) {
+TEST(Server, IsInitializedOnce) {
     LspClient client(LspClient::notInitialized);
     const Json answer = client.request("initialize", {{"capabilities", Json::object()}});
     EXPECT_EQ(answer["serverInfo"]["name"], "mqkit-lsp");
@@ -21,14 +21,14 @@ TEST(Server, isInitializedOnce) {
     EXPECT_EQ(client.requestError("initialize", Json::object()), -32600);
 }
 
-TEST(Server, takesUtf8WhereItIsOffered) {
+TEST(Server, TakesUtf8WhereItIsOffered) {
     LspClient client(LspClient::notInitialized);
     const Json general = {{"positionEncodings", {"utf-8", "utf-16"}}};
     const Json answer = client.request("initialize", {{"capabilities", {{"general", general}}}});
     EXPECT_EQ(answer["capabilities"]["positionEncoding"], "utf-8");
 }
 
-TEST(Server, endsWithZeroAfterShutdown) {
+TEST(Server, EndsWithZeroAfterShutdown) {
     LspClient client;
     EXPECT_TRUE(client.request("shutdown", nullptr).is_null());
     EXPECT_EQ(client.requestError("textDocument/diagnostic", Json::object()), -32600);
@@ -37,14 +37,14 @@ TEST(Server, endsWithZeroAfterShutdown) {
     EXPECT_EQ(client.server.exitStatus(), 0);
 }
 
-TEST(Server, endsWithOneWithoutShutdown) {
+TEST(Server, EndsWithOneWithoutShutdown) {
     LspClient client;
     EXPECT_EQ(client.server.statusAtEnd(), 1);
     client.notify("exit", nullptr);
     EXPECT_EQ(client.server.exitStatus(), 1);
 }
 
-TEST(Server, answersUnknownRequestsAndPassesOverUnknownNotifications) {
+TEST(Server, AnswersUnknownRequestsAndPassesOverUnknownNotifications) {
     LspClient client;
     EXPECT_EQ(client.requestError("textDocument/nonsense", Json::object()), -32601);
     EXPECT_EQ(client.requestError("$/nonsense", Json::object()), -32601);
@@ -58,7 +58,7 @@ struct BadMessage {
     int code;
 };
 
-TEST(Server, answersWhatIsNoMessageAndGoesOn) {
+TEST(Server, AnswersWhatIsNoMessageAndGoesOn) {
     LspClient client;
     const BadMessage cases[] = {
         {FrameBody{"{"}, -32700},
@@ -80,14 +80,14 @@ TEST(Server, answersWhatIsNoMessageAndGoesOn) {
     EXPECT_TRUE(client.request("shutdown", nullptr).is_null());
 }
 
-TEST(Server, anAnswerOfTheClientIsNoMessage) {
+TEST(Server, AnAnswerOfTheClientIsNoMessage) {
     LspClient client;
     client.server.receive(FrameBody{R"({"jsonrpc":"2.0","id":1,"result":null})"});
     client.run();
     EXPECT_TRUE(client.takeMessages().empty());
 }
 
-TEST(Server, aRequestInTheQueueCanBeTakenBack) {
+TEST(Server, ARequestInTheQueueCanBeTakenBack) {
     LspClient client;
     client.open("file:///a.mq", "$a\n");
     client.takeMessages();
@@ -103,7 +103,7 @@ TEST(Server, aRequestInTheQueueCanBeTakenBack) {
     EXPECT_TRUE(messages[1].contains("result"));
 }
 
-TEST(Server, aRequestForATextThatHasChangedMeanwhileIsRefused) {
+TEST(Server, ARequestForATextThatHasChangedMeanwhileIsRefused) {
     LspClient client;
     client.open("file:///a.mq", "$a\n");
     client.takeMessages();
@@ -121,7 +121,7 @@ TEST(Server, aRequestForATextThatHasChangedMeanwhileIsRefused) {
     EXPECT_EQ(client.requestError("textDocument/diagnostic", client.document("file:///none.mq")), -32602);
 }
 
-TEST(Server, waitsForAPauseOfTyping) {
+TEST(Server, WaitsForAPauseOfTyping) {
     LspClient client;
     client.open("file:///a.mq", "$a\n");
     EXPECT_EQ(client.server.pause(client.now), milliseconds(0));
@@ -140,7 +140,7 @@ TEST(Server, waitsForAPauseOfTyping) {
     EXPECT_EQ(client.takeMessages().size(), 1U);
 }
 
-TEST(Server, restsBeforeInitializeAndAfterShutdown) {
+TEST(Server, RestsBeforeInitializeAndAfterShutdown) {
     LspClient before(LspClient::notInitialized);
     EXPECT_EQ(before.server.pause(before.now), std::nullopt);
     LspClient client;
@@ -149,7 +149,7 @@ TEST(Server, restsBeforeInitializeAndAfterShutdown) {
     EXPECT_EQ(client.server.pause(client.now), std::nullopt);
 }
 
-TEST(Server, aBadNotificationIsLoggedAndCostsNothing) {
+TEST(Server, ABadNotificationIsLoggedAndCostsNothing) {
     LspClient client;
     client.notify("textDocument/didChange", {{"textDocument", 7}});
     const auto messages = client.takeMessages();

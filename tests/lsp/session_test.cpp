@@ -11,7 +11,7 @@ struct SessionFixture : testing::Test {
 
 using SessionTest = SessionFixture;
 
-TEST_F(SessionTest, sendsNotificationsAndRequests) {
+TEST_F(SessionTest, SendsNotificationsAndRequests) {
     session.notify("m", Json::object());
     session.request("r", nullptr);
     session.request("r", nullptr);
@@ -20,7 +20,7 @@ TEST_F(SessionTest, sendsNotificationsAndRequests) {
                                               R"({"id":2,"jsonrpc":"2.0","method":"r","params":null})"}));
 }
 
-TEST_F(SessionTest, requiresATextAndAPlace) {
+TEST_F(SessionTest, RequiresATextAndAPlace) {
     session.texts.open("u", 4, "ab\ncd");
     const Json document = {{"uri", "u"}};
     const auto& text = requireText(session, {{"textDocument", document}});
@@ -33,7 +33,7 @@ TEST_F(SessionTest, requiresATextAndAPlace) {
                  ResponseError);
 }
 
-TEST_F(SessionTest, writesRanges) {
+TEST_F(SessionTest, WritesRanges) {
     const TextBuffer buffer("ab\ncd");
     PositionWalk walk(buffer, PositionUnit::utf16);
     EXPECT_EQ(rangeJson(walk, {1, 4}).dump(),

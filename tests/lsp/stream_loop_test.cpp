@@ -57,7 +57,7 @@ const std::string shutdownFrame = frameOf(R"({"jsonrpc":"2.0","id":2,"method":"s
 const std::string initializeFrame =
     frameOf(R"({"jsonrpc":"2.0","id":1,"method":"initialize","params":{"capabilities":{}}})");
 
-TEST(StreamLoop, servesUntilExit) {
+TEST(StreamLoop, ServesUntilExit) {
     const auto served =
         serveStream(initializeFrame + shutdownFrame + frameOf(R"({"jsonrpc":"2.0","method":"exit"})"));
     EXPECT_EQ(served.status, 0);
@@ -65,13 +65,13 @@ TEST(StreamLoop, servesUntilExit) {
     EXPECT_EQ(served.bodies[1], R"({"id":2,"jsonrpc":"2.0","result":null})");
 }
 
-TEST(StreamLoop, theEndOfTheStreamEndsIt) {
+TEST(StreamLoop, TheEndOfTheStreamEndsIt) {
     EXPECT_EQ(serveStream("").status, 1);
     EXPECT_EQ(serveStream(initializeFrame).status, 1);
     EXPECT_EQ(serveStream(initializeFrame + shutdownFrame).status, 0);
 }
 
-TEST(StreamLoop, aBrokenFrameIsAnswered) {
+TEST(StreamLoop, ABrokenFrameIsAnswered) {
     const auto served = serveStream("nonsense\r\n\r\n" + initializeFrame);
     ASSERT_EQ(served.bodies.size(), 2U);
     EXPECT_EQ(

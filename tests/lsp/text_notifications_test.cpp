@@ -8,7 +8,7 @@ namespace {
 using namespace morquill::lsp;
 using morquill::TemporaryDirectory;
 
-TEST(TextNotifications, keepTheTextsOfTheClient) {
+TEST(TextNotifications, KeepTheTextsOfTheClient) {
     LspClient client;
     client.open("untitled:1", "ab\n");
     const Json range = {{"start", {{"line", 0}, {"character", 1}}}, {"end", {{"line", 0}, {"character", 2}}}};
@@ -22,7 +22,7 @@ TEST(TextNotifications, keepTheTextsOfTheClient) {
     EXPECT_EQ(client.server.session().texts.find("untitled:1"), nullptr);
 }
 
-TEST(TextNotifications, aFileThatChangesOnTheDiskIsReadAnew) {
+TEST(TextNotifications, AFileThatChangesOnTheDiskIsReadAnew) {
     const TemporaryDirectory directory;
     const auto uri = uriOfPath(directory.path("a.mq"));
     LspClient client;
@@ -37,7 +37,7 @@ TEST(TextNotifications, aFileThatChangesOnTheDiskIsReadAnew) {
     EXPECT_TRUE(messages[0]["params"]["diagnostics"].empty());
 }
 
-TEST(TextNotifications, whatIsNoTextCostsNothing) {
+TEST(TextNotifications, WhatIsNoTextCostsNothing) {
     LspClient client;
     client.notify("textDocument/didOpen", Json::object());
     client.notify("textDocument/didSave", LspClient::document("untitled:1"));

@@ -33,7 +33,7 @@ struct WorkspaceSymbols : testing::Test {
     TemporaryDirectory directory;
 };
 
-TEST_F(WorkspaceSymbols, areTheNamesOfAllFiles) {
+TEST_F(WorkspaceSymbols, AreTheNamesOfAllFiles) {
     directory.write("a.mq", "$opt\n$freq\n");
     directory.write("sub/b.mq", "$opt_b\n");
     LspClient client(LspClient::notInitialized);
@@ -47,7 +47,7 @@ TEST_F(WorkspaceSymbols, areTheNamesOfAllFiles) {
     EXPECT_EQ(LspClient::rangeText(symbol["location"]["range"]), "1:1-1:5");
 }
 
-TEST_F(WorkspaceSymbols, followTheDiskAndTheFolders) {
+TEST_F(WorkspaceSymbols, FollowTheDiskAndTheFolders) {
     directory.write("one/a.mq", "$opt\n");
     directory.write("two/b.mq", "$other\n");
     LspClient client(LspClient::notInitialized);
@@ -68,7 +68,7 @@ TEST_F(WorkspaceSymbols, followTheDiskAndTheFolders) {
     EXPECT_EQ(names(client, ""), "other ");
 }
 
-TEST_F(WorkspaceSymbols, needNoFolder) {
+TEST_F(WorkspaceSymbols, NeedNoFolder) {
     LspClient client;
     EXPECT_EQ(names(client, ""), "");
     client.notify("workspace/didChangeWorkspaceFolders", {{"event", 7}});

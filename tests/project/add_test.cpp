@@ -1,5 +1,6 @@
 #include "project/project_command.h"
 
+#include "console/messages.h"
 #include "fixtures/scratch_tree.h"
 
 namespace morquill::project {
@@ -13,12 +14,13 @@ class Add : public ScratchTree {
   protected:
     Add() { write("p/demo.projmq", "$opt\n"); }
 
-    Output add(const std::vector<std::string>& files, const std::string& path = "p", bool dryRun = false) {
+    Output add(const std::vector<std::string>& files, const std::string& path = "p",
+               console::RunMode mode = console::RunMode::apply) {
         ProjectOptions options;
         options.subCommand = ProjectSubCommand::Add;
         options.path = path;
         options.xyzFiles = files;
-        options.dryRun = dryRun;
+        options.dryRun = mode == console::RunMode::dryRun;
         return run("", [&] { return runProjectWorkflow(options, "/usr/bin/mqkit"); });
     }
     [[nodiscard]] std::string header(const std::string& files) const {
@@ -83,7 +85,7 @@ TEST_F(Add, SkipsAreNoFailure) {
 TEST_F(Add, ADryRunWritesNothing) {
     write("a.xyz");
     const std::vector<std::string> before = tree();
-    const Output output = add({"a.xyz", "b.xyz"}, "p/demo.projmq", true);
+    const Output output = add({"a.xyz", "b.xyz"}, "p/demo.projmq", console::RunMode::dryRun);
     EXPECT_EQ(output.status, 2);
     EXPECT_EQ(output.out, header("a.xyz b.xyz  (dry-run)") + "[mqkit] add case: a <- " + at("a.xyz") +
                               "\n\n[mqkit] finished: added 1 case(s).\n"

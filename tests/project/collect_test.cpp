@@ -1,5 +1,6 @@
 #include "project/project_command.h"
 
+#include "console/messages.h"
 #include "fixtures/project_tree.h"
 
 namespace morquill::project {
@@ -18,10 +19,11 @@ class Collect : public ProjectTree {
         write("p/m2/opt/a.log", "3");
     }
 
-    Output collect(std::vector<std::string> patterns, std::vector<std::string> names, bool dryRun = false) {
+    Output collect(std::vector<std::string> patterns, std::vector<std::string> names,
+                   console::RunMode mode = console::RunMode::apply) {
         ProjectOptions chosen = options(ProjectSubCommand::Collect, std::move(names));
         chosen.patterns = std::move(patterns);
-        chosen.dryRun = dryRun;
+        chosen.dryRun = mode == console::RunMode::dryRun;
         return run("", [&] { return runProjectWorkflow(chosen, "mqkit"); });
     }
 };
@@ -68,7 +70,7 @@ TEST_F(Collect, MissingBlocksAndFailedCopiesAreCounted) {
 }
 
 TEST_F(Collect, ADryRunCopiesNothing) {
-    const Output output = collect({"*.log"}, {"opt"}, true);
+    const Output output = collect({"*.log"}, {"opt"}, console::RunMode::dryRun);
     EXPECT_EQ(output.status, 0);
     EXPECT_THAT(output.out, HasSubstr("  patterns : *.log  (dry-run)\n"));
     EXPECT_THAT(output.out, HasSubstr("collected 2 item(s)"));

@@ -1,5 +1,6 @@
 #include "project/project_command.h"
 
+#include "console/messages.h"
 #include "fixtures/project_tree.h"
 
 namespace morquill::project {
@@ -12,10 +13,11 @@ using ::testing::StartsWith;
 
 class Exec : public ProjectTree {
   protected:
-    Output exec(const std::string& command, std::vector<std::string> names, bool dryRun = false) {
+    Output exec(const std::string& command, std::vector<std::string> names,
+                console::RunMode mode = console::RunMode::apply) {
         ProjectOptions chosen = options(ProjectSubCommand::Exec, std::move(names));
         chosen.command = command;
-        chosen.dryRun = dryRun;
+        chosen.dryRun = mode == console::RunMode::dryRun;
         return run("", [&] { return runProjectWorkflow(chosen, "mqkit"); });
     }
 };
@@ -54,7 +56,7 @@ TEST_F(Exec, AMissingBlockIsToldAndCounts) {
 }
 
 TEST_F(Exec, ADryRunRunsNothing) {
-    const Output output = exec("touch done", {"opt"}, true);
+    const Output output = exec("touch done", {"opt"}, console::RunMode::dryRun);
     EXPECT_EQ(output.status, 0);
     EXPECT_THAT(output.out, HasSubstr("  command: touch done  (dry-run)\n"));
     EXPECT_THAT(output.out, EndsWith("executed 2/2 block(s) successfully.\n"));

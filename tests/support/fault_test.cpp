@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <new>
 #include <stdexcept>
 #include <vector>
@@ -9,7 +10,16 @@
 namespace morquill {
 namespace {
 
-TEST(FaultText, IsWhatTheFaultSays) {
+TEST(WholeText, KeepsWhatFollowsANulByte) {
+    const std::string message("a\0b", 3);
+    const WholeTextError fault(message);
+    EXPECT_EQ(fault.text(), message);
+    EXPECT_EQ(wholeText(fault), message);
+    EXPECT_EQ(faultText(fault, "a.mq"), message);
+    EXPECT_EQ(wholeText(std::runtime_error(message)), "a") << "other exceptions end there";
+}
+
+TEST(FaultText, IsTheMessageOfTheFault) {
     EXPECT_EQ(faultText(std::runtime_error("no such thing"), "a.mq"), "no such thing");
 }
 
@@ -22,6 +32,14 @@ TEST(FaultText, NamesTheFileWhenTheMemoryRanOut) {
     } catch (const std::exception& fault) {
         EXPECT_EQ(faultText(fault, "a.mq"), "out of memory: a.mq");
     }
+}
+
+TEST(SystemError, HasTheTextOfTheSystem) {
+    EXPECT_STREQ(systemErrorText(ENOENT), "No such file or directory");
+    errno = ENOSPC;
+    const std::error_code error = lastSystemError();
+    EXPECT_EQ(error.value(), ENOSPC);
+    EXPECT_EQ(error.message(), systemErrorText(ENOSPC));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "support/file.h"
 
+#include "fixtures/temporary_directory.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,19 +26,18 @@ namespace fs = std::filesystem;
 
 class FileWrite : public ::testing::Test {
   protected:
-    FileWrite() {
-        std::string name = (fs::temp_directory_path() / "mqkit-write-XXXXXX").string();
-        dir = ::mkdtemp(name.data());
-        fs::permissions(dir, fs::perms(0777));
-    }
-    ~FileWrite() override { fs::remove_all(dir); }
+    FileWrite() { fs::permissions(dir, fs::perms(0777)); }
     [[nodiscard]] std::string at(const std::string& name) const { return (dir / name).string(); }
 
-    fs::path dir;
+  private:
+    TemporaryDirectory top_;
+
+  protected:
+    const fs::path dir = top_.root();
 };
 
-/// Runs the action in a child with the limit for files and the system's own answer to growing past it; gives
-/// the child's wait status.
+/// Runs the action in a child with the limit for files and the system's default action for growing past it;
+/// returns the child's wait status.
 template <class Action>
 int inChildWithFileLimit(rlim_t bytes, Action action) {
     const pid_t child = ::fork();
@@ -83,7 +84,7 @@ TEST_F(FileWrite, AFileThatMayNotGrowKeepsItsOldBytes) {
     }
 }
 
-TEST_F(FileWrite, ANewFileThatCannotBeWrittenInWholeIsNotLeftBehind) {
+TEST_F(FileWrite, ANewFileThatCannotBeWrittenInFullIsRemoved) {
     fs::create_symlink("target", at("link"));
     for (const char* name : {"new", "link"}) {
         EXPECT_EQ(

@@ -28,6 +28,18 @@ TEST(Number, PositiveIntIsDigitsOnly) {
     }
 }
 
+TEST(Number, AMenuIndexIsAWholeNumberWithinTheMenu) {
+    EXPECT_EQ(readMenuIndex("1", 3, MenuSign::none), 0U);
+    EXPECT_EQ(readMenuIndex(" 03\r\n", 3, MenuSign::none), 2U);
+    EXPECT_EQ(readMenuIndex("+2", 3, MenuSign::plus), 1U);
+    EXPECT_EQ(readMenuIndex("+2", 3, MenuSign::none), std::nullopt);
+    for (const char* text : {"", "0", "4", "-1", "+", "++1", "+-1", "1 2", "1x", "x", "1.0", "2147483648",
+                             "99999999999999999999"}) {
+        EXPECT_EQ(readMenuIndex(text, 3, MenuSign::plus), std::nullopt) << text;
+    }
+    EXPECT_EQ(readMenuIndex("1", 0, MenuSign::plus), std::nullopt);
+}
+
 TEST(Number, DoubleTakesTheWholeTrimmedText) {
     EXPECT_EQ(readDouble(" 1.5e3 "), 1500.0);
     EXPECT_EQ(readDouble("0x10"), 16.0);

@@ -41,7 +41,7 @@ TEST_F(CopyItem, CopiesLinksAsLinks) {
     EXPECT_THAT(tree("to"), ElementsAre("link -> a", "second -> a"));
 }
 
-TEST_F(CopyItem, NeverWritesThroughALinkThatStandsAtTheTarget) {
+TEST_F(CopyItem, NeverWritesThroughALinkAtTheTarget) {
     write("precious", "old");
     write("a", "new");
     link("../precious", "to/a");

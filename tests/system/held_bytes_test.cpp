@@ -15,7 +15,7 @@ using ::testing::ElementsAre;
 
 class Held : public ScratchTree {};
 
-TEST_F(Held, BytesLieOnTheDiskWithoutANameUntilTheyGetOne) {
+TEST_F(Held, BytesAreOnTheDiskWithoutANameUntilTheyGetOne) {
     write("dir/file", "new");
     mode("dir/file", 0640);
     const std::string old("old\0bytes", 9);
@@ -32,7 +32,7 @@ TEST_F(Held, BytesLieOnTheDiskWithoutANameUntilTheyGetOne) {
     EXPECT_EQ(info.st_mode & 07777U, 0640U);
 }
 
-TEST_F(Held, BytesKnowTheDirectoryThatTheyLieIn) {
+TEST_F(Held, BytesKnowTheirDirectory) {
     write("dir/file", "new");
     const auto held = holdBytes(at("dir/file"), "old");
     ASSERT_TRUE(held.has_value());
@@ -42,14 +42,14 @@ TEST_F(Held, BytesKnowTheDirectoryThatTheyLieIn) {
     EXPECT_EQ(HeldBytes().directory(), "");
 }
 
-TEST_F(Held, NothingIsHeldWhereThereIsNoRoom) {
+TEST_F(Held, NothingIsKeptWithoutRoom) {
     write("file");
     const FileSizeLimit limit(3);
     EXPECT_TRUE(holdBytes(at("file"), "123").has_value());
     EXPECT_FALSE(holdBytes(at("file"), "1234").has_value());
 }
 
-TEST_F(Held, WhereThereCanBeNoCopyItIsEmpty) {
+TEST_F(Held, IsEmptyWhereNoCopyCanBeMade) {
     const auto held = holdBytes(at("missing/file"), "text");
     ASSERT_TRUE(held.has_value());
     EXPECT_FALSE(held->canReplace());
@@ -64,8 +64,8 @@ TEST_F(Held, WhereThereCanBeNoCopyItIsEmpty) {
     mode("closed", 0755);
 }
 
-/// Holds 300 copies under limits on descriptors; how many are real, or 255 when the ordinary numbers are
-/// gone.
+/// Holds 300 copies under limits on descriptors; how many
+/// are real, or 255 when the ordinary numbers are gone.
 int heldUnder(const std::string& path, rlim_t soft, rlim_t hard) {
     const pid_t child = ::fork();
     if (child == 0) {

@@ -25,7 +25,7 @@ TEST_F(NewFile, IsACopyInBytesAndPermissions) {
     EXPECT_EQ(readTextFile(at("written")), "text");
 }
 
-TEST_F(NewFile, IsNeverMadeWhereSomethingLies) {
+TEST_F(NewFile, IsNeverMadeOverAnythingElse) {
     write("source", "new");
     write("file", "old");
     link("nowhere", "link");

@@ -63,7 +63,7 @@ std::string lineThenRest() {
     return line + "|" + readTextFile("rest").value_or("?") + "|" + std::to_string(status);
 }
 
-TEST_F(Prompt, WhatStandsBehindTheLineIsLeftForTheChild) {
+TEST_F(Prompt, InputAfterTheLineIsLeftForTheChild) {
     std::string result;
     const auto read = [&] {
         result = lineThenRest();

@@ -18,7 +18,7 @@
 namespace morquill::system {
 namespace {
 
-/// The reading end of a pipe that holds a text and is closed behind it.
+/// The reading end of a pipe that contains a text, followed by the end of input.
 class Input {
   public:
     explicit Input(std::string_view text) {
@@ -47,7 +47,7 @@ std::vector<std::int32_t> keysOf(std::string_view text) {
 
 using ::testing::ElementsAre;
 
-TEST(ReadKey, GivesBytesAndArrows) {
+TEST(ReadKey, ReturnsBytesAndArrows) {
     EXPECT_THAT(keysOf("a\n\r \xff"), ElementsAre('a', 10, 13, ' ', 255));
     EXPECT_THAT(keysOf("\033[A\033[B\033[C\033[D"), ElementsAre(key::up, key::down, key::right, key::left));
 }
@@ -144,7 +144,7 @@ TEST_F(Terminal, ASignalPutsTheAttributesBackAndShowsTheCursor) {
     }
 }
 
-TEST_F(Terminal, AStopGivesTheTerminalBackUntilTheProgramGoesOn) {
+TEST_F(Terminal, AStopRestoresTheTerminalUntilTheProgramContinues) {
     const pid_t child = ::fork();
     if (child == 0) {
         // A group of its own: the kernel does not stop a process whose group is orphaned, as the test's own

@@ -27,7 +27,7 @@ TEST(Termination, AMarkerIsAPlainSubstring) {
 
 using TerminationOfALog = ScratchTree;
 
-TEST_F(TerminationOfALog, IsToldByItsMarkersAndForOrcaWithAMessage) {
+TEST_F(TerminationOfALog, IsRecognisedByMarkersAndForOrcaReported) {
     write("orca.log",
           "...\n                             ****ORCA TERMINATED NORMALLY****\nTOTAL RUN TIME: 0\n");
     write("killed.log", "ORCA was killed\n");

@@ -47,7 +47,7 @@ TEST_F(SampleWorkspace, HoldsBothFilesAndReplacesWhatIsThere) {
     }
 }
 
-TEST_F(SampleWorkspace, TellsWhatIsInTheWay) {
+TEST_F(SampleWorkspace, ReportsWhatIsInTheWay) {
     write("test", "a file");
     Output output = create();
     EXPECT_EQ(output.status, 1);

@@ -1,4 +1,4 @@
-// Words, options and statuses. What the command prints as a whole is the matter of the command-line tests.
+// Words, options and statuses. The command-line tests compare the whole output.
 
 #include "templates/template_command.h"
 
@@ -20,21 +20,16 @@ class TemplateCommand : public ScratchTree {
     }
 
     Output words(std::vector<std::string> all) {
-        return call(runTemplate, std::move(all), {"mqkit", "template"});
+        all.insert(all.begin(), {"mqkit", "template"});
+        return runCommand(runTemplate, std::move(all));
     }
     Output letters(std::vector<std::string> all) {
-        return call(runTemplateCompat, std::move(all), {"mqkit"});
+        all.insert(all.begin(), "mqkit");
+        return runCommand(runTemplateCompat, std::move(all));
     }
 
     console::testing::ScopedEnv path{"MORQUILL_TEMPLATE_PATH", at("lib")};
     console::testing::ScopedEnv home{"HOME", at("home")};
-
-  private:
-    Output call(int (*operation)(int, char**), std::vector<std::string> all, std::vector<std::string> front) {
-        front.insert(front.end(), all.begin(), all.end());
-        Arguments arguments(std::move(front));
-        return run("", [&] { return operation(arguments.argc(), arguments.argv()); });
-    }
 };
 
 TEST_F(TemplateCommand, ListsTheConfiguredDirectoryOrTheGivenOne) {
@@ -58,13 +53,13 @@ TEST_F(TemplateCommand, MergesIntoAFileOrToStandardOutput) {
     EXPECT_THAT(readTextFile(at("x.mq")).value_or(""), HasSubstr("$sp\n"));
 }
 
-TEST_F(TemplateCommand, AVariableTemplateFillsTheDefinesAndTellsWhatItDid) {
+TEST_F(TemplateCommand, AVariableTemplateFillsTheDefinesAndReportsIt) {
     write("t.mq", "$opt\n  %keywords [func]\n");
     const Output output = words({"variable", "t.mq", "dft"});
     EXPECT_EQ(output.status, 0);
     EXPECT_EQ(output.out, "[mqkit] wrote define section for t.mq using variable template: dft\n");
     EXPECT_THAT(readTextFile(at("t.mq")).value_or(""), StartsWith("define:\n  func: PBE0\n"));
-    // A failure is told and leaves the status.
+    // A failure is reported and does not change the status.
     const std::pair<std::vector<std::string>, std::string> rows[] = {
         {{"missing.mq", "dft"}, "[mqkit][ERROR] could not read file: missing.mq\n"},
         {{"lib/opt.mq", "none"}, "[mqkit][ERROR] variable template not found: 'none'\n"},

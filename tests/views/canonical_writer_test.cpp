@@ -111,25 +111,25 @@ TEST(CanonicalWriter, StructuredSourceIsABlock) {
 
 TEST(CanonicalWriter, BatchForms) {
     TaskInfo task("a");
-    task.batchCollect = {{"x", "", false}};
+    task.batchCollect.edit() = {{"x", "", false}};
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n") << "no lane, no %batch";
     task.batchLanes = 4;
-    task.batchCollect.clear();
+    task.batchCollect.reset();
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %batch 4\n");
-    task.batchCluster.present = true;
-    task.batchCollect = {{"*.xyz", "out dir", true}, {"a b", "", false}};
+    task.batchCluster.edit().present = true;
+    task.batchCollect.edit() = {{"*.xyz", "out dir", true}, {"a b", "", false}};
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %batch\n    lane 4\n"
                               "    cluster dist geo=0.1 energy=0.25 temperature=298.15\n"
                               "    collect required *.xyz as out dir\n"
                               "    collect \"a b\"\n");
-    task.batchCollect.clear();
-    task.batchCluster.metric = ClusterMetric::rmsd;
-    task.batchCluster.energyOff = true;
+    task.batchCollect.reset();
+    task.batchCluster.edit().metric = ClusterMetric::rmsd;
+    task.batchCluster.edit().energyOff = true;
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %batch\n    lane 4\n"
                               "    cluster rmsd geo=0.1 energy=off temperature=298.15\n");
-    task.batchCluster.energyOff = false;
-    task.batchCluster.hasMinWeight = task.batchCluster.hasAccumulation = true;
-    task.batchCluster.accumulation = 0.95;
+    task.batchCluster.edit().energyOff = false;
+    task.batchCluster.edit().hasMinWeight = task.batchCluster.edit().hasAccumulation = true;
+    task.batchCluster.edit().accumulation = 0.95;
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %batch\n    lane 4\n"
                               "    cluster rmsd geo=0.1 energy=0.25 temperature=298.15 min=0 accum=0.95\n");
 }
@@ -228,12 +228,12 @@ TEST(CanonicalWriter, PayloadOfScript) {
               "$a\n  %source origin\n  %program script\n  %runner bash\n  %body << EOF\necho\nEOF\n");
 }
 
-TEST(CanonicalWriter, BlocksBehindThePayload) {
+TEST(CanonicalWriter, BlocksAfterThePayload) {
     TaskInfo task("a");
-    task.whenEntries = {{"completed b", {}}, {"x == 1", {}}};
-    task.preProcessCommands = {"p \"q\""};
-    task.processCommands = {"c", "d"};
-    task.modEntries = {
+    task.whenEntries.edit() = {{"completed b", {}}, {"x == 1", {}}};
+    task.preProcessCommands.edit() = {"p \"q\""};
+    task.processCommands.edit() = {"c", "d"};
+    task.modEntries.edit() = {
         {"charge:add", "1"}, {"basisset", "def2-TZVP role=AUXJ"}, {"geom:select", "1-3 5"}, {"solo", ""}};
     task.strucId = "s 1";
     task.keywords = "k";
@@ -243,10 +243,10 @@ TEST(CanonicalWriter, BlocksBehindThePayload) {
               "  %mod\n    charge add 1\n    basisset def2-TZVP role=aux-j\n    geom select 1-3 5\n"
               "    solo\n  %meta\n    strucid s 1\n");
     task = TaskInfo("a");
-    task.preProcessCommands = {"a", "%b", "$c"};
+    task.preProcessCommands.edit() = {"a", "%b", "$c"};
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %preprocess\n    a\n    \\\n    %b\n    \\\n    $c\n");
     task = TaskInfo("a");
-    task.modEntries = {{"charge", "1"}, {"spin", "2"}};
+    task.modEntries.edit() = {{"charge", "1"}, {"spin", "2"}};
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %mod\n    charge 1\n    spin 2\n");
 }
 

@@ -1,5 +1,4 @@
-// The arguments, the choice of tasks and the exit status. Both views as a whole are the matter of the
-// command-line tests.
+// The arguments, the choice of tasks and the exit status. The command-line tests compare both views in full.
 
 #include "views/explain.h"
 
@@ -20,8 +19,7 @@ class Explain : public ScratchTree {
 
     Output explain(std::vector<std::string> words) {
         words.insert(words.begin(), {"/opt/mqkit", "explain"});
-        Arguments arguments(std::move(words));
-        return run("", [&] { return runExplain(arguments.argc(), arguments.argv()); });
+        return runCommand(runExplain, std::move(words));
     }
 };
 

@@ -1,5 +1,5 @@
-// Where the text of `fmt`, `migrate` and `expand` goes, and what they refuse. What they print as a whole is
-// the matter of the command-line tests.
+// Where the text of `fmt`, `migrate` and `expand` goes, and what
+// they refuse. The command-line tests compare their whole output.
 
 #include "views/file_commands.h"
 
@@ -24,8 +24,7 @@ class FileCommands : public ScratchTree {
 
     Output call(RunOperation operation, std::vector<std::string> words) {
         words.insert(words.begin(), {"/opt/mqkit", "command"});
-        Arguments arguments(std::move(words));
-        return run("", [&] { return operation(arguments.argc(), arguments.argv()); });
+        return runCommand(operation, std::move(words));
     }
 };
 
@@ -108,7 +107,7 @@ TEST_F(FileCommands, RefusalsNameWhatIsWrong) {
     EXPECT_THAT(tree(), ElementsAre("t.mq = " + written));
 }
 
-TEST_F(FileCommands, AFullDiskIsTold) {
+TEST_F(FileCommands, AFullDiskIsReported) {
     write("t.mq", "$a\n%keywords " + std::string(4000, 'x') + "\n");
     Output output;
     {

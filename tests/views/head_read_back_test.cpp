@@ -16,7 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 std::vector<std::string> warningsOf(const std::string& text, CanonicalView view = CanonicalView::sourceView) {
-    const auto document = taskdsl::TaskParser(true, [](const std::string&) {}).parseText(text, "");
+    const auto document = taskdsl::TaskParser({.legacyMultiSource = true}).parseText(text, "");
     std::vector<std::string> warnings;
     const taskdsl::WarningSink sink = [&warnings](const std::string& line) { warnings.push_back(line); };
     reportLostHeadLines({document, view, sink});

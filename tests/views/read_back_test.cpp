@@ -1,14 +1,13 @@
 #include "views/read_back.h"
 
 #include "fixtures/comparable_document.h"
+#include "support/file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <optional>
-#include <sstream>
 
 namespace morquill::views {
 namespace {
@@ -18,10 +17,8 @@ using taskdsl::TaskParser;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const taskdsl::WarningSink silent = [](const std::string&) {};
-
 TaskDocument parse(const std::string& text) {
-    return TaskParser(true, silent).parseText(text, "");
+    return TaskParser({.legacyMultiSource = true}).parseText(text, "");
 }
 
 /// A document printed, and what the printer said of it.
@@ -43,7 +40,7 @@ std::vector<std::string> warningsOf(const std::string& text, CanonicalView view 
 
 bool readsBack(const TaskDocument& document, const std::string& printed, CanonicalView view) {
     try {
-        const auto read = TaskParser(false, silent).parseText(printed, "");
+        const auto read = TaskParser().parseText(printed, "");
         return comparable(read, view) == comparable(document, view);
     } catch (const taskdsl::DiagnosticError&) {
         return false;
@@ -59,13 +56,6 @@ void expectLaw(const TaskDocument& document, const std::string& where) {
             << printed.text << "\n"
             << testing::PrintToString(printed.warnings);
     }
-}
-
-std::string contentOf(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
 }
 
 /// The texts between ```mq fences of a document.
@@ -90,7 +80,7 @@ TEST(ReadBack, EveryExampleIsTheSameDocumentAgain) {
     for (const auto& entry : std::filesystem::recursive_directory_iterator("examples")) {
         const std::string path = entry.path().string();
         if (path.ends_with(".mq")) {
-            expectLaw(TaskParser(true, silent).parseFile(path), path);
+            expectLaw(TaskParser({.legacyMultiSource = true}).parseFile(path), path);
             ++seen;
         }
     }
@@ -100,7 +90,7 @@ TEST(ReadBack, EveryExampleIsTheSameDocumentAgain) {
 TEST(ReadBack, EveryDocumentedTextIsTheSameDocumentAgain) {
     std::size_t seen = 0;
     for (const auto& entry : std::filesystem::directory_iterator("docs")) {
-        for (const auto& text : fencedTexts(contentOf(entry.path()))) {
+        for (const auto& text : fencedTexts(readTextFile(entry.path().string()).value())) {
             std::optional<TaskDocument> document;
             try {
                 document = parse(text);
@@ -119,7 +109,7 @@ TEST(ReadBack, EverySeedOfTheFuzzerHoldsTheLaw) {
     for (const auto& entry : std::filesystem::directory_iterator("fuzz/corpus/parser")) {
         std::optional<TaskDocument> document;
         try {
-            document = parse(contentOf(entry.path()));
+            document = parse(readTextFile(entry.path().string()).value());
         } catch (const taskdsl::DiagnosticError&) {
             continue;
         }
@@ -179,7 +169,7 @@ struct LossyText {
     const char* warning;
 };
 
-TEST(ReadBack, WhatALayoutCannotCarryIsTold) {
+TEST(ReadBack, WhatALayoutCannotExpressIsReported) {
     for (const auto& [text, warning] : std::initializer_list<LossyText>{
              {"$\" a\"", "task ' a' does not read back: the name reads back as 'a'"},
              {"$\"a #b\"", "task 'a #b' does not read back: the name reads back as 'a'"},
@@ -206,7 +196,7 @@ TEST(ReadBack, WhatALayoutCannotCarryIsTold) {
     }
 }
 
-TEST(ReadBack, WhatARewriteDropsIsToldInOneLine) {
+TEST(ReadBack, WhatARewriteDropsIsReportedInOneLine) {
     for (const auto& [text, warning] : std::initializer_list<LossyText>{
              {"$a\n%interface provider",
               "task 'a' does not read back: it is written without %interface provider"},

@@ -1,7 +1,7 @@
 #include "lsp/index/expression_names.h"
 
 #include "support/text.h"
-#include "taskdsl/derive/task_references.h"
+#include "taskdsl/expr/task_names.h"
 
 #include <algorithm>
 
@@ -17,7 +17,7 @@ bool isNameOrString(const Token& token) noexcept {
 
 /// Functions beside those of the parser's list whose first argument is a task.
 bool isTaskCall(std::string_view name) {
-    return taskdsl::derive::takesTask(name) || equalsNoCase(name, "atoms") || equalsNoCase(name, "tasks") ||
+    return taskdsl::plot::takesTask(name) || equalsNoCase(name, "atoms") || equalsNoCase(name, "tasks") ||
            equalsNoCase(name, "thermo") || equalsNoCase(name, "thermochemistry") ||
            equalsNoCase(name, "rethermo");
 }

@@ -5,9 +5,10 @@
 #include "lsp/index/file_index.h"
 
 #include "support/text.h"
+#include "taskdsl/base/foreach_header.h"
+#include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/expr/plot_text.h"
-#include "taskdsl/generate/foreach.h"
 #include "taskdsl/generate/fragment.h"
 #include "taskdsl/generate/fragment_header.h"
 #include "taskdsl/task/directive_reader.h"
@@ -19,6 +20,7 @@ namespace morquill::lsp {
 using taskdsl::beginsBlock;
 using taskdsl::cleanLine;
 using taskdsl::FragmentKind;
+using taskdsl::LineKind;
 
 namespace {
 
@@ -63,7 +65,7 @@ class FileScan {
             builder_.addComment(lines_[at_]);
             return;
         }
-        if (taskdsl::isFragmentLine(text) && form_ != FileForm::tasks) {
+        if (beginsBlock(text, "&FRAGMENT") && form_ != FileForm::tasks) {
             openFragment();
         } else if (beginsBlock(text, "&INCLUDE")) {
             if (lines_[at_].starts_with('&')) {
@@ -72,8 +74,8 @@ class FileScan {
             at_ = scanInclude(builder_, lines_, at_);
         } else if (beginsBlock(text, "@plot") || beginsBlock(text, "@derive")) {
             readBlock(text);
-        } else if (const auto loop = taskdsl::parseForeachHeader(text); loop.valid) {
-            openLoop(text, loop);
+        } else if (const auto loop = taskdsl::parseForeachHeader(text)) {
+            openLoop(text, *loop);
         } else if (text == "@end") {
             closeLoop(text);
         } else if (const auto name = taskdsl::taskHeaderName(text); !name.empty()) {
@@ -132,17 +134,17 @@ class FileScan {
         const auto block = isDeep ? builder_.addScope(BlockKind::formula, lines_[at_])
                                   : builder_.open(BlockKind::loop, lines_[at_]);
         builder_.add(NameKind::statement, word, keyword);
-        const auto name = text.substr(text.find(loop.name, keyword.size()), loop.name.size());
-        const auto number = loop.hasSource ? builder_.add(NameKind::loop, definition, name, block)
-                                           : builder_.add(NameKind::collection, reference, name);
+        const auto name = loop.name;
+        const auto number = loop.source ? builder_.add(NameKind::loop, definition, name, block)
+                                        : builder_.add(NameKind::collection, reference, name);
         builder_.setName(block, number);
-        if (loop.hasSource) {
+        if (loop.source) {
             const auto source =
                 trim(text.substr(static_cast<std::size_t>(name.data() - text.data()) + name.size()));
             builder_.add(NameKind::word, word, source.substr(0, 2));
             builder_.add(NameKind::string, word, trim(source.substr(2)));
         }
-        builder_.loops.push_back({name, loop.hasSource, block});
+        builder_.loops.push_back({name, loop.source.has_value(), block});
         noteLine();
     }
 
@@ -177,11 +179,15 @@ class FileScan {
         }
     }
 
+    static bool endsTaskPlot(LineKind kind) noexcept {
+        return taskdsl::isStructure(kind) || kind == LineKind::loop;
+    }
+
     void readTaskPlot(std::string_view header) {
         const auto block = builder_.open(BlockKind::plot, lines_[at_]);
         Lines body;
-        while (at_ + 1 < lines_.size() && !taskdsl::isStructureLine(cleanLine(lines_[at_ + 1])) &&
-               !taskdsl::parseForeachHeader(cleanLine(lines_[at_ + 1])).valid) {
+        while (at_ + 1 < lines_.size() &&
+               !endsTaskPlot(taskdsl::kindOfCleanLine(cleanLine(lines_[at_ + 1])))) {
             notePlotLine(lines_[++at_]);
             body.push_back(lines_[at_]);
         }

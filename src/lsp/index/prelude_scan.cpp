@@ -1,8 +1,8 @@
 #include "lsp/index/block_scans.h"
 
 #include "support/text.h"
+#include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
-#include "taskdsl/generate/foreach.h"
 
 #include <algorithm>
 #include <vector>
@@ -10,6 +10,7 @@
 namespace morquill::lsp {
 
 using taskdsl::cleanLine;
+using taskdsl::LineKind;
 
 namespace {
 
@@ -20,9 +21,10 @@ bool isIndented(std::string_view line) noexcept {
 }
 
 /// A line that ends the prelude, as the parser has it.
-bool beginsBody(std::string_view text) {
-    return !taskdsl::taskHeaderName(text).empty() || taskdsl::isBlockKeyword(text) ||
-           taskdsl::parseForeachHeader(text).valid;
+bool beginsBody(std::string_view text) noexcept {
+    const auto kind = taskdsl::kindOfCleanLine(text);
+    return kind == LineKind::taskHeader || taskdsl::opensBlock(kind) || kind == LineKind::end ||
+           kind == LineKind::loop;
 }
 
 class PreludeScan {

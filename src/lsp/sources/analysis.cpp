@@ -1,7 +1,7 @@
 #include "lsp/sources/analysis.h"
 
+#include "console/library_file.h"
 #include "lint/file_check.h"
-#include "support/fault.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
@@ -17,7 +17,7 @@
 
 namespace morquill::lsp {
 
-using taskdsl::ParseContext;
+using taskdsl::DocumentContext;
 
 namespace {
 
@@ -35,7 +35,7 @@ constexpr std::array<KindRow, 4> kinds{{
 /// True for a body that says by a placeholder what it includes: that is known where the fragment is used.
 bool includesPlaceholder(const taskdsl::FragmentDefinition& fragment) {
     return std::any_of(fragment.lines.begin(), fragment.lines.end(), [](const taskdsl::SourceLine& line) {
-        const auto text = trim(line.text);
+        const auto text = trim(line.text());
         return text.starts_with("&INCLUDE") &&
                text.substr(0, text.find('(')).find('[') != std::string_view::npos;
     });
@@ -43,31 +43,31 @@ bool includesPlaceholder(const taskdsl::FragmentDefinition& fragment) {
 
 /// Expands the includes of a fragment as if it stood where its kind belongs.
 void checkFragment(const taskdsl::FragmentDefinition& fragment, const taskdsl::FragmentLibrary* library,
-                   ParseContext& context) {
+                   DocumentContext& context) {
     if (!includesPlaceholder(fragment)) {
         (void)taskdsl::expandIncludes(fragment.lines, {fragment.path, library, fragment.kind}, context);
     }
 }
 
-void checkLibrary(const std::string& path, ParseContext& context) {
+void checkLibrary(const std::string& path, DocumentContext& context) {
     const auto library = taskdsl::loadLibrary(path, path, context);
     for (const auto& [name, fragment] : library->fragments) {
         checkFragment(fragment, library.get(), context);
     }
 }
 
-void checkFragmentFile(const std::string& path, ParseContext& context) {
+void checkFragmentFile(const std::string& path, DocumentContext& context) {
     const auto fragment = taskdsl::loadFragmentFile(path, path, taskdsl::FragmentKind::unknown, context);
     if (fragment.kind != taskdsl::FragmentKind::unknown) {
         checkFragment(fragment, nullptr, context);
     }
 }
 
-void checkValues(const std::string& path, ParseContext& context) {
+void checkValues(const std::string& path, DocumentContext& context) {
     (void)taskdsl::parseYamlInclude(path, path, context);
 }
 
-using FileCheck = void (*)(const std::string& path, ParseContext& context);
+using FileCheck = void (*)(const std::string& path, DocumentContext& context);
 
 /// The check of a file that is no task file, by its kind.
 FileCheck checkOf(FileKind kind) noexcept {
@@ -87,14 +87,16 @@ FileCheck checkOf(FileKind kind) noexcept {
 void checkPart(FileCheck check, const std::string& path, const taskdsl::FileOverlay& overlay,
                Analysis& analysis) {
     const taskdsl::WarningSink warnings = [&](const std::string& line) { analysis.warnings.push_back(line); };
-    ParseContext context(warnings, overlay);
+    taskdsl::ParseContext run(
+        {.findLibraryFile = console::findLibraryFile, .warnings = warnings, .overlay = overlay});
+    DocumentContext context(run);
     analysis.report.path = path;
     try {
         check(path, context);
         analysis.report.parsed = true;
-        analysis.files = context.document.includedFiles.names();
+        analysis.files = context.includedFiles.names();
     } catch (const std::exception& fault) {
-        lint::addParseFault(faultText(fault, path), analysis.report);
+        lint::addParseFault(fault, analysis.report);
     }
 }
 

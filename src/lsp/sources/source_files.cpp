@@ -1,5 +1,6 @@
 #include "lsp/sources/source_files.h"
 
+#include "console/library_file.h"
 #include "lsp/base/uri.h"
 #include "support/file.h"
 #include "support/paths.h"
@@ -40,7 +41,7 @@ void makeIndex(SourceFile& file) {
     }
     file.linked.clear();
     for (const auto& link : file.index.links) {
-        file.linked.push_back(taskdsl::resolveIncludePath(link.target, file.path));
+        file.linked.push_back(taskdsl::resolveIncludePath(link.target, file.path, console::findLibraryFile));
     }
 }
 

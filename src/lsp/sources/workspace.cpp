@@ -1,6 +1,8 @@
 #include "lsp/sources/workspace.h"
 
+#include "console/library_file.h"
 #include "lsp/sources/source_files.h"
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "taskdsl/generate/include_path.h"
@@ -29,7 +31,8 @@ KnownFile summarise(const std::string& path, std::string text, PositionUnit unit
     const auto index = indexFile(buffer.text(), fileForm(fileKind(path)));
     for (const auto& link : index.links) {
         if (link.kind != FileLink::Kind::geometry && link.kind != FileLink::Kind::otherFile) {
-            known.links.push_back(normalisedPath(taskdsl::resolveIncludePath(link.target, path)));
+            known.links.push_back(
+                normalisedPath(taskdsl::resolveIncludePath(link.target, path, console::findLibraryFile)));
         }
     }
     if (fileKind(path) == FileKind::tasks) {
@@ -99,9 +102,10 @@ void Workspace::listFolder(const std::string& folder) {
             inner.push_back(entry->path().string());
         }
     }
-    const auto siblings = isCase ? listDirectoryEntries(parentPath(folder)) : std::vector<std::string>{};
-    isCase = std::any_of(siblings.begin(), siblings.end(),
-                         [](const std::string& name) { return name.ends_with(".projmq"); });
+    const auto siblings = isCase ? readDirectory(parentPath(folder)) : std::nullopt;
+    isCase = siblings && std::any_of(siblings->begin(), siblings->end(), [](const DirectoryEntry& entry) {
+                 return entry.name.ends_with(".projmq");
+             });
     if (!isCase) {
         folders_.insert(folders_.end(), inner.begin(), inner.end());
     }

@@ -1,10 +1,12 @@
 #include "project/cases/block_pattern.h"
 
+#include "support/directory.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/paths.h"
-#include "system/tree_walk.h"
 
 #include <algorithm>
+#include <system_error>
 
 #include <fnmatch.h>
 
@@ -20,9 +22,9 @@ std::string normalisedPattern(std::string_view pattern) {
 }
 
 std::vector<std::string> matchNames(const std::string& blockDir, const std::string& pattern,
-                                    bool directoriesOnly) {
+                                    MatchedKind kind) {
     auto names = listDirectoryEntries(blockDir, pattern);
-    if (directoriesOnly) {
+    if (kind == MatchedKind::directories) {
         std::erase_if(names, [&](const std::string& name) { return !isDirectory(joinPath(blockDir, name)); });
     }
     return names;
@@ -31,11 +33,14 @@ std::vector<std::string> matchNames(const std::string& blockDir, const std::stri
 std::vector<std::string> matchTree(const std::string& blockDir, const std::string& pattern) {
     std::vector<std::string> matches;
     const std::size_t prefix = joinPath(blockDir, "").size();
-    system::walkTree(blockDir, [&](const std::string& path, system::EntryKind kind) {
-        const bool maybeFile = kind == system::EntryKind::file || kind == system::EntryKind::link;
+    walkTree(blockDir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
+        const bool maybeFile = kind == EntryKind::file || kind == EntryKind::link;
         if (maybeFile && ::fnmatch(pattern.c_str(), path.c_str() + prefix, FNM_PATHNAME) == 0 &&
             isRegularFile(path)) {
             matches.push_back(path.substr(prefix));
+        }
+        if (kind == EntryKind::unreadable) {
+            throw std::system_error(lastSystemError(), "could not read directory " + path);
         }
         return true;
     });
@@ -46,12 +51,12 @@ std::vector<std::string> matchTree(const std::string& blockDir, const std::strin
 } // namespace
 
 std::vector<std::string> expandBlockPattern(const std::string& blockDir, std::string_view pattern,
-                                            bool directoriesOnly) {
+                                            MatchedKind kind) {
     const auto normalised = normalisedPattern(pattern);
     if (normalised.empty()) {
         return {};
     }
-    return normalised.find('/') == std::string::npos ? matchNames(blockDir, normalised, directoriesOnly)
+    return normalised.find('/') == std::string::npos ? matchNames(blockDir, normalised, kind)
                                                      : matchTree(blockDir, normalised);
 }
 

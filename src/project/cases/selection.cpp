@@ -6,6 +6,8 @@
 #include "support/text.h"
 #include "system/prompt.h"
 
+#include <utility>
+
 #include <fnmatch.h>
 
 namespace morquill::project {
@@ -17,12 +19,12 @@ const std::vector<std::string>& shownNames(const TaskCatalog& catalog) {
     return catalog.availableTasks.empty() ? catalog.expandedTasks : catalog.availableTasks;
 }
 
-/// One explicit or interactive choice and its words.
+/// One explicit or interactive choice and its messages.
 struct Choice {
     const TaskCatalog& catalog;
-    bool allowWildcards;
+    Wildcards wildcards;        ///< of the names; those of the menu are plain
     std::string noBlocks;       ///< the message for a catalog without blocks
-    std::string missingMessage; ///< stands before the names that are not known
+    std::string missingMessage; ///< precedes the names that are not known
 };
 
 std::vector<std::string> askForNames(const TaskCatalog& catalog, std::string_view title) {
@@ -43,94 +45,101 @@ std::vector<std::string> askForNames(const TaskCatalog& catalog, std::string_vie
     return chosen;
 }
 
-bool choose(const Choice& choice, const std::vector<std::string>& names, std::string_view title,
-            std::vector<std::string>& selected) {
+std::optional<std::vector<std::string>> choose(const Choice& choice, const std::vector<std::string>& names,
+                                               std::string_view title) {
     if (shownNames(choice.catalog).empty()) {
         console::reportError(choice.noBlocks);
+        return std::nullopt;
+    }
+    auto [selected, missing] =
+        names.empty() ? selectTaskBlocks(choice.catalog, askForNames(choice.catalog, title), Wildcards::plain)
+                      : selectTaskBlocks(choice.catalog, names, choice.wildcards);
+    if (!missing.empty()) {
+        console::reportError(choice.missingMessage + join(missing, ", ") + knownBlockLines(choice.catalog));
+        return std::nullopt;
+    }
+    return std::move(selected);
+}
+
+/// Adds the expansions of a block to the choice; false when the catalog has no such block.
+bool takeBlock(const TaskCatalog& catalog, const std::string& name, NameList& chosen) {
+    const auto expansions = catalog.expansionsByName.find(name);
+    if (expansions == catalog.expansionsByName.end()) {
         return false;
     }
-    std::vector<std::string> missing;
-    const bool found =
-        names.empty()
-            ? selectTaskBlocks(choice.catalog, askForNames(choice.catalog, title), false, selected, missing)
-            : selectTaskBlocks(choice.catalog, names, choice.allowWildcards, selected, missing);
-    if (!found) {
-        console::reportError(choice.missingMessage + join(missing, ", ") + knownBlockLines(choice.catalog));
+    for (const std::string& expansion : expansions->second) {
+        chosen.add(expansion);
     }
-    return found;
+    return true;
+}
+
+/// The same for every block whose name the pattern matches; false when there is none.
+bool takeMatchingBlocks(const TaskCatalog& catalog, const std::string& pattern, NameList& chosen) {
+    bool hit = false;
+    for (const std::string& logical : catalog.logicalNames) {
+        if (::fnmatch(pattern.c_str(), logical.c_str(), 0) == 0) {
+            hit = true;
+            takeBlock(catalog, logical, chosen);
+        }
+    }
+    return hit;
 }
 
 } // namespace
 
-bool selectTaskBlocks(const TaskCatalog& catalog, const std::vector<std::string>& names, bool allowWildcards,
-                      std::vector<std::string>& selected, std::vector<std::string>& missing) {
+BlockSelection selectTaskBlocks(const TaskCatalog& catalog, const std::vector<std::string>& names,
+                                Wildcards wildcards) {
     NameList chosen;
-    missing.clear();
-    const auto take = [&](const std::string& name) {
-        const auto expansions = catalog.expansionsByName.find(name);
-        if (expansions == catalog.expansionsByName.end()) {
-            return false;
-        }
-        for (const std::string& expansion : expansions->second) {
-            chosen.add(expansion);
-        }
-        return true;
-    };
+    std::vector<std::string> missing;
     for (const std::string& name : names) {
-        bool hit = false;
-        if (allowWildcards && name.find_first_of("*?[") != std::string::npos) {
-            for (const std::string& logical : catalog.logicalNames) {
-                if (::fnmatch(name.c_str(), logical.c_str(), 0) == 0) {
-                    hit = true;
-                    take(logical);
-                }
-            }
-        } else {
-            hit = take(name);
-        }
+        const bool isPattern =
+            wildcards == Wildcards::matched && name.find_first_of("*?[") != std::string::npos;
+        const bool hit =
+            isPattern ? takeMatchingBlocks(catalog, name, chosen) : takeBlock(catalog, name, chosen);
         if (!hit && !name.empty()) {
             missing.push_back(name);
         }
     }
-    selected = chosen.names();
-    return missing.empty();
+    return {chosen.names(), std::move(missing)};
 }
 
-bool selectFromFile(const std::string& file, std::string_view label, const std::vector<std::string>& names,
-                    std::string_view title, std::vector<std::string>& selected) {
+std::optional<std::vector<std::string>> selectFromFile(const std::string& file, std::string_view label,
+                                                       const std::vector<std::string>& names,
+                                                       std::string_view title) {
     if (file.empty()) {
         console::reportError("task file is empty");
-        return false;
+        return std::nullopt;
     }
     const std::string base = baseName(file);
     console::printNote(std::string(label) + " found: " + base);
-    TaskCatalog catalog;
-    if (std::string error; !scanTaskFile(file, catalog, error)) {
-        console::reportError(error);
-        return false;
+    const auto catalog = scanTaskFile(file);
+    if (!catalog) {
+        console::reportError(catalog.error());
+        return std::nullopt;
     }
-    const Choice choice{catalog, false, "no task blocks were found in: " + base,
+    const Choice choice{*catalog, Wildcards::plain, "no task blocks were found in: " + base,
                         "task block not found in " + std::string(label) + ": "};
-    return choose(choice, names, title, selected);
+    return choose(choice, names, title);
 }
 
-bool selectFromProject(const std::string& root, const std::string& file,
-                       const std::vector<std::string>& names, std::string_view title,
-                       std::vector<std::string>& selected) {
+std::optional<std::vector<std::string>> selectFromProject(const std::string& root, const std::string& file,
+                                                          const std::vector<std::string>& names,
+                                                          std::string_view title) {
     if (file.empty()) {
         console::reportError(".projmq project template not found: " + root);
-        return false;
+        return std::nullopt;
     }
     const std::string base = baseName(file);
     console::printNote("project template found: " + base);
-    TaskCatalog catalog;
-    if (std::string error; !loadCatalog(root, file, catalog, error)) {
-        console::reportError(error);
-        return false;
+    const auto catalog = loadCatalog(root, file);
+    if (!catalog) {
+        console::reportError(catalog.error());
+        return std::nullopt;
     }
-    const Choice choice{catalog, true, "no task blocks were found in project template or case files: " + base,
+    const Choice choice{*catalog, Wildcards::matched,
+                        "no task blocks were found in project template or case files: " + base,
                         "task block not found in project template/case context: "};
-    return choose(choice, names, title, selected);
+    return choose(choice, names, title);
 }
 
 std::string knownBlockLines(const TaskCatalog& catalog) {

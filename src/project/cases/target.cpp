@@ -1,8 +1,14 @@
 #include "project/cases/target.h"
 
+#include "console/messages.h"
+#include "support/directory.h"
 #include "support/file.h"
 
 #include <algorithm>
+#include <functional>
+#include <optional>
+#include <system_error>
+#include <utility>
 
 namespace morquill::project {
 
@@ -13,16 +19,48 @@ constexpr std::string_view templateExtension = ".projmq";
 constexpr int projectLevels = 6; // the start and five above it
 constexpr int caseLevels = 4;
 
+bool isForbidden(const std::system_error& failure) noexcept {
+    return failure.code() == std::errc::permission_denied;
+}
+
+/// As `anyDirectoryEntry`; a directory that this user may not read has nothing: the way up may lead through
+/// one.
+bool anyVisibleEntry(const std::string& dir, const std::function<bool(const std::string&)>& accept) {
+    try {
+        return anyDirectoryEntry(dir, accept);
+    } catch (const std::system_error& failure) {
+        if (!isForbidden(failure)) {
+            throw;
+        }
+        return false;
+    }
+}
+
+/// True for a directory of a project that holds a task file. One that this user may not read is none, which
+/// is reported: it may be somebody's case.
+bool isCaseDirectory(const std::string& dir) {
+    try {
+        return anyDirectoryEntry(
+            dir, [](const std::string& entry) { return extensionOf(entry) == taskExtension; });
+    } catch (const std::system_error& failure) {
+        if (!isForbidden(failure)) {
+            throw;
+        }
+        console::reportWarning(std::string(failure.what()) + "; it counts as no case");
+        return false;
+    }
+}
+
 bool hasProjectTemplate(const std::string& dir) {
-    return anyDirectoryEntry(dir, [&](const std::string& name) {
+    return anyVisibleEntry(dir, [&](const std::string& name) {
         return extensionOf(name) == templateExtension && isRegularFile(joinPath(dir, name));
     });
 }
 
-// A link counts wherever it leads: a case whose link dangles is still a case, with a file that cannot be
-// read.
+// A link counts wherever it leads: a case whose link dangles is still a case, with a file that
+// cannot be read.
 bool hasTaskFile(const std::string& dir) {
-    return anyDirectoryEntry(dir, [&](const std::string& name) {
+    return anyVisibleEntry(dir, [&](const std::string& name) {
         return extensionOf(name) == taskExtension && !isDirectory(joinPath(dir, name));
     });
 }
@@ -37,14 +75,11 @@ bool looksLikeBlock(const std::string& dir) {
            isRegularFile(joinPath(dir, ".morq.result.kv"));
 }
 
-/// Moves `dir` one level up; false at the top of the path.
-bool climb(std::string& dir) {
+/// The directory one level up; nothing at the top of the path.
+std::optional<std::string> directoryAbove(const std::string& dir) {
     std::string parent = parentPath(dir);
-    if (parent.empty() || parent == "." || parent == dir) {
-        return false;
-    }
-    dir = std::move(parent);
-    return true;
+    const bool atTop = parent.empty() || parent == "." || parent == dir;
+    return atTop ? std::nullopt : std::optional(std::move(parent));
 }
 
 std::string startDirectory(std::string_view path) {
@@ -52,75 +87,74 @@ std::string startDirectory(std::string_view path) {
     return isRegularFile(start) ? parentPath(start) : start;
 }
 
-/// The one template of a directory, or why there is none to take.
-enum class TemplateCount { none, one, many };
-
-TemplateCount takeTemplate(const std::string& dir, std::string& root, std::string& file) {
-    const std::vector<std::string> templates = listProjectTemplates(dir);
-    if (templates.size() != 1) {
-        return templates.empty() ? TemplateCount::none : TemplateCount::many;
-    }
-    root = dir;
-    file = templates.front();
-    return TemplateCount::one;
+Failure severalTemplates(std::string_view place) {
+    return {"multiple .projmq files were found in the " + std::string(place)};
 }
 
-constexpr std::string_view severalTemplates = "multiple .projmq files were found in the ";
-
-std::string severalTemplatesIn(std::string_view place, const std::string& dir) {
-    return std::string(severalTemplates) + std::string(place) + "; specify one explicitly: " + dir;
+Failure severalTemplatesIn(std::string_view place, const std::string& dir) {
+    return severalTemplates(std::string(place) + "; specify one explicitly: " + dir);
 }
 
-bool resolveFromCurrentDirectory(std::string& root, std::string& file, std::string& error) {
+Outcome<ProjectTemplate> resolveFromCurrentDirectory() {
     const std::string current = absoluteLocation({});
-    TemplateCount count = takeTemplate(current, root, file);
-    if (count == TemplateCount::many) {
-        error = std::string(severalTemplates) + "current directory; specify one explicitly.";
-        return false;
+    const auto here = listProjectTemplates(current);
+    if (here.size() > 1) {
+        return severalTemplates("current directory; specify one explicitly.");
     }
-    if (count == TemplateCount::none) {
-        const std::string enclosing = findProjectDirectory({});
-        count = takeTemplate(enclosing, root, file);
-        if (count == TemplateCount::many) {
-            error = severalTemplatesIn("enclosing project directory", enclosing);
-            return false;
-        }
+    if (here.size() == 1) {
+        return ProjectTemplate{current, here.front()};
     }
-    if (count == TemplateCount::none) {
-        error = "no .projmq file was found in the current directory or enclosing project; use "
-                "--path or <xxx.projmq>.";
-        return false;
+    const std::string enclosing = findProjectDirectory({});
+    const auto above = listProjectTemplates(enclosing);
+    if (above.size() > 1) {
+        return severalTemplatesIn("enclosing project directory", enclosing);
     }
-    return true;
+    if (above.empty()) {
+        return Failure{
+            "no .projmq file was found in the current directory or enclosing project; use --path or "
+            "<xxx.projmq>."};
+    }
+    return ProjectTemplate{enclosing, above.front()};
 }
 
-/// The enclosing project of an absolute path; `unresolved` is the message when there is none.
-bool resolveEnclosingProject(const std::string& path, std::string_view unresolved, std::string& root,
-                             std::string& file, std::string& error) {
+/// The enclosing project of an absolute path; `unresolved` is the message, without the path,
+/// when there is none.
+Outcome<ProjectTemplate> resolveEnclosingProject(const std::string& path, std::string_view unresolved) {
     const std::string dir = findProjectDirectory(path);
-    switch (takeTemplate(dir, root, file)) {
-    case TemplateCount::one:
-        return true;
-    case TemplateCount::many:
-        error = severalTemplatesIn("project directory", dir);
-        return false;
-    case TemplateCount::none:
-        error = std::string(unresolved) + path;
-        return false;
+    const auto templates = listProjectTemplates(dir);
+    if (templates.empty()) {
+        return Failure{std::string(unresolved) + path};
     }
-    return false;
+    if (templates.size() > 1) {
+        return severalTemplatesIn("project directory", dir);
+    }
+    return ProjectTemplate{dir, templates.front()};
+}
+
+/// The project as a target, or the failure to find it.
+Outcome<ProjectTarget> asTarget(const Outcome<ProjectTemplate>& project) {
+    if (!project) {
+        return project.failure();
+    }
+    return ProjectTarget{TargetKind::Project, project->root, project->file, {}, {}};
+}
+
+ProjectTarget caseTarget(std::string dir, std::string file) {
+    return {TargetKind::Case, {}, {}, std::move(dir), std::move(file)};
 }
 
 } // namespace
 
 std::vector<std::string> listProjectTemplates(const std::string& dir) {
     std::vector<std::string> templates;
-    for (const std::string& name : listDirectoryEntries(dir, "*")) {
+    (void)anyVisibleEntry(dir, [&](const std::string& name) {
         std::string path = joinPath(dir, name);
         if (extensionOf(name) == templateExtension && isRegularFile(path)) {
             templates.push_back(std::move(path));
         }
-    }
+        return false; // on to the next
+    });
+    std::sort(templates.begin(), templates.end());
     return templates;
 }
 
@@ -134,9 +168,7 @@ std::vector<std::string> listCaseDirectories(const std::string& root) {
     std::vector<std::string> cases;
     for (const std::string& name : listDirectoryEntries(root, "*")) {
         std::string path = joinPath(root, name);
-        if (name.front() != '.' && anyDirectoryEntry(path, [](const std::string& entry) {
-                return extensionOf(entry) == taskExtension;
-            })) {
+        if (name.front() != '.' && isCaseDirectory(path)) {
             cases.push_back(std::move(path));
         }
     }
@@ -151,7 +183,7 @@ std::string findProjectDirectory(std::string_view path) {
         if (absolute.ends_with(templateExtension)) {
             return start;
         }
-        const std::string above = parentPath(start);
+        std::string above = parentPath(start);
         if (hasTaskFile(start) && hasProjectTemplate(above)) {
             return above;
         }
@@ -161,78 +193,68 @@ std::string findProjectDirectory(std::string_view path) {
         if (hasProjectTemplate(dir)) {
             return dir;
         }
-        if (!climb(dir)) {
+        auto above = directoryAbove(dir);
+        if (!above) {
             break;
         }
+        dir = *std::move(above);
     }
     return start;
 }
 
 std::string findCaseDirectory(std::string_view path) {
-    const std::string start = startDirectory(path);
+    std::string start = startDirectory(path);
     std::string dir = start;
     for (int level = 0; level < caseLevels; ++level) {
         if (looksLikeCase(dir)) {
             return dir;
         }
-        if (std::string above = dir; looksLikeBlock(dir) && climb(above) && looksLikeCase(above)) {
-            return above;
-        }
-        if (!climb(dir)) {
+        auto above = directoryAbove(dir);
+        if (!above) {
             break;
         }
+        if (looksLikeBlock(dir) && looksLikeCase(*above)) {
+            return *above;
+        }
+        dir = *std::move(above);
     }
     return start;
 }
 
-bool resolveProjectTemplate(std::string_view path, std::string& root, std::string& file, std::string& error) {
+Outcome<ProjectTemplate> resolveProjectTemplate(std::string_view path) {
     if (path.empty()) {
-        return resolveFromCurrentDirectory(root, file, error);
+        return resolveFromCurrentDirectory();
     }
     const std::string absolute = absoluteLocation(path);
     if (absolute.ends_with(templateExtension) && isRegularFile(absolute)) {
-        root = parentPath(absolute);
-        file = absolute;
-        return true;
+        return ProjectTemplate{parentPath(absolute), absolute};
     }
-    return resolveEnclosingProject(absolute, "could not resolve a .projmq project template from path: ", root,
-                                   file, error);
+    return resolveEnclosingProject(absolute, "could not resolve a .projmq project template from path: ");
 }
 
-bool resolveTarget(std::string_view path, ProjectTarget& target, std::string& error) {
-    target = ProjectTarget{};
+Outcome<ProjectTarget> resolveTarget(std::string_view path) {
     if (path.empty()) {
-        return resolveProjectTemplate(path, target.projectRoot, target.projectFile, error);
+        return asTarget(resolveFromCurrentDirectory());
     }
     const std::string absolute = absoluteLocation(path);
     const bool regular = isRegularFile(absolute);
     if (regular && absolute.ends_with(templateExtension)) {
-        target.projectRoot = parentPath(absolute);
-        target.projectFile = absolute;
-        return true;
+        return asTarget(ProjectTemplate{parentPath(absolute), absolute});
     }
     if (regular && absolute.ends_with(taskExtension)) {
-        target.kind = TargetKind::Case;
-        target.caseDir = parentPath(absolute);
-        target.caseFile = absolute;
-        return true;
+        return caseTarget(parentPath(absolute), absolute);
     }
     const std::string caseDir = findCaseDirectory(absolute);
     const std::vector<std::string> taskFiles = listTaskFiles(caseDir);
     if (taskFiles.size() > 1) {
-        error = "multiple .mq files were found in the case directory; specify one explicitly: " + caseDir;
-        return false;
+        return Failure{"multiple .mq files were found in the case directory; specify one explicitly: " +
+                       caseDir};
     }
     if (taskFiles.size() == 1) {
-        target.kind = TargetKind::Case;
-        target.caseDir = caseDir;
-        target.caseFile = joinPath(caseDir, taskFiles.front());
-        return true;
+        return caseTarget(caseDir, joinPath(caseDir, taskFiles.front()));
     }
-    return resolveEnclosingProject(
-        absolute,
-        "could not resolve a .projmq project template or case .mq file from path: ", target.projectRoot,
-        target.projectFile, error);
+    return asTarget(resolveEnclosingProject(
+        absolute, "could not resolve a .projmq project template or case .mq file from path: "));
 }
 
 } // namespace morquill::project

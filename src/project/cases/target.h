@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/outcome.h"
 #include "support/paths.h"
 
 #include <cstdint>
@@ -7,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// From a path that the user typed to a project or a case. All paths given back are absolute and lexically
+/// From a path that the user typed to a project or a case. All returned paths are absolute and lexically
 /// normal, without a trailing slash; links are not resolved, so that a case file that links to the template
 /// stays a case file.
 namespace morquill::project {
@@ -21,6 +22,12 @@ struct ProjectTarget {
     std::string projectFile; ///< its template
     std::string caseDir;     ///< set for a case
     std::string caseFile;    ///< its task file
+};
+
+/// A project and its template.
+struct ProjectTemplate {
+    std::string root;
+    std::string file;
 };
 
 /// The regular files in `dir` with the extension `.projmq`, sorted.
@@ -40,13 +47,10 @@ struct ProjectTarget {
 /// The case that a path lies in, at most four levels up; the directory of the path when there is none.
 [[nodiscard]] std::string findCaseDirectory(std::string_view path);
 
-/// Finds the one template of the project that `path` (empty: the current directory) lies in. False with the
-/// message, without its tag, in `error`.
-[[nodiscard]] bool resolveProjectTemplate(std::string_view path, std::string& root, std::string& file,
-                                          std::string& error);
+/// The one template of the project that `path` (empty: the current directory) lies in.
+Outcome<ProjectTemplate> resolveProjectTemplate(std::string_view path);
 
-/// Finds the project or case that `path` names; a case is looked for first. False with the message,
-/// without its tag, in `error`.
-[[nodiscard]] bool resolveTarget(std::string_view path, ProjectTarget& target, std::string& error);
+/// The project or case that `path` names; a case is looked for first.
+Outcome<ProjectTarget> resolveTarget(std::string_view path);
 
 } // namespace morquill::project

@@ -1,7 +1,8 @@
 #include "project/cases/task_catalog.h"
 
-#include "console/logger.h"
+#include "console/library_file.h"
 #include "project/cases/target.h"
+#include "support/directory.h"
 #include "support/fault.h"
 #include "support/file.h"
 #include "support/name_list.h"
@@ -31,8 +32,8 @@ class CatalogBuilder {
     [[nodiscard]] TaskCatalog finish() const;
 
   private:
-    void bind(const std::string& logicalName, const std::string& expansion) {
-        expansions_[logicalName].add(expansion);
+    void bind(std::string_view logicalName, const std::string& expansion) {
+        expansions_[std::string(logicalName)].add(expansion);
     }
 
     NameList available_;
@@ -41,7 +42,7 @@ class CatalogBuilder {
     std::map<std::string, NameList, std::less<>> expansions_;
 };
 
-/// Tells the place where a block is written; every expansion of the block has the same.
+/// The place where a block is written, the same for all its expansions.
 std::string headerKey(const TaskInfo& task) {
     const taskdsl::SourceSpan& span = task.headerSpan;
     return span.path.str() + '|' + std::to_string(span.line) + ':' + std::to_string(span.column) + '-' +
@@ -88,7 +89,7 @@ TaskCatalog CatalogBuilder::finish() const {
     return catalog;
 }
 
-/// A sink that passes warnings on and remembers that there were some.
+/// A sink that passes warnings on and remembers that there were any.
 struct WarningWatch {
     const taskdsl::WarningSink& sink;
     bool warned = false;
@@ -96,14 +97,14 @@ struct WarningWatch {
     taskdsl::WarningSink listener() {
         return [this](const std::string& text) {
             warned = true;
-            if (sink) {
-                sink(text);
-            } else {
-                console::logWarning(text);
-            }
+            sink(text);
         };
     }
 };
+
+taskdsl::TaskParser parserWith(taskdsl::WarningSink sink) {
+    return taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile, .warnings = std::move(sink)});
+}
 
 /// A file that cannot be parsed is passed over; one that only lacked memory says nothing about its blocks.
 void stopWithoutMemory(const std::exception& failure, const std::string& file) {
@@ -128,7 +129,7 @@ class CaseReader {
         if (dependsOnDirectory(*text, caseDir) ? parse(*text, file) : parseOnce(asCase_, *text, file)) {
             return true;
         }
-        // A template that includes its neighbours finds them only from where it stands itself.
+        // A template that includes its neighbours finds them only from its own place.
         return parseOnce(asTemplate_, *text, templateFile_);
     }
 
@@ -146,7 +147,7 @@ class CaseReader {
     bool parse(const std::string& text, const std::string& path) {
         WarningWatch watch{warnings_};
         try {
-            builder_.add(taskdsl::TaskParser(false, watch.listener()).parseText(text, path));
+            builder_.add(parserWith(watch.listener()).parseText(text, path));
         } catch (const std::exception& failure) {
             stopWithoutMemory(failure, path);
             warned_ = watch.warned;
@@ -156,8 +157,8 @@ class CaseReader {
         return true;
     }
 
-    // The names are in the catalog after the first time. A text with warnings is parsed anew, for every case
-    // has to be warned about.
+    // The names are in the catalog after the first time. A text with warnings is parsed anew,
+    // since every case has to be warned about.
     bool parseOnce(Outcomes& outcomes, const std::string& text, const std::string& path) {
         if (const auto known = outcomes.find(text); known != outcomes.end()) {
             return known->second;
@@ -179,39 +180,37 @@ class CaseReader {
     bool warned_ = false;
 };
 
-bool scanInto(CatalogBuilder& builder, const std::string& file, std::string& error,
-              const taskdsl::WarningSink& warnings) {
+/// Adds the blocks of a file; the failure when it cannot be read or parsed.
+std::optional<Failure> scanInto(CatalogBuilder& builder, const std::string& file,
+                                const taskdsl::WarningSink& warnings) {
     try {
-        builder.add(taskdsl::TaskParser(false, warnings).parseFile(file));
-        return true;
+        builder.add(parserWith(warnings).parseFile(file));
+        return std::nullopt;
     } catch (const std::exception& failure) {
         stopWithoutMemory(failure, file);
-        error = std::string(scanFailure) + wholeText(failure);
-        return false;
+        return Failure{std::string(scanFailure) + wholeText(failure)};
     }
 }
 
 } // namespace
 
-const std::string& writtenName(const TaskInfo& task) noexcept {
-    return task.templateTaskName.empty() ? task.name : task.templateTaskName;
+std::string_view writtenName(const TaskInfo& task) noexcept {
+    return task.templateTaskName.empty() ? std::string_view(task.name) : task.templateTaskName.view();
 }
 
-bool scanTaskFile(const std::string& file, TaskCatalog& catalog, std::string& error,
-                  const taskdsl::WarningSink& warnings) {
+Outcome<TaskCatalog> scanTaskFile(const std::string& file, const taskdsl::WarningSink& warnings) {
     CatalogBuilder builder;
-    if (!scanInto(builder, file, error, warnings)) {
-        return false;
+    if (auto failure = scanInto(builder, file, warnings)) {
+        return *std::move(failure);
     }
-    catalog = builder.finish();
-    return true;
+    return builder.finish();
 }
 
-bool loadCatalog(const std::string& root, const std::string& file, TaskCatalog& catalog, std::string& error,
-                 const taskdsl::WarningSink& warnings) {
+Outcome<TaskCatalog> loadCatalog(const std::string& root, const std::string& file,
+                                 const taskdsl::WarningSink& warnings) {
     CatalogBuilder builder;
-    std::string firstFailure;
-    bool anyParsed = scanInto(builder, file, firstFailure, warnings);
+    auto firstFailure = scanInto(builder, file, warnings);
+    bool anyParsed = !firstFailure;
     std::size_t caseFailures = 0;
     CaseReader reader(builder, file, warnings);
     for (const std::string& caseDir : listCaseDirectories(root)) {
@@ -225,15 +224,13 @@ bool loadCatalog(const std::string& root, const std::string& file, TaskCatalog& 
             ++caseFailures;
         }
     }
-    if (!anyParsed) {
-        error = firstFailure;
-        if (caseFailures > 0) {
-            error += " (" + std::to_string(caseFailures) + " additional case parse error(s))";
-        }
-        return false;
+    if (anyParsed) {
+        return builder.finish();
     }
-    catalog = builder.finish();
-    return true;
+    if (caseFailures > 0) {
+        firstFailure->text += " (" + std::to_string(caseFailures) + " additional case parse error(s))";
+    }
+    return *std::move(firstFailure);
 }
 
 } // namespace morquill::project

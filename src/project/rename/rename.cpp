@@ -4,6 +4,7 @@
 #include "project/cases/target.h"
 #include "project/rename/rename_check.h"
 #include "project/rename/rename_files.h"
+#include "support/directory.h"
 #include "support/file.h"
 #include "support/name_list.h"
 #include "support/paths.h"
@@ -20,31 +21,31 @@ namespace morquill::project {
 
 namespace {
 
-/// What the given file stands for.
+/// What the file on the command line leads to.
 struct RenamePlace {
-    bool project = false;
+    TargetKind kind = TargetKind::Case;
     std::string file;    ///< the file to be rewritten: the task file or the project template
     std::string caseDir; ///< the directory of the given task file; empty when the template itself was given
 };
 
-/// A task file that is a link to a project template, or the stub that stands for such a link, stands for the
-/// whole project.
+/// A task file that is a link to a project template, or the stub in place of such a link,
+/// means the whole project.
 RenamePlace findPlace(const std::string& path) {
     if (path.ends_with(".projmq")) {
-        return {true, path, ""};
+        return {TargetKind::Project, path, ""};
     }
     std::error_code error;
     if (path.ends_with(".mq") && std::filesystem::is_symlink(path, error)) {
         if (auto target = normalisedPath(path); target.ends_with(".projmq")) {
-            return {true, std::move(target), parentPath(path)};
+            return {TargetKind::Project, std::move(target), parentPath(path)};
         }
     }
     if (const auto text = readTextFile(path); path.ends_with(".mq") && text) {
         if (auto target = stubTemplate(*text, path)) {
-            return {true, *std::move(target), parentPath(path)};
+            return {TargetKind::Project, *std::move(target), parentPath(path)};
         }
     }
-    return {false, path, parentPath(path)};
+    return {TargetKind::Case, path, parentPath(path)};
 }
 
 /// Reports why nothing is renamed; always false.
@@ -56,10 +57,10 @@ bool refuse(const std::string& message) {
 /// The case name with which the task file of a case is rewritten: none when the file lies elsewhere.
 std::string caseNameOf(const RenamePlace& place) {
     const bool inside = liesBelow(normalisedPath(place.file), normalisedPath(place.caseDir));
-    return !place.project && inside ? stemOf(place.file) : "";
+    return place.kind == TargetKind::Case && inside ? stemOf(place.file) : "";
 }
 
-/// False, after a message, when a case would lose the way to its template: the name of a block may stand in
+/// False, after a message, when a case would lose the way to its template: the name of a block may be part of
 /// the name of the template file.
 bool checkStubs(const std::vector<RenamedCase>& cases, const RenamedBlock& block) {
     for (const auto& [caseDir, names] : cases) {
@@ -134,7 +135,7 @@ std::vector<std::string> listCases(const RenamePlace& place) {
 
 RenameScope findScope(const RenamePlace& place) {
     RenameScope scope{place.file, caseNameOf(place), {}, {}};
-    if (!place.project) {
+    if (place.kind == TargetKind::Case) {
         scope.cases.push_back({place.caseDir, {stemOf(place.file)}});
         return scope;
     }
@@ -201,7 +202,7 @@ int renameBlock(const RenameOptions& options) {
     }
     report.linkRoot = scope.linkRoot;
     renameCases(scope, block, report);
-    if (place.project) {
+    if (place.kind == TargetKind::Project) {
         const auto root = parentPath(place.file);
         invalidateDatabases(root, "project(" + baseName(root) + ")", report);
     }

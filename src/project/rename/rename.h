@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// The `rename` command: a new name for a task block in its task file and in everything derived from the
-/// name.
+/// The `rename` command: a new name for a task block in its task file and in everything derived
+/// from the name.
 namespace morquill::project {
 
 struct RenameOptions {

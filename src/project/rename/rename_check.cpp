@@ -1,5 +1,7 @@
 #include "project/rename/rename_check.h"
 
+#include "console/library_file.h"
+#include "console/logger.h"
 #include "console/messages.h"
 #include "project/cases/target.h"
 #include "project/cases/task_catalog.h"
@@ -10,13 +12,13 @@
 #include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/base/substitute.h"
 #include "taskdsl/generate/include_line.h"
 #include "taskdsl/generate/include_path.h"
 #include "taskdsl/generate/written_headers.h"
 #include "taskdsl/parser/task_parser.h"
-#include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/when_expr.h"
 
 #include <algorithm>
@@ -78,7 +80,7 @@ std::set<std::string> takenNames(const TaskDocument& document, const std::vector
         for (const auto& task : *tasks) {
             if (task.headerSpan.path.str() != file || !ownLines.contains(task.headerSpan.line)) {
                 names.insert(task.name);
-                names.insert(writtenName(task));
+                names.emplace(writtenName(task));
             }
         }
     }
@@ -144,7 +146,7 @@ bool waitsAlike(const taskdsl::TaskWhenEntry& before, const taskdsl::TaskWhenEnt
 }
 
 /// True when a task depends on as much before as after. A new name like `origin` or `and` is read as
-/// something other than a name where it stands for the old one.
+/// something other than a name in place of the old one.
 bool dependsAlike(const TaskInfo& before, const TaskInfo& after) {
     return sourceTasks(before).size() == sourceTasks(after).size() &&
            sourceBindings(before).size() == sourceBindings(after).size() &&
@@ -216,8 +218,8 @@ std::optional<std::string> findKnownKey(const std::string& name, const RenamedBl
     return std::nullopt;
 }
 
-/// Adds the names of the blocks that stand under the renamed headers of a file to `names`. The fault, when
-/// one is that of another block, is made out of several, or is not what the header says.
+/// Adds the names of the blocks under the renamed headers of a file to `names`. The fault, when one is that
+/// of another block, is made out of several, or is not what the header says.
 std::optional<std::string> addNames(const TaskFile& file, const TaskDocument& before,
                                     const TaskDocument& after, const std::set<std::string>& taken,
                                     const Renaming& renaming, NameMap& names) {
@@ -271,9 +273,9 @@ bool isRewritten(const std::string& file, const Renaming& renaming) {
                        [&](const std::string& tree) { return liesBelow(path, tree); });
 }
 
-/// The file that a reference stands in which a rewritten text still has. The lines of a fragment have the
-/// place of their include line, so those of the file itself may come from any included one. Nothing when that
-/// is rewritten, too: it is read here as it was before.
+/// The file of a reference that a rewritten text still has. The lines of a fragment have the place of their
+/// include line, so those of the file itself may come from any included one. Nothing when that is rewritten,
+/// too: it is read here as it was before.
 std::optional<std::string> findUnrenamed(const ReferencePlace& place, const TaskFile& file,
                                          const TaskDocument& document, const Renaming& renaming) {
     if (place.file != file.path) {
@@ -323,7 +325,7 @@ std::optional<std::string> compareDocuments(const TaskFile& file, const TaskDocu
     const std::string change = renaming.change() + " the task file would ";
     try {
         const auto after =
-            taskdsl::TaskParser(false, [](const std::string&) {}).parseText(renamed, file.path);
+            taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile}).parseText(renamed, file.path);
         const bool pairs = before.tasks.size() == after.tasks.size() &&
                            before.templateTasks.size() == after.templateTasks.size();
         if (auto fault = pairs ? addNames(file, before, after, taken, renaming, names) : std::nullopt) {
@@ -368,7 +370,8 @@ std::optional<std::string> compareTexts(const TaskFile& file, const TaskDocument
 std::optional<std::string> checkNeighbour(const TaskFile& file, const Renaming& renaming) {
     TaskDocument before;
     try {
-        before = taskdsl::TaskParser(false, [](const std::string&) {}).parseText(file.text, file.path);
+        before = taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile})
+                     .parseText(file.text, file.path);
     } catch (const taskdsl::DiagnosticError&) {
         const auto renamed = renamedText(file.text, renaming.block, file.caseName).value_or(file.text);
         const bool taken = !linesOf(file.headers, renaming.block.newName).empty();
@@ -423,7 +426,7 @@ std::optional<std::string> blockNameFault(const std::string& name) {
         return "a block name cannot be empty";
     }
     if (std::any_of(name.begin(), name.end(), isControl)) {
-        // without the name, which would not stand in one line
+        // without the name, which would not fit on one line
         return "a block name cannot hold a line break or another control character";
     }
     const std::string shown = ": $" + name;
@@ -451,12 +454,12 @@ std::optional<std::string> stubTemplate(const std::string& text, const std::stri
         if (clean.empty()) {
             continue;
         }
-        if (found || !taskdsl::isIncludeLine(clean)) {
+        if (found || taskdsl::kindOfCleanLine(clean) != taskdsl::LineKind::include) {
             return std::nullopt;
         }
         try {
             const auto include = taskdsl::parseIncludeLine(clean);
-            found = taskdsl::resolveIncludePath(searchName(include), path);
+            found = taskdsl::resolveIncludePath(searchName(include), path, console::findLibraryFile);
         } catch (const taskdsl::DiagnosticError&) {
             return std::nullopt;
         }
@@ -473,7 +476,9 @@ std::optional<std::string> findObstacle(const RenameScope& scope, const RenamedB
         throw taskdsl::DiagnosticError("could not open file: " + scope.file);
     }
     const auto file = makeTaskFile(scope.file, *std::move(text), scope.caseName);
-    const auto document = taskdsl::TaskParser().parseText(file.text, file.path);
+    const taskdsl::TaskParser parser(
+        {.findLibraryFile = console::findLibraryFile, .warnings = console::logWarning});
+    const auto document = parser.parseText(file.text, file.path);
     if (linesOf(file.headers, block.oldName).empty()) {
         return "block not found in task file: $" + block.oldName + "\n" +
                console::tagged(console::MessageKind::note, "available blocks: " + listNames(file.headers));

@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-/// What is looked at before a rename touches anything.
+/// The checks before a rename touches anything.
 namespace morquill::project {
 
 /// Why a text cannot be the name of a block, as one line; nothing when it can. A name is that of a directory,
 /// and it has to read back as itself wherever the language or a command line lists names.
 [[nodiscard]] std::optional<std::string> blockNameFault(const std::string& name);
 
-/// The project template that a task file leads to when it is nothing but the include stub that stands where a
-/// link to the template cannot be made; nothing for any other text. `path` is the file that holds the text.
+/// The project template that a task file leads to when it is nothing but the include stub in place of a link
+/// that cannot be made; nothing for any other text. `path` is the file that holds the text.
 [[nodiscard]] std::optional<std::string> stubTemplate(const std::string& text, const std::string& path);
 
 /// A case directory and the names under which the generator knows it, one per task file.
@@ -31,11 +31,11 @@ struct RenameScope {
     std::string linkRoot;           ///< and what links in them lead to below it; empty: nothing more
 };
 
-/// Why the block cannot be renamed, as one or two lines without their prefix; nothing when it can. The block
-/// has to be written in the file itself and its new name must be free there and in the other task files of
-/// the cases; the rewritten texts have to say the same under the new name, and no name of another block, no
-/// reference that stays and no file name may be in the way. Throws `DiagnosticError` when the file cannot be
-/// read.
+/// Why the block cannot be renamed, as one or two lines without their prefix; nothing when it can.
+/// The block has to be written in the file itself and its new name must be free there and in the
+/// other task files of the cases; the rewritten texts have to say the same under the new name,
+/// and no name of another block, no remaining reference and no file name may be in the way.
+/// Throws `DiagnosticError` when the file cannot be read.
 [[nodiscard]] std::optional<std::string> findObstacle(const RenameScope& scope, const RenamedBlock& block);
 
 } // namespace morquill::project

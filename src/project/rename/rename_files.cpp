@@ -1,10 +1,12 @@
 #include "project/rename/rename_files.h"
 
 #include "project/rename/word_replace.h"
+#include "support/descriptor.h"
+#include "support/directory.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
-#include "system/tree_walk.h"
 
 #include <algorithm>
 #include <array>
@@ -39,12 +41,13 @@ constexpr off_t largestText = off_t{2} << 30;
 /// The derived trees in which files carry the block and case in their names; only the last of each is deep.
 struct DerivedDirectory {
     const char* path;
-    bool recursive;
+    Depth depth;
 };
 constexpr DerivedDirectory derivedDirectories[] = {
-    {".morq/cache/snapshots", false}, {".morq/store/records", false},  {".morq/run/db-queue", false},
-    {".morq/store/revisions", true},  {"Results/DB/snapshots", false}, {"Results/DB/records", false},
-    {"Results/DB/queue", false},      {"Results/DB/revisions", true},
+    {".morq/cache/snapshots", Depth::one}, {".morq/store/records", Depth::one},
+    {".morq/run/db-queue", Depth::one},    {".morq/store/revisions", Depth::any},
+    {"Results/DB/snapshots", Depth::one},  {"Results/DB/records", Depth::one},
+    {"Results/DB/queue", Depth::one},      {"Results/DB/revisions", Depth::any},
 };
 
 /// Content stores, addressed by checksum: a changed file would no longer be what its name says.
@@ -58,10 +61,6 @@ constexpr DerivedDatabase derivedDatabases[] = {
     {".morq/cache/project.db", " cache DB"},
     {"Results/DB/project.db", " legacy DB"},
 };
-
-std::string systemText(int number) {
-    return std::strerror(number);
-}
 
 bool existsUnfollowed(const std::string& path) {
     struct stat info {};
@@ -92,12 +91,8 @@ bool isBinaryName(std::string_view name) {
 /// True when a file that is too large to be looked at whole shows by its first bytes that it is no text.
 bool beginsBinary(const std::string& path) {
     std::array<char, 1 << 16> buffer{};
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0) {
-        return false;
-    }
-    const ssize_t got = ::read(fd, buffer.data(), buffer.size());
-    ::close(fd);
+    const Descriptor file = openFile(path, O_RDONLY | O_NONBLOCK);
+    const ssize_t got = readFull(file.get(), buffer.data(), buffer.size());
     return got > 0 && std::memchr(buffer.data(), '\0', static_cast<std::size_t>(got)) != nullptr;
 }
 
@@ -147,6 +142,18 @@ bool rewriteFile(const std::string& path, std::string canonical, const RenamedBl
     return true;
 }
 
+/// The same for a link in a case, when it leads to a file that the rename may change.
+void rewriteLinkedFile(const std::string& path, const std::string& caseTree, const RenamedBlock& block,
+                       const std::string& caseName, RenameReport& report) {
+    if (!isRegularFile(path)) {
+        return;
+    }
+    const auto target = normalisedPath(path);
+    if (isOpenTarget(target, caseTree, report.linkRoot)) {
+        (void)rewriteFile(path, target, block, caseName, report);
+    }
+}
+
 /// The block directory of a case and the prefixed files in it.
 void renameBlockDirectory(const std::string& caseDir, const RenamedBlock& block, RenameReport& report) {
     const auto oldDir = joinPath(caseDir, block.oldName);
@@ -159,11 +166,11 @@ void renameBlockDirectory(const std::string& caseDir, const RenamedBlock& block,
             report.errors.push_back("target block directory already exists: " + newDir);
         } else {
             report.errors.push_back("failed to rename block directory: " + oldDir + " -> " + newDir + ": " +
-                                    systemText(error));
+                                    systemErrorText(error));
         }
     }
     const auto workingDir = isDirectory(newDir) ? newDir : oldDir;
-    renamePrefixedFiles(workingDir, block.oldName + "_", block.newName + "_", true, report);
+    renamePrefixedFiles(workingDir, block.oldName + "_", block.newName + "_", Depth::any, report);
 }
 
 } // namespace
@@ -195,7 +202,7 @@ void renameBlockArtifacts(const std::string& caseDir, const std::string& caseNam
     }
     for (const auto& derived : derivedDirectories) {
         renamePrefixedFiles(joinPath(caseDir, derived.path), block.oldName + "_" + caseName,
-                            block.newName + "_" + caseName, derived.recursive, report);
+                            block.newName + "_" + caseName, derived.depth, report);
     }
 }
 
@@ -206,29 +213,29 @@ std::optional<std::string> findOverlongName(const std::string& caseDir, const st
     }
     const std::size_t growth = block.newName.size() - block.oldName.size();
     std::optional<std::string> found;
-    const auto look = [&](const std::string& dir, const std::string& prefix, bool recursive) {
+    const auto look = [&](const std::string& dir, const std::string& prefix, Depth reach) {
         if (found || !isDirectory(dir)) {
             return;
         }
-        system::walkTree(dir, [&](const std::string& path, system::EntryKind) {
+        walkTree(dir, WalkOrder::byName, [&](const std::string& path, EntryKind) {
             const auto name = std::string_view(path).substr(path.rfind('/') + 1);
             if (!found && name.starts_with(prefix) && name.size() + growth > NAME_MAX) {
                 found = path;
             }
-            return recursive && !found;
+            return reach == Depth::any && !found;
         });
     };
     // The files of a block lie in its directory, or in that of the new name where one is there already.
-    look(joinPath(caseDir, block.oldName), block.oldName + "_", true);
-    look(joinPath(caseDir, block.newName), block.oldName + "_", true);
+    look(joinPath(caseDir, block.oldName), block.oldName + "_", Depth::any);
+    look(joinPath(caseDir, block.newName), block.oldName + "_", Depth::any);
     for (const auto& derived : derivedDirectories) {
-        look(joinPath(caseDir, derived.path), block.oldName + "_" + caseName, derived.recursive);
+        look(joinPath(caseDir, derived.path), block.oldName + "_" + caseName, derived.depth);
     }
     return found;
 }
 
 void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, const std::string& newPrefix,
-                         bool recursive, RenameReport& report) {
+                         Depth reach, RenameReport& report) {
     if (oldPrefix == newPrefix || !isDirectory(dir)) {
         return;
     }
@@ -237,15 +244,15 @@ void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, c
         std::string path;
     };
     std::vector<Entry> entries;
-    system::walkTree(dir, [&](const std::string& path, system::EntryKind kind) {
-        if (kind == system::EntryKind::unreadable) {
+    walkTree(dir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
+        if (kind == EntryKind::unreadable) {
             report.errors.push_back("failed to read directory: " + path);
         } else if (std::string_view(path).substr(path.rfind('/') + 1).starts_with(oldPrefix)) {
             entries.push_back(
                 {std::count_if(path.begin(), path.end(), [](char c) { return c == '/' || c == '\\'; }),
                  path});
         }
-        return recursive;
+        return reach == Depth::any;
     });
     std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
         return std::tuple(b.depth, b.path.size(), std::string_view(a.path)) <
@@ -260,7 +267,12 @@ void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, c
         } else if (error == EEXIST) {
             report.errors.push_back("target already exists; cannot rename: " + target);
         } else {
-            report.errors.push_back("failed to rename: " + path + " -> " + target + ": " + systemText(error));
+            report.errors.push_back(std::string("failed to rename: ")
+                                        .append(path)
+                                        .append(" -> ")
+                                        .append(target)
+                                        .append(": ")
+                                        .append(systemErrorText(error)));
         }
     }
 }
@@ -272,28 +284,23 @@ bool rewriteTextFile(const std::string& path, const RenamedBlock& block, const s
 
 void rewriteCaseTree(const std::string& caseDir, const RenamedBlock& block, const std::string& caseName,
                      RenameReport& report) {
-    // Links below are not entered, so the canonical path of a file is that of the case and the rest of its
-    // path.
+    // Links below are not entered, so the canonical path of a file is that of the case and the rest
+    // of its path.
     const auto canonicalCase = normalisedPath(caseDir);
-    system::walkTree(caseDir, [&](const std::string& path, system::EntryKind kind) {
+    walkTree(caseDir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         switch (kind) {
-        case system::EntryKind::directory:
+        case EntryKind::directory:
             return !isClosedTree(path);
-        case system::EntryKind::file:
+        case EntryKind::file:
             (void)rewriteFile(path, canonicalCase + path.substr(caseDir.size()), block, caseName, report);
             break;
-        case system::EntryKind::link:
-            if (isRegularFile(path)) {
-                const auto target = normalisedPath(path);
-                if (isOpenTarget(target, canonicalCase, report.linkRoot)) {
-                    (void)rewriteFile(path, target, block, caseName, report);
-                }
-            }
+        case EntryKind::link:
+            rewriteLinkedFile(path, canonicalCase, block, caseName, report);
             break;
-        case system::EntryKind::unreadable:
+        case EntryKind::unreadable:
             report.warnings.push_back("could not read directory; skipped: " + path);
             break;
-        case system::EntryKind::other:
+        case EntryKind::other:
             break;
         }
         return false;
@@ -308,7 +315,7 @@ void invalidateDatabases(const std::string& dir, const std::string& label, Renam
                 removed = true;
             } else if (errno != ENOENT && errno != ENOTDIR) {
                 report.warnings.push_back(label + database.label +
-                                          " failed to remove stale database: " + systemText(errno));
+                                          " failed to remove stale database: " + systemErrorText(errno));
             }
         }
         report.databasesInvalidated += removed ? 1 : 0;

@@ -33,8 +33,9 @@ struct RenameReport {
     std::string linkRoot;
 };
 
-/// The text with the new name in it; nothing when it does not change. With a case name `<old>_<case>` is
-/// replaced first, then `<old>_[`, then the old name as a word of its own; what was put in stays as it is.
+/// The text with the new name in it; nothing when it does not change. With a case name
+/// `<old>_<case>` is replaced first, then `<old>_[`, then the old name as a word of its own;
+/// replacements are not replaced again.
 [[nodiscard]] std::optional<std::string> renamedText(const std::string& text, const RenamedBlock& block,
                                                      const std::string& caseName);
 
@@ -48,14 +49,17 @@ void renameBlockArtifacts(const std::string& caseDir, const std::string& caseNam
 [[nodiscard]] std::optional<std::string>
 findOverlongName(const std::string& caseDir, const std::string& caseName, const RenamedBlock& block);
 
-/// Renames what begins with `oldPrefix` in a directory, with `recursive` at any depth, the deepest first. An
-/// existing target is an error and nothing is replaced.
-void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, const std::string& newPrefix,
-                         bool recursive, RenameReport& report);
+/// How far below a directory something is done.
+enum class Depth : std::uint8_t { one, any };
 
-/// Puts the new name into one text file, see `renamedText`; files of binary kinds, files with NUL bytes and
-/// files that were visited are left alone. False only when the file
-/// could not be written; it then has its old text, as far as the disk allows.
+/// Renames what begins with `oldPrefix` in a directory, the deepest first. An existing target is an error and
+/// nothing is replaced.
+void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, const std::string& newPrefix,
+                         Depth depth, RenameReport& report);
+
+/// Puts the new name into one text file, see `renamedText`; files of binary kinds, files with NUL
+/// bytes and files that were visited are left alone. False only when the file could not be written;
+/// it then has its old text, as far as the disk allows.
 [[nodiscard]] bool rewriteTextFile(const std::string& path, const RenamedBlock& block,
                                    const std::string& caseName, RenameReport& report);
 

@@ -23,9 +23,9 @@ std::string fileOf(const TaskInfo& task, std::string_view directive) {
     return found == directives.rend() ? task.headerSpan.path.str() : found->span.path.str();
 }
 
-void addTask(ReferencePlace& place, const std::string& name) {
+void addTask(ReferencePlace& place, std::string_view name) {
     if (!name.empty()) {
-        place.references.insert({ReferenceForm::task, name});
+        place.references.insert({ReferenceForm::task, std::string(name)});
     }
 }
 

@@ -20,6 +20,7 @@ struct TaskReference {
     ReferenceForm form = ReferenceForm::task;
     std::string text;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the zero that the compiler generates for a null
     friend auto operator<=>(const TaskReference&, const TaskReference&) = default;
 };
 
@@ -29,8 +30,8 @@ struct ReferencePlace {
     std::set<TaskReference> references;
 };
 
-/// The places of all tasks, plots and derives. A task has the same number of places whatever it names, so
-/// that the places of two texts that differ in names alone stand in pairs.
+/// The places of all tasks, plots and derives. A task has the same number of places whatever it names,
+/// so that the places of two texts that differ only in names correspond one to one.
 [[nodiscard]] std::vector<ReferencePlace> collectTaskReferences(const taskdsl::TaskDocument& document);
 
 } // namespace morquill::project

@@ -97,7 +97,7 @@ bool containsText(std::string_view text, std::string_view needle) {
 }
 
 /// `accept` is asked about every occurrence that overlaps no earlier match and nothing that was put in
-/// before, with its first byte and the byte behind it, in ascending order.
+/// before, with its first byte and the byte after it, in ascending order.
 template <class Accept>
 void RewrittenText::replace(std::string_view from, std::string_view to, Accept accept) {
     std::string result;

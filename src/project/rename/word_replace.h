@@ -9,11 +9,11 @@
 /// Replacing names in whole texts, in time linear in the text whatever text and name look like.
 namespace morquill::project {
 
-/// True when `needle` stands in the text. An empty needle stands nowhere.
+/// True when the text holds `needle`; never for an empty one.
 [[nodiscard]] bool containsText(std::string_view text, std::string_view needle);
 
 /// A text that is rewritten by one rule after another. What a rule has put in is not matched again by the
-/// rules behind it; it counts for them only as the neighbour of what stands beside it.
+/// rules after it; it counts for them only as the neighbour of the text beside it.
 class RewrittenText {
   public:
     explicit RewrittenText(std::string text) : text_(std::move(text)) {}
@@ -21,9 +21,9 @@ class RewrittenText {
     /// Replaces every occurrence of `from`, left to right, without overlap; an empty `from` changes nothing.
     void replaceText(std::string_view from, std::string_view to);
 
-    /// Replaces `word` where it stands by itself: behind a byte that is no ASCII letter, digit or underscore,
-    /// or at the start of the text, and before such a byte or at the end of the text. A match takes both
-    /// neighbours with it, so of two words with one separator between them the second stands.
+    /// Replaces `word` where it is a word of its own: with no ASCII letter, digit or underscore on either
+    /// side. A match takes both neighbours with it, so of two words with one separator between them
+    /// the second stays.
     void replaceWord(std::string_view word, std::string_view to);
 
     [[nodiscard]] const std::string& text() const noexcept { return text_; }

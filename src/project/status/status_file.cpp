@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The "# " in front shifts the titles by two against the rows; readers split at blanks and never notice.
+// The leading "# " shifts the titles by two against the rows; readers split at blanks and never notice.
 constexpr std::string_view header = "# TASK            STATUS           UPDATED_AT              REASON\n";
 constexpr std::size_t nameWidth = 16;
 constexpr std::size_t statusWidth = 17;
@@ -162,7 +162,7 @@ bool writeStatusRecords(const std::string& path, const StatusRecords& records) {
         fs::remove(path, error);
         return !error;
     }
-    return kind != fs::file_type::none; // none: the file system could not tell
+    return kind != fs::file_type::none; // none: the file system does not know
 }
 
 bool removeTaskRecords(const std::string& caseDir, const std::vector<std::string>& names) {
@@ -172,7 +172,7 @@ bool removeTaskRecords(const std::string& caseDir, const std::vector<std::string
     if (kind != fs::file_type::regular) {
         return kind != fs::file_type::none;
     }
-    // An unreadable file must not pass for one without records: it would be removed.
+    // An unreadable file must not count as one without records: it would be removed.
     const auto text = readTextFile(path);
     if (!text) {
         return false;

@@ -26,19 +26,19 @@ struct TaskStatusRecord {
     friend bool operator==(const TaskStatusRecord&, const TaskStatusRecord&) = default;
 };
 
-/// Records by task name; of two rows with one name the later stands.
+/// Records by task name; of two rows with one name the later counts.
 using StatusRecords = std::map<std::string, TaskStatusRecord, std::less<>>;
 using TaskNameSet = std::set<std::string, std::less<>>;
 
 /// `<caseDir>/mq.status`
 [[nodiscard]] std::string statusFilePath(const std::string& caseDir);
 
-/// The names of the completed tasks. A line that is no status row counts as the name of a completed task, as
-/// a whole: old files list plain names. A name once completed stays so, whatever a later row says.
+/// The names of the completed tasks. A line that is not a status row counts as the name of a completed task,
+/// as a whole: old files list plain names. A name once completed stays so, whatever a later row says.
 [[nodiscard]] TaskNameSet parseCompletedTasks(std::string_view text);
 /// The same from the file of a case; empty when it is missing or unreadable.
 [[nodiscard]] TaskNameSet readCompletedTasks(const std::string& caseDir);
-/// Those of `names` that stand in `completed`, in the order of `names`.
+/// The `names` that are in `completed`, in the order of `names`.
 [[nodiscard]] std::vector<std::string> keptTasks(const std::vector<std::string>& names,
                                                  const TaskNameSet& completed);
 

@@ -1,8 +1,9 @@
 #include "project/status/status_scope.h"
 
-#include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/status/status_file.h"
+#include "support/descriptor.h"
+#include "support/fault.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "system/new_file.h"
@@ -11,7 +12,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <system_error>
@@ -27,6 +27,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// True when `errno` says that nothing is at a path: any other failure to look at it leaves that open.
+bool isAbsence() noexcept {
+    return errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
+}
+
 std::optional<FileIdentity> identityAt(const std::string& path) noexcept {
     struct stat info {};
     if (::lstat(path.c_str(), &info) != 0) {
@@ -35,26 +40,37 @@ std::optional<FileIdentity> identityAt(const std::string& path) noexcept {
     return FileIdentity{info.st_dev, info.st_ino, info.st_mode & S_IFMT};
 }
 
-/// Fills in what stands at the backup's path; false when it cannot be read.
-bool takeBackup(StatusBackup& backup) {
+/// What is at the path of a status file; nothing when it cannot be read.
+std::optional<StatusBackup> takeBackup(const std::string& path) {
+    StatusBackup backup;
+    backup.path = path;
     backup.entry = identityAt(backup.path);
+    if (!backup.entry && !isAbsence()) {
+        return std::nullopt;
+    }
     std::error_code error;
     if (backup.entry && S_ISLNK(backup.entry->kind)) {
         backup.link = fs::read_symlink(backup.path, error).string();
+        if (error) {
+            return std::nullopt;
+        }
     }
     struct stat info {};
-    if (::stat(backup.path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
-        return true;
+    if (::stat(backup.path.c_str(), &info) != 0) {
+        return isAbsence() ? std::optional(std::move(backup)) : std::nullopt;
+    }
+    if (!S_ISREG(info.st_mode)) {
+        return backup;
     }
     auto text = readTextFile(backup.path);
     if (!text) {
-        return false;
+        return std::nullopt;
     }
     backup.existed = true;
     backup.content = std::move(*text);
     backup.mode = info.st_mode & 07777;
     backup.file = backup.link.empty() ? backup.path : fs::canonical(backup.path, error).string();
-    return !error;
+    return error ? std::nullopt : std::optional(std::move(backup));
 }
 
 /// Takes the status file away or, with names to keep, narrows it to them.
@@ -71,34 +87,37 @@ bool changeStatusFile(StatusBackup& backup, const std::vector<std::string>& kept
                         : writeTextFile(backup.path, formatStatusNames(kept));
 }
 
-bool scopeCase(const std::string& caseDir, const std::vector<std::string>& selected, bool dryRun,
-               std::vector<StatusBackup>& backups, UpdateSummary& summary) {
+/// What narrowing one case's status file found; nothing after a message.
+std::optional<UpdateSummary> scopeCase(const std::string& caseDir, const std::vector<std::string>& selected,
+                                       console::RunMode mode, std::vector<StatusBackup>& backups) {
     const auto path = statusFilePath(caseDir);
     const auto name = baseName(caseDir);
-    StatusBackup backup;
-    backup.path = path;
-    if (!takeBackup(backup)) {
+    auto backup = takeBackup(path);
+    if (!backup) {
         console::reportError("failed to read mq.status: " + path);
-        return false;
+        return std::nullopt;
     }
-    const auto kept = keptTasks(selected, parseCompletedTasks(backup.content));
-    backups.push_back(std::move(backup));
-    summary.selectedCompletedRecords += static_cast<std::int32_t>(kept.size());
+    const auto kept = keptTasks(selected, parseCompletedTasks(backup->content));
+    backups.push_back(*std::move(backup));
+    UpdateSummary counts;
+    counts.cases = 1;
+    counts.selectedCompletedRecords = static_cast<std::int32_t>(kept.size());
     if (!backups.back().existed) {
-        return true;
+        return counts;
     }
-    (kept.empty() ? summary.statusHidden : summary.statusScoped) += 1;
+    (kept.empty() ? counts.statusHidden : counts.statusScoped) = 1;
+    const bool dryRun = mode == console::RunMode::dryRun;
     if (!dryRun && !changeStatusFile(backups.back(), kept)) {
         console::reportError("failed to prepare mq.status for comd-only update: " + name);
-        return false;
+        return std::nullopt;
     }
     const auto step = kept.empty()
                           ? (dryRun ? "would temporarily hide" : "temporarily hid") +
                                 std::string(" mq.status because no selected task is marked completed")
                           : (dryRun ? "would scope" : "scoped") +
                                 (" mq.status to selected completed task(s): " + formatSelection(kept));
-    console::printMessage(console::stepKind(dryRun), name + " : " + step);
-    return true;
+    console::printMessage(console::stepKind(mode), name + " : " + step);
+    return counts;
 }
 
 // What follows runs when memory may have run out, too: nothing in it but the write itself may allocate.
@@ -112,10 +131,10 @@ bool isLinkTo(const std::string& path, std::string_view target) noexcept {
 
 /// True when a file holds exactly these bytes.
 bool holdsText(const std::string& path, std::string_view text) noexcept {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const Descriptor file = openFile(path, O_RDONLY | O_NONBLOCK);
     std::array<char, 4096> buffer{};
     for (;;) {
-        const ssize_t got = ::read(file.get(), buffer.data(), buffer.size());
+        const ssize_t got = readSome(file.get(), buffer.data(), buffer.size());
         if (got <= 0) {
             return got == 0 && text.empty();
         }
@@ -127,8 +146,8 @@ bool holdsText(const std::string& path, std::string_view text) noexcept {
     }
 }
 
-/// Makes the path what it was, a link or a place for a plain file; what came there instead goes, a directory
-/// excepted.
+/// Makes the path what it was, a link or a place for a plain file; what came there instead goes,
+/// a directory excepted.
 bool restoreEntry(const StatusBackup& backup) noexcept {
     const auto now = identityAt(backup.path);
     if (now && S_ISDIR(now->kind)) {
@@ -171,11 +190,9 @@ bool restoreText(const StatusBackup& backup) {
     if ((!entryRestored && backup.link.empty()) || (!gone && !S_ISREG(info.st_mode))) {
         return false;
     }
-    // What lay behind a link goes back even where the link cannot.
-    if (gone && backup.held.linkTo(backup.file)) {
-        return entryRestored;
-    }
-    if ((gone || !holdsText(backup.file, backup.content)) && !writeBack(backup)) {
+    // The target of a link goes back even where the link cannot.
+    const bool linked = gone && backup.held.linkTo(backup.file);
+    if (!linked && (gone || !holdsText(backup.file, backup.content)) && !writeBack(backup)) {
         return false;
     }
     if (gone || (info.st_mode & 07777) != backup.mode) {
@@ -184,8 +201,8 @@ bool restoreText(const StatusBackup& backup) {
     return entryRestored;
 }
 
-/// Removes a file that came while the generator ran, at the path or behind a link that led to none before.
-/// The error number of a failure, else 0.
+/// Removes a file that came while the generator ran, at the path or at the end of a link that led nowhere
+/// before. Returns 0 or the error number.
 int removeArrival(const StatusBackup& backup) noexcept {
     const auto now = identityAt(backup.path);
     if (!now || S_ISDIR(now->kind)) {
@@ -208,16 +225,16 @@ int removeArrival(const StatusBackup& backup) noexcept {
     return removed ? 0 : errno;
 }
 
-/// Leaves the old bytes under a free name where they belong, or where that directory has been moved to; the
-/// path of the file, empty when they could not be left anywhere.
+/// Saves the old bytes under a free name where they belong, or where that directory has been moved to.
+/// Returns the path of the file, empty when they could not be saved anywhere.
 std::string saveBeside(const StatusBackup& backup) {
     constexpr int mostNames = 100;
     const auto name = baseName(backup.file);
     for (const auto& dir : {parentPath(backup.file), backup.held.directory()}) {
         for (int i = 0; i < mostNames && isDirectory(dir); ++i) {
-            const auto path = joinPath(dir, i == 0   ? name
-                                            : i == 1 ? name + ".saved"
-                                                     : name + ".saved-" + std::to_string(i));
+            auto path = joinPath(dir, i == 0   ? name
+                                      : i == 1 ? name + ".saved"
+                                               : name + ".saved-" + std::to_string(i));
             if (!identityAt(path) &&
                 (backup.held.linkTo(path) || !system::writeNewFile(path, backup.content))) {
                 return path;
@@ -242,7 +259,7 @@ void reportRestoreFailure(const StatusBackup& backup, std::string_view reason,
                                   saved.empty() ? "" : "; what it held is in ", saved, ")"});
 }
 
-/// Keeps what could not be put back and tells where it is and why.
+/// Keeps what could not be put back and reports where it is and why.
 void keepUnrestored(const StatusBackup& backup, std::string_view reason) noexcept {
     try {
         const auto saved = holdsText(backup.file, backup.content) ? backup.file : saveBeside(backup);
@@ -257,7 +274,7 @@ bool restoreOne(const StatusBackup& backup) noexcept {
         if (!backup.existed) {
             const int error = removeArrival(backup);
             if (error != 0) {
-                reportRestoreFailure(backup, std::strerror(error), "");
+                reportRestoreFailure(backup, systemErrorText(error), "");
             }
             return error == 0;
         }
@@ -274,15 +291,21 @@ bool restoreOne(const StatusBackup& backup) noexcept {
 
 } // namespace
 
-bool scopeStatusFiles(const std::vector<std::string>& caseDirs, const std::vector<std::string>& selected,
-                      bool dryRun, std::vector<StatusBackup>& backups, UpdateSummary& summary) {
+std::optional<UpdateSummary> scopeStatusFiles(const std::vector<std::string>& caseDirs,
+                                              const std::vector<std::string>& selected, console::RunMode mode,
+                                              std::vector<StatusBackup>& backups) {
+    UpdateSummary sum;
     for (const auto& caseDir : caseDirs) {
-        summary.cases += 1;
-        if (!scopeCase(caseDir, selected, dryRun, backups, summary)) {
-            return false;
+        const auto counts = scopeCase(caseDir, selected, mode, backups);
+        if (!counts) {
+            return std::nullopt;
         }
+        sum.cases += counts->cases;
+        sum.statusScoped += counts->statusScoped;
+        sum.statusHidden += counts->statusHidden;
+        sum.selectedCompletedRecords += counts->selectedCompletedRecords;
     }
-    return true;
+    return sum;
 }
 
 bool restoreStatusFiles(const std::vector<StatusBackup>& backups) noexcept {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "console/messages.h"
 #include "system/held_bytes.h"
 
 #include <cstdint>
@@ -22,14 +23,14 @@ struct FileIdentity {
     friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
 };
 
-/// What stood at the path of one case's status file before it was touched.
+/// What was at the path of one case's status file before it was touched.
 struct StatusBackup {
     std::string path;
     bool existed = false;              ///< a regular file, or a link to one
     std::string content;               ///< every byte, when it existed
     mode_t mode = 0644;                ///< its permissions
     std::string file;                  ///< where the bytes lie: the path, links resolved
-    std::string link;                  ///< where the path led to, when it was a symbolic link
+    std::string link;                  ///< target of the path when it was a symbolic link
     std::optional<FileIdentity> entry; ///< what lay at the path itself, of whatever kind
     system::HeldBytes held;            ///< the content on its disk, from just before it was touched
 };
@@ -45,16 +46,17 @@ struct UpdateSummary {
 };
 
 /// Narrows the status file of each case to those selected tasks that are completed, or takes it away when
-/// there are none. `backups` grows by one entry per case before the case is touched, so that it serves also
-/// after a failure. A dry run only tells. False after a message.
-[[nodiscard]] bool scopeStatusFiles(const std::vector<std::string>& caseDirs,
-                                    const std::vector<std::string>& selected, bool dryRun,
-                                    std::vector<StatusBackup>& backups, UpdateSummary& summary);
+/// there are none, and counts what it did; nothing after a message. `backups` grows by one entry per case
+/// before the case is touched, so that it serves also after a failure. A dry run only shows its steps.
+[[nodiscard]] std::optional<UpdateSummary> scopeStatusFiles(const std::vector<std::string>& caseDirs,
+                                                            const std::vector<std::string>& selected,
+                                                            console::RunMode mode,
+                                                            std::vector<StatusBackup>& backups);
 
-/// Puts back what the backups hold, the last one first; a file that has come since is removed, what stood
-/// there before without being a status file (a directory, a FIFO, a link that leads to none) stays. What
-/// cannot go back is left beside its place, or where its directory has been moved to. Reports every failure,
-/// is stopped by none, not even by a lack of memory; false when there was one.
+/// Puts back what the backups hold, the last one first; a file that has come since is removed;
+/// what was there before without being a status file (a directory, a FIFO, a link that leads to none) stays.
+/// What cannot go back is left beside its place, or where its directory has been moved to.
+/// Reports every failure, is stopped by none, not even by a lack of memory; false when there was one.
 [[nodiscard]] bool restoreStatusFiles(const std::vector<StatusBackup>& backups) noexcept;
 
 /// Restores on every way out of the scope, once.

@@ -1,5 +1,6 @@
 #include "taskdsl/base/canonical_scalar.h"
 
+#include "support/byte_set.h"
 #include "support/number.h"
 #include "support/text.h"
 #include "taskdsl/base/escape.h"
@@ -12,11 +13,17 @@ namespace morquill::taskdsl {
 
 namespace {
 
+/// What a bare value must not hold.
+constexpr ByteSet quotedBytes([](char c) {
+    return isSpace(c) || c == '"' || c == '#' || c == ',' || c == ':';
+});
+
 bool standsBare(std::string_view text) noexcept {
-    return !text.empty() && std::none_of(text.begin(), text.end(), [](char c) {
-        return isSpace(c) || c == '"' || c == '#' || c == ',' || c == ':';
-    });
+    return !text.empty() && !quotedBytes.meets(text);
 }
+
+/// What a quoted value holds behind a backslash only.
+constexpr ByteSet escapedBytes(std::string_view("\"\\"));
 
 bool hasPairOfSingleQuotes(std::string_view text) noexcept {
     return text.size() >= 2 && text.front() == '\'' && text.back() == '\'';
@@ -44,8 +51,18 @@ std::string quoteForcedScalar(std::string_view text) {
     return result;
 }
 
+void appendUnquotedScalar(std::string& out, std::string_view text) {
+    if (hasPairOfSingleQuotes(text)) {
+        appendQuoted(out, text);
+    } else {
+        appendCanonicalScalar(out, text);
+    }
+}
+
 std::string quoteUnquotedScalar(std::string_view text) {
-    return hasPairOfSingleQuotes(text) ? quoteForcedScalar(text) : quoteCanonicalScalar(text);
+    std::string result;
+    appendUnquotedScalar(result, text);
+    return result;
 }
 
 std::string quoteSettingScalar(std::string_view text) {
@@ -94,6 +111,9 @@ std::optional<std::string> decodeCanonicalScalar(std::string_view text) {
         return std::nullopt;
     }
     const auto inside = text.substr(1, text.size() - 2);
+    if (!escapedBytes.meets(inside)) {
+        return std::string(inside);
+    }
     std::string value;
     value.reserve(inside.size());
     for (std::size_t i = 0; i < inside.size(); ++i) {

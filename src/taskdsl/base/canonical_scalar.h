@@ -26,6 +26,8 @@ namespace morquill::taskdsl {
 
 /// Appends `quoteCanonicalScalar(text)`.
 void appendCanonicalScalar(std::string& out, std::string_view text);
+/// Appends `quoteUnquotedScalar(text)`.
+void appendUnquotedScalar(std::string& out, std::string_view text);
 
 /// The quoted values with ", " between them, without brackets. A value with a single quote is quoted, as the
 /// list's reader does not split inside single quotes.

@@ -9,7 +9,7 @@ namespace {
 
 struct Escape {
     char byte;
-    char letter; ///< behind the backslash
+    char letter; ///< after the backslash
 };
 constexpr std::array<Escape, 5> escapes{{{'\t', 't'}, {'\n', 'n'}, {'\r', 'r'}, {'"', '"'}, {'\\', '\\'}}};
 

@@ -7,28 +7,28 @@
 
 namespace morquill::taskdsl {
 
-/// Counts the lines that an expansion makes, so that repetition without end is an error and not the end of
-/// memory.
+/// Counts the lines that an expansion makes, so that endless repetition is an error before memory runs out.
 class GrowthBudget {
   public:
-    /// Takes one line of `bytes` bytes. Throws `DiagnosticError` beyond the bounds.
+    /// Counts one line of `bytes` bytes. Throws `DiagnosticError` beyond the bounds.
     void takeLine(std::size_t bytes) { take(1, bytes); }
-    /// Takes the work of one item of a loop, or of one fragment, that may make no line at all.
+    /// Counts the work of one loop item, which may make no line at all. Throws as `takeLine`.
     void takeRepetition() { take(limits::linesPerRepetition, 0); }
+    /// The same for one fragment.
     void takeFragment() { take(limits::linesPerFragment, 0); }
 
   private:
     void take(std::size_t count, std::size_t bytes) {
-        lines += count;
-        text += bytes;
-        if (lines > limits::expandedLines || text > limits::expandedText) {
+        lines_ += count;
+        text_ += bytes;
+        if (lines_ > limits::expandedLines || text_ > limits::expandedText) {
             fail();
         }
     }
     [[noreturn]] static void fail();
 
-    std::size_t lines = 0;
-    std::size_t text = 0;
+    std::size_t lines_ = 0;
+    std::size_t text_ = 0;
 };
 
 } // namespace morquill::taskdsl

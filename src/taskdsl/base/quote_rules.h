@@ -43,8 +43,8 @@ inline constexpr QuoteRule plotText({.backslash = Backslash::exceptInSingleQuote
                                      .opening = "(",
                                      .closing = ")"});
 
-/// The words of a statement: braces do not hold a word together, and a backslash outside double quotes
-/// protects nothing.
+/// The words of a statement: braces do not hold a word together, and a backslash outside double
+/// quotes protects nothing.
 inline constexpr QuoteRule
     plotWords({.backslash = Backslash::inDoubleQuotes, .opening = "(", .closing = ")"});
 

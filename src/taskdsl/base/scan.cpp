@@ -73,11 +73,6 @@ bool beginsBlock(std::string_view text, std::string_view keyword) noexcept {
     return text.starts_with(keyword) && (text.size() == keyword.size() || text[keyword.size()] == ' ');
 }
 
-bool isBlockKeyword(std::string_view text) noexcept {
-    return !text.empty() && text.front() == '@' &&
-           (beginsBlock(text, "@plot") || beginsBlock(text, "@derive") || text == "@end");
-}
-
 bool matchWord(std::string_view text, std::string_view word) noexcept {
     return text.starts_with(word) && (text.size() == word.size() || isSpace(text[word.size()]));
 }

@@ -9,9 +9,9 @@
 /// has been removed and which has been trimmed.
 namespace morquill::taskdsl {
 
-/// The line up to its comment. A `#` outside quotes, at the start of the line or behind white space, begins
-/// one. A kind of quote takes part only when the line holds an even number of it (at least two, those behind
-/// a backslash not counted), so that a lone apostrophe does not hide a comment.
+/// The line up to its comment. A `#` outside quotes, at the start of the line or after white space,
+/// begins one. A kind of quote counts only when the line holds an even number of them (at least two,
+/// not counting escaped ones), so that a lone apostrophe does not hide a comment.
 [[nodiscard]] std::string_view stripComment(std::string_view line) noexcept;
 
 /// `stripComment` and trim: what the language sees of a line.
@@ -20,20 +20,18 @@ namespace morquill::taskdsl {
 /// The trimmed text without one surrounding pair of double or single quotes. There are no escapes.
 [[nodiscard]] std::string_view unquote(std::string_view text) noexcept;
 
-/// The text behind a leading `%`; empty when the line is no directive.
+/// The text after a leading `%`; empty when the line is not a directive.
 [[nodiscard]] std::string_view directiveName(std::string_view text) noexcept;
-/// The trimmed text behind a leading `$`, without one pair of double quotes; empty when the line is no
-/// header.
+/// The trimmed text after a leading `$`, without one pair of double quotes; empty when the line is
+/// not a header.
 [[nodiscard]] std::string_view taskHeaderName(std::string_view text) noexcept;
-/// "@plot" or "@derive" followed by a blank or the end, or exactly "@end".
-[[nodiscard]] bool isBlockKeyword(std::string_view text) noexcept;
 /// `keyword` at the front, followed by a blank or the end.
 [[nodiscard]] bool beginsBlock(std::string_view text, std::string_view keyword) noexcept;
 /// `word` at the front, followed by white space or the end.
 [[nodiscard]] bool matchWord(std::string_view text, std::string_view word) noexcept;
 
-/// The trimmed text behind a leading `word` in any case, with white space or the end behind it; nothing when
-/// the text does not begin so.
+/// The trimmed text after a leading `word` in any case, with white space or the end after it;
+/// nothing when the text does not begin so.
 [[nodiscard]] std::optional<std::string_view> textBehindWord(std::string_view text,
                                                              std::string_view word) noexcept;
 

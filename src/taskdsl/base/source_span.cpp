@@ -1,6 +1,8 @@
 #include "taskdsl/base/source_span.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <limits>
 
 namespace morquill::taskdsl {
@@ -13,6 +15,18 @@ std::int32_t toCoordinate(std::size_t value) noexcept {
     return static_cast<std::int32_t>(std::min(value, most));
 }
 
+void appendNumber(std::string& out, std::int32_t number) {
+    std::array<char, 16> buffer{};
+    out.append(buffer.begin(), std::to_chars(buffer.begin(), buffer.end(), number).ptr);
+}
+
+/// `<line>:<column>`.
+void appendPlace(std::string& out, std::int32_t line, std::int32_t column) {
+    appendNumber(out, line);
+    out += ':';
+    appendNumber(out, column);
+}
+
 } // namespace
 
 bool isValidSpan(const SourceSpan& span) noexcept {
@@ -20,19 +34,25 @@ bool isValidSpan(const SourceSpan& span) noexcept {
 }
 
 std::string formatSpan(const SourceSpan& span) {
-    if (!isValidSpan(span)) {
-        return span.path.empty() ? "<unknown>" : span.path.str();
-    }
     std::string text;
-    if (!span.path.empty()) {
-        text += span.path.str();
-        text += ':';
-    }
-    text += std::to_string(span.line) + ':' + std::to_string(span.column);
-    if (span.endLine != span.line || span.endColumn != span.column) {
-        text += '-' + std::to_string(span.endLine) + ':' + std::to_string(span.endColumn);
-    }
+    appendSpan(text, span);
     return text;
+}
+
+void appendSpan(std::string& out, const SourceSpan& span) {
+    if (!isValidSpan(span)) {
+        out += span.path.empty() ? std::string_view("<unknown>") : span.path.view();
+        return;
+    }
+    if (!span.path.empty()) {
+        out += span.path.view();
+        out += ':';
+    }
+    appendPlace(out, span.line, span.column);
+    if (span.endLine != span.line || span.endColumn != span.column) {
+        out += '-';
+        appendPlace(out, span.endLine, span.endColumn);
+    }
 }
 
 SourceSpan spanOfLine(const SharedText& path, std::size_t lineNumber, std::string_view rawText) {

@@ -14,7 +14,7 @@ struct SourceSpan {
     std::int32_t line = 0;   ///< first line
     std::int32_t column = 0; ///< first column, in bytes
     std::int32_t endLine = 0;
-    std::int32_t endColumn = 0; ///< one behind the last byte
+    std::int32_t endColumn = 0; ///< one past the last byte
 
     friend bool operator==(const SourceSpan&, const SourceSpan&) = default;
 };
@@ -24,10 +24,14 @@ struct SourceSpan {
 [[nodiscard]] bool isValidSpan(const SourceSpan& span) noexcept;
 
 /// `<path>:<line>:<column>-<endLine>:<endColumn>`, without the path when it is empty and without the end when
-/// it equals the start. An invalid span gives its path, or "<unknown>" when that is empty too.
+/// it equals the start. For an invalid span, the path, or "<unknown>" when that is empty too.
 [[nodiscard]] std::string formatSpan(const SourceSpan& span);
 
-/// The span of one physical line: from its first byte that is no blank or tab to one behind its last byte.
+/// Appends the same to a text.
+void appendSpan(std::string& out, const SourceSpan& span);
+
+/// The span of one physical line: from its first byte that is neither blank nor tab to one past
+/// its last byte.
 [[nodiscard]] SourceSpan spanOfLine(const SharedText& path, std::size_t lineNumber, std::string_view rawText);
 
 } // namespace morquill::taskdsl

@@ -17,7 +17,7 @@ struct Bracket {
     std::string_view key;
 };
 
-/// The next `[key]` from `begin` on. No key character is a bracket, so a failed try goes on behind its key.
+/// The next `[key]` from `begin` on. No key character is a bracket, so a failed try goes on after its key.
 Bracket nextBracket(std::string_view text, std::size_t begin) noexcept {
     for (std::size_t open = text.find('[', begin); open != std::string_view::npos;) {
         const auto key = Cursor(text, open + 1).takeWhile(isKeyChar);
@@ -58,6 +58,18 @@ bool substituteInto(std::string& text, const ValueMap& values) {
     auto replaced = substituteBrackets(text, values);
     const bool changed = replaced != text;
     text = std::move(replaced);
+    return changed;
+}
+
+bool substituteInto(SharedText& text, const ValueMap& values) {
+    if (text.view().find('[') == std::string_view::npos) {
+        return false;
+    }
+    const auto replaced = substituteBrackets(text, values);
+    const bool changed = text != replaced;
+    if (changed) {
+        text = replaced;
+    }
     return changed;
 }
 

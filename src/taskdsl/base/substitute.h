@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/shared.h"
+
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -18,19 +20,21 @@ using KeySet = std::set<std::string, std::less<>>;
 /// Whether a text may still hold a `[key]` that a later substitution replaces.
 enum class Placeholders : std::uint8_t { refused, allowed };
 
-/// Replaces every `[key]` whose key is in `values`; unknown keys stay as written, and what was put in is not
-/// scanned again. A key is one or more of letters, digits, `_`, `.` and `-` (pattern
-/// `\[([A-Za-z0-9_.\-]+)\]`). Throws `DiagnosticError` when the text would grow beyond all reason
-/// (`limits::substitutedText`).
+/// Replaces every `[key]` whose key is in `values`; unknown keys stay as written,
+/// and what was put in is not scanned again. A key is one or more of letters, digits, `_`,
+/// `.` and `-` (pattern `\[([A-Za-z0-9_.\-]+)\]`). Throws `DiagnosticError` when the text would grow by more
+/// than `limits::substitutedText` bytes.
 [[nodiscard]] std::string substituteBrackets(std::string_view text, const ValueMap& values);
 
 /// The same in place; a text without a `[` costs a scan and no copy. Returns whether the text changed.
 bool substituteInto(std::string& text, const ValueMap& values);
+/// The same; others who share the text keep the old one.
+bool substituteInto(SharedText& text, const ValueMap& values);
 
 /// True when a `[key]` is in the text.
 [[nodiscard]] bool holdsBracketKey(std::string_view text) noexcept;
 
-/// The keys that stand in brackets, in order, as often as they stand there.
+/// The keys in brackets, in order and with repetitions.
 [[nodiscard]] std::vector<std::string> bracketKeys(std::string_view text);
 
 } // namespace morquill::taskdsl

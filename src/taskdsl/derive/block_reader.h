@@ -12,10 +12,11 @@
 #include <utility>
 #include <vector>
 
-/// What the readers of the single statements share while one block is read. Not for use outside this room.
+/// What the readers of the individual statements share while one block is read.
+/// Not for use outside this room.
 namespace morquill::taskdsl::derive {
 
-/// What a block has said so far; statements are bound to phases by these.
+/// What the block has held so far; the order of the statements is checked against it.
 enum Seen : std::uint32_t {
     seenFrom = 1U << 0,
     seenAtomsSource = 1U << 1,
@@ -32,7 +33,7 @@ enum Seen : std::uint32_t {
 
 struct BlockReader {
     std::vector<plot::PlotStatement> lines;
-    std::size_t next = 0; ///< index of the statement behind the one that is read
+    std::size_t next = 0; ///< index of the statement after the one that is read
     std::uint32_t seen = 0;
     DeriveSurface surface;
     std::set<std::string, std::less<>> aliases;    ///< of the atom sources
@@ -62,7 +63,7 @@ struct BlockReader {
     }
 };
 
-/// The readers take the trimmed text behind the keyword.
+/// The readers receive the trimmed text after the keyword.
 using StatementReader = void (*)(BlockReader& reader, std::string_view text);
 
 // Preamble (preamble.cpp).

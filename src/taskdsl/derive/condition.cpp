@@ -20,7 +20,7 @@ enum class MarkKind : std::uint8_t { open, close, comma, orWord, andWord, compar
 
 constexpr std::size_t noMark = std::numeric_limits<std::size_t>::max();
 
-/// A place in the text of a condition that gives it structure.
+/// A token in the text of a condition that sets its structure.
 struct Mark {
     MarkKind kind;
     std::size_t begin;
@@ -82,7 +82,7 @@ std::vector<Mark> findMarks(std::string_view text) {
     return marks;
 }
 
-/// Part of the condition's text, trimmed, with the marks that stand in it.
+/// Part of the condition's text, trimmed, with the marks in it.
 struct Range {
     std::size_t begin;
     std::size_t end;
@@ -142,28 +142,28 @@ class ConditionParser {
         return depth + 1;
     }
 
-    /// True when one pair of this kind of bracket encloses the range; then it is taken off.
-    bool unwrap(Range& range, char open) const {
+    /// The inside of a range that one pair of this kind of bracket encloses; nothing for any other range.
+    std::optional<Range> insideOf(const Range& range, char open) const {
         if (range.firstMark == range.endMark) {
-            return false;
+            return std::nullopt;
         }
         const Mark& first = marks_[range.firstMark];
         if (first.begin != range.begin || text_[first.begin] != open || first.match != range.endMark - 1 ||
             marks_[first.match].end != range.end ||
             text_[marks_[first.match].begin] != (open == '(' ? ')' : ']')) {
-            return false;
+            return std::nullopt;
         }
-        range = between(range.begin + 1, range.end - 1, range.firstMark + 1, range.endMark - 1);
-        return true;
+        return between(range.begin + 1, range.end - 1, range.firstMark + 1, range.endMark - 1);
     }
 
-    /// Calls `take` with the index of every mark of the range at its own level; stops when that gives false.
+    /// Calls `take` with the index of every mark of the range at its own level;
+    /// stops when that returns false.
     template <class Take>
     void forEachMark(const Range& range, Take take) const {
         for (auto i = range.firstMark; i < range.endMark; ++i) {
             if (marks_[i].kind == MarkKind::open) {
                 if (marks_[i].match == noMark) {
-                    return; // never closed: all behind it is one level down
+                    return; // never closed: everything after it is one level down
                 }
                 i = marks_[i].match;
             } else if (!take(i)) {
@@ -189,10 +189,11 @@ class ConditionParser {
         return parts;
     }
 
-    /// Reads the range as far as its own level goes; what stands a level below becomes a task.
+    /// Reads the range as far as its own level goes; what is a level below becomes a task.
     void parseLevel(Task task) {
         task.range = trimmed(task.range);
-        while (unwrap(task.range, '(')) {
+        while (const auto inside = insideOf(task.range, '(')) {
+            task.range = *inside;
             task.depth = deeper(task.depth);
         }
         if (textOf(task.range).empty()) {
@@ -204,7 +205,7 @@ class ConditionParser {
         }
     }
 
-    /// False when the word does not stand in the range.
+    /// False when the word is not in the range.
     bool parseChain(const Task& task, MarkKind word, DeriveConditionKind kind) {
         const auto parts = splitAt(task.range, word);
         if (parts.size() == 1) {
@@ -235,7 +236,7 @@ class ConditionParser {
             // The rest has no `or` and no `and` at its own level, unless parentheses open a new one.
             task.range =
                 between(task.range.begin + 4, task.range.end, task.range.firstMark, task.range.endMark);
-            if (Range inside = task.range; unwrap(inside, '(')) {
+            if (insideOf(task.range, '(')) {
                 tasks_.push_back(task);
                 return;
             }
@@ -273,11 +274,13 @@ class ConditionParser {
         }
     }
 
-    std::vector<Range> splitList(Range range) const {
-        if ((!unwrap(range, '[') && !unwrap(range, '(')) || textOf(range).empty()) {
+    std::vector<Range> splitList(const Range& range) const {
+        const auto brackets = insideOf(range, '[');
+        const auto inside = brackets ? brackets : insideOf(range, '(');
+        if (!inside || textOf(*inside).empty()) {
             plotError(span_, "in condition requires a non-empty list");
         }
-        auto values = splitAt(range, MarkKind::comma);
+        auto values = splitAt(*inside, MarkKind::comma);
         if (std::any_of(values.begin(), values.end(),
                         [&](const Range& value) { return textOf(value).empty(); })) {
             plotError(span_, "in condition contains an empty value");

@@ -18,8 +18,8 @@ inline constexpr std::size_t maxConditionDepth = 1000;
 ///     operand    := "not " operand | "(" condition ")" | comparison
 ///     comparison := expression [ operator expression | "in" list | "matches" expression ]
 ///
-/// Chains lean to the right. The expressions are expanded. Throws `DiagnosticError` with the span of the
-/// statement.
+/// Chains lean to the right. The expressions are expanded. Throws `DiagnosticError` with the span
+/// of the statement.
 [[nodiscard]] DeriveCondition parseDeriveCondition(std::string_view text, DeriveSurface& surface,
                                                    const SourceSpan& span);
 

@@ -8,7 +8,7 @@
 /// Not for use outside this room.
 namespace morquill::taskdsl::derive {
 
-/// Whether the word `else` ends the condition that it stands in.
+/// Whether the word `else` ends the condition that it is in.
 enum class ElseWord { ordinary, ends };
 
 /// The condition on one line, as part of the statement `keyword`.

@@ -184,7 +184,7 @@ class StatementPrinter {
                tail;
     }
 
-    /// What a warning names the statement by: its head without the equals sign.
+    /// The name of the statement in a warning: its head without the equals sign.
     static std::string_view subjectOf(std::string_view head) {
         constexpr std::string_view equals = " = ";
         return trim(head.ends_with(equals) ? head.substr(0, head.size() - equals.size()) : head);

@@ -8,14 +8,14 @@
 
 namespace morquill::taskdsl::derive {
 
-/// The block in canonical form, from `@derive <name>` to `@end`, a statement per line. Every line begins with
-/// `indent`, statements with two blanks more, and the text ends in a line feed. An expression that would be
-/// read as something else where it stands is printed in parentheses. What does not read back for all that is
-/// told to `warnings`, each reason once: "derive '<name>' does not read back: <why>".
+/// The block in canonical form, from `@derive <name>` to `@end`, a statement per line.
+/// Every line begins with `indent`, statements with two blanks more, and the text ends in a line feed.
+/// An expression that would be read as something else in its place is printed in parentheses. What still does
+/// not read back is reported to `warnings`, each reason once: "derive '<name>' does not read back: <why>".
 [[nodiscard]] std::string renderDerive(const DeriveSpec& spec, std::string_view indent,
                                        const WarningSink& warnings = {});
 
-/// The condition on one line. What stands behind `not` is printed without parentheses.
+/// The condition on one line; the operand of `not` is printed without parentheses.
 [[nodiscard]] std::string renderDeriveCondition(const DeriveCondition& condition);
 
 } // namespace morquill::taskdsl::derive

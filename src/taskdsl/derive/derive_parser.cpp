@@ -17,9 +17,8 @@ namespace morquill::taskdsl::derive {
 
 namespace {
 
-/// A rule of order: `message` is raised when one of `flags` is among what was seen (`refused`), or when none
-/// is
-/// (`needed`).
+/// A rule of order: `message` is raised when one of `flags` is among what was seen (`refused`),
+/// or when none is (`needed`).
 struct PhaseRule {
     enum Kind { none, refused, needed } kind = none;
     std::uint32_t flags = 0;
@@ -134,7 +133,7 @@ constexpr StatementRow statementRows[] = {
 };
 // clang-format on
 
-/// A word and the text behind the blank that ends it.
+/// A word and the text after the blank that ends it.
 struct KeywordPart {
     std::string_view word;
     std::string_view rest;
@@ -149,10 +148,10 @@ std::optional<KeywordPart> keywordPart(std::string_view text) noexcept {
                : std::optional(KeywordPart{text.substr(0, blank), text.substr(blank + 1)});
 }
 
-/// A statement with what is said of its kind.
+/// A statement with the row of its kind.
 struct KnownStatement {
     const StatementRow& row;
-    std::string_view rest; ///< trimmed text behind the keyword
+    std::string_view rest; ///< trimmed text after the keyword
 };
 
 KnownStatement knownStatement(const BlockReader& reader, std::string_view text) {

@@ -101,8 +101,8 @@ DeriveCondition::DeriveCondition(const DeriveCondition& other) {
 DeriveCondition& DeriveCondition::operator=(DeriveCondition other) noexcept {
     kind = other.kind;
     op = other.op;
-    left.swap(other.left);
-    right.swap(other.right);
+    std::swap(left, other.left);
+    std::swap(right, other.right);
     list.swap(other.list);
     children.swap(other.children);
     return *this;

@@ -33,8 +33,8 @@ enum class DeriveValueKind : std::int32_t { number = 0, string = 1 };
 enum class DeriveSortDirection : std::int32_t { asc = 0, desc = 1 };
 enum class DeriveSinkFormat : std::int32_t { none = 0, csv = 1, tsv = 2, jsonl = 3 };
 
-/// The texts of the enumerations, such as "<=", "and", "desc", "csv"; a value out of range gives the text of
-/// value 0.
+/// The texts of the enumerations, such as "<=", "and", "desc", "csv"; the text of value 0 for a value
+/// out of range.
 [[nodiscard]] std::string_view deriveCompareOpName(DeriveCompareOp op) noexcept;
 [[nodiscard]] std::string_view deriveConditionKindName(DeriveConditionKind kind) noexcept;
 [[nodiscard]] std::string_view deriveValueKindName(DeriveValueKind kind) noexcept;

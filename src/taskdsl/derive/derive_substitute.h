@@ -5,8 +5,8 @@
 
 namespace morquill::taskdsl::derive {
 
-/// Replaces the `[key]` references in every text of the block and in every name, string and snapshot of its
-/// expressions.
+/// Replaces the `[key]` references in every text of the block and in every name, string and snapshot
+/// of its expressions.
 void substituteDerive(DeriveSpec& spec, const ValueMap& values);
 
 } // namespace morquill::taskdsl::derive

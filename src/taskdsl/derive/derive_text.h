@@ -10,14 +10,14 @@
 
 /// How the text of a derive statement is taken apart. "Top level" is outside quotes, `{{ }}` and parentheses;
 /// a backslash inside either kind of quotes protects the next byte, as it does for the statement reader and
-/// in expressions. All views point into the given text and are trimmed.
+/// in expressions. All views point into the argument and are trimmed.
 namespace morquill::taskdsl::derive {
 
-/// The place behind the quoted text or snapshot that begins at `at`, the end of the text if it is not closed;
+/// The place after the quoted text or snapshot that begins at `at`, the end of the text if it is not closed;
 /// `at` itself when neither begins there.
 [[nodiscard]] std::size_t skipOpaque(std::string_view text, std::size_t at) noexcept;
 
-/// The place behind the parenthesis that closes the one at `at`; npos when it is not closed.
+/// The place after the parenthesis that closes the one at `at`; npos when it is not closed.
 [[nodiscard]] std::size_t skipParentheses(std::string_view text, std::size_t at) noexcept;
 
 /// A text split in two.
@@ -49,7 +49,7 @@ enum class Brackets { ordinary, shielding };
 [[nodiscard]] std::string readLabelledText(std::string_view text, std::string_view label,
                                            const SourceSpan& span);
 
-/// Throws the diagnostic with `message` unless the text is a simple identifier; else gives it.
+/// Returns the text, which must be a simple identifier; throws the diagnostic with `message` otherwise.
 [[nodiscard]] std::string requireIdentifier(std::string_view text, std::string_view message,
                                             const SourceSpan& span);
 

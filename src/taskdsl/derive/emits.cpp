@@ -114,8 +114,8 @@ AtomSink readAtomSink(BlockReader& reader, std::string_view text, const std::str
 } // namespace
 
 void readEmitScalar(BlockReader& reader, std::string_view text) {
-    const bool block = plot::stripTrailingColon(text);
-    const auto parts = splitUnit(text);
+    const auto head = plot::stripTrailingColon(text);
+    const auto parts = splitUnit(head.value_or(trim(text)));
     if (parts.unit && parts.unit->empty()) {
         reader.fail("emit unit requires a unit name");
     }
@@ -135,7 +135,7 @@ void readEmitScalar(BlockReader& reader, std::string_view text) {
         unit = readLabelledText(*parts.unit, "emit unit", reader.span);
     }
     EmitModifiers modifiers =
-        block ? readModifiers(reader, std::move(unit)) : EmitModifiers{std::move(unit), {}};
+        head ? readModifiers(reader, std::move(unit)) : EmitModifiers{std::move(unit), {}};
     statement.unit = modifiers.unit.value_or("");
     const ExprRef value = statement.value;
     reader.add(std::move(statement));
@@ -211,7 +211,7 @@ void readEmitAtomVector(BlockReader& reader, std::string_view text) {
     if (halves) {
         statement.value = reader.expression(halves->right);
     } else {
-        // `a-b` is a property but no field: as an expression it would be a difference.
+        // `a-b` is a property but not a field: as an expression it would be a difference.
         constexpr std::uint32_t fields = seenSelect | seenGroupBy | seenAggregate;
         const auto& name = statement.property;
         const bool field = isWordStart(name.front()) && name.find('-') == std::string::npos;

@@ -29,7 +29,7 @@ struct Expanded {
 /// The values of a formula's parameters, by name.
 using Bindings = std::map<std::string_view, Expanded>;
 
-/// Where an expression stands.
+/// The place of an expression.
 struct Place {
     const Bindings* bindings = nullptr;      ///< of the formula whose body this is
     std::uint32_t formulas = 0;              ///< formulas around it
@@ -53,7 +53,7 @@ void charge(std::size_t& count, std::size_t nodes, const SourceSpan& span) {
     }
 }
 
-/// 1 when the expression is printed in parentheses at such a place.
+/// 1 when the expression is printed in parentheses in such a place.
 std::size_t parentheses(const ExprRef& expression, Precedence asked) noexcept {
     return expression && plot::needsParentheses(*expression, asked) ? 1 : 0;
 }
@@ -85,8 +85,8 @@ class Expander {
     }
 
   private:
-    // The checks are kept out of line: their texts must not take room on the stack of every level of nested
-    // calls.
+    // The checks are kept out of line: their texts must not take room on the stack of every level
+    // of nested calls.
     [[gnu::noinline]] void checkNesting(std::size_t nesting) const {
         if (nesting > plot::maxExpressionDepth) {
             plotError(span_, "expression is nested too deeply");
@@ -225,8 +225,8 @@ class Expander {
         return filled;
     }
 
-    /// A profile fills only what the call leaves open; a name fills no slot that a positional argument has
-    /// filled.
+    /// A profile fills only what the call leaves open; a name fills no slot that a positional
+    /// argument has filled.
     [[gnu::noinline]] void checkConflicts(const plot::CallExpr& call, const ParameterProfile* profile,
                                           const FormulaDefinition* formula) const {
         const auto filled = filledByPlace(call, formula);
@@ -252,9 +252,9 @@ class Expander {
         }
     }
 
-    /// Calls `take` with the arguments of the call but `using=`, then with those of the profile. What a
-    /// profile gives stands outside every formula body. A profile whose values use it again would not end,
-    /// so profiles have a bound of their own.
+    /// Calls `take` with the arguments of the call but `using=`, then with those of the profile.
+    /// Values from a profile are outside every formula body. A profile whose values use it again would not
+    /// end, so profiles have a bound of their own.
     template <class Take>
     void forEachArgument(const plot::CallExpr& call, const ParameterProfile* profile, const Place& place,
                          Take take) {
@@ -319,7 +319,7 @@ class Expander {
         plotError(span_, "recursive formula expansion is not allowed: " + chain + name);
     }
 
-    /// The arguments by parameter, expanded where the call stands: outside the formula.
+    /// The arguments by parameter, expanded in the place of the call: outside the formula.
     Bindings bind(const FormulaDefinition& formula, const plot::CallExpr& call,
                   const ParameterProfile* profile, const Place& place) {
         const auto& parameters = formula.parameters;
@@ -344,7 +344,7 @@ class Expander {
         });
         for (const auto& parameter : parameters) {
             if (!slots[parameter]) {
-                plotError(span_, subject + " requires argument '" + parameter + "'");
+                plotError(span_, std::string(subject).append(" requires argument '").append(parameter) + "'");
             }
         }
         Bindings bindings;

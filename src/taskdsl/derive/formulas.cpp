@@ -332,7 +332,9 @@ void parseBind(std::string_view text, const SourceSpan& span, DeriveSurface& sur
     for (auto& projection : readProjections(*projections, span)) {
         plot::CallExpr projected = *call;
         projected.arguments.push_back(
-            {"quantity", true, plot::makeExpression(plot::StringExpr{std::move(projection.quantity)})});
+            {.name = "quantity",
+             .named = true,
+             .value = plot::makeExpression(plot::StringExpr{std::move(projection.quantity)})});
         auto value = expandFormulas(plot::makeExpression(std::move(projected)), surface, span);
         chargeCopy(value, surface, span);
         statements.emplace_back(LetStatement{std::move(projection.target), std::move(value), span});

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-/// Formulas, parameter profiles and binds: what the preamble of a `@derive` block may define. All three are
-/// resolved while the block is read, so that no parsed block holds a trace of them.
+/// Formulas, parameter profiles and binds: what the preamble of a `@derive` block may define.
+/// All three are resolved while the block is read; a parsed block holds no trace of them.
 namespace morquill::taskdsl::derive {
 
 /// `formula name(parameters) = body`: a named expression.
@@ -29,8 +29,8 @@ struct ParameterProfile {
     SourceSpan span;
 };
 
-/// What the preamble has defined so far. A name is defined before it is used: a call that stands in front of
-/// its formula stays a plain call.
+/// What the preamble has defined so far. A name is defined before it is used: a call written before its
+/// formula stays a plain call.
 struct DeriveSurface {
     std::map<std::string, FormulaDefinition, std::less<>> formulas;
     std::map<std::string, ParameterProfile, std::less<>> profiles;
@@ -51,17 +51,17 @@ inline constexpr std::size_t maxExpandedNodes = 100'000;
 /// catalog, in any case.
 [[nodiscard]] bool isReservedDeriveName(std::string_view name);
 
-/// Reads the text behind `formula` and adds the definition to the surface.
+/// Reads the text after `formula` and adds the definition to the surface.
 void parseFormula(std::string_view text, const SourceSpan& span, DeriveSurface& surface);
-/// Reads the text behind `profile` and adds the definition to the surface.
+/// Reads the text after `profile` and adds the definition to the surface.
 void parseProfile(std::string_view text, const SourceSpan& span, DeriveSurface& surface);
-/// Reads the text behind `bind` and appends one `LetStatement` per projection.
+/// Reads the text after `bind` and appends one `LetStatement` per projection.
 void parseBind(std::string_view text, const SourceSpan& span, DeriveSurface& surface,
                std::vector<DeriveStatement>& statements);
 
 /// The expression with every formula and profile call resolved; nodes in which nothing changed are shared.
-/// Throws for a call that breaks the rules of arguments, for recursion, and for an expansion past the bounds
-/// above.
+/// Throws for a call that breaks the rules of arguments, for recursion, and for an expansion past
+/// the bounds above.
 [[nodiscard]] ExprRef expandFormulas(const ExprRef& expression, DeriveSurface& surface,
                                      const SourceSpan& span);
 
@@ -79,8 +79,8 @@ void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceS
 /// True for the argument of a call that names a profile.
 [[nodiscard]] bool isUsing(const plot::PlotCallArgument& argument) noexcept;
 
-/// The profile that the value of a `using=` argument names. Throws when it is unknown or for another
-/// function.
+/// The profile that the value of a `using=` argument names. Throws when it is unknown or
+/// for another function.
 [[nodiscard]] const ParameterProfile& requireProfile(const ExprRef& value, std::string_view function,
                                                      const DeriveSurface& surface, const SourceSpan& span);
 

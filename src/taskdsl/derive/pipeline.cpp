@@ -91,7 +91,7 @@ DerivedTableSource derivedTable(const BlockReader& reader, std::string_view deri
             requireIdentifier(table, "derived() table name must be an identifier", reader.span)};
 }
 
-/// `derived(derive.table)`: the names stand before and behind the first dot.
+/// `derived(derive.table)`: the names before and after the first dot.
 DerivedTableSource splitShorthand(const BlockReader& reader, std::string_view text) {
     const auto selector = trim(text);
     const auto dot = selector.find('.');
@@ -157,15 +157,19 @@ NamedEntry splitSelectEntry(const BlockReader& reader, std::string_view entry) {
     return {entry, entry};
 }
 
-/// Takes "asc" or "desc" off the end of a sort key.
-DeriveSortDirection takeDirection(std::string_view& entry) noexcept {
+/// An entry of a sort list.
+struct SortEntry {
+    std::string_view key;
+    DeriveSortDirection direction = DeriveSortDirection::asc;
+};
+
+/// Splits "asc" or "desc" off the end of a sort key.
+SortEntry splitDirection(std::string_view entry) noexcept {
     const auto blank = entry.find_last_of(" \t");
     const auto word = entry.substr(blank == std::string_view::npos ? 0 : blank + 1);
     const auto direction = sortDirectionWords.find(word);
-    if (direction) {
-        entry = trim(entry.substr(0, entry.size() - word.size()));
-    }
-    return direction.value_or(DeriveSortDirection::asc);
+    return direction ? SortEntry{trim(entry.substr(0, entry.size() - word.size())), *direction}
+                     : SortEntry{entry};
 }
 
 } // namespace
@@ -256,8 +260,8 @@ void readGroupBy(BlockReader& reader, std::string_view text) {
 
 namespace {
 
-/// True for a value that calls a function, somewhere in it. A value in parentheses passes, too: the call of a
-/// formula may leave none behind once it is expanded, and what it leaves is printed so.
+/// True for a value that calls a function, somewhere in it. A value in parentheses passes, too:
+/// a formula may hold no call once it is expanded, and its expansion is printed in parentheses.
 bool isAggregate(const ExprRef& value, std::string_view text) {
     return plot::callsFunction(value) || insideParentheses(text);
 }
@@ -300,13 +304,14 @@ void readSort(BlockReader& reader, std::string_view text) {
     if (text.empty()) {
         reader.fail("sort requires at least one expression");
     }
-    for (auto entry : splitAtCommas(text)) {
+    for (const auto entry : splitAtCommas(text)) {
         if (entry.empty()) {
             reader.fail("sort list contains an empty entry");
         }
         SortStatement statement;
-        statement.direction = takeDirection(entry);
-        statement.key = reader.expression(entry, "sort statement requires an expression");
+        const auto [key, direction] = splitDirection(entry);
+        statement.direction = direction;
+        statement.key = reader.expression(key, "sort statement requires an expression");
         reader.add(std::move(statement));
     }
 }

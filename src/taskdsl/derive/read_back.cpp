@@ -12,7 +12,7 @@ namespace morquill::taskdsl::derive {
 
 namespace {
 
-/// Words that take a statement or a condition apart where they stand outside parentheses.
+/// Words that split a statement or a condition when they are outside parentheses.
 constexpr std::string_view structureWords[] = {"and", "as", "by",      "else", "in",
                                                "not", "or", "matches", "unit"};
 
@@ -24,7 +24,7 @@ bool isStructureWord(std::string_view name) noexcept {
                        [&](std::string_view word) { return equalsNoCase(name, word); });
 }
 
-/// A name is unusual when it is a word of the language, when a colon or bracket in it counts where it stands,
+/// A name is unusual when it is a word of the language, when a colon or bracket in it counts in its place,
 /// or when substitution has put something else in its place.
 bool isUnusualName(std::string_view name) noexcept {
     return name.empty() || isDigit(name.front()) || name.front() == '.' ||
@@ -44,7 +44,7 @@ bool holdsUnusualName(const plot::PlotExpression& node) {
         node.node);
 }
 
-/// The place behind a name with the arguments of its call, or behind a text in parentheses.
+/// The place after a name with the arguments of its call, or after a text in parentheses.
 std::size_t endOfOperand(std::string_view text, std::size_t at) noexcept {
     const auto isChar = [](char c) { return isDottedWordChar(c) || c == ':' || c == '[' || c == ']'; };
     while (at < text.size() && isChar(text[at])) {

@@ -11,11 +11,11 @@
 #include <variant>
 #include <vector>
 
-/// What keeps the printed form of a derive from reading back, and what is done about it. Not for use outside
-/// this room.
+/// What keeps the printed form of a derive from reading back, and what is done about it.
+/// Not for use outside this room.
 namespace morquill::taskdsl::derive {
 
-/// The one statement that stands on a printed line, wherever in a block; nothing for any other text.
+/// The one statement of a printed line, wherever it is in a block; nothing for any other text.
 [[nodiscard]] std::optional<DeriveStatement> readSingleStatement(std::string_view text);
 
 /// True when the printed line reads as the statement, places aside.
@@ -33,12 +33,12 @@ template <class Statement>
 /// True for a name that makes another statement of `emit <name> = ...`, such as "table".
 [[nodiscard]] bool isEmitWord(std::string_view name) noexcept;
 
-/// A quick look: false when the expression, printed so, reads back wherever it stands, true when that has to
-/// be tried.
+/// A quick check: false when the expression, printed so, reads back in any place, true when that has
+/// to be tried.
 [[nodiscard]] bool isUnusual(const ExprRef& expression, const plot::PrintedExpression& printed);
 
-/// The forms in which an expression is tried, each with more parentheses: as it stands, as a whole in
-/// parentheses, and with parentheses around every unusual name outside calls and parentheses.
+/// The forms in which an expression is tried, each with more parentheses: plain, as a whole in parentheses,
+/// and with parentheses around every unusual name outside calls and parentheses.
 enum class ExpressionForm { plain, wrapped, namesWrapped };
 [[nodiscard]] std::string formOf(std::string_view text, ExpressionForm form);
 
@@ -48,9 +48,9 @@ class ReadBackCheck {
     ReadBackCheck(std::string_view derive, const WarningSink& warnings)
         : derive_(derive), warnings_(warnings) {}
 
-    /// The expression in the first form that `fits(text, reading)` takes, `reading` being the expression that
-    /// the text has to stand for. Without one it is printed plain, and "'<statement>' reads differently" is
-    /// reported.
+    /// The expression in the first form that `fits(text, reading)` takes, `reading` being the
+    /// expression that the text has to mean. Without one it is printed plain, and "'<statement>' reads
+    /// differently" is reported.
     template <class Fits>
     [[nodiscard]] std::string print(const ExprRef& expression, std::string_view statement, const Fits& fits) {
         auto printed = plot::printExpression(expression);
@@ -71,8 +71,8 @@ class ReadBackCheck {
         std::size_t reports;
     };
     [[nodiscard]] Mark mark() const noexcept { return {unusual_, reports_}; }
-    /// Reads the whole of such a statement when it holds something unusual, each part of which does read
-    /// back.
+    /// Reads the whole of such a statement when it holds something unusual, each part of which
+    /// does read back.
     template <class Statement>
     void confirm(const Mark& before, std::string_view line, std::string_view keyword,
                  const Statement& statement) {

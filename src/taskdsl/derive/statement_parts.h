@@ -4,7 +4,7 @@
 
 #include <variant>
 
-/// What a statement holds, as seen by passes that treat all statements alike. Not for use outside this room.
+/// The parts of a statement, for passes that treat all statements alike. Not for use outside this room.
 namespace morquill::taskdsl::derive {
 
 /// Calls `part` with every expression of the condition, left to right.

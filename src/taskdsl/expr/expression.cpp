@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 namespace morquill::taskdsl::plot {
@@ -217,6 +218,47 @@ bool equalHeads(const PlotExpression::Node& left, const PlotExpression::Node& ri
         left);
 }
 
+/// A node of a tree that is mapped; its turn comes when its children are done.
+struct Visit {
+    const ExprRef* source;
+    bool childrenDone;
+};
+
+/// Pushes the children that are there, the first one last.
+void pushChildren(const ExprRef& source, std::vector<Visit>& open) {
+    const auto first = static_cast<std::ptrdiff_t>(open.size());
+    forEachChild(source->node, [&](const ExprRef& child) {
+        if (child) {
+            open.push_back({&child, false});
+        }
+    });
+    std::reverse(open.begin() + first, open.end());
+}
+
+/// Takes the results of a node's children off the end of `done`: the node with these children, or the node
+/// itself when none of them changed.
+ExprRef withChildren(const ExprRef& source, std::vector<ExprRef>& done) {
+    std::size_t count = 0;
+    forEachChild(source->node, [&](const ExprRef& child) { count += child ? 1 : 0; });
+    const std::size_t first = done.size() - count;
+    std::size_t at = first;
+    bool changed = false;
+    forEachChild(source->node, [&](const ExprRef& child) { changed |= child && done[at++] != child; });
+    if (!changed) {
+        done.resize(first);
+        return source;
+    }
+    PlotExpression::Node copy = source->node;
+    at = first;
+    forEachChild(copy, [&](ExprRef& child) {
+        if (child) {
+            child = std::move(done[at++]);
+        }
+    });
+    done.resize(first);
+    return makeExpression(std::move(copy));
+}
+
 } // namespace
 
 PlotExpression::~PlotExpression() {
@@ -225,15 +267,15 @@ PlotExpression::~PlotExpression() {
     while (!doomed.empty()) {
         const ExprRef child = std::move(doomed.back());
         doomed.pop_back();
-        if (child.use_count() == 1) {
-            // Every node is made as a non-const object, and this is its last owner.
+        if (child.isOnlyHolder()) {
+            // Nobody sees the node any more: this is its last holder.
             takeChildren(const_cast<PlotExpression&>(*child).node, doomed);
         }
     }
 }
 
 ExprRef makeExpression(PlotExpression::Node node) {
-    return std::make_shared<PlotExpression>(std::move(node));
+    return ExprRef::make(std::move(node));
 }
 
 PrintedExpression printExpression(const ExprRef& expression) {
@@ -267,45 +309,18 @@ ExprRef mapExpression(const ExprRef& expression, const std::function<ExprRef(con
     if (!expression) {
         return expression;
     }
-    struct Visit {
-        const ExprRef* source;
-        bool childrenDone;
-    };
     std::vector<Visit> open{{&expression, false}};
     std::vector<ExprRef> done; // the results, of a node's children the last ones when its turn comes
     while (!open.empty()) {
-        const Visit visit = open.back();
-        open.pop_back();
+        Visit& visit = open.back();
         const ExprRef& source = *visit.source;
         if (!visit.childrenDone) {
-            open.push_back({&source, true});
-            const std::size_t firstChild = open.size();
-            forEachChild(source->node, [&](const ExprRef& child) {
-                if (child) {
-                    open.push_back({&child, false});
-                }
-            });
-            std::reverse(open.begin() + static_cast<std::ptrdiff_t>(firstChild), open.end());
+            visit.childrenDone = true;
+            pushChildren(source, open);
             continue;
         }
-        std::size_t count = 0;
-        forEachChild(source->node, [&](const ExprRef& child) { count += child ? 1 : 0; });
-        const std::size_t first = done.size() - count;
-        std::size_t at = first;
-        bool changed = false;
-        forEachChild(source->node, [&](const ExprRef& child) { changed |= child && done[at++] != child; });
-        ExprRef node = source;
-        if (changed) {
-            PlotExpression::Node copy = source->node;
-            at = first;
-            forEachChild(copy, [&](ExprRef& child) {
-                if (child) {
-                    child = std::move(done[at++]);
-                }
-            });
-            node = makeExpression(std::move(copy));
-        }
-        done.resize(first);
+        open.pop_back();
+        const ExprRef node = withChildren(source, done);
         done.push_back(replace(node));
     }
     return done.front();

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "support/shared.h"
 #include "taskdsl/base/source_span.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -18,7 +18,7 @@ namespace morquill::taskdsl::plot {
 
 struct PlotExpression;
 /// A shared reference to an immutable node; empty means that no expression is present.
-using ExprRef = std::shared_ptr<const PlotExpression>;
+using ExprRef = CountedRef<const PlotExpression>;
 
 struct NumberExpr {
     double value = 0;

@@ -113,14 +113,12 @@ std::string quotePlotText(std::string_view text) {
     return result;
 }
 
-bool stripTrailingColon(std::string_view& text) noexcept {
+std::optional<std::string_view> stripTrailingColon(std::string_view text) noexcept {
     text = trim(text);
     if (text.empty() || text.back() != ':') {
-        return false;
+        return std::nullopt;
     }
-    text.remove_suffix(1);
-    text = trim(text);
-    return true;
+    return trim(text.substr(0, text.size() - 1));
 }
 
 bool isPlotIdentifier(std::string_view text) noexcept {

@@ -54,8 +54,8 @@ struct KeywordOptions {
 /// escaped.
 [[nodiscard]] std::string quotePlotText(std::string_view text);
 
-/// Trims, and when the text ends in ":" removes it, trims again and gives true.
-[[nodiscard]] bool stripTrailingColon(std::string_view& text) noexcept;
+/// The trimmed text in front of a ":" at the end; nothing when the text does not end in one.
+[[nodiscard]] std::optional<std::string_view> stripTrailingColon(std::string_view text) noexcept;
 
 /// A letter or `_` followed by letters, digits and `_`.
 [[nodiscard]] bool isPlotIdentifier(std::string_view text) noexcept;

@@ -69,7 +69,7 @@ std::vector<PlotStatement> readPlotStatements(const std::vector<SourceLine>& lin
     bool pending = false; // the last statement goes on
     std::int64_t depth = 0;
     for (const SourceLine& line : lines) {
-        const auto text = stripPlotComment(line.text);
+        const auto text = stripPlotComment(line.text());
         if (text.empty()) {
             continue;
         }
@@ -77,14 +77,14 @@ std::vector<PlotStatement> readPlotStatements(const std::vector<SourceLine>& lin
             statements.back().text += ' ';
             statements.back().text += text;
         } else {
-            const auto indent = indentOf(line.text);
+            const auto indent = indentOf(line.text());
             const auto number = static_cast<std::int32_t>(line.lineNumber);
             statements.push_back(
                 {std::string(text), {line.originPath, number, toColumn(indent + 1), number, 0}, indent});
         }
         SourceSpan& span = statements.back().span;
         span.endLine = static_cast<std::int32_t>(line.lineNumber);
-        span.endColumn = toColumn(line.text.size());
+        span.endColumn = toColumn(line.text().size());
 
         depth = scanLine(text, depth, span, language);
         if (depth < 0) {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace morquill::taskdsl {
 
@@ -38,14 +39,15 @@ void requireFreeDefineKey(std::string_view key) {
     }
 }
 
-ValueMap parseDefineBlock(const std::vector<std::string_view>& lines, std::size_t start, std::size_t& next) {
+TakenLines<ValueMap> parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start) {
     ValueMap defines;
-    for (next = start; next < lines.size(); ++next) {
-        const auto text = cleanLine(lines[next]);
+    std::size_t next = start;
+    for (; next < lines.size(); ++next) {
+        const auto text = lines[next].clean();
         if (text.empty()) {
             continue;
         }
-        if (!lines[next].starts_with("  ") || !taskHeaderName(text).empty()) {
+        if (!lines[next].text().starts_with("  ") || lines[next].kind() == LineKind::taskHeader) {
             break;
         }
         const auto colon = text.find(':');
@@ -54,7 +56,7 @@ ValueMap parseDefineBlock(const std::vector<std::string_view>& lines, std::size_
             defines.insert_or_assign(std::string(key), readScalar(text.substr(colon + 1)));
         }
     }
-    return defines;
+    return {std::move(defines), next};
 }
 
 void mergeDefines(TaskDocument& document, const ValueMap& defines, NameClash clash) {

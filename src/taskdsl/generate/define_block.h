@@ -1,5 +1,7 @@
 #pragma once
 
+#include "taskdsl/base/line_blocks.h"
+#include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
 #include "taskdsl/task/task_document.h"
 
@@ -11,21 +13,20 @@
 /// `define:` sections and the keys that they may not use.
 namespace morquill::taskdsl {
 
-/// True for a key that stands for a runtime placeholder of `%source`: one of the reserved names, such a name
-/// with a dot and more behind it, or such a name followed by digits only.
+/// True for a key that means a runtime placeholder of `%source`: one of the reserved names, alone,
+/// followed by a dot and more, or followed by digits only.
 [[nodiscard]] bool isReservedKey(std::string_view key) noexcept;
 
 /// Throws `DiagnosticError` for a reserved define key.
 void requireFreeDefineKey(std::string_view key);
 
-/// Reads the body of a `define:` section from line `start`; `next` is the first line behind it.
-[[nodiscard]] ValueMap parseDefineBlock(const std::vector<std::string_view>& lines, std::size_t start,
-                                        std::size_t& next);
+/// Reads the body of a `define:` section from line `start`.
+[[nodiscard]] TakenLines<ValueMap> parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start);
 
 /// What a merge does with a name that is there already.
 enum class NameClash : std::uint8_t { keepOld, takeNew };
 
-/// Puts defines into the document. Throws `DiagnosticError` for a reserved key.
+/// Adds defines to the document. Throws `DiagnosticError` for a reserved key.
 void mergeDefines(TaskDocument& document, const ValueMap& defines, NameClash clash);
 
 } // namespace morquill::taskdsl

@@ -12,7 +12,7 @@
 /// that it has where it was written.
 namespace morquill::taskdsl {
 
-/// What one pass works on: the file whose lines these are, the library it is, and what may stand in it.
+/// What one pass works on: the file that the lines belong to, the library it is, and what it may hold.
 struct IncludeFrame {
     SharedText baseFile;                      ///< for lines that have no origin path
     const FragmentLibrary* library = nullptr; ///< null outside a library
@@ -23,13 +23,13 @@ struct IncludeFrame {
 /// stay as lines. The text of heredocs is marked verbatim. Throws `DiagnosticError` for an include that does
 /// not fit its place, a directive outside a task, an open heredoc or argument list, and cycles.
 [[nodiscard]] std::vector<SourceLine> expandIncludes(std::vector<SourceLine> lines, const IncludeFrame& frame,
-                                                     ParseContext& context);
+                                                     DocumentContext& context);
 
-/// The lines that stand for one include of a fragment: its body with the arguments put in and its own
-/// includes expanded. `library` is the fragment's own, null for a standalone file.
+/// The lines that replace one include of a fragment: its body with the arguments put in and its own includes
+/// expanded. `library` is the fragment's own, null for a standalone file.
 [[nodiscard]] std::vector<SourceLine>
 instantiateFragment(const FragmentDefinition& definition, const IncludeDirective& include,
                     const SourceLine& includeLine, const FragmentLibrary* library,
-                    FragmentExpansionScope scope, ParseContext& context);
+                    FragmentExpansionScope scope, DocumentContext& context);
 
 } // namespace morquill::taskdsl

@@ -2,8 +2,8 @@
 
 #include "taskdsl/base/source_line.h"
 #include "taskdsl/base/source_span.h"
+#include "taskdsl/task/fragment_kind.h"
 
-#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -12,33 +12,6 @@
 
 /// Fragments: named pieces of task text with parameters.
 namespace morquill::taskdsl {
-
-/// What a fragment may hold; also the context in which an `&INCLUDE` stands.
-enum class FragmentKind : std::int32_t {
-    unknown = 0,
-    document,
-    task_body,
-    process,
-    preprocess,
-    control,
-    mod,
-    when,
-    meta,
-    param,
-    args,
-    batch,
-    text
-};
-
-/// The context of an `&INCLUDE`: `document` at file level.
-using FragmentExpansionScope = FragmentKind;
-
-/// The name of a kind; "unknown" for a value outside the enumeration.
-[[nodiscard]] std::string_view fragmentKindName(FragmentKind kind) noexcept;
-/// Reads a spelling (trimmed, any case, `-` as `_`); `unknown` for any other text.
-[[nodiscard]] FragmentKind parseFragmentKind(std::string_view text);
-/// True when a fragment of that kind may stand in that scope.
-[[nodiscard]] bool kindFits(FragmentKind kind, FragmentExpansionScope scope) noexcept;
 
 struct FragmentParameter {
     std::string name;

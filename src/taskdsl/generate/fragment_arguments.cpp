@@ -14,17 +14,17 @@ namespace morquill::taskdsl {
 namespace {
 
 /// Resolves parameters depth first. The path is a stack of its own, so that a long chain of parameters does
-/// not end the program's stack.
+/// not exhaust the program's stack.
 class ParameterResolver {
   public:
     ParameterResolver(const ValueMap& boundValues, const FragmentDefinition& fragment, const SourceLine& line)
-        : bound(boundValues), definition(fragment), includeLine(line) {}
+        : bound_(boundValues), definition_(fragment), includeLine_(line) {}
 
     ValueMap resolveAll() {
-        for (const auto& parameter : definition.parameters) {
+        for (const auto& parameter : definition_.parameters) {
             resolve(parameter.name);
         }
-        return std::move(resolved);
+        return std::move(resolved_);
     }
 
   private:
@@ -34,69 +34,69 @@ class ParameterResolver {
     };
 
     void enter(std::string_view name) {
-        const auto& value = bound.find(name)->second;
+        const auto& value = bound_.find(name)->second;
         std::vector<std::string> references;
         for (auto& key : bracketKeys(value)) {
-            if (bound.find(key) != bound.end()) {
+            if (bound_.find(key) != bound_.end()) {
                 references.push_back(std::move(key));
             }
         }
         std::reverse(references.begin(), references.end());
-        path.push_back({name, std::move(references)});
-        onPath.emplace(name, path.size() - 1);
+        path_.push_back({name, std::move(references)});
+        onPath_.emplace(name, path_.size() - 1);
     }
 
     void resolve(const std::string& start) {
-        if (resolved.count(start) != 0) {
+        if (resolved_.count(start) != 0) {
             return;
         }
         enter(start);
-        while (!path.empty()) {
-            Step& step = path.back();
+        while (!path_.empty()) {
+            Step& step = path_.back();
             if (step.references.empty()) {
-                keep(step.name, substituteBrackets(bound.find(step.name)->second, resolved));
-                onPath.erase(step.name);
-                path.pop_back();
+                keep(step.name, substituteBrackets(bound_.find(step.name)->second, resolved_));
+                onPath_.erase(step.name);
+                path_.pop_back();
                 continue;
             }
-            const auto next = bound.find(step.references.back());
+            const auto next = bound_.find(step.references.back());
             step.references.pop_back();
-            if (const auto met = onPath.find(next->first); met != onPath.end()) {
+            if (const auto met = onPath_.find(next->first); met != onPath_.end()) {
                 failCycle(met->second);
             }
-            if (resolved.count(next->first) == 0) {
+            if (resolved_.count(next->first) == 0) {
                 enter(next->first);
             }
         }
     }
 
     void keep(std::string_view name, std::string value) {
-        size += value.size();
-        if (size > limits::substitutedText) {
-            throw lineFault(includeLine, {},
-                            "parameters of fragment '" + definition.name + "' are longer than " +
+        size_ += value.size();
+        if (size_ > limits::substitutedText) {
+            throw lineFault(includeLine_, {},
+                            "parameters of fragment '" + definition_.name + "' are longer than " +
                                 std::to_string(limits::substitutedText >> 20) + " MiB");
         }
-        resolved.emplace(name, std::move(value));
+        resolved_.emplace(name, std::move(value));
     }
 
     [[noreturn]] void failCycle(std::size_t begin) const {
         std::string chain;
-        for (std::size_t i = begin; i < path.size(); ++i) {
-            chain += std::string(path[i].name) + " -> ";
+        for (std::size_t i = begin; i < path_.size(); ++i) {
+            chain += std::string(path_[i].name) + " -> ";
         }
-        chain += path[begin].name;
-        throw lineFault(includeLine, {},
-                        "fragment parameter reference cycle in '" + definition.name + "': " + chain);
+        chain += path_[begin].name;
+        throw lineFault(includeLine_, {},
+                        "fragment parameter reference cycle in '" + definition_.name + "': " + chain);
     }
 
-    const ValueMap& bound;
-    const FragmentDefinition& definition;
-    const SourceLine& includeLine;
-    ValueMap resolved;
-    std::size_t size = 0; ///< bytes of the resolved values
-    std::vector<Step> path;
-    std::map<std::string_view, std::size_t> onPath;
+    const ValueMap& bound_;
+    const FragmentDefinition& definition_;
+    const SourceLine& includeLine_;
+    ValueMap resolved_;
+    std::size_t size_ = 0; ///< bytes of the resolved values
+    std::vector<Step> path_;
+    std::map<std::string_view, std::size_t> onPath_;
 };
 
 } // namespace

@@ -15,10 +15,11 @@ namespace {
 constexpr std::string_view keyword = "&FRAGMENT";
 
 /// The whole header on one line, without its keyword.
-std::string gatherHeader(const std::vector<SourceLine>& lines, std::size_t& index, const SharedText& path) {
-    const SourceLine& first = lines[index];
-    std::string text;
-    switch (gatherParentheses(lines, index, text)) {
+TakenLines<std::string> gatherHeader(const std::vector<SourceLine>& lines, std::size_t start,
+                                     const SharedText& path) {
+    const SourceLine& first = lines[start];
+    const auto header = gatherParentheses(lines, start);
+    switch (header.end) {
     case GatherEnd::unterminated:
         throw lineFault(first, path, "unterminated &FRAGMENT parameter list");
     case GatherEnd::unmatched:
@@ -26,7 +27,7 @@ std::string gatherHeader(const std::vector<SourceLine>& lines, std::size_t& inde
     case GatherEnd::balanced:
         break;
     }
-    return std::string(trim(std::string_view(text).substr(keyword.size())));
+    return {std::string(trim(std::string_view(header.text).substr(keyword.size()))), header.last + 1};
 }
 
 void readParameters(FragmentDefinition& fragment, std::string_view text) {
@@ -51,21 +52,17 @@ void readParameters(FragmentDefinition& fragment, std::string_view text) {
 
 } // namespace
 
-bool isFragmentLine(std::string_view text) noexcept {
-    return beginsBlock(text, keyword);
-}
-
-FragmentDefinition parseFragmentHeader(const std::vector<SourceLine>& lines, std::size_t& index,
-                                       const SharedText& path, bool nameRequired) {
-    const SourceLine& first = lines[index];
-    if (!isFragmentLine(cleanLine(first.text))) {
+TakenLines<FragmentDefinition> parseFragmentHeader(const std::vector<SourceLine>& lines, std::size_t start,
+                                                   const SharedText& path, FragmentNaming naming) {
+    const SourceLine& first = lines[start];
+    if (first.kind() != LineKind::fragment) {
         throw DiagnosticError("expected &FRAGMENT declaration");
     }
     FragmentDefinition fragment;
     fragment.path = path;
-    fragment.span = spanOfLine(path, first.lineNumber, first.text);
-    const std::string header = gatherHeader(lines, index, path);
-    std::string_view rest = header;
+    fragment.span = spanOfLine(path, first.lineNumber, first.text());
+    const auto header = gatherHeader(lines, start, path);
+    std::string_view rest = header.value;
 
     fragment.kindText = rest.substr(0, rest.find_first_of(" \t("));
     fragment.kind = parseFragmentKind(fragment.kindText);
@@ -79,7 +76,7 @@ FragmentDefinition parseFragmentHeader(const std::vector<SourceLine>& lines, std
         throw DiagnosticError("unterminated fragment parameter list");
     }
     fragment.name = trim(rest.substr(0, open));
-    if (fragment.name.empty() && nameRequired) {
+    if (fragment.name.empty() && naming == FragmentNaming::required) {
         throw DiagnosticError("library fragments must have a name");
     }
     if (!fragment.name.empty() && !isFragmentName(fragment.name)) {
@@ -88,7 +85,7 @@ FragmentDefinition parseFragmentHeader(const std::vector<SourceLine>& lines, std
     if (open != std::string_view::npos) {
         readParameters(fragment, rest.substr(open + 1, rest.size() - open - 2));
     }
-    return fragment;
+    return {std::move(fragment), header.next};
 }
 
 } // namespace morquill::taskdsl

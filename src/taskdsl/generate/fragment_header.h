@@ -1,20 +1,21 @@
 #pragma once
 
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/generate/fragment.h"
 
 #include <cstddef>
-#include <string_view>
 #include <vector>
 
 namespace morquill::taskdsl {
 
-/// True for a `&FRAGMENT` line: the keyword followed by a blank or the end. Takes a cleaned line.
-[[nodiscard]] bool isFragmentLine(std::string_view text) noexcept;
+/// Whether a header must name its fragment: in a library, where includes ask for the name.
+enum class FragmentNaming { required, optional };
 
-/// Reads `&FRAGMENT <kind> [<name>][(<parameters>)]` from the line at `index`, over several lines while a
-/// parenthesis is open; `index` is left on the last line of the header. The definition has no body yet.
-/// Throws `DiagnosticError` when the header does not follow that form or lacks a required name.
-[[nodiscard]] FragmentDefinition parseFragmentHeader(const std::vector<SourceLine>& lines, std::size_t& index,
-                                                     const SharedText& path, bool nameRequired);
+/// Reads `&FRAGMENT <kind> [<name>][(<parameters>)]` from the line at `start`, over several lines while a
+/// parenthesis is open. The definition has no body yet. Throws `DiagnosticError` when the header does not
+/// follow that form or lacks a required name.
+[[nodiscard]] TakenLines<FragmentDefinition> parseFragmentHeader(const std::vector<SourceLine>& lines,
+                                                                 std::size_t start, const SharedText& path,
+                                                                 FragmentNaming naming);
 
 } // namespace morquill::taskdsl

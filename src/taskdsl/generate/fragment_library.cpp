@@ -1,12 +1,10 @@
 #include "taskdsl/generate/fragment_library.h"
 
-#include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/base/line_fault.h"
-#include "taskdsl/base/scan.h"
 #include "taskdsl/generate/fragment_header.h"
 #include "taskdsl/generate/include_line.h"
-#include "taskdsl/generate/include_path.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -17,20 +15,15 @@ namespace morquill::taskdsl {
 
 namespace {
 
-std::vector<SourceLine> linesOf(std::string_view text, const SharedText& path) {
-    std::vector<SourceLine> lines;
-    std::uint32_t number = 0;
-    for (const auto line : splitLines(text)) {
-        lines.push_back({std::string(line), path, ++number});
-    }
-    return lines;
+bool isFragment(const SourceLine& line) noexcept {
+    return line.kind() == LineKind::fragment;
 }
 
-/// Removes blank lines at both ends of a body. To a text fragment a comment is text.
+/// Removes blank lines at both ends of a body; in a text fragment a comment is text.
 void trimBody(FragmentDefinition& fragment) {
     const bool raw = fragment.kind == FragmentKind::text;
     const auto holdsText = [raw](const SourceLine& line) {
-        return !(raw ? trim(line.text) : cleanLine(line.text)).empty();
+        return !(raw ? trim(line.text()) : line.clean()).empty();
     };
     auto& lines = fragment.lines;
     lines.erase(std::find_if(lines.rbegin(), lines.rend(), holdsText).base(), lines.end());
@@ -39,42 +32,43 @@ void trimBody(FragmentDefinition& fragment) {
 
 class LibraryReader {
   public:
-    LibraryReader(std::string_view text, const SharedText& path, ParseContext& parseContext)
-        : lines(linesOf(text, path)), context(parseContext) {
-        library.path = path;
+    LibraryReader(std::string_view text, const SharedText& path, DocumentContext& parseContext)
+        : lines_(makeSourceLines(text, path)), context_(parseContext) {
+        library_.path = path;
     }
 
     FragmentLibrary read() {
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            const auto text = cleanLine(lines[i].text);
-            if (text.empty()) {
+        for (std::size_t i = 0; i < lines_.size(); ++i) {
+            const SourceLine& line = lines_[i];
+            if (line.clean().empty()) {
                 continue;
             }
-            if (isFragmentLine(text)) {
+            if (isFragment(line)) {
                 readFragment(i);
-            } else if (const auto include = parseIncludeLine(text); include.isInclude) {
-                readDependency(lines[i], include);
+            } else if (line.kind() == LineKind::include) {
+                readDependency(line, parseIncludeLine(line.clean()));
             } else {
-                throw fault(lines[i], "expected &FRAGMENT declaration");
+                throw fault(line, "expected &FRAGMENT declaration");
             }
         }
-        return std::move(library);
+        return std::move(library_);
     }
 
   private:
     [[nodiscard]] DiagnosticError fault(const SourceLine& line, std::string_view message) const {
-        return lineFault(line, library.path, message);
+        return lineFault(line, library_.path, message);
     }
 
     /// Leaves `i` on the last line of the body.
     void readFragment(std::size_t& i) {
-        auto fragment = parseFragmentHeader(lines, i, library.path, true);
-        while (i + 1 < lines.size() && !isFragmentLine(cleanLine(lines[i + 1].text))) {
-            fragment.lines.push_back(std::move(lines[++i]));
+        auto [fragment, next] = parseFragmentHeader(lines_, i, library_.path, FragmentNaming::required);
+        i = next - 1;
+        while (i + 1 < lines_.size() && !isFragment(lines_[i + 1])) {
+            fragment.lines.push_back(std::move(lines_[++i]));
         }
         trimBody(fragment);
         std::string name = fragment.name;
-        const auto [entry, isNew] = library.fragments.try_emplace(std::move(name), std::move(fragment));
+        const auto [entry, isNew] = library_.fragments.try_emplace(std::move(name), std::move(fragment));
         if (!isNew) {
             throw DiagnosticError("duplicate fragment name '" + entry->first + "'");
         }
@@ -84,42 +78,43 @@ class LibraryReader {
         if (include.kind != IncludeTarget::library || include.alias.empty()) {
             throw fault(line, "library dependencies must use '&INCLUDE \"file.mqlib\" as namespace'");
         }
-        if (library.dependencies.count(include.alias) != 0) {
+        if (library_.dependencies.count(include.alias) != 0) {
             throw fault(line, "duplicate library namespace '" + include.alias + "'");
         }
-        library.dependencies.emplace(include.alias, loadLibrary(searchName(include), library.path, context));
+        library_.dependencies.emplace(include.alias,
+                                      loadLibrary(searchName(include), library_.path.str(), context_));
     }
 
-    std::vector<SourceLine> lines;
-    ParseContext& context;
-    FragmentLibrary library;
+    std::vector<SourceLine> lines_;
+    DocumentContext& context_;
+    FragmentLibrary library_;
 };
 
 /// The first line that is neither blank nor a comment; the line count when there is none.
 std::size_t firstFilledLine(const std::vector<SourceLine>& lines) {
     return static_cast<std::size_t>(
         std::find_if(lines.begin(), lines.end(),
-                     [](const SourceLine& line) { return !cleanLine(line.text).empty(); }) -
+                     [](const SourceLine& line) { return !line.clean().empty(); }) -
         lines.begin());
 }
 
 } // namespace
 
 std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, const std::string& baseFile,
-                                                   ParseContext& context) {
-    const auto path = resolveIncludePath(name, baseFile);
+                                                   DocumentContext& context) {
+    const auto path = context.run.resolveIncludePath(name, baseFile);
     if (path.empty()) {
         throw DiagnosticError("empty fragment library path");
     }
-    if (!context.hasFile(path)) {
+    if (!context.run.options.isFile(path)) {
         throw DiagnosticError("fragment library not found: " + path);
     }
-    const auto entry = enterFile(context.libraryChain, path);
-    context.document.includedFiles.add(path);
-    auto& library = context.libraries[normalisedPath(path)];
+    const IncludeChain::Entry entry(context.run.libraryChain, path);
+    context.includedFiles.add(path);
+    auto& library = context.run.libraries[normalisedPath(path)];
     if (!library) {
-        context.countInclude();
-        const auto text = context.readFile(path);
+        context.run.countInclude();
+        const auto text = context.run.readFile(path);
         if (!text) {
             throw DiagnosticError("fragment library not found: " + path);
         }
@@ -129,42 +124,42 @@ std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, cons
     return library;
 }
 
-void bindLibrary(const std::string& alias, const std::string& name, const std::string& baseFile,
-                 const std::string& place, ParseContext& context) {
+std::optional<std::string> bindLibrary(const std::string& alias, const std::string& name,
+                                       const std::string& baseFile, DocumentContext& context) {
     const auto library = loadLibrary(name, baseFile, context);
-    const auto [bound, isNew] = context.document.namespaces.try_emplace(alias, library);
+    const auto [bound, isNew] = context.namespaces.try_emplace(alias, library);
     if (!isNew && bound->second != library) {
-        throw DiagnosticError(place + "namespace '" + alias + "' is already bound to '" +
-                              bound->second->path.str() + "'");
+        return "namespace '" + alias + "' is already bound to '" + bound->second->path.str() + "'";
     }
+    return std::nullopt;
 }
 
 FragmentDefinition loadFragmentFile(const std::string& name, const std::string& baseFile,
-                                    FragmentExpansionScope scope, ParseContext& context) {
-    const auto path = resolveIncludePath(name, baseFile);
+                                    FragmentExpansionScope scope, DocumentContext& context) {
+    const auto path = context.run.resolveIncludePath(name, baseFile);
     if (path.empty()) {
         throw DiagnosticError("empty fragment include path");
     }
-    if (!context.hasFile(path)) {
+    if (!context.run.options.isFile(path)) {
         throw DiagnosticError("included fragment file not found: " + path);
     }
-    const auto text = context.readFile(path);
+    const auto text = context.run.readFile(path);
     if (!text) {
         throw DiagnosticError("cannot open included fragment file: " + path);
     }
-    context.countInclude();
-    context.document.includedFiles.add(path);
+    context.run.countInclude();
+    context.includedFiles.add(path);
 
     const SharedText shared(path);
-    auto lines = linesOf(skipByteOrderMark(*text), shared);
+    auto lines = makeSourceLines(skipByteOrderMark(*text), shared);
     FragmentDefinition fragment;
     std::size_t body = 0;
     if (scope != FragmentKind::text && path.ends_with(".mqfrag")) {
         const auto first = firstFilledLine(lines);
-        if (first < lines.size() && isFragmentLine(cleanLine(lines[first].text))) {
-            body = first;
-            fragment = parseFragmentHeader(lines, body, shared, false);
-            ++body;
+        if (first < lines.size() && isFragment(lines[first])) {
+            auto header = parseFragmentHeader(lines, first, shared, FragmentNaming::optional);
+            fragment = std::move(header.value);
+            body = header.next;
         }
     }
     if (body == 0) {
@@ -172,7 +167,7 @@ FragmentDefinition loadFragmentFile(const std::string& name, const std::string& 
         fragment.path = shared;
     } else {
         for (std::size_t i = body; i < lines.size(); ++i) {
-            if (isFragmentLine(cleanLine(lines[i].text))) {
+            if (isFragment(lines[i])) {
                 throw lineFault(lines[i], path,
                                 "standalone fragment files may contain only one &FRAGMENT; use a .mqlib for "
                                 "named libraries");

@@ -1,6 +1,6 @@
 #include "taskdsl/generate/include_chain.h"
 
-#include "support/file.h"
+#include "support/paths.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 
@@ -8,29 +8,42 @@
 
 namespace morquill::taskdsl {
 
-IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& key, std::string shown) : chain(owner) {
-    if (chain.keys.count(key) != 0) {
-        std::string message(chain.label);
+IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& key, std::string shown) : chain_(owner) {
+    chain_.enter(key, std::move(shown));
+}
+
+IncludeChain::Entry::Entry(IncludeChain& owner, const std::string& path) : chain_(owner) {
+    if (chain_.elements_.empty()) {
+        chain_.elements_.push_back({std::nullopt, path});
+    } else {
+        chain_.enter(normalisedPath(path), path);
+    }
+}
+
+IncludeChain::Entry::~Entry() {
+    if (const auto& key = chain_.elements_.back().key) {
+        chain_.keys_.erase(*key);
+    }
+    chain_.elements_.pop_back();
+}
+
+void IncludeChain::enter(const std::string& key, std::string shown) {
+    if (!elements_.empty() && !elements_.front().key) {
+        elements_.front().key = keys_.insert(normalisedPath(elements_.front().shown)).first;
+    }
+    if (keys_.count(key) != 0) {
+        std::string message(label_);
         message += " cycle detected: ";
-        for (const auto& element : chain.elements) {
+        for (const auto& element : elements_) {
             message += element.shown + " -> ";
         }
         throw DiagnosticError(message + shown);
     }
-    if (chain.elements.size() == limits::includeDepth) {
-        throw DiagnosticError(std::string(chain.label) + " is nested more than " +
+    if (elements_.size() == limits::includeDepth) {
+        throw DiagnosticError(std::string(label_) + " is nested more than " +
                               std::to_string(limits::includeDepth) + " deep: " + shown);
     }
-    chain.elements.push_back({chain.keys.insert(key).first, std::move(shown)});
-}
-
-IncludeChain::Entry::~Entry() {
-    chain.keys.erase(chain.elements.back().key);
-    chain.elements.pop_back();
-}
-
-IncludeChain::Entry enterFile(IncludeChain& chain, const std::string& path) {
-    return {chain, normalisedPath(path), path};
+    elements_.push_back({keys_.insert(key).first, std::move(shown)});
 }
 
 } // namespace morquill::taskdsl

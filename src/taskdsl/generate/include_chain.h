@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -11,34 +12,37 @@ namespace morquill::taskdsl {
 class IncludeChain {
   public:
     /// `name` is the kind of inclusion in messages, as in "task include cycle detected: ...".
-    explicit IncludeChain(std::string_view name) : label(name) {}
+    explicit IncludeChain(std::string_view name) : label_(name) {}
 
     /// Enters an element for the time of a scope.
     class Entry {
       public:
-        /// `key` tells elements apart, `shown` is what messages print. Throws `DiagnosticError` with the
-        /// whole chain when the element is on it already, or when the chain grows beyond
-        /// `limits::includeDepth`.
+        /// `key` identifies the element, `shown` is what messages print. Throws `DiagnosticError`
+        /// with the whole chain when the element is on it already, or when the chain
+        /// grows beyond `limits::includeDepth`.
         Entry(IncludeChain& chain, const std::string& key, std::string shown);
+        /// Enters a file: told apart by its canonical path, which is not asked for before there is a second
+        /// element, shown by the path as resolved. Throws as the other.
+        Entry(IncludeChain& chain, const std::string& path);
         Entry(const Entry&) = delete;
         Entry& operator=(const Entry&) = delete;
         ~Entry();
 
       private:
-        IncludeChain& chain;
+        IncludeChain& chain_;
     };
 
   private:
+    /// The first file, whose key is not known yet, has none among the keys.
     struct Element {
-        std::set<std::string>::iterator key;
+        std::optional<std::set<std::string>::iterator> key;
         std::string shown;
     };
-    std::string_view label;
-    std::vector<Element> elements;
-    std::set<std::string> keys;
-};
+    void enter(const std::string& key, std::string shown);
 
-/// Enters a file for the time of a scope: told apart by its canonical path, shown by the path as resolved.
-[[nodiscard]] IncludeChain::Entry enterFile(IncludeChain& chain, const std::string& path);
+    std::string_view label_;
+    std::vector<Element> elements_;
+    std::set<std::string> keys_;
+};
 
 } // namespace morquill::taskdsl

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view keyword = "&INCLUDE";
 
-/// Where the word `as` divides the target from its alias; `npos` when it does not stand there.
+/// The position of the `as` that divides the target from its alias; `npos` without one.
 std::size_t findAlias(std::string_view text) noexcept {
     return findAtTop(text, quote_rules::includeLine, [text](std::size_t at) {
         return at > 0 && isSpace(text[at - 1]) && matchWord(text.substr(at), "as");
@@ -212,23 +212,26 @@ bool ParenthesisCount::read(std::string_view text) noexcept {
     return true;
 }
 
-GatherEnd gatherParentheses(const std::vector<SourceLine>& lines, std::size_t& index, std::string& text) {
+GatheredLines gatherParentheses(const std::vector<SourceLine>& lines, std::size_t first) {
+    GatheredLines gathered;
     ParenthesisCount count;
-    for (std::size_t i = index; i < lines.size(); ++i) {
-        const auto piece = cleanLine(lines[i].text);
-        if (i != index) {
-            text += ' ';
+    for (std::size_t i = first; i < lines.size(); ++i) {
+        const auto piece = lines[i].clean();
+        if (i != first) {
+            gathered.text += ' ';
         }
-        text += piece;
+        gathered.text += piece;
+        gathered.last = i;
         if (!count.read(piece)) {
-            return GatherEnd::unmatched;
+            gathered.end = GatherEnd::unmatched;
+            break;
         }
         if (count.balanced()) {
-            index = i;
-            return GatherEnd::balanced;
+            gathered.end = GatherEnd::balanced;
+            break;
         }
     }
-    return GatherEnd::unterminated;
+    return gathered;
 }
 
 } // namespace morquill::taskdsl

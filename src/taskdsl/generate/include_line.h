@@ -12,7 +12,7 @@
 /// One `&INCLUDE` line: its target, arguments and alias.
 namespace morquill::taskdsl {
 
-/// What an include line leads to, told from the look of its target.
+/// What an include line leads to, judged by the form of its target.
 enum class IncludeTarget {
     fragmentName, ///< a bare name: a fragment of the same library, or a file
     reference,    ///< `namespace.name`
@@ -27,17 +27,17 @@ enum class IncludeTarget {
 struct IncludeDirective {
     bool isInclude = false;
     bool isLibraryReference = false; ///< the target is `namespace.name` or a `.mqlib` file
-    bool isAngle = false;            ///< the target stood in `<` and `>`, which are not part of it
-    bool hasArguments = false;       ///< parentheses stood behind the target
+    bool isAngle = false;            ///< the target is written in `<` and `>`, which are not part of it
+    bool hasArguments = false;       ///< the target is followed by parentheses
     IncludeTarget kind = IncludeTarget::otherFile;
     std::string target;
     ValueMap arguments;
     std::string argumentText; ///< the text between the parentheses
-    std::string alias;        ///< the name behind `as`
+    std::string alias;        ///< the name after `as`
 };
 
-/// Reads a line; `isInclude` stays false when it is no include line. Throws `DiagnosticError` for a line that
-/// does not follow the grammar `&INCLUDE <target>[(<name>=<value>, ...)] [as <alias>]`.
+/// Reads a line; `isInclude` stays false when it is not an include line. Throws `DiagnosticError` for a line
+/// that does not follow the grammar `&INCLUDE <target>[(<name>=<value>, ...)] [as <alias>]`.
 [[nodiscard]] IncludeDirective parseIncludeLine(std::string_view text);
 
 /// The target as the path search takes it: an angle target in its brackets.
@@ -52,7 +52,7 @@ struct IncludeDirective {
 /// Counts parentheses outside quotes over the pieces of one text.
 class ParenthesisCount {
   public:
-    /// Reads on; false when a parenthesis is closed that was not opened.
+    /// Reads on; false when a parenthesis closes that was not opened.
     bool read(std::string_view text) noexcept;
     /// True when every opened parenthesis is closed.
     [[nodiscard]] bool balanced() const noexcept { return walk_.depth() == 0; }
@@ -64,9 +64,14 @@ class ParenthesisCount {
 /// How a list of parentheses that runs over several lines ended.
 enum class GatherEnd { balanced, unterminated, unmatched };
 
-/// The cleaned line at `index` and those behind it, joined with one blank until the parentheses balance.
-/// `index` is left on the last line taken.
-[[nodiscard]] GatherEnd gatherParentheses(const std::vector<SourceLine>& lines, std::size_t& index,
-                                          std::string& text);
+/// Lines that were joined into one text.
+struct GatheredLines {
+    std::string text;
+    std::size_t last = 0; ///< the last line taken
+    GatherEnd end = GatherEnd::unterminated;
+};
+
+/// The cleaned line at `first` and those after it, joined with one blank until the parentheses balance.
+[[nodiscard]] GatheredLines gatherParentheses(const std::vector<SourceLine>& lines, std::size_t first);
 
 } // namespace morquill::taskdsl

@@ -105,16 +105,17 @@ void BlockReader::readAttribute(std::string_view text, std::size_t indent) {
 
 } // namespace
 
-std::vector<MatrixAxis> parseMatrixBlock(const std::vector<std::string_view>& lines, std::size_t start,
-                                         std::size_t& next) {
+TakenLines<std::vector<MatrixAxis>> parseMatrixBlock(const std::vector<SourceLine>& lines,
+                                                     std::size_t start) {
     BlockReader reader;
-    for (next = start; next < lines.size(); ++next) {
-        const auto text = cleanLine(lines[next]);
+    std::size_t next = start;
+    for (; next < lines.size(); ++next) {
+        const auto text = lines[next].clean();
         if (text.empty()) {
             continue;
         }
-        const auto indent = leadingBlanks(lines[next]);
-        if (indent < 2 || !taskHeaderName(text).empty()) {
+        const auto indent = leadingBlanks(lines[next].text());
+        if (indent < 2 || lines[next].kind() == LineKind::taskHeader) {
             break;
         }
         if (text == "-" || text.starts_with("- ")) {
@@ -125,7 +126,7 @@ std::vector<MatrixAxis> parseMatrixBlock(const std::vector<std::string_view>& li
             reader.readMapping(text);
         }
     }
-    return std::move(reader.axes);
+    return {std::move(reader.axes), next};
 }
 
 void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash) {

@@ -13,11 +13,10 @@
 namespace morquill::taskdsl {
 
 /// Reads the body of a `matrix:` section from line `start`, in mapping syntax (`  key: values`) or list
-/// syntax
-/// (`  - key: values` with `name:` and `map:` lines below); `next` is the first line behind it. Throws
-/// `DiagnosticError` when the syntaxes are mixed or a line does not fit.
-[[nodiscard]] std::vector<MatrixAxis> parseMatrixBlock(const std::vector<std::string_view>& lines,
-                                                       std::size_t start, std::size_t& next);
+/// syntax (`  - key: values` with `name:` and `map:` lines below). Throws `DiagnosticError` when the syntaxes
+/// are mixed or a line does not fit.
+[[nodiscard]] TakenLines<std::vector<MatrixAxis>> parseMatrixBlock(const std::vector<SourceLine>& lines,
+                                                                   std::size_t start);
 
 /// Declared axes in order, and their value lists by key.
 struct MatrixAxes {
@@ -25,8 +24,8 @@ struct MatrixAxes {
     std::map<std::string, std::vector<std::string>, std::less<>>& values;
 };
 
-/// Puts axes behind those that are there; an axis of the same key is replaced in its place or kept. Throws
-/// `DiagnosticError` for a reserved key.
+/// Appends axes to those that are there; an axis of the same key is replaced in its place or kept.
+/// Throws `DiagnosticError` for a reserved key.
 void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash);
 void mergeMatrixAxes(TaskDocument& document, const std::vector<MatrixAxis>& axes, NameClash clash);
 

@@ -135,21 +135,21 @@ MatrixWalk::MatrixWalk(const std::vector<MatrixAxis>& axes) {
         if (!axis.map.empty() && (target == index.end() || !axes[target->second].map.empty())) {
             throw DiagnosticError("matrix internal error: missing selection for axis '" + axis.key + "'");
         }
-        tracks.push_back({&axis, piecesOf(axis), axis.map.empty() ? i : target->second, 0});
+        tracks_.push_back({&axis, piecesOf(axis), axis.map.empty() ? i : target->second, 0});
         if (axis.map.empty()) {
-            independent.push_back(i);
-            if (selectionCount(axis) > limits::matrixVariants / count) {
+            independent_.push_back(i);
+            if (selectionCount(axis) > limits::matrixVariants / count_) {
                 throw DiagnosticError("matrix yields more than " + std::to_string(limits::matrixVariants) +
                                       " combinations");
             }
-            count *= selectionCount(axis);
+            count_ *= selectionCount(axis);
         }
     }
 }
 
 bool MatrixWalk::advance() noexcept {
-    for (auto i = independent.rbegin(); i != independent.rend(); ++i) {
-        Track& track = tracks[*i];
+    for (auto i = independent_.rbegin(); i != independent_.rend(); ++i) {
+        Track& track = tracks_[*i];
         if (++track.index < selectionCount(*track.axis)) {
             return true;
         }
@@ -159,12 +159,12 @@ bool MatrixWalk::advance() noexcept {
 }
 
 const std::string& MatrixWalk::value(std::size_t axis) const noexcept {
-    return valueAt(*tracks[axis].axis, tracks[tracks[axis].selector].index);
+    return valueAt(*tracks_[axis].axis, tracks_[tracks_[axis].selector].index);
 }
 
 const std::string& MatrixWalk::piece(std::size_t axis) const noexcept {
-    const auto& pieces = tracks[axis].pieces;
-    return pieces[std::min(tracks[tracks[axis].selector].index, pieces.size() - 1)];
+    const auto& pieces = tracks_[axis].pieces;
+    return pieces[std::min(tracks_[tracks_[axis].selector].index, pieces.size() - 1)];
 }
 
 std::vector<MatrixCombination> buildMatrixCombinations(const std::vector<MatrixAxis>& axes) {

@@ -20,24 +20,24 @@ struct MatrixCombination {
 };
 
 /// The text as a piece of a task name: letters, digits, `-` and `.` stay, every other run of bytes becomes
-/// one `_`, and `_` at both ends goes away; "value" when nothing is left.
+/// one `_`, and `_` at both ends is dropped; "value" when nothing is left.
 [[nodiscard]] std::string cleanVariantText(std::string_view text);
 
-/// Throws `DiagnosticError` when keys repeat, names do not fit the values, a `map` is wrong, or no axis is
-/// independent.
+/// Throws `DiagnosticError` when keys repeat, names do not fit the values, a `map` is wrong,
+/// or no axis is independent.
 void validateMatrix(const std::vector<MatrixAxis>& axes);
 
 /// Walks the combinations of the axes: the independent axes in declared order, the last one fastest. An axis
 /// with a `map` follows its target; an axis without values has one empty value.
 class MatrixWalk {
   public:
-    /// Throws `DiagnosticError` when a `map` names no independent axis, or when there are more combinations
-    /// than `limits::matrixVariants`.
+    /// Throws `DiagnosticError` when a `map` names no independent axis, or when there are more
+    /// combinations than `limits::matrixVariants`.
     explicit MatrixWalk(const std::vector<MatrixAxis>& axes);
 
     /// The number of combinations.
-    [[nodiscard]] std::size_t size() const noexcept { return count; }
-    /// Moves to the next combination; false behind the last one.
+    [[nodiscard]] std::size_t size() const noexcept { return count_; }
+    /// Moves to the next combination; false after the last one.
     bool advance() noexcept;
     /// The value of an axis in the current combination.
     [[nodiscard]] const std::string& value(std::size_t axis) const noexcept;
@@ -52,9 +52,9 @@ class MatrixWalk {
         std::size_t selector = 0; ///< the track whose index this one follows; itself when independent
         std::size_t index = 0;    ///< current selection of an independent axis
     };
-    std::vector<Track> tracks;
-    std::vector<std::size_t> independent;
-    std::size_t count = 1;
+    std::vector<Track> tracks_;
+    std::vector<std::size_t> independent_;
+    std::size_t count_ = 1;
 };
 
 /// All combinations, in the order of the walk.

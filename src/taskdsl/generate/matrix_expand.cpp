@@ -1,5 +1,6 @@
 #include "taskdsl/generate/matrix_expand.h"
 
+#include "support/large_memory.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
 #include "taskdsl/generate/matrix_combinations.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -22,47 +24,48 @@ namespace {
 /// The new names of the tasks of one file, by the name as written and by the name after substitution.
 class Renames {
   public:
-    void add(const std::string& oldName, const std::string& newName) { names.try_emplace(oldName, newName); }
+    void add(const std::string& oldName, const std::string& newName) { names_.try_emplace(oldName, newName); }
 
-    void apply(std::string& name) const {
-        if (const auto found = names.find(name); found != names.end()) {
+    template <class Text>
+    void apply(Text& name) const {
+        if (const auto found = names_.find(std::string_view(name)); found != names_.end()) {
             name = found->second;
         }
     }
 
-    /// Renames the references of a condition. The pairs of a map are applied one after the other there, so
-    /// the new names first carry a mark that no task name begins with: `a` becomes `a__x_1` and stays so
-    /// beside a task `a__x_1` of its own.
-    void applyToCondition(std::string& text) const {
+    /// A condition with its references renamed; nothing when it stays as it is. The pairs of a map are
+    /// applied one after the other there, so the new names first carry a mark that no task name begins with:
+    /// `a` becomes `a__x_1` and stays so beside a task `a__x_1` of its own.
+    [[nodiscard]] std::optional<std::string> renamedCondition(const std::string& text) const {
         const ValueMap& marked = markedNames();
         if (marked.empty()) {
-            return;
+            return std::nullopt;
         }
-        std::string renamed = rewriteWhenReferences(text, marked);
-        text = renamed == text ? std::move(renamed) : rewriteWhenReferences(renamed, unmarks);
+        const std::string renamed = rewriteWhenReferences(text, marked);
+        return renamed == text ? std::nullopt : std::optional(rewriteWhenReferences(renamed, unmarks_));
     }
 
   private:
     static constexpr char mark = '\x01';
 
-    /// A name that stays is no rename: a condition that mentions it keeps its spacing.
+    /// A name that stays is not a rename: a condition that mentions it keeps its spacing.
     const ValueMap& markedNames() const {
-        if (!marksMade) {
-            for (const auto& [oldName, newName] : names) {
+        if (!marksMade_) {
+            for (const auto& [oldName, newName] : names_) {
                 if (oldName != newName) {
-                    marks.emplace(oldName, mark + newName);
-                    unmarks.emplace(mark + newName, newName);
+                    marks_.emplace(oldName, mark + newName);
+                    unmarks_.emplace(mark + newName, newName);
                 }
             }
-            marksMade = true;
+            marksMade_ = true;
         }
-        return marks;
+        return marks_;
     }
 
-    ValueMap names;
-    mutable bool marksMade = false; ///< they are made when the first condition asks for them
-    mutable ValueMap marks;
-    mutable ValueMap unmarks;
+    ValueMap names_;
+    mutable bool marksMade_ = false; ///< they are made when the first condition asks for them
+    mutable ValueMap marks_;
+    mutable ValueMap unmarks_;
 };
 
 bool refersToTask(const TaskInfo& task) noexcept {
@@ -89,8 +92,10 @@ void renameReferences(TaskInfo& task, const Renames& renames) {
     renameSource(task.source, renames);
     renames.apply(task.guessSourceTask);
     renames.apply(task.interfaceProvider);
-    for (auto& condition : task.whenEntries) {
-        renames.applyToCondition(condition.text);
+    for (std::size_t i = 0; i < task.whenEntries.size(); ++i) {
+        if (auto renamed = renames.renamedCondition(task.whenEntries[i].text)) {
+            task.whenEntries.edit()[i].text = *std::move(renamed);
+        }
     }
 }
 
@@ -101,7 +106,7 @@ std::size_t textSize(const TaskInfo& task) {
                        task.orcaBlock.size() + sourceText(task).size() + task.runner.size() +
                        task.templateName.size() + task.guessSourceTask.size() + task.finalGeom.size();
     for (const auto* list : {&task.preProcessCommands, &task.processCommands}) {
-        for (const auto& text : *list) {
+        for (const auto& text : **list) {
             size += text.size();
         }
     }
@@ -127,99 +132,101 @@ struct TemplateInfo {
 class MatrixExpansion {
   public:
     explicit MatrixExpansion(TaskDocument& target)
-        : document(target), walk(target.matrixAxes), values(target.defines) {
+        : document_(target), walk_(target.matrixAxes), values_(target.defines) {
         std::map<std::string_view, std::size_t> files;
         std::size_t textOfOne = 0; // of one combination, before substitution
-        for (const auto& task : document.templateTasks) {
-            const auto file = files.try_emplace(task.filePath.str(), files.size()).first->second;
-            templates.push_back({&task, holdsBrackets(task), refersToTask(task), file, {}, {}});
-            anyRefers = anyRefers || templates.back().refers;
+        for (const auto& task : document_.templateTasks) {
+            const auto file = files.try_emplace(task.filePath.view(), files.size()).first->second;
+            templates_.push_back({&task, holdsBrackets(task), refersToTask(task), file, {}, {}});
+            anyRefers_ = anyRefers_ || templates_.back().refers;
             textOfOne += textSize(task);
         }
-        fileCount = files.size();
-        if (walk.size() > limits::matrixVariants / templates.size()) {
+        fileCount_ = files.size();
+        if (walk_.size() > limits::matrixVariants / templates_.size()) {
             throw DiagnosticError("matrix yields more than " + std::to_string(limits::matrixVariants) +
                                   " task variants");
         }
-        if (textOfOne > limits::variantText / walk.size()) {
+        if (textOfOne > limits::variantText / walk_.size()) {
             failText();
         }
     }
 
     std::vector<TaskInfo> run() {
         std::vector<TaskInfo> variants;
-        variants.reserve(walk.size() * templates.size());
+        reserveLarge(variants, walk_.size() * templates_.size());
         do {
             chooseCombination();
-            for (const auto& item : templates) {
+            for (const auto& item : templates_) {
                 variants.push_back(makeVariant(item));
             }
-        } while (walk.advance());
+        } while (walk_.advance());
         return variants;
     }
 
   private:
     void chooseCombination() {
-        const auto& axes = document.matrixAxes;
+        const auto& axes = document_.matrixAxes;
         ValueMap chosen;
-        suffix.clear();
+        suffix_.clear();
         for (std::size_t i = 0; i < axes.size(); ++i) {
-            values.insert_or_assign(axes[i].key, walk.value(i));
-            chosen.emplace(axes[i].key, walk.value(i));
-            countText(axes[i].key.size() + walk.value(i).size());
-            suffix += i == 0 ? "" : "__";
-            suffix += walk.piece(i);
+            values_.insert_or_assign(axes[i].key, walk_.value(i));
+            chosen.emplace(axes[i].key, walk_.value(i));
+            countText(axes[i].key.size() + walk_.value(i).size());
+            suffix_ += i == 0 ? "" : "__";
+            suffix_ += walk_.piece(i);
         }
-        countText(suffix.size());
-        matrixValues = std::move(chosen);
-        if (walk.size() > 1 && !suffixes.insert(suffix).second) {
-            throw DiagnosticError("matrix variant suffix collision detected for '" + suffix + "'");
+        countText(suffix_.size());
+        matrixValues_ = std::move(chosen);
+        if (walk_.size() > 1 && !suffixes_.insert(suffix_).second) {
+            throw DiagnosticError("matrix variant suffix collision detected for '" + suffix_ + "'");
         }
-        for (auto& item : templates) {
+        for (auto& item : templates_) {
             item.name = item.task->name;
-            substituteInto(item.name, values);
-            item.variantName = walk.size() > 1 ? item.name + "__" + suffix : item.name;
+            substituteInto(item.name, values_);
+            item.variantName = walk_.size() > 1 ? item.name + "__" + suffix_ : item.name;
         }
-        if (anyRefers) {
+        if (anyRefers_) {
             collectRenames();
         }
     }
 
     /// The substituted names win over the written ones: references are substituted before they are renamed.
     void collectRenames() {
-        renames.assign(fileCount, {});
-        for (const auto& item : templates) {
-            renames[item.file].add(item.name, item.variantName);
+        renames_.assign(fileCount_, {});
+        for (const auto& item : templates_) {
+            renames_[item.file].add(item.name, item.variantName);
         }
-        for (const auto& item : templates) {
-            renames[item.file].add(item.task->name, item.variantName);
+        for (const auto& item : templates_) {
+            renames_[item.file].add(item.task->name, item.variantName);
         }
     }
 
     TaskInfo makeVariant(const TemplateInfo& item) {
         TaskInfo task = *item.task;
         if (item.substitutes) {
-            substituteTask(task, values);
+            substituteTask(task, values_);
         }
         task.name = item.variantName;
         task.templateTaskName = item.task->name;
-        task.matrixVariantKey = suffix;
-        task.matrixValues = matrixValues;
+        task.matrixVariantKey = suffix_;
+        task.matrixValues = matrixValues_;
         if (item.refers) {
-            renameReferences(task, renames[item.file]);
+            renameReferences(task, renames_[item.file]);
         }
-        for (auto& plot : task.plots) {
-            plot.ownerTask = task.name;
-            plot.id = task.name + ":" + plot.name;
+        if (!task.plots.empty()) {
+            for (auto& plot : task.plots.edit()) {
+                plot.ownerTask = task.name;
+                plot.id = task.name + ":" + plot.name;
+            }
         }
         // The long texts of the template are counted at the start; a substitution may have made them longer.
-        countText(task.name.size() + suffix.size() + (item.substitutes ? textSize(task) : 0));
+        countText(task.name.size() + suffix_.size() + (item.substitutes ? textSize(task) : 0));
         return task;
     }
 
     void countText(std::size_t bytes) {
-        text += bytes;
-        if (text > limits::variantText) {
+        text_ += bytes;
+        if (text_ > limits::variantText) {
             failText();
         }
     }
@@ -229,17 +236,17 @@ class MatrixExpansion {
                               " MiB of text");
     }
 
-    const TaskDocument& document;
-    MatrixWalk walk;
-    ValueMap values; ///< defines and, over them, the values of the current combination
-    std::vector<TemplateInfo> templates;
-    bool anyRefers = false;
-    std::size_t fileCount = 0;
-    std::string suffix;
-    Shared<ValueMap> matrixValues;
-    std::vector<Renames> renames; ///< one per file
-    std::unordered_set<std::string> suffixes;
-    std::size_t text = 0;
+    const TaskDocument& document_;
+    MatrixWalk walk_;
+    ValueMap values_; ///< defines and, over them, the values of the current combination
+    std::vector<TemplateInfo> templates_;
+    bool anyRefers_ = false;
+    std::size_t fileCount_ = 0;
+    std::string suffix_;
+    Shared<ValueMap> matrixValues_;
+    std::vector<Renames> renames_; ///< one per file
+    std::unordered_set<std::string> suffixes_;
+    std::size_t text_ = 0;
 };
 
 } // namespace
@@ -249,7 +256,7 @@ void expandMatrix(TaskDocument& document) {
         return;
     }
     validateMatrix(document.matrixAxes);
-    // The tasks go first: the variants need the room.
+    // The tasks are released first: the variants need the memory.
     document.tasks.reset();
     document.tasks = MatrixExpansion(document).run();
 }

@@ -6,7 +6,6 @@
 #include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/fragment_library.h"
 #include "taskdsl/generate/include_line.h"
-#include "taskdsl/generate/include_path.h"
 #include "taskdsl/generate/matrix.h"
 #include "taskdsl/generate/removed_include.h"
 #include "taskdsl/generate/yaml_section.h"
@@ -22,15 +21,16 @@ constexpr std::string_view defineKeyword = "define:";
 constexpr std::string_view matrixKeyword = "matrix:";
 
 /// A task header, a block or a loop: the body of the file begins here.
-bool beginsBody(std::string_view text) {
-    return !taskHeaderName(text).empty() || isBlockKeyword(text) || parseForeachHeader(text).valid;
+bool beginsBody(LineKind kind) noexcept {
+    return kind == LineKind::taskHeader || opensBlock(kind) || kind == LineKind::end ||
+           kind == LineKind::loop;
 }
 
 bool isIndented(std::string_view line) noexcept {
     return line.starts_with(' ') || line.starts_with('\t');
 }
 
-/// `key: value`. A directive is none, also when its value holds a colon.
+/// `key: value`. A directive is not one, even when its value holds a colon.
 bool isKeyLine(std::string_view text) noexcept {
     const auto colon = text.find(':');
     return colon != std::string_view::npos && !trim(text.substr(0, colon)).empty() && !text.starts_with('%');
@@ -38,197 +38,191 @@ bool isKeyLine(std::string_view text) noexcept {
 
 class PreludeReader {
   public:
-    PreludeReader(const std::vector<std::string_view>& allLines, std::size_t start, const std::string& file,
-                  ParseContext& parseContext)
-        : lines(allLines), index(start), path(file), context(parseContext) {}
+    PreludeReader(const std::vector<SourceLine>& allLines, const std::string& file,
+                  DocumentContext& parseContext)
+        : lines_(allLines), path_(file), context_(parseContext) {}
 
-    /// Reads on to the first line that is no part of the prelude and gives its index.
-    std::size_t read() {
-        while (index < lines.size() && readLine()) {
+    /// Reads on to the first line that is not part of the prelude.
+    TakenLines<PreludeResult> read() {
+        while (index_ < lines_.size() && readLine()) {
         }
-        return index;
+        return {std::move(result_), index_};
     }
-    PreludeResult take() { return std::move(result); }
 
   private:
-    /// Moves behind the line or section at `index`; false, and no move, where the prelude ends.
+    /// Moves past the line or section at `index_`; false, and no move, where the prelude ends.
     bool readLine() {
         warnIfRemovedInclude();
-        const auto text = cleanLine(lines[index]);
+        const auto text = lines_[index_].clean();
         if (text.empty()) {
-            ++index;
+            ++index_;
             return true;
         }
-        if (beginsBody(text)) {
+        if (beginsBody(lines_[index_].kind())) {
             return false;
         }
-        if (beginsBlock(text, "&INCLUDE")) {
+        if (lines_[index_].kind() == LineKind::include) {
             return readInclude(text);
         }
         if (text.starts_with(defineKeyword)) {
-            const std::size_t first = index + 1;
-            for (auto& [key, value] : parseDefineBlock(lines, first, index)) {
-                result.defines.insert_or_assign(key, std::move(value));
+            auto block = parseDefineBlock(lines_, index_ + 1);
+            for (auto& [key, value] : block.value) {
+                result_.defines.insert_or_assign(key, std::move(value));
             }
-            requireNoDirective(first);
+            passSection(block.next);
             return true;
         }
         if (text.starts_with(matrixKeyword)) {
-            const std::size_t first = index + 1;
-            mergeMatrixAxes({result.matrixAxes, result.matrixValues}, parseMatrixBlock(lines, first, index),
-                            NameClash::takeNew);
-            requireNoDirective(first);
+            const auto block = parseMatrixBlock(lines_, index_ + 1);
+            mergeMatrixAxes({result_.matrixAxes, result_.matrixValues}, block.value, NameClash::takeNew);
+            passSection(block.next);
             return true;
         }
-        if (isIndented(lines[index]) || !isKeyLine(text)) {
+        if (isIndented(lines_[index_].text()) || !isKeyLine(text)) {
             return false;
         }
         readSection();
         return true;
     }
 
-    /// Directives under a missing task header are no entries of the section above, lines from `first` on.
-    void requireNoDirective(std::size_t first) const {
-        for (std::size_t i = first; i < index; ++i) {
-            if (isKnownDirective(lines[i])) {
-                throw misplacedDirective(path, i + 1);
+    /// Moves past the section whose keyword is at `index_`. Directives under a missing task header are not
+    /// entries of the section above them.
+    void passSection(std::size_t next) {
+        while (++index_ < next) {
+            if (isKnownDirective(lines_[index_].clean())) {
+                throw misplacedDirective(lines_[index_], path_);
             }
         }
     }
 
     void warnIfRemovedInclude() const {
-        if (const auto raw = trim(lines[index]); isHashInclude(raw)) {
-            warnHashInclude(raw, path, context.warnings);
+        if (lines_[index_].kind() == LineKind::removedInclude) {
+            warnHashInclude(trim(lines_[index_].text()), path_, context_.run.options.warnings);
         }
     }
 
     bool readInclude(std::string_view text) {
-        if (!context.followsIncludes) {
+        if (!context_.run.followsIncludes) {
             return false;
         }
         ParenthesisCount parentheses;
         if (!parentheses.read(text) || !parentheses.balanced()) {
-            return false; // its arguments go on behind this line: the include pass gathers them
+            return false; // its arguments continue on the next line: the include pass gathers them
         }
         const auto include = parseIncludeLine(text);
         if (include.kind == IncludeTarget::yamlFile) {
-            mergeMissing(parseYamlInclude(searchName(include), path, context));
+            mergeMissing(parseYamlInclude(searchName(include), path_, context_));
         } else if (include.kind == IncludeTarget::library && !include.alias.empty()) {
-            bindLibrary(include.alias, searchName(include), path, "", context);
+            if (const auto refusal = bindLibrary(include.alias, searchName(include), path_, context_)) {
+                throw DiagnosticError(*refusal);
+            }
         } else {
             return false;
         }
-        ++index;
+        ++index_;
         return true;
     }
 
     void mergeMissing(PreludeResult included) {
-        result.settings.merge(included.settings);
-        result.defines.merge(included.defines);
-        result.collections.merge(included.collections);
-        mergeMatrixAxes({result.matrixAxes, result.matrixValues}, included.matrixAxes, NameClash::keepOld);
+        result_.settings.merge(included.settings);
+        result_.defines.merge(included.defines);
+        result_.collections.merge(included.collections);
+        mergeMatrixAxes({result_.matrixAxes, result_.matrixValues}, included.matrixAxes, NameClash::keepOld);
     }
 
     /// Takes the lines of a YAML section. A nested key may be called "define" or "matrix": those begin a
     /// section of their own only at the margin. A `%` at the margin is a directive whose task header is
     /// missing: to the YAML library the document ends there, and what follows is not read.
     void readSection() {
-        const std::size_t first = index;
+        const std::size_t first = index_;
         std::string text;
-        for (; index < lines.size() && (index == first || !endsSection(lines[index])); ++index) {
-            if (lines[index].starts_with('%')) {
-                throw misplacedDirective(path, index + 1);
+        for (; index_ < lines_.size() && (index_ == first || !endsSection(lines_[index_])); ++index_) {
+            if (lines_[index_].text().starts_with('%')) {
+                throw misplacedDirective(lines_[index_], path_);
             }
-            if (index != first) {
+            if (index_ != first) {
                 warnIfRemovedInclude();
             }
-            text += lines[index];
+            text += lines_[index_].text();
             text += '\n';
         }
-        readYamlSection(text, path, first + 1, result.settings, result.collections);
+        readYamlSection(text, path_, first + 1, result_.settings, result_.collections);
     }
 
-    static bool endsSection(std::string_view line) {
-        const auto text = cleanLine(line);
-        return beginsBody(text) || beginsBlock(text, "&INCLUDE") || line.starts_with(defineKeyword) ||
-               line.starts_with(matrixKeyword);
+    static bool endsSection(const SourceLine& line) noexcept {
+        return beginsBody(line.kind()) || line.kind() == LineKind::include ||
+               line.text().starts_with(defineKeyword) || line.text().starts_with(matrixKeyword);
     }
 
-    const std::vector<std::string_view>& lines;
-    std::size_t index;
-    const std::string& path;
-    ParseContext& context;
-    PreludeResult result;
+    const std::vector<SourceLine>& lines_;
+    std::size_t index_ = 0;
+    const std::string& path_;
+    DocumentContext& context_;
+    PreludeResult result_;
 };
 
-/// `---` or `...` at the margin, alone or with more behind a blank.
+/// `---` or `...` at the margin, alone or with more after a blank.
 bool isDocumentMarker(std::string_view line) noexcept {
     return matchWord(line, "---") || matchWord(line, "...");
 }
 
-/// A YAML file has no body: what stands behind its prelude is not read. `number` counts from 1.
-void reportUnreadLine(std::string_view line, std::size_t number, const std::string& path,
-                      const ParseContext& context) {
-    const auto text = cleanLine(line);
-    if (text.starts_with('%')) {
-        throw misplacedDirective(path, number);
+/// A YAML file has no body: what follows its prelude is not read.
+void reportUnreadLine(const SourceLine& line, const std::string& path, const DocumentContext& context) {
+    if (line.clean().starts_with('%')) {
+        throw misplacedDirective(line, path);
     }
-    context.warnings("Warning: Included YAML file is read up to line " + std::to_string(number) +
-                     " only, where '" + std::string(text) + "' ends its prelude: " + path);
+    context.run.options.warnings("Warning: Included YAML file is read up to line " +
+                                 std::to_string(line.lineNumber) + " only, where '" +
+                                 std::string(line.clean()) + "' ends its prelude: " + path);
 }
 
 } // namespace
 
-PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size_t start, std::size_t& next,
-                           const std::string& path, ParseContext& context) {
-    PreludeReader reader(lines, start, path, context);
-    next = reader.read();
-    return reader.take();
+TakenLines<PreludeResult> parsePrelude(const std::vector<SourceLine>& lines, const std::string& path,
+                                       DocumentContext& context) {
+    return PreludeReader(lines, path, context).read();
 }
 
-void requireWholePrelude(const std::vector<std::string_view>& lines, std::size_t next,
-                         std::string_view path) {
-    if (next == lines.size() || !isDocumentMarker(lines[next])) {
+void requireWholePrelude(const std::vector<SourceLine>& lines, std::size_t next, std::string_view path) {
+    if (next == lines.size() || !isDocumentMarker(lines[next].text())) {
         return;
     }
     for (std::size_t i = next + 1; i < lines.size(); ++i) {
-        const auto text = cleanLine(lines[i]);
-        if (beginsBody(text) || beginsBlock(text, "&INCLUDE")) {
+        const SourceLine& line = lines[i];
+        if (beginsBody(line.kind()) || line.kind() == LineKind::include) {
             return;
         }
-        if (!text.empty() && !isDocumentMarker(lines[i])) {
-            throw DiagnosticError(
-                shownPath(path) + ":" + std::to_string(next + 1) +
-                ": a YAML document marker ends the prelude; the lines behind it are not read");
+        if (!line.clean().empty() && !isDocumentMarker(line.text())) {
+            throw lineFault(lines[next], path,
+                            "a YAML document marker ends the prelude; the lines behind it are not read");
         }
     }
 }
 
-PreludeResult parseYamlInclude(const std::string& target, const std::string& base, ParseContext& context) {
-    const auto path = resolveIncludePath(target, base);
+PreludeResult parseYamlInclude(const std::string& target, const std::string& base, DocumentContext& context) {
+    const auto path = context.run.resolveIncludePath(target, base);
     if (path.empty()) {
-        context.warnings("Warning: Empty path in &INCLUDE directive.");
+        context.run.options.warnings("Warning: Empty path in &INCLUDE directive.");
         return {};
     }
-    const auto entry = enterFile(context.yamlChain, path);
-    if (!context.hasFile(path)) {
-        context.warnings("Warning: Included YAML file not found: " + path);
+    const IncludeChain::Entry entry(context.run.yamlChain, path);
+    if (!context.run.options.isFile(path)) {
+        context.run.options.warnings("Warning: Included YAML file not found: " + path);
         return {};
     }
-    const auto text = context.readFile(path);
+    const auto text = context.run.readFile(path);
     if (!text) {
-        context.warnings("Warning: Cannot open included YAML file: " + path);
+        context.run.options.warnings("Warning: Cannot open included YAML file: " + path);
         return {};
     }
-    context.countInclude();
-    context.document.includedFiles.add(path);
-    const auto lines = splitLines(skipByteOrderMark(*text));
-    std::size_t next = 0;
-    auto prelude = parsePrelude(lines, 0, next, path, context);
-    if (next < lines.size()) {
-        reportUnreadLine(lines[next], next + 1, path, context);
+    context.run.countInclude();
+    context.includedFiles.add(path);
+    const auto lines = makeSourceLines(skipByteOrderMark(*text), SharedText(path));
+    auto prelude = parsePrelude(lines, path, context);
+    if (prelude.next < lines.size()) {
+        reportUnreadLine(lines[prelude.next], path, context);
     }
-    return prelude;
+    return std::move(prelude.value);
 }
 
 void mergePrelude(TaskDocument& document, const PreludeResult& prelude, NameClash clash) {

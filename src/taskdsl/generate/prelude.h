@@ -1,5 +1,6 @@
 #pragma once
 
+#include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
 #include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/foreach.h"
@@ -24,24 +25,22 @@ struct PreludeResult {
     Collections collections;
 };
 
-/// Reads the prelude from line `start`; `next` is the first line that is no part of it. YAML files and
-/// libraries that it names are read relative to `path`. Throws `DiagnosticError` for a section that cannot be
-/// read.
-[[nodiscard]] PreludeResult parsePrelude(const std::vector<std::string_view>& lines, std::size_t start,
-                                         std::size_t& next, const std::string& path, ParseContext& context);
+/// Reads the prelude off the front of a file's lines. YAML files and libraries that it names are read
+/// relative to `path`. Throws `DiagnosticError` for a section that cannot be read.
+[[nodiscard]] TakenLines<PreludeResult> parsePrelude(const std::vector<SourceLine>& lines,
+                                                     const std::string& path, DocumentContext& context);
 
-/// Refuses a YAML document marker (`---`, `...`) as the line that ended the prelude of a file, when it hides
-/// lines from it: what stands between the prelude and the first block is passed over without a word. Throws
-/// `DiagnosticError`.
-void requireWholePrelude(const std::vector<std::string_view>& lines, std::size_t next, std::string_view path);
+/// Refuses a YAML document marker (`---`, `...`) that ends the prelude of a file when entries follow it:
+/// what is between the prelude and the first block is skipped in silence. Throws `DiagnosticError`.
+void requireWholePrelude(const std::vector<SourceLine>& lines, std::size_t next, std::string_view path);
 
 /// Reads a YAML file as a prelude. `target` is resolved from the file `base`. A missing file is a warning and
-/// gives nothing.
+/// an empty result.
 [[nodiscard]] PreludeResult parseYamlInclude(const std::string& target, const std::string& base,
-                                             ParseContext& context);
+                                             DocumentContext& context);
 
-/// Puts the settings, defines and axes of a prelude into the document. Throws `DiagnosticError` for a
-/// reserved name.
+/// Adds the settings, defines and axes of a prelude to the document. Throws `DiagnosticError` for
+/// a reserved name.
 void mergePrelude(TaskDocument& document, const PreludeResult& prelude, NameClash clash);
 
 } // namespace morquill::taskdsl

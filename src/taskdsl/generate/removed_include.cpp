@@ -13,11 +13,7 @@ constexpr std::string_view keyword = "#INCLUDE";
 
 } // namespace
 
-bool isHashInclude(std::string_view trimmed) noexcept {
-    return trimmed.starts_with('#') && textBehindWord(trimmed, keyword).has_value();
-}
-
-void warnHashInclude(std::string_view trimmed, const std::string& path, const WarningSink& warn) {
+void warnHashInclude(std::string_view trimmed, std::string_view path, const WarningSink& warn) {
     const std::string target(unquote(stripComment(trimmed.substr(keyword.size()))));
     const std::string file = std::filesystem::path(path).filename().string();
     std::string message = "context '" + (file.empty() ? "<memory>" : file) +

@@ -8,38 +8,34 @@
 
 namespace morquill::taskdsl {
 
-CapturedBlock captureBlock(std::string_view keyword, const std::vector<SourceLine>& lines, std::size_t& index,
-                           const ValueMap& values) {
+TakenLines<CapturedBlock> captureBlock(std::string_view keyword, const std::vector<SourceLine>& lines,
+                                       std::size_t head, const ValueMap& values) {
     const std::string name(keyword);
-    if (index >= lines.size()) {
+    if (head >= lines.size()) {
         throw DiagnosticError("invalid " + name + " block start");
     }
-    const SourceLine& head = lines[index];
-    const auto headText = cleanLine(head.text);
-    if (!beginsBlock(headText, keyword)) {
+    const SourceLine& first = lines[head];
+    if (!beginsBlock(first.clean(), keyword)) {
         throw DiagnosticError("internal error: expected " + name + " block");
     }
     CapturedBlock block;
-    block.header = substituteBrackets(trim(headText.substr(keyword.size())), values);
-    block.span = spanOfLine(head.originPath, head.lineNumber, head.text);
-    for (std::size_t i = index + 1; i < lines.size(); ++i) {
-        const auto text = cleanLine(lines[i].text);
-        if (text == "@end") {
-            index = i;
-            return block;
+    block.header = substituteBrackets(trim(first.clean().substr(keyword.size())), values);
+    block.span = first.span();
+    const BlockEnd end = findBlockEnd(lines, head, lines.size());
+    for (std::size_t i = head + 1; i < end.index; ++i) {
+        if (lines[i].kind() == first.kind()) {
+            throw DiagnosticError(lines[i].span(), "nested " + name + " blocks are not allowed");
         }
-        if (beginsBlock(text, keyword)) {
-            throw DiagnosticError(spanOfLine(lines[i].originPath, lines[i].lineNumber, lines[i].text),
-                                  "nested " + name + " blocks are not allowed");
-        }
-        SourceLine kept = lines[i];
-        kept.text = substituteBrackets(kept.text, values);
+        SourceLine& kept = block.lines.emplace_back(lines[i]);
+        kept.substitute(values);
         if (kept.originPath.empty()) {
-            kept.originPath = head.originPath;
+            kept.originPath = first.originPath;
         }
-        block.lines.push_back(std::move(kept));
     }
-    throw DiagnosticError(block.span, "unterminated " + name + " block; expected @end");
+    if (!end.isClosed) {
+        throw DiagnosticError(block.span, "unterminated " + name + " block; expected @end");
+    }
+    return {std::move(block), end.index + 1};
 }
 
 } // namespace morquill::taskdsl

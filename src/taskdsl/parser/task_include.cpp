@@ -1,7 +1,6 @@
 #include "taskdsl/parser/task_include.h"
 
 #include "support/text.h"
-#include "taskdsl/generate/include_path.h"
 
 #include <iterator>
 #include <utility>
@@ -20,38 +19,37 @@ void append(std::vector<T>& target, std::vector<T>& source) {
 } // namespace
 
 void parseTaskInclude(const std::string& target, const std::string& base, TaskDocument& document,
-                      ParseContext& context, const IncludedTextReader& read) {
-    const auto path = resolveIncludePath(target, base);
+                      DocumentContext& context, const IncludedTextReader& read) {
+    const auto path = context.run.resolveIncludePath(target, base);
     if (path.empty()) {
-        context.warnings("Warning: Empty path in &INCLUDE directive.");
+        context.run.options.warnings("Warning: Empty path in &INCLUDE directive.");
         return;
     }
-    const auto entry = enterFile(context.taskChain, path);
-    if (!context.hasFile(path)) {
-        context.warnings("Warning: Included task file not found: " + path);
+    const IncludeChain::Entry entry(context.run.taskChain, path);
+    if (!context.run.options.isFile(path)) {
+        context.run.options.warnings("Warning: Included task file not found: " + path);
         return;
     }
-    const auto text = context.readFile(path);
+    const auto text = context.run.readFile(path);
     if (!text) {
-        context.warnings("Warning: Cannot open included task file: " + path);
+        context.run.options.warnings("Warning: Cannot open included task file: " + path);
         return;
     }
-    context.countInclude();
-    context.document.includedFiles.add(path);
+    context.run.countInclude();
+    context.includedFiles.add(path);
 
-    DocumentContext outer = std::exchange(context.document, {});
-    TaskDocument inner = read(skipByteOrderMark(*text), path, document.defines);
+    DocumentContext innerContext(context.run);
+    TaskDocument inner = read(skipByteOrderMark(*text), path, document.defines, innerContext);
     for (const auto& file : inner.includedFiles) {
-        outer.includedFiles.add(file);
+        context.includedFiles.add(file);
     }
-    context.document = std::move(outer);
 
     for (auto& [key, value] : inner.settings) {
         if (document.settings.try_emplace(key, std::move(value)).second) {
-            context.document.inheritedSettings.insert(key);
+            context.inheritedSettings.insert(key);
         }
     }
-    // The written form of an included task is of no use: only what it became is taken over.
+    // Only what an included task became is taken over: its written form is of no use here.
     inner.templateTasks.reset();
     append(document.tasks.edit(), inner.tasks.edit());
     append(document.plots, inner.plots);

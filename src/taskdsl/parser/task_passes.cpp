@@ -17,13 +17,9 @@ namespace {
 
 /// Keywords are unquoted where they are read and once more here. Taking off what is left until nothing is
 /// keeps what the canonical writer makes of them stable.
-void unquoteFully(std::string& text) {
-    for (;;) {
-        std::string bare = readScalar(text);
-        if (bare == text) {
-            return;
-        }
-        text = std::move(bare);
+void unquoteFully(SharedText& text) {
+    for (std::string bare = readScalar(text); text != bare; bare = readScalar(text)) {
+        text = bare;
     }
 }
 

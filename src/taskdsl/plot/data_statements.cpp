@@ -55,7 +55,7 @@ std::int64_t readCount(const Statement& statement) {
     return *count;
 }
 
-/// The first word behind a threshold option; empty when there is none.
+/// The first word after a threshold option; empty when there is none.
 std::string wordOf(std::string_view value) {
     return unquotePlotText(splitFirstWord(value).word);
 }
@@ -97,7 +97,7 @@ void sortBar(BarPlotData& data, const std::string& value, const Statement& state
     }
     if (words.front() == "none" || words.front() == "false") {
         data.sortEnabled = false;
-        data.sortDescending = true; // a statement stands for itself, also when it is repeated
+        data.sortDescending = true; // each statement counts by itself, even when repeated
         return;
     }
     const std::size_t key = words.front() == "by" ? 1 : 0;
@@ -160,8 +160,8 @@ void readYerr(PlotReading& reading, const Statement& statement) {
 }
 
 void readSeries(PlotReading& reading, const Statement& statement) {
-    std::string_view text = statement.rest;
-    const bool hasBody = stripTrailingColon(text);
+    const auto head = stripTrailingColon(statement.rest);
+    const auto text = head.value_or(trim(statement.rest));
     const auto equals = findAtLevelZero(text, '=');
     if (equals == std::string_view::npos) {
         fail(statement, "series requires '<id> = <expression>'");
@@ -172,7 +172,7 @@ void readSeries(PlotReading& reading, const Statement& statement) {
     }
     auto series = parseSeriesStatement(statement.word, text.substr(equals + 1), statement.span);
     series.id = std::move(id);
-    if (hasBody) {
+    if (head) {
         const auto body = takeBody(reading, statement);
         if (body.empty()) {
             fail(statement, "series declaration ending with ':' requires an indented body");
@@ -277,7 +277,7 @@ void readBroaden(PlotReading& reading, const Statement& statement) {
     }
     auto& data = dataOf<SpectrumPlotData>(reading);
     data.broadening = BroadenFunction::gaussian;
-    data.fwhmUnit.clear(); // a statement stands for itself, also when it is repeated
+    data.fwhmUnit.clear(); // each statement counts by itself, even when repeated
     bool hasWidth = false;
     for (std::size_t i = 1; i < words.size(); ++i) {
         const bool hasNext = i + 1 < words.size();

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-/// The closed vocabularies of the plot language. A name function gives the canonical text of a value, for an
-/// unknown value that of value 0; a parse function takes the canonical text and its aliases in any case.
+/// The closed vocabularies of the plot language. A name function returns the canonical text of a value, for
+/// an unknown value that of value 0; a parse function accepts the canonical text and its aliases in any case.
 namespace morquill::taskdsl::plot {
 
 enum class PlotKind : std::int32_t {
@@ -55,7 +55,7 @@ enum class LegendPosition : std::int32_t {
     outsideRight = 5,
     bottom = 6
 };
-/// What becomes of a row with a value that is not there.
+/// What happens to a row with a missing value.
 enum class MissingPolicy : std::int32_t { error = 0, skip = 1, nan = 2 };
 enum class SpectrumMode : std::int32_t { sticks = 0, broadened = 1, sticksBroadened = 2, sampled = 3 };
 enum class BroadenFunction : std::int32_t { none = 0, gaussian = 1 };
@@ -85,7 +85,7 @@ enum class RelativeMode : std::int32_t { none = 0, toPoint = 1, first = 2, minim
 [[nodiscard]] std::string multiplicityText(std::int32_t multiplicity);
 
 [[nodiscard]] std::optional<PlotKind> parsePlotKind(std::string_view text) noexcept;
-/// Nothing for "unspecified", which is no word of the language.
+/// Nothing for "unspecified", which is not a word of the language.
 [[nodiscard]] std::optional<PlotSourceKind> parsePlotSource(std::string_view text) noexcept;
 [[nodiscard]] std::optional<PlotOutputFormat> parsePlotFormat(std::string_view text) noexcept;
 [[nodiscard]] std::optional<PlotStyle> parsePlotStyle(std::string_view text) noexcept;

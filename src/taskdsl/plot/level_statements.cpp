@@ -10,7 +10,7 @@ namespace morquill::taskdsl::plot {
 
 namespace {
 
-/// An id and the text behind it.
+/// An id and the text after it.
 struct IdAndRest {
     std::string id;
     std::string_view rest;
@@ -94,7 +94,7 @@ struct ArrowWords {
     bool skipRootWord() { return skip({"root", "state", "s"}); }
 };
 
-/// What stands behind `to`: a root of a column, or the nearest one below or above.
+/// Reads what follows `to`: a root of a column, or the nearest one below or above.
 void readArrowTarget(ExcitedArrow& arrow, ArrowWords& words) {
     auto column = words.column("arrow is missing target column", "arrow target column must not be empty");
     const auto setRelative = [&](ArrowTargetMode mode) {
@@ -111,18 +111,22 @@ void readArrowTarget(ExcitedArrow& arrow, ArrowWords& words) {
     }
     if (words.skipRootWord()) {
         setRoot();
-    } else if (words.skip({"first"})) {
+        return;
+    }
+    if (words.skip({"first"})) {
         const auto mode = parseArrowTarget(words.take("arrow first target requires lower or higher"));
         if (!mode) {
             fail(words.statement, "arrow first target must be lower or higher");
         }
         setRelative(*mode);
-    } else if (const auto mode = parseArrowTarget(words.words[words.at])) {
+        return;
+    }
+    if (const auto mode = parseArrowTarget(words.words[words.at])) {
         ++words.at;
         setRelative(*mode);
-    } else {
-        setRoot();
+        return;
     }
+    setRoot();
 }
 
 void readArrowOptions(ExcitedArrow& arrow, ArrowWords& words) {

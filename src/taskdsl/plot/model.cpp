@@ -36,7 +36,7 @@ constexpr std::array<KindDefaults, std::variant_size_v<PlotData>> kindDefaults{{
     {defaults<ExcitedPlotData>, PlotStyle::lines},
 }};
 
-/// True also for two values that are no numbers.
+/// True also for two NaNs.
 bool sameNumber(double left, double right) noexcept {
     return left == right || (std::isnan(left) && std::isnan(right));
 }

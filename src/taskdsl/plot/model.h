@@ -14,7 +14,7 @@
 namespace morquill::taskdsl::plot {
 
 /// An expression with its presentation: `x`, `y`, `z`, `yerr` and named series. Without an expression it
-/// counts as not written.
+/// counts as absent.
 struct PlotSeries {
     std::string id; ///< empty for an unnamed expression
     ExprRef expression;
@@ -231,8 +231,8 @@ struct PlotSpec {
     friend bool operator==(const PlotSpec&, const PlotSpec&) = default;
 };
 
-/// Puts the defaults of `plot.kind` into `plot.data` and, for the kinds that have a style of their own, into
-/// `plot.style`.
+/// Puts the defaults of `plot.kind` into `plot.data` and, for the kinds that have a style of their
+/// own, into `plot.style`.
 void applyKindDefaults(PlotSpec& plot);
 
 /// The style of a plot of this kind that declares none.

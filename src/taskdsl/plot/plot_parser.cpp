@@ -68,7 +68,7 @@ void readStatement(PlotReading& reading, const PlotStatement& source) {
     refuse(*row, RefusalTime::afterReading, reading.plot.kind, statement);
 }
 
-/// The text behind the last dot of the path's last component; empty when there is none.
+/// The text after the last dot of the path's last component; empty when there is none.
 std::string_view extensionOf(std::string_view path) {
     const auto dot = path.find_last_of("./\\");
     return dot != std::string_view::npos && path[dot] == '.' ? path.substr(dot + 1) : std::string_view{};

@@ -68,7 +68,7 @@ std::string readDerivedCall(const Statement& statement) {
     return std::string(left) + "." + std::string(right);
 }
 
-/// What is said when a source comes without its argument; empty for a source that takes none.
+/// The message for a source without its argument; empty for a source that takes none.
 std::string_view missingArgument(PlotSourceKind source) noexcept {
     switch (source) {
     case PlotSourceKind::task:
@@ -181,17 +181,17 @@ void readLegendBody(LegendSpec& legend, std::span<const PlotStatement> body) {
     }
 }
 
-/// Width and height; false when one of them does not begin with an integer that fits.
-bool setSize(PlotSpec& plot, std::string_view width, std::string_view height) {
+/// Sets width and height. Throws with `message` when one of them does not begin with an integer that fits.
+void setSize(PlotSpec& plot, std::string_view width, std::string_view height, const Statement& statement,
+             std::string_view message) {
     const auto w = readLeadingInt(width);
     const auto h = readLeadingInt(height);
     if (!w || !h) {
-        return false;
+        fail(statement, std::string(message));
     }
     plot.width = *w;
     plot.height = *h;
     plot.sizeDeclared = true;
-    return true;
 }
 
 } // namespace
@@ -223,11 +223,11 @@ void readFrom(PlotReading& reading, const Statement& statement) {
 
 void readAxis(PlotReading& reading, const Statement& statement) {
     PlotSpec& plot = reading.plot;
-    std::string_view text = statement.rest;
-    if (!stripTrailingColon(text)) {
+    const auto text = stripTrailingColon(statement.rest);
+    if (!text) {
         fail(statement, "axis declaration must end with ':'");
     }
-    const auto name = unquotePlotText(text);
+    const auto name = unquotePlotText(*text);
     AxisSpec* axis = nullptr;
     if (equalsNoCase(name, "x")) {
         axis = &plot.xAxis;
@@ -298,9 +298,7 @@ void readTerminal(PlotReading& reading, const Statement& statement) {
     if (words.size() != 4 || !equalsNoCase(words[1], "size")) {
         fail(statement, "terminal accepts '<format>' or '<format> size <width> <height>'");
     }
-    if (!setSize(reading.plot, words[2], words[3])) {
-        fail(statement, "terminal size values must be integers");
-    }
+    setSize(reading.plot, words[2], words[3], statement, "terminal size values must be integers");
 }
 
 void readSize(PlotReading& reading, const Statement& statement) {
@@ -308,9 +306,7 @@ void readSize(PlotReading& reading, const Statement& statement) {
     if (words.size() != 2) {
         fail(statement, "size requires width and height");
     }
-    if (!setSize(reading.plot, words[0], words[1])) {
-        fail(statement, "size values must be integers");
-    }
+    setSize(reading.plot, words[0], words[1], statement, "size values must be integers");
 }
 
 void readStyle(PlotReading& reading, const Statement& statement) {

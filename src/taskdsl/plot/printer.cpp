@@ -12,7 +12,7 @@ namespace morquill::taskdsl::plot {
 
 namespace {
 
-/// The bytes that mean nothing to any walk through a statement.
+/// The bytes that no walk through a statement stops at.
 constexpr auto isPlainByte = [] {
     std::array<bool, 256> plain{};
     for (std::size_t i = 0; i < plain.size(); ++i) {
@@ -25,7 +25,7 @@ constexpr auto isPlainByte = [] {
     return plain;
 }();
 
-/// The words that begin an option behind a word of free text.
+/// The words that begin an option after a word of free text.
 constexpr std::string_view optionWords[] = {"label", "unit",  "log",  "scale",       "axis",
                                             "style", "value", "task", "multiplicity"};
 

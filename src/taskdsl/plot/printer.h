@@ -11,18 +11,18 @@
 #include <utility>
 #include <vector>
 
-/// What the parts of the plot printer write with. Internal to the printer.
+/// What the parts of the plot printer share. Internal to the printer.
 namespace morquill::taskdsl::plot {
 
-/// An expression as it stands in a line.
+/// An expression in printed form.
 struct PrintedValue {
     std::string text;
-    ExprRef reads;    ///< what the text alone reads as; empty when it is no expression
+    ExprRef reads;    ///< what the text alone reads as; empty when it is not an expression
     bool odd = false; ///< a walk through the statement may stop inside the text
 };
 
-/// The text of a plot as it grows, line by line. Words and expressions are printed as they stand where they
-/// read back so, otherwise in quotes or parentheses; what reads back in no form is noted.
+/// The text of a plot as it grows, line by line. Words and expressions are printed bare where they read back,
+/// otherwise in quotes or parentheses; what reads back in no form is noted.
 class Printer {
   public:
     Printer(PlotKind kind, std::string_view indent) : kind_(kind), out_(indent) {}
@@ -56,9 +56,9 @@ class Printer {
     /// The number in print; what it loses is noted.
     [[nodiscard]] std::string number(double value);
 
-    /// Writes one statement and makes sure that it reads back: `write` prints it, `expected` makes the data
-    /// that it must read as where it is the only statement. Only names and expressions that may be misread
-    /// are tried.
+    /// Writes one statement and makes sure that it reads back: `write` prints it, `expected` makes the
+    /// data that it must read as where it is the only statement. Only names and expressions that may be
+    /// misread are tried.
     template <class Write, class Expected>
     void settle(const Write& write, const Expected& expected) {
         const std::size_t begin = out_.size();
@@ -99,11 +99,11 @@ class Printer {
     /// The reasons, each once.
     [[nodiscard]] const std::vector<std::string>& losses() const noexcept { return losses_; }
 
-    /// The first fault of the lines, read as the body of a plot of this kind; nothing when they read as
-    /// `expected`.
+    /// The first fault of the lines, read as the body of a plot of this kind; nothing when they
+    /// read as `expected`.
     [[nodiscard]] std::optional<std::string> faultOf(std::string_view lines, const PlotData& expected) const;
 
-    /// True for a word that stands for itself wherever a plot prints one.
+    /// True for a word that means itself wherever a plot prints one.
     [[nodiscard]] static bool isPlainWord(std::string_view word) noexcept;
 
     /// What has been printed so far.
@@ -114,8 +114,8 @@ class Printer {
     /// Names and expressions of a line, a bit each, in their order.
     using Pieces = unsigned;
 
-    /// Writes the line anew, the pieces in `guarded` quoted or in parentheses; gives the pieces that may be
-    /// misread.
+    /// Writes the line anew, the pieces in `guarded` quoted or in parentheses; returns the pieces that
+    /// may be misread.
     template <class Write>
     Pieces attempt(std::size_t begin, const Write& write, Pieces guarded) {
         out_.cutTo(begin);

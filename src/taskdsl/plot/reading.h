@@ -26,7 +26,7 @@ struct PlotReading {
 /// One statement, taken apart at its first word.
 struct Statement {
     std::string word;      ///< lower case
-    std::string_view rest; ///< trimmed text behind the word
+    std::string_view rest; ///< trimmed text after the word
     const SourceSpan& span;
     std::size_t indent = 0;
 };

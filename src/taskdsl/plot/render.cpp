@@ -30,7 +30,7 @@ std::string inOneLine(const std::string& text) {
     return result;
 }
 
-/// Why a text that is printed as it stands reads as something else.
+/// Why a text that is printed bare reads as something else.
 std::string strayText(std::string_view what, std::string_view text) {
     const std::string subject = "the " + std::string(what);
     if (text.empty()) {
@@ -45,7 +45,7 @@ std::string strayText(std::string_view what, std::string_view text) {
     return subject + " '" + std::string(text) + "' is printed without quotes";
 }
 
-/// The header names the plot by its second word; what stands behind it is passed over.
+/// The header names the plot by its second word; what follows is skipped.
 bool nameReadsBack(const PlotSpec& plot) {
     const std::string& name = plot.name;
     if (Printer::isPlainWord(name)) {
@@ -81,8 +81,8 @@ void printSource(Printer& print, const PlotSpec& plot) {
     print.line("from").word(plotSourceName(plot.sourceKind)).wordIf(!argument.empty(), argument).end();
 }
 
-/// Whether the body names the source of the plot, and says the same without the lines of the source. A name
-/// that ends in an operator takes in the next line, which may have said nothing.
+/// Whether the body names the source of the plot, and says the same without the lines of the source.
+/// A name that ends in an operator swallows the next line, which may have said nothing.
 bool sourceReadsBack(const PlotSpec& plot, std::string_view sourceLines, std::string_view otherLines) {
     try {
         auto whole = readBody(plot.kind, std::string(sourceLines) + std::string(otherLines));

@@ -35,7 +35,7 @@ void printSeriesTail(Printer& print, const PlotSeries& series, const PrintedValu
     print.end();
 }
 
-/// The series of a plot that stands in `member` of its data.
+/// The series of a plot in `member` of its data.
 template <class Data>
 void printSeries(Printer& print, std::string_view keyword, const Data& data, PlotSeries Data::*member) {
     const PlotSeries& series = data.*member;
@@ -80,7 +80,7 @@ void printRange(Printer& print, bool declared, double low, double high) {
     }
     print.line("range");
     if (low < high && plotNumberText(low) == plotNumberText(high)) {
-        // Bounds that 15 digits bring together would be no range.
+        // Bounds that 15 digits make equal would not be a range.
         print.word(formatSignificant(low, exactDigits)).word(formatSignificant(high, exactDigits)).end();
     } else {
         print.word(print.number(low)).word(print.number(high)).end();

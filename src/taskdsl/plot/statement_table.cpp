@@ -74,7 +74,7 @@ constexpr StatementRow rows[] = {
         "top-level unit is only valid in a barrier, frontier, or excited-state level plot"}}}},
 };
 
-/// What a barrier point says on lines of its own, directly behind it.
+/// What a barrier point may say on the lines directly below it.
 constexpr StatementRow pointRows[] = {
     {"label", readPointLabel},
     {"value", readPointValue},

@@ -18,7 +18,7 @@ struct Refusal {
 /// When the kind of the plot is looked at.
 enum class RefusalTime { beforeReading, afterReading };
 
-/// What the parser knows of a statement word.
+/// What the parser knows about a statement word.
 struct StatementRow {
     std::string_view words; ///< the word and its aliases, separated by blanks
     void (*read)(PlotReading&, const Statement&);

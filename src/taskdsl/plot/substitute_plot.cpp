@@ -9,7 +9,7 @@ namespace morquill::taskdsl::plot {
 
 namespace {
 
-/// Replaces in place whatever it is given, down to the texts.
+/// Replaces in place, whatever the argument, down to the texts.
 struct Substitution {
     const ValueMap& values;
 

@@ -17,7 +17,7 @@ struct Findings {
     const PlotSpec& plot;
     std::vector<PlotIssue> issues;
 
-    /// A span that names no place gives way to that of the plot.
+    /// A span without a place is replaced by that of the plot.
     void add(std::string_view code, std::string message, const SourceSpan& span) {
         issues.push_back(
             {PlotIssue::error, std::string(code), std::move(message), isValidSpan(span) ? span : plot.span});
@@ -318,7 +318,7 @@ struct Rule {
 
 using enum PlotKind;
 
-/// What a plot must hold to, in the order in which findings are given.
+/// The rules for a plot, in the order of their findings.
 constexpr Rule rules[] = {
     {everyKind, noName, "plot-name-empty", "plot name must not be empty"},
     {everyKind, badSize, "plot-size-invalid", "plot size must be positive"},

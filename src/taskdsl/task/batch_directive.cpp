@@ -20,7 +20,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-/// What the entries of one block have given so far; the task takes it over at the end of the block.
+/// What the entries of one block have set so far; the task takes it over at the end of the block.
 struct BatchBlock {
     std::optional<std::int32_t> lanes;
     std::vector<BatchCollect> collect;
@@ -78,10 +78,10 @@ struct ClusterOption {
     std::array<std::string_view, 4> spellings;
     double BatchCluster::*value;
     bool (*inRange)(double);
-    std::string_view requirement; ///< told when the value is out of range
+    std::string_view requirement; ///< the message for a value out of range
 };
 
-// NaN is no finite number and never gets here.
+// NaN is not a finite number and never gets here.
 constexpr std::array<ClusterOption, 5> clusterOptions{{
     {"geo",
      {"geo", "geometry", "geo-thresh", "geometry-threshold"},
@@ -226,8 +226,9 @@ void readBatchDirective(DirectiveReader& reader) {
         }
     }
     task.batchLanes = *block.lanes;
-    task.batchCollect = std::move(block.collect);
-    task.batchCluster = block.cluster;
+    task.batchCollect =
+        block.collect.empty() ? Shared<std::vector<BatchCollect>>() : std::move(block.collect);
+    task.batchCluster = block.cluster.present ? Shared<BatchCluster>(block.cluster) : Shared<BatchCluster>();
 }
 
 } // namespace morquill::taskdsl

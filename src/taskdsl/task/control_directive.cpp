@@ -28,7 +28,7 @@ struct ControlLine {
     TaskInfo& task;
     std::string_view key;  ///< as written in the row
     std::string_view text; ///< the whole line
-    std::string_view rest; ///< the text behind the key's letters, trimmed
+    std::string_view rest; ///< the text after the key's letters, trimmed
 };
 
 /// Returns whether the line declares a control of the task.
@@ -46,9 +46,13 @@ bool isOneOf(std::string_view text, std::initializer_list<std::string_view> word
 }
 
 /// The second of the fields that single blanks separate: two blanks in a row make it empty.
-std::optional<std::string> secondField(std::string_view text) {
-    const auto fields = splitOn(text, ' ');
-    return fields.size() > 1 ? std::optional(fields[1]) : std::nullopt;
+std::optional<std::string_view> secondField(std::string_view text) noexcept {
+    const auto blank = text.find(' ');
+    if (blank == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto rest = text.substr(blank + 1);
+    return rest.substr(0, rest.find(' '));
 }
 
 void warnLegacyName(const ControlLine& line, std::string_view modern) {
@@ -116,7 +120,7 @@ bool readLegacyGpuMemory(const ControlLine& line) {
 bool readFinalGeom(const ControlLine& line) {
     // A value that the canonical writer quoted comes back whole, its escapes decoded.
     if (auto value = decodeCanonicalScalar(line.rest); value && !value->empty()) {
-        line.task.finalGeom = std::move(*value);
+        line.task.finalGeom = *value;
         return true;
     }
     const auto words = splitShellWords(line.rest);
@@ -168,7 +172,7 @@ bool readGuess(const ControlLine& line) {
     return true;
 }
 
-/// An empty rest and any word that is no plain "no" mean true.
+/// An empty rest and any word other than a plain "no" mean true.
 bool isLenientlyTrue(std::string_view rest) {
     return !isOneOf(rest, {"false", "no", "off", "0", "n"});
 }
@@ -203,7 +207,7 @@ bool readLocalFirst(const ControlLine& line) {
 
 bool readVerbosity(const ControlLine& line) {
     const auto field = secondField(line.text).value_or("");
-    line.task.verbosity = field == "p" || field == "t" ? field : "";
+    line.task.verbosity = field == "p" || field == "t" ? field : std::string_view();
     return true;
 }
 

@@ -5,45 +5,22 @@
 
 namespace morquill::taskdsl {
 
-bool isIncludeLine(std::string_view text) noexcept {
-    return beginsBlock(text, "&INCLUDE");
-}
-
-bool isStructureLine(std::string_view text) noexcept {
-    if (text.empty()) {
-        return false;
-    }
-    switch (text.front()) {
-    case '%':
-        return !directiveName(text).empty();
-    case '$':
-        return !taskHeaderName(text).empty();
-    case '&':
-        return isIncludeLine(text);
-    case '@':
-        return isBlockKeyword(text);
-    default:
-        return false;
-    }
-}
-
 bool isContinuedCommand(std::string_view text) noexcept {
     return text.ends_with('\\') && !text.ends_with("\\\\");
 }
 
-std::string_view heredocTerminator(std::string_view value) noexcept {
-    const auto terminator = trim(value.substr(2));
-    return terminator.empty() ? "EOF" : terminator;
+WrittenDirective splitDirective(std::string_view clean) noexcept {
+    const auto directive = directiveName(clean);
+    const auto keyword = directive.substr(0, directive.find(' '));
+    return {keyword, trim(directive.substr(keyword.size()))};
 }
 
 SourceSpan DirectiveReader::span() const {
-    const auto& line = lines[index];
-    return spanOfLine(line.originPath, line.lineNumber, line.text);
+    return lines_[index_].span();
 }
 
 SourceSpan DirectiveReader::headerSpan() const {
-    const auto& line = lines[header];
-    return spanOfLine(line.originPath, line.lineNumber, line.text);
+    return lines_[header_].span();
 }
 
 SourceSpan DirectiveReader::conditionSpan() const {
@@ -52,20 +29,27 @@ SourceSpan DirectiveReader::conditionSpan() const {
     return place;
 }
 
+const SourceLine* DirectiveReader::peek() const noexcept {
+    const std::size_t next = index_ + 1;
+    return next < lines_.size() && !lines_[next].directiveBoundary ? &lines_[next] : nullptr;
+}
+
 std::optional<std::string_view> DirectiveReader::nextLineOfAnyKind() {
-    if (index + 1 >= lines.size() || lines[index + 1].directiveBoundary) {
+    const SourceLine* line = peek();
+    if (line == nullptr) {
         return std::nullopt;
     }
-    return cleanLine(lines[++index].text);
+    ++index_;
+    return line->clean();
 }
 
 std::optional<std::string_view> DirectiveReader::nextLine() {
-    const auto text = nextLineOfAnyKind();
-    if (text && isStructureLine(*text)) {
-        --index;
+    const SourceLine* line = peek();
+    if (line == nullptr || isStructure(line->kind())) {
         return std::nullopt;
     }
-    return text;
+    ++index_;
+    return line->clean();
 }
 
 std::optional<std::string_view> DirectiveReader::nextFilledLine() {
@@ -76,43 +60,36 @@ std::optional<std::string_view> DirectiveReader::nextFilledLine() {
     return text;
 }
 
-bool DirectiveReader::readHeredoc(std::string& text) {
-    const std::string terminator = heredocTerminator();
-    text.clear();
-    const std::size_t first = index + 1;
-    while (index + 1 < lines.size() && !lines[index + 1].directiveBoundary) {
-        const std::string& raw = lines[++index].text;
-        if (trim(raw) == terminator) {
-            return true;
+HeredocText DirectiveReader::readHeredoc() {
+    const BlockEnd end = findHeredocEnd(lines_, index_, taskdsl::heredocTerminator(value));
+    HeredocText heredoc{{}, end.isClosed};
+    for (std::size_t i = index_ + 1; i < end.index; ++i) {
+        if (i != index_ + 1) {
+            heredoc.text += '\n';
         }
-        if (index != first) {
-            text += '\n';
-        }
-        text += raw;
+        heredoc.text += lines_[i].text();
     }
-    return false;
+    index_ = end.isClosed ? end.index : end.index - 1;
+    return heredoc;
 }
 
 std::optional<std::string> DirectiveReader::readTextBlock() {
     std::optional<std::string> text;
-    while (index + 1 < lines.size() && !lines[index + 1].directiveBoundary) {
-        const SourceLine& line = lines[index + 1];
-        if (!line.verbatim && isStructureLine(cleanLine(line.text))) {
-            break;
-        }
-        ++index;
+    for (const SourceLine* line = peek(); line != nullptr && (line->verbatim || !isStructure(line->kind()));
+         line = peek()) {
+        ++index_;
         if (text) {
             *text += '\n';
-            *text += line.text;
+            *text += line->text();
         } else {
-            text = line.text;
+            text = line->text();
         }
     }
     return text;
 }
 
 void DirectiveReader::warn(std::string_view text) const {
-    warnings("task '" + task.name + "' " + std::string(text));
+    options.warnings("task '" + task.name + "' " + std::string(text));
 }
 
 void DirectiveReader::fail(std::string_view text) const {

@@ -11,6 +11,10 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 
@@ -33,11 +37,11 @@ std::string emptyText(std::string_view keyword) {
 /// doubtful, or an indented block, which must have a line.
 std::string readLongText(DirectiveReader& reader, std::string_view keyword) {
     if (reader.opensHeredoc()) {
-        std::string text;
-        if (!reader.readHeredoc(text)) {
+        auto heredoc = reader.readHeredoc();
+        if (!heredoc.isClosed) {
             reader.warn(missingTerminator(reader, keyword));
         }
-        return text;
+        return std::move(heredoc.text);
     }
     auto text = reader.readTextBlock();
     if (!text) {
@@ -46,14 +50,19 @@ std::string readLongText(DirectiveReader& reader, std::string_view keyword) {
     return *std::move(text);
 }
 
+/// Appends a part, with `separator` in front unless it is the first; an empty part changes nothing.
+void appendPart(std::string& text, char separator, std::string_view part) {
+    if (!text.empty() && !part.empty()) {
+        text += separator;
+    }
+    text += part;
+}
+
 /// The value and the filled lines of the block, with `separator` between them.
 std::string readJoinedEntries(DirectiveReader& reader, char separator) {
     std::string text(reader.value);
     while (const auto line = reader.nextFilledLine()) {
-        if (!text.empty()) {
-            text += separator;
-        }
-        text += *line;
+        appendPart(text, separator, *line);
     }
     return text;
 }
@@ -65,24 +74,28 @@ void readProgram(DirectiveReader& reader) {
 void readKeywords(DirectiveReader& reader) {
     if (!reader.opensHeredoc()) {
         reader.task.keywords = readScalar(reader.value);
-    } else if (!reader.readHeredoc(reader.task.keywords)) {
+        return;
+    }
+    auto heredoc = reader.readHeredoc();
+    if (!heredoc.isClosed) {
         reader.fail(missingTerminator(reader, "keywords"));
     }
+    reader.task.keywords = heredoc.text;
 }
 
 void readExtraInput(DirectiveReader& reader) {
     const bool isInline = !reader.value.empty() && !reader.opensHeredoc();
     const std::string text = isInline ? std::string(reader.value) : readLongText(reader, "extrainput");
-    std::string& all = reader.task.extraKeywords;
+    std::string all = reader.task.extraKeywords.str();
     if (!all.empty() && all.back() != '\n') {
         all += '\n';
     }
-    all += text;
+    reader.task.extraKeywords = all.append(text);
 }
 
 void readBody(DirectiveReader& reader) {
     const bool isInline = !reader.value.empty() && !reader.opensHeredoc();
-    reader.task.body = isInline ? std::string(reader.value) : readLongText(reader, "body");
+    reader.task.body = isInline ? SharedText(reader.value) : SharedText(readLongText(reader, "body"));
 }
 
 void readTemplate(DirectiveReader& reader) {
@@ -98,43 +111,42 @@ void readParam(DirectiveReader& reader) {
 }
 
 void readArgs(DirectiveReader& reader) {
-    std::string text = readJoinedEntries(reader, ' ');
-    auto value = decodeCanonicalScalar(text);
-    reader.task.args = value ? std::move(*value) : std::move(text);
+    const std::string text = readJoinedEntries(reader, ' ');
+    const auto value = decodeCanonicalScalar(text);
+    reader.task.args = value ? *value : text;
+}
+
+/// Moves to the next line that holds text, whatever its kind; nothing where a boundary or the
+/// end comes first.
+std::optional<std::string_view> nextFilledLineOfAnyKind(DirectiveReader& reader) {
+    auto piece = reader.nextLineOfAnyKind();
+    while (piece && piece->empty()) {
+        piece = reader.nextLineOfAnyKind();
+    }
+    return piece;
+}
+
+/// The command that begins with this line, continuation lines included.
+std::string readCommand(DirectiveReader& reader, std::string_view line, std::string_view keyword) {
+    std::string command;
+    while (isContinuedCommand(line)) {
+        appendPart(command, ' ', trim(line.substr(0, line.size() - 1)));
+        const auto next = nextFilledLineOfAnyKind(reader);
+        if (!next) {
+            reader.warn("has a continued %" + std::string(keyword) +
+                        " command without a following non-empty line; using the command parsed so far.");
+            return command;
+        }
+        line = *next;
+    }
+    appendPart(command, ' ', line);
+    return command;
 }
 
 std::vector<std::string> readCommands(DirectiveReader& reader, std::string_view keyword) {
     std::vector<std::string> commands;
-    while (const auto first = reader.nextFilledLine()) {
-        std::string command;
-        auto piece = first;
-        bool open = false;
-        for (;;) {
-            std::string_view text = *piece;
-            open = isContinuedCommand(text);
-            if (open) {
-                text = trim(text.substr(0, text.size() - 1));
-            }
-            if (!text.empty()) {
-                if (!command.empty()) {
-                    command += ' ';
-                }
-                command += text;
-            }
-            if (!open) {
-                break;
-            }
-            do {
-                piece = reader.nextLineOfAnyKind();
-            } while (piece && piece->empty());
-            if (!piece) {
-                break;
-            }
-        }
-        if (open) {
-            reader.warn("has a continued %" + std::string(keyword) +
-                        " command without a following non-empty line; using the command parsed so far.");
-        }
+    while (const auto line = reader.nextFilledLine()) {
+        auto command = readCommand(reader, *line, keyword);
         if (!command.empty()) {
             commands.push_back(std::move(command));
         }
@@ -147,11 +159,11 @@ void append(std::vector<std::string>& list, std::vector<std::string> more) {
 }
 
 void readPreProcess(DirectiveReader& reader) {
-    append(reader.task.preProcessCommands, readCommands(reader, "preprocess"));
+    append(reader.task.preProcessCommands.edit(), readCommands(reader, "preprocess"));
 }
 
 void readProcess(DirectiveReader& reader) {
-    append(reader.task.processCommands, readCommands(reader, "process"));
+    append(reader.task.processCommands.edit(), readCommands(reader, "process"));
 }
 
 void readInterface(DirectiveReader& reader) {
@@ -209,8 +221,8 @@ std::unordered_set<std::string> conditionsOfSource(const TaskInfo& task) {
     return conditions;
 }
 
-/// Of the conditions that a source implies, those that stand in `written` too take the place that they have
-/// there, once: migrating a file twice must write neither another order nor a condition twice.
+/// Of the conditions that a source implies, those that are also in `written` take their place there, once:
+/// migrating a file twice must change neither the order nor the number of the conditions.
 void placeImpliedConditions(TaskInfo& task, std::vector<TaskWhenEntry>& written) {
     const auto implied = conditionsOfSource(task);
     if (implied.empty()) {
@@ -220,7 +232,8 @@ void placeImpliedConditions(TaskInfo& task, std::vector<TaskWhenEntry>& written)
     std::erase_if(written, [&](const TaskWhenEntry& entry) {
         return implied.contains(entry.text) && !placed.insert(entry.text).second;
     });
-    std::erase_if(task.whenEntries, [&](const TaskWhenEntry& entry) { return placed.contains(entry.text); });
+    std::erase_if(task.whenEntries.edit(),
+                  [&](const TaskWhenEntry& entry) { return placed.contains(entry.text); });
 }
 
 void readWhen(DirectiveReader& reader) {
@@ -233,7 +246,12 @@ void readWhen(DirectiveReader& reader) {
     }
     TaskInfo& task = reader.task;
     placeImpliedConditions(task, written);
-    std::move(written.begin(), written.end(), std::back_inserter(task.whenEntries));
+    if (task.whenEntries.empty()) {
+        task.whenEntries = std::move(written);
+        return;
+    }
+    auto& all = task.whenEntries.edit();
+    std::move(written.begin(), written.end(), std::back_inserter(all));
 }
 
 void readPlot(DirectiveReader& reader) {
@@ -245,7 +263,7 @@ void readPlot(DirectiveReader& reader) {
     while (reader.nextLine()) {
         block.captured.lines.push_back(reader.currentLine());
     }
-    reader.task.plots.push_back(plot::parsePlot(block));
+    reader.task.plots.edit().push_back(plot::parsePlot(block));
 }
 
 // Keywords are compared exactly; "extrainputs" is the one alias.
@@ -253,21 +271,21 @@ constexpr std::array<DirectiveRow, 19> directiveTable{{
     {"source", "source", readSourceDirective},
     {"program", "program", readProgram},
     {"interface", "interface", readInterface},
-    {"batch", "batch", readBatchDirective},
-    {"control", "control", readControlDirective},
-    {"when", "when", readWhen},
-    {"keywords", "keywords", readKeywords},
-    {"extrainput", "extrainput", readExtraInput},
-    {"extrainputs", "extrainput", readExtraInput},
+    {"batch", "batch", readBatchDirective, FragmentKind::batch},
+    {"control", "control", readControlDirective, FragmentKind::control},
+    {"when", "when", readWhen, FragmentKind::when},
+    {"keywords", "keywords", readKeywords, FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
+    {"extrainput", "extrainput", readExtraInput, FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
+    {"extrainputs", "extrainput", readExtraInput, FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
     {"template", "template", readTemplate},
-    {"param", "param", readParam},
-    {"args", "args", readArgs},
+    {"param", "param", readParam, FragmentKind::param},
+    {"args", "args", readArgs, FragmentKind::args},
     {"runner", "runner", readRunner},
-    {"body", "body", readBody},
-    {"preprocess", "preprocess", readPreProcess},
-    {"process", "process", readProcess},
-    {"mod", "mod", readMod},
-    {"meta", "meta", readMeta},
+    {"body", "body", readBody, FragmentKind::text, ScopeRule::emptyValueOrHeredoc},
+    {"preprocess", "preprocess", readPreProcess, FragmentKind::preprocess},
+    {"process", "process", readProcess, FragmentKind::process},
+    {"mod", "mod", readMod, FragmentKind::mod, ScopeRule::emptyValue},
+    {"meta", "meta", readMeta, FragmentKind::meta},
     {"plot", "plot", readPlot},
 }};
 
@@ -279,12 +297,18 @@ const DirectiveRow* findDirective(std::string_view keyword) noexcept {
     return row == directiveTable.end() ? nullptr : row;
 }
 
-bool isKnownDirective(std::string_view line) noexcept {
-    if (!trimLeft(line).starts_with('%')) {
-        return false;
+FragmentKind scopeBehind(const WrittenDirective& directive) noexcept {
+    const DirectiveRow* row = findDirective(directive.keyword);
+    if (row == nullptr) {
+        return FragmentKind::task_body;
     }
-    const auto directive = directiveName(cleanLine(line));
-    return findDirective(directive.substr(0, directive.find(' '))) != nullptr;
+    const bool opens = row->rule == ScopeRule::always || directive.value.empty() ||
+                       (row->rule == ScopeRule::emptyValueOrHeredoc && opensHeredoc(directive.value));
+    return opens ? row->scope : FragmentKind::task_body;
+}
+
+bool isKnownDirective(std::string_view clean) noexcept {
+    return findDirective(splitDirective(clean).keyword) != nullptr;
 }
 
 } // namespace morquill::taskdsl

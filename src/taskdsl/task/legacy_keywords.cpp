@@ -29,20 +29,21 @@ std::string legacyTemplateName(std::string_view keywords) {
     return {};
 }
 
-bool isLegacyPairList(std::string_view keywords, bool withJob, bool withOthers) {
-    Cursor cursor(keywords);
+bool isLegacyPairList(const TaskInfo& task) {
+    bool takesJob = task.templateName.empty();
+    const bool takesOthers = task.paramValues.empty();
+    Cursor cursor(task.keywords);
     while (!cursor.skipSpace().atEnd()) {
         const auto key = cursor.takeWhile(isLegacyKeyChar);
         if (key.empty() || !takeAssignedValue(cursor)) {
             return false;
         }
-        bool& allowed = equalsNoCase(key, "job") ? withJob : withOthers;
-        if (!allowed || !(cursor.atEnd() || isSpace(cursor.rest().front()))) {
+        const bool isJob = equalsNoCase(key, "job");
+        const bool isTaken = isJob ? takesJob : takesOthers;
+        if (!isTaken || !(cursor.atEnd() || isSpace(cursor.rest().front()))) {
             return false;
         }
-        if (&allowed == &withJob) {
-            withJob = false;
-        }
+        takesJob = takesJob && !isJob;
     }
     return true;
 }
@@ -50,7 +51,7 @@ bool isLegacyPairList(std::string_view keywords, bool withJob, bool withOthers) 
 std::string legacyParamValues(std::string_view keywords) {
     std::string result;
     Cursor cursor(keywords);
-    // Pattern: ([A-Za-z0-9_.:-]+)\s*=\s*(value). A run of key characters without a value behind it has no
+    // Pattern: ([A-Za-z0-9_.:-]+)\s*=\s*(value). A run of key characters without a value after it has no
     // match that begins inside it, so every run is looked at once.
     for (;;) {
         (void)cursor.takeWhile([](char c) { return !isLegacyKeyChar(c); });

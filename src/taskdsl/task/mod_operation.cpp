@@ -129,7 +129,7 @@ struct BasisOption {
 constexpr std::array<BasisOption, 3> basisOptions{
     {{"on=", readSelector}, {"role=", readRole}, {"ecp=", readEcp}}};
 
-/// The number of the option that a field gives; the number of options for any other field.
+/// The index of the option that a field names; the number of options for any other field.
 std::size_t optionOf(std::string_view field) {
     const auto found = std::find_if(basisOptions.begin(), basisOptions.end(),
                                     [field](const auto& option) { return field.starts_with(option.prefix); });
@@ -269,16 +269,17 @@ enum class Spelling : std::uint8_t {
     quotes,      ///< `<key>:"<value>"`, one word
 };
 
-/// The form in which a line reads as its operation. `line` is the one in words.
+/// The form in which a line reads as its operation; `line` is the form in words.
 Spelling spellingOf(const Head& head, const std::string& value, std::string_view line) {
     const auto words = lineWords(value);
     if (holdsComment(line) || (words.empty() && !value.empty())) {
-        return Spelling::quotes; // a `#` behind white space, or white space alone
+        return Spelling::quotes; // a `#` after white space, or white space alone
     }
     if (words.size() < 2 || head.target.empty() || head.target.find(' ') != std::string::npos) {
         return Spelling::words; // no form reads a target of several words
     }
-    // Behind `add` and `subtract` as its second word the reader takes one word of a line and drops the rest.
+    // After `add` or `subtract` as the second word, the reader takes one more word of the line and
+    // drops the rest.
     if (isOneOf(words.front(), "add", "subtract")) {
         return isOneOf(head.operation, "select", "remove") ? Spelling::words : Spelling::tabs;
     }
@@ -286,7 +287,7 @@ Spelling spellingOf(const Head& head, const std::string& value, std::string_view
 }
 
 /// `<key>:"<value>"`, or with single quotes when the others would end too early; nothing for a key that
-/// cannot stand there and for a value that both kinds of quotes fail to hide.
+/// cannot be written so and for a value that neither kind of quotes can hold.
 std::optional<std::string> quotedLine(const std::string& key, const std::string& value) {
     if (key.find_first_of(": ") != std::string::npos) {
         return std::nullopt;
@@ -341,7 +342,7 @@ ModEntry parseModLine(std::string_view text) {
 void addModLine(TaskInfo& task, std::string_view text) {
     auto entry = parseModLine(text);
     if (!entry.key.empty()) {
-        task.modEntries.push_back(std::move(entry));
+        task.modEntries.edit().push_back(std::move(entry));
     }
 }
 
@@ -424,7 +425,7 @@ std::string formatModValue(const ModOperation& op) {
 std::string formatModText(const ModOperation& op) {
     const auto head = headOf(op);
     const auto value = formatModValue(op);
-    const auto line = withValue(withValue(head.target, std::string(head.operation)), value);
+    auto line = withValue(withValue(head.target, std::string(head.operation)), value);
     const auto key = formatModKey(op);
     switch (spellingOf(head, value, line)) {
     case Spelling::keyAndValue:

@@ -10,7 +10,7 @@
 #include <variant>
 #include <vector>
 
-/// `%mod`: what changes on the geometry that a task took: charge, spin, atoms, basis sets.
+/// `%mod`: changes to the geometry that a task takes: charge, spin, atoms, basis sets.
 namespace morquill::taskdsl {
 
 struct ModEntry;
@@ -64,7 +64,7 @@ struct BasisSetMod {
     friend bool operator==(const BasisSetMod&, const BasisSetMod&) = default;
 };
 
-/// Any other line; its meaning lies with the project tools.
+/// Any other line; the project tools know what it means.
 struct OtherMod {
     std::string key;
     std::vector<std::string> arguments;
@@ -75,8 +75,8 @@ struct OtherMod {
 /// The normal form of one `%mod` line. The index of an alternative is the number of its kind.
 using ModOperation = std::variant<ScalarMod, AtomsMod, BasisSetMod, OtherMod>;
 
-/// Splits one `%mod` line (comment removed, trimmed) into key and value. The key is empty when the line says
-/// nothing and is to be dropped.
+/// Splits one `%mod` line (comment removed, trimmed) into key and value. The key is empty for a line that
+/// says nothing and has to be dropped.
 [[nodiscard]] ModEntry parseModLine(std::string_view text);
 
 /// Reads one `%mod` line into the entries of a task; a line without a key is dropped.
@@ -95,8 +95,8 @@ void addModLine(TaskInfo& task, std::string_view text);
 [[nodiscard]] ModOperation normalizeMod(std::string_view key, std::string_view value,
                                         Placeholders placeholders = Placeholders::refused);
 
-/// The key of an operation in its normal form: `<target>[.<slot>][:<operation>]`, "basisset" or the key of
-/// another line.
+/// The key of an operation in its normal form: `<target>[.<slot>][:<operation>]`, "basisset" or the key
+/// of another line.
 [[nodiscard]] std::string formatModKey(const ModOperation& op);
 
 /// The value that belongs to `formatModKey`.

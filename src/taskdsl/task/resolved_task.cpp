@@ -4,27 +4,27 @@
 
 namespace morquill::taskdsl {
 
-std::string resolvedTemplateName(const TaskInfo& task) {
-    return task.templateName.empty() ? legacyTemplateName(task.keywords) : task.templateName;
+SharedText resolvedTemplateName(const TaskInfo& task) {
+    return task.templateName.empty() ? SharedText(legacyTemplateName(task.keywords)) : task.templateName;
 }
 
-const std::string& resolvedRunner(const TaskInfo& task) noexcept {
+const SharedText& resolvedRunner(const TaskInfo& task) noexcept {
     return task.runner.empty() ? task.keywords : task.runner;
 }
 
-std::string resolvedParams(const TaskInfo& task) {
-    return task.paramValues.empty() ? legacyParamValues(task.keywords) : task.paramValues;
+SharedText resolvedParams(const TaskInfo& task) {
+    return task.paramValues.empty() ? SharedText(legacyParamValues(task.keywords)) : task.paramValues;
 }
 
-std::string resolvedExtraInput(const TaskInfo& task) {
-    std::string extra = task.extraKeywords;
-    if (task.program == TaskProgram::orca && !task.orcaBlock.empty()) {
-        if (!extra.empty() && extra.back() != '\n') {
-            extra += '\n';
-        }
-        extra += task.orcaBlock;
+SharedText resolvedExtraInput(const TaskInfo& task) {
+    if (task.program != TaskProgram::orca || task.orcaBlock.empty()) {
+        return task.extraKeywords;
     }
-    return extra;
+    std::string extra = task.extraKeywords.str();
+    if (!extra.empty() && extra.back() != '\n') {
+        extra += '\n';
+    }
+    return extra.append(task.orcaBlock.view());
 }
 
 } // namespace morquill::taskdsl

@@ -2,22 +2,20 @@
 
 #include "taskdsl/task/task_document.h"
 
-#include <string>
-
 /// What the fields of a task mean together, whatever the age of its file.
 namespace morquill::taskdsl {
 
 /// The template of a task of `%program other`: its `%template`, else the job that older files keep in
 /// `%keywords`; may be empty.
-[[nodiscard]] std::string resolvedTemplateName(const TaskInfo& task);
+[[nodiscard]] SharedText resolvedTemplateName(const TaskInfo& task);
 
 /// The runner of a script task: its `%runner`, else what older files keep in `%keywords`; may be empty.
-[[nodiscard]] const std::string& resolvedRunner(const TaskInfo& task) noexcept;
+[[nodiscard]] const SharedText& resolvedRunner(const TaskInfo& task) noexcept;
 
 /// The parameters of a task of `%program other`: its `%param`, else what older files keep in `%keywords`.
-[[nodiscard]] std::string resolvedParams(const TaskInfo& task);
+[[nodiscard]] SharedText resolvedParams(const TaskInfo& task);
 
 /// The `%extrainput` text of a task; that of an ORCA task ends in its own block.
-[[nodiscard]] std::string resolvedExtraInput(const TaskInfo& task);
+[[nodiscard]] SharedText resolvedExtraInput(const TaskInfo& task);
 
 } // namespace morquill::taskdsl

@@ -6,6 +6,7 @@
 
 #include "support/text.h"
 
+#include <algorithm>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -15,7 +16,7 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// Makes a condition of every name behind the first, unless the task has it already.
+/// Makes every name after the first a condition, unless the task has it already.
 void addCompletedConditions(DirectiveReader& reader, const std::vector<std::string>& names) {
     TaskInfo& task = reader.task;
     std::unordered_set<std::string> known;
@@ -25,28 +26,36 @@ void addCompletedConditions(DirectiveReader& reader, const std::vector<std::stri
     for (auto name = names.begin() + 1; name != names.end(); ++name) {
         std::string condition = "completed " + *name;
         if (known.insert(condition).second) {
-            task.whenEntries.push_back({std::move(condition), reader.conditionSpan()});
+            task.whenEntries.edit().push_back({std::move(condition), reader.conditionSpan()});
         }
     }
 }
 
-/// Takes a last word `guess` off the value; the spelling `gues` is accepted as such.
-void takeGuessWord(DirectiveReader& reader, std::string& value) {
+/// The value without a last word `guess`, which is taken in; the spelling `gues` is accepted as such.
+std::string takeGuessWord(DirectiveReader& reader, std::string value) {
+    if (!trim(value).ends_with("guess") && !trim(value).ends_with("gues")) {
+        return value;
+    }
     std::vector<std::string> words = splitTrimmed(value, ' ');
     if (words.empty() || (words.back() != "guess" && words.back() != "gues")) {
-        return;
+        return value;
     }
     words.pop_back();
-    value = join(words, " ");
     reader.task.guessEnabled = true;
     reader.warn(
         "uses deprecated '%source ... guess' syntax; move guess into '%control' as 'guess true' or 'guess "
         "<task>'.");
+    return join(words, " ");
+}
+
+/// True for commas alone.
+bool namesNothing(std::string_view value) noexcept {
+    return std::all_of(value.begin(), value.end(), [](char c) { return c == ',' || isTrimmed(c); });
 }
 
 /// Several upstream tasks: an error, or conditions for those who tolerate the old form.
 void takeFurtherTasks(DirectiveReader& reader, const std::vector<std::string>& names) {
-    if (!reader.legacyMultiSource) {
+    if (!reader.options.legacyMultiSource) {
         reader.failHere(
             "uses removed multi-dependency '%source a,b,...' syntax; keep the first task in %source "
             "and move the rest into '%when completed ...'");
@@ -64,10 +73,10 @@ void readInlineForm(DirectiveReader& reader) {
     }
     task.guessEnabled = false;
     task.guessSourceTask.clear();
-    takeGuessWord(reader, value);
+    value = takeGuessWord(reader, std::move(value));
     auto source = parseInlineSource(value);
     const auto* list = std::get_if<SourceTaskList>(&source);
-    if (list != nullptr && splitTrimmed(value, ',').empty()) {
+    if (list != nullptr && namesNothing(value)) {
         source = SourceNone{}; // commas alone name nothing
     } else if (list != nullptr && list->names.size() > 1) {
         takeFurtherTasks(reader, list->names);

@@ -190,7 +190,7 @@ std::string formatXyz(const SourceXyz& xyz) {
         std::string(xyzPrefix) + quoteInlineWord(xyz.file) + frameSuffix(xyz.hasFrame, xyz.frameIndex);
     for (const auto& word : xyz.furtherWords) {
         if (!word.empty()) {
-            // A bare last word `guess` would be taken off as the flag of older files.
+            // A bare last word `guess` would be dropped as the flag of older files.
             const bool isFlag = &word == &xyz.furtherWords.back() && (word == "guess" || word == "gues");
             text += ' ';
             text += isFlag ? quoteForcedShellWord(word) : quoteInlineWord(word);

@@ -57,7 +57,7 @@ struct SourceXyz {
     std::string file;
     std::int32_t frameIndex = 0; ///< from 1
     bool hasFrame = false;
-    std::vector<std::string> furtherWords; ///< words that are no frame, none of them empty
+    std::vector<std::string> furtherWords; ///< words that are not a frame, none of them empty
 
     friend bool operator==(const SourceXyz&, const SourceXyz&) = default;
 };
@@ -77,14 +77,14 @@ using SourceSpec =
 [[nodiscard]] SourceSpec parseSourceText(std::string_view text);
 
 /// Reads an inline source: nothing, "origin", "restart", `xyz=<file> [frame=<n>]` or names with commas
-/// between. A line end is ordinary white space here. The first `frame=` counts; all other words behind the
+/// between. A line end is ordinary white space here. The first `frame=` counts; all other words after the
 /// file are kept. Throws "%source xyz frame selector must be a positive integer".
 [[nodiscard]] SourceSpec parseInlineSource(std::string_view text);
 
-/// The same without the check: a `frame=` that is no positive integer stays among the further words.
+/// The same without the check: a `frame=` that is not a positive integer stays among the further words.
 [[nodiscard]] SourceSpec readInlineSource(std::string_view text);
 
-/// Refuses a file whose `frame=` is no positive integer. Throws as `parseInlineSource`.
+/// Refuses a file whose `frame=` is not a positive integer. Throws as `parseInlineSource`.
 void requireNumericFrame(const SourceSpec& source);
 
 /// Reads one line of a structured source. A frame that holds a `[` is kept as a selector, for a later
@@ -96,8 +96,8 @@ void requireNumericFrame(const SourceSpec& source);
 void validateStructuredSource(const std::vector<SourceBinding>& bindings, Placeholders placeholders);
 
 /// Looks again at a binding whose texts a substitution has changed: a task name may have become "origin",
-/// "restart" or a file, a `frame` selector of a file a positive integer and so its frame. What has become
-/// empty or is no number is left for `validateStructuredSource` to refuse.
+/// "restart" or a file, a `frame` selector of a file a positive integer and so its frame.
+/// What has become empty or is not a number is left for `validateStructuredSource` to refuse.
 void rereadBinding(SourceBinding& binding);
 
 /// The same for an inline file: words that have become empty go, quotes around the file name as well, and the
@@ -105,7 +105,7 @@ void rereadBinding(SourceBinding& binding);
 /// `requireNumericFrame` to refuse.
 void rereadXyz(SourceXyz& xyz);
 
-/// One line of a `%source` block as the directive hands it over.
+/// One line of a `%source` block.
 struct SourceEntryLine {
     std::string text; ///< comment removed, trimmed
     SourceSpan span;
@@ -127,10 +127,10 @@ struct SourceEntryLine {
 /// The text of one binding: `<key> <source>` and each selector as ` <selector>=<value>`.
 [[nodiscard]] std::string formatSourceBinding(const SourceBinding& binding);
 
-/// The text of a source: one line, or one line per binding (no line end behind the last); empty for none.
+/// The text of a source: one line, or one line per binding (no line end after the last); empty for none.
 [[nodiscard]] std::string formatSourceSpec(const SourceSpec& spec);
 
-/// Stores a source in a task; a list without names and a block without bindings are no source.
+/// Stores a source in a task; a list without names or a block without bindings counts as no source.
 void applySource(TaskInfo& task, SourceSpec source);
 
 /// The simple source of a task: "origin", "restart", `xyz=...` or the first task of a list; empty for none

@@ -82,16 +82,13 @@ std::string_view programName(TaskProgram program) noexcept {
     return programWords.nameOf(program);
 }
 
-bool parseProgramName(std::string_view text, TaskProgram& program) {
-    const auto found = programWords.find(trim(text));
-    program = found.value_or(program);
-    return found.has_value();
+std::optional<TaskProgram> parseProgramName(std::string_view text) noexcept {
+    return programWords.find(trim(text));
 }
 
 TaskProgram requireProgram(std::string_view value, std::string_view location) {
-    TaskProgram program{};
-    if (parseProgramName(value, program)) {
-        return program;
+    if (const auto program = parseProgramName(value)) {
+        return *program;
     }
     std::string message;
     if (!location.empty()) {

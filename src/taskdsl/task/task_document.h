@@ -20,7 +20,7 @@ namespace morquill::taskdsl {
 /// One directive seen in a task block, kept for the explain view and for lint.
 struct TaskDirective {
     std::string_view name; ///< keyword without the `%`; a text with static lifetime
-    std::string value;     ///< the text behind the keyword on the directive's own line
+    TextSlice value;       ///< the text behind the keyword on the directive's own line
     SourceSpan span;
 
     friend bool operator==(const TaskDirective&, const TaskDirective&) = default;
@@ -51,8 +51,8 @@ enum class TaskProgram : std::int32_t {
 
 /// The lower-case name of a program; "gaussian" for a value outside the enumeration.
 [[nodiscard]] std::string_view programName(TaskProgram program) noexcept;
-/// Reads a program name (trimmed, any case, no aliases); false for an unknown one.
-[[nodiscard]] bool parseProgramName(std::string_view text, TaskProgram& program);
+/// Reads a program name (trimmed, any case, no aliases); nothing for an unknown one.
+[[nodiscard]] std::optional<TaskProgram> parseProgramName(std::string_view text) noexcept;
 /// The program of that name. Throws `DiagnosticError`, with "<location>: " in front when a location is given,
 /// for an unknown one.
 [[nodiscard]] TaskProgram requireProgram(std::string_view value, std::string_view location = {});
@@ -94,61 +94,63 @@ struct BatchCluster {
     friend bool operator==(const BatchCluster&, const BatchCluster&) = default;
 };
 
-/// One task block.
+/// One task block. A copy shares its texts and lists with the original until one of the two edits them: so do
+/// the variants of a matrix.
 struct TaskInfo {
     TaskInfo() = default;
     explicit TaskInfo(std::string taskName, TaskProgram taskProgram = TaskProgram::gaussian);
 
     SourceSpan headerSpan;
     Shared<std::vector<TaskDirective>> directives; ///< every directive in file order
-    std::vector<TaskWhenEntry> whenEntries;        ///< the conditions in order; their texts: `whenConditions`
-    std::string name;                              ///< quotes removed
-    bool quoted = false;                           ///< the header was written `$"name"`
-    std::uint64_t documentOrder = 0;               ///< place among all tasks and derive blocks of the run
+    Shared<std::vector<TaskWhenEntry>>
+        whenEntries;                    ///< the conditions in order; their texts: `whenConditions`
+    std::string name;                   ///< quotes removed
+    bool quoted = false;                ///< the header was written `$"name"`
+    std::uint64_t documentOrder = 0;    ///< place among all tasks and derive blocks of the run
     SourceSpec source = SourceOrigin{}; ///< views of it: `sourceText`, `sourceTasks`, `sourceBindings`
     bool guessEnabled = false;
-    std::string guessSourceTask;
-    std::string guessConverter; ///< "mokit", "multiwfn" or empty
-    std::string smiles;         ///< molecule line notation, set by project tools
-    SharedText filePath;        ///< file the block stands in
+    SharedText guessSourceTask;
+    SharedText guessConverter; ///< "mokit", "multiwfn" or empty
+    SharedText smiles;         ///< molecule line notation, set by project tools
+    SharedText filePath;       ///< file the block stands in
     /// Names of all tasks of the document that are not providers.
     Shared<std::vector<std::string>> documentTaskNames;
     TaskProgram program = TaskProgram::gaussian;
-    std::string keywords;
-    std::string args;
-    std::string extraKeywords; ///< `%extrainput`
-    std::string templateName;
-    std::string paramValues; ///< `%param`, newline separated
-    std::string runner;
-    std::string body;
-    std::string orcaBlock;           ///< program-specific block text
-    std::string verbosity;           ///< "p", "t" or empty
-    std::string gaussianGeomControl; ///< "check" or empty
-    std::vector<std::string> preProcessCommands;
-    std::vector<std::string> processCommands;
-    std::vector<ModEntry> modEntries; ///< all lines in order; the last value per key: `modValues`
+    SharedText keywords;
+    SharedText args;
+    SharedText extraKeywords; ///< `%extrainput`
+    SharedText templateName;
+    SharedText paramValues; ///< `%param`, newline separated
+    SharedText runner;
+    SharedText body;
+    SharedText orcaBlock;           ///< program-specific block text
+    SharedText verbosity;           ///< "p", "t" or empty
+    SharedText gaussianGeomControl; ///< "check" or empty
+    Shared<std::vector<std::string>> preProcessCommands;
+    Shared<std::vector<std::string>> processCommands;
+    Shared<std::vector<ModEntry>> modEntries; ///< all lines in order; the last value per key: `modValues`
     std::int32_t totalCores = 0;
     std::int32_t totalMemory = 0;
     std::int32_t gpuCount = 0;
     std::int32_t gpuMemory = 0;
-    std::string gpuType;
+    SharedText gpuType;
     std::int32_t batchLanes = 0; ///< 0 means no batch
-    std::vector<BatchCollect> batchCollect;
-    BatchCluster batchCluster;
+    Shared<std::vector<BatchCollect>> batchCollect;
+    Shared<BatchCluster> batchCluster;
     bool controlDeclared = false; ///< some resource or flag of `%control` was set
     bool externalInput = false;
     bool waitFreq = true;
     bool alert = true;
     bool localFirst = false;
-    std::string finalGeom;
-    std::string templateTaskName;  ///< name before matrix expansion
-    std::string matrixVariantKey;  ///< suffix of a matrix variant
+    SharedText finalGeom;
+    SharedText templateTaskName;   ///< name before matrix expansion
+    SharedText matrixVariantKey;   ///< suffix of a matrix variant
     Shared<ValueMap> matrixValues; ///< axis key to chosen value
-    std::string strucId;
-    std::vector<std::string> metaProperties;
-    std::vector<plot::PlotSpec> plots; ///< `%plot` entries of this task
+    SharedText strucId;
+    Shared<std::vector<std::string>> metaProperties;
+    Shared<std::vector<plot::PlotSpec>> plots; ///< `%plot` entries of this task
     TaskInterfaceMode interfaceMode = TaskInterfaceMode::none;
-    std::string interfaceProvider; ///< provider task of a consume interface
+    SharedText interfaceProvider; ///< provider task of a consume interface
 
     friend bool operator==(const TaskInfo&, const TaskInfo&) = default;
 };

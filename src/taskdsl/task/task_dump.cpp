@@ -84,8 +84,8 @@ std::string describeTask(const TaskInfo& task) {
     dump.filled("ParamValues: ", task.paramValues);
     dump.filled("Runner: ", task.runner);
     dump.filled("Body: ", task.body);
-    dump.list("PreProcessCommands:", task.preProcessCommands);
-    dump.list("ProcessCommands:", task.processCommands);
+    dump.list("PreProcessCommands:", *task.preProcessCommands);
+    dump.list("ProcessCommands:", *task.processCommands);
     dump.pairs("ModValues:", task.modEntries);
     dump.filled("SMILES: ", task.smiles);
     dump.filled("FilePath: ", task.filePath);
@@ -93,7 +93,7 @@ std::string describeTask(const TaskInfo& task) {
     dump.filled("MatrixVariantKey: ", task.matrixVariantKey);
     dump.pairs("MatrixValues:", *task.matrixValues);
     dump.filled("StrucId: ", task.strucId);
-    dump.list("MetaProperties:", task.metaProperties);
+    dump.list("MetaProperties:", *task.metaProperties);
     if (!task.orcaBlock.empty()) {
         dump.line("OrcaBlock: ", "[omitted]");
     }
@@ -114,7 +114,7 @@ struct DumpLabel {
     void (*read)(TaskInfo&, std::string_view);
 };
 
-template <std::string TaskInfo::*field>
+template <SharedText TaskInfo::*field>
 void readText(TaskInfo& task, std::string_view value) {
     task.*field = value;
 }
@@ -135,9 +135,11 @@ void readInterface(TaskInfo& task, std::string_view value) {
 }
 
 constexpr std::array<DumpLabel, 17> dumpLabels{{
-    {"TaskInfo: ", readText<&TaskInfo::name>},
+    {"TaskInfo: ", [](TaskInfo& task, std::string_view value) { task.name = value; }},
     {"Program: ",
-     [](TaskInfo& task, std::string_view value) { (void)parseProgramName(value, task.program); }},
+     [](TaskInfo& task, std::string_view value) {
+         task.program = parseProgramName(value).value_or(task.program);
+     }},
     {"Quoted: ", readFlag<&TaskInfo::quoted>},
     {"Source: ", [](TaskInfo& task, std::string_view value) { applySource(task, readInlineSource(value)); }},
     {"LocalFirst: ", readFlag<&TaskInfo::localFirst>},

@@ -15,8 +15,8 @@ namespace morquill::taskdsl {
 namespace {
 
 /// The plain text fields that take part in substitution.
-constexpr std::string TaskInfo::*textFields[] = {
-    &TaskInfo::name,           &TaskInfo::guessSourceTask,
+constexpr SharedText TaskInfo::*textFields[] = {
+    &TaskInfo::guessSourceTask,
     &TaskInfo::guessConverter, &TaskInfo::gaussianGeomControl,
     &TaskInfo::finalGeom,      &TaskInfo::gpuType,
     &TaskInfo::strucId,        &TaskInfo::templateTaskName,
@@ -26,7 +26,7 @@ constexpr std::string TaskInfo::*textFields[] = {
     &TaskInfo::runner,         &TaskInfo::body,
     &TaskInfo::orcaBlock,
 };
-constexpr std::vector<std::string> TaskInfo::*listFields[] = {&TaskInfo::preProcessCommands,
+constexpr Shared<std::vector<std::string>> TaskInfo::*listFields[] = {&TaskInfo::preProcessCommands,
                                                               &TaskInfo::processCommands};
 
 bool holdsBracket(std::string_view text) noexcept {
@@ -135,7 +135,7 @@ void substituteMods(TaskInfo& task, const ValueMap& values) {
     if (!modsHoldBracket(task)) {
         return;
     }
-    for (auto& entry : task.modEntries) {
+    for (auto& entry : task.modEntries.edit()) {
         substituteInto(entry.key, values);
         substituteInto(entry.value, values);
     }
@@ -146,10 +146,10 @@ void substituteMods(TaskInfo& task, const ValueMap& values) {
 
 bool holdsBrackets(const TaskInfo& task) noexcept {
     return std::any_of(std::begin(textFields), std::end(textFields),
-                       [&task](auto field) { return holdsBracket(task.*field); }) ||
+                       [&task](auto field) { return holdsBracket((task.*field).view()); }) ||
            std::any_of(std::begin(listFields), std::end(listFields),
-                       [&task](auto field) { return holdsBracket(task.*field); }) ||
-           holdsBracket(task.filePath.str()) || holdsBracket(task.source) || conditionsHoldBracket(task) ||
+                       [&task](auto field) { return holdsBracket(*(task.*field)); }) ||
+           holdsBracket(task.name) || holdsBracket(task.filePath.view()) || holdsBracket(task.source) || conditionsHoldBracket(task) ||
            modsHoldBracket(task) ||
            // A plot holds one in its computed output path at the least.
            !task.plots.empty();
@@ -159,24 +159,30 @@ void substituteTask(TaskInfo& task, const ValueMap& values) {
     if (!holdsBrackets(task)) {
         return;
     }
+    // What holds no bracket stays shared with the tasks that this one was copied from.
+    substituteInto(task.name, values);
+    substituteInto(task.filePath, values);
     for (const auto field : textFields) {
         substituteInto(task.*field, values);
     }
     for (const auto field : listFields) {
-        for (auto& text : task.*field) {
-            substituteInto(text, values);
+        if (holdsBracket(*(task.*field))) {
+            for (auto& text : (task.*field).edit()) {
+                substituteInto(text, values);
+            }
         }
     }
-    if (holdsBracket(task.filePath.str())) {
-        task.filePath = substituteBrackets(task.filePath.str(), values);
-    }
-    for (auto& entry : task.whenEntries) {
-        substituteInto(entry.text, values);
+    if (conditionsHoldBracket(task)) {
+        for (auto& entry : task.whenEntries.edit()) {
+            substituteInto(entry.text, values);
+        }
     }
     substituteSource(task, values);
     substituteMods(task, values);
-    for (auto& plot : task.plots) {
-        plot::substitutePlot(plot, values);
+    if (!task.plots.empty()) {
+        for (auto& plot : task.plots.edit()) {
+            plot::substitutePlot(plot, values);
+        }
     }
 }
 

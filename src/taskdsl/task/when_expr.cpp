@@ -93,8 +93,8 @@ bool isLineBreak(char c) noexcept {
 /// A text to be matched as a comparison, and what the matcher needs to know of its end.
 struct ComparisonText {
     std::string_view text;
-    std::size_t end = 0;       ///< one behind the last byte that is no white space
-    std::size_t lastBreak = 0; ///< one behind the last line break before `end`; 0 when there is none
+    std::size_t end = 0;       ///< one past the last byte that is no white space
+    std::size_t lastBreak = 0; ///< one past the last line break before `end`; 0 when there is none
 };
 
 /// What `\s*(.+?)\s*$` captures from `begin` on.
@@ -104,7 +104,7 @@ std::optional<std::string_view> matchRightSide(const ComparisonText& whole, std:
         begin = skipSpace(text, begin);
         return begin < whole.lastBreak ? std::nullopt : std::optional(text.substr(begin, whole.end - begin));
     }
-    // Only white space: the last byte of it that `.` takes is given up to the group.
+    // Only white space: the group takes the last byte of it that `.` matches.
     for (auto end = text.size(); end > begin; --end) {
         if (!isLineBreak(text[end - 1])) {
             return text.substr(end - 1, 1);
@@ -156,14 +156,14 @@ std::optional<WhenComparison> matchComparison(std::string_view text) {
         if (isSpace(text[i])) {
             continue;
         }
-        // The left side would have to take what lies between.
+        // The left side would have to take what is between.
         const auto between = text.substr(leftEnd, i - leftEnd);
         if (std::any_of(between.begin(), between.end(), isLineBreak)) {
             break;
         }
         leftEnd = i + 1;
     }
-    // An operator directly behind leading white space: the left side takes the last byte of that.
+    // An operator directly after leading white space: the left side takes the last byte of that space.
     for (std::size_t i = begin; i > 0; --i) {
         if (!isLineBreak(text[i - 1])) {
             return begin < text.size() ? compareAt(whole, text.substr(i - 1, 1), begin) : std::nullopt;
@@ -336,11 +336,13 @@ std::vector<std::string> collectCompletedTargets(const TaskWhenExpr& expr) {
 std::vector<std::string> collectPlaceholders(const TaskWhenExpr& expr) {
     std::vector<std::string> placeholders;
     walk(expr, [&](const TaskWhenExpr& node) {
-        if (const auto* comparison = std::get_if<WhenComparison>(&node.node)) {
-            for (const auto* side : {&comparison->left, &comparison->right}) {
-                if (side->kind == WhenOperandKind::placeholder) {
-                    placeholders.push_back(side->text);
-                }
+        const auto* comparison = std::get_if<WhenComparison>(&node.node);
+        if (comparison == nullptr) {
+            return;
+        }
+        for (const auto* side : {&comparison->left, &comparison->right}) {
+            if (side->kind == WhenOperandKind::placeholder) {
+                placeholders.push_back(side->text);
             }
         }
     });

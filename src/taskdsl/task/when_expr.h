@@ -16,7 +16,7 @@ enum class WhenOperandKind : std::int32_t { literal = 0, placeholder = 1 };
 /// One side of a comparison.
 struct WhenOperand {
     WhenOperandKind kind = WhenOperandKind::literal;
-    std::string text; ///< the literal, or what stands between `{{` and `}}`, trimmed
+    std::string text; ///< the literal, or what is between `{{` and `}}`, trimmed
 
     friend bool operator==(const WhenOperand&, const WhenOperand&) = default;
 };
@@ -68,11 +68,12 @@ inline constexpr int maxWhenNesting = 50;
 /// which throws `DiagnosticError` with the bare message.
 [[nodiscard]] TaskWhenExpr parseWhenExpr(std::string_view text);
 
-/// The text of a condition; parentheses only around an "or" group that stands inside an "and" group.
+/// The text of a condition; with parentheses only around an "or" group inside an "and" group.
 [[nodiscard]] std::string formatWhenExpr(const TaskWhenExpr& expr);
 
-/// The parts of a text between a keyword (any case, white space or an end on both sides) that stands outside
-/// all parentheses, `{{ }}` and quotes. The parts are trimmed views into `text`, empty ones are dropped.
+/// The parts of a text between the occurrences of a keyword (any case, white space or an end on both sides)
+/// outside all parentheses, `{{ }}` and quotes. The parts are trimmed views into `text`,
+/// empty ones are dropped.
 [[nodiscard]] std::vector<std::string_view> splitWhenTopLevel(std::string_view text,
                                                               std::string_view keyword);
 
@@ -83,8 +84,7 @@ inline constexpr int maxWhenNesting = 50;
 
 /// The operands of all `completed` leaves in the order of writing, trimmed, without the empty ones.
 [[nodiscard]] std::vector<std::string> collectCompletedTargets(const TaskWhenExpr& expr);
-/// The placeholders among the sides of all comparisons, in the order of writing: what stands between the
-/// braces.
+/// The texts between the braces of all placeholders in comparisons, in the order of writing.
 [[nodiscard]] std::vector<std::string> collectPlaceholders(const TaskWhenExpr& expr);
 /// True when some `completed` leaf names "allothers" (any case).
 [[nodiscard]] bool hasAllOthers(const TaskWhenExpr& expr);

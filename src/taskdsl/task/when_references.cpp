@@ -16,7 +16,7 @@ constexpr std::string_view braces = "{{";
 constexpr std::string_view completedWord = "completed";
 
 /// One place where a task may be named: the name begins somewhere from `first` to `last`, with white space
-/// between the two. Inside braces a `.` has to follow it, behind "completed" white space or the end.
+/// between the two. Inside braces a `.` has to follow it, after "completed" white space or the end.
 struct ReferenceSite {
     std::size_t begin = 0; ///< where the pattern begins
     std::size_t first = 0;
@@ -24,8 +24,8 @@ struct ReferenceSite {
     bool inBraces = false;
 };
 
-/// The next site whose pattern begins at `from` or later. The character before "completed" belongs to the
-/// pattern.
+/// The next site whose pattern begins at `from` or later. The character before "completed" belongs
+/// to the pattern.
 std::optional<ReferenceSite> nextBraces(std::string_view text, std::size_t from) noexcept {
     const auto at = text.find(braces, from);
     if (at == std::string_view::npos) {
@@ -51,7 +51,7 @@ std::optional<ReferenceSite> nextSite(std::string_view text, std::size_t from, b
     return inBraces ? nextBraces(text, from) : nextCompleted(text, from);
 }
 
-/// Where the pattern ends whose name ends at `nameEnd`; npos when the text behind the name does not fit.
+/// Where the pattern ends whose name ends at `nameEnd`; npos when the text after the name does not fit.
 std::size_t matchBehindName(std::string_view text, std::size_t nameEnd, bool inBraces) noexcept {
     if (!inBraces) {
         return nameEnd == text.size() || isSpace(text[nameEnd]) ? nameEnd : std::string_view::npos;
@@ -125,20 +125,27 @@ struct ReferenceMatch {
     Rename rename;
 };
 
-/// Calls `found` for every rename that changes something at a site of the text.
+/// Calls `found` for every rename that changes something at the site.
+template <class Found>
+void forEachMatchAt(std::string_view text, const ReferenceSite& site, const ValueMap& renames,
+                    const Found& found) {
+    for (auto at = site.first; at <= site.last; ++at) {
+        forEachKeyAt(text, at, renames, [&](Rename rename) {
+            const auto end = matchBehindName(text, at + rename->first.size(), site.inBraces);
+            if (end != std::string_view::npos && rename->first != rename->second) {
+                found(ReferenceMatch{site, at, end, rename});
+            }
+        });
+    }
+}
+
+/// The same for every site of the text.
 template <class Found>
 void forEachMatch(std::string_view text, const ValueMap& renames, const Found& found) {
     for (const bool inBraces : {true, false}) {
         for (auto site = nextSite(text, 0, inBraces); site;
              site = nextSite(text, site->begin + 1, inBraces)) {
-            for (auto at = site->first; at <= site->last; ++at) {
-                forEachKeyAt(text, at, renames, [&](Rename rename) {
-                    const auto end = matchBehindName(text, at + rename->first.size(), inBraces);
-                    if (end != std::string_view::npos && rename->first != rename->second) {
-                        found(ReferenceMatch{*site, at, end, rename});
-                    }
-                });
-            }
+            forEachMatchAt(text, *site, renames, found);
         }
     }
 }
@@ -204,7 +211,7 @@ std::string rewriteWhenReferences(std::string_view text, const ValueMap& renames
             return std::move(*renamed);
         }
     }
-    // Pair by pair, but only those that have something to change; each may give later ones something to do.
+    // Pair by pair, but only those that have something to change; each may bring in what a later one renames.
     std::string result(text);
     std::optional<Rename> last;
     for (;;) {

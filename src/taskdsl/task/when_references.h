@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// Tasks that a condition names, renamed in its text: nothing else of it changes.
+/// Renames tasks in the text of a condition and changes nothing else in it.
 namespace morquill::taskdsl {
 
 /// Renames task references: `{{ <old>.` and `completed <old>`. The pairs are applied one after the other in

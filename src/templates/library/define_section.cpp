@@ -8,7 +8,7 @@ namespace morquill::templates {
 
 namespace {
 
-/// Characters that make a value look like more than plain text to a reader of YAML.
+/// Characters that may mean something to a YAML reader, so that a value with one is quoted.
 constexpr std::string_view quotedCharacters = ":{}[]#,&*!|>'\"%@`";
 
 } // namespace
@@ -43,7 +43,7 @@ std::string buildDefineSection(const std::vector<std::string>& names, const task
 }
 
 std::string replaceDefineSection(std::string_view text, std::string_view section) {
-    // A byte order mark stays where it is: in front of everything.
+    // A byte order mark stays at the very start.
     const auto body = skipByteOrderMark(text);
     const auto mark = text.substr(0, text.size() - body.size());
     const auto lines = splitOn(body, '\n');

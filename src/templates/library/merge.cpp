@@ -20,7 +20,7 @@ constexpr std::array<std::string_view, 2> commandDirectives{"%preprocess", "%pro
 constexpr std::string_view commandIndent = "        ";
 
 /// A directive line with the lines that belong to it. The word is empty for the lines before the first
-/// directive, the `$name` line among them.
+/// directive, which include the `$name` line.
 struct Section {
     std::string_view word;
     std::size_t begin = 0;
@@ -29,9 +29,9 @@ struct Section {
 
 std::vector<Section> sectionsOf(const Lines& lines) {
     std::vector<Section> sections{{}};
-    HeredocState heredoc;
+    HeredocWalk heredoc;
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        if (const auto text = trim(lines[i]); !takesLine(heredoc, lines[i]) && text.starts_with('%')) {
+        if (const auto text = trim(lines[i]); !heredoc.takesLine(lines[i]) && text.starts_with('%')) {
             sections.push_back({splitBlank(text).front(), i, i});
         }
         sections.back().end = i + 1;
@@ -46,7 +46,7 @@ std::vector<Section> sectionsNamed(const std::vector<Section>& sections, std::st
     return found;
 }
 
-/// The trimmed lines behind the directive lines of all these sections, without the empty ones.
+/// The trimmed lines after the directive lines of all these sections, without the empty ones.
 std::vector<std::string_view> commandsOf(const Lines& lines, const std::vector<Section>& sections) {
     std::vector<std::string_view> commands;
     for (const auto& section : sections) {
@@ -87,8 +87,7 @@ void addBlock(MergedGroup& group, Lines&& lines) {
     if (same == group.variants.end()) {
         group.variants.push_back(std::move(variant));
     } else {
-        // What is added never holds a counting %source or %keywords line that `same` lacks, so the values
-        // stay.
+        // Both have the same source and keywords, so those of `same` remain right.
         same->lines = foldLines(same->lines, variant.lines);
     }
 }
@@ -99,11 +98,11 @@ MergedVariant makeVariant(Lines lines) {
     MergedVariant variant{std::move(lines), {}, {}};
     bool hasSource = false;
     bool hasKeywords = false;
-    HeredocState heredoc;
+    HeredocWalk heredoc;
     for (const auto& line : variant.lines) {
         const auto text = trim(line);
         const auto blank = text.find(' ');
-        if (takesLine(heredoc, line) || blank == std::string_view::npos) {
+        if (heredoc.takesLine(line) || blank == std::string_view::npos) {
             continue;
         }
         if (!hasSource && text.starts_with("%source")) {
@@ -134,7 +133,8 @@ Lines foldLines(const Lines& base, const Lines& addition) {
         if (others.empty()) {
             append(result, base, section);
         } else if (isFirst) {
-            // A repeated directive counts as one list of commands; the united list stands at its first place.
+            // A repeated directive counts as one list of commands,
+            // which is written in the place of the first.
             result.push_back(base[section.begin]);
             for (const auto command : shortestCommonSupersequence(
                      commandsOf(base, sectionsNamed(own, section.word)), commandsOf(addition, others))) {

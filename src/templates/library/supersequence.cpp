@@ -16,78 +16,79 @@ using Symbols = std::vector<std::uint32_t>;
 using Bits = std::vector<std::uint64_t>;
 constexpr std::size_t wordBits = 64;
 
-/// Gives equal lines equal numbers.
+/// Assigns equal numbers to equal lines.
 class SymbolTable {
   public:
     Symbols number(const std::string_view* begin, const std::string_view* end) {
         Symbols symbols;
         for (; begin != end; ++begin) {
             symbols.push_back(
-                numbers.try_emplace(*begin, static_cast<std::uint32_t>(numbers.size())).first->second);
+                numbers_.try_emplace(*begin, static_cast<std::uint32_t>(numbers_.size())).first->second);
         }
         return symbols;
     }
-    [[nodiscard]] std::size_t size() const noexcept { return numbers.size(); }
+    [[nodiscard]] std::size_t size() const noexcept { return numbers_.size(); }
 
   private:
-    std::unordered_map<std::string_view, std::uint32_t> numbers;
+    std::unordered_map<std::string_view, std::uint32_t> numbers_;
 };
 
-/// For every symbol the places where it stands in a text, as a bit row.
+/// The places of every symbol in a text, as a bit row.
 class PlaceMasks {
   public:
     PlaceMasks(const Symbols& text, std::size_t symbolCount)
-        : places(symbolCount), frequent(symbolCount), scratch((text.size() + wordBits - 1) / wordBits) {
+        : places_(symbolCount), frequent_(symbolCount), scratch_((text.size() + wordBits - 1) / wordBits) {
         for (std::size_t i = 0; i < text.size(); ++i) {
-            places[text[i]].push_back(i);
+            places_[text[i]].push_back(i);
         }
     }
-    /// Valid until the next call.
+    /// The row of a symbol; valid until the next call.
     const Bits& of(std::uint32_t symbol) {
-        // A symbol with more places than the row has words is kept as a row: there are at most 64 of them.
-        // The others are set one by one, which costs no more than the walk over the row that follows.
-        if (places[symbol].size() > scratch.size()) {
-            Bits& row = frequent[symbol];
+        // A symbol with more places than the row has words is stored as a row:
+        // there are at most 64 of them. For the others, the bits are set one
+        // by one, which costs no more than the walk over the row that follows.
+        if (places_[symbol].size() > scratch_.size()) {
+            Bits& row = frequent_[symbol];
             if (row.empty()) {
-                row.resize(scratch.size());
+                row.resize(scratch_.size());
                 flip(row, symbol);
             }
             return row;
         }
-        flip(scratch, inScratch);
-        flip(scratch, symbol);
-        inScratch = symbol;
-        return scratch;
+        flip(scratch_, inScratch_);
+        flip(scratch_, symbol);
+        inScratch_ = symbol;
+        return scratch_;
     }
 
   private:
     void flip(Bits& row, std::uint32_t symbol) const {
-        if (symbol < places.size()) {
-            for (const auto place : places[symbol]) {
+        if (symbol < places_.size()) {
+            for (const auto place : places_[symbol]) {
                 row[place / wordBits] ^= std::uint64_t{1} << place % wordBits;
             }
         }
     }
 
-    std::vector<std::vector<std::size_t>> places;
-    std::vector<Bits> frequent;
-    Bits scratch;
-    std::uint32_t inScratch = UINT32_MAX;
+    std::vector<std::vector<std::size_t>> places_;
+    std::vector<Bits> frequent_;
+    Bits scratch_;
+    std::uint32_t inScratch_ = UINT32_MAX;
 };
 
 /// The lengths of the longest common subsequences of all prefixes of two texts. Row i, for the first i
-/// symbols of `first`, is a bit row over `second`: a cleared bit says that the length grows at that place.
-/// Rows follow from one another with a few word operations, so only every k-th one is kept and the rows
-/// between two of them are made again when they are asked for, from the last to the first.
+/// symbols of `first`, is a bit row over `second`: a cleared bit means that the length grows at that place.
+/// Each row follows from the one before with a few operations per word, so only every k-th row is kept; those
+/// between two kept ones are computed again when they are needed, from the last to the first.
 class CommonLengths {
   public:
     CommonLengths(const Symbols& first, const Symbols& second, std::size_t symbolCount)
-        : first_(first), masks(second, symbolCount),
-          step(static_cast<std::size_t>(std::sqrt(static_cast<double>(first.size()))) + 1) {
+        : first_(first), masks_(second, symbolCount),
+          step_(static_cast<std::size_t>(std::sqrt(static_cast<double>(first.size()))) + 1) {
         Bits row((second.size() + wordBits - 1) / wordBits, ~std::uint64_t{0});
         for (std::size_t i = 0;; ++i) {
-            if (i % step == 0) {
-                kept.push_back(row);
+            if (i % step_ == 0) {
+                kept_.push_back(row);
             }
             if (i == first.size()) {
                 break;
@@ -96,8 +97,8 @@ class CommonLengths {
         }
     }
 
-    /// The length for the first `i` and the first `j` symbols; `i` may not grow by more than one from call to
-    /// call if the cost is to stay low.
+    /// The length for the first `i` and the first `j` symbols. The cost is low as long as `i` falls, or grows
+    /// by at most one, from call to call.
     std::size_t at(std::size_t i, std::size_t j) {
         const Bits& row = rowOf(i);
         std::size_t grown = 0;
@@ -112,7 +113,7 @@ class CommonLengths {
 
   private:
     void advance(Bits& row, std::uint32_t symbol) {
-        const Bits& mask = masks.of(symbol);
+        const Bits& mask = masks_.of(symbol);
         std::uint64_t carry = 0;
         for (std::size_t word = 0; word < row.size(); ++word) {
             const std::uint64_t old = row[word];
@@ -124,27 +125,27 @@ class CommonLengths {
         }
     }
 
-    /// The window holds the rows from one kept row to the next, that one included: the walk compares row i
-    /// with row i - 1, and both lie in one window.
+    /// The window reaches from one kept row to the next, inclusive: the walk compares row i with row i - 1,
+    /// so both have to lie in the same window.
     const Bits& rowOf(std::size_t i) {
-        if (window.empty() || i < windowStart || i >= windowStart + window.size()) {
-            windowStart = i / step * step;
-            window.assign(1, kept[i / step]);
-            while (window.size() <= step && windowStart + window.size() <= first_.size()) {
-                Bits next = window.back();
-                advance(next, first_[windowStart + window.size() - 1]);
-                window.push_back(std::move(next));
+        if (window_.empty() || i < windowStart_ || i >= windowStart_ + window_.size()) {
+            windowStart_ = i / step_ * step_;
+            window_.assign(1, kept_[i / step_]);
+            while (window_.size() <= step_ && windowStart_ + window_.size() <= first_.size()) {
+                Bits next = window_.back();
+                advance(next, first_[windowStart_ + window_.size() - 1]);
+                window_.push_back(std::move(next));
             }
         }
-        return window[i - windowStart];
+        return window_[i - windowStart_];
     }
 
     const Symbols& first_;
-    PlaceMasks masks;
-    std::size_t step;
-    std::vector<Bits> kept;
-    std::vector<Bits> window;
-    std::size_t windowStart = 0;
+    PlaceMasks masks_;
+    std::size_t step_;
+    std::vector<Bits> kept_;
+    std::vector<Bits> window_;
+    std::size_t windowStart_ = 0;
 };
 
 } // namespace
@@ -164,8 +165,8 @@ std::vector<std::string_view> shortestCommonSupersequence(const Lines& first, co
     const auto a = table.number(first.data() + front, first.data() + first.size() - back);
     const auto b = table.number(second.data() + front, second.data() + second.size() - back);
     CommonLengths common(a, b, table.size());
-    // From the ends to the fronts; the supersequence of the first i and the first j lines is i + j - common
-    // long.
+    // From the ends to the beginnings; the supersequence of the first i and the first j lines has
+    // i + j - common.at(i, j) lines.
     Lines reversed(first.rbegin(), first.rbegin() + static_cast<std::ptrdiff_t>(back));
     std::size_t i = a.size();
     std::size_t j = b.size();

@@ -5,10 +5,12 @@
 
 namespace morquill::templates {
 
-/// The shortest list of lines that holds the lines of `first` and those of `second`, each in their own order.
-/// Where several are equally short, lines of `first` come before lines of `second`. The views point into the
-/// arguments. For n and m lines: time n*m/64 word operations, memory about sqrt(n)*m/4 bytes, both on what is
-/// left when common lines at both ends are cut.
+/// Returns the shortest list of lines that contains the lines of `first` and those
+/// of `second`, each in their own order. Where several are equally short, lines of
+/// `first` come before lines of `second`. The views are those of the arguments.
+///
+/// For n and m lines between common ones at both ends, it takes
+/// about n*m/64 word operations and sqrt(n)*m/4 bytes of memory.
 [[nodiscard]] std::vector<std::string_view>
 shortestCommonSupersequence(const std::vector<std::string_view>& first,
                             const std::vector<std::string_view>& second);

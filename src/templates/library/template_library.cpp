@@ -30,7 +30,7 @@ void addTemplate(const FoundFile& file, TemplateLibrary& library) {
     TaskTemplate entry;
     entry.name = file.stem;
     entry.category = file.folder.empty() ? "General" : file.folder;
-    entry.variables = scanPlaceholders(content, true);
+    entry.variables = scanPlaceholders(content, BuiltIns::drop);
     entry.blocks = splitTemplateBlocks(content).blocks;
     entry.content = content;
     library.templates.push_back(std::move(entry));

@@ -12,7 +12,7 @@ namespace morquill::templates {
 
 namespace {
 
-/// Filled in for every task when it is written out.
+/// The names that are filled in for every task when it is run.
 constexpr std::array<std::string_view, 4> taskNames{"inputname", "taskname", "rootname", "originname"};
 
 bool isBuiltIn(std::string_view name) {
@@ -21,7 +21,7 @@ bool isBuiltIn(std::string_view name) {
 }
 
 std::string_view headerName(std::string_view line) noexcept {
-    // Most lines are no headers; only those that may be are freed of their comment.
+    // Most lines are not headers; only those that may be are stripped of their comment.
     return trimLeft(line).starts_with('$') ? taskdsl::taskHeaderName(taskdsl::cleanLine(line))
                                            : std::string_view{};
 }
@@ -34,9 +34,11 @@ bool isAutorun(std::string_view line) noexcept {
 
 } // namespace
 
-bool takesLine(HeredocState& heredoc, std::string_view line) {
-    if (heredoc.open) {
-        heredoc.open = trim(line) != heredoc.terminator;
+bool HeredocWalk::takesLine(std::string_view line) {
+    if (terminator_) {
+        if (trim(line) == *terminator_) {
+            terminator_.reset();
+        }
         return true;
     }
     if (!trimLeft(line).starts_with('%')) {
@@ -46,8 +48,7 @@ bool takesLine(HeredocState& heredoc, std::string_view line) {
     const auto value = trim(directive.substr(std::min(directive.find(' '), directive.size())));
     if (value.starts_with("<<")) {
         const auto word = trim(value.substr(2));
-        heredoc.terminator = word.empty() ? "EOF" : word;
-        heredoc.open = true;
+        terminator_ = word.empty() ? "EOF" : word;
     }
     return false;
 }
@@ -55,9 +56,9 @@ bool takesLine(HeredocState& heredoc, std::string_view line) {
 TemplateParts splitTemplateBlocks(std::string_view text) {
     TemplateParts parts;
     std::vector<std::string>* current = &parts.headLines;
-    HeredocState heredoc;
+    HeredocWalk heredoc;
     for (auto& line : splitOn(text, '\n')) {
-        const bool quoted = current != &parts.headLines && takesLine(heredoc, line);
+        const bool quoted = current != &parts.headLines && heredoc.takesLine(line);
         if (const auto name = quoted ? std::string_view{} : headerName(line); !name.empty()) {
             const auto [block, isNew] = parts.blocks.try_emplace(std::string(name));
             if (isNew) {
@@ -71,15 +72,15 @@ TemplateParts splitTemplateBlocks(std::string_view text) {
     return parts;
 }
 
-std::vector<std::string> scanPlaceholders(std::string_view text, bool dropBuiltIns) {
+std::vector<std::string> scanPlaceholders(std::string_view text, BuiltIns builtIns) {
     std::set<std::string_view> names;
     for (auto open = text.find('['); open != std::string_view::npos;) {
         const auto close = text.find(']', open + 1);
         if (close == std::string_view::npos) {
-            break; // no later bracket can be closed either
+            break; // no later bracket is closed either
         }
         const auto name = text.substr(open + 1, close - open - 1);
-        if (!name.empty() && !(dropBuiltIns && isBuiltIn(name))) {
+        if (!name.empty() && !(builtIns == BuiltIns::drop && isBuiltIn(name))) {
             names.insert(name);
         }
         open = text.find('[', close);

@@ -1,44 +1,50 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// A template is an ordinary task file seen as text: a head and `$name` blocks. Nothing here parses the task
-/// language beyond what is needed to find the blocks.
+/// A template is an ordinary task file seen as text: a head and `$name` blocks. The task language is read
+/// only as far as needed to find the blocks.
 namespace morquill::templates {
 
-/// Whether a walk over the lines of a block stands inside a heredoc. Give every line to `takesLine` once.
-struct HeredocState {
-    std::string terminator;
-    bool open = false;
+/// Follows the lines of a block and knows which of them belong to a heredoc.
+class HeredocWalk {
+  public:
+    /// Takes the next line and returns whether it belongs to a heredoc, whose
+    /// terminator line does. The directive line that opens one, with a value
+    /// that begins with `<<`, does not. An empty terminator means "EOF".
+    [[nodiscard]] bool takesLine(std::string_view line);
+
+  private:
+    std::optional<std::string> terminator_; ///< of the open heredoc
 };
 
-/// True when the line is text of an open heredoc (its terminator line included); a directive line whose value
-/// begins with `<<` opens one and is itself no such text. An empty terminator is "EOF".
-[[nodiscard]] bool takesLine(HeredocState& heredoc, std::string_view line);
-
-/// A template taken apart.
+/// The parts of a template.
 struct TemplateParts {
     std::vector<std::string> headLines;  ///< the lines before the first block
     std::vector<std::string> blockOrder; ///< block names in order of first appearance
-    /// Block name to its lines, the `$name` line first. Of two blocks with one name the later counts.
+    /// Block name to its lines, the `$name` line first. Of two blocks with one name, the later counts.
     std::map<std::string, std::vector<std::string>, std::less<>> blocks;
 };
 
-/// Splits a text into head and blocks. A text that ends in a line feed has an empty last line. No line inside
-/// a heredoc opens a block, and neither does a `$` without a name.
+/// Splits a text into head and blocks. A text that ends in a line feed has an empty last line. Neither a line
+/// inside a heredoc nor a `$` without a name opens a block.
 [[nodiscard]] TemplateParts splitTemplateBlocks(std::string_view text);
 
-/// The names in square brackets (pattern `\[([^\]]+)\]`), sorted, each once. With `dropBuiltIns`, without
-/// those that are filled in when a task is run: the names of the input and the task, and the placeholders of
-/// its source, which may not be defined.
-[[nodiscard]] std::vector<std::string> scanPlaceholders(std::string_view text, bool dropBuiltIns);
+/// Whether to include the names that are filled in when a task is run: those of the input and the task, and
+/// the placeholders of its source. They cannot be defined.
+enum class BuiltIns : std::uint8_t { keep, drop };
 
-/// The text with one setting `autorun: true` in its head: the first unindented `autorun` key is rewritten and
-/// later ones are dropped; a text without any head line gets one.
+/// Returns the names in square brackets (pattern `\[([^\]]+)\]`), sorted, each once.
+[[nodiscard]] std::vector<std::string> scanPlaceholders(std::string_view text, BuiltIns builtIns);
+
+/// Returns the text with `autorun: true` in its head: the first unindented `autorun` key there is rewritten
+/// and later ones are dropped; an empty head gets the setting. A head without the key stays as it is.
 [[nodiscard]] std::string withAutorun(std::string_view text);
 
 } // namespace morquill::templates

@@ -6,19 +6,19 @@
 
 namespace morquill::templates {
 
-/// A file met on the walk, with the parts of its path.
+/// A file found by the walk, with the parts of its path.
 struct FoundFile {
     std::string path;
     std::string stem;      ///< file name without its extension
-    std::string extension; ///< from the last dot on; empty for a name that only begins with a dot
-    std::string folder;    ///< name of the directory that it lies in; empty for the start directory itself
+    std::string extension; ///< from the last dot on; empty when the only dot begins the name
+    std::string folder;    ///< name of its directory; empty for the start directory itself
 };
 
-/// Calls `visit` for every regular file (a link to one counts) below a directory, in the order in which the
-/// file system yields them. Links to directories are not followed, unreadable directories are passed over.
+/// Calls `visit` for every regular file, or link to one, below a directory, in the order of the file system.
+/// Links to directories are not followed, and unreadable directories are skipped.
 void walkRegularFiles(const std::string& directory, const std::function<void(const FoundFile&)>& visit);
 
-/// A path in double quotes, with inner double quotes and backslashes behind a backslash.
+/// Returns a path in double quotes, with a backslash before inner double quotes and backslashes.
 [[nodiscard]] std::string quotedPath(std::string_view path);
 
 } // namespace morquill::templates

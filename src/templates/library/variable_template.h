@@ -17,14 +17,14 @@ struct VariableTemplate {
 };
 
 /// Reads the small YAML subset of these files line by line: `name:`, `description:` and an indented
-/// `variables:` section. Without a `name:` the default name is taken. The path is left empty.
+/// `variables:` section. Without a `name:`, the default name is used. The path stays empty.
 [[nodiscard]] VariableTemplate parseVariableTemplate(std::string_view text, std::string_view defaultName);
 
-/// All `.yaml` and `.yml` files under the directories of a `:`-separated list, in order of discovery. A file
-/// that cannot be read is reported on standard error and left out.
+/// Loads all `.yaml` and `.yml` files below the directories of a `:`-separated list, in order of discovery. A
+/// file that cannot be read is reported on standard error and left out.
 [[nodiscard]] std::vector<VariableTemplate> loadVariableTemplates(std::string_view pathList);
 
-/// The first one with exactly that name; null when there is none.
+/// Returns the first one with exactly that name; null when there is none.
 [[nodiscard]] const VariableTemplate* findVariableTemplate(const std::vector<VariableTemplate>& templates,
                                                            std::string_view name);
 

@@ -13,14 +13,14 @@ namespace morquill::templates {
 
 namespace {
 
-/// The screen as the user sees it: what was printed and typed since it was last cleared, so that it can be
-/// shown again after somebody else has used the terminal.
+/// The screen as the user sees it: everything printed and typed since it was last cleared, so that it can be
+/// drawn again after another program has used the terminal.
 class Screen {
   public:
     Screen() = default;
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
-    /// However the selector is left, the cursor is there afterwards.
+    /// Shows the cursor, however the selector is left.
     ~Screen() {
         if (cursor_ == system::hideCursor) {
             console::writeOut(system::showCursor);

@@ -2,8 +2,8 @@
 
 namespace morquill::templates {
 
-/// The full-screen template selector on standard input and output. Gives the exit status: 1 when there is no
-/// template at all, otherwise 0.
+/// Runs the full-screen template selector on standard input and output. Returns the exit status: 1 when there
+/// is no template at all, otherwise 0.
 [[nodiscard]] int runSelector();
 
 } // namespace morquill::templates

@@ -13,19 +13,13 @@ namespace morquill::templates {
 
 namespace {
 
-/// Waits for a key; false at the end of input.
-bool waitForKey(const SelectorConsole& console) {
-    console.print("Press any key to continue...");
-    return console.readKey() != key::endOfInput;
-}
+/// Whether a dialogue has another round.
+enum class Dialogue : std::uint8_t { open, over };
 
-/// The index that the text names, from 0; nothing unless it is a number from 1 to `count`.
-std::optional<std::size_t> readIndex(std::string_view text, std::size_t count) {
-    const auto number = readPositiveInt(trim(text));
-    if (!number || static_cast<std::size_t>(*number) > count) {
-        return std::nullopt;
-    }
-    return static_cast<std::size_t>(*number) - 1;
+/// Waits for a key; the end of input ends the selector.
+AfterDialogue waitForKey(const SelectorConsole& console) {
+    console.print("Press any key to continue...");
+    return console.readKey() == key::endOfInput ? AfterDialogue::quit : AfterDialogue::goOn;
 }
 
 std::string note(std::string_view text) {
@@ -40,7 +34,7 @@ std::string numbered(std::size_t index) {
     return "  [" + std::to_string(index + 1) + "] ";
 }
 
-/// What a template says about the variables in question.
+/// The values that a variable template has for the given names, as shown in the dialogue.
 std::string matchingValues(const VariableTemplate& entry, const std::vector<std::string>& names) {
     std::vector<std::string> pairs;
     for (const auto& name : names) {
@@ -51,12 +45,13 @@ std::string matchingValues(const VariableTemplate& entry, const std::vector<std:
     return pairs.empty() ? "(no matching variables)" : "(" + join(pairs, ", ") + ")";
 }
 
-/// The part of the dialogue that takes values from a variable template. False at the end of input.
-bool loadValues(SelectorState& state, const std::vector<std::string>& names, const SelectorConsole& console) {
+/// Takes values from a variable template. The end of input ends the dialogue.
+Dialogue loadValues(SelectorState& state, const std::vector<std::string>& names,
+                    const SelectorConsole& console) {
     const auto& templates = state.variableTemplates;
     if (templates.empty()) {
         console.print(note("No matching variable templates were found under the template directory.\n\n"));
-        return true;
+        return Dialogue::open;
     }
     std::string text = note("choose a variable template to load:\n");
     for (std::size_t i = 0; i < templates.size(); ++i) {
@@ -65,12 +60,12 @@ bool loadValues(SelectorState& state, const std::vector<std::string>& names, con
     console.print(text + note("Template index?: "));
     const auto answer = console.readLine();
     if (!answer) {
-        return false;
+        return Dialogue::over;
     }
-    const auto index = readIndex(*answer, templates.size());
+    const auto index = readMenuIndex(*answer, templates.size(), MenuSign::none);
     if (!index) {
         console.print(note("Invalid template index\n\n"));
-        return true;
+        return Dialogue::open;
     }
     const auto& values = templates[*index].values;
     for (const auto& name : names) {
@@ -79,29 +74,30 @@ bool loadValues(SelectorState& state, const std::vector<std::string>& names, con
         }
     }
     console.print(note("done.\n\n"));
-    return true;
+    return Dialogue::open;
 }
 
-/// The part of the dialogue that sets one variable. False at the end of input.
-bool setValue(SelectorState& state, const std::vector<std::string>& names, std::string_view answer,
-              const SelectorConsole& console) {
-    const auto index = readIndex(answer, names.size());
+/// Sets one variable. The end of input ends the dialogue.
+Dialogue setValue(SelectorState& state, const std::vector<std::string>& names, std::string_view answer,
+                  const SelectorConsole& console) {
+    const auto index = readMenuIndex(answer, names.size(), MenuSign::none);
     if (!index) {
         console.print(note("Invalid variable index\n\n"));
-        return true;
+        return Dialogue::open;
     }
     console.print(note("input a new value: "));
     auto value = console.readLine();
     if (!value) {
-        return false;
+        return Dialogue::over;
     }
     state.variableValues.insert_or_assign(names[*index], std::move(*value));
     console.print(note("done.\n\n"));
-    return true;
+    return Dialogue::open;
 }
 
-/// One round of the dialogue. False when the user leaves it.
-bool editOnce(SelectorState& state, const std::vector<std::string>& names, const SelectorConsole& console) {
+/// One round of the dialogue, which ends when the user leaves it.
+Dialogue editOnce(SelectorState& state, const std::vector<std::string>& names,
+                  const SelectorConsole& console) {
     std::string text = note("Variables used by selected templates:\n");
     for (std::size_t i = 0; i < names.size(); ++i) {
         text += numbered(i) + names[i] + " = " + shownValue(state, names[i]) + "\n";
@@ -113,7 +109,7 @@ bool editOnce(SelectorState& state, const std::vector<std::string>& names, const
     const auto line = console.readLine();
     const auto answer = line ? trim(*line) : std::string_view("q");
     if (equalsNoCase(answer, "q")) {
-        return false;
+        return Dialogue::over;
     }
     return equalsNoCase(answer, "t") ? loadValues(state, names, console)
                                      : setValue(state, names, answer, console);
@@ -123,7 +119,7 @@ std::string outputName(const std::string& answer) {
     if (answer.empty()) {
         return "generated_task.mq";
     }
-    // Anywhere in the name: "task.mq.old" stays as the user wrote it.
+    // Anywhere in the name, so that "task.mq.old" stays as the user wrote it.
     return answer.find(".mq") == std::string::npos ? answer + ".mq" : answer;
 }
 
@@ -138,38 +134,39 @@ std::string describeValues(const SelectorState& state) {
 
 } // namespace
 
-SelectorState editVariables(SelectorState state, const SelectorConsole& console, bool& quit) {
+DialogueEnd editVariables(SelectorState state, const SelectorConsole& console) {
     console.print(system::showCursor);
     console.clearScreen();
     console.print("=== Edit variables ===\n\n");
     const auto names = selectedVariables(state);
+    auto after = AfterDialogue::goOn;
     if (names.empty()) {
         console.print("The selected templates have no required variables\n\n");
-        quit = !waitForKey(console);
+        after = waitForKey(console);
     } else {
-        while (editOnce(state, names, console)) {
+        while (editOnce(state, names, console) == Dialogue::open) {
         }
     }
     state.previewText = composePreview(state);
     console.print(system::hideCursor);
-    return state;
+    return {std::move(state), after};
 }
 
-SelectorState generateTaskFile(SelectorState state, const SelectorConsole& console, bool& quit) {
+DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console) {
     console.print(system::showCursor);
     console.clearScreen();
     console.print("=== Generate task file ===\n\n");
     if (state.selected.empty()) {
         console.print(error("no templates selected\n\n"));
-        quit = !waitForKey(console);
+        const auto after = waitForKey(console);
         console.print(system::hideCursor);
-        return state;
+        return {std::move(state), after};
     }
     console.print("Output filename (default: generated_task.mq): ");
     const auto answer = console.readLine();
-    if (!answer) { // no answer is no consent to overwrite a file
+    if (!answer) { // the end of input is no consent to overwrite a file
         console.print(system::hideCursor);
-        return state;
+        return {std::move(state), AfterDialogue::goOn};
     }
     const std::string name = outputName(*answer);
     state.previewText = composePreview(state);
@@ -180,32 +177,33 @@ SelectorState generateTaskFile(SelectorState state, const SelectorConsole& conso
     }
     console.print("\nPress q to quit, or any other key to continue editing...");
     const auto pressed = console.readKey();
-    quit = pressed == 'q' || pressed == key::endOfInput;
-    if (!quit) {
-        console.print(system::hideCursor);
+    if (pressed == 'q' || pressed == key::endOfInput) {
+        return {std::move(state), AfterDialogue::quit};
     }
-    return state;
+    console.print(system::hideCursor);
+    return {std::move(state), AfterDialogue::goOn};
 }
 
 void runSelectorLoop(SelectorState state, const SelectorConsole& console) {
     console.print(system::hideCursor);
-    for (bool quit = false; !quit;) {
-        state = scrollToCursors(std::move(state));
+    DialogueEnd turn{std::move(state)};
+    while (turn.after == AfterDialogue::goOn) {
+        turn.state = scrollToCursors(std::move(turn.state));
         console.clearScreen();
-        console.print(currentScreen(state));
-        auto step = pressKey(std::move(state), console.readKey());
-        state = std::move(step.state);
+        console.print(currentScreen(turn.state));
+        auto step = pressKey(std::move(turn.state), console.readKey());
         switch (step.action) {
         case SelectorAction::none:
+            turn = {std::move(step.state), AfterDialogue::goOn};
             break;
         case SelectorAction::quit:
-            quit = true;
+            turn = {std::move(step.state), AfterDialogue::quit};
             break;
         case SelectorAction::edit:
-            state = editVariables(std::move(state), console, quit);
+            turn = editVariables(std::move(step.state), console);
             break;
         case SelectorAction::generate:
-            state = generateTaskFile(std::move(state), console, quit);
+            turn = generateTaskFile(std::move(step.state), console);
             break;
         }
     }

@@ -10,22 +10,31 @@
 
 namespace morquill::templates {
 
-/// What the selector speaks through: the terminal, or a script in tests.
+/// The input and output of the selector: the terminal, or a script in tests.
 struct SelectorConsole {
     std::function<void(std::string_view text)> print;
     std::function<void()> clearScreen;
     std::function<std::int32_t()> readKey;
-    /// One line without its line end; nothing at the end of input.
+    /// Reads one line, without its line end; nothing at the end of input.
     std::function<std::optional<std::string>()> readLine;
 };
 
-/// The line-by-line dialogue that sets variables. Sets `quit` when the input ended at a key.
-[[nodiscard]] SelectorState editVariables(SelectorState state, const SelectorConsole& console, bool& quit);
+/// Whether the selector goes on after a dialogue.
+enum class AfterDialogue : std::uint8_t { goOn, quit };
 
-/// Asks for a file name and writes the task file. Sets `quit` when the user is done.
-[[nodiscard]] SelectorState generateTaskFile(SelectorState state, const SelectorConsole& console, bool& quit);
+/// The result of a dialogue.
+struct DialogueEnd {
+    SelectorState state;
+    AfterDialogue after = AfterDialogue::goOn;
+};
 
-/// Shows screens and takes keys until the user leaves. The cursor is hidden meanwhile and shown afterwards.
+/// Sets variables in a dialogue line by line. The selector ends when the input ends while a key is awaited.
+[[nodiscard]] DialogueEnd editVariables(SelectorState state, const SelectorConsole& console);
+
+/// Asks for a file name and writes the task file. The selector ends when the user wants no more.
+[[nodiscard]] DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console);
+
+/// Shows screens and takes keys until the user quits. Meanwhile, the cursor is hidden.
 void runSelectorLoop(SelectorState state, const SelectorConsole& console);
 
 } // namespace morquill::templates

@@ -36,7 +36,7 @@ constexpr std::string_view variableExample = "name: \"Basic DFT setup\"\n"
                                              "  func: \"B3LYP\"\n"
                                              "  basis: \"6-31G(d)\"\n";
 
-/// The rows of a list that are in view.
+/// The visible rows of a list.
 struct View {
     std::size_t begin = 0;
     std::size_t end = 0;

@@ -6,7 +6,7 @@
 
 namespace morquill::templates {
 
-/// The whole text of the screen that the state shows. The lists are shown from their scroll offsets on.
+/// Returns the whole text of the screen for a state. Lists are shown from their scroll offsets on.
 [[nodiscard]] std::string currentScreen(const SelectorState& state);
 
 } // namespace morquill::templates

@@ -12,7 +12,7 @@ namespace morquill::templates {
 
 namespace {
 
-/// A cursor moved by one row; it stops at both ends of a list.
+/// Moves a cursor by one row; it stops at both ends of the list.
 template <class T>
 std::int32_t moved(std::int32_t cursor, std::int32_t by, const std::vector<T>& list) noexcept {
     return std::clamp(cursor + by, 0, std::max(static_cast<std::int32_t>(list.size()) - 1, 0));
@@ -91,7 +91,7 @@ SelectorAction leaveVariables(SelectorState& state) {
     return SelectorAction::none;
 }
 
-/// One key of a screen; keys that are not listed do nothing.
+/// A key of a screen; keys that are not listed do nothing.
 struct KeyRow {
     std::int32_t pressed;
     KeyEffect effect;
@@ -220,7 +220,7 @@ std::string composePreview(const SelectorState& state) {
         }
     }
     std::string text = mergeTemplateTexts(texts);
-    if (const auto names = scanPlaceholders(text, true); !names.empty()) {
+    if (const auto names = scanPlaceholders(text, BuiltIns::drop); !names.empty()) {
         text = buildDefineSection(names, state.variableValues) + "\n\n" + text;
     }
     return withAutorun(text);

@@ -27,22 +27,22 @@ std::vector<std::string> read(std::string_view stream) {
 
 using Found = std::vector<std::string>;
 
-TEST(Framing, readsOneBodyAfterTheOther) {
+TEST(Framing, ReadsOneBodyAfterTheOther) {
     EXPECT_EQ(read("Content-Length: 2\r\n\r\n{}Content-Length: 4\r\n\r\nnull"), (Found{"{}", "null"}));
 }
 
-TEST(Framing, writesWhatItReads) {
+TEST(Framing, WritesWhatItReads) {
     EXPECT_EQ(frameOf("{}"), "Content-Length: 2\r\n\r\n{}");
     EXPECT_EQ(read(frameOf("") + frameOf("a\r\n\r\nb")), (Found{"", "a\r\n\r\nb"}));
 }
 
-TEST(Framing, takesOtherFieldsAnyCaseAndBareLineFeeds) {
+TEST(Framing, TakesOtherFieldsAnyCaseAndBareLineFeeds) {
     EXPECT_EQ(read("Content-Type: application/vscode-jsonrpc; charset=utf-8\r\ncontent-length:2\r\n\r\n{}"),
               (Found{"{}"}));
     EXPECT_EQ(read("Content-Length: 2\n\n{}"), (Found{"{}"}));
 }
 
-TEST(Framing, waitsForEveryByte) {
+TEST(Framing, WaitsForEveryByte) {
     const std::string stream = "Content-Length: 4\r\n\r\nnull" + frameOf("{}");
     FrameReader reader;
     Found found;
@@ -60,7 +60,7 @@ struct BrokenCase {
     std::string_view fault;
 };
 
-TEST(Framing, aBrokenFrameCostsItselfAlone) {
+TEST(Framing, ABrokenFrameCostsItselfAlone) {
     const BrokenCase cases[] = {
         {"Content-Length: two\r\n\r\n", "! a header has no Content-Length"},
         {"Content-Length: -2\r\n\r\n", "! a header has no Content-Length"},
@@ -77,7 +77,7 @@ TEST(Framing, aBrokenFrameCostsItselfAlone) {
     }
 }
 
-TEST(Framing, passesOverAHeaderWithoutAnEnd) {
+TEST(Framing, PassesOverAHeaderWithoutAnEnd) {
     FrameReader reader;
     reader.feed(std::string(FrameReader::maxHeader + 1, 'x'));
     EXPECT_EQ(readAll(reader), (Found{"! a header is too long"}));
@@ -85,7 +85,7 @@ TEST(Framing, passesOverAHeaderWithoutAnEnd) {
     EXPECT_EQ(readAll(reader), (Found{"{}"}));
 }
 
-TEST(Framing, passesOverABodyThatIsTooLarge) {
+TEST(Framing, PassesOverABodyThatIsTooLarge) {
     const auto size = FrameReader::maxBody + 1;
     FrameReader reader;
     reader.feed("Content-Length: " + std::to_string(size) + "\r\n\r\nabc");

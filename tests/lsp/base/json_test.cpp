@@ -4,7 +4,7 @@ namespace {
 
 using namespace morquill::lsp;
 
-TEST(Json, readsAValue) {
+TEST(Json, ReadsAValue) {
     const auto value = parseJson(R"({"a":{"b":"text","n":7,"t":true,"f":false}})");
     ASSERT_TRUE(value);
     const Json& a = member(*value, "a");
@@ -14,7 +14,7 @@ TEST(Json, readsAValue) {
     EXPECT_FALSE(flagMember(a, "f"));
 }
 
-TEST(Json, whatIsMissingOrOfAnotherTypeIsEmpty) {
+TEST(Json, WhatIsMissingOrOfAnotherTypeIsEmpty) {
     const auto value = parseJson(R"({"n":1.5,"s":"x","big":18446744073709551615,"list":[1]})");
     ASSERT_TRUE(value);
     EXPECT_TRUE(member(*value, "none").is_null());
@@ -26,13 +26,13 @@ TEST(Json, whatIsMissingOrOfAnotherTypeIsEmpty) {
     EXPECT_FALSE(flagMember(*value, "s"));
 }
 
-TEST(Json, refusesWhatIsNone) {
+TEST(Json, RefusesWhatIsNone) {
     for (const auto* text : {"", "{", "{]", "nul", "{\"a\":}", "[1,]", "\"\xff\"", "{} {}"}) {
         EXPECT_FALSE(parseJson(text)) << text;
     }
 }
 
-TEST(Json, refusesNestingBeyondTheBound) {
+TEST(Json, RefusesNestingBeyondTheBound) {
     const auto nested = [](std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
     EXPECT_TRUE(parseJson(nested(maxJsonDepth)));
     EXPECT_FALSE(parseJson(nested(maxJsonDepth + 1)));
@@ -41,7 +41,7 @@ TEST(Json, refusesNestingBeyondTheBound) {
     EXPECT_TRUE(parseJson("\"" + std::string(1000, '[') + "\\\"" + std::string(1000, '[') + "\""));
 }
 
-TEST(Json, printsOneLineWithoutBrokenUtf8) {
+TEST(Json, PrintsOneLineWithoutBrokenUtf8) {
     EXPECT_EQ(dumpJson(Json{{"b", "x\ny"}, {"a", 1}}), R"({"a":1,"b":"x\ny"})");
     EXPECT_EQ(dumpJson(Json("a\xff"
                             "b\xc3\xa4")),

@@ -27,7 +27,7 @@ std::string edited(std::string text, const std::vector<LineEdit>& edits) {
 
 using Edits = std::vector<std::string>;
 
-TEST(LineDiff, touchesWhatDiffersAlone) {
+TEST(LineDiff, TouchesWhatDiffersAlone) {
     EXPECT_EQ(print("a\nb\nc\n", "a\nb\nc\n"), Edits{});
     EXPECT_EQ(print("a\nb\nc\n", "a\nx\nc\n"), (Edits{"2-4 x|"}));
     EXPECT_EQ(print("a\nb\nc\nd\ne\n", "a\nc\nd\ny\ne\n"), (Edits{"2-4 ", "8-8 y|"}));
@@ -36,7 +36,7 @@ TEST(LineDiff, touchesWhatDiffersAlone) {
     EXPECT_EQ(print("a", "a\n"), (Edits{"0-1 a|"}));
 }
 
-TEST(LineDiff, leadsToTheOtherText) {
+TEST(LineDiff, LeadsToTheOtherText) {
     const std::string_view texts[] = {"",     "a\n",          "a\nb\nc\nd\n",   "b\na\nd\nc", "a\na\nb\na\n",
                                       "\n\n", "c\nd\na\nb\n", "x\nb\ny\nd\nz\n"};
     for (const auto from : texts) {
@@ -46,7 +46,7 @@ TEST(LineDiff, leadsToTheOtherText) {
     }
 }
 
-TEST(LineDiff, veryManyDifferencesAreOneEdit) {
+TEST(LineDiff, VeryManyDifferencesAreOneEdit) {
     std::string from = "same\n";
     std::string to = from;
     for (int i = 0; i < 3000; ++i) {

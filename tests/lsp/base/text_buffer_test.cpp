@@ -14,7 +14,7 @@ std::string mixed() {
     return std::string(umlaut) + "b" + std::string(clef) + std::string(euro) + "z";
 }
 
-TEST(TextBuffer, linesEndInEachOfThreeWays) {
+TEST(TextBuffer, LinesEndInEachOfThreeWays) {
     const TextBuffer buffer("a\nbb\r\nccc\rdddd");
     ASSERT_EQ(buffer.lineCount(), 4U);
     EXPECT_EQ(buffer.line(0), (ByteRange{0, 1}));
@@ -26,7 +26,7 @@ TEST(TextBuffer, linesEndInEachOfThreeWays) {
     EXPECT_EQ(TextBuffer("\n\r\n\r").lineCount(), 4U);
 }
 
-TEST(TextBuffer, countsCharactersInTheUnitThatWasAgreedOn) {
+TEST(TextBuffer, CountsCharactersInTheUnitThatWasAgreedOn) {
     const TextBuffer buffer("x\n" + mixed());
     struct Row {
         std::uint32_t utf16;
@@ -43,7 +43,7 @@ TEST(TextBuffer, countsCharactersInTheUnitThatWasAgreedOn) {
     }
 }
 
-TEST(TextBuffer, placesOutsideAreBroughtInside) {
+TEST(TextBuffer, PlacesOutsideAreBroughtInside) {
     const TextBuffer buffer(mixed() + "\r\nb");
     const auto end = mixed().size();
     EXPECT_EQ(buffer.offsetAt({0, 99}, utf16), end);
@@ -59,7 +59,7 @@ TEST(TextBuffer, placesOutsideAreBroughtInside) {
     EXPECT_EQ(PositionWalk(buffer, utf16).at(1), (Position{0, 0}));
 }
 
-TEST(TextBuffer, bytesThatAreNoUtf8CountOneEach) {
+TEST(TextBuffer, BytesThatAreNoUtf8CountOneEach) {
     const std::string text = "\xff\xc3x\xe2\x82y\xf0\x9d\x84";
     const TextBuffer buffer(text);
     for (std::uint32_t i = 0; i <= text.size(); ++i) {
@@ -68,7 +68,7 @@ TEST(TextBuffer, bytesThatAreNoUtf8CountOneEach) {
     }
 }
 
-TEST(TextBuffer, walksForwardAndBack) {
+TEST(TextBuffer, WalksForwardAndBack) {
     const TextBuffer buffer(mixed() + "\n" + mixed());
     PositionWalk walk(buffer, utf16);
     EXPECT_EQ(walk.at(7), (Position{0, 4}));
@@ -79,7 +79,7 @@ TEST(TextBuffer, walksForwardAndBack) {
     EXPECT_EQ(walk.at(0), (Position{0, 0}));
 }
 
-TEST(TextBuffer, theParserCountsLineFeedsAlone) {
+TEST(TextBuffer, TheParserCountsLineFeedsAlone) {
     const TextBuffer buffer("ab\rcd\nef\r\ngh");
     EXPECT_EQ(buffer.sourceOffset(1, 1), 0U);
     EXPECT_EQ(buffer.sourceOffset(1, 4), 3U);
@@ -91,13 +91,13 @@ TEST(TextBuffer, theParserCountsLineFeedsAlone) {
     EXPECT_EQ(buffer.sourceOffset(2, -4), 6U);
 }
 
-TEST(TextBuffer, theParserDoesNotCountAByteOrderMark) {
+TEST(TextBuffer, TheParserDoesNotCountAByteOrderMark) {
     const TextBuffer buffer("\xef\xbb\xbf$a\n$b");
     EXPECT_EQ(buffer.sourceOffset(1, 1), 3U);
     EXPECT_EQ(buffer.sourceOffset(2, 1), 6U);
 }
 
-TEST(TextBuffer, replacesARange) {
+TEST(TextBuffer, ReplacesARange) {
     TextBuffer buffer("one\ntwo\nthree");
     buffer.replace({4, 7}, "2\n2b");
     EXPECT_EQ(buffer.text(), "one\n2\n2b\nthree");
@@ -107,7 +107,7 @@ TEST(TextBuffer, replacesARange) {
     EXPECT_EQ(buffer.lineCount(), 1U);
 }
 
-TEST(TextBuffer, countsUnits) {
+TEST(TextBuffer, CountsUnits) {
     EXPECT_EQ(unitCount(mixed(), utf16), 6U);
     EXPECT_EQ(unitCount(mixed(), utf8), 11U);
 }

@@ -5,7 +5,7 @@ namespace {
 using morquill::lsp::pathOfUri;
 using morquill::lsp::uriOfPath;
 
-TEST(Uri, namesAFile) {
+TEST(Uri, NamesAFile) {
     EXPECT_EQ(pathOfUri("file:///home/a/b.mq"), "/home/a/b.mq");
     EXPECT_EQ(pathOfUri("file://localhost/a.mq"), "/a.mq");
     EXPECT_EQ(pathOfUri("FILE:/a.mq"), "/a.mq");
@@ -13,14 +13,14 @@ TEST(Uri, namesAFile) {
     EXPECT_EQ(pathOfUri("file:///a.mq#L3"), "/a.mq");
 }
 
-TEST(Uri, namesNone) {
+TEST(Uri, NamesNone) {
     for (const auto* uri : {"untitled:Untitled-1", "http://host/a.mq", "file://host/a.mq", "file:a.mq", "",
                             "file:///a%2", "file:///a%zz", "file:///a%00"}) {
         EXPECT_EQ(pathOfUri(uri), std::nullopt) << uri;
     }
 }
 
-TEST(Uri, escapesWhatAUriCannotHold) {
+TEST(Uri, EscapesWhatAUriCannotHold) {
     EXPECT_EQ(uriOfPath("/a b/c#d%e/\xc3\xa4~.mq"), "file:///a%20b/c%23d%25e/%C3%A4~.mq");
     EXPECT_EQ(pathOfUri(uriOfPath("/a?b&c=d+e:f@g")), "/a?b&c=d+e:f@g");
 }

@@ -11,7 +11,7 @@ std::string names(std::string_view condition) {
     return all.substr(all.find('\n') + 1);
 }
 
-TEST(ConditionScan, namesTasksThatHaveToBeCompleted) {
+TEST(ConditionScan, NamesTasksThatHaveToBeCompleted) {
     EXPECT_EQ(names("completed opt"), "1:16 task opt\n");
     EXPECT_EQ(names("COMPLETED allothers"), "");
     EXPECT_EQ(names("completed sp_*"), "1:16 task sp_*\n");
@@ -19,13 +19,13 @@ TEST(ConditionScan, namesTasksThatHaveToBeCompleted) {
     EXPECT_EQ(names("completed band or completed order"), "1:16 task band\n1:34 task order\n");
 }
 
-TEST(ConditionScan, namesTheTasksOfPlaceholders) {
+TEST(ConditionScan, NamesTheTasksOfPlaceholders) {
     EXPECT_EQ(names("{{ opt.energy }} < {{ ts.barrier.x }}"),
               "1:9 task opt\n1:13 property energy < opt\n1:28 task ts\n1:31 property barrier.x < ts\n");
     EXPECT_EQ(names("\"completed a or {{ b.c }}\" = x"), "");
 }
 
-TEST(ConditionScan, joiningWordsAreWords) {
+TEST(ConditionScan, JoiningWordsAreWords) {
     EXPECT_EQ(printWords("$t\n%when completed a AND (defined b OR {{ c.d }} = or)\n", NameKind::word),
               "completed AND defined OR");
 }

@@ -6,7 +6,7 @@ namespace {
 
 using namespace morquill::lsp;
 
-TEST(DeriveScan, namesWhatItsPreambleGives) {
+TEST(DeriveScan, NamesWhatItsPreambleGives) {
     EXPECT_EQ(printNames("@derive d\n"
                          "  let g = free_energy(opt) + energy(\"ts\")\n"
                          "  require nimag(ts) == 1 and g < 0 else \"g\"\n"
@@ -26,7 +26,7 @@ TEST(DeriveScan, namesWhatItsPreambleGives) {
               "5:15 let g\n");
 }
 
-TEST(DeriveScan, namesFormulasProfilesAndBinds) {
+TEST(DeriveScan, NamesFormulasProfilesAndBinds) {
     EXPECT_EQ(printNames("@derive d\n"
                          "  profile q for thermo = (model=\"rrho\")\n"
                          "  formula twice(x) = 2 * x\n"
@@ -57,7 +57,7 @@ TEST(DeriveScan, namesFormulasProfilesAndBinds) {
               "6:21 let s\n");
 }
 
-TEST(DeriveScan, namesWhatItsPipelineGives) {
+TEST(DeriveScan, NamesWhatItsPipelineGives) {
     EXPECT_EQ(printNames("@derive d\n"
                          "  from atoms(neutral) as n\n"
                          "  join atoms(cation) as c on atom.id\n"
@@ -88,7 +88,7 @@ TEST(DeriveScan, namesWhatItsPipelineGives) {
               "7:19 column shift\n");
 }
 
-TEST(DeriveScan, namesPatternsAxesAndTables) {
+TEST(DeriveScan, NamesPatternsAxesAndTables) {
     EXPECT_EQ(printNames("@derive d\n"
                          "  from tasks(\"opt*\", program=\"orca\", template=\"opt\")\n"
                          "  select conformer = matrix_value(\"conf\")\n"

@@ -12,7 +12,7 @@ std::string names(std::string_view body) {
     return all.substr(all.find('\n') + 1);
 }
 
-TEST(DirectiveScan, aSourceNamesItsTasks) {
+TEST(DirectiveScan, ASourceNamesItsTasks) {
     EXPECT_EQ(names("  %source origin\n  %source restart\n"), "");
     EXPECT_EQ(names("  %source opt\n"), "1:10 task opt\n");
     EXPECT_EQ(names("  %source \"two words\"\n"), "1:11 task two words\n");
@@ -23,25 +23,25 @@ TEST(DirectiveScan, aSourceNamesItsTasks) {
         "2:9 task opt\n3:17 path [x].xyz\n3:18 key x\n4:12 task cation\n");
 }
 
-TEST(DirectiveScan, aGuessNamesItsTask) {
+TEST(DirectiveScan, AGuessNamesItsTask) {
     EXPECT_EQ(names("  %control\n    guess true\n    guess opt\n    guess_converter mokit\n"),
               "3:10 task opt\n");
 }
 
-TEST(DirectiveScan, aWordThatIsATasksNameIsNoReference) {
+TEST(DirectiveScan, AWordThatIsATasksNameIsNoReference) {
     EXPECT_EQ(names("  %keywords \"opt freq\"\n  %args opt\n  %process\n    copy opt x\n  %param opt\n"), "");
 }
 
-TEST(DirectiveScan, consumersNameTheirProvider) {
+TEST(DirectiveScan, ConsumersNameTheirProvider) {
     EXPECT_EQ(names("  %interface provider\n  %interface consume opt\n"), "2:21 task opt\n");
 }
 
-TEST(DirectiveScan, keysStandInAnyText) {
+TEST(DirectiveScan, KeysStandInAnyText) {
     EXPECT_EQ(names("  %keywords [f]/[b.c] [no key]\n  %body << EOF\n# [d]\nEOF\n  %mod charge [q]\n"),
               "1:13 key f\n1:17 key b.c\n3:3 key d\n5:15 key q\n");
 }
 
-TEST(DirectiveScan, wordsHaveTheirKinds) {
+TEST(DirectiveScan, WordsHaveTheirKinds) {
     const std::string_view text = "$t\n  %program orca\n  %control\n    totcore 4\n  %nonsense x\n";
     EXPECT_EQ(printWords(text, NameKind::directive), "program control nonsense");
     EXPECT_EQ(printWords(text, NameKind::program), "orca");

@@ -12,26 +12,26 @@ std::string names(std::string_view expression) {
     return all.substr(all.find('\n') + 1);
 }
 
-TEST(ExpressionNames, theFirstArgumentOfAFunctionOfTasksIsATask) {
+TEST(ExpressionNames, TheFirstArgumentOfAFunctionOfTasksIsATask) {
     EXPECT_EQ(names("energy(a) + ENERGY('b') - abs(c)"), "1:11 task a\n1:24 task b\n1:34 property c\n");
     EXPECT_EQ(names("energy(self)"), "");
     EXPECT_EQ(names("energy(a + b, c)"), "1:11 property a\n1:15 property b\n1:18 property c\n");
     EXPECT_EQ(names("thermo(task=a, temperature=t)"), "1:16 task a\n1:31 property t\n");
 }
 
-TEST(ExpressionNames, functionsAndArgumentsAreWords) {
+TEST(ExpressionNames, FunctionsAndArgumentsAreWords) {
     const std::string_view text = "@plot curve c\n  x f(g(a), b=1)\n@end\n";
     EXPECT_EQ(printWords(text, NameKind::function), "f g");
     EXPECT_EQ(printWords(text, NameKind::argument), "b");
     EXPECT_EQ(printWords(text, NameKind::number), "1");
 }
 
-TEST(ExpressionNames, placeholdersNameTaskAndValue) {
+TEST(ExpressionNames, PlaceholdersNameTaskAndValue) {
     EXPECT_EQ(names("{{ a_[x].b }} + {{c}}"),
               "1:7 task a_[x]\n1:10 key x\n1:13 property b < a_[x]\n1:22 task c\n");
 }
 
-TEST(ExpressionNames, aTableIsNamedByItsDerive) {
+TEST(ExpressionNames, ATableIsNamedByItsDerive) {
     EXPECT_EQ(names("derived(\"d.t\")"), "1:13 derive d\n1:15 table t < d\n");
 }
 

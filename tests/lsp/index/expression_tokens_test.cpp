@@ -18,7 +18,7 @@ std::string print(std::string_view text) {
     return printed;
 }
 
-TEST(ExpressionTokens, areTheTokensOfTheGrammar) {
+TEST(ExpressionTokens, AreTheTokensOfTheGrammar) {
     EXPECT_EQ(print("a.b_1 + 1.5e-3*'x\\'y'"), "n0 a.b_1|o0 +|d0 1.5e-3|o0 *|s0 'x\\'y'");
     EXPECT_EQ(print("f(a, g(b)) == {{ t.k }}"),
               "n0 f|o0 (|n1 a|o1 ,|n1 g|o1 (|n2 b|o1 )|o0 )|o0 ==|x0 {{ t.k }}");
@@ -26,13 +26,13 @@ TEST(ExpressionTokens, areTheTokensOfTheGrammar) {
     EXPECT_EQ(print("axis:"), "n0 axis|o0 :");
 }
 
-TEST(ExpressionTokens, anyBytesAreTokens) {
+TEST(ExpressionTokens, AnyBytesAreTokens) {
     EXPECT_EQ(print("\"open"), "s0 \"open");
     EXPECT_EQ(print("{{ open"), "x0 {{ open");
     EXPECT_EQ(print(")))(\xff"), "o0 )|o0 )|o0 )|o0 (|o1 \xff");
 }
 
-TEST(ExpressionTokens, statementsGoOnAsInTheParser) {
+TEST(ExpressionTokens, StatementsGoOnAsInTheParser) {
     const std::vector<std::string_view> lines = {"  let a = (b  # c", "    + d)", "", "emit:", "x y +", "z"};
     const auto statements = readStatements(lines);
     ASSERT_EQ(statements.size(), 3U);
@@ -43,7 +43,7 @@ TEST(ExpressionTokens, statementsGoOnAsInTheParser) {
     EXPECT_EQ(statements[2].tokens.size(), 3U);
 }
 
-TEST(ExpressionTokens, insides) {
+TEST(ExpressionTokens, Insides) {
     EXPECT_EQ(insideQuotes("\"a b\""), "a b");
     EXPECT_EQ(insideQuotes("'open"), "open");
     EXPECT_EQ(insideQuotes("\""), "");

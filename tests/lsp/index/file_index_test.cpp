@@ -6,7 +6,7 @@ namespace {
 
 using namespace morquill::lsp;
 
-TEST(FileIndex, findsTheNarrowestName) {
+TEST(FileIndex, FindsTheNarrowestName) {
     const std::string text = "$opt_[x]\n  %source a # opt\n";
     const auto index = indexFile(text, FileForm::tasks);
     const auto nameAt = [&](std::size_t offset) {
@@ -24,7 +24,7 @@ TEST(FileIndex, findsTheNarrowestName) {
     EXPECT_EQ(nameAt(9999), "-");
 }
 
-TEST(FileIndex, aNameThatBeginsWinsOverOneThatEnds) {
+TEST(FileIndex, ANameThatBeginsWinsOverOneThatEnds) {
     const std::string text = "@derive d\n  let a = b\n  emit c = a*b\n@end\n";
     const auto index = indexFile(text, FileForm::tasks);
     const auto at = text.find("a*b");
@@ -32,7 +32,7 @@ TEST(FileIndex, aNameThatBeginsWinsOverOneThatEnds) {
     EXPECT_EQ(nameOf(text, *occurrenceAt(index, at + 2)), "b");
 }
 
-TEST(FileIndex, blocksLieInOneAnother) {
+TEST(FileIndex, BlocksLieInOneAnother) {
     const std::string text = "dsl_version: 2\n"
                              "define:\n"
                              "  x: 1\n"

@@ -6,7 +6,7 @@ namespace {
 
 using namespace morquill::lsp;
 
-TEST(FileScan, aLoopNamesItsItems) {
+TEST(FileScan, ALoopNamesItsItems) {
     EXPECT_EQ(printNames("ions: [cl]\n"
                          "@foreach step in series(1-3)\n"
                          "@foreach? ions\n"
@@ -27,31 +27,31 @@ TEST(FileScan, aLoopNamesItsItems) {
               "6:4 key step.index\n");
 }
 
-TEST(FileScan, aNameInQuotesIsWithoutThem) {
+TEST(FileScan, ANameInQuotesIsWithoutThem) {
     EXPECT_EQ(printNames("$\"two words\" # c\n"), "0:2 task= two words\n");
 }
 
-TEST(FileScan, aByteOrderMarkIsNoPartOfTheText) {
+TEST(FileScan, AByteOrderMarkIsNoPartOfTheText) {
     EXPECT_EQ(printNames("\xef\xbb\xbf$a\n"), "0:4 task= a\n");
 }
 
-TEST(FileScan, aHeredocHidesWhatLooksLikeABlock) {
+TEST(FileScan, AHeredocHidesWhatLooksLikeABlock) {
     EXPECT_EQ(printNames("$a\n%body << END\n$b\n%source c\nEND\n$d\n"), "0:1 task= a\n5:1 task= d\n");
     EXPECT_EQ(printNames("$a\n%body << END\n%source c\n$d\n"), "0:1 task= a\n3:1 task= d\n");
 }
 
-TEST(FileScan, linesEndInCarriageReturnAndLineFeed) {
+TEST(FileScan, LinesEndInCarriageReturnAndLineFeed) {
     EXPECT_EQ(printNames("$a\r\n  %source b\r\n"), "0:1 task= a\n1:10 task b\n");
 }
 
-TEST(FileScan, commentsStandBehindStatements) {
+TEST(FileScan, CommentsStandBehindStatements) {
     EXPECT_EQ(printWords("# one\n$a # two\n  %keywords \"#p\" # three\n  text # four\n@derive d # five\n"
                          "  let a = \"#\" # six\n@end # seven\n",
                          NameKind::comment),
               "# one # two # three # four # five # six # seven");
 }
 
-TEST(FileScan, anyBytesHaveAnIndex) {
+TEST(FileScan, AnyBytesHaveAnIndex) {
     const std::string many(100000, '[');
     for (const auto& text :
          {many, "$" + many, "@derive d\n let " + many + "\n@end", "&INCLUDE a(" + many,

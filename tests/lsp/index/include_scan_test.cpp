@@ -19,12 +19,12 @@ std::string links(std::string_view text, FileForm form = FileForm::tasks) {
     return printed;
 }
 
-TEST(IncludeScan, linksFiles) {
+TEST(IncludeScan, LinksFiles) {
     EXPECT_EQ(links("&INCLUDE \"a b.mq\"\n&INCLUDE <lib/x.mqlib> as x # why\n&INCLUDE y.mqlib as y\n"),
               "a b.mq -> a b.mq\nlib/x.mqlib -> <lib/x.mqlib> as x\ny.mqlib -> y.mqlib as y\n");
 }
 
-TEST(IncludeScan, namesTheFragmentAndItsParameters) {
+TEST(IncludeScan, NamesTheFragmentAndItsParameters) {
     EXPECT_EQ(printNames("&INCLUDE \"l.mqlib\" as lib\n"
                          "&INCLUDE lib.opt(\n"
                          "  name = a,  # the first\n"
@@ -43,7 +43,7 @@ TEST(IncludeScan, namesTheFragmentAndItsParameters) {
               "5:15 fragment one < lib\n");
 }
 
-TEST(IncludeScan, readsALibrary) {
+TEST(IncludeScan, ReadsALibrary) {
     EXPECT_EQ(printNames("# head\n"
                          "&INCLUDE \"r.mqlib\" as r\n"
                          "&FRAGMENT task_body opt(\n"
@@ -84,7 +84,7 @@ TEST(IncludeScan, readsALibrary) {
               "13:13 param method < opt\n");
 }
 
-TEST(IncludeScan, aListThatIsNotClosedEndsAtTheNextTask) {
+TEST(IncludeScan, AListThatIsNotClosedEndsAtTheNextTask) {
     EXPECT_EQ(printNames("&INCLUDE lib.opt(\n  name = a,\n$t\n"), "2:1 task= t\n");
 }
 

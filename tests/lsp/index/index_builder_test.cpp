@@ -4,7 +4,7 @@ namespace {
 
 using namespace morquill::lsp;
 
-TEST(IndexBuilder, ordersWhatWasAddedAndKeepsTheLinks) {
+TEST(IndexBuilder, OrdersWhatWasAddedAndKeepsTheLinks) {
     const std::string_view text = "ab.cd";
     IndexBuilder builder(text);
     const auto owner = builder.add(NameKind::library, NameRole::reference, text.substr(3, 2));
@@ -17,7 +17,7 @@ TEST(IndexBuilder, ordersWhatWasAddedAndKeepsTheLinks) {
     EXPECT_EQ(index.occurrences[1].qualifier, noIndex);
 }
 
-TEST(IndexBuilder, aLongerNameComesBeforeOneInIt) {
+TEST(IndexBuilder, ALongerNameComesBeforeOneInIt) {
     const std::string_view text = "[x]";
     IndexBuilder builder(text);
     builder.addKeys(text);
@@ -27,7 +27,7 @@ TEST(IndexBuilder, aLongerNameComesBeforeOneInIt) {
     EXPECT_EQ(index.occurrences[1].kind, NameKind::key);
 }
 
-TEST(IndexBuilder, findsKeysAsSubstitutionDoes) {
+TEST(IndexBuilder, FindsKeysAsSubstitutionDoes) {
     const std::string_view text = "[a] [b c] [] [[d]] [e.f-g_1 [h]";
     IndexBuilder builder(text);
     builder.addKeys(text);
@@ -38,7 +38,7 @@ TEST(IndexBuilder, findsKeysAsSubstitutionDoes) {
     EXPECT_EQ(keys, (std::vector<std::string>{"a", "d", "h"}));
 }
 
-TEST(IndexBuilder, aBlockEndsWithItsLastFilledLine) {
+TEST(IndexBuilder, ABlockEndsWithItsLastFilledLine) {
     const std::string_view text = "one\ntwo\n\n";
     IndexBuilder builder(text);
     const auto block = builder.open(BlockKind::task, text.substr(0, 3));

@@ -6,7 +6,7 @@ namespace {
 
 using namespace morquill::lsp;
 
-TEST(PlotScan, namesTasksThatItShows) {
+TEST(PlotScan, NamesTasksThatItShows) {
     EXPECT_EQ(printNames("@plot barrier b\n"
                          "  from task opt\n"
                          "  point r label \"opt\" value {{ r_opt.energy }} * 2\n"
@@ -23,7 +23,7 @@ TEST(PlotScan, namesTasksThatItShows) {
               "4:14 plotitem r\n");
 }
 
-TEST(PlotScan, aColumnIsCalledAfterItsTask) {
+TEST(PlotScan, AColumnIsCalledAfterItsTask) {
     EXPECT_EQ(printNames("@plot excited e\n"
                          "  column S label \"x\"\n"
                          "  column T task \"triplets\" multiplicity triplet\n"
@@ -38,7 +38,7 @@ TEST(PlotScan, aColumnIsCalledAfterItsTask) {
               "3:25 plotitem T\n");
 }
 
-TEST(PlotScan, namesAxesTablesAndSeries) {
+TEST(PlotScan, NamesAxesTablesAndSeries) {
     EXPECT_EQ(printNames("@plot curve c\n"
                          "  from variants scan\n"
                          "  x matrix_value(r) label \"d [y]\"\n"
@@ -61,7 +61,7 @@ TEST(PlotScan, namesAxesTablesAndSeries) {
               "8:17 table t < d\n");
 }
 
-TEST(PlotScan, aPlotOfATaskEndsWithItsBlock) {
+TEST(PlotScan, APlotOfATaskEndsWithItsBlock) {
     EXPECT_EQ(printNames("$t\n"
                          "  %plot spectrum ir\n"
                          "    x frequency * 0.9 # scaled\n"
@@ -76,7 +76,7 @@ TEST(PlotScan, aPlotOfATaskEndsWithItsBlock) {
               "5:10 task opt\n");
 }
 
-TEST(PlotScan, aBlockThatIsNotClosedEndsAtTheNextTask) {
+TEST(PlotScan, ABlockThatIsNotClosedEndsAtTheNextTask) {
     EXPECT_EQ(printNames("@plot bar b\n  x a\n$t\n"), "0:10 plot= b\n1:4 property a\n2:1 task= t\n");
 }
 

@@ -6,7 +6,7 @@ namespace {
 
 using namespace morquill::lsp;
 
-TEST(PreludeScan, namesSettingsCollectionsDefinesAndAxes) {
+TEST(PreludeScan, NamesSettingsCollectionsDefinesAndAxes) {
     EXPECT_EQ(printNames("dsl_version: 2\n"
                          "site:\n"
                          "  queue: long\n"
@@ -30,7 +30,7 @@ TEST(PreludeScan, namesSettingsCollectionsDefinesAndAxes) {
               "10:2 axis= f\n");
 }
 
-TEST(PreludeScan, anAxisThatFollowsNamesTheOther) {
+TEST(PreludeScan, AnAxisThatFollowsNamesTheOther) {
     EXPECT_EQ(printNames("matrix:\n"
                          "  - f: a, b\n"
                          "    name: x, y\n"
@@ -43,14 +43,14 @@ TEST(PreludeScan, anAxisThatFollowsNamesTheOther) {
               "5:4 axis= name\n");
 }
 
-TEST(PreludeScan, endsAtTheFirstTaskAndAtWhatIsNoKey) {
+TEST(PreludeScan, EndsAtTheFirstTaskAndAtWhatIsNoKey) {
     EXPECT_EQ(printNames("a: 1\n$t\nb: 2\n"), "0:0 setting= a\n1:1 task= t\n");
     EXPECT_EQ(printNames("a: 1\n  \nwords\nb: 2\n"), "0:0 setting= a\n");
     EXPECT_EQ(printNames("&INCLUDE \"x.yaml\"\na: 1\n&INCLUDE \"y.mq\"\nb: 2\n"),
               "0:10 path x.yaml\n1:0 setting= a\n2:10 path y.mq\n");
 }
 
-TEST(PreludeScan, aYamlFileIsAPrelude) {
+TEST(PreludeScan, AYamlFileIsAPrelude) {
     EXPECT_EQ(printNames("a: 1\n# b: 2\nlist: [1]\n", FileForm::values),
               "0:0 setting= a\n2:0 collection= list\n");
     EXPECT_EQ(printNames("", FileForm::values), "");

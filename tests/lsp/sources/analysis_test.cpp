@@ -8,7 +8,7 @@ namespace {
 using namespace morquill::lsp;
 using morquill::TemporaryDirectory;
 
-TEST(Analysis, aFileIsWhatItsNameSays) {
+TEST(Analysis, AFileIsWhatItsNameSays) {
     EXPECT_EQ(fileKind("/a/b.mq"), FileKind::tasks);
     EXPECT_EQ(fileKind("b.projmq"), FileKind::tasks);
     EXPECT_EQ(fileKind(""), FileKind::tasks);
@@ -28,7 +28,7 @@ struct AnalysisTest : testing::Test {
     Analyses analyses{store};
 };
 
-TEST_F(AnalysisTest, keepsReportWarningsAndDocument) {
+TEST_F(AnalysisTest, KeepsReportWarningsAndDocument) {
     const auto& text = open("a.mq", "&INCLUDE gone.mq\n$a\n  %keywords hf\n");
     const auto& analysis = analyses.of(text);
     EXPECT_TRUE(analysis.report.issues.empty());
@@ -38,7 +38,7 @@ TEST_F(AnalysisTest, keepsReportWarningsAndDocument) {
     EXPECT_EQ(analysis.document->templateTasks.size(), 1U);
 }
 
-TEST_F(AnalysisTest, isMadeOncePerState) {
+TEST_F(AnalysisTest, IsMadeOncePerState) {
     const auto& text = open("a.mq", "&INCLUDE b.mq\n$a\n");
     directory.write("b.mq", "$b\n");
     (void)analyses.of(text);
@@ -55,7 +55,7 @@ TEST_F(AnalysisTest, isMadeOncePerState) {
     EXPECT_EQ(analyses.count(), 3U);
 }
 
-TEST_F(AnalysisTest, knowsWhichFilesItReads) {
+TEST_F(AnalysisTest, KnowsWhichFilesItReads) {
     const auto& text = open("a.mq", "&INCLUDE b.mq\n$a\n");
     directory.write("b.mq", "$b\n");
     (void)analyses.of(text);
@@ -67,7 +67,7 @@ TEST_F(AnalysisTest, knowsWhichFilesItReads) {
     EXPECT_TRUE(analyses.dependsOn(broken, directory.path("c.mq")));
 }
 
-TEST_F(AnalysisTest, unsavedTextsOfLibrariesAndExtraFilesCount) {
+TEST_F(AnalysisTest, UnsavedTextsOfLibrariesAndExtraFilesCount) {
     open("l.mqlib", "&FRAGMENT task_body opt\n  %keywords hf\n");
     open("extra.yaml", "define:\n  m: hf\n");
     open("extra.mq", "$pre\n  %keywords hf\n");
@@ -78,7 +78,7 @@ TEST_F(AnalysisTest, unsavedTextsOfLibrariesAndExtraFilesCount) {
     EXPECT_EQ(analysis.document->templateTasks.get()[1].name, "a_hf");
 }
 
-TEST_F(AnalysisTest, checksTheBodiesOfALibrary) {
+TEST_F(AnalysisTest, ChecksTheBodiesOfALibrary) {
     const auto faultOf = [&](const std::string& name, const std::string& content) {
         const auto& analysis = analyses.of(open(name, content));
         return analysis.report.issues.empty() ? std::string() : analysis.report.issues[0].message;
@@ -95,7 +95,7 @@ TEST_F(AnalysisTest, checksTheBodiesOfALibrary) {
     EXPECT_EQ(faultOf("g.yaml", "a: 1\n"), "");
 }
 
-TEST_F(AnalysisTest, holdsNoVariants) {
+TEST_F(AnalysisTest, HoldsNoVariants) {
     const auto& text = open("a.mq", "matrix:\n  a: 1, 2\n  b: 1, 2\n$t\n  %keywords [a]\n");
     EXPECT_EQ(analyses.of(text).document->tasks.size(), 0U);
     EXPECT_EQ(analyses.of(text).document->templateTasks.size(), 1U);

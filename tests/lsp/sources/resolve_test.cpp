@@ -41,7 +41,7 @@ struct ResolveTest : testing::Test {
     SourceFiles sources{store, workspace};
 };
 
-TEST_F(ResolveTest, tasks) {
+TEST_F(ResolveTest, Tasks) {
     const auto& file = open("a.mq", "$opt\n"
                                     "  %keywords \"opt\"\n"
                                     "$freq\n"
@@ -60,7 +60,7 @@ TEST_F(ResolveTest, tasks) {
     EXPECT_EQ(meaning(file, "@plot barrier "), "a.mq:7:14 | a.mq:7:14");
 }
 
-TEST_F(ResolveTest, tasksOfIncludedFiles) {
+TEST_F(ResolveTest, TasksOfIncludedFiles) {
     directory.write("b.mq", "$b\n  %source a\n");
     directory.write("extra.mq", "$pre\n");
     const auto& file = open("a.mq", "$a\n  %source pre\n&INCLUDE b.mq\n$c\n  %source b\n");
@@ -69,7 +69,7 @@ TEST_F(ResolveTest, tasksOfIncludedFiles) {
     EXPECT_EQ(meaning(*sources.ofPath(directory.path("b.mq")), "$"), "b.mq:0:1 | b.mq:0:1 a.mq:4:10");
 }
 
-TEST_F(ResolveTest, patternsAndTemplates) {
+TEST_F(ResolveTest, PatternsAndTemplates) {
     const auto& file = open("a.mq", "@foreach i in series(1-2)\n$p_[i.value]\n@end\n$px\n"
                                     "$q\n  %source p_1\n  %when completed p*\n");
     EXPECT_EQ(meaning(file, "%source "), "a.mq:1:1 | a.mq:1:1");
@@ -77,7 +77,7 @@ TEST_F(ResolveTest, patternsAndTemplates) {
     EXPECT_EQ(meaning(file, "$p_["), "a.mq:0:9 | a.mq:0:9 a.mq:1:4");
 }
 
-TEST_F(ResolveTest, keys) {
+TEST_F(ResolveTest, Keys) {
     directory.write("values.yaml", "define:\n  y: 1\n");
     directory.write("b.mq", "define:\n  x: 2\n$b_[x]_[z]\n");
     const auto& file = open("a.mq", "&INCLUDE \"values.yaml\"\n"
@@ -96,7 +96,7 @@ TEST_F(ResolveTest, keys) {
     EXPECT_EQ(meaning(file, "[z]_["), " | ");
 }
 
-TEST_F(ResolveTest, fragmentsAndTheirParameters) {
+TEST_F(ResolveTest, FragmentsAndTheirParameters) {
     directory.write("l.mqlib", "&FRAGMENT task_body opt(m, b=[m])\n"
                                "  %keywords [m]/[b]\n"
                                "&FRAGMENT document d(m)\n"
@@ -109,7 +109,7 @@ TEST_F(ResolveTest, fragmentsAndTheirParameters) {
     EXPECT_EQ(meaning(file, "  &INCLUDE "), "a.mq:0:22 | a.mq:0:22 a.mq:2:11");
 }
 
-TEST_F(ResolveTest, namesOfADeriveAreItsOwn) {
+TEST_F(ResolveTest, NamesOfADeriveAreItsOwn) {
     const auto& file = open("a.mq", "@derive d\n"
                                     "  let g = energy(a)\n"
                                     "  formula f(x) = 2 * x\n"
@@ -132,7 +132,7 @@ TEST_F(ResolveTest, namesOfADeriveAreItsOwn) {
     EXPECT_EQ(meaning(file, "derived(e."), "a.mq:8:13 | a.mq:8:13 a.mq:11:17");
 }
 
-TEST_F(ResolveTest, kinds) {
+TEST_F(ResolveTest, Kinds) {
     EXPECT_EQ(kindClass(NameKind::axis), kindClass(NameKind::define));
     EXPECT_EQ(kindClass(NameKind::task), NameKind::task);
     EXPECT_TRUE(isPattern("a*"));

@@ -30,7 +30,7 @@ struct SourceFilesTest : testing::Test {
 
 using Names = std::set<std::string>;
 
-TEST_F(SourceFilesTest, followIncludesAndExtraFiles) {
+TEST_F(SourceFilesTest, FollowIncludesAndExtraFiles) {
     directory.write("b.mq", "$b\n&INCLUDE \"sub/c.mq\"\n");
     directory.write("sub/c.mq", "$c\n&INCLUDE ../b.mq\n");
     directory.write("extra.mq", "$e\n");
@@ -40,7 +40,7 @@ TEST_F(SourceFilesTest, followIncludesAndExtraFiles) {
     EXPECT_EQ(names(sources.closure(root)), (Names{"a.mq", "b.mq", "sub/c.mq", "extra.mq", "l.mqlib"}));
 }
 
-TEST_F(SourceFilesTest, aFileBelongsToTheDocumentsThatLeadToIt) {
+TEST_F(SourceFilesTest, AFileBelongsToTheDocumentsThatLeadToIt) {
     directory.write("known.mq", "$k\n&INCLUDE b.mq\n");
     directory.write("other.mq", "$o\n");
     const auto& b = sources.of(open("b.mq", "$b\n"));
@@ -52,7 +52,7 @@ TEST_F(SourceFilesTest, aFileBelongsToTheDocumentsThatLeadToIt) {
     EXPECT_EQ(names(sources.documentFiles(b)), (Names{"a.mq", "b.mq", "known.mq"}));
 }
 
-TEST_F(SourceFilesTest, theUnsavedTextCounts) {
+TEST_F(SourceFilesTest, TheUnsavedTextCounts) {
     const auto path = directory.write("a.mq", "$disk\n");
     EXPECT_EQ(sources.ofPath(path)->text(), "$disk\n");
     open("a.mq", "$open\n");
@@ -61,7 +61,7 @@ TEST_F(SourceFilesTest, theUnsavedTextCounts) {
     EXPECT_EQ(sources.ofPath(""), nullptr);
 }
 
-TEST_F(SourceFilesTest, definitionsAreFoundByName) {
+TEST_F(SourceFilesTest, DefinitionsAreFoundByName) {
     const auto& file = sources.of(open("a.mq", "define:\n  x: 1\n$x\n  %source x\n"));
     EXPECT_EQ(file.definitions.count("x"), 2U);
     EXPECT_EQ(file.definitions.count("y"), 0U);

@@ -11,7 +11,7 @@ Json range(int line, int character, int endLine, int endCharacter) {
 
 constexpr auto utf16 = PositionUnit::utf16;
 
-TEST(TextStore, keepsWhatIsOpen) {
+TEST(TextStore, KeepsWhatIsOpen) {
     TextStore store;
     store.open("file:///tmp/a%20b.mq", 3, "$opt\n");
     const OpenText* text = store.find("file:///tmp/a%20b.mq");
@@ -26,12 +26,12 @@ TEST(TextStore, keepsWhatIsOpen) {
     EXPECT_EQ(store.find("file:///tmp/a%20b.mq"), nullptr);
 }
 
-TEST(TextStore, aTextNeedsNoFile) {
+TEST(TextStore, ATextNeedsNoFile) {
     TextStore store;
     EXPECT_EQ(store.open("untitled:Untitled-1", 1, "").path, "");
 }
 
-TEST(TextStore, appliesChangesOneAfterTheOther) {
+TEST(TextStore, AppliesChangesOneAfterTheOther) {
     TextStore store;
     store.open("u", 1,
                "a\xf0\x9d\x84\x9e"
@@ -45,7 +45,7 @@ TEST(TextStore, appliesChangesOneAfterTheOther) {
     EXPECT_EQ(store.find("u")->buffer.text(), "whole");
 }
 
-TEST(TextStore, refusesWhatIsNoChange) {
+TEST(TextStore, RefusesWhatIsNoChange) {
     TextStore store;
     store.open("u", 1, "ab");
     EXPECT_FALSE(store.change("v", 2, Json::array(), utf16));
@@ -56,7 +56,7 @@ TEST(TextStore, refusesWhatIsNoChange) {
     EXPECT_EQ(store.find("u")->buffer.text(), "ab");
 }
 
-TEST(TextStore, hugeNumbersAreTheEnd) {
+TEST(TextStore, HugeNumbersAreTheEnd) {
     TextStore store;
     store.open("u", 1, "ab\ncd");
     Json all = range(0, 0, 0, 0);
@@ -65,7 +65,7 @@ TEST(TextStore, hugeNumbersAreTheEnd) {
     EXPECT_EQ(store.find("u")->buffer.text(), "x");
 }
 
-TEST(TextStore, knowsWhatChangedSince) {
+TEST(TextStore, KnowsWhatChangedSince) {
     TextStore store;
     store.open("file:///a.mq", 1, "");
     const auto stamp = store.stamp();

@@ -27,7 +27,7 @@ struct WorkspaceTest : testing::Test {
 
 using testing::ElementsAre;
 
-TEST_F(WorkspaceTest, findsSourcesAndPassesOverWhatHoldsNone) {
+TEST_F(WorkspaceTest, FindsSourcesAndPassesOverWhatHoldsNone) {
     for (const auto* file :
          {"a.mq", "sub/b.mqlib", "sub/notes.txt", "Results/c.mq", ".morq/d.mq", ".git/e.mq", "p/p.projmq",
           "p/case/case.mq", "p/case/opt/opt.mq", "p/extra.yaml", "p/other.yaml"}) {
@@ -37,7 +37,7 @@ TEST_F(WorkspaceTest, findsSourcesAndPassesOverWhatHoldsNone) {
     EXPECT_THAT(names(), ElementsAre("a.mq", "p/case/case.mq", "p/extra.yaml", "p/p.projmq", "sub/b.mqlib"));
 }
 
-TEST_F(WorkspaceTest, followsNoLinks) {
+TEST_F(WorkspaceTest, FollowsNoLinks) {
     directory.write("a.mq", "$x\n");
     std::filesystem::create_symlink("a.mq", directory.path("b.mq"));
     std::filesystem::create_directory_symlink(".", directory.path("loop"));
@@ -45,7 +45,7 @@ TEST_F(WorkspaceTest, followsNoLinks) {
     EXPECT_THAT(names(), ElementsAre("a.mq"));
 }
 
-TEST_F(WorkspaceTest, knowsWhoIncludesAFile) {
+TEST_F(WorkspaceTest, KnowsWhoIncludesAFile) {
     directory.write("a.mq", "$x\n&INCLUDE sub/b.mq\n");
     directory.write("sub/b.mq", "$x\n&INCLUDE \"../l.mqlib\" as l\n");
     directory.write("l.mqlib", "&FRAGMENT control c\n");
@@ -61,7 +61,7 @@ TEST_F(WorkspaceTest, knowsWhoIncludesAFile) {
     EXPECT_THAT(names(), ElementsAre("a.mq", "l.mqlib"));
 }
 
-TEST_F(WorkspaceTest, keepsTheNames) {
+TEST_F(WorkspaceTest, KeepsTheNames) {
     directory.write("a.mq", "define:\n  d: 1\n$\xf0\x9d\x84\x9e\n");
     walk();
     const auto& symbols = workspace.files().begin()->second.symbols;
@@ -71,7 +71,7 @@ TEST_F(WorkspaceTest, keepsTheNames) {
     EXPECT_EQ(symbols[1].end, (Position{2, 3}));
 }
 
-TEST_F(WorkspaceTest, goesPieceByPiece) {
+TEST_F(WorkspaceTest, GoesPieceByPiece) {
     EXPECT_TRUE(workspace.isDone());
     workspace.setFolders({directory.root()}, PositionUnit::utf16);
     EXPECT_FALSE(workspace.isDone());

@@ -48,14 +48,15 @@ TEST_F(BlockPattern, PicksNamesOrPathsInByteOrder) {
         {"none", {}},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(expandBlockPattern(root, row.pattern, false), row.matches) << row.pattern;
+        EXPECT_EQ(expandBlockPattern(root, row.pattern, MatchedKind::any), row.matches) << row.pattern;
     }
 }
 
 TEST_F(BlockPattern, CanBeLimitedToDirectories) {
-    EXPECT_THAT(expandBlockPattern(root, "p*", true), ElementsAre("plot", "plot.png", "plotlink"));
-    EXPECT_THAT(expandBlockPattern(at("missing"), "*", false), ElementsAre());
-    EXPECT_THAT(expandBlockPattern(at("missing"), "*/*", false), ElementsAre());
+    EXPECT_THAT(expandBlockPattern(root, "p*", MatchedKind::directories),
+                ElementsAre("plot", "plot.png", "plotlink"));
+    EXPECT_THAT(expandBlockPattern(at("missing"), "*", MatchedKind::any), ElementsAre());
+    EXPECT_THAT(expandBlockPattern(at("missing"), "*/*", MatchedKind::any), ElementsAre());
 }
 
 } // namespace

@@ -22,32 +22,29 @@ TaskCatalog sampleCatalog() {
 TEST(SelectTaskBlocks, NamesAndWildcards) {
     const struct {
         std::vector<std::string> names;
-        bool wildcards;
+        Wildcards wildcards;
         std::vector<std::string> selected;
         std::vector<std::string> missing;
     } rows[] = {
-        {{"sp", "opt"}, true, {"sp", "opt__x", "opt__y"}, {}},
-        {{"opt__y", "opt"}, true, {"opt__y", "opt__x"}, {}},
-        {{"opt*"}, true, {"opt__x", "opt__y", "optfreq"}, {}},
-        {{"*"}, true, {"opt__x", "opt__y", "optfreq", "sp", "a[1]"}, {}},
-        {{"?p"}, true, {"sp"}, {}},
-        {{"[os]p*"}, true, {"opt__x", "opt__y", "optfreq", "sp"}, {}},
-        {{"a\\[1]"}, true, {"a[1]"}, {}},
-        {{"a[1]"}, true, {}, {"a[1]"}},
-        {{"a[1]"}, false, {"a[1]"}, {}},
-        {{"opt__*"}, true, {}, {"opt__*"}},
-        {{"opt*"}, false, {}, {"opt*"}},
-        {{"zz*", "sp", "none", ""}, true, {"sp"}, {"zz*", "none"}},
-        {{"OPT"}, true, {}, {"OPT"}},
-        {{}, true, {}, {}},
+        {{"sp", "opt"}, Wildcards::matched, {"sp", "opt__x", "opt__y"}, {}},
+        {{"opt__y", "opt"}, Wildcards::matched, {"opt__y", "opt__x"}, {}},
+        {{"opt*"}, Wildcards::matched, {"opt__x", "opt__y", "optfreq"}, {}},
+        {{"*"}, Wildcards::matched, {"opt__x", "opt__y", "optfreq", "sp", "a[1]"}, {}},
+        {{"?p"}, Wildcards::matched, {"sp"}, {}},
+        {{"[os]p*"}, Wildcards::matched, {"opt__x", "opt__y", "optfreq", "sp"}, {}},
+        {{"a\\[1]"}, Wildcards::matched, {"a[1]"}, {}},
+        {{"a[1]"}, Wildcards::matched, {}, {"a[1]"}},
+        {{"a[1]"}, Wildcards::plain, {"a[1]"}, {}},
+        {{"opt__*"}, Wildcards::matched, {}, {"opt__*"}},
+        {{"opt*"}, Wildcards::plain, {}, {"opt*"}},
+        {{"zz*", "sp", "none", ""}, Wildcards::matched, {"sp"}, {"zz*", "none"}},
+        {{"OPT"}, Wildcards::matched, {}, {"OPT"}},
+        {{}, Wildcards::matched, {}, {}},
     };
     for (const auto& row : rows) {
-        std::vector<std::string> selected{"stale"};
-        std::vector<std::string> missing{"stale"};
-        const bool complete = selectTaskBlocks(sampleCatalog(), row.names, row.wildcards, selected, missing);
-        EXPECT_EQ(selected, row.selected) << ::testing::PrintToString(row.names);
-        EXPECT_EQ(missing, row.missing) << ::testing::PrintToString(row.names);
-        EXPECT_EQ(complete, row.missing.empty());
+        const auto found = selectTaskBlocks(sampleCatalog(), row.names, row.wildcards);
+        EXPECT_EQ(found.selected, row.selected) << ::testing::PrintToString(row.names);
+        EXPECT_EQ(found.missing, row.missing) << ::testing::PrintToString(row.names);
     }
 }
 
@@ -58,9 +55,8 @@ TEST(SelectTaskBlocks, APatternOfManyStarsIsCheap) {
     for (int i = 0; i < 50; ++i) {
         pattern += "*a";
     }
-    std::vector<std::string> selected;
-    std::vector<std::string> missing;
-    EXPECT_FALSE(selectTaskBlocks(catalog, {pattern + "b"}, true, selected, missing));
+    EXPECT_THAT(selectTaskBlocks(catalog, {pattern + "b"}, Wildcards::matched).missing,
+                ElementsAre(pattern + "b"));
 }
 
 TEST(FormatSelection, ADollarStandsBeforeEachName) {
@@ -74,14 +70,19 @@ class Selection : public ScratchTree {
                     std::string_view input = "",
                     std::string_view title = "select task blocks to update comd:") {
         return run(input, [&] {
-            return selectFromFile(file.empty() ? file : at(file), "task file", names, title, selected);
+            return keep(selectFromFile(file.empty() ? file : at(file), "task file", names, title));
         });
     }
     Output fromProject(const std::string& file, const std::vector<std::string>& names,
                        std::string_view input = "") {
         return run(input, [&] {
-            return selectFromProject(at("p"), file.empty() ? file : at(file), names, "pick:", selected);
+            return keep(selectFromProject(at("p"), file.empty() ? file : at(file), names, "pick:"));
         });
+    }
+    /// True when there was a choice, which is kept.
+    bool keep(std::optional<std::vector<std::string>> choice) {
+        selected = choice.value_or(std::vector<std::string>());
+        return choice.has_value();
     }
     void makeProject() const {
         write("p/demo.projmq", "$opt\n%keywords a\n$soc\n%keywords a\n");

@@ -24,21 +24,17 @@ class Target : public ScratchTree {
 
     /// "project <root> <file>", "case <dir> <file>" or the message; paths without the scratch directory.
     [[nodiscard]] std::string target(const std::string& path) const {
-        ProjectTarget found;
-        std::string error;
-        if (!resolveTarget(path, found, error)) {
-            return shorten(error);
+        const auto found = resolveTarget(path);
+        if (!found) {
+            return shorten(found.error());
         }
-        return shorten(found.kind == TargetKind::Case
-                           ? "case " + found.caseDir + " " + found.caseFile
-                           : "project " + found.projectRoot + " " + found.projectFile);
+        return shorten(found->kind == TargetKind::Case
+                           ? "case " + found->caseDir + " " + found->caseFile
+                           : "project " + found->projectRoot + " " + found->projectFile);
     }
     [[nodiscard]] std::string projectTemplate(const std::string& path) const {
-        std::string projectRoot;
-        std::string file;
-        std::string error;
-        return shorten(resolveProjectTemplate(path, projectRoot, file, error) ? projectRoot + " " + file
-                                                                              : error);
+        const auto found = resolveProjectTemplate(path);
+        return shorten(found ? found->root + " " + found->file : found.error());
     }
     [[nodiscard]] std::string shorten(std::string text) const {
         for (auto place = text.find(root); place != std::string::npos; place = text.find(root)) {

@@ -22,15 +22,13 @@ std::string show(const TaskCatalog& catalog) {
 class Catalog : public ScratchTree {
   protected:
     std::string scan(const std::string& file) {
-        TaskCatalog catalog;
-        std::string error;
-        return scanTaskFile(at(file), catalog, error, sink()) ? show(catalog) : error;
+        const auto catalog = scanTaskFile(at(file), sink());
+        return catalog ? show(*catalog) : catalog.error();
     }
     std::string load(const std::string& file = "p/demo.projmq") {
-        TaskCatalog catalog;
-        std::string error;
         warnings.clear();
-        return loadCatalog(at("p"), at(file), catalog, error, sink()) ? show(catalog) : error;
+        const auto catalog = loadCatalog(at("p"), at(file), sink());
+        return catalog ? show(*catalog) : catalog.error();
     }
     taskdsl::WarningSink sink() {
         return [this](const std::string& text) { warnings.push_back(text); };

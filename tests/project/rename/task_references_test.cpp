@@ -11,7 +11,7 @@ class TaskReferences : public ScratchTree {
     /// The references of all places that have some: "<file name>: <text> <text>", a field in braces.
     std::vector<std::string> collect(const std::string& text) {
         write("a.mq", text);
-        const auto document = taskdsl::TaskParser(false, [](const std::string&) {}).parseFile(at("a.mq"));
+        const auto document = taskdsl::TaskParser().parseFile(at("a.mq"));
         std::vector<std::string> lines;
         for (const auto& place : collectTaskReferences(document)) {
             std::string line = std::filesystem::path(place.file).filename().string() + ":";

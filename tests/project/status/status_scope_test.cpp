@@ -37,12 +37,16 @@ const std::string socRow = "soc             RENDERED         -                  
 class StatusScope : public ScratchTree {
   protected:
     Output scope(const std::vector<std::string>& cases, const std::vector<std::string>& selected,
-                 bool dryRun = false) {
+                 console::RunMode mode = console::RunMode::apply) {
         std::vector<std::string> dirs;
         for (const auto& name : cases) {
             dirs.push_back(at(name));
         }
-        return run("", [&] { return scopeStatusFiles(dirs, selected, dryRun, backups, summary); });
+        return run("", [&] {
+            const auto counts = scopeStatusFiles(dirs, selected, mode, backups);
+            summary = counts.value_or(UpdateSummary{});
+            return counts.has_value();
+        });
     }
     Output restore() {
         return run("", [&] { return restoreStatusFiles(backups); });
@@ -81,7 +85,7 @@ TEST_F(StatusScope, ADryRunOnlyTells) {
     write("m2/mq.status", "freq\n");
     dir("m3");
     const auto before = tree();
-    const auto told = scope({"m1", "m2", "m3"}, {"opt"}, true);
+    const auto told = scope({"m1", "m2", "m3"}, {"opt"}, console::RunMode::dryRun);
     EXPECT_EQ(told.status, 1);
     EXPECT_EQ(told.out, "[mqkit][DRY-RUN] m1 : would scope mq.status to selected completed task(s): $opt\n"
                         "[mqkit][DRY-RUN] m2 : would temporarily hide mq.status because no selected task is "
@@ -128,7 +132,7 @@ TEST_F(StatusScope, AFullDiskStopsItAndTheOldTextComesBack) {
     write("m1/mq.status", "opt\n");
     const auto output = run("", [&] {
         const FileSizeLimit limit(80); // enough for the message, which goes to a file here
-        return scopeStatusFiles({at("m1")}, {"opt"}, false, backups, summary);
+        return scopeStatusFiles({at("m1")}, {"opt"}, console::RunMode::apply, backups).has_value();
     });
     EXPECT_EQ(output.status, 0);
     EXPECT_EQ(output.err, "[mqkit][ERROR] failed to prepare mq.status for comd-only update: m1\n");
@@ -141,8 +145,8 @@ TEST_F(StatusScope, ADiskWithoutRoomForTheOldBytesStopsItBeforeAnythingIsTouched
     write("m1/mq.status", old);
     const auto output = run("", [&] {
         const FileSizeLimit limit(150); // enough for the message, which goes to a file here
-        const bool scoped = scopeStatusFiles({at("m1")}, {"opt"}, false, backups, summary);
-        return scoped || readTextFile(at("m1/mq.status")) != old;
+        const auto scoped = scopeStatusFiles({at("m1")}, {"opt"}, console::RunMode::apply, backups);
+        return scoped.has_value() || readTextFile(at("m1/mq.status")) != old;
     });
     EXPECT_EQ(output.status, 0);
     EXPECT_EQ(output.err, "[mqkit][ERROR] failed to prepare mq.status for comd-only update: m1\n");
@@ -308,7 +312,7 @@ TEST_F(StatusScope, WhatCannotGoBackIsLeftBesideItsPlaceOrWhereTheCaseHasGone) {
 TEST_F(StatusScope, TheGuardRestoresOnceAndAlsoWhenAnExceptionPasses) {
     write("m1/mq.status", "freq\n");
     const auto narrowed = [&](StatusRestorer& restorer) {
-        return scopeStatusFiles({at("m1")}, {"opt"}, false, restorer.backups(), summary) &&
+        return scopeStatusFiles({at("m1")}, {"opt"}, console::RunMode::apply, restorer.backups()) &&
                !readTextFile(at("m1/mq.status"));
     };
     const auto output = run("", [&] {

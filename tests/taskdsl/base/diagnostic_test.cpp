@@ -29,6 +29,17 @@ TEST(DiagnosticError, PutsAKnownPlaceInFrontOfItsMessage) {
     }
 }
 
+TEST(DiagnosticError, AMessageThatNamesItsPlaceStandsAlone) {
+    const auto error = DiagnosticError::namingPlace({"a.mq", 3, 2, 3, 9}, "a.mq:3: no such task");
+    EXPECT_STREQ(error.what(), "a.mq:3: no such task");
+    EXPECT_EQ(error.message(), "a.mq:3: no such task");
+    EXPECT_EQ(formatSpan(error.span()), "a.mq:3:2-3:9");
+    EXPECT_TRUE(error.messageNamesPlace());
+    EXPECT_FALSE(DiagnosticError({"a.mq", 3, 2, 3, 9}, "no such task").messageNamesPlace());
+    EXPECT_FALSE(DiagnosticError("no such task").messageNamesPlace());
+    EXPECT_FALSE(DiagnosticError::namingPlace({}, "no such task").messageNamesPlace());
+}
+
 TEST(DiagnosticError, WithoutAPlaceIsItsMessage) {
     const DiagnosticError error("a: b\nc");
     EXPECT_STREQ(error.what(), "a: b\nc");

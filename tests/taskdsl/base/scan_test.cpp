@@ -49,16 +49,6 @@ TEST(Classifiers, DirectiveAndHeader) {
     EXPECT_EQ(taskHeaderName("opt"), "");
 }
 
-TEST(Classifiers, BlockKeywordsNeedABlankOrTheEnd) {
-    EXPECT_TRUE(isBlockKeyword("@plot"));
-    EXPECT_TRUE(isBlockKeyword("@derive x"));
-    EXPECT_TRUE(isBlockKeyword("@end"));
-    EXPECT_FALSE(isBlockKeyword("@end x"));
-    EXPECT_FALSE(isBlockKeyword("@plot\tx"));
-    EXPECT_FALSE(isBlockKeyword("@plots"));
-    EXPECT_FALSE(isBlockKeyword(""));
-}
-
 TEST(Classifiers, MatchWordTakesAnyWhiteSpace) {
     EXPECT_TRUE(matchWord("guess\tx", "guess"));
     EXPECT_TRUE(matchWord("guess", "guess"));

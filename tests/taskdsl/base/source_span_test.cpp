@@ -1,4 +1,3 @@
-#include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/source_span.h"
 
 #include <gtest/gtest.h>
@@ -23,14 +22,6 @@ TEST(SourceSpan, OfALineStartsBehindBlanksAndTabs) {
     EXPECT_EQ(spanOfLine("a.mq", 7, " \t%x y"), (SourceSpan{"a.mq", 7, 3, 7, 7}));
     EXPECT_EQ(spanOfLine("a.mq", 7, ""), (SourceSpan{"a.mq", 7, 1, 7, 1}));
     EXPECT_EQ(spanOfLine("a.mq", 7, "  "), (SourceSpan{"a.mq", 7, 3, 7, 3}));
-}
-
-TEST(Diagnostic, CarriesItsPartsAndTheWholeMessage) {
-    const DiagnosticError placed({"a.mq", 1, 2, 1, 4}, "bad");
-    EXPECT_STREQ(placed.what(), "a.mq:1:2-1:4: error: bad");
-    EXPECT_EQ(placed.message(), "bad");
-    const DiagnosticError bare(SourceSpan{"a.mq", 0, 0, 0, 0}, "bad");
-    EXPECT_STREQ(bare.what(), "bad");
 }
 
 } // namespace

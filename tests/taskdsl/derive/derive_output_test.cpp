@@ -1,11 +1,10 @@
 #include "taskdsl/derive/derive_output.h"
 
 #include "fixtures/blocks.h"
+#include "support/directory.h"
 #include "support/file.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace morquill::taskdsl::derive {
 namespace {
@@ -43,27 +42,10 @@ TEST(DeriveOutput, TextsAreQuotedAndNamesAreNot) {
                                       "@end\n");
 }
 
-TEST(DeriveOutput, EnumerationsHaveTextsAndFallBackToValueZero) {
-    const auto textOf = [](auto name, auto value, int count) {
-        std::vector<std::string> texts;
-        for (int i = 0; i < count; ++i) {
-            texts.emplace_back(name(static_cast<decltype(value)>(i)));
-        }
-        return join(texts, " ");
-    };
-    EXPECT_EQ(textOf(deriveCompareOpName, DeriveCompareOp{}, 10), "truthy == != < <= > >= in matches truthy");
-    EXPECT_EQ(textOf(deriveConditionKindName, DeriveConditionKind{}, 5), "leaf and or not leaf");
-    EXPECT_EQ(textOf(deriveValueKindName, DeriveValueKind{}, 3), "number string number");
-    EXPECT_EQ(textOf(deriveSortDirectionName, DeriveSortDirection{}, 3), "asc desc asc");
-    EXPECT_EQ(textOf(deriveSinkFormatName, DeriveSinkFormat{}, 5), "none csv tsv jsonl none");
-    EXPECT_EQ(deriveSinkFormatName(static_cast<DeriveSinkFormat>(-1)), "none");
-}
-
-/// A `@derive` block in a text, and what the fence in front of it says.
+/// A `@derive` block in a text.
 struct WrittenBlock {
     CapturedBlock block;
     std::string text; ///< header to end
-    bool canonical = true;
 };
 
 std::vector<WrittenBlock> blocksOf(const std::string& path) {
@@ -71,15 +53,11 @@ std::vector<WrittenBlock> blocksOf(const std::string& path) {
     EXPECT_FALSE(text.empty()) << path;
     std::vector<WrittenBlock> blocks;
     bool inside = false;
-    bool canonical = true;
     std::uint32_t number = 0;
     for (const auto line : splitLines(text)) {
         ++number;
-        if (line.starts_with("```")) {
-            canonical = line != "```mq written";
-        } else if (line.starts_with("@derive ")) {
-            blocks.push_back(
-                {{std::string(line.substr(8)), spanOfLine(path, number, line), {}}, "", canonical});
+        if (line.starts_with("@derive ")) {
+            blocks.push_back({{std::string(line.substr(8)), spanOfLine(path, number, line), {}}, ""});
             inside = true;
         } else if (inside && line != "@end") {
             blocks.back().block.lines.push_back({std::string(line), path, number});
@@ -95,7 +73,7 @@ std::vector<WrittenBlock> blocksOf(const std::string& path) {
 TEST(DeriveOutput, ExamplesAreCanonical) {
     std::size_t blocks = 0;
     for (const auto& name : listDirectoryEntries("examples/derive")) {
-        for (const auto& [block, text, canonical] : blocksOf("examples/derive/" + name)) {
+        for (const auto& [block, text] : blocksOf("examples/derive/" + name)) {
             const auto [print, warnings] = printed(parseDerive(block));
             EXPECT_EQ(print, text) << name;
             EXPECT_EQ(warnings.size(), 0U) << name;
@@ -103,17 +81,6 @@ TEST(DeriveOutput, ExamplesAreCanonical) {
         }
     }
     EXPECT_EQ(blocks, 5U);
-}
-
-TEST(DeriveOutput, BlocksOfTheDocumentAreCanonicalOrShownWithTheirCanonicalForm) {
-    const auto blocks = blocksOf("docs/derive.md");
-    ASSERT_EQ(blocks.size(), 6U);
-    EXPECT_EQ(std::count_if(blocks.begin(), blocks.end(), [](const auto& block) { return block.canonical; }),
-              5);
-    for (std::size_t i = 0; i < blocks.size(); ++i) {
-        const auto& shown = blocks[i].canonical ? blocks[i] : blocks.at(i + 1);
-        EXPECT_EQ(renderDerive(parseDerive(blocks[i].block), ""), shown.text);
-    }
 }
 
 } // namespace

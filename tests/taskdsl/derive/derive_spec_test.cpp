@@ -1,5 +1,7 @@
 #include "taskdsl/derive/derive_spec.h"
 
+#include "support/text.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -105,6 +107,22 @@ TEST(DeriveCondition, AChainOfAnyLengthIsCopiedAssignedAndFreedWithoutRecursion)
     }
     EXPECT_EQ(levels, 300'000U);
     EXPECT_EQ(plot::renderPlotExpression(node->left), "last");
+}
+
+TEST(DeriveEnumerations, HaveOneTextPerValue) {
+    const auto textOf = [](auto name, auto value, int count) {
+        std::vector<std::string> texts;
+        for (int i = 0; i < count; ++i) {
+            texts.emplace_back(name(static_cast<decltype(value)>(i)));
+        }
+        return join(texts, " ");
+    };
+    EXPECT_EQ(textOf(deriveCompareOpName, DeriveCompareOp{}, 10), "truthy == != < <= > >= in matches truthy");
+    EXPECT_EQ(textOf(deriveConditionKindName, DeriveConditionKind{}, 5), "leaf and or not leaf");
+    EXPECT_EQ(textOf(deriveValueKindName, DeriveValueKind{}, 3), "number string number");
+    EXPECT_EQ(textOf(deriveSortDirectionName, DeriveSortDirection{}, 3), "asc desc asc");
+    EXPECT_EQ(textOf(deriveSinkFormatName, DeriveSinkFormat{}, 5), "none csv tsv jsonl none");
+    EXPECT_EQ(deriveSinkFormatName(static_cast<DeriveSinkFormat>(-1)), "none");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // The statements of a table pipeline as records, and what they leave behind for the statements after them.
 
+#include "fixtures/blocks.h"
 #include "fixtures/derive_reader.h"
 #include "taskdsl/derive/derive_output.h"
 
@@ -155,6 +156,225 @@ TEST(ReadLimit, IsACountOfSixtyFourBits) {
         EXPECT_EQ(readerFault(readLimit, text), atStatement("limit requires a positive integer")) << text;
     }
     EXPECT_EQ(readerFault(readLimit, "0"), atStatement("limit must be greater than zero"));
+}
+
+TEST(DeriveFrom, SelectsTasks) {
+    expectForms("", "select a = a\n" + sink,
+                {
+                    {"from tasks()", "from tasks(\"*\")"},
+                    {"from tasks(opt, 'conf*', name=sp, pattern=\"x\")",
+                     "from tasks(\"opt\", \"conf*\", \"sp\", \"x\")"},
+                    {"from tasks(program=orca)", "from tasks(\"*\", program=\"orca\")"},
+                    {"from tasks(a, template=t, program='g 16')",
+                     "from tasks(\"a\", program=\"g 16\", template=\"t\")"},
+                    {"from tasks(template_task=t)", "from tasks(\"*\", template=\"t\")"},
+                });
+    expectRefusals({
+        {"from opt", "from source must be tasks(...), atoms(task) as alias, or derived(derive.table)"},
+        {"from tasks (opt)",
+         "from source must be tasks(...), atoms(task) as alias, or derived(derive.table)"},
+        {"from TASKS(opt)", "from currently supports only tasks(...) sources"},
+        {"from tasks(a) + 1", "from currently supports only tasks(...) sources"},
+        {"from tasks(1)", "tasks() selector must be an identifier or string literal"},
+        {"from tasks(name=f(x))", "tasks() selector must be an identifier or string literal"},
+        {"from tasks(program={{ a.b }})", "tasks() selector must be an identifier or string literal"},
+        {"from tasks(program='', program=b)", "tasks() program selector may be specified only once"},
+        {"from tasks(template=a, template_task=b)", "tasks() template selector may be specified only once"},
+        {"from tasks(kind=a)", "unsupported tasks() selector 'kind'"},
+        {"from tasks(*)", "expected a number, identifier, string, function call, or '('"},
+    });
+}
+
+TEST(DeriveFrom, SelectsAtoms) {
+    expectForms("", "select q = q\n" + sink,
+                {
+                    {"from atoms(opt) as a", "from atoms(opt) as a"},
+                    {"from atoms(task='opt')AS a", "from atoms(opt) as a"},
+                    {"from atoms(\"opt 1\") as a", "from atoms(\"opt 1\") as a"},
+                    {"from atoms(opt.x) as a", "from atoms(\"opt.x\") as a"},
+                });
+    expectRefusals({
+        {"from atoms(opt)", "atoms(task) source requires 'as alias'"},
+        {"from atoms('x as y')", "atoms(task) source requires 'as alias'"},
+        {"from ATOMS(opt) as a", "atom table source must be atoms(task) as alias"},
+        {"from atoms(opt) + 1 as a", "atom table source must be atoms(task) as alias"},
+        {"from atoms() as a", "atoms() requires exactly one task argument"},
+        {"from atoms(a, b) as a", "atoms() accepts exactly one task"},
+        {"from atoms(a, task=b) as a", "atoms() accepts only one task argument"},
+        {"from atoms(task=a, task=b) as a", "atoms() accepts only one task argument"},
+        {"from atoms(name=a) as a", "atoms() accepts only one task argument"},
+        {"from atoms(1) as a", "atoms() task must be an identifier or string literal"},
+        {"from atoms(a) as", "atom source alias must be a simple identifier"},
+        {"from atoms(a) as b.c", "atom source alias must be a simple identifier"},
+    });
+}
+
+TEST(DeriveFrom, SelectsATableOfAnotherDerive) {
+    expectForms("", sink,
+                {
+                    {"from derived(d.t)", "from derived(d.t)"},
+                    {"from Derived('d.t')", "from derived(d.t)"},
+                    {"from derived(d, table=t)", "from derived(d.t)"},
+                    {"from derived(name=' t ', derive=d)", "from derived(d.t)"},
+                    {"from derived(' d.t ')", "from derived(d.t)"},
+                });
+    expectRefusals({
+        {"from derived(d.t) + 1",
+         "derived table source must be derived(derive.table) or derived(derive, table=name)"},
+        {"from derived(d, t)", "derived() accepts one positional selector"},
+        {"from derived(d.t, derive=e)", "derived() derive selector may be specified only once"},
+        {"from derived(derive=d, derive=e)", "derived() derive selector may be specified only once"},
+        {"from derived(d, table=t, name=u)", "derived() table selector may be specified only once"},
+        {"from derived(d, value=t)", "unsupported derived() selector 'value'"},
+        {"from derived()", "derived() requires a derive selector"},
+        {"from derived(table=t)", "derived() requires a derive selector"},
+        {"from derived(1)", "derived() selector must be an identifier or string literal"},
+        {"from derived(d, table=1)", "derived() table selector must be an identifier or string literal"},
+        {"from derived('a b', table=t)", "derived() derive id must be an identifier"},
+        {"from derived(d.e, table=t)", "derived() derive id must be an identifier"},
+        {"from derived(d, table='')", "derived() table name must be an identifier"},
+        {"from derived(d)", "derived() shorthand must be 'derive.table'"},
+        {"from derived('1d.t')", "derived() derive id must be an identifier"},
+        {"from derived('a b.t')", "derived() derive id must be an identifier"},
+        {"from derived('d .t')", "derived() derive id must be an identifier"},
+        {"from derived('d. t')", "derived() table name must be an identifier"},
+        {"from derived(d.t.u)", "derived() table name must be an identifier"},
+        {"from derived(d.t[1])", "derived() table name must be an identifier"},
+        {"from derived('.t')", "derived() shorthand must be 'derive.table'"},
+        {"from derived('d.')", "derived() shorthand must be 'derive.table'"},
+        {"from derived('')", "derived() shorthand must be 'derive.table'"},
+    });
+}
+
+TEST(DeriveJoin, AddsTheAtomsOfAnotherTask) {
+    expectForms(atoms, "emit kv \"p\" from q as q\n",
+                {
+                    {"join atoms(sp) as b on atom.id", "join atoms(sp) as b on atom.id"},
+                    {"JOIN atoms(task=\"s p\") As b On Atom.ID", "join atoms(\"s p\") as b on atom.id"},
+                });
+    expectRefusalsAfter(atoms,
+                        {
+                            {"join atoms(sp) as b", "join must be 'join atoms(task) as alias on atom.id'"},
+                            {"join on atom.id", "join must be 'join atoms(task) as alias on atom.id'"},
+                            {"join atoms(sp) as b on", "atom joins currently require 'on atom.id'"},
+                            {"join atoms(sp) as b on id", "atom joins currently require 'on atom.id'"},
+                            {"join x on id", "atom joins currently require 'on atom.id'"},
+                            {"join atoms(sp) on atom.id", "atoms(task) source requires 'as alias'"},
+                            {"join sp as b on atom.id", "atom table source must be atoms(task) as alias"},
+                            {"join atoms(sp) as a on atom.id", "duplicate atom source alias 'a'"},
+                            {"join atoms(sp) as b on atom.id\njoin atoms(ts) as b on atom.id",
+                             "duplicate atom source alias 'b'"},
+                        });
+}
+
+TEST(DeriveSelect, TakesListsApart) {
+    EXPECT_EQ(canonical(tasks + "select a, b = f(1, 2), c + 1 as d, {{ t.k, as x }} AS e,\n g\n" + sink),
+              tasks +
+                  "select a = a\nselect b = f(1, 2)\nselect d = c + 1\nselect e = {{ t.k, as x }}\n"
+                  "select g = g\n" +
+                  sink);
+    expectRefusalsAfter(
+        tasks,
+        {
+            {"select ,a", "select list contains an empty entry"},
+            {"select a,,b", "select list contains an empty entry"},
+            {"select a + b",
+             "select entry must be 'name = expression', 'expression as name', or a bare row identifier"},
+            {"select a.b",
+             "select entry must be 'name = expression', 'expression as name', or a bare row identifier"},
+            {"select a.b = c", "select column name must be an identifier"},
+            {"select = c", "select column name must be an identifier"},
+            {"select a as", "select column name must be an identifier"},
+            {"select a =", "select statement requires an expression"},
+            {"select as a", "select statement requires an expression"},
+            {"select a, a", "duplicate select column 'a'"},
+            {"select a\nselect b as a", "duplicate select column 'a'"},
+        });
+}
+
+TEST(DeriveGroupBy, NamesItsKeys) {
+    expectForms(tasks, sink,
+                {
+                    {"group by method", "group by method as method"},
+                    {"group by method, f(a, b) as key", "group by method as method, f(a, b) as key"},
+                    {"group by a.b AS c", "group by a.b as c"},
+                });
+    EXPECT_EQ(refusal(tasks + "select a\ngroup by a\n" + sink), "(accepted)");
+    expectRefusalsAfter(
+        tasks,
+        {
+            {"group by ,a", "group by contains an empty key"},
+            {"group by a,,b", "group by contains an empty key"},
+            {"group by as a", "group by key requires an expression"},
+            {"group by a + b", "group by expression requires 'as name' when it is not a bare identifier"},
+            {"group by a.b", "group by expression requires 'as name' when it is not a bare identifier"},
+            {"group by a as", "group by key name must be an identifier"},
+            {"group by a as b.c", "group by key name must be an identifier"},
+            {"group by a, b as a", "duplicate table column/group key 'a'"},
+        });
+}
+
+TEST(DeriveAggregate, NamesItsColumns) {
+    const std::string lead = tasks + "group by m as m\n";
+    EXPECT_EQ(
+        canonical(lead + "aggregate n = count(), e = mean(energy)\nreduce w = sum(x) / count()\n" + sink),
+        lead + "aggregate n = count()\naggregate e = mean(energy)\naggregate w = sum(x) / count()\n" + sink);
+    expectRefusalsAfter(
+        lead, {
+                  {"aggregate a = f(b),,c = f(d)", "aggregate list contains an empty entry"},
+                  {"aggregate ,", "@derive statement ends with a continuation operator"},
+                  {"aggregate mean(e)", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = e", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = 2 * (e)", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = (e) + (f)", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = \"f(x)\"", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = e + \"f(x)\"", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = 'f(x)' * e", "aggregate entry must be 'name = function(expression)'"},
+                  {"aggregate a = {{ f(x).e }}", "aggregate entry must be 'name = function(expression)'"},
+                  {"reduce a.b = mean(e)", "aggregate name must be an identifier"},
+                  {"aggregate = mean(e)", "aggregate name must be an identifier"},
+                  {"aggregate a =", "aggregate statement requires an expression"},
+                  {"aggregate a = f(b), a = f(c)", "duplicate aggregate column 'a'"},
+                  {"aggregate a = f(b)\naggregate a = f(c)", "duplicate aggregate column 'a'"},
+                  {"aggregate m = f(b)", "duplicate table column/group key 'm'"},
+              });
+}
+
+TEST(DeriveSort, TakesKeysWithADirection) {
+    const std::string lead = tasks + "select a = a\n";
+    EXPECT_EQ(canonical(lead + "sort by a, b DESC, c * 2 asc, f(a, desc)\nsort descend\n" + sink),
+              lead + "sort a asc\nsort b desc\nsort c * 2 asc\nsort f(a, desc) asc\nsort descend asc\n" +
+                  sink);
+    expectRefusalsAfter(lead, {
+                                  {"sort by", "sort requires at least one expression"},
+                                  {"sort ,a", "sort list contains an empty entry"},
+                                  {"sort a,,b", "sort list contains an empty entry"},
+                                  {"sort desc", "sort statement requires an expression"},
+                                  {"sort by asc", "sort statement requires an expression"},
+                                  {"sort ,", "@derive statement ends with a continuation operator"},
+                              });
+}
+
+TEST(DeriveLimit, IsAPositiveCountOf64Bits) {
+    const std::string lead = tasks + "select a = a\n";
+    expectForms(lead, sink,
+                {
+                    {"limit 10", "limit 10"},
+                    {"limit +007", "limit 7"},
+                    {"limit 18446744073709551615", "limit 18446744073709551615"},
+                });
+    const std::string positive = "limit requires a positive integer";
+    expectRefusalsAfter(lead, {
+                                  {"limit 0", "limit must be greater than zero"},
+                                  {"limit -1", positive},
+                                  {"limit -0", positive},
+                                  {"limit x", positive},
+                                  {"limit 5x", positive},
+                                  {"limit 5 6", positive},
+                                  {"limit 1.5", positive},
+                                  {"limit +-1", positive},
+                                  {"limit 18446744073709551616", positive},
+                              });
 }
 
 } // namespace

@@ -1,5 +1,6 @@
-// let, require and report as records. How they print is the matter of derive_parser_test.cpp.
+// let, require and report as records and in print.
 
+#include "fixtures/blocks.h"
 #include "fixtures/derive_reader.h"
 #include "taskdsl/derive/derive_output.h"
 
@@ -77,6 +78,61 @@ TEST(ReadReport, LabelsAValue) {
                               {"= gap", "report label cannot be empty"},
                               {"'' = gap", "report label cannot be empty"},
                               {"gap =", "report statement requires an expression"}});
+}
+
+TEST(DeriveLet, SplitsAtTheFirstTopLevelEquals) {
+    expectForms("", "emit x = a\n",
+                {
+                    {"let a = f(b=1)", "let a = f(b=1)"},
+                    {"let a={{ t.k=v }}", "let a = {{ t.k=v }}"},
+                    {"let  _A9 =  '=' ", "let _A9 = \"=\""},
+                });
+    expectRefusals({
+        {"let a", "let statement must be 'let name = expression'"},
+        {"let f(a=1)", "let statement must be 'let name = expression'"},
+        {"let 'a = 1'", "let statement must be 'let name = expression'"},
+        {"let a.b = 1", "let name must be an identifier"},
+        {"let = 1", "let name must be an identifier"},
+        {"let =", "let name must be an identifier"},
+        {"let a =", "let statement requires an expression"},
+        {"let a = 1 2", "unexpected token '2'"},
+    });
+}
+
+TEST(DeriveRequire, TakesAConditionAndAMessage) {
+    expectForms("", "emit x = a\n",
+                {
+                    {"require a > 1", "require a > 1"},
+                    {"assert a > 1 ELSE too small", "require a > 1 else \"too small\""},
+                    {"require a in [x, 'else'] else \"say \\\"no\\\"\"",
+                     "require a in [x, \"else\"] else \"say \\\"no\\\"\""},
+                    {"require a else b else c", "require a else \"b else c\""},
+                    {"require elsewhere", "require elsewhere"},
+                    {"require {{ t.a else b }}", "require {{ t.a else b }}"},
+                });
+    expectRefusals({
+        {"require else x", "require condition cannot be empty before else"},
+        {"require else", "require condition cannot be empty before else"},
+        {"require a else", "require else requires an error message"},
+        {"require a else ''", "require error message cannot be empty"},
+        {"assert a else \"\"", "require error message cannot be empty"},
+        {"require ()", "condition cannot be empty"},
+    });
+}
+
+TEST(DeriveReport, TakesALabelAndAnExpression) {
+    expectForms("", "emit x = a\n",
+                {
+                    {"report barrier = a", "report \"barrier\" = a"},
+                    {"report \"a = b\" = a", "report \"a = b\" = a"},
+                    {"report free energy = f(x=1)", "report \"free energy\" = f(x=1)"},
+                });
+    expectRefusals({
+        {"report a", "report statement must be 'report label = expression'"},
+        {"report = a", "report label cannot be empty"},
+        {"report '' = a", "report label cannot be empty"},
+        {"report a =", "report statement requires an expression"},
+    });
 }
 
 } // namespace

@@ -69,13 +69,6 @@ TEST(TaskReferences, EveryStatementIsLookedAt) {
     EXPECT_EQ(references("from derived(d.t)\nemit table t"), "");
 }
 
-TEST(TaskReferences, FunctionsOfTasksAreKnownInAnyCase) {
-    EXPECT_TRUE(takesTask("energy"));
-    EXPECT_TRUE(takesTask("Free_Energy"));
-    EXPECT_FALSE(takesTask("convert"));
-    EXPECT_FALSE(takesTask(""));
-}
-
 TEST(TaskReferences, LongChainsAndSumsAreWalkedWithoutRecursion) {
     std::string chain = "from tasks()\nwhere ";
     for (int i = 0; i < 20'000; ++i) {

@@ -301,7 +301,7 @@ TEST(PlotExpression, DeepTreesBuiltByHandAreFreedWithoutRecursion) {
                 : makeExpression(BinaryExpr{BinaryOp::add, makeExpression(NumberExpr{1}), std::move(deep)});
     }
     const ExprRef kept = expressionAs<BinaryExpr>(deep)->right;
-    deep.reset();
+    deep = nullptr;
     EXPECT_EQ(renderPlotExpression(kept).substr(0, 6), "f(1 + ");
 }
 

@@ -9,35 +9,36 @@ namespace morquill::taskdsl {
 namespace {
 
 TEST(DefineBlock, ReadsIndentedPairsUpToTheNextSection) {
-    const auto lines = splitLines("define:\n"
-                                  "  a: 1 # one\n"
-                                  "\n"
-                                  "# a comment at the margin\n"
-                                  "    b : \"two # 2\"\n"
-                                  "  c:\n"
-                                  "  no colon\n"
-                                  "  : no key\n"
-                                  "  a: 3:4\n"
-                                  " d: one blank\n");
-    std::size_t next = 0;
-    EXPECT_EQ(parseDefineBlock(lines, 1, next), (ValueMap{{"a", "3:4"}, {"b", "two # 2"}, {"c", ""}}));
-    EXPECT_EQ(next, 9U);
+    const auto lines = makeSourceLines("define:\n"
+                                       "  a: 1 # one\n"
+                                       "\n"
+                                       "# a comment at the margin\n"
+                                       "    b : \"two # 2\"\n"
+                                       "  c:\n"
+                                       "  no colon\n"
+                                       "  : no key\n"
+                                       "  a: 3:4\n"
+                                       " d: one blank\n",
+                                       "t.mq");
+    const auto block = parseDefineBlock(lines, 1);
+    EXPECT_EQ(block.value, (ValueMap{{"a", "3:4"}, {"b", "two # 2"}, {"c", ""}}));
+    EXPECT_EQ(block.next, 9U);
 }
 
 TEST(DefineBlock, EndsAtATaskHeaderATabAndTheEnd) {
-    std::size_t next = 0;
-    EXPECT_EQ(parseDefineBlock(splitLines("  a: 1\n  $x: 2\n"), 0, next), (ValueMap{{"a", "1"}}));
-    EXPECT_EQ(next, 1U);
-    EXPECT_EQ(parseDefineBlock(splitLines("\t\ta: 1\n"), 0, next), ValueMap{});
-    EXPECT_EQ(next, 0U);
-    EXPECT_EQ(parseDefineBlock(splitLines("  a: 1\n"), 0, next), (ValueMap{{"a", "1"}}));
-    EXPECT_EQ(next, 1U);
-    EXPECT_EQ(parseDefineBlock({}, 0, next), ValueMap{});
+    const auto expectBlock = [](std::string_view text, const ValueMap& value, std::size_t next) {
+        const auto block = parseDefineBlock(makeSourceLines(text, "t.mq"), 0);
+        EXPECT_EQ(block.value, value) << text;
+        EXPECT_EQ(block.next, next) << text;
+    };
+    expectBlock("  a: 1\n  $x: 2\n", {{"a", "1"}}, 1);
+    expectBlock("\t\ta: 1\n", {}, 0);
+    expectBlock("  a: 1\n", {{"a", "1"}}, 1);
+    expectBlock("", {}, 0);
 }
 
 TEST(DefineBlock, ReadsWhatTheWriterQuotes) {
-    std::size_t next = 0;
-    EXPECT_EQ(parseDefineBlock(splitLines(R"(  a: "x\t\"y\"\n\\")"), 0, next),
+    EXPECT_EQ(parseDefineBlock(makeSourceLines(R"(  a: "x\t\"y\"\n\\")", "t.mq"), 0).value,
               (ValueMap{{"a", "x\t\"y\"\n\\"}}));
 }
 

@@ -1,6 +1,7 @@
 #include "taskdsl/generate/expand_includes.h"
 #include "taskdsl/generate/fragment_library.h"
 
+#include "fixtures/parse_text.h"
 #include "fixtures/temporary_directory.h"
 #include "fixtures/test_lines.h"
 
@@ -12,7 +13,6 @@
 namespace morquill::taskdsl {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 /// A directory with a task file's neighbours, and the pass over that file.
@@ -22,7 +22,8 @@ struct ExpandIncludes : testing::Test {
 
     /// The expanded lines of a task file; every file-scope import stands in its text.
     std::vector<SourceLine> lines(std::string_view text) const {
-        ParseContext context(warnings);
+        ParseContext run({.warnings = warnings});
+        DocumentContext context(run);
         const SharedText path = dir.path("t.mq");
         return expandIncludes(linesOf(text, path), {path, nullptr, FragmentKind::document}, context);
     }
@@ -284,6 +285,11 @@ TEST_F(ExpandIncludes, DoublingAndDeepFragmentsEnd) {
               "expansion of @foreach blocks and fragments exceeds 2000000 lines or 256 MiB of text");
     EXPECT_EQ(fault("&INCLUDE l.mqlib as l\n$a\n%process\n &INCLUDE l.g299\n"),
               "fragment include is nested more than 200 deep: " + dir.path("l.mqlib") + "::g99");
+}
+
+TEST(Heredocs, AMissingTerminatorIsToldBeforeTasksAreRead) {
+    EXPECT_EQ(faultOf("$a\n%keywords << END\nx\n"), "t.mq:2: heredoc is missing terminator 'END'");
+    EXPECT_EQ(faultOf("$a\n%body <<\nx\n$b\n"), "t.mq:2: heredoc is missing terminator 'EOF'");
 }
 
 } // namespace

@@ -16,29 +16,6 @@ std::string expand(std::string_view text, const ValueMap& values = {}) {
     return textOf(expandForeach(linesOf(text), molecules, values));
 }
 
-TEST(ForeachHeaders, TwoFormsAreValid) {
-    const auto named = parseForeachHeader("@foreach  a.b-c_1 ");
-    EXPECT_TRUE(named.valid);
-    EXPECT_FALSE(named.optional);
-    EXPECT_FALSE(named.hasSource);
-    EXPECT_EQ(named.name, "a.b-c_1");
-    const auto sourced = parseForeachHeader("@foreach?\tx in  series(1 - 2) ");
-    EXPECT_TRUE(sourced.valid);
-    EXPECT_TRUE(sourced.optional);
-    EXPECT_TRUE(sourced.hasSource);
-    EXPECT_EQ(sourced.name, "x");
-    EXPECT_EQ(sourced.source, "series(1 - 2)");
-    EXPECT_EQ(parseForeachHeader("@foreach in").name, "in");
-}
-
-TEST(ForeachHeaders, AnythingElseIsNot) {
-    for (const char* text :
-         {"@foreach", "@foreach ", "@foreach?", "@foreachx", "@foreach 1x", "@foreach x in", "@foreach x y",
-          "@foreach x,y", "@foreach x infinity", "@foreach ?x", "foreach x"}) {
-        EXPECT_FALSE(parseForeachHeader(text).valid) << text;
-    }
-}
-
 TEST(Foreach, RepeatsItsLinesForEveryItem) {
     EXPECT_EQ(expand("a\n@foreach mols # all\n[mols.index] [mols.name] [mols.q] [x]\n@end\nb\n"),
               "a\n1 water [mols.q] [x]\n2 oh -1 [x]\nb\n");

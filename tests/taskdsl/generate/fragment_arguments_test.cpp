@@ -1,9 +1,7 @@
-// Definitions and arguments as records. What headers and include lines give is the matter of
-// fragment_test.cpp.
-
 #include "taskdsl/generate/fragment_arguments.h"
 
-#include "fixtures/faults.h"
+#include "fixtures/test_lines.h"
+#include "taskdsl/generate/fragment_header.h"
 
 #include <gtest/gtest.h>
 
@@ -64,6 +62,56 @@ TEST(BindArguments, FaultsHaveThePlaceOfTheIncludeLine) {
                   (void)bind(definition, {{"a", "1"}, {"c", "<[b]>"}});
               }),
               "t.mq:7: fragment parameter reference cycle in 'f': b -> c -> b");
+}
+
+ValueMap bindOf(std::string_view header, std::string_view arguments) {
+    const SourceLine line{"", "t.mq", 7};
+    return bindArguments(
+        parseFragmentHeader(linesOf(header, "l.mqlib"), 0, "l.mqlib", FragmentNaming::required).value,
+        parseIncludeLine("&INCLUDE x.y(" + std::string(arguments) + ")"), line);
+}
+
+TEST(FragmentArguments, TakeTheArgumentOrTheDefault) {
+    EXPECT_EQ(bindOf("&FRAGMENT text f(a, b=2, c='x y')", "a=1, c=3"),
+              (ValueMap{{"a", "1"}, {"b", "2"}, {"c", "3"}}));
+}
+
+TEST(FragmentArguments, ReferToOneAnother) {
+    EXPECT_EQ(bindOf("&FRAGMENT text f(a=[b]-[b], b=<[c]>, c)", "c=1"),
+              (ValueMap{{"a", "<1>-<1>"}, {"b", "<1>"}, {"c", "1"}}));
+    EXPECT_EQ(bindOf("&FRAGMENT text f(a=[other])", ""), (ValueMap{{"a", "[other]"}}));
+}
+
+TEST(FragmentArguments, TellUnknownMissingAndCircularOnes) {
+    const std::vector<std::tuple<const char*, const char*, const char*>> rows{
+        {"&FRAGMENT text f(a)", "b=1", "t.mq:7: unknown argument 'b' for fragment 'f'"},
+        {"&FRAGMENT text f(a)", "", "t.mq:7: missing required argument 'a' for fragment 'f'"},
+        {"&FRAGMENT text f(a=[b], b=[a])", "",
+         "t.mq:7: fragment parameter reference cycle in 'f': a -> b -> a"},
+        {"&FRAGMENT text f(x=[a], a=[b], b=[c], c=[b])", "",
+         "t.mq:7: fragment parameter reference cycle in 'f': b -> c -> b"},
+        {"&FRAGMENT text f(a)", "a=[a]", "t.mq:7: fragment parameter reference cycle in 'f': a -> a"},
+    };
+    for (const auto& [header, arguments, message] : rows) {
+        EXPECT_EQ(messageOf([&, h = header, a = arguments] { (void)bindOf(h, a); }), message);
+    }
+}
+
+TEST(FragmentArguments, LongChainsResolveAndDoublingOnesEnd) {
+    // Declared before what it needs, so that the first one walks the whole chain.
+    std::string chain = "&FRAGMENT text f(";
+    for (int i = 20'000; i > 0; --i) {
+        chain += "p" + std::to_string(i) + "=[p" + std::to_string(i - 1) + "], ";
+    }
+    chain += "p0=x";
+    std::string doubling = "&FRAGMENT text f(p0=xxxx";
+    for (int i = 1; i <= 60; ++i) {
+        const auto before = "[p" + std::to_string(i - 1) + "]";
+        doubling += ", p" + std::to_string(i) + "=" + before + before;
+    }
+    EXPECT_EQ(bindOf(chain + ")", "").at("p20000"), "x");
+    EXPECT_EQ(messageOf([&] { (void)bindOf(doubling + ")", ""); }),
+              "t.mq:7: parameters of fragment 'f' are longer than 64 MiB");
 }
 
 } // namespace

@@ -7,22 +7,15 @@
 namespace morquill::taskdsl {
 namespace {
 
-TEST(FragmentLine, IsTheKeywordBeforeABlankOrTheEnd) {
-    for (const char* line : {"&FRAGMENT", "&FRAGMENT task a"}) {
-        EXPECT_TRUE(isFragmentLine(line)) << line;
-    }
-    for (const char* line :
-         {"", "FRAGMENT", "&FRAGMENTS", "&Fragment task", "x &FRAGMENT", "&FRAGMENT(a)", "&FRAGMENT\ttask"}) {
-        EXPECT_FALSE(isFragmentLine(line)) << line;
-    }
+FragmentDefinition readHeader(std::string_view text, FragmentNaming naming = FragmentNaming::required) {
+    return parseFragmentHeader(linesOf(text, "l.mqlib"), 0, "l.mqlib", naming).value;
 }
 
 /// Kind, name and parameters, a required one with a "!" behind its name.
 std::string shown(std::string_view text) {
-    std::size_t index = 0;
     const auto lines = linesOf(text, "l.mqlib");
-    const auto fragment = parseFragmentHeader(lines, index, "l.mqlib", false);
-    EXPECT_EQ(index + 1, lines.size()) << text;
+    const auto [fragment, next] = parseFragmentHeader(lines, 0, "l.mqlib", FragmentNaming::optional);
+    EXPECT_EQ(next, lines.size()) << text;
     EXPECT_TRUE(fragment.lines.empty());
     EXPECT_EQ(fragment.path, "l.mqlib");
     std::string result = std::string(fragmentKindName(fragment.kind)) + " " + fragment.name;
@@ -30,6 +23,49 @@ std::string shown(std::string_view text) {
         result += " " + parameter.name + (parameter.required ? "!" : "=" + parameter.defaultValue);
     }
     return result;
+}
+
+TEST(FragmentHeader, ReadsKindNameAndParameters) {
+    const auto lines = linesOf(
+        "x\n  &FRAGMENT Task-body opt(method, # required\n   basis = 'a,b',\n extra=)\ny\n", "l.mqlib");
+    const auto [fragment, next] = parseFragmentHeader(lines, 1, "l.mqlib", FragmentNaming::required);
+    EXPECT_EQ(next, 4U);
+    EXPECT_EQ(fragment.kind, FragmentKind::task_body);
+    EXPECT_EQ(fragment.kindText, "Task-body");
+    EXPECT_EQ(fragment.name, "opt");
+    EXPECT_EQ(formatSpan(fragment.span), "l.mqlib:2:3-2:" + std::to_string(lines[1].text().size() + 1));
+    ASSERT_EQ(fragment.parameters.size(), 3U);
+    EXPECT_EQ(fragment.parameters[0].name, "method");
+    EXPECT_TRUE(fragment.parameters[0].required);
+    EXPECT_EQ(fragment.parameters[1].name, "basis");
+    EXPECT_EQ(fragment.parameters[1].defaultValue, "a,b");
+    EXPECT_FALSE(fragment.parameters[1].required);
+    EXPECT_EQ(fragment.parameters[2].defaultValue, "");
+    EXPECT_FALSE(fragment.parameters[2].required);
+    EXPECT_EQ(readHeader("&FRAGMENT text", FragmentNaming::optional).name, "");
+    EXPECT_EQ(readHeader("&FRAGMENT text (a=1)", FragmentNaming::optional).parameters.size(), 1U);
+}
+
+TEST(FragmentHeader, TellsWhatDoesNotFollowTheForm) {
+    const std::vector<std::pair<const char*, const char*>> rows{
+        {"x", "expected &FRAGMENT declaration"},
+        {"&FRAGMENTS text a", "expected &FRAGMENT declaration"},
+        {"&FRAGMENT", "unknown fragment kind ''"},
+        {"&FRAGMENT foo a", "unknown fragment kind 'foo'"},
+        {"&FRAGMENT text", "library fragments must have a name"},
+        {"&FRAGMENT text (a)", "library fragments must have a name"},
+        {"&FRAGMENT text 1a", "invalid fragment name '1a'"},
+        {"&FRAGMENT text a.b", "invalid fragment name 'a.b'"},
+        {"&FRAGMENT text a(b) c", "unterminated fragment parameter list"},
+        {"&FRAGMENT text a(1b)", "invalid fragment parameter name '1b'"},
+        {"&FRAGMENT text a(=1)", "invalid fragment parameter name ''"},
+        {"&FRAGMENT text a(b,b=1)", "duplicate fragment parameter 'b'"},
+        {"&FRAGMENT text a(b,\nc\n", "l.mqlib:1: unterminated &FRAGMENT parameter list"},
+        {"&FRAGMENT text a)", "l.mqlib:1: unmatched ')' in &FRAGMENT header"},
+    };
+    for (const auto& [text, message] : rows) {
+        EXPECT_EQ(messageOf([text = text] { (void)readHeader(text); }), message) << text;
+    }
 }
 
 TEST(FragmentHeader, EveryPartBehindTheKindMayBeMissing) {

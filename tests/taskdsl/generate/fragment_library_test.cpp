@@ -1,5 +1,4 @@
 #include "taskdsl/generate/fragment_library.h"
-#include "taskdsl/generate/include_path.h"
 
 #include "fixtures/temporary_directory.h"
 #include "fixtures/test_lines.h"
@@ -7,7 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 namespace morquill::taskdsl {
@@ -16,53 +14,6 @@ namespace {
 using ::testing::ElementsAre;
 
 const WarningSink noWarnings = [](const std::string& text) { ADD_FAILURE() << text; };
-
-/// Sets an environment variable for a test.
-class Environment {
-  public:
-    Environment(const char* variable, const std::string& value) : name(variable) {
-        const char* old = std::getenv(variable);
-        had = old != nullptr;
-        former = had ? old : "";
-        ::setenv(variable, value.c_str(), 1);
-    }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-    ~Environment() { had ? ::setenv(name, former.c_str(), 1) : ::unsetenv(name); }
-
-  private:
-    const char* name;
-    bool had;
-    std::string former;
-};
-
-TEST(IncludePath, RelativeNamesStartAtTheBaseFile) {
-    EXPECT_EQ(resolveIncludePath("", "/a/b.mq"), "");
-    EXPECT_EQ(resolveIncludePath("x.mq", "/a/b.mq"), "/a/x.mq");
-    EXPECT_EQ(resolveIncludePath("../c/./x.mq", "/a/b/c.mq"), "/a/c/x.mq");
-    EXPECT_EQ(resolveIncludePath("/x//y.mq", "/a/b.mq"), "/x/y.mq");
-    const auto here = std::filesystem::current_path().string();
-    EXPECT_EQ(resolveIncludePath("x.mq", ""), here + "/x.mq");
-    EXPECT_EQ(resolveIncludePath("x.mq", "b.mq"), here + "/x.mq");
-    EXPECT_EQ(resolveIncludePath("~/x.mq", "/a/b.mq"), "/a/~/x.mq");
-}
-
-TEST(IncludePath, AngleNamesAreLookedForInTheLibraryPath) {
-    const TemporaryDirectory dir;
-    (void)dir.write("one/a.mqlib", "");
-    (void)dir.write("two/a.mqlib", "");
-    (void)dir.write("two/b.mqlib", "");
-    (void)dir.write("one/b.mqlib/file", "");
-    const Environment home("HOME", dir.path("home"));
-    const Environment path("MORQUILL_MQLIB_PATH",
-                           ":" + dir.path("none") + ": " + dir.path("one") + " :" + dir.path("two/../two"));
-    EXPECT_EQ(resolveIncludePath("<a.mqlib>", "/x/y.mq"), dir.path("one/a.mqlib"));
-    EXPECT_EQ(resolveIncludePath("<b.mqlib>", "/x/y.mq"),
-              dir.path("two/b.mqlib")); // a directory is no library
-    EXPECT_EQ(resolveIncludePath("<c.mqlib>", "/x/y.mq"), "/x/c.mqlib");
-    EXPECT_EQ(resolveIncludePath("</c.mqlib>", "/x/y.mq"), "/c.mqlib");
-    EXPECT_EQ(resolveIncludePath("<~/c.mqlib>", "/x/y.mq"), dir.path("home/c.mqlib"));
-}
 
 TEST(LoadLibrary, ReadsNamedFragmentsWithTheirBodies) {
     const TemporaryDirectory dir;
@@ -79,7 +30,8 @@ TEST(LoadLibrary, ReadsNamedFragmentsWithTheirBodies) {
                                            "last\n"
                                            "   \n"
                                            "&FRAGMENT control none\n");
-    ParseContext context(noWarnings);
+    ParseContext run({.warnings = noWarnings});
+    DocumentContext context(run);
     const auto library = loadLibrary("l.mqlib", dir.path("t.mq"), context);
     EXPECT_EQ(library->path.str(), path);
     ASSERT_EQ(library->fragments.size(), 3U);
@@ -91,7 +43,7 @@ TEST(LoadLibrary, ReadsNamedFragmentsWithTheirBodies) {
     EXPECT_EQ(textOf(library->fragments.at("note").lines), "# kept\nlast\n");
     EXPECT_EQ(textOf(library->fragments.at("none").lines), "");
     EXPECT_EQ(loadLibrary(path, "", context), library); // read once
-    EXPECT_THAT(context.document.includedFiles.names(), ElementsAre(path));
+    EXPECT_THAT(context.includedFiles.names(), ElementsAre(path));
 }
 
 TEST(LoadLibrary, LoadsWhatItNames) {
@@ -99,10 +51,11 @@ TEST(LoadLibrary, LoadsWhatItNames) {
     (void)dir.write("a.mqlib", "&INCLUDE \"sub/b.mqlib\" as b\n&FRAGMENT text x\n1\n");
     (void)dir.write("sub/b.mqlib", "&INCLUDE c.mqlib as c # beside it\n");
     (void)dir.write("sub/c.mqlib", "&FRAGMENT text y\n2\n");
-    ParseContext context(noWarnings);
+    ParseContext run({.warnings = noWarnings});
+    DocumentContext context(run);
     const auto library = loadLibrary("a.mqlib", dir.path("t.mq"), context);
     EXPECT_EQ(textOf(library->dependencies.at("b")->dependencies.at("c")->fragments.at("y").lines), "2\n");
-    EXPECT_THAT(context.document.includedFiles.names(),
+    EXPECT_THAT(context.includedFiles.names(),
                 ElementsAre(dir.path("a.mqlib"), dir.path("sub/b.mqlib"), dir.path("sub/c.mqlib")));
 }
 
@@ -124,11 +77,13 @@ TEST(LoadLibrary, TellsWhatIsNoLibrary) {
     (void)dir.write("e.mqlib", "");
     for (const auto& [text, message] : rows) {
         (void)dir.write("l.mqlib", text);
-        ParseContext context(noWarnings);
+        ParseContext run({.warnings = noWarnings});
+        DocumentContext context(run);
         EXPECT_EQ(messageOf([&] { (void)loadLibrary("l.mqlib", dir.path("t.mq"), context); }), message)
             << text;
     }
-    ParseContext context(noWarnings);
+    ParseContext run({.warnings = noWarnings});
+    DocumentContext context(run);
     EXPECT_EQ(messageOf([&] { (void)loadLibrary("", path, context); }), "empty fragment library path");
     std::filesystem::create_directory(dir.path("d.mqlib"));
     EXPECT_EQ(messageOf([&] { (void)loadLibrary("d.mqlib", path, context); }),
@@ -140,7 +95,8 @@ TEST(LoadLibrary, ASymbolicLinkDoesNotHideACycle) {
     const auto a = dir.write("a.mqlib", "&INCLUDE \"d/b.mqlib\" as b\n");
     std::filesystem::create_directory_symlink(".", dir.path("d"));
     std::filesystem::create_symlink("a.mqlib", dir.path("b.mqlib"));
-    ParseContext context(noWarnings);
+    ParseContext run({.warnings = noWarnings});
+    DocumentContext context(run);
     EXPECT_EQ(messageOf([&] { (void)loadLibrary(a, "", context); }),
               "fragment library include cycle detected: " + a + " -> " + dir.path("d/b.mqlib"));
 }
@@ -151,7 +107,8 @@ TEST(LoadLibrary, DeepChainsEnd) {
         (void)dir.write("l" + std::to_string(i) + ".mqlib",
                         "&INCLUDE l" + std::to_string(i + 1) + ".mqlib as n\n");
     }
-    ParseContext context(noWarnings);
+    ParseContext run({.warnings = noWarnings});
+    DocumentContext context(run);
     EXPECT_EQ(messageOf([&] { (void)loadLibrary("l0.mqlib", dir.path("t.mq"), context); }),
               "fragment library include is nested more than 200 deep: " + dir.path("l200.mqlib"));
 }
@@ -161,25 +118,27 @@ TEST(BindLibrary, TheSameFileMayBeBoundAgain) {
     const auto a = dir.write("a.mqlib", "");
     (void)dir.write("b.mqlib", "");
     std::filesystem::create_symlink("a.mqlib", dir.path("c.mqlib"));
-    ParseContext context(noWarnings);
-    bindLibrary("x", "a.mqlib", dir.path("t.mq"), "t.mq:1: ", context);
-    bindLibrary("x", "./a.mqlib", dir.path("t.mq"), "t.mq:2: ", context);
-    bindLibrary("x", "c.mqlib", dir.path("t.mq"), "t.mq:3: ", context);
-    EXPECT_EQ(libraryBindings(context.document), (ValueMap{{"x", a}}));
-    EXPECT_EQ(messageOf([&] { bindLibrary("x", "b.mqlib", dir.path("t.mq"), "t.mq:4: ", context); }),
-              "t.mq:4: namespace 'x' is already bound to '" + a + "'");
+    ParseContext run({.warnings = noWarnings});
+    DocumentContext context(run);
+    const auto bind = [&](const char* name) { return bindLibrary("x", name, dir.path("t.mq"), context); };
+    EXPECT_EQ(bind("a.mqlib"), std::nullopt);
+    EXPECT_EQ(bind("./a.mqlib"), std::nullopt);
+    EXPECT_EQ(bind("c.mqlib"), std::nullopt);
+    EXPECT_EQ(libraryBindings(context), (ValueMap{{"x", a}}));
+    EXPECT_EQ(bind("b.mqlib"), "namespace 'x' is already bound to '" + a + "'");
 }
 
 TEST(LoadFragmentFile, WithoutAHeaderItIsOfTheKindOfTheScope) {
     const TemporaryDirectory dir;
     const auto path = dir.write("f.mqfrag", "\na\n");
-    ParseContext context(noWarnings);
+    ParseContext run({.warnings = noWarnings});
+    DocumentContext context(run);
     const auto fragment = loadFragmentFile("f.mqfrag", dir.path("t.mq"), FragmentKind::control, context);
     EXPECT_EQ(fragment.kind, FragmentKind::control);
     EXPECT_EQ(fragment.name, "f.mqfrag");
     EXPECT_EQ(fragment.path.str(), path);
     EXPECT_EQ(textOf(fragment.lines), "\na\n");
-    EXPECT_THAT(context.document.includedFiles.names(), ElementsAre(path));
+    EXPECT_THAT(context.includedFiles.names(), ElementsAre(path));
 }
 
 TEST(LoadFragmentFile, AHeaderCountsOnlyInAFragmentFileOutsideTextScope) {
@@ -187,7 +146,8 @@ TEST(LoadFragmentFile, AHeaderCountsOnlyInAFragmentFileOutsideTextScope) {
     const std::string text = "# a\n&FRAGMENT process f(a,\n b=1)\nx\n\n";
     (void)dir.write("f.mqfrag", text);
     (void)dir.write("f.txt", text);
-    ParseContext context(noWarnings);
+    ParseContext run({.warnings = noWarnings});
+    DocumentContext context(run);
     const auto load = [&](const char* name, FragmentKind scope) {
         return loadFragmentFile(name, dir.path("t.mq"), scope, context);
     };
@@ -203,7 +163,8 @@ TEST(LoadFragmentFile, AHeaderCountsOnlyInAFragmentFileOutsideTextScope) {
 
 TEST(LoadFragmentFile, TellsWhatCannotBeLoaded) {
     const TemporaryDirectory dir;
-    ParseContext context(noWarnings);
+    ParseContext run({.warnings = noWarnings});
+    DocumentContext context(run);
     const auto load = [&](const std::string& name) {
         return messageOf(
             [&] { (void)loadFragmentFile(name, dir.path("t.mq"), FragmentKind::task_body, context); });

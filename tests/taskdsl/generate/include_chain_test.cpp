@@ -43,17 +43,17 @@ TEST(IncludeChain, IsTwoHundredDeepAtMost) {
     EXPECT_EQ(messageOf([&] { const IncludeChain::Entry entry(chain, "200", "last.mq"); }), "no fault");
 }
 
-TEST(EnterFile, TellsFilesApartByWhatTheyAreAndShowsThemAsWritten) {
+TEST(IncludeChain, TellsFilesApartByWhatTheyAreAndShowsThemAsWritten) {
     const TemporaryDirectory dir;
     const auto file = dir.write("a.mq", "");
     (void)dir.write("b.mq", "");
     std::filesystem::create_symlink("a.mq", dir.path("link.mq"));
     IncludeChain chain("task include");
-    const auto entry = enterFile(chain, file);
-    EXPECT_EQ(messageOf([&] { const auto again = enterFile(chain, dir.path("link.mq")); }),
+    const IncludeChain::Entry entry(chain, file);
+    EXPECT_EQ(messageOf([&] { const IncludeChain::Entry again(chain, dir.path("link.mq")); }),
               "task include cycle detected: " + file + " -> " + dir.path("link.mq"));
-    EXPECT_EQ(messageOf([&] { const auto other = enterFile(chain, dir.path("b.mq")); }), "no fault");
-    EXPECT_EQ(messageOf([&] { const auto none = enterFile(chain, dir.path("none.mq")); }), "no fault");
+    EXPECT_EQ(messageOf([&] { const IncludeChain::Entry other(chain, dir.path("b.mq")); }), "no fault");
+    EXPECT_EQ(messageOf([&] { const IncludeChain::Entry none(chain, dir.path("none.mq")); }), "no fault");
 }
 
 } // namespace

@@ -119,14 +119,12 @@ TEST(IncludeLine, TellsWhatDoesNotFollowTheGrammar) {
 
 TEST(Parentheses, AreGatheredOverLines) {
     const auto lines = linesOf("&INCLUDE x.y(a=1, # one\n  b='(',\n\n c=2)\nnext\n");
-    std::size_t index = 0;
-    std::string text;
-    EXPECT_EQ(gatherParentheses(lines, index, text), GatherEnd::balanced);
-    EXPECT_EQ(text, "&INCLUDE x.y(a=1, b='(',  c=2)");
-    EXPECT_EQ(index, 3U);
-    index = 0;
-    EXPECT_EQ(gatherParentheses(linesOf("a(\nb\n"), index, text), GatherEnd::unterminated);
-    EXPECT_EQ(gatherParentheses(linesOf("a(\nb))\n"), index, text), GatherEnd::unmatched);
+    const auto gathered = gatherParentheses(lines, 0);
+    EXPECT_EQ(gathered.end, GatherEnd::balanced);
+    EXPECT_EQ(gathered.text, "&INCLUDE x.y(a=1, b='(',  c=2)");
+    EXPECT_EQ(gathered.last, 3U);
+    EXPECT_EQ(gatherParentheses(linesOf("a(\nb\n"), 0).end, GatherEnd::unterminated);
+    EXPECT_EQ(gatherParentheses(linesOf("a(\nb))\n"), 0).end, GatherEnd::unmatched);
 }
 
 TEST(Arguments, SplitOutsideQuotesAndBrackets) {

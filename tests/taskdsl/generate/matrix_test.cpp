@@ -12,18 +12,16 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 std::vector<MatrixAxis> readBlock(std::string_view text) {
-    std::size_t next = 0;
-    return parseMatrixBlock(splitLines(text), 0, next);
+    return parseMatrixBlock(makeSourceLines(text, "t.mq"), 0).value;
 }
 
 TEST(MatrixBlock, MappingSyntaxHasOneAxisPerLine) {
-    std::size_t next = 0;
     const auto lines =
-        splitLines("matrix:\n  a: 1, 2 # values\n\n# comment\n   b: x\n  c:\n  no colon\n $t\n");
-    EXPECT_THAT(parseMatrixBlock(lines, 1, next),
-                ElementsAre(MatrixAxis{"a", {"1", "2"}, {}, {}}, MatrixAxis{"b", {"x"}, {}, {}},
-                            MatrixAxis{"c", {}, {}, {}}));
-    EXPECT_EQ(next, 7U);
+        makeSourceLines("matrix:\n  a: 1, 2 # values\n\n# comment\n   b: x\n  c:\n  no colon\n $t\n", "t.mq");
+    const auto block = parseMatrixBlock(lines, 1);
+    EXPECT_THAT(block.value, ElementsAre(MatrixAxis{"a", {"1", "2"}, {}, {}}, MatrixAxis{"b", {"x"}, {}, {}},
+                                         MatrixAxis{"c", {}, {}, {}}));
+    EXPECT_EQ(block.next, 7U);
 }
 
 TEST(MatrixBlock, ListSyntaxHasNamesAndMaps) {

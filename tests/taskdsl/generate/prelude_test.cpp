@@ -28,11 +28,14 @@ struct ReadPrelude {
 ReadPrelude read(std::string_view text, const std::string& path = "t.mq") {
     ReadPrelude prelude;
     const WarningSink sink = [&prelude](const std::string& warning) { prelude.warnings.push_back(warning); };
-    ParseContext context(sink);
-    const auto lines = splitLines(text);
-    prelude.result = parsePrelude(lines, 0, prelude.next, path, context);
-    prelude.bindings = libraryBindings(context.document);
-    prelude.includedFiles = context.document.includedFiles.names();
+    ParseContext run({.warnings = sink});
+    DocumentContext context(run);
+    const auto lines = makeSourceLines(text, SharedText(path));
+    auto taken = parsePrelude(lines, path, context);
+    prelude.result = std::move(taken.value);
+    prelude.next = taken.next;
+    prelude.bindings = libraryBindings(context);
+    prelude.includedFiles = context.includedFiles.names();
     return prelude;
 }
 
@@ -161,7 +164,7 @@ TEST(Prelude, AnEmptySecondYamlDocumentIsHarmless) {
 TEST(Prelude, ADocumentMarkerHidesNoLines) {
     const auto check = [](std::string_view text) {
         return messageOf([&] {
-            const auto lines = splitLines(text);
+            const auto lines = makeSourceLines(text, "t.mq");
             requireWholePrelude(lines, read(text).next, "t.mq");
         });
     };
@@ -259,7 +262,8 @@ TEST(Prelude, MissingYamlFilesAreWarnings) {
     const WarningSink sink = [](const std::string& text) {
         EXPECT_EQ(text, "Warning: Empty path in &INCLUDE directive.");
     };
-    ParseContext context(sink);
+    ParseContext run({.warnings = sink});
+    DocumentContext context(run);
     EXPECT_TRUE(parseYamlInclude("", "t.mq", context).settings.empty());
 }
 

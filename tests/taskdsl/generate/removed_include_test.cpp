@@ -5,16 +5,6 @@
 namespace morquill::taskdsl {
 namespace {
 
-TEST(HashInclude, IsTheWordInAnyCaseBeforeWhiteSpaceOrTheEnd) {
-    for (const char* line : {"#INCLUDE", "#include a.mq", "#Include\ta", "#INCLUDE\v"}) {
-        EXPECT_TRUE(isHashInclude(line)) << line;
-    }
-    for (const char* line :
-         {"", "#", "# include a", "#INCLUD", "#INCLUDED a", "#include<a>", "INCLUDE a", "&INCLUDE a"}) {
-        EXPECT_FALSE(isHashInclude(line)) << line;
-    }
-}
-
 std::string warningOf(std::string_view line, const std::string& path) {
     std::string warning;
     warnHashInclude(line, path, [&warning](const std::string& text) { warning += text + "\n"; });

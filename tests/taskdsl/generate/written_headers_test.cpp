@@ -75,7 +75,7 @@ TEST(WrittenHeaders, AreThoseThatTheParserMeetsInTheFileItself) {
                              "%body <<X\n$no\nX\n@end\n$\"last one\"\n%program orca\n";
     directory.write("a.mq", text);
     const auto path = directory.path("a.mq");
-    const auto document = TaskParser(false, [](const std::string&) {}).parseFile(path);
+    const auto document = TaskParser().parseFile(path);
     std::set<std::size_t> parsed;
     for (const auto& task : document.templateTasks) {
         if (task.headerSpan.path.str() == path) {

@@ -16,7 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 TEST(TaskParser, DeclaredTasksAreReadAloneAndFromNoOtherFile) {
-    TaskParser parser(true, [](const std::string&) {});
+    TaskParser parser({.legacyMultiSource = true});
     const auto document = parser.parseDeclaredTasks("$a[k]\n%source b,c\n%mod\n charge [n]\n$b\n");
     EXPECT_THAT(namesOf(document.tasks), ElementsAre("a[k]", "b"));
     EXPECT_THAT(whenConditions(document.tasks[0]), ElementsAre("completed c"));
@@ -92,57 +92,12 @@ TEST(TaskParser, TheRemovedIncludeFormWarnsAndIsPassedOver) {
     EXPECT_EQ(inTask.document.tasks[0].keywords, "k");
 }
 
-TEST(TaskParser, HeaderMetadataFillsTasksWithoutAValueOfTheirOwn) {
-    const auto parsed =
-        parse("totcore: 8\ntotmem: 16000\n$a\n$b\n%control\ntotcore 4\n$c\n%control\ntotcore -4\n");
-    for (const auto* tasks : {&parsed.document.tasks, &parsed.document.templateTasks}) {
-        EXPECT_EQ(tasks->at(0).totalCores, 8);
-        EXPECT_EQ(tasks->at(0).totalMemory, 16000);
-        EXPECT_TRUE(tasks->at(0).controlDeclared);
-        EXPECT_EQ(tasks->at(1).totalCores, 4);
-        EXPECT_EQ(tasks->at(1).totalMemory, 16000);
-        EXPECT_EQ(tasks->at(2).totalCores, 8);
-    }
-    EXPECT_THAT(parsed.warnings, IsEmpty());
-}
-
-TEST(TaskParser, InvalidHeaderMetadataWarnsAndCountsAsAbsent) {
-    const auto parsed = parse("totcore: 0\ntotmem: x\n$a\n");
-    EXPECT_THAT(parsed.warnings,
-                ElementsAre("task file 't.mq' has invalid header metadata totcore='0'; ignoring it.",
-                            "task file 't.mq' has invalid header metadata totmem='x'; ignoring it."));
-    EXPECT_EQ(parsed.document.tasks[0].totalCores, 0);
-    EXPECT_FALSE(parsed.document.tasks[0].controlDeclared);
-    EXPECT_THAT(
-        parse("totcore: 99999999999\n$a\n", false, "").warnings,
-        ElementsAre("task file '<memory>' has invalid header metadata totcore='99999999999'; ignoring it."));
-}
-
-TEST(TaskParser, SharesTheNamesOfAllTasksThatAreNoProviders) {
-    const auto parsed = parse("$a\n$p\n%interface provider\n$b\n");
-    EXPECT_THAT(*parsed.document.tasks[0].documentTaskNames, ElementsAre("a", "b"));
-    EXPECT_EQ(&*parsed.document.tasks[0].documentTaskNames,
-              &*parsed.document.templateTasks[2].documentTaskNames);
-}
-
 TEST(TaskParser, WhatNothingIsPutIntoIsStoredOnce) {
     const auto plain = parse("totcore: 8\n$a\n$b\n");
     EXPECT_TRUE(plain.document.tasks.sharesWith(plain.document.templateTasks));
     const auto substituted = parse("define:\n  k: v\n$a\n%keywords [k]\n$b\n");
     EXPECT_EQ(substituted.document.tasks[0].keywords, "v");
     EXPECT_EQ(substituted.document.templateTasks[0].keywords, "[k]");
-}
-
-TEST(TaskParser, TwoTasksThatWaitForAllOthersMayDeadlock) {
-    const std::string one = "$a\n%when\n  completed ALLOTHERS and defined x\n  completed allothers\n$c\n";
-    EXPECT_THAT(parse(one).warnings, IsEmpty());
-    EXPECT_THAT(
-        parse(one + "$b\n%when completed allothers\n").warnings,
-        ElementsAre("potential deadlock: multiple tasks in 't.mq' use '%when completed allothers': a, b"));
-    EXPECT_THAT(
-        parse(one + "$b\n%when completed allothers\n", false, "").warnings,
-        ElementsAre(
-            "potential deadlock: multiple tasks in '<memory>' use '%when completed allothers': a, b"));
 }
 
 TEST(TaskParser, MissingFilesAndOtherThingsThanFilesAreRefused) {
@@ -170,89 +125,6 @@ TEST(TaskParser, AnyBytesAreText) {
     const auto parsed = parse(bytes);
     EXPECT_EQ(parsed.document.tasks[0].name, "a\xff\xA0\x85");
     EXPECT_EQ(parsed.document.tasks[0].keywords, std::string("x\0y", 3));
-}
-
-// How a task is finished.
-
-struct Finishing {
-    const char* text;
-    TaskProgram program;
-    const char* keywords;
-    const char* args;
-    std::vector<std::string> warnings;
-};
-
-TEST(FinishTask, MovesLegacyFormsAndTellsThem) {
-    const Finishing rows[] = {
-        {"%args --gfn 2",
-         TaskProgram::xtb,
-         "",
-         "--gfn 2",
-         {"task 'a' uses %args without an explicit %program; defaulting to '%program xtb'."}},
-        {"%args --gfn 2\n%body x",
-         TaskProgram::gaussian,
-         "",
-         "--gfn 2",
-         {"task 'a' declares %args, but only '%program xtb' currently consumes that directive; the args will "
-          "be "
-          "ignored."}},
-        {"%program xtb\n%keywords --gfn 2",
-         TaskProgram::xtb,
-         "",
-         "--gfn 2",
-         {"task 'a' uses deprecated '%keywords' syntax for '%program xtb'; move command-line arguments to "
-          "'%args'."}},
-        {"%program xtb\n%keywords k\n%args x", TaskProgram::xtb, "k", "x", {}},
-        {"%program other\n%keywords job=x",
-         TaskProgram::other,
-         "job=x",
-         "",
-         {"task 'a' uses deprecated '%keywords' syntax for '%program other'; move template selection to "
-          "'%template' plus '%param'."}},
-        {"%program script\n%keywords /bin/sh",
-         TaskProgram::script,
-         "/bin/sh",
-         "",
-         {"task 'a' uses deprecated '%keywords' as script runner/shebang; move the runner to '%runner'."}},
-        {"%program script\n%runner sh\n%keywords k", TaskProgram::script, "k", "", {}},
-        {"%program orca\n%args x",
-         TaskProgram::orca,
-         "",
-         "x",
-         {"task 'a' declares %args, but only '%program xtb' currently consumes that directive; the args will "
-          "be "
-          "ignored."}},
-    };
-    for (const auto& row : rows) {
-        const auto parsed = parse("$a\n" + std::string(row.text) + "\n");
-        const TaskInfo& task = parsed.document.tasks[0];
-        EXPECT_EQ(task.program, row.program) << row.text;
-        EXPECT_EQ(task.keywords, row.keywords) << row.text;
-        EXPECT_EQ(task.args, row.args) << row.text;
-        EXPECT_EQ(parsed.warnings, row.warnings) << row.text;
-    }
-}
-
-TEST(FinishTask, UnquotesKeywordsTemplateAndRunner) {
-    const TaskInfo task =
-        firstTask("$a\n%keywords 'b3lyp opt'\n%template \"a b\"\n%runner '/bin/sh -e'\n%body \"a b\"\n");
-    EXPECT_EQ(task.keywords, "b3lyp opt");
-    EXPECT_EQ(task.templateName, "a b");
-    EXPECT_EQ(task.runner, "/bin/sh -e");
-    EXPECT_EQ(task.body, "\"a b\"");
-}
-
-TEST(FinishTask, FcclassesNeedsAStructuredSource) {
-    EXPECT_EQ(faultOf("$a\n%program fcclasses\n%source b\n"),
-              "task 'a' uses '%program fcclasses' but does not declare a multi-line structured %source");
-    EXPECT_EQ(faultOf("$a\n%program fcclasses\n%source\n  geom b\n"), "no fault");
-}
-
-TEST(FinishTask, ModsMustFitTheGeometrySlots) {
-    EXPECT_EQ(faultOf("$a\n%source\n  geom b\n%mod\n  charge.x 1\n"),
-              "%mod targets geometry slot 'x', but %source does not declare geom.x");
-    EXPECT_EQ(faultOf("$a\n%mod charge\n"), "%mod charge requires a value");
-    EXPECT_EQ(faultOf("$a\n%source\n  geom b\n  geom.x c\n%mod\n  charge.x 1\n"), "no fault");
 }
 
 TEST(TaskParser, CallersLoseToTheFileAndTheFileKeepsItsText) {
@@ -333,7 +205,7 @@ TEST(TaskParser, TellsTheLibrariesThatAFileImports) {
     const auto parsed = parseFile(path);
     EXPECT_EQ(parsed.document.libraryBindings, (ValueMap{{"one", one}, {"two", two}}));
     EXPECT_EQ(parsed.document.tasks[0].keywords, "k");
-    EXPECT_THAT(parsed.document.tasks[0].processCommands, IsEmpty());
+    EXPECT_THAT(*parsed.document.tasks[0].processCommands, IsEmpty());
     EXPECT_EQ(parsed.document.tasks[0].directives->at(0).span.path.str(), one);
 }
 
@@ -398,6 +270,32 @@ TEST(ByteOrderMark, ShiftsNoPlaceAndCountsOnceOnly) {
     EXPECT_EQ(parsed.document.tasks[0].keywords, mark + "hf");
     EXPECT_EQ(faultOf(mark + "%keywords hf\n"), "t.mq:1: task directive appears outside a task block");
     EXPECT_THAT(parse(mark + mark + "$a\n").document.tasks, IsEmpty());
+}
+
+TEST(TaskParser, EveryCallIsARunOfItsOwn) {
+    const TaskParser parser;
+    for (int i = 0; i < 2; ++i) {
+        const auto document = parser.parseText("$a\n$b\n", "");
+        EXPECT_EQ(document.tasks[0].documentOrder, 0U);
+        EXPECT_EQ(document.tasks[1].documentOrder, 1U);
+    }
+}
+
+TEST(TaskParser, AsksItsCallerForNamesInAngles) {
+    const TemporaryDirectory dir;
+    const auto library = dir.write("lib/l.mqlib", "&FRAGMENT process clean\nrm x\n");
+    const auto path = dir.write("t.mq", "&INCLUDE <l.mqlib> as l\n$a\n%process\n  &INCLUDE l.clean\n");
+    std::vector<std::string> asked;
+    const TaskParser parser({.findLibraryFile = [&](const std::string& name) {
+        asked.push_back(name);
+        return library;
+    }});
+    const auto document = parser.parseFile(path);
+    EXPECT_THAT(*document.tasks[0].processCommands, testing::ElementsAre("rm x"));
+    EXPECT_EQ(document.libraryBindings, (ValueMap{{"l", library}}));
+    EXPECT_THAT(asked, testing::ElementsAre("l.mqlib"));
+    EXPECT_EQ(messageOf([&] { (void)TaskParser().parseFile(path); }),
+              "fragment library not found: " + dir.path("l.mqlib"));
 }
 
 } // namespace

@@ -1,8 +1,9 @@
-// The passes over records filled by hand. What they do to files is the matter of task_parser_test.cpp.
+// The passes over records filled by hand and over tasks as they are read from a text.
 
 #include "taskdsl/parser/task_passes.h"
 
 #include "fixtures/faults.h"
+#include "fixtures/parse_text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -119,17 +120,144 @@ TEST(ShareTaskNames, NamesAllTasksButProvidersInEveryTask) {
 
 TEST(WarnAboutDeadlocks, NeedsTwoTasksThatWaitForAllOthers) {
     TaskInfo waits("a");
-    waits.whenEntries = {{"defined x", {}}, {"(completed ALLOTHERS) or defined z", {}}};
+    waits.whenEntries.edit() = {{"defined x", {}}, {"(completed ALLOTHERS) or defined z", {}}};
     TaskInfo waitsToo("b");
-    waitsToo.whenEntries = {{"completed allothers and defined y", {}}};
+    waitsToo.whenEntries.edit() = {{"completed allothers and defined y", {}}};
     TaskInfo names("c");
-    names.whenEntries = {{"completed allothers_1", {}}, {"defined allothers", {}}};
+    names.whenEntries.edit() = {{"completed allothers_1", {}}, {"defined allothers", {}}};
     Warnings warnings;
     warnAboutDeadlocks(documentOf({waits, names}), "t.mq", warnings.sink);
     EXPECT_THAT(warnings.texts, IsEmpty());
     warnAboutDeadlocks(documentOf({waits, names, waitsToo}), "", warnings.sink);
     EXPECT_THAT(
         warnings.texts,
+        ElementsAre(
+            "potential deadlock: multiple tasks in '<memory>' use '%when completed allothers': a, b"));
+}
+
+/// What a task written so is once it is finished.
+struct Finishing {
+    const char* text;
+    TaskProgram program;
+    const char* keywords;
+    const char* args;
+    std::vector<std::string> warnings;
+};
+
+TEST(FinishTask, MovesLegacyFormsAndTellsThem) {
+    const Finishing rows[] = {
+        {"%args --gfn 2",
+         TaskProgram::xtb,
+         "",
+         "--gfn 2",
+         {"task 'a' uses %args without an explicit %program; defaulting to '%program xtb'."}},
+        {"%args --gfn 2\n%body x",
+         TaskProgram::gaussian,
+         "",
+         "--gfn 2",
+         {"task 'a' declares %args, but only '%program xtb' currently consumes that directive; the args will "
+          "be "
+          "ignored."}},
+        {"%program xtb\n%keywords --gfn 2",
+         TaskProgram::xtb,
+         "",
+         "--gfn 2",
+         {"task 'a' uses deprecated '%keywords' syntax for '%program xtb'; move command-line arguments to "
+          "'%args'."}},
+        {"%program xtb\n%keywords k\n%args x", TaskProgram::xtb, "k", "x", {}},
+        {"%program other\n%keywords job=x",
+         TaskProgram::other,
+         "job=x",
+         "",
+         {"task 'a' uses deprecated '%keywords' syntax for '%program other'; move template selection to "
+          "'%template' plus '%param'."}},
+        {"%program script\n%keywords /bin/sh",
+         TaskProgram::script,
+         "/bin/sh",
+         "",
+         {"task 'a' uses deprecated '%keywords' as script runner/shebang; move the runner to '%runner'."}},
+        {"%program script\n%runner sh\n%keywords k", TaskProgram::script, "k", "", {}},
+        {"%program orca\n%args x",
+         TaskProgram::orca,
+         "",
+         "x",
+         {"task 'a' declares %args, but only '%program xtb' currently consumes that directive; the args will "
+          "be "
+          "ignored."}},
+    };
+    for (const auto& row : rows) {
+        const auto parsed = parse("$a\n" + std::string(row.text) + "\n");
+        const TaskInfo& task = parsed.document.tasks[0];
+        EXPECT_EQ(task.program, row.program) << row.text;
+        EXPECT_EQ(task.keywords, row.keywords) << row.text;
+        EXPECT_EQ(task.args, row.args) << row.text;
+        EXPECT_EQ(parsed.warnings, row.warnings) << row.text;
+    }
+}
+
+TEST(FinishTask, UnquotesKeywordsTemplateAndRunner) {
+    const TaskInfo task =
+        firstTask("$a\n%keywords 'b3lyp opt'\n%template \"a b\"\n%runner '/bin/sh -e'\n%body \"a b\"\n");
+    EXPECT_EQ(task.keywords, "b3lyp opt");
+    EXPECT_EQ(task.templateName, "a b");
+    EXPECT_EQ(task.runner, "/bin/sh -e");
+    EXPECT_EQ(task.body, "\"a b\"");
+}
+
+TEST(FinishTask, FcclassesNeedsAStructuredSource) {
+    EXPECT_EQ(faultOf("$a\n%program fcclasses\n%source b\n"),
+              "task 'a' uses '%program fcclasses' but does not declare a multi-line structured %source");
+    EXPECT_EQ(faultOf("$a\n%program fcclasses\n%source\n  geom b\n"), "no fault");
+}
+
+TEST(FinishTask, ModsMustFitTheGeometrySlots) {
+    EXPECT_EQ(faultOf("$a\n%source\n  geom b\n%mod\n  charge.x 1\n"),
+              "%mod targets geometry slot 'x', but %source does not declare geom.x");
+    EXPECT_EQ(faultOf("$a\n%mod charge\n"), "%mod charge requires a value");
+    EXPECT_EQ(faultOf("$a\n%source\n  geom b\n  geom.x c\n%mod\n  charge.x 1\n"), "no fault");
+}
+
+TEST(ApplyHeaderMetadata, OfAFileFillsTasksWithoutAValueOfTheirOwn) {
+    const auto parsed =
+        parse("totcore: 8\ntotmem: 16000\n$a\n$b\n%control\ntotcore 4\n$c\n%control\ntotcore -4\n");
+    for (const auto* tasks : {&parsed.document.tasks, &parsed.document.templateTasks}) {
+        EXPECT_EQ(tasks->at(0).totalCores, 8);
+        EXPECT_EQ(tasks->at(0).totalMemory, 16000);
+        EXPECT_TRUE(tasks->at(0).controlDeclared);
+        EXPECT_EQ(tasks->at(1).totalCores, 4);
+        EXPECT_EQ(tasks->at(1).totalMemory, 16000);
+        EXPECT_EQ(tasks->at(2).totalCores, 8);
+    }
+    EXPECT_THAT(parsed.warnings, IsEmpty());
+}
+
+TEST(ApplyHeaderMetadata, OfAFileWarnsWithItsName) {
+    const auto parsed = parse("totcore: 0\ntotmem: x\n$a\n");
+    EXPECT_THAT(parsed.warnings,
+                ElementsAre("task file 't.mq' has invalid header metadata totcore='0'; ignoring it.",
+                            "task file 't.mq' has invalid header metadata totmem='x'; ignoring it."));
+    EXPECT_EQ(parsed.document.tasks[0].totalCores, 0);
+    EXPECT_FALSE(parsed.document.tasks[0].controlDeclared);
+    EXPECT_THAT(
+        parse("totcore: 99999999999\n$a\n", false, "").warnings,
+        ElementsAre("task file '<memory>' has invalid header metadata totcore='99999999999'; ignoring it."));
+}
+
+TEST(ShareTaskNames, OfAFileInBothLists) {
+    const auto parsed = parse("$a\n$p\n%interface provider\n$b\n");
+    EXPECT_THAT(*parsed.document.tasks[0].documentTaskNames, ElementsAre("a", "b"));
+    EXPECT_EQ(&*parsed.document.tasks[0].documentTaskNames,
+              &*parsed.document.templateTasks[2].documentTaskNames);
+}
+
+TEST(WarnAboutDeadlocks, NamesTheFile) {
+    const std::string one = "$a\n%when\n  completed ALLOTHERS and defined x\n  completed allothers\n$c\n";
+    EXPECT_THAT(parse(one).warnings, IsEmpty());
+    EXPECT_THAT(
+        parse(one + "$b\n%when completed allothers\n").warnings,
+        ElementsAre("potential deadlock: multiple tasks in 't.mq' use '%when completed allothers': a, b"));
+    EXPECT_THAT(
+        parse(one + "$b\n%when completed allothers\n", false, "").warnings,
         ElementsAre(
             "potential deadlock: multiple tasks in '<memory>' use '%when completed allothers': a, b"));
 }

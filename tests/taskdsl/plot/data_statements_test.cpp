@@ -1,6 +1,7 @@
 // What the statements about data leave in the record. Their messages are the matter of plot_parser_test.cpp.
 
 #include "fixtures/plot_reading.h"
+#include "fixtures/plots.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <gmock/gmock.h>
@@ -10,6 +11,7 @@ namespace morquill::taskdsl::plot {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 using enum PlotKind;
 
 std::string printed(const PlotSeries& series) {
@@ -200,6 +202,155 @@ TEST(DataStatements, FlagsOfHistogramAndScatter) {
     EXPECT_THAT(data.metrics, ElementsAre("rmse"));
     EXPECT_EQ(reading.fault(readDiagonal, "diagonal no"), atStatement("diagonal accepts no value or y=x"));
     EXPECT_EQ(reading.fault(readMetrics, "metrics chi2"), atStatement("unsupported scatter metric 'chi2'"));
+}
+
+TEST(BarrierPoints, RelativeModes) {
+    const std::vector<std::pair<std::string, RelativeMode>> rows{
+        {"relative first", RelativeMode::first},
+        {"relative minimum", RelativeMode::minimum},
+        {"relative MIN", RelativeMode::minimum},
+        {"relative none", RelativeMode::none},
+        {"relative to 'a' b", RelativeMode::toPoint}};
+    for (const auto& [statement, mode] : rows) {
+        EXPECT_EQ(dataWith<BarrierPlotData>("barrier", statement).relativeMode, mode) << statement;
+    }
+}
+
+TEST(PlotSeriesStatements, ModifiersInAnyOrder) {
+    const auto series = dataWith<CurvePlotData>(
+        "curve",
+        "y energy(self) * 627.5 label \"E \\\"rel\\\"\" unit 'kcal/mol' log axis right style linespoints");
+    const auto& y = series.series.back();
+    EXPECT_EQ(y.id, "");
+    EXPECT_EQ(renderPlotExpression(y.expression), "energy(self) * 627.5");
+    EXPECT_EQ(y.label, "E \"rel\"");
+    EXPECT_EQ(y.unit, "kcal/mol");
+    EXPECT_TRUE(y.logScale);
+    EXPECT_EQ(y.axis, PlotAxis::y2);
+    EXPECT_TRUE(y.axisDeclared);
+    EXPECT_EQ(y.style, PlotStyle::linepoints);
+    EXPECT_TRUE(y.styleDeclared);
+    EXPECT_EQ(formatSpan(y.span), "a.mq:5:1-5:89");
+}
+
+TEST(PlotSeriesStatements, ModifierValues) {
+    const std::vector<std::pair<std::string, bool>> logRows{{"y e log", true},
+                                                            {"y e log on", true},
+                                                            {"y e log \"OFF\"", false},
+                                                            {"y e log false", false},
+                                                            {"y e log linear", false},
+                                                            {"y e log scale linear", false},
+                                                            {"y e scale linear log", true}};
+    for (const auto& [statement, logScale] : logRows) {
+        EXPECT_EQ(dataWith<CurvePlotData>("curve", statement).series.back().logScale, logScale) << statement;
+    }
+    EXPECT_TRUE(dataWith<CurvePlotData>("curve", "y e scale LOG10").series.back().logScale);
+    EXPECT_EQ(dataWith<CurvePlotData>("curve", "y e axis left").series.back().axis, PlotAxis::y);
+}
+
+TEST(PlotSeriesStatements, KeywordsSplitWhereverTheyBeginAWord) {
+    // On one line "log" is taken for the option of that name, in a body it is the value of "scale".
+    EXPECT_EQ(messageWith("curve", "y e scale log"), "series scale requires linear or log10");
+    EXPECT_TRUE(dataWith<CurvePlotData>("curve", "series a = e:\n scale log").series.back().logScale);
+    EXPECT_EQ(messageWith("curve", "y log(e)"), "y statement requires an expression");
+    EXPECT_EQ(messageWith("curve", "y abs(log(e))"), "no fault");
+}
+
+TEST(PlotSeriesStatements, BodiesTakeDeeperLines) {
+    const auto data = dataWith<CurvePlotData>("curve", "series e1 = a + f(x=1):\n"
+                                                       "  label \"first\"\n"
+                                                       "  # a comment\n"
+                                                       "\n"
+                                                       "\tstyle points\n"
+                                                       "  LOG\n"
+                                                       "y b\n");
+    ASSERT_EQ(data.series.size(), 3U);
+    EXPECT_EQ(data.series[1].id, "e1");
+    EXPECT_EQ(renderPlotExpression(data.series[1].expression), "a + f(x=1)");
+    EXPECT_EQ(data.series[1].label, "first");
+    EXPECT_EQ(data.series[1].style, PlotStyle::points);
+    EXPECT_TRUE(data.series[1].logScale);
+    EXPECT_EQ(data.series[2].id, "");
+}
+
+TEST(PlotSeriesStatements, TheLastSingleValuedStatementWins) {
+    const auto spectrum = dataWith<SpectrumPlotData>("spectrum", "y a\nintensity b\nx c\nx d");
+    EXPECT_EQ(renderPlotExpression(spectrum.y.expression), "b");
+    EXPECT_EQ(renderPlotExpression(spectrum.x.expression), "d");
+    EXPECT_EQ(parsedWith("bar", "title a\ntitle \"b c\"").title, "b c");
+    EXPECT_EQ(parsedWith("bar", "title a\ntitle").title, "");
+}
+
+TEST(PlotThresholds, AllOptions) {
+    const auto data = dataWith<ConvergencePlotData>(
+        "convergence",
+        "threshold max_force value 4.5E-4 label \"Max F\" unit a.u. axis y2\nthreshold rms value 1 x");
+    ASSERT_EQ(data.thresholds.size(), 2U);
+    EXPECT_EQ(renderPlotExpression(data.thresholds[0].property), "max_force");
+    EXPECT_EQ(data.thresholds[0].value, 4.5e-4);
+    EXPECT_EQ(data.thresholds[0].label, "Max F");
+    EXPECT_EQ(data.thresholds[0].unit, "a.u.");
+    EXPECT_EQ(data.thresholds[0].axis, PlotAxis::y2);
+    EXPECT_EQ(data.thresholds[1].axis, PlotAxis::y);
+}
+
+TEST(SpectrumStatements, ModeBroadeningRangeAndSort) {
+    const auto data = dataWith<SpectrumPlotData>(
+        "spectrum", "mode OVERLAY\nbroaden Gaussian fwhm 20 unit cm-1\nrange 400 4000\nsort NONE");
+    EXPECT_EQ(data.mode, SpectrumMode::sticksBroadened);
+    EXPECT_EQ(data.broadening, BroadenFunction::gaussian);
+    EXPECT_EQ(data.fwhm, 20);
+    EXPECT_EQ(data.fwhmUnit, "cm-1");
+    EXPECT_TRUE(data.rangeDeclared);
+    EXPECT_EQ(data.rangeLow, 400);
+    EXPECT_EQ(data.rangeHigh, 4000);
+    EXPECT_FALSE(data.sortByX);
+    EXPECT_EQ(dataWith<SpectrumPlotData>("spectrum", "broaden gaussian 12.5").fwhm, 12.5);
+    EXPECT_TRUE(dataWith<SpectrumPlotData>("spectrum", "sort none\nsort by x").sortByX);
+}
+
+TEST(BarStatements, SortForms) {
+    const std::vector<std::tuple<std::string, bool, bool>> rows{{"sort by y", true, true},
+                                                                {"sort y", true, true},
+                                                                {"sort BY Y asc", true, false},
+                                                                {"sort y ascending", true, false},
+                                                                {"sort y desc", true, true},
+                                                                {"sort by y descending", true, true},
+                                                                {"sort none", false, true},
+                                                                {"sort false", false, true},
+                                                                {"sort y asc\nsort none", false, true}};
+    for (const auto& [statement, enabled, descending] : rows) {
+        const auto data = dataWith<BarPlotData>("bar", statement);
+        EXPECT_EQ(data.sortEnabled, enabled) << statement;
+        EXPECT_EQ(data.sortDescending, descending) << statement;
+    }
+    EXPECT_EQ(dataWith<BarPlotData>("bar", "limit 10").limit, 10);
+    EXPECT_TRUE(dataWith<BarPlotData>("bar", "limit 10").limitDeclared);
+}
+
+TEST(HistogramStatements, BinsAndDensity) {
+    EXPECT_EQ(dataWith<HistogramPlotData>("histogram", "").bins, 30);
+    EXPECT_EQ(dataWith<HistogramPlotData>("histogram", "bins 12abc").bins, 12);
+    EXPECT_EQ(dataWith<HistogramPlotData>("histogram", "bins 5000000000").bins, 5000000000);
+    for (const std::string_view text : {"density", "density TRUE", "density yes", "density 1"}) {
+        EXPECT_TRUE(dataWith<HistogramPlotData>("histogram", text).density) << text;
+    }
+    for (const std::string_view text : {"density false", "density no", "density 0"}) {
+        EXPECT_FALSE(dataWith<HistogramPlotData>("histogram", "density\n" + std::string(text)).density)
+            << text;
+    }
+}
+
+TEST(ScatterStatements, DiagonalFitAndMetrics) {
+    for (const std::string_view text : {"diagonal", "diagonal y=x", "diagonal YX", "diagonal true"}) {
+        EXPECT_TRUE(dataWith<ScatterPlotData>("scatter", text).diagonal) << text;
+    }
+    EXPECT_TRUE(dataWith<ScatterPlotData>("scatter", "fit LINEAR").fitLinear);
+    EXPECT_FALSE(dataWith<ScatterPlotData>("scatter", "fit linear\nfit none").fitLinear);
+    EXPECT_FALSE(dataWith<ScatterPlotData>("scatter", "fit linear\nfit false").fitLinear);
+    EXPECT_THAT(dataWith<ScatterPlotData>("scatter", "metrics mae\nmetrics R2 'rmse'").metrics,
+                ElementsAre("r2", "rmse"));
+    EXPECT_THAT(dataWith<ScatterPlotData>("scatter", "metrics mae\nmetrics").metrics, IsEmpty());
 }
 
 } // namespace

@@ -96,31 +96,6 @@ TEST(PlotEnumerations, WordsAndAliases) {
     EXPECT_THAT(values(parsePlotAxis, "y|left|y2|right|x"), ElementsAre(0, 0, 1, 1, -1));
 }
 
-TEST(PlotKindDefaults, TheDataAreThoseOfTheKind) {
-    for (int kind = 0; kind < 11; ++kind) {
-        PlotSpec plot;
-        plot.kind = static_cast<PlotKind>(kind);
-        plot.style = PlotStyle::linepoints;
-        applyKindDefaults(plot);
-        EXPECT_EQ(plot.data.index(), static_cast<std::size_t>(kind));
-        const auto expected = kind == 7                 ? PlotStyle::boxes
-                              : kind == 8               ? PlotStyle::points
-                              : kind == 9 || kind == 10 ? PlotStyle::lines
-                                                        : PlotStyle::linepoints;
-        EXPECT_EQ(plot.style, expected) << kind;
-    }
-}
-
-TEST(PlotKindDefaults, UnitsBinsAndSort) {
-    EXPECT_EQ(BarrierPlotData{}.unit, "kcal/mol");
-    EXPECT_EQ(FrontierPlotData{}.unit, "eV");
-    EXPECT_EQ(ExcitedPlotData{}.unit, "eV");
-    EXPECT_EQ(HistogramPlotData{}.bins, 30);
-    EXPECT_TRUE(SpectrumPlotData{}.sortByX);
-    EXPECT_TRUE(BarPlotData{}.sortDescending);
-    EXPECT_TRUE(LegendSpec{}.visible);
-}
-
 TEST(PlotEnumerations, SourcesAndTheirAlias) {
     EXPECT_THAT(values(parsePlotSource, "self|task|variants|matrix|project|derived"),
                 ElementsAre(1, 2, 3, 3, 4, 5));

@@ -1,6 +1,7 @@
 // Barrier points and level columns as records. Their messages are the matter of plot_parser_test.cpp.
 
 #include "fixtures/plot_reading.h"
+#include "fixtures/plots.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -118,6 +119,103 @@ TEST(LevelStatements, TheUnitIsThatOfTheKind) {
     EXPECT_EQ(KindReading(frontier).read(readUnit, "unit Eh").data<FrontierPlotData>().unit, "Eh");
     EXPECT_EQ(KindReading(excited).read(readUnit, "unit nm").data<ExcitedPlotData>().unit, "nm");
     EXPECT_EQ(KindReading(barrier).fault(readUnit, "unit"), atStatement("unit requires a value"));
+}
+
+TEST(BarrierPoints, LabelAndValueMayStandBehindThePoint) {
+    const auto plot = parsed("@plot barrier b\n"
+                             "point r label 'R' value energy(r)\n"
+                             "point ts\n"
+                             "label \"TS 1\"\n"
+                             "VALUE energy(ts)\n"
+                             "label \"TS 2\"\n"
+                             "relative to r\n"
+                             "unit kJ/mol\n");
+    const auto& data = std::get<BarrierPlotData>(plot.data);
+    ASSERT_EQ(data.points.size(), 2U);
+    EXPECT_EQ(data.points[0].label, "R");
+    EXPECT_EQ(data.points[1].label, "TS 2");
+    EXPECT_EQ(renderPlotExpression(data.points[1].value), "energy(ts)");
+    EXPECT_EQ(formatSpan(data.points[1].span), "a.mq:3:1-3:8");
+    EXPECT_EQ(data.relativeMode, RelativeMode::toPoint);
+    EXPECT_EQ(data.relativePoint, "r");
+    EXPECT_EQ(data.unit, "kJ/mol");
+}
+
+TEST(BarrierPoints, AnyOtherStatementEndsThem) {
+    EXPECT_EQ(messageWith("barrier", "point c value 1\ntitle t\nlabel x"), "unknown plot statement 'label'");
+    EXPECT_EQ(messageWith("barrier", "point \"\" value 1"), "plot 'p': barrier point id must not be empty");
+}
+
+TEST(LevelColumns, LabelAndTaskDefaultToTheId) {
+    const auto data =
+        dataWith<ExcitedPlotData>("excited", "column a\n"
+                                             "system 'b c' label \"B C\" task tdb multiplicity T\n"
+                                             "column d multiplicity 5\n");
+    ASSERT_EQ(data.columns.size(), 3U);
+    EXPECT_EQ(data.columns[0].label, "a");
+    EXPECT_EQ(data.columns[0].task, "a");
+    EXPECT_FALSE(data.columns[0].multiplicityDeclared);
+    EXPECT_EQ(data.columns[1].id, "b c");
+    EXPECT_EQ(data.columns[1].label, "B C");
+    EXPECT_EQ(data.columns[1].task, "tdb");
+    EXPECT_EQ(data.columns[1].multiplicity, 3);
+    EXPECT_EQ(data.columns[2].multiplicity, 5);
+    const std::vector<std::pair<std::string, int>> rows{{"singlet", 1}, {"s", 1},       {"doublet", 2},
+                                                        {"d", 2},       {"triplet", 3}, {"Quartet", 4},
+                                                        {"q", 4},       {"7x", 7}};
+    for (const auto& [text, multiplicity] : rows) {
+        EXPECT_EQ(
+            dataWith<ExcitedPlotData>("excited", "column a multiplicity " + text).columns[0].multiplicity,
+            multiplicity);
+    }
+}
+
+TEST(LevelColumns, OrbitalsSpinAndRoots) {
+    EXPECT_THAT(dataWith<FrontierPlotData>("frontier", "orbitals a\norbital HOMO-1 'LUMO'").orbitals,
+                ElementsAre("HOMO-1", "LUMO"));
+    const std::vector<std::pair<std::string, SpinSelection>> rows{
+        {"spin", SpinSelection::automatic}, {"spin AUTO", SpinSelection::automatic},
+        {"spin a", SpinSelection::alpha},   {"spin alpha", SpinSelection::alpha},
+        {"spin b", SpinSelection::beta},    {"spin beta", SpinSelection::beta},
+        {"spin both", SpinSelection::both}, {"spin all", SpinSelection::both}};
+    for (const auto& [statement, spin] : rows) {
+        EXPECT_EQ(dataWith<FrontierPlotData>("frontier", statement).spin, spin) << statement;
+    }
+    EXPECT_THAT(dataWith<ExcitedPlotData>("excited", "roots 1 \"2\" 3").roots, ElementsAre(1, 2, 3));
+    EXPECT_THAT(dataWith<ExcitedPlotData>("excited", "roots +4 '+5'").roots, ElementsAre(4, 5));
+    EXPECT_THAT(dataWith<ExcitedPlotData>("excited", "roots 1\nroots 2 ALL x").roots, IsEmpty());
+    EXPECT_THAT(dataWith<ExcitedPlotData>("excited", "roots 1\nroots \"*\"").roots, IsEmpty());
+}
+
+TEST(ExcitedArrows, EveryForm) {
+    // source column and root, target column and root, relative column, mode, style
+    using Row =
+        std::tuple<std::string, std::string, int, std::string, int, std::string, ArrowTargetMode, int>;
+    const auto toRoot = ArrowTargetMode::explicitRoot;
+    const auto lower = ArrowTargetMode::firstLower;
+    const auto higher = ArrowTargetMode::firstHigher;
+    const std::vector<Row> rows{
+        {"arrow from a root 1 to b root 2", "a", 1, "b", 2, "", toRoot, 0},
+        {"arrow from a root +1 to b +2", "a", 1, "b", 2, "", toRoot, 0},
+        {"transition a 1 -> b 2 dashed", "a", 1, "b", 2, "", toRoot, 1},
+        {"arrow 'a b' S 1 => b State 2 style DOTTED", "a b", 1, "b", 2, "", toRoot, 1},
+        {"arrow a state 3 TO b first lower", "a", 3, "", 0, "b", lower, 0},
+        {"arrow a 3 to b first above dash", "a", 3, "", 0, "b", higher, 1},
+        {"arrow a 3 to b below style line", "a", 3, "", 0, "b", lower, 0},
+        {"arrow a 3 to b higher dashed solid", "a", 3, "", 0, "b", higher, 0},
+    };
+    for (const auto& [statement, source, root, target, targetRoot, relative, mode, style] : rows) {
+        const auto data = dataWith<ExcitedPlotData>("excited", statement);
+        ASSERT_EQ(data.arrows.size(), 1U) << statement;
+        const auto& arrow = data.arrows[0];
+        EXPECT_EQ(arrow.sourceColumn, source) << statement;
+        EXPECT_EQ(arrow.sourceRoot, root) << statement;
+        EXPECT_EQ(arrow.targetColumn, target) << statement;
+        EXPECT_EQ(arrow.targetRoot, targetRoot) << statement;
+        EXPECT_EQ(arrow.relativeColumn, relative) << statement;
+        EXPECT_EQ(arrow.targetMode, mode) << statement;
+        EXPECT_EQ(static_cast<int>(arrow.style), style) << statement;
+    }
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // plot_parser_test.cpp.
 
 #include "fixtures/plot_reading.h"
+#include "fixtures/plots.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -134,6 +135,112 @@ TEST(PlotStatements, StyleThemeAndMissing) {
         atStatement("unsupported plot theme 'dark'; supported themes are auto, scientific, report, matrix, "
                     "minimal, level"));
     EXPECT_EQ(reading.fault(readMissing, "missing"), atStatement("missing requires error, skip, or nan"));
+}
+
+TEST(PlotSources, EveryForm) {
+    const std::vector<std::tuple<std::string, PlotSourceKind, std::string>> rows{
+        {"from self", PlotSourceKind::self, ""},
+        {"from SELF x", PlotSourceKind::self, ""},
+        {"from task 'a b' c", PlotSourceKind::task, "a b"},
+        {"from variants scan", PlotSourceKind::variants, "scan"},
+        {"from matrix scan", PlotSourceKind::variants, "scan"},
+        {"from project", PlotSourceKind::project, ""},
+        {"from derived d.t", PlotSourceKind::derived, "d.t"},
+        {"from derived (d.t)", PlotSourceKind::derived, "(d.t)"},
+        {"from derived(d.t)", PlotSourceKind::derived, "d.t"},
+        {"from Derived( \"d.t\" )", PlotSourceKind::derived, "d.t"},
+        {"from derived(d, t)", PlotSourceKind::derived, "d.t"},
+        {"from derived(' d ', table='t ')", PlotSourceKind::derived, "d.t"},
+        {"from derived(d, NAME=t)", PlotSourceKind::derived, "d.t"},
+        {"from derived(d, value=t)", PlotSourceKind::derived, "d.t"},
+    };
+    for (const auto& [statement, kind, argument] : rows) {
+        const auto plot = parsedWith("scatter", statement);
+        EXPECT_EQ(plot.sourceKind, kind) << statement;
+        EXPECT_EQ(plot.sourceArgument, argument) << statement;
+    }
+}
+
+TEST(PlotSources, AWrittenSourceOverridesSelf) {
+    EXPECT_EQ(parsed("%plot frontier f\nfrom task sp").sourceKind, PlotSourceKind::task);
+}
+
+TEST(PlotAxes, EveryNameAndModifier) {
+    const auto plot = parsedWith("curve", "axis x :\n  label \"d(C-C)\"\n  unit Angstrom\n  scale log\n"
+                                          "axis RIGHT:\n  scale Linear\n"
+                                          "axis 'left':\n  unit a b\n");
+    EXPECT_TRUE(plot.xAxis.declared);
+    EXPECT_EQ(plot.xAxis.label, "d(C-C)");
+    EXPECT_EQ(plot.xAxis.unit, "Angstrom");
+    EXPECT_EQ(plot.xAxis.scale, AxisScale::log10);
+    EXPECT_TRUE(plot.xAxis.scaleDeclared);
+    EXPECT_EQ(formatSpan(plot.xAxis.span), "a.mq:5:1-5:8");
+    EXPECT_TRUE(plot.y2Axis.declared);
+    EXPECT_EQ(plot.y2Axis.scale, AxisScale::linear);
+    EXPECT_TRUE(plot.y2Axis.scaleDeclared);
+    EXPECT_EQ(plot.yAxis.unit, "a b");
+    EXPECT_FALSE(plot.yAxis.scaleDeclared);
+}
+
+TEST(PlotLegend, Forms) {
+    const auto plot = parsedWith(
+        "curve", "series a = b\nseries c = d\nLEGEND:\n  position Right Top\n  visible off\n  order c 'a'\n");
+    EXPECT_TRUE(plot.legend.declared);
+    EXPECT_FALSE(plot.legend.visible);
+    EXPECT_EQ(plot.legend.position, LegendPosition::topRight);
+    EXPECT_THAT(plot.legend.order, ElementsAre("c", "a"));
+    EXPECT_EQ(parsedWith("bar", "legend :\n  position \" outside right \"").legend.position,
+              LegendPosition::outsideRight);
+    for (const std::string_view text : {"true", "YES", "on", "1"}) {
+        EXPECT_TRUE(parsedWith("bar", "legend:\n visible " + std::string(text)).legend.visible) << text;
+    }
+    for (const std::string_view text : {"false", "no", "off", "0"}) {
+        EXPECT_FALSE(parsedWith("bar", "legend:\n visible " + std::string(text)).legend.visible) << text;
+    }
+}
+
+TEST(PlotOutput, PathFormatAndSize) {
+    const std::vector<std::tuple<std::string, std::string, PlotOutputFormat>> rows{
+        {"", "Results/Plots/p.png", PlotOutputFormat::png},
+        {"format SVG", "Results/Plots/p.svg", PlotOutputFormat::svg},
+        {"output a.PDF", "a.PDF", PlotOutputFormat::pdf},
+        {"output \"my plots/a.svg\"", "my plots/a.svg", PlotOutputFormat::svg},
+        {"output a.unknown", "a.unknown", PlotOutputFormat::png},
+        {"output a.svg/c", "a.svg/c", PlotOutputFormat::png},
+        {"output a.svg\\c", "a.svg\\c", PlotOutputFormat::png},
+        {"output a.svg\nformat svg", "a.svg", PlotOutputFormat::svg},
+        {"output a.dat\nformat pdf", "a.dat", PlotOutputFormat::pdf},
+        {"output a.", "a.", PlotOutputFormat::png},
+        {"output \"\"", "Results/Plots/p.png", PlotOutputFormat::png},
+        {"terminal dumb", "Results/Plots/p.dumb", PlotOutputFormat::dumb},
+        {"format pdf extra", "Results/Plots/p.pdf", PlotOutputFormat::pdf},
+    };
+    for (const auto& [statement, path, format] : rows) {
+        const auto plot = parsedWith("bar", statement);
+        EXPECT_EQ(plot.outputPath, path) << statement;
+        EXPECT_EQ(plot.format, format) << statement;
+    }
+    const auto chemdraw = parsedWith("frontier", "output a.chemdraw");
+    EXPECT_EQ(chemdraw.format, PlotOutputFormat::cdxml);
+
+    const auto sized = parsedWith("bar", "size 800x600 700");
+    EXPECT_EQ(sized.width, 800);
+    EXPECT_EQ(sized.height, 700);
+    EXPECT_TRUE(sized.sizeDeclared);
+    const auto terminal = parsedWith("bar", "terminal pdf SIZE 10 20");
+    EXPECT_EQ(terminal.width, 10);
+    EXPECT_EQ(terminal.height, 20);
+    EXPECT_TRUE(terminal.sizeDeclared);
+    EXPECT_EQ(terminal.format, PlotOutputFormat::pdf);
+    EXPECT_EQ(faultOf("@plot bar p\nfrom self\nx a\ny b\nformat png\noutput a.svg"),
+              "a.mq:1:1-1:12: error: plot output extension does not match the declared format");
+}
+
+TEST(PlotOutput, StyleThemeAndMissing) {
+    const auto plot = parsedWith("bar", "style LINE more\ntheme \"Sci\"\nmissing NaN");
+    EXPECT_EQ(plot.style, PlotStyle::lines);
+    EXPECT_EQ(plot.theme, PlotTheme::scientific);
+    EXPECT_EQ(plot.missing, MissingPolicy::nan);
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "taskdsl/plot/render.h"
 
-#include "taskdsl/plot/substitute_plot.h"
-
 #include "fixtures/plots.h"
 
 #include <gmock/gmock.h>
@@ -317,81 +315,6 @@ TEST(RenderPlot, PrintsNamesAndDefaultStylesAsTheyAre) {
 TEST(RenderPlot, RangesBeyondFifteenDigitsAreRounded) {
     const auto text = reprinted("@plot histogram h\nfrom project\nx a\nrange 0.1234567890123456789 1e300");
     EXPECT_NE(text.find("  range 0.123456789012346 1e+300\n"), std::string::npos) << text;
-}
-
-TEST(SubstitutePlot, ReachesEveryTextAndEveryNameInExpressions) {
-    const ValueMap values{{"k", "v"}, {"x", "y z"}};
-    const std::vector<std::pair<std::string, std::string>> cases{
-        {"@plot barrier [k]\npoint [k]1 label [k] value energy([k]) + f([k]=[k], \"[k]\") - {{ [k].[k] }}\n"
-         "point b value [k](1)\nrelative to [k]1\nunit [k]\ntitle [k][q]",
-         "@plot barrier v\n  point v1 label \"v\" value energy(v) + f(v=v, \"v\") - {{ v.v }}\n"
-         "  point b value v(1)\n  relative to v1\n  unit v\n  title \"v[q]\"\n"
-         "  output \"Results/Plots/v.png\"\n  format png\n@end\n"},
-        {"@plot convergence p\nfrom task [k]\nx [k] label [x] unit [k]\ny [k]\nthreshold [k] value 1 label "
-         "[k] unit [k]\n"
-         "axis x:\n label [k]\n unit [k]\naxis y:\n label [k]\naxis y2:\n unit [k]",
-         "@plot convergence p\n  from task v\n  x v label \"y z\" unit v\n  y v\n"
-         "  threshold v value 1 label \"v\" unit v\n"
-         "  axis x:\n    label \"v\"\n    unit \"v\"\n  axis y:\n    label \"v\"\n  axis y2:\n    unit "
-         "\"v\"\n"
-         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
-        {"@plot curve p\nfrom derived('[k].t')\nx [k]\nseries a = [k] + 1:\n label [k]",
-         "@plot curve p\n  from derived(\"v.t\")\n  x v\n  series a = v + 1 label \"v\"\n"
-         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
-        {"%plot spectrum [k]\nx [k]\ny -[k]\nmode smooth\nbroaden gaussian 1 unit [k]",
-         "%plot spectrum v\n  x v\n  y -v\n  mode broadened\n  broaden gaussian fwhm 1 unit v\n"
-         "  output \"Results/Plots/[taskname]_v.png\"\n  format png\n"},
-        {"@plot scatter p\nfrom project\nx [k]\ny [k]",
-         "@plot scatter p\n  from project\n  x v\n  y v\n  output \"Results/Plots/p.png\"\n  format "
-         "png\n@end\n"},
-        {"@plot heatmap p\nfrom project\nx [k]\ny [k]\nz [k]",
-         "@plot heatmap p\n  from project\n  x v\n  y v\n  z v\n"
-         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
-        {"@plot histogram p\nfrom project\nx [k]", "@plot histogram p\n  from project\n  x v\n  bins 30\n"
-                                                   "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
-        {"@plot bar p\nfrom project\nx [k]\ny [k]\noutput [k].svg",
-         "@plot bar p\n  from project\n  x v\n  y v\n  style boxes\n  output \"v.svg\"\n  format "
-         "svg\n@end\n"},
-        {"@plot errorbar p\nfrom project\nx [k]\ny [k]\nyerr [k]",
-         "@plot errorbar p\n  from project\n  x v\n  y v\n  yerr v\n  style points\n"
-         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
-        {"@plot frontier p\ncolumn [k] label [x] task [k]t\norbitals [k] HOMO\nunit [k]",
-         "@plot frontier p\n  column v label \"y z\" task \"vt\"\n  orbitals v HOMO\n  spin auto\n  unit v\n"
-         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
-        {"@plot excited p\ncolumn [k]\narrow [k] 1 to [k] 2\narrow [k] 1 to [k] lower\nunit [k]",
-         "@plot excited p\n  column v\n  arrow from v root 1 to v root 2 style solid\n"
-         "  arrow from v root 1 to v first lower style solid\n  unit v\n"
-         "  output \"Results/Plots/p.png\"\n  format png\n@end\n"},
-    };
-    for (const auto& [written, expected] : cases) {
-        auto plot = parsed(written);
-        substitutePlot(plot, values);
-        EXPECT_EQ(renderPlot(plot, ""), expected);
-    }
-}
-
-TEST(SubstitutePlot, ReachesIdOwnerAndLegendAndLeavesTheRest) {
-    PlotBlock block = blockOf("%plot curve [k]\nx a\nseries b = c\nlegend:\n  order b");
-    block.ownerTask = "t[k]";
-    auto plot = parsePlot(block);
-    std::get<CurvePlotData>(plot.data).series[0].id = "[k]";
-    std::get<CurvePlotData>(plot.data).relativePoint = "[k]";
-    plot.legend.order = {"[k]"};
-    const auto x = std::get<CurvePlotData>(plot.data).x.expression;
-    const auto untouched = plot;
-    substitutePlot(plot, {});
-    EXPECT_EQ(plot.id, untouched.id);
-    substitutePlot(plot, {{"k", "v"}});
-    EXPECT_EQ(plot.id, "tv:v");
-    EXPECT_EQ(plot.ownerTask, "tv");
-    EXPECT_EQ(plot.name, "v");
-    EXPECT_EQ(plot.kind, PlotKind::curve);
-    EXPECT_EQ(plot.legend.order, std::vector<std::string>{"v"});
-    EXPECT_EQ(std::get<CurvePlotData>(plot.data).series[0].id, "v");
-    EXPECT_EQ(std::get<CurvePlotData>(plot.data).relativePoint, "v");
-    EXPECT_EQ(std::get<CurvePlotData>(plot.data).x.expression, x) << "an expression without a key is shared";
-    EXPECT_EQ(std::get<CurvePlotData>(untouched.data).series[0].id, "[k]");
-    EXPECT_EQ(formatSpan(plot.span), formatSpan(untouched.span));
 }
 
 } // namespace

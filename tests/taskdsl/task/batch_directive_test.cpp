@@ -13,7 +13,7 @@ TEST(Batch, TheShortFormIsALaneCount) {
     const TaskInfo task = firstTask("$a\n%batch\nlane 2\ncollect x\ncluster\n%batch 4\nlane 9\n");
     EXPECT_EQ(task.batchLanes, 4);
     EXPECT_TRUE(task.batchCollect.empty());
-    EXPECT_FALSE(task.batchCluster.present);
+    EXPECT_FALSE(task.batchCluster->present);
 }
 
 TEST(Batch, ReadsLanesCollectAndCluster) {
@@ -28,7 +28,7 @@ TEST(Batch, ReadsLanesCollectAndCluster) {
     EXPECT_TRUE(task.batchCollect[1].required);
     EXPECT_EQ(task.batchCollect[2].destination, "d");
     EXPECT_TRUE(task.batchCollect[2].required);
-    const BatchCluster& cluster = task.batchCluster;
+    const BatchCluster& cluster = *task.batchCluster;
     EXPECT_TRUE(cluster.present);
     EXPECT_EQ(cluster.metric, ClusterMetric::dist);
     EXPECT_EQ(cluster.geometryThreshold, 0.1);
@@ -56,15 +56,15 @@ TEST(Batch, ClusterOptionsInAllSpellings) {
         {"boltz-accum", &BatchCluster::accumulation},
     };
     for (const auto& [key, field] : rows) {
-        EXPECT_EQ(batch("lane 1\ncluster " + std::string(key) + "=0.5").batchCluster.*field, 0.5) << key;
+        EXPECT_EQ(batch("lane 1\ncluster " + std::string(key) + "=0.5").batchCluster.get().*field, 0.5) << key;
     }
     for (const char* metric : {"dist", "Distance", "fingerprint"}) {
-        EXPECT_EQ(batch("lane 1\ncluster " + std::string(metric)).batchCluster.metric, ClusterMetric::dist);
+        EXPECT_EQ(batch("lane 1\ncluster " + std::string(metric)).batchCluster->metric, ClusterMetric::dist);
     }
-    const BatchCluster off = batch("lane 1\ncluster RMSD energy=OFF").batchCluster;
+    const BatchCluster off = *batch("lane 1\ncluster RMSD energy=OFF").batchCluster;
     EXPECT_EQ(off.metric, ClusterMetric::rmsd);
     EXPECT_TRUE(off.energyOff);
-    const BatchCluster ends = batch("lane 1\ncluster min=0 accum=1").batchCluster;
+    const BatchCluster ends = *batch("lane 1\ncluster min=0 accum=1").batchCluster;
     EXPECT_TRUE(ends.hasMinWeight && ends.hasAccumulation);
 }
 

@@ -20,19 +20,17 @@ struct Reading {
     TaskInfo task{"opt"};
     std::vector<std::string> warnings;
     WarningSink sink = [this](const std::string& text) { warnings.push_back(text); };
-    DirectiveReader reader{task, lines, 0, written, sink, false};
+    DirectiveReader reader{task, lines, 0, written, {sink}};
 };
 
-TEST(StructureLines, AreDirectivesHeadersIncludesAndBlockKeywords) {
-    for (const char* line : {"%keywords", "%control x", "$opt", "$\"a b\"", "&INCLUDE a.mq", "&INCLUDE",
-                             "@plot bar", "@derive", "@end"}) {
-        EXPECT_TRUE(isStructureLine(line)) << line;
-    }
-    for (const char* line : {"", "text", "%", "$", "&INCLUDED", "&include a.mq", "@plots", "a %keywords"}) {
-        EXPECT_FALSE(isStructureLine(line)) << line;
-    }
-    EXPECT_TRUE(isIncludeLine("&INCLUDE x"));
-    EXPECT_FALSE(isIncludeLine("INCLUDE x"));
+TEST(WrittenDirectives, EndTheirKeywordAtABlank) {
+    const auto plain = splitDirective("%control  totcore 8");
+    EXPECT_EQ(plain.keyword, "control");
+    EXPECT_EQ(plain.value, "totcore 8");
+    EXPECT_EQ(splitDirective("%body").keyword, "body");
+    EXPECT_EQ(splitDirective("%body").value, "");
+    EXPECT_EQ(splitDirective("%body\tx y").keyword, "body\tx"); // a tab belongs to the keyword
+    EXPECT_EQ(splitDirective("body x").keyword, "");
 }
 
 TEST(DirectiveReader, TakesTheLinesOfItsBlock) {
@@ -65,15 +63,17 @@ TEST(DirectiveReader, AHeredocIsRawUpToItsTerminator) {
     Reading text("%body << END\n  a # kept\n%b\n  END  \nbehind\n", "<< END");
     EXPECT_TRUE(text.reader.opensHeredoc());
     EXPECT_EQ(text.reader.heredocTerminator(), "END");
-    std::string read = "old";
-    EXPECT_TRUE(text.reader.readHeredoc(read));
-    EXPECT_EQ(read, "  a # kept\n%b");
+    const HeredocText read = text.reader.readHeredoc();
+    EXPECT_TRUE(read.isClosed);
+    EXPECT_EQ(read.text, "  a # kept\n%b");
     EXPECT_EQ(text.reader.position(), 3U);
 
     Reading open("%body <<\na\n", "<<");
     EXPECT_EQ(open.reader.heredocTerminator(), "EOF");
-    EXPECT_FALSE(open.reader.readHeredoc(read));
-    EXPECT_EQ(read, "a");
+    const HeredocText rest = open.reader.readHeredoc();
+    EXPECT_FALSE(rest.isClosed);
+    EXPECT_EQ(rest.text, "a");
+    EXPECT_EQ(open.reader.position(), 1U);
     EXPECT_FALSE(Reading("%body x", "x").reader.opensHeredoc());
 }
 

@@ -1,5 +1,4 @@
 #include "fixtures/parse_text.h"
-#include "taskdsl/parser/block_capture.h"
 #include "taskdsl/task/directive_reader.h"
 #include "taskdsl/task/mod_operation.h"
 
@@ -20,18 +19,13 @@ TEST(Heredoc, TakesRawLinesUpToItsTerminator) {
     EXPECT_EQ(firstTask("$a\n%body << E\nE\n").body, "");
 }
 
-TEST(Heredoc, AMissingTerminatorIsToldBeforeTasksAreRead) {
-    EXPECT_EQ(faultOf("$a\n%keywords << END\nx\n"), "t.mq:2: heredoc is missing terminator 'END'");
-    EXPECT_EQ(faultOf("$a\n%body <<\nx\n$b\n"), "t.mq:2: heredoc is missing terminator 'EOF'");
-}
-
 TEST(Heredoc, OnLinesThatNoExpansionSawAMissingTerminatorIsAFaultOfKeywordsAndAWarningElsewhere) {
     const std::vector<SourceLine> lines{{"%body <<", "t.mq", 1}, {"x", "t.mq", 2}, {"$b", "t.mq", 3}};
     TaskInfo task("a");
     std::vector<std::string> warnings;
     const WarningSink sink = [&warnings](const std::string& warning) { warnings.push_back(warning); };
     const auto read = [&](std::string_view keyword, std::string_view value) {
-        DirectiveReader reader(task, lines, 0, value, sink, false);
+        DirectiveReader reader(task, lines, 0, value, {sink});
         findDirective(keyword)->handler(reader);
     };
     read("body", "<<");
@@ -93,22 +87,22 @@ TEST(ParamAndArgs, JoinValueAndBlock) {
 
 TEST(Commands, AreReadFromTheBlockAlone) {
     const TaskInfo task = firstTask("$a\n%process ignored\n  one # c\n\n  two \\\\\n%preprocess\nthree\n");
-    EXPECT_THAT(task.processCommands, ElementsAre("one", "two \\\\"));
-    EXPECT_THAT(task.preProcessCommands, ElementsAre("three"));
+    EXPECT_THAT(*task.processCommands, ElementsAre("one", "two \\\\"));
+    EXPECT_THAT(*task.preProcessCommands, ElementsAre("three"));
 }
 
 TEST(Commands, AContinuationTakesTheNextFilledLineWhateverItIs) {
     const TaskInfo task = firstTask("$a\n%preprocess\n  a \\\n\n  # c\n  %b\n  c\\\n\\\n d\n");
-    EXPECT_THAT(task.preProcessCommands, ElementsAre("a %b", "c d"));
+    EXPECT_THAT(*task.preProcessCommands, ElementsAre("a %b", "c d"));
 }
 
 TEST(Commands, AnOpenContinuationAtTheEndWarns) {
     const auto parsed = parse("$a\n%process\n  a \\\n\n");
-    EXPECT_THAT(parsed.document.tasks[0].processCommands, ElementsAre("a"));
+    EXPECT_THAT(*parsed.document.tasks[0].processCommands, ElementsAre("a"));
     EXPECT_THAT(parsed.warnings, ElementsAre("task 'a' has a continued %process command without a following "
                                              "non-empty line; using the command parsed so far."));
     const auto empty = parse("$a\n%preprocess\n \\\n");
-    EXPECT_THAT(empty.document.tasks[0].preProcessCommands, IsEmpty());
+    EXPECT_THAT(*empty.document.tasks[0].preProcessCommands, IsEmpty());
     EXPECT_THAT(empty.warnings,
                 ElementsAre("task 'a' has a continued %preprocess command without a following "
                             "non-empty line; using the command parsed so far."));
@@ -158,56 +152,12 @@ TEST(When, KeepsTextsAndPlaces) {
 
 TEST(Mod, KeepsEntriesAndTheLastValuePerKey) {
     const TaskInfo task = firstTask("$a\n%mod charge 1\n  charge 2\n  geom select 1-3 5\n  spin add 1 2\n");
-    EXPECT_THAT(task.modEntries, ElementsAre(ModEntry{"charge", "1"}, ModEntry{"charge", "2"},
-                                             ModEntry{"geom:select", "1-3 5"}, ModEntry{"spin:add", "1"}));
+    EXPECT_THAT(*task.modEntries, ElementsAre(ModEntry{"charge", "1"}, ModEntry{"charge", "2"},
+                                              ModEntry{"geom:select", "1-3 5"}, ModEntry{"spin:add", "1"}));
     EXPECT_EQ(modValues(task).at("charge"), "2");
 }
 
-TEST(Source, InlineForms) {
-    EXPECT_EQ(sourceText(firstTask("$a\n%source b\n")), "b");
-    EXPECT_THAT(sourceTasks(firstTask("$a\n%source b\n")), ElementsAre("b"));
-    EXPECT_EQ(sourceText(firstTask("$a\n%source xyz=a,b.xyz frame=2\n")), "xyz=a,b.xyz frame=2");
-    EXPECT_EQ(sourceText(firstTask("$a\n%source \"xyz=a.xyz frame=2\"\n")), "xyz=a.xyz frame=2");
-    EXPECT_EQ(sourceText(firstTask("$a\n%source ,\n")), "");
-    EXPECT_THAT(sourceTasks(firstTask("$a\n%source restart\n")), IsEmpty());
-    EXPECT_EQ(faultOf("$a\n%source xyz=a frame=0\n"),
-              "%source xyz frame selector must be a positive integer");
-}
-
-TEST(Source, TheGuessWordMovesAndWarns) {
-    for (const char* word : {"guess", "gues"}) {
-        const auto parsed = parse("$a\n%source b  " + std::string(word) + "\n");
-        const TaskInfo& task = parsed.document.tasks[0];
-        EXPECT_EQ(sourceText(task), "b");
-        EXPECT_TRUE(task.guessEnabled);
-        EXPECT_THAT(
-            parsed.warnings,
-            ElementsAre("task 'a' uses deprecated '%source ... guess' syntax; move guess into '%control' as "
-                        "'guess true' or 'guess <task>'."));
-    }
-    const auto cleared = parse("$a\n%control\nguess x\n%source b\n").document.tasks[0];
-    EXPECT_FALSE(cleared.guessEnabled);
-    EXPECT_EQ(cleared.guessSourceTask, "");
-}
-
-TEST(Source, SeveralTasksAreToleratedOnRequest) {
-    EXPECT_EQ(faultOf("$a\n%source b,c\n"), "t.mq:2:1-2:12: error: task 'a' uses removed multi-dependency "
-                                            "'%source a,b,...' syntax; keep the first "
-                                            "task in %source and move the rest into '%when completed ...'");
-    const auto parsed = parse("$a\n%when completed c\n%source b, c,d\n", true);
-    const TaskInfo& task = parsed.document.tasks[0];
-    EXPECT_EQ(sourceText(task), "b");
-    EXPECT_THAT(sourceTasks(task), ElementsAre("b", "c", "d"));
-    EXPECT_THAT(whenConditions(task), ElementsAre("completed c", "completed d"));
-    EXPECT_EQ(formatSpan(task.whenEntries[1].span), "t.mq:3:1-3:15");
-    EXPECT_THAT(
-        parsed.warnings,
-        ElementsAre("task 'a' uses deprecated multi-dependency '%source a,b,...' syntax; use the first "
-                    "upstream as '%source' and express extra dependencies with '%when' completed <task> "
-                    "conditions."));
-}
-
-TEST(Source, AnImpliedConditionIsNotWrittenTwice) {
+TEST(When, AnImpliedConditionIsNotWrittenTwice) {
     const auto placed = parse("$a\n%source b,c,d\n%when x\n%when\n  completed d\n  completed c\n", true);
     EXPECT_THAT(whenConditions(placed.document.tasks[0]), ElementsAre("x", "completed d", "completed c"))
         << "a condition that is written stands where it is written";
@@ -218,72 +168,36 @@ TEST(Source, AnImpliedConditionIsNotWrittenTwice) {
                 ElementsAre("completed c", "completed b", "completed b"));
 }
 
-TEST(Source, AStructuredBlockReplacesTheInlineSource) {
-    const TaskInfo task = firstTask("$a\n%source b\n%source\n  geom.main c\n\n  geom.x xyz=f.xyz frame=2\n");
-    EXPECT_EQ(sourceText(task), "");
-    EXPECT_THAT(sourceTasks(task), IsEmpty());
-    ASSERT_EQ(sourceBindings(task).size(), 2U);
-    EXPECT_EQ(sourceBindings(task)[0].key, "geom");
-    EXPECT_EQ(sourceBindings(task)[1].frameIndex, 2);
-}
-
-TEST(Source, BlockFaultsAreWrapped) {
-    const std::pair<const char*, const char*> rows[] = {
-        {"%source",
-         "t.mq:2:1-2:8: error: task 'a' has empty %source; provide an inline source or one or more "
-         "structured bindings"},
-        {"%source\n  geom", "t.mq:3:3-3:7: error: task 'a' has invalid structured %source entry: structured "
-                            "%source entry must have "
-                            "'<binding-key> <source> [selector=value ...]': 'geom'"},
-        {"%source\n  geom.a b", "t.mq:2:1-2:8: error: task 'a' has invalid structured %source: structured "
-                                "%source with auxiliary geometry "
-                                "bindings must also declare geom"},
+TEST(ScopeBehind, IsWhatTheRowOfTheDirectiveOpens) {
+    struct Row {
+        const char* line;
+        FragmentKind scope;
     };
-    for (const auto& [lines, message] : rows) {
-        EXPECT_EQ(faultOf("$a\n" + std::string(lines) + "\n"), message);
+    const Row rows[] = {
+        {"%process", FragmentKind::process},       {"%process x", FragmentKind::process},
+        {"%preprocess", FragmentKind::preprocess}, {"%control", FragmentKind::control},
+        {"%when completed a", FragmentKind::when}, {"%meta", FragmentKind::meta},
+        {"%param x", FragmentKind::param},         {"%args", FragmentKind::args},
+        {"%batch", FragmentKind::batch},           {"%mod", FragmentKind::mod},
+        {"%mod a b", FragmentKind::task_body},     {"%body", FragmentKind::text},
+        {"%body << END", FragmentKind::text},      {"%body x", FragmentKind::task_body},
+        {"%extrainput", FragmentKind::text},       {"%extrainputs <<", FragmentKind::text},
+        {"%keywords <<", FragmentKind::text},      {"%keywords hf", FragmentKind::task_body},
+        {"%program xtb", FragmentKind::task_body}, {"%source a", FragmentKind::task_body},
+        {"%plot", FragmentKind::task_body},        {"%nonsense", FragmentKind::task_body},
+    };
+    for (const auto& [line, scope] : rows) {
+        EXPECT_EQ(fragmentKindName(scopeBehind(splitDirective(line))), fragmentKindName(scope)) << line;
     }
 }
 
-// Captured blocks.
-
-TEST(BlockCapture, KeepsLinesWithTheirPlacesAndSubstitutes) {
-    const std::vector<SourceLine> lines{{"@plot bar [k]  # c", "t.mq", 1},
-                                        {"  x [k] # kept", "", 2},
-                                        {"$no task", "u.mq", 7},
-                                        {" @end", "t.mq", 3}};
-    std::size_t index = 0;
-    const CapturedBlock block = captureBlock("@plot", lines, index, {{"k", "v"}});
-    EXPECT_EQ(index, 3U);
-    EXPECT_EQ(block.header, "bar v");
-    EXPECT_EQ(formatSpan(block.span), "t.mq:1:1-1:19");
-    ASSERT_EQ(block.lines.size(), 2U);
-    EXPECT_EQ(block.lines[0].text, "  x v # kept");
-    EXPECT_EQ(block.lines[0].lineNumber, 2U);
-    EXPECT_EQ(block.lines[0].originPath, "t.mq") << "the head's, when the line has none";
-    EXPECT_EQ(block.lines[1].originPath, "u.mq");
-}
-
-TEST(BlockCapture, FaultsOfTheCapture) {
-    std::vector<SourceLine> lines{{"@plot a", "t.mq", 1}, {"x", "t.mq", 2}};
-    const auto message = [&lines](std::string_view keyword, std::size_t index) {
-        try {
-            (void)captureBlock(keyword, lines, index, {});
-        } catch (const DiagnosticError& error) {
-            return std::string(error.what());
-        }
-        return std::string();
-    };
-    EXPECT_EQ(message("@plot", 2), "invalid @plot block start");
-    EXPECT_EQ(message("@derive", 2), "invalid @derive block start");
-    EXPECT_EQ(message("@plot", 1), "internal error: expected @plot block");
-    EXPECT_EQ(message("@derive", 0), "internal error: expected @derive block");
-    EXPECT_EQ(message("@plot", 0), "t.mq:1:1-1:8: error: unterminated @plot block; expected @end");
-    lines[1].text = " @plot b";
-    EXPECT_EQ(message("@plot", 0), "t.mq:2:2-2:9: error: nested @plot blocks are not allowed");
-    lines = {{"@derive a", "t.mq", 1}, {"@derive", "t.mq", 2}};
-    EXPECT_EQ(message("@derive", 0), "t.mq:2:1-2:8: error: nested @derive blocks are not allowed");
-    lines.pop_back();
-    EXPECT_EQ(message("@derive", 0), "t.mq:1:1-1:10: error: unterminated @derive block; expected @end");
+TEST(KnownDirectives, AreThoseOfTheTable) {
+    EXPECT_TRUE(isKnownDirective("%keywords hf"));
+    EXPECT_TRUE(isKnownDirective("%body"));
+    EXPECT_FALSE(isKnownDirective("%nonsense"));
+    EXPECT_FALSE(isKnownDirective("%body\tx"));
+    EXPECT_FALSE(isKnownDirective("keywords hf"));
+    EXPECT_FALSE(isKnownDirective(""));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace morquill::taskdsl {
 namespace {
@@ -27,14 +28,27 @@ TEST(LegacyKeywords, AllOtherPairsAreParameters) {
 }
 
 TEST(LegacyKeywords, APairListIsCarriedOverWhole) {
-    EXPECT_TRUE(isLegacyPairList("", false, false));
-    EXPECT_TRUE(isLegacyPairList(" job=x a=1\tb = \"two words\"\n", true, true));
-    EXPECT_FALSE(isLegacyPairList("job=x a=1", false, true));
-    EXPECT_FALSE(isLegacyPairList("job=x a=1", true, false));
-    EXPECT_FALSE(isLegacyPairList("job=x Job=y", true, true)) << "one template";
-    EXPECT_FALSE(isLegacyPairList("job=x word", true, true));
-    EXPECT_FALSE(isLegacyPairList("a='b'c", true, true));
-    EXPECT_FALSE(isLegacyPairList("+a=b", true, true));
+    struct Row {
+        std::string keywords;
+        std::string templateName;
+        std::string paramValues;
+        bool isWhole;
+    };
+    const std::vector<Row> rows{
+        {"", "x", "a=1", true},         {" job=x a=1\tb = \"two words\"\n", "", "", true},
+        {"job=x", "", "a=1", true},     {"a=1", "x", "", true},
+        {"job=x a=1", "x", "", false},  {"job=x a=1", "", "a=1", false},
+        {"job=x Job=y", "", "", false}, // one template
+        {"job=x word", "", "", false},  {"a='b'c", "", "", false},
+        {"+a=b", "", "", false},
+    };
+    for (const auto& row : rows) {
+        TaskInfo task;
+        task.keywords = row.keywords;
+        task.templateName = row.templateName;
+        task.paramValues = row.paramValues;
+        EXPECT_EQ(isLegacyPairList(task), row.isWhole) << row.keywords;
+    }
 }
 
 TEST(LegacyKeywords, LongTextsCostTheirLength) {

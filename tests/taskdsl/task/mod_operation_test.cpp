@@ -341,7 +341,7 @@ TEST(ModEntries, EveryLineIsKeptAndTheLastValueCounts) {
     for (const auto* line : {"charge add 1", ":x", "uhf 1", "", "charge add 2"}) {
         addModLine(task, line);
     }
-    EXPECT_THAT(task.modEntries,
+    EXPECT_THAT(*task.modEntries,
                 ElementsAre(ModEntry{"charge:add", "1"}, ModEntry{"uhf", "1"}, ModEntry{"charge:add", "2"}));
     EXPECT_THAT(modValues(task), ElementsAre(Pair("charge:add", "2"), Pair("uhf", "1")));
 }
@@ -352,20 +352,20 @@ TEST(CheckMods, SlotsMustBeDeclared) {
     };
     TaskInfo task;
     EXPECT_EQ(fault(task), "no fault");
-    task.modEntries = {{"charge", "1"}, {"spin.ts", "1"}};
+    task.modEntries.edit() = {{"charge", "1"}, {"spin.ts", "1"}};
     EXPECT_EQ(fault(task), "%mod targets geometry slot 'ts', but %source does not declare geom.ts");
     task.source = SourceStructured{{parseSourceBinding("geom a"), parseSourceBinding("geom.ts b")}};
     EXPECT_EQ(fault(task), "no fault");
-    task.modEntries.push_back({"geom.q:select", "1"});
+    task.modEntries.edit().push_back({"geom.q:select", "1"});
     EXPECT_EQ(fault(task), "%mod targets geometry slot 'q', but %source does not declare geom.q");
     task.source = SourceStructured{{parseSourceBinding("aux.q b"), parseSourceBinding("geom.ts b")}};
     EXPECT_EQ(fault(task), "%mod targets geometry slot 'q', but %source does not declare geom.q");
-    task.modEntries = {{"basisset", "x on=[sel]"}, {"q.q", "1"}};
+    task.modEntries.edit() = {{"basisset", "x on=[sel]"}, {"q.q", "1"}};
     EXPECT_EQ(fault(task), "no fault");
     EXPECT_EQ(fault(task, Placeholders::refused),
               "unsupported %mod basisset selector '[sel]'; expected on=all, on=element:<list>, "
               "or on=atom:<index-list>");
-    task.modEntries = {{"charge", ""}};
+    task.modEntries.edit() = {{"charge", ""}};
     EXPECT_EQ(fault(task), "%mod charge requires a value");
 }
 

@@ -1,6 +1,6 @@
-// `%source` read into a task of its own. What the parser makes of it in a file is the matter of
-// directives_test.cpp.
+// `%source` read into a task of its own, and as the parser reads it in a file.
 
+#include "fixtures/parse_text.h"
 #include "fixtures/test_lines.h"
 #include "support/text.h"
 #include "taskdsl/task/directive_reader.h"
@@ -27,7 +27,7 @@ Outcome read(const std::string& value, std::string_view block = "", bool multiSo
     outcome.task = before;
     const WarningSink sink = [&outcome](const std::string& text) { outcome.warnings.push_back(text); };
     const auto lines = linesOf("%source " + value + "\n" + std::string(block));
-    DirectiveReader reader(outcome.task, lines, 0, value, sink, multiSource);
+    DirectiveReader reader(outcome.task, lines, 0, value, {sink, multiSource});
     readSourceDirective(reader);
     outcome.position = reader.position();
     return outcome;
@@ -87,7 +87,7 @@ TEST(SourceDirective, AGuessWordIsOnlyTheLastOne) {
 
 TEST(SourceDirective, FurtherTasksAreConditionsForThoseWhoTolerateThem) {
     TaskInfo before("a");
-    before.whenEntries = {{"completed c", {}}};
+    before.whenEntries.edit() = {{"completed c", {}}};
     const auto outcome = read("b, c,d", "", true, before);
     EXPECT_EQ(sourceText(outcome.task), "b");
     EXPECT_THAT(sourceTasks(outcome.task), ElementsAre("b", "c", "d"));
@@ -107,6 +107,76 @@ TEST(SourceDirective, WithoutAValueItTakesTheBlock) {
     EXPECT_EQ(messageOf([] { (void)read("", "%keywords x\n"); }),
               "t.mq:1:1-1:9: error: task 'a' has empty %source; provide an inline source or one or more "
               "structured bindings");
+}
+
+TEST(Source, InlineForms) {
+    EXPECT_EQ(sourceText(firstTask("$a\n%source b\n")), "b");
+    EXPECT_THAT(sourceTasks(firstTask("$a\n%source b\n")), ElementsAre("b"));
+    EXPECT_EQ(sourceText(firstTask("$a\n%source xyz=a,b.xyz frame=2\n")), "xyz=a,b.xyz frame=2");
+    EXPECT_EQ(sourceText(firstTask("$a\n%source \"xyz=a.xyz frame=2\"\n")), "xyz=a.xyz frame=2");
+    EXPECT_EQ(sourceText(firstTask("$a\n%source ,\n")), "");
+    EXPECT_THAT(sourceTasks(firstTask("$a\n%source restart\n")), IsEmpty());
+    EXPECT_EQ(faultOf("$a\n%source xyz=a frame=0\n"),
+              "%source xyz frame selector must be a positive integer");
+}
+
+TEST(Source, TheGuessWordMovesAndWarns) {
+    for (const char* word : {"guess", "gues"}) {
+        const auto parsed = parse("$a\n%source b  " + std::string(word) + "\n");
+        const TaskInfo& task = parsed.document.tasks[0];
+        EXPECT_EQ(sourceText(task), "b");
+        EXPECT_TRUE(task.guessEnabled);
+        EXPECT_THAT(
+            parsed.warnings,
+            ElementsAre("task 'a' uses deprecated '%source ... guess' syntax; move guess into '%control' as "
+                        "'guess true' or 'guess <task>'."));
+    }
+    const auto cleared = parse("$a\n%control\nguess x\n%source b\n").document.tasks[0];
+    EXPECT_FALSE(cleared.guessEnabled);
+    EXPECT_EQ(cleared.guessSourceTask, "");
+}
+
+TEST(Source, SeveralTasksAreToleratedOnRequest) {
+    EXPECT_EQ(faultOf("$a\n%source b,c\n"), "t.mq:2:1-2:12: error: task 'a' uses removed multi-dependency "
+                                            "'%source a,b,...' syntax; keep the first "
+                                            "task in %source and move the rest into '%when completed ...'");
+    const auto parsed = parse("$a\n%when completed c\n%source b, c,d\n", true);
+    const TaskInfo& task = parsed.document.tasks[0];
+    EXPECT_EQ(sourceText(task), "b");
+    EXPECT_THAT(sourceTasks(task), ElementsAre("b", "c", "d"));
+    EXPECT_THAT(whenConditions(task), ElementsAre("completed c", "completed d"));
+    EXPECT_EQ(formatSpan(task.whenEntries[1].span), "t.mq:3:1-3:15");
+    EXPECT_THAT(
+        parsed.warnings,
+        ElementsAre("task 'a' uses deprecated multi-dependency '%source a,b,...' syntax; use the first "
+                    "upstream as '%source' and express extra dependencies with '%when' completed <task> "
+                    "conditions."));
+}
+
+TEST(Source, AStructuredBlockReplacesTheInlineSource) {
+    const TaskInfo task = firstTask("$a\n%source b\n%source\n  geom.main c\n\n  geom.x xyz=f.xyz frame=2\n");
+    EXPECT_EQ(sourceText(task), "");
+    EXPECT_THAT(sourceTasks(task), IsEmpty());
+    ASSERT_EQ(sourceBindings(task).size(), 2U);
+    EXPECT_EQ(sourceBindings(task)[0].key, "geom");
+    EXPECT_EQ(sourceBindings(task)[1].frameIndex, 2);
+}
+
+TEST(Source, BlockFaultsAreWrapped) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"%source",
+         "t.mq:2:1-2:8: error: task 'a' has empty %source; provide an inline source or one or more "
+         "structured bindings"},
+        {"%source\n  geom", "t.mq:3:3-3:7: error: task 'a' has invalid structured %source entry: structured "
+                            "%source entry must have "
+                            "'<binding-key> <source> [selector=value ...]': 'geom'"},
+        {"%source\n  geom.a b", "t.mq:2:1-2:8: error: task 'a' has invalid structured %source: structured "
+                                "%source with auxiliary geometry "
+                                "bindings must also declare geom"},
+    };
+    for (const auto& [lines, message] : rows) {
+        EXPECT_EQ(faultOf("$a\n" + std::string(lines) + "\n"), message);
+    }
 }
 
 } // namespace

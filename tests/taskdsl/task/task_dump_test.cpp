@@ -1,5 +1,3 @@
-// The dump and its reader as a pair; each field's own label is the matter of task_document_test.cpp.
-
 #include "taskdsl/task/task_document.h"
 
 #include <gmock/gmock.h>
@@ -47,12 +45,13 @@ TEST(TaskDump, EmptyTextsAndListsLeaveNoLine) {
 
 TEST(TaskDump, APlotIsShownByItsTitleOrElseItsId) {
     TaskInfo task("a");
-    task.plots.resize(2);
-    task.plots[0].kind = plot::PlotKind::bar;
-    task.plots[0].title = "Charges";
-    task.plots[0].id = "a:q";
-    task.plots[1].kind = plot::PlotKind::curve;
-    task.plots[1].id = "a:scan";
+    auto& plots = task.plots.edit();
+    plots.resize(2);
+    plots[0].kind = plot::PlotKind::bar;
+    plots[0].title = "Charges";
+    plots[0].id = "a:q";
+    plots[1].kind = plot::PlotKind::curve;
+    plots[1].id = "a:scan";
     EXPECT_THAT(describeTask(task), HasSubstr("Plots:\n  - bar Charges\n  - curve a:scan\n"));
 }
 
@@ -71,6 +70,141 @@ TEST(TaskDump, TheReaderTakesLinesAsTheyAre) {
               "Source: xyz=a.xyz frame=first\nExternal");
     EXPECT_EQ(parseTaskDump("Interface: both").interfaceMode, TaskInterfaceMode::none);
     EXPECT_EQ(parseTaskDump("Interface: consume ").interfaceMode, TaskInterfaceMode::consume);
+}
+
+TEST(TaskDump, AFreshTask) {
+    EXPECT_EQ(describeTask(TaskInfo("a")), "TaskInfo: a\n"
+                                           "Program: gaussian\n"
+                                           "Quoted: false\n"
+                                           "Source: origin\n"
+                                           "ExternalInput: false\n"
+                                           "WaitFreq: true\n"
+                                           "Alert: true\n"
+                                           "LocalFirst: false\n"
+                                           "TemplateTaskName: a\n");
+}
+
+TEST(TaskDump, EveryFieldInItsOrder) {
+    TaskInfo task("v", TaskProgram::orca);
+    task.quoted = true;
+    task.interfaceMode = TaskInterfaceMode::consume;
+    task.interfaceProvider = "p";
+    task.source = SourceStructured{{parseSourceBinding("geom t")}};
+    task.guessSourceTask = "g";
+    task.externalInput = true;
+    task.waitFreq = false;
+    task.alert = false;
+    task.localFirst = true;
+    task.finalGeom = "f.xyz";
+    task.keywords = "k";
+    task.args = "ar";
+    task.gaussianGeomControl = "check";
+    task.extraKeywords = "e";
+    task.templateName = "tn";
+    task.paramValues = "pv";
+    task.runner = "r";
+    task.body = "b";
+    task.preProcessCommands.edit() = {"p1", "p2"};
+    task.processCommands.edit() = {"c1"};
+    task.modEntries.edit() = {{"charge", "1"}, {"spin", "2"}};
+    task.smiles = "CCO";
+    task.filePath = "x.mq";
+    task.templateTaskName = "tt";
+    task.matrixVariantKey = "a_1";
+    task.matrixValues = ValueMap{{"a", "1"}};
+    task.strucId = "s";
+    task.metaProperties.edit() = {"m"};
+    task.orcaBlock = "%scf end";
+    task.whenEntries.edit() = {{"completed t", {}}};
+    EXPECT_EQ(describeTask(task), "TaskInfo: v\n"
+                                  "Program: orca\n"
+                                  "Quoted: true\n"
+                                  "Interface: consume p\n"
+                                  "SourceBindings:\n"
+                                  "  - geom t\n"
+                                  "GuessSourceTask: g\n"
+                                  "ExternalInput: true\n"
+                                  "WaitFreq: false\n"
+                                  "Alert: false\n"
+                                  "LocalFirst: true\n"
+                                  "FinalGeom: f.xyz\n"
+                                  "Keywords: k\n"
+                                  "Args: ar\n"
+                                  "GaussianGeomControl: check\n"
+                                  "ExtraKeywords: e\n"
+                                  "TemplateName: tn\n"
+                                  "ParamValues: pv\n"
+                                  "Runner: r\n"
+                                  "Body: b\n"
+                                  "PreProcessCommands:\n"
+                                  "  - p1\n"
+                                  "  - p2\n"
+                                  "ProcessCommands:\n"
+                                  "  - c1\n"
+                                  "ModValues:\n"
+                                  "  charge: 1\n"
+                                  "  spin: 2\n"
+                                  "SMILES: CCO\n"
+                                  "FilePath: x.mq\n"
+                                  "TemplateTaskName: tt\n"
+                                  "MatrixVariantKey: a_1\n"
+                                  "MatrixValues:\n"
+                                  "  a: 1\n"
+                                  "StrucId: s\n"
+                                  "MetaProperties:\n"
+                                  "  - m\n"
+                                  "OrcaBlock: [omitted]\n"
+                                  "WhenConditions:\n"
+                                  "  - completed t\n");
+    task.modEntries.reset();
+    task.interfaceMode = TaskInterfaceMode::provider;
+    const std::string provider = describeTask(task);
+    EXPECT_EQ(provider.find("ModValues:"), std::string::npos);
+    EXPECT_NE(provider.find("Interface: provider\n"), std::string::npos);
+}
+
+TEST(TaskDump, ReadsItsLabelsBackAndIgnoresOthers) {
+    const TaskInfo task = parseTaskDump("# a comment\n"
+                                        "\n"
+                                        " \tTaskInfo: a b\n"
+                                        "Program: Orca\n"
+                                        "Quoted: true\n"
+                                        "Source: t\n"
+                                        "LocalFirst: yes\n"
+                                        "Interface: consume p\n"
+                                        "FinalGeom: f\n"
+                                        "Keywords: k\n"
+                                        "Args: ar\n"
+                                        "ExtraKeywords: e\n"
+                                        "TemplateName: tn\n"
+                                        "ParamValues: pv\n"
+                                        "Runner: r\n"
+                                        "Body: b\n"
+                                        "SMILES: CCO\n"
+                                        "FilePath: x.mq\n"
+                                        "StrucId: s\n"
+                                        "WaitFreq: false\n"
+                                        "Unknown: z\n");
+    EXPECT_EQ(task.name, "a b");
+    EXPECT_EQ(task.program, TaskProgram::orca);
+    EXPECT_TRUE(task.quoted);
+    EXPECT_EQ(sourceText(task), "t");
+    EXPECT_FALSE(task.localFirst) << "only the text true is true";
+    EXPECT_EQ(task.interfaceMode, TaskInterfaceMode::consume);
+    EXPECT_EQ(task.interfaceProvider, "p");
+    EXPECT_EQ(task.finalGeom, "f");
+    EXPECT_EQ(task.keywords, "k");
+    EXPECT_EQ(task.args, "ar");
+    EXPECT_EQ(task.extraKeywords, "e");
+    EXPECT_EQ(task.templateName, "tn");
+    EXPECT_EQ(task.paramValues, "pv");
+    EXPECT_EQ(task.runner, "r");
+    EXPECT_EQ(task.body, "b");
+    EXPECT_EQ(task.smiles, "CCO");
+    EXPECT_EQ(task.filePath, "x.mq");
+    EXPECT_EQ(task.strucId, "s");
+    EXPECT_TRUE(task.waitFreq) << "the label sets no field";
+    EXPECT_EQ(parseTaskDump("Interface: provider").interfaceMode, TaskInterfaceMode::provider);
 }
 
 } // namespace

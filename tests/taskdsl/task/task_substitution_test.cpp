@@ -13,7 +13,7 @@ using ::testing::ElementsAre;
 
 TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
     TaskInfo task("[k]");
-    const std::vector<std::string*> fields{&task.guessSourceTask,
+    const std::vector<SharedText*> fields{&task.guessSourceTask,
                                            &task.guessConverter,
                                            &task.gaussianGeomControl,
                                            &task.finalGeom,
@@ -35,11 +35,11 @@ TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
     task.smiles = "[k]";
     task.verbosity = "[k]";
     task.filePath = "d/[k].mq";
-    task.preProcessCommands = {"p [k]"};
-    task.processCommands = {"q", "[k]"};
-    task.whenEntries = {{"completed [k]", {"t.mq", 3, 2, 3, 9}}};
+    task.preProcessCommands.edit() = {"p [k]"};
+    task.processCommands.edit() = {"q", "[k]"};
+    task.whenEntries.edit() = {{"completed [k]", {"t.mq", 3, 2, 3, 9}}};
     task.source = SourceTaskList{{"a [k] [x]"}};
-    task.modEntries = {{"charge", "[k]"}, {"[k]", "v"}};
+    task.modEntries.edit() = {{"charge", "[k]"}, {"[k]", "v"}};
     substituteTask(task, {{"k", "7"}});
     EXPECT_EQ(task.name, "7");
     for (const auto* field : fields) {
@@ -48,11 +48,11 @@ TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
     EXPECT_EQ(task.smiles, "[k]");
     EXPECT_EQ(task.verbosity, "[k]");
     EXPECT_EQ(task.filePath.str(), "d/7.mq");
-    EXPECT_THAT(task.preProcessCommands, ElementsAre("p 7"));
-    EXPECT_THAT(task.processCommands, ElementsAre("q", "7"));
-    EXPECT_THAT(task.whenEntries, ElementsAre(TaskWhenEntry{"completed 7", {"t.mq", 3, 2, 3, 9}}));
+    EXPECT_THAT(*task.preProcessCommands, ElementsAre("p 7"));
+    EXPECT_THAT(*task.processCommands, ElementsAre("q", "7"));
+    EXPECT_THAT(*task.whenEntries, ElementsAre(TaskWhenEntry{"completed 7", {"t.mq", 3, 2, 3, 9}}));
     EXPECT_EQ(task.source, SourceSpec(SourceTaskList{{"a 7 [x]"}}));
-    EXPECT_THAT(task.modEntries, ElementsAre(ModEntry{"charge", "7"}, ModEntry{"7", "v"}));
+    EXPECT_THAT(*task.modEntries, ElementsAre(ModEntry{"charge", "7"}, ModEntry{"7", "v"}));
     EXPECT_EQ(modValues(task), (std::map<std::string, std::string>{{"7", "v"}, {"charge", "7"}}));
 }
 

@@ -8,12 +8,12 @@ namespace {
 
 using ::testing::ElementsAre;
 
-TEST(Merge, OneTemplateComesBackWithAnEmptyLineBehindEachBlock) {
+TEST(Merge, OneTemplateGetsAnEmptyLineAfterEachBlock) {
     EXPECT_EQ(mergeTemplateTexts({"$a\n  x\n"}), "$a\n  x\n\n");
     EXPECT_EQ(mergeTemplateTexts({"$a\n  x\n$b\n  y"}), "$a\n  x\n\n$b\n  y\n");
 }
 
-TEST(Merge, NothingGivesNothing) {
+TEST(Merge, NoTemplatesMakeAnEmptyText) {
     EXPECT_EQ(mergeTemplateTexts({}), "");
     EXPECT_EQ(mergeTemplateTexts({"", "\n \n"}), "");
 }

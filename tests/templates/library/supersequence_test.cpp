@@ -56,7 +56,7 @@ TEST(Supersequence, EqualAndEmptyListsAddNothing) {
     EXPECT_THAT(shortestCommonSupersequence({"a", "b"}, {}), ElementsAre("a", "b"));
 }
 
-TEST(Supersequence, IsWhatTheWholeTableGives) {
+TEST(Supersequence, EqualsTheResultOfTheWholeTable) {
     static constexpr std::string_view alphabet[] = {"a", "b", "c", "d", "e", "f", "g", "h"};
     std::uint32_t seed = 1;
     const auto random = [&](std::uint32_t below) {

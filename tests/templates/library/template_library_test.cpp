@@ -51,7 +51,7 @@ class Library : public ::testing::Test {
     fs::path root = directory.root();
 };
 
-TEST_F(Library, TheCategoryIsTheDirectoryThatTheFileLiesIn) {
+TEST_F(Library, TheCategoryIsTheDirectoryOfTheFile) {
     put("tpl/root.mq", "$a\n");
     put("tpl/opt/opt.mq", "$a\n");
     put("tpl/deep/er/x.y.mq", "$a\n");
@@ -198,11 +198,6 @@ TEST(TemplateViews, CategoriesAreSortedByByteAndKeepTheOrderInside) {
     EXPECT_EQ(
         formatTemplateCategories(libraryOf({{"z", "opt"}, {"a", "General"}, {"b", "opt"}, {"c", "Zn"}})),
         "General:\n  a\n\nZn:\n  c\n\nopt:\n  z\n  b\n\n");
-}
-
-TEST(QuotedPath, EscapesQuotesAndBackslashes) {
-    EXPECT_EQ(quotedPath("a b"), "\"a b\"");
-    EXPECT_EQ(quotedPath("a\"\\"), "\"a\\\"\\\\\"");
 }
 
 } // namespace

@@ -8,35 +8,36 @@ namespace {
 
 using ::testing::ElementsAre;
 
-TEST(ScanPlaceholders, GivesSortedUniqueNames) {
-    EXPECT_THAT(scanPlaceholders("[func]/[basis] [func]", true), ElementsAre("basis", "func"));
-    EXPECT_THAT(scanPlaceholders("", true), ElementsAre());
+TEST(ScanPlaceholders, ReturnsSortedUniqueNames) {
+    EXPECT_THAT(scanPlaceholders("[func]/[basis] [func]", BuiltIns::drop), ElementsAre("basis", "func"));
+    EXPECT_THAT(scanPlaceholders("", BuiltIns::drop), ElementsAre());
 }
 
 TEST(ScanPlaceholders, TakesEverythingUpToTheNextClosingBracket) {
-    EXPECT_THAT(scanPlaceholders("[a b] [] [[c] [d\ne]]", true), ElementsAre("[c", "a b", "d\ne"));
-    EXPECT_THAT(scanPlaceholders("[]a]", true), ElementsAre());
-    EXPECT_THAT(scanPlaceholders("a] [b", true), ElementsAre());
+    EXPECT_THAT(scanPlaceholders("[a b] [] [[c] [d\ne]]", BuiltIns::drop), ElementsAre("[c", "a b", "d\ne"));
+    EXPECT_THAT(scanPlaceholders("[]a]", BuiltIns::drop), ElementsAre());
+    EXPECT_THAT(scanPlaceholders("a] [b", BuiltIns::drop), ElementsAre());
 }
 
 TEST(ScanPlaceholders, BuiltInNamesNeedNoValue) {
     const std::string text = "[inputname] [taskname] [rootname] [originname] [sourcename]";
-    EXPECT_THAT(scanPlaceholders(text, true), ElementsAre("sourcename"));
-    EXPECT_THAT(scanPlaceholders(text, false),
+    EXPECT_THAT(scanPlaceholders(text, BuiltIns::drop), ElementsAre("sourcename"));
+    EXPECT_THAT(scanPlaceholders(text, BuiltIns::keep),
                 ElementsAre("inputname", "originname", "rootname", "sourcename", "taskname"));
 }
 
 TEST(ScanPlaceholders, NamesOfTheSourceNeedNoValue) {
-    EXPECT_THAT(scanPlaceholders("[geom] [xyz_file] [charge] [spin] [uhf] [source] [atom_count]", true),
-                ElementsAre());
-    EXPECT_THAT(scanPlaceholders("[geom.cation] [charge2] [spin.a.b]", true), ElementsAre());
-    EXPECT_THAT(scanPlaceholders("[geometry] [charge2x] [spin_]", true),
+    EXPECT_THAT(
+        scanPlaceholders("[geom] [xyz_file] [charge] [spin] [uhf] [source] [atom_count]", BuiltIns::drop),
+        ElementsAre());
+    EXPECT_THAT(scanPlaceholders("[geom.cation] [charge2] [spin.a.b]", BuiltIns::drop), ElementsAre());
+    EXPECT_THAT(scanPlaceholders("[geometry] [charge2x] [spin_]", BuiltIns::drop),
                 ElementsAre("charge2x", "geometry", "spin_"));
 }
 
 TEST(ScanPlaceholders, OpenBracketsWithoutEndCostOneSearch) {
-    EXPECT_THAT(scanPlaceholders(std::string(4'000'000, '['), true), ElementsAre());
-    const auto names = scanPlaceholders("[" + std::string(4'000'000, 'x') + "]", true);
+    EXPECT_THAT(scanPlaceholders(std::string(4'000'000, '['), BuiltIns::drop), ElementsAre());
+    const auto names = scanPlaceholders("[" + std::string(4'000'000, 'x') + "]", BuiltIns::drop);
     ASSERT_EQ(names.size(), 1U);
     EXPECT_EQ(names.front().size(), 4'000'000U);
 }

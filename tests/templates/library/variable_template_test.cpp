@@ -22,7 +22,7 @@ TEST(VariableTemplate, ReadsTheFormShownToUsers) {
     EXPECT_THAT(result.values, ElementsAre(Pair("basis", "6-31G(d)"), Pair("func", "B3LYP")));
 }
 
-TEST(VariableTemplate, WithoutANameTheFileNameStands) {
+TEST(VariableTemplate, WithoutANameTheFileNameIsUsed) {
     const auto result = parseVariableTemplate("# nothing\n", "dft");
     EXPECT_EQ(result.name, "dft");
     EXPECT_EQ(result.description, "");

@@ -1,12 +1,9 @@
 #include "templates/selector/selector_dialogues.h"
 
+#include "fixtures/scratch_tree.h"
 #include "fixtures/selector_sample.h"
 #include "support/file.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <filesystem>
 
 namespace morquill::templates {
@@ -27,7 +24,7 @@ constexpr std::string_view question = "[mqkit] choose a variable to set or chang
                                       "        input 'q' to return to template selection;\n"
                                       "        Variable index?: ";
 
-/// The user as a script: keys and lines in order, the end of input behind the last of each.
+/// The user as a script: keys and lines in order, then the end of input for each.
 struct Script {
     std::vector<std::int32_t> keys;
     std::vector<std::string> lines;
@@ -42,33 +39,25 @@ struct Script {
     }
 };
 
-/// Runs in a directory of its own.
-class Dialogue : public ::testing::Test {
+class Dialogue : public ScratchTree {
   protected:
-    Dialogue() {
-        std::string name = (fs::temp_directory_path() / "mqkit-selector-XXXXXX").string();
-        directory = ::mkdtemp(name.data());
-        fs::current_path(directory);
-    }
-    ~Dialogue() override {
-        fs::current_path(home);
-        fs::remove_all(directory);
+    void finish(DialogueEnd end) {
+        state = std::move(end.state);
+        quit = end.after == AfterDialogue::quit;
     }
     [[nodiscard]] std::string editPrinted(const std::vector<std::string>& lines) {
         Script script{{}, lines};
-        state = editVariables(std::move(state), script.console(), quit);
+        finish(editVariables(std::move(state), script.console()));
         EXPECT_FALSE(quit);
         EXPECT_EQ(script.nextLine, lines.size());
         return script.printed;
     }
     [[nodiscard]] std::string generatePrinted(const std::vector<std::string>& lines, std::int32_t pressed) {
         Script script{{pressed}, lines};
-        state = generateTaskFile(std::move(state), script.console(), quit);
+        finish(generateTaskFile(std::move(state), script.console()));
         return script.printed;
     }
 
-    fs::path home = fs::current_path();
-    fs::path directory;
     SelectorState state = sampleState();
     bool quit = false;
 };
@@ -84,7 +73,7 @@ std::string editScreen() {
 
 TEST_F(Dialogue, EditWithoutVariablesWaitsForAKey) {
     Script script{{'x'}, {}};
-    state = editVariables(std::move(state), script.console(), quit);
+    finish(editVariables(std::move(state), script.console()));
     EXPECT_EQ(script.printed, editScreen() + "The selected templates have no required variables\n\n" +
                                   std::string(anyKey) + std::string(hide));
     EXPECT_FALSE(quit);
@@ -93,7 +82,7 @@ TEST_F(Dialogue, EditWithoutVariablesWaitsForAKey) {
 
 TEST_F(Dialogue, EditEndsTheProgramWhenTheInputEndsAtAKey) {
     Script script;
-    state = editVariables(std::move(state), script.console(), quit);
+    finish(editVariables(std::move(state), script.console()));
     EXPECT_TRUE(quit);
 }
 
@@ -218,7 +207,7 @@ TEST_F(Dialogue, GenerateLeavesTheCursorVisibleAtTheEnd) {
     }
 }
 
-TEST_F(Dialogue, GenerateTellsAFailure) {
+TEST_F(Dialogue, GenerateReportsAFailure) {
     state.selected = {"sp"};
     EXPECT_THAT(generatePrinted({"no/such/dir"}, 'x'),
                 EndsWith("mq): \n[mqkit][ERROR] could not write file no/such/dir.mq\n"
@@ -230,7 +219,7 @@ TEST_F(Dialogue, GenerateWithoutAnAnswerWritesNothing) {
     state.selected = {"note"};
     EXPECT_THAT(generatePrinted({}, 'x'), EndsWith("generated_task.mq): " + std::string(hide)));
     EXPECT_FALSE(quit);
-    EXPECT_TRUE(fs::is_empty(directory));
+    EXPECT_TRUE(fs::is_empty(root));
 }
 
 TEST_F(Dialogue, TheLoopDrawsTakesKeysAndShowsTheCursorAtTheEnd) {

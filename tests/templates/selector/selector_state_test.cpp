@@ -174,7 +174,7 @@ TEST(Preview, WithNothingSelectedSaysSo) {
     EXPECT_EQ(onPreview().previewText, "No templates selected");
 }
 
-TEST(Preview, MergesInOrderOfSelectionWithDefinesInFront) {
+TEST(Preview, MergesInOrderOfSelectionAfterTheDefines) {
     auto state = after(sampleState(), {'j', ' ', 'k', ' '});
     state.variableValues = {{"func", "B3LYP"}, {"unused", "x"}};
     EXPECT_EQ(after(std::move(state), {'p'}).previewText,

@@ -1,0 +1,162 @@
+# What the scripts of this folder share. Sourced, never run.
+#
+# A block directory of a project tells what became of it by three small files:
+#   cluster_done.mqwk  its comd ended well; a work marker, so `mqkit project rebuild` forgets it with the others
+#   cluster.failed     its comd ended with this exit status
+#   cluster.claim      who runs it now
+# and cluster.log holds what its comd printed. <project>/cluster/ holds a list of the blocks of each submission, named
+# as its jobs are, and what the jobs themselves printed.
+
+# shellcheck disable=SC2034 # the scripts read what is set here
+tools=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+program=$(basename "$0")
+mqkit=${MQKIT:-mqkit}
+
+die() { # <message> [<status>]
+    echo "$program: $1" >&2
+    exit "${2:-1}"
+}
+
+need() { # <program>...
+    local tool
+    for tool in "$@"; do
+        command -v "$tool" >/dev/null || die "'$tool' is needed and not in PATH"
+    done
+}
+
+# take_options <usage> <allowed options> <arguments>...: fills `option` by name without dashes; what stands behind `--`
+# goes to `site_options`. -n may be repeated; --join takes no value.
+declare -A option=()
+site_options=()
+take_options() {
+    local usage=$1 allowed=" $2 " key
+    shift 2
+    while [[ $# -gt 0 ]]; do
+        key=$1
+        shift
+        case $key in
+        -h | --help) echo "usage: $program $usage" && exit 0 ;;
+        --) site_options=("$@") && return ;;
+        esac
+        [[ $allowed == *" $key "* ]] || die "unknown argument: $key (usage: $program $usage)"
+        case $key in
+        --join) option[${key#--}]=1 && continue ;;
+        esac
+        [[ $# -gt 0 ]] || die "$key needs a value (usage: $program $usage)"
+        if [[ $key == -n ]]; then
+            option[n]=${option[n]:+${option[n]},}$1
+        else
+            option[${key#--}]=$1
+        fi
+        shift
+    done
+}
+
+positive() { # <option> <default>: prints its value
+    local value=${option[$1]:-$2}
+    [[ $value =~ ^[1-9][0-9]{0,8}$ ]] || die "--$1 needs a positive number, not '$value'"
+    echo "$value"
+}
+
+# list_blocks <names>: the block directories of a selection, one a line
+list_blocks() {
+    local status=0 path=() work
+    [[ -n $1 ]] || die "name the task blocks with -n, for instance -n opt"
+    [[ -z ${option[path]:-} ]] || path=(--path "${option[path]}")
+    work=$(mktemp -d) || die "no room for a list in ${TMPDIR:-/tmp}"
+    # shellcheck disable=SC2016 # each block's shell expands it
+    BLOCK_LIST=$work/list "$mqkit" project exec "${path[@]}" -n "$1" -- 'pwd >>"$BLOCK_LIST"' \
+        >"$work/out" 2>"$work/err" || status=$?
+    # 2 is also a block directory that is missing in some case: those that are there can be sent.
+    if [[ $status -ne 0 && ! -s $work/list ]]; then
+        cat "$work/err" >&2
+        grep '^\[mqkit\] ' "$work/out" >&2
+        rm -rf "$work"
+        die "no block directory for -n $1"
+    fi
+    grep '^\[mqkit\] note:' "$work/out" >&2
+    cat "$work/list"
+    rm -rf "$work"
+}
+
+# project_root <block directory>
+project_root() { dirname "$(dirname "$1")"; }
+
+# take_blocks: the block directories of -n, in the file `blocks`; `root` is their project
+take_blocks() {
+    blocks=$(mktemp) || die "no room for a list in ${TMPDIR:-/tmp}"
+    trap 'rm -f "$blocks" "$blocks".*' EXIT
+    list_blocks "${option[n]:-}" >"$blocks" || exit 1
+    root=$(project_root "$(head -n 1 "$blocks")")
+    mkdir -p "$root/cluster/output" || die "cannot write in $root"
+}
+
+# block_states: "<state> <tab> <directory> <tab> <reason> <tab> <claim of a job that is gone>" for each line of the file
+# `blocks`
+block_states() {
+    local names
+    case ${option[done]:-any} in
+    any | marker | status) ;;
+    *) die "--done is any, marker or status, not '${option[done]}'" ;;
+    esac
+    names=$(cd "$root/cluster" && for name in mqkit-*; do [[ ! -f $name ]] || printf '%s,' "$name"; done)
+    : >"$blocks.queue"
+    : >"$blocks.past"
+    if [[ -n $names ]]; then
+        squeue -h -r --name="$names" -o '%j|%K|%A|%T' >"$blocks.queue" || die "squeue does not answer, and blocks were sent"
+        # Without accounts there is no sacct; then the reason of a lost block stays unknown.
+        sacct -n -X -P -S now-30days --name="$names" -o JobName,JobID,State >"$blocks.past" 2>/dev/null || true
+    fi
+    for name in "$root"/cluster/mqkit-*; do
+        [[ ! -f $name ]] || sed "s|^|${name##*/}	|" "$name"
+    done >"$blocks.sent"
+    DONE_BY=${option[done]:-any} HOST=$(uname -n) ME=$(id -un) awk -f "$tools/block-states.awk" \
+        "$blocks.queue" "$blocks.past" "$blocks.sent" "$blocks"
+}
+
+# blocks_to_send: the directories that are neither done nor in the queue; with --only, those that failed or are new
+blocks_to_send() {
+    local only=${option[only]:-failed,new}
+    [[ ,failed,new,failed, == *",$only,"* ]] || die "--only is failed or new, not '$only'"
+    block_states >"$blocks.states" || exit 1
+    awk -F '\t' '{ ++n[$1] } END { for (s in n) printf "%s%s %d", (i++ ? ", " : ""), s, n[s]; print "" }' \
+        "$blocks.states" | sed "s/^/$program: /" >&2
+    awk -F '\t' -v only=",$only," 'index(only, "," $1 ",") { print $2 }' "$blocks.states"
+}
+
+# drop_claims: takes away the claims that `block_states` has found to be of jobs that are gone. One that has come since
+# is of somebody who works there now, and stays.
+drop_claims() {
+    local dir gone aside
+    while IFS=$'\t' read -r dir gone; do
+        [[ $(cat "$dir/cluster.claim" 2>/dev/null) == "$gone" ]] || continue
+        aside=$dir/.cluster.claim.$$
+        mv "$dir/cluster.claim" "$aside" 2>/dev/null || continue
+        [[ $(cat "$aside") == "$gone" ]] || ln "$aside" "$dir/cluster.claim"
+        rm -f "$aside"
+    done < <(awk -F '\t' '$4 != "" { print $2 "\t" $4 }' "$blocks.states")
+}
+
+# new_list: an empty list of a submission in <project>/cluster; prints its path, whose last part names the jobs
+new_list() {
+    local list
+    list=$(mktemp "$root/cluster/mqkit-XXXXXX") || die "cannot write in $root/cluster"
+    chmod "$(printf %o $((0666 & ~$(umask))))" "$list" # colleagues read it, too
+    echo "$list"
+}
+
+# send <list> <sbatch options>...: submits; prints the job's number
+send() {
+    local list=$1 folder number=%j
+    shift
+    [[ $1 != --array=* ]] || number=%a
+    folder=$(dirname "$list")/output
+    sbatch --parsable --job-name="${list##*/}" --output="${folder//%/%%}/%x_$number.out" --open-mode=append --requeue \
+        --signal=B:USR1@60 "$@" | cut -d ';' -f 1
+}
+
+largest_array() { # one less than the limit: indices here begin with 1
+    local limit
+    limit=$(scontrol show config | awk '$1 == "MaxArraySize" { print $3 - 1 }')
+    echo "${limit:-1000}"
+}

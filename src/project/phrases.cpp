@@ -1,0 +1,14 @@
+#include "project/phrases.h"
+
+namespace morquill::project {
+
+void printExecution(std::string_view command, console::RunMode mode) {
+    console::printMessage(console::stepKind(mode),
+                          (mode == console::RunMode::dryRun ? "" : "execute ") + std::string(command));
+}
+
+std::string inParentheses(const std::string& reason) {
+    return reason.empty() ? "" : " (" + reason + ")";
+}
+
+} // namespace morquill::project

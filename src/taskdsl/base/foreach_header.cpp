@@ -1,0 +1,47 @@
+#include "taskdsl/base/foreach_header.h"
+
+#include "support/cursor.h"
+#include "taskdsl/base/scan.h"
+
+namespace morquill::taskdsl {
+
+namespace {
+
+std::string_view dropSpaceBehind(std::string_view text) noexcept {
+    while (!text.empty() && isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+} // namespace
+
+// ^@foreach(\?)?\s+([A-Za-z_][A-Za-z0-9_.-]*)\s+in\s+(.+?)\s*$, else the same without " in <source>"
+std::optional<ForeachHeader> parseForeachHeader(std::string_view text) noexcept {
+    Cursor cursor(dropSpaceBehind(text));
+    if (!cursor.take("@foreach")) {
+        return std::nullopt;
+    }
+    ForeachHeader header;
+    header.isOptional = cursor.take('?');
+    const auto keywordEnd = cursor.place();
+    if (cursor.skipSpace().place() == keywordEnd || cursor.atEnd() || !isWordStart(cursor.rest().front())) {
+        return std::nullopt;
+    }
+    header.name = cursor.takeWhile(isKeyChar);
+    if (cursor.atEnd()) {
+        return header;
+    }
+    const auto nameEnd = cursor.place();
+    if (cursor.skipSpace().place() == nameEnd || !matchWord(cursor.rest(), "in")) {
+        return std::nullopt;
+    }
+    cursor.take("in");
+    if (cursor.skipSpace().atEnd()) {
+        return std::nullopt;
+    }
+    header.source = cursor.rest();
+    return header;
+}
+
+} // namespace morquill::taskdsl

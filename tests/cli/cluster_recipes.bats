@@ -1,0 +1,194 @@
+#!/usr/bin/env bats
+# The recipes of examples/cluster as far as they need no scheduler; script/test-cluster runs all of them on one.
+bats_require_minimum_version 1.5.0
+load siblings
+
+setup() {
+    setup_project
+    recipes="$MQKIT_SOURCE/examples/cluster"
+    unset SLURM_JOB_ID
+    for case in m1 m2; do
+        echo 'echo start >>runs; [ ! -e fail ] || exit 3; echo end >>runs; echo "ran in $PWD"' >$case/opt/comd
+    done
+}
+
+table() { # <done> <failed> <never sent>: of the block opt
+    diff <("$recipes/block-status" -n opt | awk 'NR == 2 { print $2, $5, $6, $3 + $4 }') <(echo "$1 $2 $3 0")
+}
+
+@test "the recipes and the scripts of their test pass shellcheck" {
+    cd "$MQKIT_SOURCE"
+    shellcheck -x -P SCRIPTDIR examples/cluster/{lib.bash,run-block,run-local,block-job,block-status,submit-*}
+    shellcheck -x script/test-cluster tests/cluster/*.bash tests/cluster/morquill
+}
+
+@test "blocks run once, the failed one again, with a log that collect finds" {
+    touch m2/opt/fail
+    table 0 0 2
+    run --separate-stderr "$recipes/run-local" -n opt --at-once 2
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-1]}" = "run-local: some blocks failed: block-status --list failed names them" ]
+    table 1 1 0
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m2/opt	exit 3" ]
+    [ "$("$recipes/block-status" -n opt --list done)" = "$root/m1/opt	marker" ]
+    rm m2/opt/fail
+    run "$recipes/run-local" -n opt --only failed
+    [ "$status" -eq 0 ]
+    table 2 0 0
+    run --separate-stderr "$recipes/run-local" -n opt
+    [ "$status" -eq 0 ]
+    [ "$output" = "run-local: nothing to run" ]
+    "$recipes/run-block" m1/opt
+    [ "$(cat m1/opt/runs)" = $'start\nend' ]
+    [ "$(cat m2/opt/runs)" = $'start\nstart\nend' ]
+    [ "$(sed 's/^== [^ ]* local [^ ]* [^ ]* [0-9]*: //; s/start on .*/start/' m2/opt/cluster.log)" = "start
+failed, exit 3
+start
+ran in $root/m2/opt
+ended well" ]
+    "$MQKIT" project collect -n opt cluster.log
+    cmp results/cluster_m1.log m1/opt/cluster.log
+}
+
+@test "what mq.status calls rendered is done, or not, as asked" {
+    printf '# TASK\nopt RENDERED t -\n' >m1/mq.status
+    printf 'opt FAILED t -\nsoc rendered t -\n' >m2/mq.status
+    table 1 0 1
+    [ "$("$recipes/block-status" -n opt --list done)" = "$root/m1/opt	mq.status" ]
+    [ "$("$recipes/block-status" -n opt --done marker --list new | wc -l)" -eq 2 ]
+    "$recipes/run-local" -n opt
+    [ ! -e m1/opt/runs ]
+    [ -e m2/opt/cluster_done.mqwk ]
+    [ "$("$recipes/block-status" -n opt --done status --list new)" = "$root/m2/opt	" ]
+}
+
+@test "a rebuild forgets what has run" {
+    "$recipes/run-local" -n opt
+    sibling morquill
+    "$MQKIT" project rebuild --path demo.projmq -n opt </dev/null
+    table 0 0 2
+}
+
+@test "a block that somebody runs is left alone, that of a process that is gone is not" {
+    echo "local $(id -un) elsewhere 1" >m1/opt/cluster.claim
+    echo "local $(id -un) $(uname -n) 999999999" >m2/opt/cluster.claim
+    run --separate-stderr "$recipes/run-block" m1/opt
+    [ "$status" -eq 75 ]
+    [ "$stderr" = "run-block: $root/m1/opt is run by: local $(id -un) elsewhere 1" ]
+    [ "$("$recipes/block-status" -n opt --list running)" = "$root/m1/opt	local $(id -un) elsewhere 1" ]
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m2/opt	lost: local $(id -un) $(uname -n) 999999999" ]
+    "$recipes/run-local" -n opt
+    [ ! -e m1/opt/runs ]
+    [ "$(cat m2/opt/runs)" = $'start\nend' ]
+    # The job that left the claim takes it up again.
+    echo "slurm $(id -un) 7" >m1/opt/cluster.claim
+    SLURM_JOB_ID=8 run "$recipes/run-block" m1/opt
+    [ "$status" -eq 75 ]
+    SLURM_JOB_ID=7 "$recipes/run-block" m1/opt
+    [ "$(cat m1/opt/runs)" = $'start\nend' ]
+    [ ! -e m1/opt/cluster.claim ]
+}
+
+@test "what a colleague has claimed is never taken for lost" {
+    echo "slurm somebody-else 7" >m1/opt/cluster.claim
+    echo "local somebody-else $(uname -n) 999999999" >m2/opt/cluster.claim
+    [ "$("$recipes/block-status" -n opt --list running | cut -f 2)" = "slurm somebody-else 7
+local somebody-else $(uname -n) 999999999" ]
+    run --separate-stderr "$recipes/run-local" -n opt
+    [ "$output" = "run-local: nothing to run" ]
+}
+
+@test "a list of a submission can be read by colleagues; too many elements are told before anything is sent" {
+    sibling squeue
+    sibling sacct
+    sibling sbatch 'echo 5'
+    sibling scontrol 'echo "MaxArraySize = 3"'
+    umask 022
+    run --separate-stderr "$recipes/submit-array" -n opt --max 7 -- --time=1
+    [ "$output" = "submit-array: job 5, 2 block(s) in 2 array task(s)" ]
+    list="$(echo cluster/mqkit-*)"
+    [ "$(stat -c %a "$list")" = 644 ]
+    [ "$(cat "$list")" = "1	$root/m1/opt
+2	$root/m2/opt" ]
+    grep -qF "sbatch --parsable --job-name=${list##*/} --output=$root/cluster/output/%x_%a.out --open-mode=append --requeue --signal=B:USR1@60 --array=1-2%7 --time=1 $recipes/block-job $recipes 1 $root/$list in $root" "$RECORD"
+    sibling scontrol 'echo "MaxArraySize = 2"'
+    rm "$RECORD"
+    run --separate-stderr "$recipes/submit-array" -n opt
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-1]}" = "submit-array: 2 array tasks, and this site takes 1 in one array: bundle them, --bundle 2" ]
+    run ! grep sbatch "$RECORD"
+    sibling sbatch 'echo "no such partition" >&2; exit 1'
+    run --separate-stderr "$recipes/submit-array" -n opt --bundle 2
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-2]}" = "no such partition" ]
+    [ "${stderr_lines[-1]}" = "submit-array: sbatch took nothing" ]
+    [ "$(echo cluster/mqkit-*)" = "$list" ]
+}
+
+@test "a claim that comes while a selection is made stays" {
+    mkdir "$BATS_TEST_TMPDIR/held"
+    echo "local $(id -un) $(uname -n) 999999999" >m1/opt/cluster.claim
+    # The first reading of the blocks lets somebody else take m1 before it goes on.
+    printf '#!/bin/sh\n"%s" "$@"; status=$?\necho "local $(id -un) elsewhere 1" >%s/m1/opt/cluster.claim\nexit $status\n' "$(command -v awk)" "$root" \
+        >"$BATS_TEST_TMPDIR/held/awk"
+    chmod +x "$BATS_TEST_TMPDIR/held/awk"
+    PATH="$BATS_TEST_TMPDIR/held:$PATH" run "$recipes/run-local" -n opt
+    [ ! -e m1/opt/runs ]
+    [ "$(cat m1/opt/cluster.claim)" = "local $(id -un) elsewhere 1" ]
+    [ -e m2/opt/cluster_done.mqwk ]
+}
+
+@test "a signal ends all that a block has started, and the block is not done" {
+    echo 'echo start >>runs; (trap "echo closed >>runs; exit 0" TERM; echo $BASHPID >inner; sleep 60 & wait) & wait' >m1/opt/comd
+    for signal in TERM INT USR1; do
+        rm -f m1/opt/{runs,inner}
+        env --default-signal "$recipes/run-block" m1/opt 3>&- &
+        pid=$!
+        for _ in $(seq 100); do
+            [ -s m1/opt/inner ] && break
+            sleep 0.1
+        done
+        kill -s "$signal" "$pid"
+        status=0
+        wait "$pid" || status=$?
+        [ "$status" -eq 143 ]
+        [ "$(cat m1/opt/runs)" = $'start\nclosed' ]
+        run ! kill -0 "$(cat m1/opt/inner)"
+        [ ! -e m1/opt/cluster_done.mqwk ] && [ ! -e m1/opt/cluster.claim ] && [ ! -e m1/opt/cluster.failed ]
+        [[ $(tail -n 1 m1/opt/cluster.log) == *": stopped by SIG$signal" ]]
+    done
+}
+
+@test "names that a shell would take apart" {
+    mv m2 'm 2 "$x" \'\''%s'
+    "$recipes/run-local" -n opt
+    if command -v parallel >/dev/null; then
+        rm m*/opt/cluster_done.mqwk
+        "$recipes/run-local" -n opt --with parallel
+    fi
+    table 2 0 0
+}
+
+@test "every script says what is wrong, in one line" {
+    told() { # <message> <script> <arguments>...
+        run --separate-stderr "$recipes/$2" "${@:3}"
+        [ "$status" -ne 0 ]
+        [ "${stderr_lines[-1]}" = "$1" ] || { echo "$stderr"; return 1; }
+    }
+    told "block-status: name the task blocks with -n, for instance -n opt" block-status
+    told "block-status: no block directory for -n nothing" block-status -n nothing
+    told "block-status: --list is done, running, queued, failed or new, not 'all'" block-status -n opt --list all
+    told "block-status: --done is any, marker or status, not 'x'" block-status -n opt --done x
+    told "block-status: -n needs a value (usage: block-status [--path P] -n blocks [--done any|marker|status] [--list done|running|queued|failed|new])" block-status -n
+    told "run-local: --at-once needs a positive number, not '0'" run-local -n opt --at-once 0
+    told "run-local: --with is xargs or parallel, not 'make'" run-local -n opt --with make
+    told "run-local: --only is failed or new, not 'done'" run-local -n opt --only done
+    told "run-block: no such directory: none" run-block none
+    told "run-block: no comd in $root/m1/soc: have it generated first" run-block m1/soc
+    told "run-block: usage: run-block <block directory>" run-block
+    told "block-job: usage: block-job <folder> <at once> <list> [<block directory>]" block-job
+    MQKIT=no-such-mqkit told "block-status: 'no-such-mqkit' is needed and not in PATH" block-status -n opt
+    run "$recipes/submit-chain" --help
+    [ "$status" -eq 0 ]
+    [[ ${lines[0]} == "usage: submit-chain "* ]]
+}

@@ -1,0 +1,53 @@
+# What `cmake --install` leaves for editors, hooks and pipelines works from where it is.
+
+setup_file() {
+    export PREFIX=$BATS_FILE_TMPDIR/prefix
+    cmake --install "$(dirname "$MQKIT")" --prefix "$PREFIX" >/dev/null
+}
+
+setup() {
+    export NO_COLOR=1
+    cd "$BATS_TEST_TMPDIR"
+    printf '$a\n  %%keywords k # c\n' >a.mq
+}
+
+@test "vim finds its files where a system vim looks" {
+    vim -Nu NONE -i NONE -n -es --cmd "set runtimepath^=$PREFIX/share/vim/vimfiles" --cmd 'filetype plugin indent on' \
+        --cmd 'syntax on' a.mq -c 'call writefile([&filetype, synIDattr(synID(2, 15, 1), "name"), &makeprg], "out")' -c 'qa!'
+    [ "$(cat out)" = $'mq\nmqComment\nmqkit lint %:S' ]
+    diff -r "$PREFIX/share/vim/vimfiles" "$PREFIX/share/mqkit/editors/vim"
+}
+
+@test "Emacs finds its mode in site-lisp" {
+    run emacs -Q --batch -L "$PREFIX/share/emacs/site-lisp" --eval "(require 'mq-mode)" a.mq \
+        --eval '(progn (font-lock-ensure) (princ (format "%s %s" major-mode (get-text-property 18 (quote face)))))'
+    [ "$output" = "mq-mode font-lock-comment-delimiter-face" ]
+}
+
+@test "the grammars are there, without what tests and builds leave" {
+    cd "$PREFIX/share/mqkit/editors"
+    diff <(find . -type f | LC_ALL=C sort) - <<'TXT'
+./bat/mq.sublime-syntax
+./emacs/mq-mode.el
+./vim/ftdetect/mq.vim
+./vim/ftplugin/mq.vim
+./vim/syntax/mq.vim
+./vscode/LICENSE
+./vscode/README.md
+./vscode/language-configuration.json
+./vscode/package.json
+./vscode/syntaxes/mq.tmLanguage.json
+TXT
+}
+
+@test "hooks run, filters and schemas are read" {
+    export MQKIT=$PREFIX/bin/mqkit
+    [ "$("$PREFIX/share/mqkit/hooks/mqkit-fmt-check" a.mq)" = "a.mq: left as it is; a rewrite would drop: comments" ]
+    git init -q .
+    git add a.mq
+    "$PREFIX/share/mqkit/hooks/pre-commit"
+    for filter in annotations code-quality sarif; do
+        "$MQKIT" lint --format json a.mq | jq --arg root "$PWD" -f "$PREFIX/share/mqkit/ci/$filter.jq" >/dev/null
+    done
+    [ "$(jq -r .title "$PREFIX"/share/mqkit/schemas/*.json | wc -l)" -eq 2 ]
+}

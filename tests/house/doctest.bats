@@ -1,0 +1,188 @@
+#!/usr/bin/env bats
+# The runner of the pages: it passes what is true and finds every kind of lie, one changed letter included.
+
+setup() {
+    cd "$BATS_TEST_TMPDIR"
+    cat >true.md <<'PAGE'
+A page, with `a word` in it.
+
+```mq file=opt.mq canonical
+$opt
+  %source origin
+  %keywords "b3lyp opt"
+```
+
+```console
+$ mqkit fmt opt.mq
+dsl_version: 2
+
+$opt
+  %source origin
+  %keywords "b3lyp opt"
+$ mkdir cases
+$ cd cases
+$ printf 'no line end'
+no line end
+```
+
+1. In the folder that was entered:
+
+   ```console status=1
+   $ cat >fault.mq <<MQ
+   > \$opt
+   >   %keyword x
+   > MQ
+   $ mqkit lint ./fault.mq
+   /home/ada/cases/fault.mq:2:3: error [parse-error] task 'opt' contains unknown directive '%keyword'
+   checked 1 file(s), 1 error(s), 0 warning(s)
+   ```
+
+```mq lint=ignored-guess,legacy-source-guess
+$opt
+  %keywords "b3lyp opt"
+$sp
+  %source opt guess
+  %control
+    guess opt
+  %keywords "b3lyp"
+```
+
+```mq lint=clean
+$opt
+  %keywords "b3lyp opt"
+```
+
+```mq warns
+$opt
+  %keyword x
+```
+
+```mq part-of=examples/matrix/functional_basis.mq
+$opt
+  %source origin
+  %keywords "[functional]/[basis] em=[dispersion] [grid] opt"
+```
+
+```yaml example=examples/extra/extra.yaml
+PAGE
+    cat "$MQKIT_SOURCE/examples/extra/extra.yaml" >>true.md
+    cat >>true.md <<'PAGE'
+```
+
+```sh
+value=1
+```
+
+```yaml file=values/extra.yaml
+totcore: 4
+```
+
+```console
+$ cat values/extra.yaml; echo $value
+totcore: 4
+1
+```
+
+```text not-run="it is a form"
+mqkit <command>
+```
+
+```console single
+$ echo '$ ls'
+$ ls
+```
+
+```console
+$ mqkit-graph ../opt.mq --format mermaid | head -n 1
+flowchart TD
+```
+PAGE
+}
+
+doctest() { run "$MQKIT_SOURCE/script/doctest" "$@"; }
+
+# lie <sed command> <first line of the report>: the page with that change is refused with that report.
+lie() {
+    sed "$1" "$BATS_TEST_TMPDIR/true.md" >"$BATS_TEST_TMPDIR/lie.md"
+    ! cmp -s "$BATS_TEST_TMPDIR/true.md" "$BATS_TEST_TMPDIR/lie.md"
+    doctest "$BATS_TEST_TMPDIR/lie.md"
+    [ "$status" -eq 1 ]
+    [ "${lines[0]}" = "$BATS_TEST_TMPDIR/lie.md:$2" ] || { echo "$output"; return 1; }
+}
+
+# block <info string> <report>: a page of this block alone is refused with this report.
+block() {
+    printf '```%s\ntext\n```\n' "$1" >one.md
+    doctest "$PWD/one.md"
+    [ "$status" -eq 1 ]
+    [ "$output" = "$PWD/one.md:$2" ] || { echo "$output"; return 1; }
+}
+
+@test "a true page passes in silence" {
+    doctest "$PWD/true.md"
+    [ "$status" -eq 0 ] || { echo "$output"; return 1; }
+    [ "$output" = "" ]
+}
+
+@test "a changed letter is found wherever it stands" {
+    lie '15s/b3lyp/b3lyq/' "10: mqkit fmt opt.mq"
+    lie '5s/  %source/   %source/' "3: canonical form"
+    lie '19s/end/emd/' "18: printf 'no line end'"
+    lie '30s/2:3/2:4/' "29: mqkit lint ./fault.mq"
+    lie '34s/ignored-guess,//' "34: findings of lint"
+    lie '46s/keywords/args/' "44: findings of lint"
+    lie '51s/keyword/keywords/' "49: the reader says nothing"
+    lie '57s/grid/mesh/' "54: these lines are not in examples/matrix/functional_basis.mq"
+    lie '63s/toluene/benzene/' "60: examples/extra/extra.yaml"
+    lie '69s/$/; echo told/' "68: value=1; echo told"
+    lie '88s/ls/rm/' "87: echo '\$ ls'"
+    lie '73s/4/5/' "77: cat values/extra.yaml; echo \$value"
+}
+
+@test "a status that nobody announced is found" {
+    lie '24s/ status=1//' "29: status 1, not 0: mqkit lint ./fault.mq"
+    lie '16s/mkdir cases/mkdir cases; false/' "16: status 1, not 0: mkdir cases; false"
+}
+
+@test "a faulty file that announces nothing is found" {
+    lie '49s/ warns//' "49: does not read without a fault or a warning"
+}
+
+@test "a page that ends its shell is no success" {
+    printf '```sh\nexit 0\n```\n' >left.md
+    doctest "$PWD/left.md"
+    [ "$status" -eq 1 ]
+}
+
+@test "every block says what it is" {
+    block "" "1: '' does not say what to do with the block"
+    block yaml "1: 'yaml' does not say what to do with the block"
+    block "text not-run" "1: not-run=\"<why>\" stands alone"
+    block 'text not-run="why not" file=a' "1: not-run=\"<why>\" stands alone"
+    block "mq canonicle" "1: unknown word 'canonicle' in the info string"
+    block "sh status=1" "1: unknown word 'status' in the info string"
+    block 'mq file="a' "1: the info string 'mq file=\"a' cannot be read"
+    block console "1: no line of this console begins with \"\$ \""
+    block "mq example=none.mq" "1: there is no none.mq"
+    block "mq part-of=none.mq" "1: there is no none.mq"
+}
+
+@test "an indented block, one of another kind, one without an end and a missing page are refused" {
+    printf 'text\n\n    mqkit fmt\n' >indented.md
+    printf 'text\n```sh\ntrue\n' >open.md
+    printf '~~~\ntext\n~~~\n' >tilde.md
+    doctest "$PWD/indented.md" "$PWD/tilde.md" "$PWD/open.md" "$PWD/missing.md"
+    [ "$status" -eq 1 ]
+    [ "$output" = "$PWD/indented.md:3: an indented block: write a fenced one
+$PWD/tilde.md:1: a block of another kind: write one between three backticks
+$PWD/tilde.md:3: a block of another kind: write one between three backticks
+$PWD/open.md:2: a block without an end
+$PWD/missing.md: cannot be read" ] || { echo "$output"; return 1; }
+}
+
+@test "what depends on the order of a directory is found" {
+    printf '```console\n$ ls -U examples/extra\nextra.mq\nextra.yaml\nredox.mq\n```\n' >order.md
+    [ -w /dev/shm ] || skip "no file system in memory"
+    doctest "$PWD/order.md"
+    [ "$status" -eq 1 ]
+}

@@ -1,0 +1,61 @@
+#!/usr/bin/env bats
+# The Debian package.
+
+load packages
+
+setup() {
+    package=$(echo "$MQKIT_PACKAGES/mqkit_$(version)-1_"*.deb)
+    root=$BATS_TEST_TMPDIR/root
+}
+
+# dpkg_there <argument>...: dpkg on a system of its own that has nothing else. What the system here leaves out of every
+# package, such as the documents in a container, is installed there.
+dpkg_there() {
+    mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
+    touch -a "$root/var/lib/dpkg/status"
+    dpkg --root="$root" --log=/dev/null --force-not-root --force-depends --path-include='/*' "$@"
+}
+
+files_there() { find "$root" -path "$root/var" -prune -o ! -type d -print; }
+
+@test "lintian has nothing to say" {
+    lintian --allow-root "$package" >"$BATS_TEST_TMPDIR/found" 2>&1
+    diff <(grep -v 'running with root privileges' "$BATS_TEST_TMPDIR/found") /dev/null
+}
+
+@test "the package says what it is" {
+    [ "$(dpkg-deb -f "$package" Version)" = "$(version)-1" ]
+    [ "$(dpkg-deb -f "$package" Section)" = science ]
+    [ -z "$(dpkg-deb -f "$package" Depends)" ]
+    dpkg-deb --fsys-tarfile "$package" | tar -xO ./usr/share/doc/mqkit/copyright >"$BATS_TEST_TMPDIR/copyright"
+    grep -q '^MIT License$' "$BATS_TEST_TMPDIR/copyright"
+    grep -q '^yaml-cpp$' "$BATS_TEST_TMPDIR/copyright"
+    [ "$(dpkg-deb --fsys-tarfile "$package" | tar -xO ./usr/share/doc/mqkit/changelog.Debian.gz | gunzip | dpkg-parsechangelog -l - -S Version)" = "$(version)-1" ]
+}
+
+@test "installed, used and purged it leaves nothing" {
+    dpkg_there -i "$package"
+    [ "$(dpkg-query --root="$root" -W -f '${Version} ${db:Status-Status}' mqkit)" = "$(version)-1 installed" ]
+    works_from "$root/usr"
+    [ -f "$root/usr/share/zsh/vendor-completions/_mqkit" ]
+    [ -f "$root/usr/share/fish/vendor_completions.d/mqkit.fish" ]
+    [ "$(MANPATH=$root/usr/share/man MANWIDTH=80 man mqkit-migrate | sed -n '$p' | tr -s ' ')" = "mqkit $(version) $(released) MQKIT-FMT(1)" ]
+    dpkg_there --purge mqkit
+    [ -z "$(files_there)" ]
+}
+
+@test "every shell finds the completion of the package by itself" {
+    dpkg_there -i "$package"
+    export PATH="$root/usr/bin:$PATH" XDG_DATA_DIRS=$root/usr/share HOME=$BATS_TEST_TMPDIR
+    cd "$BATS_TEST_TMPDIR"
+    printf '$opt\n%%keywords hf\n' >study.mq
+    found=$(bash --norc -c '
+        source /usr/share/bash-completion/bash_completion
+        __load_completion mqkit
+        complete -p mqkit')
+    [ "$found" = "complete -F _mqkit mqkit" ]
+    [ "$(fish -c 'complete -C "mqkit explain study.mq --task "' | cut -f 1)" = opt ]
+    found=$(echo 'mqkit explain study.mq --task ' |
+        zsh -f "$MQKIT_SOURCE/tests/packages/zsh_offers.zsh" "$root/usr/share/zsh/vendor-completions")
+    [ "$found" = $'opt\n.' ]
+}

@@ -1,0 +1,28 @@
+# Packages as a user gets them, from MQKIT_PACKAGES.
+
+version() { sed -n 's/^project(mqkit VERSION \([0-9.]*\).*/\1/p' "$MQKIT_SOURCE/CMakeLists.txt"; }
+
+# released: the day of the version, from the changelog.
+released() { sed -n "s/^## $(version) (\(.*\))\$/\1/p" "$MQKIT_SOURCE/CHANGELOG.md"; }
+
+# completes <completion file> <line>: what bash offers at the end of the line.
+completes() {
+    bash --norc -c '
+        source "$1"
+        read -r -a COMP_WORDS <<<"$2"
+        [[ $2 == *" " ]] && COMP_WORDS+=("")
+        COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+        _mqkit
+        echo "${COMPREPLY[*]}"
+    ' bash "$@"
+}
+
+# works_from <prefix>: what is installed below it works without anything else of mqkit.
+works_from() {
+    local study=$BATS_TEST_TMPDIR/study.mq
+    printf '$opt\n%%keywords "hf opt"\n' >"$study"
+    [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit fmt "$study")" = $'dsl_version: 2\n\n$opt\n  %source origin\n  %keywords "hf opt"' ]
+    [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit template list -d "$1/share/mqkit/templates" | grep -c '(thermochemistry)')" -eq 2 ]
+    [ "$(PATH="$1/bin:/usr/bin:/bin" completes "$1/share/bash-completion/completions/mqkit" "mqkit explain $study --task ")" = opt ]
+    MANPATH=$1/share/man man -w mqkit mqkit-fmt mqkit-migrate mqkit-template 5 mq >/dev/null
+}
