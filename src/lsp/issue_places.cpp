@@ -192,6 +192,9 @@ IssuePlace placeOfIssue(const lint::LintIssue& issue, const OpenText& text) {
     if (isValidSpan(issue.span)) {
         // What a fragment or an included file brought is at fault where it is written.
         file = issue.span.path.empty() ? file : issue.span.path.str();
+        if (const auto placed = splitPlacedMessage(issue.message); placed && issue.messageNamesPlace) {
+            place.message = placed->message; // the editor shows the place by itself
+        }
     } else if (const auto placed = splitPlacedMessage(issue.message)) {
         file = placed->file;
         const auto line = static_cast<std::int32_t>(placed->line);

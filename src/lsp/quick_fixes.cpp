@@ -350,20 +350,25 @@ bool asksFor(const Json& params, std::string_view kind) {
     });
 }
 
-/// How many letters have to be changed, put in or left out.
+/// How many letters have to be changed, put in or left out, or swapped with the next one.
 std::size_t distance(std::string_view left, std::string_view right) {
+    const auto same = [&](std::size_t i, std::size_t j) { return lowerChar(left[i]) == lowerChar(right[j]); };
+    std::vector<std::size_t> beforeLast(right.size() + 1);
+    std::vector<std::size_t> last(right.size() + 1);
     std::vector<std::size_t> row(right.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
+    std::iota(last.begin(), last.end(), std::size_t{0});
     for (std::size_t i = 0; i < left.size(); ++i) {
-        std::size_t diagonal = row[0];
         row[0] = i + 1;
         for (std::size_t j = 0; j < right.size(); ++j) {
-            const auto change = diagonal + (lowerChar(left[i]) == lowerChar(right[j]) ? 0U : 1U);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({change, row[j] + 1, row[j + 1] + 1});
+            row[j + 1] = std::min({last[j] + (same(i, j) ? 0U : 1U), last[j + 1] + 1, row[j] + 1});
+            if (i > 0 && j > 0 && same(i, j - 1) && same(i - 1, j)) {
+                row[j + 1] = std::min(row[j + 1], beforeLast[j - 1] + 1);
+            }
         }
+        beforeLast.swap(last);
+        last.swap(row);
     }
-    return row.back();
+    return last.back();
 }
 
 } // namespace

@@ -104,9 +104,10 @@ TEST(QuickFixes, AreNoneForATextWithoutFaults) {
     EXPECT_TRUE(actions("$a\n  %source nothing_like_it\n  %keywords hf\n").empty());
 }
 
-TEST(QuickFixes, NearestWord_) {
+TEST(QuickFixes, TakeTheNearestWord) {
     EXPECT_EQ(nearestWord("keyword", {"when", "keywords", "body"}), "keywords");
     EXPECT_EQ(nearestWord("Opt", {"opt"}), "opt");
+    EXPECT_EQ(nearestWord("scna", {"scab", "scan"}), "scan"); // two letters swapped
     EXPECT_EQ(nearestWord("xyz", {"opt", "freq"}), "");
     EXPECT_EQ(nearestWord("", {"opt"}), "");
 }
