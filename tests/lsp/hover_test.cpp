@@ -21,8 +21,8 @@ std::string hoverAt(const std::string& text, std::string_view before) {
 }
 
 TEST(Hover, OfWords) {
-    const std::string text =
-        "$a\n  %keywords hf\n  %control\n    totcore 4\n  %program orca\n  %plot spectrum s\n    x energy\n";
+    const std::string text = "$a\n  %keywords hf\n  %control\n    totcore 4\n  %program orca\n  %plot "
+                             "spectrum s\n    x frequency\n    y ir_intensity\n";
     EXPECT_EQ(hoverAt(text, "  %key"),
               "`%keywords <text> | << EOF`\n\nThe route or keyword line of the program; the last one "
               "counts.");
