@@ -121,6 +121,13 @@ def measure_projects(table, mqkit, scratch):
     table.speed("rename, scan of 500 MB of block text", scanned / MB / max(rename.cpu - idle.cpu, 1e-9), 1000)
 
 
+def measure_graph(table, mqkit, scratch):
+    study = inputs.write(f"{scratch}/study.mq", inputs.chain(5000))
+    for form in ("dot", "mermaid"):
+        drawn = Run([f"{mqkit}-graph", study, "--format", form])
+        table.limit(f"mqkit-graph --format {form}, 5,000 tasks", drawn.wall * 1000, "ms", 1000)
+
+
 def measure_startup(table, mqkit):
     peer = Run(["/bin/true"], 200)
     ours = Run([mqkit, "--help"], 200)
@@ -134,6 +141,7 @@ def run(mqkit, scratch):
     measure_task_files(table, mqkit, scratch)
     measure_trees(table, mqkit, scratch)
     measure_projects(table, mqkit, scratch)
+    measure_graph(table, mqkit, scratch)
     if table.missed:
         print(f"\n{len(table.missed)} goal(s) missed")
     return 1 if table.missed else 0

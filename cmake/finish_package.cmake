@@ -46,9 +46,9 @@ run(gzip -9nf ${compressed})
 
 # One file for every system, and half the start-up time: see NOTICE for what it contains. Nothing is uploaded to Debian.
 file(GLOB programs RELATIVE ${CPACK_TEMPORARY_DIRECTORY} ${CPACK_TEMPORARY_DIRECTORY}/usr/bin/*)
-list(TRANSFORM programs PREPEND "mqkit: statically-linked-binary [")
-list(TRANSFORM programs APPEND "]")
-list(APPEND programs "mqkit: initial-upload-closes-no-bugs *")
-list(JOIN programs "\n" overrides)
-file(WRITE ${share}/lintian/overrides/mqkit "${overrides}\n")
+set(overrides "mqkit: initial-upload-closes-no-bugs *\n")
+foreach(program IN LISTS programs) # a string: in a list a bracket would hold entries together
+    string(APPEND overrides "mqkit: statically-linked-binary [${program}]\n")
+endforeach()
+file(WRITE ${share}/lintian/overrides/mqkit "${overrides}")
 run(chmod -R u=rwX,go=rX ${CPACK_TEMPORARY_DIRECTORY}/usr)

@@ -85,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                {{0, 1, EdgeKind::condition, {visibleText(text), visibleText(text)}}},
                {{visibleText(text), {0}}}});
     try {
-        const auto document = taskdsl::TaskParser(true, [](const std::string&) {}).parseText(text, "");
+        const auto document = taskdsl::TaskParser({.legacyMultiSource = true}).parseText(text, "");
         holdTexts(buildStudyGraph(document, VariantView::collapsed));
         holdTexts(buildStudyGraph(document, VariantView::expanded));
     } catch (const taskdsl::DiagnosticError&) {

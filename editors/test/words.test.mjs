@@ -32,7 +32,7 @@ const tables = {
     words.plotStatements],
   deriveStatements: [tableOf('derive/derive_parser.cpp', /^ {4}\{"([a-z]+)", "/gm, 'statementRows[]', '\n};').concat('unit'),
     words.deriveStatements],
-  fragmentKinds: [tableOf('generate/fragment.cpp', /\{"(\w+)", FragmentKind::/g, '', '});').filter((word) => word !== 'unknown'),
+  fragmentKinds: [tableOf('task/fragment_kind.cpp', /\{"(\w+)", FragmentKind::/g, '', '});').filter((word) => word !== 'unknown'),
     Object.values(words.fragmentKinds).flat().filter((word) => word !== 'task-body')],
 };
 

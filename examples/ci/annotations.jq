@@ -1,6 +1,6 @@
 # Annotations of a GitHub run from the JSON of `mqkit lint`, one command a line:
 #
-#   mqkit lint --format json . | jq --raw-output --arg root "$PWD" -f annotations.jq
+#   mqkit lint --format json . | jq --raw-output --arg root "$(pwd -P)" -f annotations.jq
 
 def relative: if startswith($root + "/") then .[($root | length) + 1:] else . end;
 

@@ -1,6 +1,6 @@
 # A GitLab Code Quality report from the JSON of `mqkit lint`:
 #
-#   mqkit lint --format json . | jq --arg root "$PWD" -f code-quality.jq >code-quality.json
+#   mqkit lint --format json . | jq --arg root "$(pwd -P)" -f code-quality.jq >code-quality.json
 #
 # The fingerprint of a finding does not depend on its line, so that it stays the same finding when lines above it
 # change: it is made of the path, the code, the message, and how many alike stand above it.

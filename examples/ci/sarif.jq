@@ -1,6 +1,6 @@
 # SARIF 2.1.0 from the JSON of `mqkit lint`:
 #
-#   mqkit lint --format json . | jq --arg root "$PWD" -f sarif.jq >lint.sarif
+#   mqkit lint --format json . | jq --arg root "$(pwd -P)" -f sarif.jq >lint.sarif
 #
 # Paths below `root` become relative to it; others stay absolute. Columns are the program's: they count bytes.
 

@@ -29,7 +29,7 @@ void flushOut() noexcept;
 /// children keep the system's default.
 void prepareStandardStreams() noexcept;
 /// Flushes standard output at the end of a run and returns the exit status to use. Lost output turns a status
-/// of 0 into 1 and is reported, unless the reader went away, as that did not want the rest.
+/// of 0 into 1; it is reported, but not where the reader went away, which did not want the rest.
 [[nodiscard]] int finishOutput(int status);
 
 /// Console colours; the values are the codes of `ConsoleStyle::color`.

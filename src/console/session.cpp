@@ -13,10 +13,10 @@ namespace morquill::console {
 
 namespace {
 
-/// Kept apart from its caller: the stack is unwound up to a function that may not throw, but that function's
-/// own objects are not destroyed.
-[[gnu::noinline]] int runUnguarded(std::string_view toolName, int argc, char** argv,
-                                   int (*command)(int argc, char** argv)) {
+/// A function of its own, so that the log session is destroyed before an exception reaches the caller, which
+/// may not throw: the objects of that one would not be.
+[[gnu::noinline]] int runGuarded(std::string_view toolName, int argc, char** argv,
+                                 int (*command)(int argc, char** argv)) {
     const LogSession session(toolName, argc, argv, LogLevel::Warning, LogLevel::Skip);
     try {
         return finishOutput(command(argc, argv));
@@ -33,9 +33,22 @@ namespace {
 
 std::terminate_handler usualEnd = nullptr;
 
-/// Called without an exception when there was no memory even for the exception.
-[[noreturn]] void endWithoutMemory() {
+/// True when there was no memory for the exception itself, or none for the message about it.
+bool endsForLackOfMemory() noexcept {
     if (std::current_exception() == nullptr) {
+        return true;
+    }
+    try {
+        throw;
+    } catch (const std::exception& fault) {
+        return isOutOfMemory(fault);
+    } catch (...) {
+        return false;
+    }
+}
+
+[[noreturn]] void endWithoutMemory() {
+    if (endsForLackOfMemory()) {
         reportErrorInPieces({"out of memory"});
         std::_Exit(1);
     }
@@ -49,7 +62,7 @@ int runInSession(std::string_view toolName, int argc, char** argv,
                  int (*command)(int argc, char** argv)) noexcept {
     prepareStandardStreams();
     usualEnd = std::set_terminate(endWithoutMemory);
-    return runUnguarded(toolName, argc, argv, command);
+    return runGuarded(toolName, argc, argv, command);
 }
 
 } // namespace morquill::console

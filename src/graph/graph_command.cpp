@@ -78,7 +78,7 @@ constexpr console::OptionRow<GraphOptions> optionRows[] = {
 };
 // clang-format on
 
-/// Reads the words behind the program. Throws `UsageError`.
+/// Reads the words after the program. Throws `UsageError`.
 GraphOptions readCommandLine(int argc, char** argv) {
     GraphOptions options;
     bool hasPath = false;

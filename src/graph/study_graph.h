@@ -12,7 +12,7 @@ namespace morquill::graph {
 
 enum class NodeKind : std::uint8_t {
     task,
-    missing,   ///< a task that is named and that the file lacks
+    missing,   ///< a task or derive that is named and that the file lacks
     selection, ///< tasks that are named together: a pattern, all others, all variants of one
     plot,
     derive,

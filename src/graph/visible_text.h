@@ -7,12 +7,13 @@
 /// Texts as a picture can show them.
 namespace morquill::graph {
 
-/// The text in valid UTF-8 that every picture format takes: what a reader cannot see or what is no UTF-8 is
-/// shown byte by byte as `\x1b`. That are control characters, line and paragraph separators, the marks that
-/// turn the direction of writing, the two code points that XML has not got, and bytes that form no character.
+/// The text in valid UTF-8 that every picture format takes: what a reader cannot see or what is not UTF-8 is
+/// shown byte by byte as `\x1b`. These are control characters, line and paragraph separators, the marks that
+/// turn the direction of writing, the two code points that XML does not allow, and bytes that form no
+/// character.
 [[nodiscard]] std::string visibleText(std::string_view text);
 
-/// The same, and of a text with more than `limit` characters only the first ones with "..." behind them.
+/// The same, and of a text with more than `limit` characters only the first ones, followed by "...".
 [[nodiscard]] std::string visibleStart(std::string_view text, std::size_t limit);
 
 /// The length in bytes, 1 to 4, of the UTF-8 character at the front of the text; 0 when there is none: an

@@ -5,12 +5,13 @@
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/new_file.h"
+#include "system/signal_guard.h"
 
-#include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <string_view>
-#include <system_error>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace morquill::project {
@@ -57,17 +58,25 @@ bool writeComdRunnerScript(const std::string& root, const std::vector<std::strin
                            const std::vector<std::string>& selected) {
     const auto outPath = comdRunnerScriptPath(root);
     const auto text = formatComdRunnerScript(root, caseDirs, selected);
-    // What is there is removed first: writing over it would go through a link, into a file with further
-    // names, or wait for the reader of a pipe.
-    if (::unlink(outPath.c_str()) != 0 && errno != ENOENT) {
+    // A new file takes the place of what stands there: writing over that would go through a link, into a file
+    // with further names, or wait for the reader of a pipe, and the older script stays until the new one is
+    // whole.
+    const auto fresh = outPath + ".new";
+    const system::SignalGuard whole;
+    (void)::unlink(fresh.c_str()); // of a run that was killed
+    if (system::writeNewFile(fresh, text)) {
         return false;
     }
-    if (system::writeNewFile(outPath, text)) {
-        return false;
+    struct stat info {};
+    if (::stat(fresh.c_str(), &info) == 0) {
+        // A failure does no harm: `bash mqkit_update_comd.sh` works without the permission.
+        (void)::chmod(fresh.c_str(), (info.st_mode & 07777) | 0755);
     }
-    std::error_code ignored; // `bash mqkit_update_comd.sh` works without the permission
-    fs::permissions(outPath, static_cast<fs::perms>(0755), fs::perm_options::add, ignored);
-    return true;
+    if (::rename(fresh.c_str(), outPath.c_str()) == 0) {
+        return true;
+    }
+    (void)::unlink(fresh.c_str());
+    return false;
 }
 
 } // namespace morquill::project

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// The contents of directories, and walks over their trees. Links are never followed, and only one directory
-/// is open at a time. Text is bytes; nothing throws for a file system error.
+/// is open at a time. Text is bytes; a file system error is thrown only where a function says so.
 namespace morquill {
 
 /// What a name in a directory is; a link counts as a link, whatever it leads to. `unreadable` is a directory

@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// Whole files. A file system error is reported as false or nothing, never thrown.
+/// Whole files. A file system error is reported as false or nothing; where it is thrown, the function says
+/// so.
 namespace morquill {
 
 /// Returns the content of a regular file, or of one that a link leads to,

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// Paths as texts; only the first three functions ask the
-/// system. Text is bytes; no file system error is thrown.
+/// Paths as texts. Only the first three functions ask the system; they throw `std::system_error` when it does
+/// not know the current directory. Text is bytes.
 namespace morquill {
 
 /// The absolute, lexically normal form of a path; a trailing slash stays.

@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <new>
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -83,6 +84,16 @@ void readStatus(int status, ProcessResult& result) {
     }
 }
 
+/// What a child wrote that could not become its program; empty for one that could, and without memory for the
+/// text: whatever happens, the child has to be waited for.
+std::string readFailure(int pipeEnd) noexcept {
+    try {
+        return readToEnd(pipeEnd).value_or("");
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
 ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
     ProcessResult result;
     std::array<int, 2> ends{};
@@ -114,7 +125,7 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
     result.launched = true;
     // The pipe is read before the wait: a failure text longer than the pipe's buffer must not block the
     // child. The text ends at the latest when the child's program starts, which closes the other end.
-    const std::string launchFailure = readToEnd(readEnd.get()).value_or("");
+    const std::string launchFailure = readFailure(readEnd.get());
     // Wait without reaping first, so that a late signal cannot reach another process under a reused number.
     siginfo_t ended{};
     while (::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) < 0 && errno == EINTR) {

@@ -117,7 +117,7 @@ ChildSignals::ChildSignals() noexcept {
 
 void ChildSignals::watch(pid_t child) noexcept {
     if (const int number = notedSignal; number != 0) { // before there was a child to receive it
-        ::kill(child, number);
+        signalProcessTree(child, number);              // which may have started others by now
     }
     watchedChild = child;
     ::sigprocmask(SIG_SETMASK, &oldMask_, nullptr);

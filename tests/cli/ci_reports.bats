@@ -184,3 +184,10 @@ TXT
     [ "$(jq -r --arg root "$(pwd -P)" -f "$ci/sarif.jq" <<<"$lint" |
         jq -r '.runs[0].results[0].locations[0].physicalLocation.artifactLocation.uri')" = "file://$(cd .. && pwd -P)/out.mq" ]
 }
+
+@test "in a folder reached through a link, paths are those of the repository, too" {
+    ln -s study "$BATS_TEST_TMPDIR/link"
+    cd "$BATS_TEST_TMPDIR/link"
+    [ "$(report annotations.jq --raw-output | tail -n 1)" = \
+        "::warning file=z.mq,title=unknown-dsl-version::unexpected dsl_version '3'" ]
+}

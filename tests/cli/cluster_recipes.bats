@@ -84,7 +84,9 @@ ended well" ]
     echo "slurm $(id -un) 7" >m1/opt/cluster.claim
     SLURM_JOB_ID=8 run "$recipes/run-block" m1/opt
     [ "$status" -eq 75 ]
-    SLURM_JOB_ID=7 "$recipes/run-block" m1/opt
+    SLURM_JOB_ID=7 run "$recipes/run-block" m1/opt # beside the one that has it
+    [ "$status" -eq 75 ]
+    SLURM_JOB_ID=7 SLURM_RESTART_COUNT=1 "$recipes/run-block" m1/opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ ! -e m1/opt/cluster.claim ]
 }

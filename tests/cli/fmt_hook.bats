@@ -98,6 +98,24 @@ kept() {
     kept a.mq "it is written without %interface provider"
 }
 
+@test "formulas of a derive are not put into its expressions" {
+    printf '$a\n%%keywords k\n@derive d\n  formula kcal(x) = x * 627.5\n  emit e = kcal({{ a.energy }})\n@end\n' >a.mq
+    kept a.mq "formulas, profiles or binds"
+}
+
+@test "no word is dropped that the reader passes over" {
+    printf '$a\n%%control totcore 8\n' >inline.mq
+    kept inline.mq "the word totcore"
+    printf '$a\n%%control\n  ncpus 4\n  totcore 2\n' >unknown.mq
+    kept unknown.mq "the word ncpus"
+    printf '$a\nas discussed\n%%keywords k\n' >stray.mq
+    kept stray.mq "the word as"
+    printf '$a\n%%keywords first\n%%keywords second\n' >twice.mq
+    kept twice.mq "the word first"
+    printf '$a\n%%control\n  totcore eight\n' >refused.mq
+    kept refused.mq "the word totcore"
+}
+
 @test "what lies in extra.yaml and extra.mq is not written into the file beside them" {
     printf 'totcore: 8\n' >extra.yaml
     printf '$x\n  %%keywords k\n' >extra.mq

@@ -141,26 +141,3 @@ Options:
     expect 0 "$help" "" -h --nonsense
     expect 0 "$help" "" a.mq --help
 }
-
-@test "the text that graph.md shows is what is printed" {
-    cd "$MQKIT_SOURCE"
-    sed -n '/^    \$ mqkit-graph examples\/derive/,/^## /p' docs/graph.md | sed -n 's/^    \([^$]\)/\1/p' \
-        >"$BATS_TEST_TMPDIR/shown"
-    "$graph" examples/derive/conformers.mq --format mermaid | diff "$BATS_TEST_TMPDIR/shown" -
-}
-
-# labels: the texts of an SVG picture. Where they stand depends on the fonts and the version of Graphviz.
-labels() { sed -n 's/.*<text.*>\(.*\)<\/text>.*/\1/p' | LC_ALL=C sort; }
-
-@test "the pictures of the documents show what the examples hold" {
-    command -v dot >/dev/null || skip "Graphviz is not installed"
-    cd "$MQKIT_SOURCE"
-    sed -n 's/^draw \(.*\)/\1/p' script/pictures >"$BATS_TEST_TMPDIR/pictures"
-    [ "$(wc -l <"$BATS_TEST_TMPDIR/pictures")" -eq "$(ls docs/pictures | wc -l)" ]
-    while read -r name example options; do
-        labels <"docs/pictures/$name.svg" >"$BATS_TEST_TMPDIR/kept"
-        [ -s "$BATS_TEST_TMPDIR/kept" ]
-        # shellcheck disable=SC2086 # several options are several words
-        "$graph" "examples/$example" $options --format svg | labels | diff "$BATS_TEST_TMPDIR/kept" -
-    done <"$BATS_TEST_TMPDIR/pictures"
-}

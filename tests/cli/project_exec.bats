@@ -136,3 +136,27 @@ ended() {
         [ ! -e m1/opt/later ]
     done
 }
+
+@test "a directory that this user may not read is no case, which is said once" {
+    ordinary_user
+    mkdir closed
+    chmod 0000 closed
+    chown 65534 closed
+    expect 0 "
+[Project Exec]
+  project template: $root/demo.projmq
+  task blocks: \$opt
+  command: true
+
+
+>>> [m1] $root/m1/opt
+\$ true
+
+>>> [m2] $root/m2/opt
+\$ true
+
+[mqkit] finished: executed 2/2 block(s) successfully." \
+        "[mqkit][WARN] could not read directory $root/closed: Permission denied; no case is looked for there" \
+        project exec -n opt -- true
+    chmod 0755 closed
+}

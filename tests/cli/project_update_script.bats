@@ -24,7 +24,7 @@ setup() {
     done
 }
 
-@test "a script that cannot be written in whole is not left" {
+@test "a script that cannot be written in whole is not left, and an older one stays" {
     for older in "" yes; do
         [ -z "$older" ] || echo '#!/bin/sh' >mqkit_update_comd.sh
         (
@@ -35,6 +35,11 @@ setup() {
             [ "$stderr" = "[mqkit][ERROR] failed to write comd runner script: $root/mqkit_update_comd.sh
 [mqkit][ERROR] update failed." ]
         )
-        [ ! -e mqkit_update_comd.sh ]
+        if [ -z "$older" ]; then
+            [ ! -e mqkit_update_comd.sh ]
+        else
+            [ "$(cat mqkit_update_comd.sh)" = '#!/bin/sh' ]
+        fi
+        [ ! -e mqkit_update_comd.sh.new ]
     done
 }

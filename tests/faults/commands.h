@@ -27,6 +27,8 @@ struct Scenario {
     Promise promise = Promise::wholeOrAsBefore;
     bool statusTells = true; ///< false where a failure shows in the messages alone
     bool goesOn = false;     ///< true where something may be left out with a warning and a status of 0
+    std::vector<std::string> childFiles{}; ///< what a child program writes and may leave half done
+    std::vector<std::string> lists{};      ///< what names only what was not left out with a warning
     std::vector<std::string>
         looseModes{};    ///< where paths begin whose permissions are set if that can be done
     Tree alternatives{}; ///< what may stand in the place of what an undisturbed run leaves

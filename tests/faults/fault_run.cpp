@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 #include <thread>
 
 #include <fcntl.h>
@@ -121,6 +122,11 @@ RunResult runWith(const Fault& fault, const Command& command) {
     ::lseek(shared.get(), 0, SEEK_SET);
     (void)morquill::readFull(shared.get(), reinterpret_cast<char*>(&result.report), sizeof result.report);
     return result;
+}
+
+bool isThorough() {
+    const char* const value = std::getenv("MQKIT_FAULTS");
+    return value != nullptr && std::string_view(value) == "all";
 }
 
 std::string given(const char* variable) {

@@ -34,6 +34,9 @@ struct RunResult {
 /// Runs a command with a fault. Throws `std::runtime_error` when the surroundings do not let it.
 [[nodiscard]] RunResult runWith(const Fault& fault, const Command& command);
 
+/// True when every call gets every fault; otherwise the faults take turns.
+[[nodiscard]] bool isThorough();
+
 /// The value of an environment variable that tests are given. Throws `std::runtime_error` without one.
 [[nodiscard]] std::string given(const char* variable);
 

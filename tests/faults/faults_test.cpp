@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <iostream>
-#include <string_view>
 
 namespace faults {
 namespace {
@@ -42,11 +41,6 @@ const std::vector<ClassRow>& classRows() {
         {CallClass::memory, {of(ENOMEM), of(ENOMEM) + "+"}, 17},
     };
     return rows;
-}
-
-bool isThorough() {
-    const char* const value = std::getenv("MQKIT_FAULTS");
-    return value != nullptr && std::string_view(value) == "all";
 }
 
 /// Fails one call; false when the command does not get to it any more.

@@ -117,14 +117,18 @@ std::string Sandbox::faultsOfReport(const Tree& found, const RunResult& result) 
     return isTold || isFinished(found) ? "" : "success, and not all is done\n";
 }
 
-std::string Sandbox::faultsOfTree(const Tree& found) const {
+std::string Sandbox::faultsOfTree(const Tree& found, Children children) const {
     if (scenario_.promise == Promise::partlyRenamed) {
         return renamed(found) == renamed(after_) ? "" : "something is lost\n";
     }
     std::string text;
     for (const auto& path : pathsOf(scenario_.before, after_, found)) {
         const auto entry = at(found, path);
-        if (!isAsAfter(path, entry) && entry != at(scenario_.before, path) && !isUnfinishedCopy(path)) {
+        const auto& others = scenario_.childFiles;
+        const bool isOthers =
+            children == Children::ended && std::find(others.begin(), others.end(), path) != others.end();
+        if (!isOthers && !isAsAfter(path, entry) && entry != at(scenario_.before, path) &&
+            !isUnfinishedCopy(path)) {
             text += path + " is " + describe(entry) + "\n";
         }
     }
@@ -147,8 +151,23 @@ std::string Sandbox::faultsOfNextRun() {
 }
 
 std::string Sandbox::complaints(const RunResult& result) {
+    Tree found = now();
+    std::string text = faultsOfReport(found, result);
+    if (result.status != 0) {
+        return text + complaintsOfFiles(Children::finished);
+    }
+    // What a success leaves out was looked at with its report.
+    for (const auto& path : scenario_.lists) {
+        if (const auto list = at(after_, path); list && found.contains(path)) {
+            found[path] = *list;
+        }
+    }
+    return text + faultsOfTree(found, Children::ended);
+}
+
+std::string Sandbox::complaintsOfFiles(Children children) {
     const Tree found = now();
-    std::string text = faultsOfReport(found, result) + faultsOfTree(found);
+    std::string text = faultsOfTree(found, children);
     const bool isHalfDone = found != scenario_.before && !isFinished(found);
     if (text.empty() && isHalfDone && scenario_.promise == Promise::wholeOrAsBefore) {
         text = faultsOfNextRun();

@@ -7,6 +7,9 @@
 
 namespace faults {
 
+/// What became of the programs that a command started.
+enum class Children { finished, ended };
+
 /// A scenario on disk, and what an undisturbed run makes of it.
 class Sandbox {
   public:
@@ -21,6 +24,9 @@ class Sandbox {
     /// What is wrong with the outcome of the last run, one fault a line; empty when all promises are kept.
     [[nodiscard]] std::string complaints(const RunResult& result);
 
+    /// The same for the files alone, after a run that may end in any way.
+    [[nodiscard]] std::string complaintsOfFiles(Children children);
+
     /// The undisturbed run, whose report says how many calls there are.
     [[nodiscard]] const RunResult& undisturbed() const noexcept { return undisturbed_; }
     [[nodiscard]] const Scenario& scenario() const noexcept { return scenario_; }
@@ -33,7 +39,7 @@ class Sandbox {
     [[nodiscard]] bool isFinished(const Tree& found) const;
     [[nodiscard]] bool tells(const RunResult& result) const;
     [[nodiscard]] std::string faultsOfReport(const Tree& found, const RunResult& result) const;
-    [[nodiscard]] std::string faultsOfTree(const Tree& found) const;
+    [[nodiscard]] std::string faultsOfTree(const Tree& found, Children children) const;
     [[nodiscard]] std::string faultsOfNextRun();
 
     morquill::TemporaryDirectory directory_;

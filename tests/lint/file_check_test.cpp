@@ -157,5 +157,19 @@ TEST(LintFile, AnyBytesAreReportedOn) {
     EXPECT_EQ(report.path, dir.path("t.mq"));
 }
 
+TEST(LintFile, ExtraFilesAreAskedOfTheCaller) {
+    const TemporaryDirectory dir;
+    const auto file = dir.write("a.mq", "$a\n%keywords k\n");
+    (void)dir.write("extra.mq", "$b\n%nosuch\n");
+    EXPECT_THAT(codesOf(lintFile(file, silent)), ElementsAre("parse-error"));
+    std::vector<std::string> asked;
+    const auto report = lintFile(file, silent, [&asked](const std::string& path) {
+        asked.push_back(path);
+        return false;
+    });
+    EXPECT_THAT(report.issues, IsEmpty());
+    EXPECT_THAT(asked, ElementsAre(dir.path("extra.yaml"), dir.path("extra.mq")));
+}
+
 } // namespace
 } // namespace morquill::lint

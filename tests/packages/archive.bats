@@ -15,16 +15,18 @@ load packages
     done
 }
 
-@test "the program is stripped, static, and tells its version to who looks inside" {
+@test "the programs are stripped, static, and tell their version to who looks inside" {
     mkdir "$BATS_TEST_TMPDIR/one"
     tar -xf "$MQKIT_PACKAGES/mqkit-$(version)-$(uname -s)-$(uname -m).tar.gz" -C "$BATS_TEST_TMPDIR/one" --strip-components=1
-    program=$BATS_TEST_TMPDIR/one/bin/mqkit
-    readelf -S -W "$program" >"$BATS_TEST_TMPDIR/sections"
-    grep -q ' \.text ' "$BATS_TEST_TMPDIR/sections"
-    ! grep -q -e ' \.symtab ' -e ' \.debug_info ' "$BATS_TEST_TMPDIR/sections"
-    ! readelf -l -W "$program" | grep INTERP
-    [ "$(grep -ao 'mqkit [0-9.]* ([0-9-]*)' "$program")" = "mqkit $(version) ($(released))" ]
-    [ "$(stat -c %s "$program")" -lt 8000000 ]
+    [ "$(ls "$BATS_TEST_TMPDIR/one/bin")" = $'mqkit\nmqkit-graph' ]
+    for program in "$BATS_TEST_TMPDIR"/one/bin/*; do
+        readelf -S -W "$program" >"$BATS_TEST_TMPDIR/sections"
+        grep -q ' \.text ' "$BATS_TEST_TMPDIR/sections"
+        [ "$(grep -c -e ' \.symtab ' -e ' \.debug_info ' "$BATS_TEST_TMPDIR/sections")" -eq 0 ]
+        [ "$(readelf -l -W "$program" | grep -c INTERP)" -eq 0 ]
+        [ "$(grep -ao 'mqkit [0-9.]* ([0-9-]*)' "$program")" = "mqkit $(version) ($(released))" ]
+        [ "$(stat -c %s "$program")" -lt 8000000 ]
+    done
 }
 
 @test "the sources build in another folder, without git and network, to the same bytes" {
@@ -44,4 +46,5 @@ load packages
         { tail -n 30 log; return 1; }
     [ ! -e "$BATS_TEST_TMPDIR/called" ]
     cmp build/mqkit "$MQKIT"
+    cmp build/mqkit-graph "$MQKIT-graph"
 }

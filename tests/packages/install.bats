@@ -54,8 +54,8 @@ configured() {
 
 @test "a package without manual pages is refused" {
     configured -G Ninja -DCMAKE_CXX_FLAGS=-O0
-    printf '#!/bin/sh\n' >build/mqkit # stands for the program; it is the pages that count
     cd build
+    printf '#!/bin/sh\n' | tee mqkit >mqkit-graph # stand for the programs; it is the pages that count
     run cpack -G TGZ
     [ "$status" -ne 0 ]
     [[ $output == *"a package needs the manual pages"* ]]

@@ -11,17 +11,25 @@ setup_file() {
 
 own_pages() { grep -L '^\.so ' "$pages"/man?/*; }
 
+# shows_options <page>: every option of the help on standard input is on the page, which is named when one is not.
+shows_options() {
+    MANPATH=$pages man "$1" | col -b >"$BATS_TEST_TMPDIR/page"
+    grep -oE -e '(^| |\[)--?[a-z][a-z-]*' | tr -d ' [' | grep -v -e '^--comd-only$' -e '^-[a-z]$' | sort -u |
+        while read -r option; do
+            grep -qF -e "$option" "$BATS_TEST_TMPDIR/page" || { echo "$1(1) lacks $option"; return 1; }
+        done
+}
+
 @test "every command has a page that shows all options of its help" {
     "$MQKIT" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p' >"$BATS_TEST_TMPDIR/commands"
     [ "$(wc -l <"$BATS_TEST_TMPDIR/commands")" -eq 8 ]
     while read -r command; do
-        MANPATH=$pages man "mqkit-$command" | col -b >"$BATS_TEST_TMPDIR/page"
-        "$MQKIT" help "$command" | grep -oE -e '(^| |\[)--?[a-z][a-z-]*' | tr -d ' [' | grep -v -e '^--comd-only$' -e '^-[a-z]$' |
-            sort -u >"$BATS_TEST_TMPDIR/options"
-        while read -r option; do
-            grep -qF -e "$option" "$BATS_TEST_TMPDIR/page" || { echo "mqkit-$command(1) lacks $option"; return 1; }
-        done <"$BATS_TEST_TMPDIR/options"
+        "$MQKIT" help "$command" | shows_options "mqkit-$command"
     done <"$BATS_TEST_TMPDIR/commands"
+}
+
+@test "mqkit-graph has a page that shows all options of its help" {
+    "$(dirname "$MQKIT")/mqkit-graph" --help | shows_options mqkit-graph
 }
 
 @test "no page has warnings" {

@@ -22,7 +22,8 @@ works_from() {
     local study=$BATS_TEST_TMPDIR/study.mq
     printf '$opt\n%%keywords "hf opt"\n' >"$study"
     [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit fmt "$study")" = $'dsl_version: 2\n\n$opt\n  %source origin\n  %keywords "hf opt"' ]
+    [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit-graph "$study" --format mermaid | sed -n 2p)" = '  n1["opt<br/>gaussian"]:::gaussian' ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit template list -d "$1/share/mqkit/templates" | grep -c '(thermochemistry)')" -eq 2 ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" completes "$1/share/bash-completion/completions/mqkit" "mqkit explain $study --task ")" = opt ]
-    MANPATH=$1/share/man man -w mqkit mqkit-fmt mqkit-migrate mqkit-template 5 mq >/dev/null
+    MANPATH=$1/share/man man -w mqkit mqkit-fmt mqkit-migrate mqkit-template mqkit-graph 5 mq >/dev/null
 }

@@ -70,14 +70,16 @@ TEST_F(UpdateScript, IsANewFileWhateverStoodInItsPlace) {
     }
 }
 
-TEST_F(UpdateScript, ThatCannotBeWrittenInWholeLeavesNone) {
+TEST_F(UpdateScript, ThatCannotBeWrittenInWholeLeavesWhatWasThere) {
     for (const bool withOlder : {false, true}) {
         if (withOlder) {
             write("mqkit_update_comd.sh", "#!/bin/sh\n");
         }
         const FileSizeLimit limit(1000);
         EXPECT_FALSE(writeComdRunnerScript(root, {at("m1")}, {"opt"}));
-        EXPECT_THAT(tree(), ::testing::IsEmpty());
+        const auto left = tree();
+        EXPECT_EQ(left.size(), withOlder ? 1U : 0U);
+        EXPECT_THAT(left, ::testing::Each("mqkit_update_comd.sh = #!/bin/sh\n"));
     }
 }
 

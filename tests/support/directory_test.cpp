@@ -1,8 +1,10 @@
 #include "support/directory.h"
 
 #include "fixtures/scratch_tree.h"
+#include "fixtures/unprivileged.h"
 
 #include <cerrno>
+#include <system_error>
 
 #include <sys/stat.h>
 
@@ -107,6 +109,21 @@ TEST_F(Directory, AWalkAsListedGoesIntoADirectoryAtOnce) {
         listed.push_back(entry.path().filename().string() + " 1");
     }
     EXPECT_EQ(listed.front() == "a 1", place("a 1") < place("b 1"));
+}
+
+TEST_F(Directory, WhatIsThereAndCannotBeReadIsNotEmpty) {
+    write("closed/a.mq");
+    std::filesystem::permissions(root, std::filesystem::perms{0755});
+    std::filesystem::permissions(at("closed"), std::filesystem::perms{0});
+    {
+        const Unprivileged user;
+        const auto anything = [](const std::string& /*name*/) { return true; };
+        EXPECT_THROW((void)listDirectoryEntries(at("closed")), std::system_error);
+        EXPECT_THROW((void)listDirectoryEntries(at("closed"), "*.mq"), std::system_error);
+        EXPECT_THROW((void)anyDirectoryEntry(at("closed"), anything), std::system_error);
+        EXPECT_FALSE(anyDirectoryEntry(at("missing"), anything));
+    }
+    std::filesystem::permissions(at("closed"), std::filesystem::perms{0755});
 }
 
 TEST_F(Directory, AWalkReportsWhatItCannotRead) {

@@ -1,8 +1,9 @@
 #include "system/filter.h"
 
+#include "fixtures/no_descriptor_left.h"
+
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace morquill::system {
@@ -45,15 +46,10 @@ TEST(Filter, AProgramThatIsNotThere) {
 }
 
 TEST(Filter, NoDescriptorLeft) {
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
-    const int next = ::dup(STDERR_FILENO); // the lowest free number: nothing above it may be opened
-    ASSERT_GE(next, 0);
-    ::close(next);
-    const rlimit none{static_cast<rlim_t>(next), before.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    const FilterResult result = runFilter({"true"}, "text");
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    const FilterResult result = [] {
+        const NoDescriptorLeft limit;
+        return runFilter({"true"}, "text");
+    }();
     EXPECT_EQ(result.process.error, "failed to hold the input of a child process: Too many open files");
 }
 

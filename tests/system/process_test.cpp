@@ -1,5 +1,6 @@
 #include "system/process.h"
 
+#include "fixtures/no_descriptor_left.h"
 #include "fixtures/temporary_directory.h"
 #include "support/file.h"
 
@@ -130,15 +131,10 @@ TEST_F(Process, AFailureTextLongerThanAPipeDoesNotHang) {
 }
 
 TEST_F(Process, NoDescriptorLeftForThePipe) {
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
-    const int next = ::dup(STDERR_FILENO); // the lowest free number: nothing above it may be opened
-    ASSERT_GE(next, 0);
-    ::close(next);
-    const rlimit none{static_cast<rlim_t>(next), before.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    const auto failure = runProgram("", "true", {});
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    const auto failure = [] {
+        const NoDescriptorLeft limit;
+        return runProgram("", "true", {});
+    }();
     EXPECT_EQ(failure, "failed to create process error pipe: Too many open files");
 }
 

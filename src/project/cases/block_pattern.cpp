@@ -6,6 +6,7 @@
 #include "support/paths.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <system_error>
 
 #include <fnmatch.h>
@@ -32,6 +33,9 @@ std::vector<std::string> matchNames(const std::string& blockDir, const std::stri
 
 std::vector<std::string> matchTree(const std::string& blockDir, const std::string& pattern) {
     std::vector<std::string> matches;
+    if (!isDirectory(blockDir)) {
+        return matches;
+    }
     const std::size_t prefix = joinPath(blockDir, "").size();
     walkTree(blockDir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         const bool maybeFile = kind == EntryKind::file || kind == EntryKind::link;
@@ -39,7 +43,7 @@ std::vector<std::string> matchTree(const std::string& blockDir, const std::strin
             isRegularFile(path)) {
             matches.push_back(path.substr(prefix));
         }
-        if (kind == EntryKind::unreadable) {
+        if (kind == EntryKind::unreadable && errno != ENOENT && errno != ENOTDIR) {
             throw std::system_error(lastSystemError(), "could not read directory " + path);
         }
         return true;

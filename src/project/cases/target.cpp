@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 namespace morquill::project {
@@ -36,6 +37,39 @@ bool anyVisibleEntry(const std::string& dir, const std::function<bool(const std:
     }
 }
 
+/// The names in a directory in ascending byte order, none in one that this user may not read.
+std::vector<std::string> visibleNames(const std::string& dir) {
+    std::vector<std::string> names;
+    (void)anyVisibleEntry(dir, [&](const std::string& name) {
+        names.push_back(name);
+        return false; // on to the next
+    });
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+/// Reports, once for each directory, why its cases are left out.
+void reportLeftOut(const std::string& dir, std::string_view reason) {
+    static std::unordered_set<std::string>
+        reported; // the cases of a project are listed more than once in a run
+    if (reported.insert(dir).second) {
+        console::reportWarning(std::string(reason) + "; no case is looked for there");
+    }
+}
+
+/// The names in a project; none, after a warning, in one that this user may not read.
+std::vector<std::string> namesIn(const std::string& root) {
+    try {
+        return listDirectoryEntries(root);
+    } catch (const std::system_error& failure) {
+        if (!isForbidden(failure)) {
+            throw;
+        }
+        reportLeftOut(root, failure.what());
+        return {};
+    }
+}
+
 /// True for a directory of a project that holds a task file. One that this user may not read is none, which
 /// is reported: it may be somebody's case.
 bool isCaseDirectory(const std::string& dir) {
@@ -46,7 +80,7 @@ bool isCaseDirectory(const std::string& dir) {
         if (!isForbidden(failure)) {
             throw;
         }
-        console::reportWarning(std::string(failure.what()) + "; it counts as no case");
+        reportLeftOut(dir, failure.what());
         return false;
     }
 }
@@ -147,26 +181,24 @@ ProjectTarget caseTarget(std::string dir, std::string file) {
 
 std::vector<std::string> listProjectTemplates(const std::string& dir) {
     std::vector<std::string> templates;
-    (void)anyVisibleEntry(dir, [&](const std::string& name) {
+    for (const std::string& name : visibleNames(dir)) {
         std::string path = joinPath(dir, name);
         if (extensionOf(name) == templateExtension && isRegularFile(path)) {
             templates.push_back(std::move(path));
         }
-        return false; // on to the next
-    });
-    std::sort(templates.begin(), templates.end());
+    }
     return templates;
 }
 
 std::vector<std::string> listTaskFiles(const std::string& dir) {
-    std::vector<std::string> names = listDirectoryEntries(dir, "*");
+    std::vector<std::string> names = visibleNames(dir);
     std::erase_if(names, [](const std::string& name) { return extensionOf(name) != taskExtension; });
     return names;
 }
 
 std::vector<std::string> listCaseDirectories(const std::string& root) {
     std::vector<std::string> cases;
-    for (const std::string& name : listDirectoryEntries(root, "*")) {
+    for (const std::string& name : namesIn(root)) {
         std::string path = joinPath(root, name);
         if (name.front() != '.' && isCaseDirectory(path)) {
             cases.push_back(std::move(path));

@@ -336,7 +336,7 @@ std::optional<std::string> compareDocuments(const TaskFile& file, const TaskDocu
         }
         return compareReferences(file, before, after, names, renaming);
     } catch (const taskdsl::DiagnosticError& fault) {
-        return change + "no longer be read: " + fault.what();
+        return change + "no longer be read: " + wholeText(fault);
     }
 }
 

@@ -50,7 +50,7 @@ struct ParseContext {
     GrowthBudget growth;
     bool followsIncludes = true; ///< false: an include line is a fault, no other file is read
     std::size_t includeCount = 0;
-    std::uint64_t nextDocumentOrder = 0; ///< counts tasks, plots and derives in the order they are met
+    std::uint64_t nextDocumentOrder = 0; ///< counts tasks and derives in the order they are met
 
     /// Counts an include line that is followed. Throws `DiagnosticError` beyond `limits::includes`.
     void countInclude();

@@ -17,17 +17,24 @@ namespace {
 /// The plain text fields that take part in substitution.
 constexpr SharedText TaskInfo::*textFields[] = {
     &TaskInfo::guessSourceTask,
-    &TaskInfo::guessConverter, &TaskInfo::gaussianGeomControl,
-    &TaskInfo::finalGeom,      &TaskInfo::gpuType,
-    &TaskInfo::strucId,        &TaskInfo::templateTaskName,
-    &TaskInfo::keywords,       &TaskInfo::interfaceProvider,
-    &TaskInfo::args,           &TaskInfo::extraKeywords,
-    &TaskInfo::templateName,   &TaskInfo::paramValues,
-    &TaskInfo::runner,         &TaskInfo::body,
+    &TaskInfo::guessConverter,
+    &TaskInfo::gaussianGeomControl,
+    &TaskInfo::finalGeom,
+    &TaskInfo::gpuType,
+    &TaskInfo::strucId,
+    &TaskInfo::templateTaskName,
+    &TaskInfo::keywords,
+    &TaskInfo::interfaceProvider,
+    &TaskInfo::args,
+    &TaskInfo::extraKeywords,
+    &TaskInfo::templateName,
+    &TaskInfo::paramValues,
+    &TaskInfo::runner,
+    &TaskInfo::body,
     &TaskInfo::orcaBlock,
 };
 constexpr Shared<std::vector<std::string>> TaskInfo::*listFields[] = {&TaskInfo::preProcessCommands,
-                                                              &TaskInfo::processCommands};
+                                                                      &TaskInfo::processCommands};
 
 bool holdsBracket(std::string_view text) noexcept {
     return text.find('[') != std::string_view::npos;
@@ -149,8 +156,8 @@ bool holdsBrackets(const TaskInfo& task) noexcept {
                        [&task](auto field) { return holdsBracket((task.*field).view()); }) ||
            std::any_of(std::begin(listFields), std::end(listFields),
                        [&task](auto field) { return holdsBracket(*(task.*field)); }) ||
-           holdsBracket(task.name) || holdsBracket(task.filePath.view()) || holdsBracket(task.source) || conditionsHoldBracket(task) ||
-           modsHoldBracket(task) ||
+           holdsBracket(task.name) || holdsBracket(task.filePath.view()) || holdsBracket(task.source) ||
+           conditionsHoldBracket(task) || modsHoldBracket(task) ||
            // A plot holds one in its computed output path at the least.
            !task.plots.empty();
 }

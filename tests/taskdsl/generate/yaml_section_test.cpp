@@ -38,6 +38,12 @@ TEST(YamlSection, ScalarsAndInnerMappingsAreSettings) {
         {"x: &x {k: 1}\ny: *x", {{"x.k", "1"}, {"y.k", "1"}}},
         {"", {}},
         {"# nothing\n", {}},
+        // Lines of a key and a word, which need no YAML library, say what YAML says of them.
+        {"a: 8\n\nb.c: B3LYP/def2-TZVP+x_1\n", {{"a", "8"}, {"b.c", "B3LYP/def2-TZVP+x_1"}}},
+        {"a: 1\na: 2\n", {{"a", "2"}}},
+        {"a: null\nb: Null\nc: nullable\n", {{"c", "nullable"}}},
+        {"a: one\n  two\n", {{"a", "one two"}}},
+        {"a: 1 # note\nb:  2 \n", {{"a", "1"}, {"b", "2"}}},
     };
     for (const auto& [text, settings] : rows) {
         const auto section = read(text);

@@ -8,7 +8,6 @@
 namespace morquill::taskdsl::plot {
 namespace {
 
-
 TEST(PlotHeader, NameKindAndDefaults) {
     const auto plot = parsed("%plot BarChart\nx a\ny b");
     EXPECT_EQ(plot.kind, PlotKind::bar);

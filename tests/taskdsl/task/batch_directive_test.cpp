@@ -56,7 +56,8 @@ TEST(Batch, ClusterOptionsInAllSpellings) {
         {"boltz-accum", &BatchCluster::accumulation},
     };
     for (const auto& [key, field] : rows) {
-        EXPECT_EQ(batch("lane 1\ncluster " + std::string(key) + "=0.5").batchCluster.get().*field, 0.5) << key;
+        EXPECT_EQ(batch("lane 1\ncluster " + std::string(key) + "=0.5").batchCluster.get().*field, 0.5)
+            << key;
     }
     for (const char* metric : {"dist", "Distance", "fingerprint"}) {
         EXPECT_EQ(batch("lane 1\ncluster " + std::string(metric)).batchCluster->metric, ClusterMetric::dist);

@@ -14,21 +14,21 @@ using ::testing::ElementsAre;
 TEST(Substitution, GoesIntoEveryFieldThatTakesPart) {
     TaskInfo task("[k]");
     const std::vector<SharedText*> fields{&task.guessSourceTask,
-                                           &task.guessConverter,
-                                           &task.gaussianGeomControl,
-                                           &task.finalGeom,
-                                           &task.gpuType,
-                                           &task.strucId,
-                                           &task.templateTaskName,
-                                           &task.interfaceProvider,
-                                           &task.keywords,
-                                           &task.args,
-                                           &task.extraKeywords,
-                                           &task.templateName,
-                                           &task.paramValues,
-                                           &task.runner,
-                                           &task.body,
-                                           &task.orcaBlock};
+                                          &task.guessConverter,
+                                          &task.gaussianGeomControl,
+                                          &task.finalGeom,
+                                          &task.gpuType,
+                                          &task.strucId,
+                                          &task.templateTaskName,
+                                          &task.interfaceProvider,
+                                          &task.keywords,
+                                          &task.args,
+                                          &task.extraKeywords,
+                                          &task.templateName,
+                                          &task.paramValues,
+                                          &task.runner,
+                                          &task.body,
+                                          &task.orcaBlock};
     for (auto* field : fields) {
         *field = "a [k] [x]";
     }
