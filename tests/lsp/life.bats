@@ -45,8 +45,19 @@ setup() {
 END
 }
 
-@test "it says nothing on standard error and takes no words" {
+@test "it says nothing on standard error, and the words of some clients change nothing" {
     { begin; finish; } >in
-    "$MQKIT_LSP" <in >/dev/null 2>err
+    "$MQKIT_LSP" <in >out 2>err
     diff err /dev/null
+    "$MQKIT_LSP" --stdio <in | diff - out
+}
+
+@test "--help says what it is" {
+    "$MQKIT_LSP" --help >out
+    diff out - <<'END'
+Usage: mqkit-lsp
+A language server for task files. An editor starts it and speaks the Language Server
+Protocol over its standard streams. Other arguments than --help are passed over.
+END
+    run -1 sh -c '"$MQKIT_LSP" --help >/dev/full'
 }
