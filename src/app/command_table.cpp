@@ -1,13 +1,15 @@
 #include "app/command_table.h"
 
+#include "console/command_line.h"
 #include "console/console.h"
 #include "lint/lint.h"
 #include "project/project_command.h"
 #include "project/rename/rename.h"
-#include "support/text.h"
 #include "templates/template_command.h"
 #include "views/explain.h"
 #include "views/file_commands.h"
+
+#include <utility>
 
 namespace morquill::app {
 
@@ -52,23 +54,9 @@ std::span<const CommandEntry> commandTable() noexcept {
 
 const CommandEntry* findCommand(std::span<const CommandEntry> table, std::string_view token,
                                 std::vector<std::string>& matches) {
-    matches.clear();
-    if (token.empty()) {
-        return nullptr;
-    }
-    const std::string word = toLower(token);
-    const CommandEntry* candidate = nullptr;
-    for (const auto& entry : table) {
-        if (entry.name == word) {
-            matches.assign(1, std::string(entry.name));
-            return &entry;
-        }
-        if (toLower(entry.name).starts_with(word)) {
-            matches.emplace_back(entry.name);
-            candidate = &entry;
-        }
-    }
-    return matches.size() == 1 ? candidate : nullptr;
+    auto match = token.empty() ? console::PrefixMatch<CommandEntry>() : console::findByPrefix(table, token);
+    matches = std::move(match.names);
+    return match.row;
 }
 
 int runFileCommand(int argc, char** argv, int helpIndex, HelpOperation help, RunOperation run) {

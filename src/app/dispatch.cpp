@@ -6,6 +6,7 @@
 #include "console/help_text.h"
 #include "console/messages.h"
 #include "project/project_command.h"
+#include "project/project_options.h"
 #include "project/rename/rename.h"
 #include "support/text.h"
 #include "templates/template_command.h"
@@ -20,59 +21,13 @@ namespace morquill::app {
 
 namespace {
 
-using Arguments = std::span<const char* const>;
-
-template <std::size_t N>
-bool isOneOf(const std::array<std::string_view, N>& words, std::string_view word) {
-    return std::find(words.begin(), words.end(), word) != words.end();
-}
-
-/// True for an argument that is not an option and names a file with this ending.
-bool namesFile(std::string_view argument, std::string_view ending) {
-    return !argument.starts_with('-') && argument.ends_with(ending);
-}
-
-bool isRenameShape(Arguments arguments) {
-    static constexpr std::array<std::string_view, 2> options{"-r", "--rename"};
-    return std::any_of(arguments.begin(), arguments.end(),
-                       [](std::string_view argument) { return isOneOf(options, argument); }) &&
-           std::any_of(arguments.begin(), arguments.end(), [](std::string_view argument) {
-               return namesFile(argument, ".mq") || namesFile(argument, ".projmq");
-           });
-}
-
-bool isUpdateShape(Arguments arguments) {
-    static constexpr std::array<std::string_view, 4> options{"-b", "--batch", "-u", "--update"};
-    return !arguments.empty() && isOneOf(options, arguments.front());
-}
-
-bool isProjectShape(Arguments arguments) {
-    static constexpr std::array<std::string_view, 9> options{"-n",         "--name",       "--exec",
-                                                             "--collect",  "--rebuild",    "--dry-run",
-                                                             "--run-comd", "--run-script", "--run-runner"};
-    return std::any_of(arguments.begin(), arguments.end(), [](std::string_view argument) {
-        return isOneOf(options, argument) || namesFile(argument, ".projmq");
-    });
-}
-
-bool isTemplateShape(Arguments arguments) {
-    static constexpr std::array<std::string_view, 12> options{
-        "-t",         "-i",      "-l",        "-c", "-m", "-v", "--test", "--list", "--interactive",
-        "--category", "--merge", "--variable"};
-    return !arguments.empty() && isOneOf(options, arguments.front());
-}
-
 // Tried in this order; the first that matches takes the whole command line.
 constexpr std::array<OlderShape, 4> olderShapes{{
-    {"rename", isRenameShape, project::runRenameCompatibility},
-    {"update", isUpdateShape, project::runUpdateCompatibility},
-    {"project", isProjectShape, project::runProjectCompatibility},
-    {"template", isTemplateShape, templates::runTemplateCompat},
+    {"rename", project::isRenameShape, project::runRenameCompatibility},
+    {"update", project::isUpdateShape, project::runUpdateCompatibility},
+    {"project", project::isProjectShape, project::runProjectCompatibility},
+    {"template", templates::isTemplateShape, templates::runTemplateCompat},
 }};
-
-console::UsageError refusal(const std::string& message) {
-    return console::UsageError(console::ErrorTag::coloured, message);
-}
 
 /// The command with that name or prefix; null when there is none. Throws `UsageError` when there are several;
 /// its message calls the word `what`.
@@ -80,8 +35,7 @@ const CommandEntry* findOneCommand(const std::string& word, std::string_view wha
     std::vector<std::string> matches;
     const CommandEntry* entry = findCommand(commandTable(), word, matches);
     if (matches.size() > 1) {
-        throw refusal("ambiguous " + std::string(what) + " prefix: " + word +
-                      " (matches: " + join(matches, ", ") + ")");
+        throw console::colouredRefusal(console::ambiguousPrefix(what, word, matches));
     }
     return entry;
 }
@@ -94,7 +48,7 @@ HelpOperation findTopic(int argc, char** argv) {
     const std::string topic = argv[2];
     const CommandEntry* entry = findOneCommand(topic, "help topic");
     if (entry == nullptr || entry->help == nullptr) {
-        throw refusal("unknown help topic: " + topic);
+        throw console::colouredRefusal("unknown help topic: " + topic);
     }
     return entry->help;
 }
@@ -116,7 +70,7 @@ RunOperation findOperation(int argc, char** argv) {
     if (const OlderShape* shape = findOlderShape(console::wordsFrom(argc, argv, 1))) {
         return shape->run;
     }
-    throw refusal("unknown command or argument: " + first);
+    throw console::colouredRefusal("unknown command or argument: " + first);
 }
 
 /// The overview before and after the list of commands.
@@ -160,13 +114,8 @@ int dispatchCommand(int argc, char** argv) {
         printTopLevelHelp(argc < 1 ? "" : argv[0]);
         return 1;
     }
-    try {
-        return findOperation(argc, argv)(argc, argv);
-    } catch (const console::UsageError& error) {
-        const int status = console::reportUsageError(error);
-        printTopLevelHelp(argv[0]);
-        return status;
-    }
+    return console::runCommandLine([&] { return findOperation(argc, argv)(argc, argv); }, printTopLevelHelp,
+                                   argv[0], console::HelpAfter::anyRefusal);
 }
 
 const OlderShape* findOlderShape(std::span<const char* const> arguments) {

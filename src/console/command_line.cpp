@@ -6,6 +6,18 @@ Words wordsFrom(int argc, const char* const* argv, int first) noexcept {
     return argc > first ? Words(argv + first, argv + argc) : Words();
 }
 
+UsageError plainRefusal(const std::string& message) {
+    return UsageError(ErrorTag::plain, message);
+}
+
+UsageError colouredRefusal(const std::string& message) {
+    return UsageError(ErrorTag::coloured, message);
+}
+
+UsageError bareRefusal(const std::string& message) {
+    return UsageError(ErrorTag::none, message);
+}
+
 int reportUsageError(const UsageError& error) {
     if (!error.message().empty()) {
         reportError(error.tag(), error.message());
@@ -26,7 +38,23 @@ std::optional<std::size_t> restOfLine(Words following) noexcept {
 }
 
 UsageError unknownArgument(std::string_view word) {
-    return UsageError(ErrorTag::coloured, "unknown argument: " + std::string(word));
+    return colouredRefusal("unknown argument: " + std::string(word));
+}
+
+std::size_t takeOnePath(std::optional<std::string>& path, Words words, ErrorTag tag,
+                        std::string_view refusal) {
+    const std::string_view word = words.front();
+    if (path) {
+        throw UsageError(tag, std::string(refusal).append(word));
+    }
+    path = word;
+    return 1;
+}
+
+std::string ambiguousPrefix(std::string_view what, std::string_view word,
+                            const std::vector<std::string>& names) {
+    return "ambiguous " + std::string(what) + " prefix: " + std::string(word) +
+           " (matches: " + join(names, ", ") + ")";
 }
 
 } // namespace morquill::console

@@ -1,15 +1,20 @@
 #pragma once
 
+#include "console/console.h"
 #include "console/messages.h"
 #include "support/fault.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 /// Command lines, read by tables of options, and the one way to refuse one.
 namespace morquill::console {
@@ -38,9 +43,53 @@ class HelpRequest : public UsageError {
     HelpRequest() : UsageError(ErrorTag::none) {}
 };
 
+/// A refusal whose message has the plain tag.
+[[nodiscard]] UsageError plainRefusal(const std::string& message);
+/// A refusal whose message has the tag in red.
+[[nodiscard]] UsageError colouredRefusal(const std::string& message);
+/// A refusal whose message has no tag.
+[[nodiscard]] UsageError bareRefusal(const std::string& message);
+
 /// Writes the message of a refused command line as `reportError`
 /// does, unless it is empty. Returns the exit status, 1.
 int reportUsageError(const UsageError& error);
+
+/// Which refusals are followed by the help: all, or those without a message.
+enum class HelpAfter : std::uint8_t { anyRefusal, emptyRefusal };
+
+/// Reads and runs a command line by `run()` and returns its exit status. A `HelpRequest` shows the help and
+/// returns 0; any other `UsageError` is reported, shows the help where it should, and returns 1.
+template <class Run>
+int runCommandLine(const Run& run, void (*help)(std::string_view programPath), std::string_view programPath,
+                   HelpAfter helpAfter) {
+    try {
+        return run();
+    } catch (const HelpRequest&) {
+        help(programPath);
+        return 0;
+    } catch (const UsageError& error) {
+        const int status = reportUsageError(error);
+        if (helpAfter == HelpAfter::anyRefusal || error.message().empty()) {
+            help(programPath);
+        }
+        return status;
+    }
+}
+
+/// Reads a command line by `read()` and returns what it returns. Where the words hold a help word, a refusal
+/// is reported and becomes a `HelpRequest`. Throws `UsageError`.
+template <class Read>
+auto readOrHelp(Words words, const Read& read) {
+    try {
+        return read();
+    } catch (const UsageError& error) {
+        if (std::none_of(words.begin(), words.end(), isHelpToken)) {
+            throw;
+        }
+        reportUsageError(error);
+        throw HelpRequest();
+    }
+}
 
 /// Returns how many of the words after an option are its values; nothing when too few are left.
 using ValueCount = std::optional<std::size_t> (*)(Words following);
@@ -93,5 +142,49 @@ void readWords(Words words, std::type_identity_t<std::span<const OptionRow<Optio
 
 /// The refusal of a word that no command knows.
 [[nodiscard]] UsageError unknownArgument(std::string_view word);
+
+/// An operation of an option: throws `HelpRequest`.
+template <class Options>
+[[noreturn]] void askHelp(Options& /*options*/, Words /*values*/) {
+    throw HelpRequest();
+}
+
+/// Takes the first word as the only path of the line and returns 1, the number of words taken. Throws
+/// `UsageError` when there is a path already: its message is `refusal` and the word.
+std::size_t takeOnePath(std::optional<std::string>& path, Words words, ErrorTag tag,
+                        std::string_view refusal);
+
+/// What a word means in a table of names.
+template <class Row>
+struct PrefixMatch {
+    const Row* row = nullptr;       ///< null when no row or more than one fits
+    std::vector<std::string> names; ///< of all rows that fit
+};
+
+/// Returns the first row whose `name` is the word in lower case; without one, the rows whose names begin with
+/// it, in any case. An empty word fits every row.
+template <class Table>
+[[nodiscard]] auto findByPrefix(const Table& table, std::string_view word) {
+    using Row = std::remove_cvref_t<decltype(*std::begin(table))>;
+    const std::string lowered = toLower(word);
+    PrefixMatch<Row> match;
+    for (const Row& row : table) {
+        if (row.name == lowered) {
+            return PrefixMatch<Row>{&row, {std::string(row.name)}};
+        }
+        if (toLower(row.name).starts_with(lowered)) {
+            match.row = &row;
+            match.names.emplace_back(row.name);
+        }
+    }
+    if (match.names.size() > 1) {
+        match.row = nullptr;
+    }
+    return match;
+}
+
+/// The text of the refusal of a word that is the prefix of several names; `what` says what they are.
+[[nodiscard]] std::string ambiguousPrefix(std::string_view what, std::string_view word,
+                                          const std::vector<std::string>& names);
 
 } // namespace morquill::console

@@ -5,25 +5,10 @@
 #include "support/paths.h"
 
 #include <filesystem>
-#include <string_view>
 
 namespace morquill::console {
 
 namespace fs = std::filesystem;
-
-namespace {
-
-/// Expands a leading "~", alone or before a slash, to the home directory when that is known.
-std::string expandHome(std::string_view name) {
-    if (name == "~" || name.starts_with("~/") || name.starts_with("~\\")) {
-        if (const auto home = getEnvOrDefault("HOME", ""); !home.empty()) {
-            return home + std::string(name.substr(1));
-        }
-    }
-    return std::string(name);
-}
-
-} // namespace
 
 std::string findLibraryFile(const std::string& name) {
     std::string target = expandHome(name);

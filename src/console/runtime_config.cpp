@@ -89,10 +89,6 @@ std::string referenceValue(std::string_view name, const std::string& workingDir)
     return workingDir.empty() ? currentDirectory() : workingDir;
 }
 
-bool beginsWithHome(std::string_view text) {
-    return text.starts_with('~') && (text.size() == 1 || text[1] == '/' || text[1] == '\\');
-}
-
 /// The length of the identifier at the start of `text`: a letter or "_", then letters, digits and "_".
 std::size_t identifierLength(std::string_view text) {
     std::size_t length = 0;
@@ -247,13 +243,17 @@ std::string getEnvOrDefault(const std::string& name, std::string_view fallback) 
     return environmentValue(name).value_or(std::string(fallback));
 }
 
-std::string expandPath(std::string_view text, const std::string& workingDir) {
-    if (beginsWithHome(text)) {
+std::string expandHome(std::string_view text) {
+    if (text == "~" || text.starts_with("~/") || text.starts_with("~\\")) {
         if (const std::string home = getEnvOrDefault("HOME", ""); !home.empty()) {
-            return expandReferences(home + std::string(text.substr(1)), workingDir);
+            return home + std::string(text.substr(1));
         }
     }
-    return expandReferences(text, workingDir);
+    return std::string(text);
+}
+
+std::string expandPath(std::string_view text, const std::string& workingDir) {
+    return expandReferences(expandHome(text), workingDir);
 }
 
 std::vector<std::string> splitPathList(std::string_view value, const std::string& workingDir) {

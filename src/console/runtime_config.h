@@ -39,7 +39,10 @@ using RuntimeConfig = std::map<std::string, std::string, std::less<>>;
 /// The environment's value, or `fallback` when the variable is unset.
 [[nodiscard]] std::string getEnvOrDefault(const std::string& name, std::string_view fallback);
 
-/// Expands a leading `~` (alone or before a slash of either kind), `$NAME` and `${NAME}`. `PWD` is the
+/// Expands a leading `~`, alone or before a slash of either kind, to the home directory when that is known.
+[[nodiscard]] std::string expandHome(std::string_view text);
+
+/// Expands a leading `~` as `expandHome` does, `$NAME` and `${NAME}`. `PWD` is the
 /// current directory. A reference to an unset or empty variable stays as written.
 [[nodiscard]] std::string expandPath(std::string_view text, const std::string& workingDir = {});
 

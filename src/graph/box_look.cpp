@@ -43,6 +43,10 @@ const BoxLook& lookOf(const GraphNode& node) noexcept {
     return looks[program < programCount ? program : 0];
 }
 
+std::string nodeId(std::size_t place) {
+    return "n" + std::to_string(place + 1);
+}
+
 std::span<const BoxLook> allLooks() noexcept {
     return looks;
 }

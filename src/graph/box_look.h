@@ -2,10 +2,12 @@
 
 #include "graph/study_graph.h"
 
+#include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 
-/// How boxes look, the same in every format.
+/// How boxes look and what they are called, the same in every format.
 namespace morquill::graph {
 
 /// Colours are in the form `#rrggbb`.
@@ -21,6 +23,9 @@ struct BoxLook {
 
 /// The look of a node: that of its program for a task, that of its kind for all others.
 [[nodiscard]] const BoxLook& lookOf(const GraphNode& node) noexcept;
+
+/// The name of the node at a place of the list: "n1" is the first.
+[[nodiscard]] std::string nodeId(std::size_t place);
 
 /// All looks: those of the programs in their order, then those of the other kinds.
 [[nodiscard]] std::span<const BoxLook> allLooks() noexcept;

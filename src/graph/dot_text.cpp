@@ -17,10 +17,6 @@ constexpr std::string_view edgeStyles[] = {
 };
 static_assert(std::size(edgeStyles) == static_cast<std::size_t>(EdgeKind::use) + 1);
 
-std::string nodeId(std::size_t place) {
-    return "n" + std::to_string(place + 1);
-}
-
 /// Graphviz reads entities in every label.
 std::string escaped(std::string_view text) {
     std::string out;

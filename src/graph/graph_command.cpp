@@ -14,9 +14,11 @@
 #include "taskdsl/parser/task_parser.h"
 
 #include <exception>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace morquill::graph {
 
@@ -29,7 +31,6 @@ struct GraphOptions {
     Renderer render = renderDot;
     VariantView view = VariantView::collapsed;
     std::string inputPath;
-    bool wantsHelp = false;
 };
 
 /// Throws what the user has to know when Graphviz does not draw the picture.
@@ -49,14 +50,10 @@ std::string renderSvg(const StudyGraph& graph) {
 constexpr auto formats =
     wordTable<Renderer>({{"dot", renderDot}, {"mermaid", renderMermaid}, {"svg", renderSvg}});
 
-console::UsageError usageError(const std::string& message) {
-    return console::UsageError(console::ErrorTag::none, message);
-}
-
 void setFormat(GraphOptions& options, console::Words values) {
     const auto format = formats.findExact(values.front());
     if (!format) {
-        throw usageError("unsupported graph format: " + std::string(values.front()));
+        throw console::bareRefusal("unsupported graph format: " + std::string(values.front()));
     }
     options.render = *format;
 }
@@ -65,38 +62,30 @@ void setExpanded(GraphOptions& options, console::Words /*values*/) {
     options.view = VariantView::expanded;
 }
 
-void askHelp(GraphOptions& options, console::Words /*values*/) {
-    options.wantsHelp = true;
-}
-
 // clang-format off
 constexpr console::OptionRow<GraphOptions> optionRows[] = {
-    {"-h",         console::restOfLine, askHelp},
-    {"--help",     console::restOfLine, askHelp},
-    {"--format",   console::oneValue,   setFormat, "--format expects a value", console::ErrorTag::none},
-    {"--expanded", console::noValue,    setExpanded},
+    {"-h",         console::noValue,  console::askHelp},
+    {"--help",     console::noValue,  console::askHelp},
+    {"--format",   console::oneValue, setFormat, "--format expects a value", console::ErrorTag::none},
+    {"--expanded", console::noValue,  setExpanded},
 };
 // clang-format on
 
 /// Reads the words after the program. Throws `UsageError`.
 GraphOptions readCommandLine(int argc, char** argv) {
     GraphOptions options;
-    bool hasPath = false;
+    std::optional<std::string> path;
     console::readWords(console::wordsFrom(argc, argv, 1), optionRows, options, [&](console::Words words) {
         const std::string_view word = words.front();
         if (word.starts_with('-')) {
-            throw usageError("unknown graph option: " + std::string(word));
+            throw console::bareRefusal("unknown graph option: " + std::string(word));
         }
-        if (hasPath) {
-            throw usageError("unexpected extra argument: " + std::string(word));
-        }
-        options.inputPath = word;
-        hasPath = true;
-        return std::size_t{1};
+        return console::takeOnePath(path, words, console::ErrorTag::none, "unexpected extra argument: ");
     });
-    if (!hasPath && !options.wantsHelp) {
-        throw usageError("mqkit-graph expects a <task.mq> path");
+    if (!path) {
+        throw console::bareRefusal("mqkit-graph expects a <task.mq> path");
     }
+    options.inputPath = *std::move(path);
     return options;
 }
 
@@ -108,23 +97,25 @@ Options:
   --format <fmt>       dot (default), mermaid, or svg, which needs Graphviz
 )";
 
+void printGraphHelp(std::string_view programPath) {
+    console::printHelp(helpText, programPath);
+}
+
+int drawFile(const GraphOptions& options) {
+    const auto document =
+        taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile, .warnings = console::logWarning})
+            .parseInput(options.inputPath);
+    console::writeOut(options.render(buildStudyGraph(document, options.view)));
+    return 0;
+}
+
 } // namespace
 
 int runGraph(int argc, char** argv) {
     GraphOptions options;
+    const auto run = [&] { return drawFile(options = readCommandLine(argc, argv)); };
     try {
-        options = readCommandLine(argc, argv);
-        if (options.wantsHelp) {
-            console::printHelp(helpText, argv[0]);
-            return 0;
-        }
-        const auto document = taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile,
-                                                   .warnings = console::logWarning})
-                                  .parseInput(options.inputPath);
-        console::writeOut(options.render(buildStudyGraph(document, options.view)));
-        return 0;
-    } catch (const console::UsageError& error) {
-        return console::reportUsageError(error);
+        return console::runCommandLine(run, printGraphHelp, argv[0], console::HelpAfter::emptyRefusal);
     } catch (const std::exception& error) {
         console::reportError(console::ErrorTag::none, faultText(error, options.inputPath));
         return 1;

@@ -28,10 +28,6 @@ constexpr Arrow arrows[] = {
 };
 static_assert(std::size(arrows) == static_cast<std::size_t>(EdgeKind::use) + 1);
 
-std::string nodeId(std::size_t place) {
-    return "n" + std::to_string(place + 1);
-}
-
 /// A sign and the bytes that it stays as it is between; elsewhere it may begin a list, a rule or an emphasis.
 struct JoiningSign {
     char sign;

@@ -34,10 +34,6 @@ std::string shortened(std::string_view text) {
     return visibleStart(text, maxLabelLength);
 }
 
-bool isPattern(std::string_view name) noexcept {
-    return name.find_first_of("*?[") != std::string_view::npos;
-}
-
 /// The rows that a derive takes from many tasks, as they are written.
 std::string tasksSourceText(const taskdsl::derive::TasksSource& source) {
     std::string text = "tasks(";
@@ -77,14 +73,16 @@ class StudyDrawing {
 
   private:
     /// Every combination has one variant of each declared task, in their order.
-    [[nodiscard]] const TaskInfo& declaredOf(std::size_t running) const {
-        return document_.templateTasks[running % declaredCount_];
+    [[nodiscard]] const TaskInfo& declaredOf(std::size_t taskIndex) const {
+        return document_.templateTasks[taskIndex % declaredCount_];
     }
-    [[nodiscard]] std::size_t nodeOfTask(std::size_t running) const noexcept {
-        return collapsed_ ? running % declaredCount_ : running;
+    [[nodiscard]] std::size_t nodeOfTask(std::size_t taskIndex) const noexcept {
+        return collapsed_ ? taskIndex % declaredCount_ : taskIndex;
     }
     /// True for the first task that its box stands for.
-    [[nodiscard]] bool leads(std::size_t running) const noexcept { return nodeOfTask(running) == running; }
+    [[nodiscard]] bool leads(std::size_t taskIndex) const noexcept {
+        return nodeOfTask(taskIndex) == taskIndex;
+    }
 
     void addTasks() {
         const std::size_t count = collapsed_ ? combinations_ : 1;
@@ -151,9 +149,9 @@ class StudyDrawing {
         return draft_.addNode({NodeKind::plot, {}, {visibleText(plot.name), counted(kind + " plot", count)}});
     }
 
-    void joinTask(std::size_t running) {
-        const TaskInfo& task = document_.tasks[running];
-        const std::size_t node = nodeOfTask(running);
+    void joinTask(std::size_t taskIndex) {
+        const TaskInfo& task = document_.tasks[taskIndex];
+        const std::size_t node = nodeOfTask(taskIndex);
         for (const auto& name : sourceTasks(task)) {
             draft_.addEdge(taskNamed(name), node, EdgeKind::source);
         }
@@ -163,17 +161,17 @@ class StudyDrawing {
             }
         }
         // One text for all variants: the condition as it is written.
-        const auto& shown = collapsed_ ? declaredOf(running).whenEntries : task.whenEntries;
+        const auto& shown = collapsed_ ? declaredOf(taskIndex).whenEntries : task.whenEntries;
         for (std::size_t i = 0; i < task.whenEntries.size(); ++i) {
-            joinCondition(task.whenEntries[i], shortened(shown[i].text), running);
+            joinCondition(task.whenEntries[i], shortened(shown[i].text), taskIndex);
         }
     }
 
     /// A condition joins every task that it names; one that names none is a line in the box.
-    void joinCondition(const taskdsl::TaskWhenEntry& entry, const std::string& shown, std::size_t running) {
+    void joinCondition(const taskdsl::TaskWhenEntry& entry, const std::string& shown, std::size_t taskIndex) {
         bool namesTask = false;
         const auto join = [&](std::size_t from) {
-            draft_.addEdge(from, nodeOfTask(running), EdgeKind::condition, shown);
+            draft_.addEdge(from, nodeOfTask(taskIndex), EdgeKind::condition, shown);
             namesTask = true;
         };
         const taskdsl::TaskWhenExpr condition = parseCondition(entry);
@@ -186,8 +184,8 @@ class StudyDrawing {
                 join(taskNamed(trim(std::string_view(placeholder).substr(0, dot))));
             }
         }
-        if (!namesTask && leads(running)) {
-            draft_.addLine(nodeOfTask(running), "when " + shown);
+        if (!namesTask && leads(taskIndex)) {
+            draft_.addLine(nodeOfTask(taskIndex), "when " + shown);
         }
     }
 
@@ -203,15 +201,15 @@ class StudyDrawing {
         if (equalsNoCase(target, "allothers")) {
             return draft_.nodeOf(NodeKind::selection, "all other tasks");
         }
-        return isPattern(target) && !runningTasks_.contains(target)
+        return hasWildcard(target) && !runningTasks_.contains(target)
                    ? draft_.nodeOf(NodeKind::selection, target, "every match")
                    : taskNamed(target);
     }
 
     /// The box of a task by the name that it runs under or was declared with.
     std::size_t taskNamed(std::string_view name) {
-        if (const auto running = runningTasks_.find(name); running != runningTasks_.end()) {
-            return running->second;
+        if (const auto found = runningTasks_.find(name); found != runningTasks_.end()) {
+            return found->second;
         }
         return variantsOf(name);
     }
@@ -220,9 +218,9 @@ class StudyDrawing {
     std::size_t variantsOf(std::string_view name) {
         const auto declared = declaredTasks_.find(name);
         if (declared == declaredTasks_.end()) {
-            const auto running = runningTasks_.find(name);
-            return running != runningTasks_.end()
-                       ? running->second
+            const auto found = runningTasks_.find(name);
+            return found != runningTasks_.end()
+                       ? found->second
                        : draft_.nodeOf(NodeKind::missing, std::string(name), "not in this file");
         }
         if (collapsed_ || combinations_ == 1) {
@@ -266,7 +264,7 @@ class StudyDrawing {
     void joinTasksSource(const taskdsl::derive::TasksSource& source, std::size_t node) {
         if (!source.templateName.empty()) {
             draft_.addEdge(variantsOf(source.templateName), node, EdgeKind::use);
-        } else if (std::any_of(source.patterns.begin(), source.patterns.end(), isPattern)) {
+        } else if (std::any_of(source.patterns.begin(), source.patterns.end(), hasWildcard)) {
             const auto selection = draft_.nodeOf(NodeKind::selection, shortened(tasksSourceText(source)));
             draft_.addEdge(selection, node, EdgeKind::use);
         } else {

@@ -40,7 +40,7 @@ using TaskNames = std::set<std::string_view>;
 /// The tasks that a target of `completed` means; at most two of those that match a pattern, as callers only
 /// ask whether there are several.
 TaskNames matchingTasks(const std::string& target, const TaskNames& known) {
-    if (target.find_first_of("*?[") == std::string::npos) {
+    if (!hasWildcard(target)) {
         const auto name = known.find(target);
         return name == known.end() ? TaskNames{} : TaskNames{*name};
     }
@@ -85,16 +85,12 @@ void checkCondition(const LintedFile& file, const TaskInfo& task, const taskdsl:
 
 /// The raw argument of the task's first `%source`.
 std::string_view rawSource(const TaskInfo& task) {
-    for (const auto& directive : task.directives) {
-        if (directive.name == "source") {
-            return directive.value;
-        }
-    }
-    return {};
+    const auto* directive = firstDirective(task, "source");
+    return directive == nullptr ? std::string_view() : std::string_view(directive->value);
 }
 
 void checkDocument(const TaskDocument& document, LintedFile& file, LintFileReport& report) {
-    const auto& tasks = document.templateTasks.empty() ? document.tasks : document.templateTasks;
+    const auto& tasks = declaredTasks(document);
     for (const TaskInfo& task : tasks) {
         file.knownTasks.insert(task.name);
     }
@@ -130,7 +126,7 @@ struct LintSetting {
 /// Checks a file by its text, or reports without one why it cannot be read.
 LintedText lintSource(const std::optional<std::string_view>& text, const std::string& path,
                       const LintSetting& setting) {
-    LintedText linted{{path, {}, false}, std::nullopt};
+    LintedText linted{{.path = path, .issues = {}, .parsed = false}, std::nullopt};
     LintFileReport& report = linted.report;
     try {
         LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);

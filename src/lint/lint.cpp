@@ -23,9 +23,8 @@ using console::writeOut;
 namespace {
 
 struct LintOptions {
-    bool help = false;
-    bool strict = false;
-    bool quiet = false;
+    Strictness strictness = Strictness::lenient;
+    TextDetail detail = TextDetail::issues;
     std::string format = "text";
     bool dropsWarnings = false; ///< the parser's, as no line of the log may get into the JSON
     std::vector<std::string> paths;
@@ -50,32 +49,25 @@ constexpr std::string_view lintHelp = R"(  Lint .mq files and directories.
   `@ lint --strict ./cases`
 )";
 
-console::UsageError usageError(const std::string& message) {
-    return console::UsageError(console::ErrorTag::none, message);
-}
-
-void askHelp(LintOptions& options, console::Words /*values*/) {
-    options.help = true;
-}
 void setStrict(LintOptions& options, console::Words /*values*/) {
-    options.strict = true;
+    options.strictness = Strictness::strict;
 }
 void setQuiet(LintOptions& options, console::Words /*values*/) {
-    options.quiet = true;
+    options.detail = TextDetail::summaryOnly;
 }
 void setFormat(LintOptions& options, console::Words values) {
     // Only this spelling keeps the log silent, even when a later --format overrides it.
     options.dropsWarnings = options.dropsWarnings || std::string_view(values.front()) == "json";
     options.format = toLower(values.front());
     if (options.format != "text" && options.format != "json") {
-        throw usageError("unsupported format: " + options.format);
+        throw console::bareRefusal("unsupported format: " + options.format);
     }
 }
 
 // clang-format off
 constexpr console::OptionRow<LintOptions> optionRows[] = {
-    {"-h",       console::restOfLine, askHelp},
-    {"--help",   console::restOfLine, askHelp},
+    {"-h",       console::noValue,    console::askHelp},
+    {"--help",   console::noValue,    console::askHelp},
     {"--strict", console::noValue,    setStrict},
     {"--quiet",  console::noValue,    setQuiet},
     {"--format", console::oneValue,   setFormat, "--format expects a value", console::ErrorTag::none},
@@ -88,7 +80,7 @@ LintOptions readCommandLine(int argc, char** argv) {
     console::readWords(console::wordsFrom(argc, argv, 2), optionRows, options, [&](console::Words words) {
         const std::string_view word = words.front();
         if (word.starts_with('-')) {
-            throw usageError("unknown argument: " + std::string(word));
+            throw console::bareRefusal("unknown argument: " + std::string(word));
         }
         options.paths.emplace_back(word);
         return std::size_t{1};
@@ -123,10 +115,14 @@ int lintFiles(const LintOptions& options) {
     for (const auto& file : files) {
         reports.push_back(lintFile(file, warnings, isFile));
     }
-    const LintSummary summary = summariseLint(reports, options.strict);
+    const LintSummary summary = summariseLint(reports, options.strictness);
     writeOut(options.format == "json" ? renderLintJson(reports, summary)
-                                      : renderLintText(reports, summary, options.quiet));
+                                      : renderLintText(reports, summary, options.detail));
     return summary.errors == 0 ? 0 : 1;
+}
+
+void printDriverHelp(std::string_view programPath) {
+    console::printHelp(driverHelp, programPath);
 }
 
 } // namespace
@@ -136,18 +132,8 @@ int runLint(int argc, char** argv) {
         printLintHelp(argv[0]);
         return 0;
     }
-    try {
-        const LintOptions options = readCommandLine(argc, argv);
-        if (options.help) {
-            console::printHelp(driverHelp, argv[0]);
-            return 0;
-        }
-        return lintFiles(options);
-    } catch (const console::UsageError& error) {
-        const int status = console::reportUsageError(error);
-        console::printHelp(driverHelp, argv[0]);
-        return status;
-    }
+    return console::runCommandLine([&] { return lintFiles(readCommandLine(argc, argv)); }, printDriverHelp,
+                                   argv[0], console::HelpAfter::anyRefusal);
 }
 
 void printLintHelp(std::string_view programPath) {

@@ -67,7 +67,8 @@ void addSummaryJson(LineBuilder& out, const LintSummary& summary) {
 
 } // namespace
 
-LintSummary summariseLint(const std::vector<LintFileReport>& reports, bool strict) {
+LintSummary summariseLint(const std::vector<LintFileReport>& reports, Strictness strictness) {
+    const bool strict = strictness == Strictness::strict;
     LintSummary summary{reports.size(), 0, 0, strict};
     for (const auto& report : reports) {
         for (const auto& issue : report.issues) {
@@ -78,9 +79,9 @@ LintSummary summariseLint(const std::vector<LintFileReport>& reports, bool stric
 }
 
 std::string renderLintText(const std::vector<LintFileReport>& reports, const LintSummary& summary,
-                           bool quiet) {
+                           TextDetail detail) {
     LineBuilder out;
-    if (!quiet) {
+    if (detail == TextDetail::issues) {
         for (const auto& report : reports) {
             for (const auto& issue : report.issues) {
                 addIssueText(out, issue, summary.strict);

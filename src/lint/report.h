@@ -31,6 +31,12 @@ struct LintFileReport {
     bool parsed = false;           ///< the parser took the whole file
 };
 
+/// Whether a warning counts as an error.
+enum class Strictness : std::uint8_t { lenient, strict };
+
+/// What the text output shows.
+enum class TextDetail : std::uint8_t { issues, summaryOnly };
+
 /// The counts of a run. With `strict`, every issue counts as an error.
 struct LintSummary {
     std::size_t files = 0;
@@ -40,11 +46,11 @@ struct LintSummary {
 };
 
 /// Counts the issues of all files.
-[[nodiscard]] LintSummary summariseLint(const std::vector<LintFileReport>& reports, bool strict);
+[[nodiscard]] LintSummary summariseLint(const std::vector<LintFileReport>& reports, Strictness strictness);
 
-/// Returns one line per issue and a summary line; with `quiet`, only the latter.
+/// Returns one line per issue, where these are shown, and a summary line.
 [[nodiscard]] std::string renderLintText(const std::vector<LintFileReport>& reports,
-                                         const LintSummary& summary, bool quiet);
+                                         const LintSummary& summary, TextDetail detail);
 /// Returns the whole result as one JSON document.
 [[nodiscard]] std::string renderLintJson(const std::vector<LintFileReport>& reports,
                                          const LintSummary& summary);

@@ -63,10 +63,9 @@ Found findAlias(const RawLine& line, std::string_view word, const std::array<Ali
         return std::nullopt;
     }
     const auto at = line.text.find(word);
-    return LintFinding{partOfLine(line, at == std::string_view::npos ? 0 : at, word.size()),
-                       std::string(word),
-                       std::string(alias->canonical),
-                       {}};
+    return LintFinding{.span = partOfLine(line, at == std::string_view::npos ? 0 : at, word.size()),
+                       .value = std::string(word),
+                       .canonical = std::string(alias->canonical)};
 }
 
 std::string_view firstWord(std::string_view text) noexcept {
@@ -80,7 +79,7 @@ Found hashInclude(const RawLine& line) {
     if (!equalsNoCase(line.text.substr(begin, keyword.size()), keyword)) {
         return std::nullopt;
     }
-    return LintFinding{partOfLine(line, begin, keyword.size()), {}, {}, {}};
+    return LintFinding{.span = partOfLine(line, begin, keyword.size())};
 }
 
 Found fragmentKindAlias(const RawLine& line) {
@@ -112,38 +111,29 @@ Found processAlias(const RawLine& line) {
 
 Found parseError(const ParseFault& fault) {
     const bool placed = isValidSpan(fault.span) && !fault.messageNamesPlace;
-    return LintFinding{fault.span,
-                       std::string(fault.message),
-                       {},
-                       placed ? fault.span.path.str() : std::string(),
-                       fault.messageNamesPlace};
+    return LintFinding{.span = fault.span,
+                       .value = std::string(fault.message),
+                       .file = placed ? fault.span.path.str() : std::string(),
+                       .messageNamesPlace = fault.messageNamesPlace};
 }
 
 Found unknownVersion(const LintedFile& file) {
     if (file.version.empty() || file.version == "1" || file.version == "2") {
         return std::nullopt;
     }
-    return LintFinding{{}, std::string(file.version), {}, {}};
+    return LintFinding{.value = std::string(file.version)};
 }
 
 // Tasks.
 
-/// The task's first directive of that name.
-const TaskDirective* findDirective(const TaskInfo& task, std::string_view name) {
-    const auto& directives = task.directives.get();
-    const auto found =
-        std::find_if(directives.begin(), directives.end(),
-                     [name](const TaskDirective& directive) { return directive.name == name; });
-    return found == directives.end() ? nullptr : &*found;
-}
-
 bool hasDirective(const LintedTask& linted, std::string_view name) {
-    return findDirective(linted.task, name) != nullptr;
+    return firstDirective(linted.task, name) != nullptr;
 }
 
 /// A finding at the task's header.
 Found atHeader(bool broken, const LintedTask& linted, std::string_view value = {}) {
-    return broken ? Found({linted.task.headerSpan, std::string(value), {}, {}}) : std::nullopt;
+    return broken ? Found(LintFinding{.span = linted.task.headerSpan, .value = std::string(value)})
+                  : std::nullopt;
 }
 
 /// A finding at the task's first directive of that name; at its header when it has none.
@@ -151,9 +141,9 @@ Found atDirective(std::string_view name, bool broken, const LintedTask& linted, 
     if (!broken) {
         return std::nullopt;
     }
-    const TaskDirective* directive = findDirective(linted.task, name);
-    return LintFinding{
-        directive == nullptr ? linted.task.headerSpan : directive->span, std::string(value), {}, {}};
+    const TaskDirective* directive = firstDirective(linted.task, name);
+    return LintFinding{.span = directive == nullptr ? linted.task.headerSpan : directive->span,
+                       .value = std::string(value)};
 }
 
 bool isKnown(const LintedTask& linted, std::string_view name) {
@@ -254,7 +244,7 @@ Found keywordBraces(const LintedTask& linted) {
     if (program != TaskProgram::gaussian && program != TaskProgram::orca) {
         return std::nullopt;
     }
-    const TaskDirective* keywords = findDirective(linted.task, "keywords");
+    const TaskDirective* keywords = firstDirective(linted.task, "keywords");
     return atDirective("keywords", keywords != nullptr && hasBraceList(keywords->value), linted);
 }
 
@@ -315,7 +305,7 @@ Found missingGuess(const LintedTask& linted) {
 // Conditions.
 
 Found at(const SourceSpan& span, bool broken, std::string_view value = {}) {
-    return broken ? Found({span, std::string(value), {}, {}}) : std::nullopt;
+    return broken ? Found(LintFinding{.span = span, .value = std::string(value)}) : std::nullopt;
 }
 
 Found missingCompleted(const CompletedTarget& target) {
@@ -343,7 +333,7 @@ Found deadlock(const AllOthersUses& uses) {
         names += names.empty() ? "" : ", ";
         names += use.task;
     }
-    return LintFinding{uses.front().span, std::move(names), {}, {}};
+    return LintFinding{.span = uses.front().span, .value = std::move(names)};
 }
 
 constexpr auto W = LintSeverity::warning;

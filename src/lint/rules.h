@@ -81,10 +81,10 @@ using AllOthersUses = std::vector<AllOthersUse>;
 
 /// What a check has found: the place, and the texts for the message.
 struct LintFinding {
-    taskdsl::SourceSpan span;
-    std::string value;              ///< replaces "<value>"
-    std::string canonical;          ///< replaces "<canonical>"
-    std::string file;               ///< the faulty file when that is not the linted one
+    taskdsl::SourceSpan span = {};
+    std::string value = {};         ///< replaces "<value>"
+    std::string canonical = {};     ///< replaces "<canonical>"
+    std::string file = {};          ///< the faulty file when that is not the linted one
     bool messageNamesPlace = false; ///< see `LintIssue`
 };
 

@@ -4,27 +4,20 @@
 #include "console/messages.h"
 #include "project/cases/selection.h"
 #include "project/cases/task_catalog.h"
+#include "project/phrases.h"
 #include "support/text.h"
 
 #include <utility>
 
 namespace morquill::project {
 
-namespace {
-
-console::UsageError refusal(const std::string& message) {
-    return console::UsageError(console::ErrorTag::plain, message);
-}
-
-} // namespace
-
 std::optional<ChosenBlocks> chooseBlocks(const ProjectOptions& options) {
     const auto project = resolveProjectTemplate(options.path);
     if (!project) {
-        throw refusal(project.error());
+        throw console::plainRefusal(project.error());
     }
     if (options.names.empty()) {
-        throw refusal("specify at least one task block with -n/--name.");
+        throw console::plainRefusal("specify at least one task block with -n/--name.");
     }
     const auto catalog = loadCatalog(project->root, project->file);
     if (!catalog) {
@@ -33,7 +26,8 @@ std::optional<ChosenBlocks> chooseBlocks(const ProjectOptions& options) {
     }
     auto [selected, missing] = selectTaskBlocks(*catalog, options.names, Wildcards::matched);
     if (!missing.empty()) {
-        throw refusal("task block not found in .projmq: " + join(missing, ", ") + knownBlockLines(*catalog));
+        throw console::plainRefusal("task block not found in .projmq: " + join(missing, ", ") +
+                                    knownBlockLines(*catalog));
     }
     return ChosenBlocks{project->root, project->file, std::move(selected)};
 }
@@ -41,7 +35,7 @@ std::optional<ChosenBlocks> chooseBlocks(const ProjectOptions& options) {
 std::vector<std::string> chooseCases(const std::string& root) {
     auto caseDirs = listCaseDirectories(root);
     if (caseDirs.empty()) {
-        throw refusal("no case subdirectories were found in project: " + root);
+        throw console::plainRefusal(noCases(root));
     }
     return caseDirs;
 }

@@ -3,6 +3,7 @@
 #include "project/cases/block_pattern.h"
 #include "project/cases/selection.h"
 #include "project/choice.h"
+#include "project/phrases.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/paths.h"
@@ -28,7 +29,7 @@ struct CollectSummary {
 /// One task block in one case and where its items go.
 struct CollectPlace {
     std::string caseName;
-    std::string label; ///< "<case> / $<task>"
+    std::string label; ///< see `blockLabel`
     std::string blockDir;
     std::string targetDir;
     bool intoItself = false; ///< the results would lie in the block directory, as items of the next collect
@@ -123,8 +124,7 @@ int runProjectCollect(const ProjectOptions& options) {
     }
     const auto caseDirs = chooseCases(chosen->root);
     if (options.patterns.empty()) {
-        throw console::UsageError(console::ErrorTag::plain,
-                                  "project collect requires at least one glob pattern.");
+        throw console::plainRefusal("project collect requires at least one glob pattern.");
     }
     const auto results = joinPath(chosen->root, "results");
     if (!makeDirectory(results)) { // also in a dry run
@@ -145,12 +145,12 @@ int runProjectCollect(const ProjectOptions& options) {
         for (const auto& caseDir : caseDirs) {
             const auto caseName = baseName(caseDir);
             const auto blockDir = joinPath(caseDir, task);
-            auto label = std::string(caseName).append(" / $").append(task);
+            auto label = blockLabel(caseName, task);
             const CollectPlace place{caseName, std::move(label), blockDir, targetDir,
                                      holdsResults(blockDir, targetDir)};
             if (!isDirectory(place.blockDir)) {
                 summary.missing += 1;
-                console::printSkip(place.label + " : block directory is missing");
+                console::printSkip(missingBlock(place.label));
                 continue;
             }
             for (const auto& pattern : options.patterns) {

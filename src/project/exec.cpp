@@ -52,7 +52,7 @@ void execInBlock(const ProjectOptions& options, const std::string& caseDir, cons
     const auto blockDir = joinPath(caseDir, task);
     if (!isDirectory(blockDir)) {
         summary.missing += 1;
-        console::printSkip(caseName + " / $" + task + " : block directory is missing");
+        console::printSkip(missingBlock(blockLabel(caseName, task)));
         return;
     }
     const auto command = resolveCommand(options.command, task, caseName);
@@ -76,8 +76,7 @@ int runProjectExec(const ProjectOptions& options) {
     }
     const auto caseDirs = chooseCases(chosen->root);
     if (trim(options.command).empty()) {
-        throw console::UsageError(console::ErrorTag::plain,
-                                  "project exec requires a command via --cmd or -- <cmd...>.");
+        throw console::plainRefusal("project exec requires a command via --cmd or -- <cmd...>.");
     }
     console::printLine("\n[Project Exec]\n  project template: " + chosen->file +
                        "\n  task blocks: " + formatSelection(chosen->selected) +

@@ -1,12 +1,12 @@
 #include "console/logger.h"
 #include "console/runtime_config.h"
 #include "project/case_files.h"
+#include "project/runner.h"
 #include "project/workflows.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "system/new_file.h"
-#include "system/process.h"
 #include "system/prompt.h"
 #include "system/signal_guard.h"
 
@@ -84,9 +84,8 @@ void startRunner(const console::RuntimeConfig& config, const std::string& projec
     if (runner.find('/') != std::string::npos) {
         runner = absoluteLocation(runner); // the child runs in another directory
     }
-    const std::string quotedDir = shellQuote(projectDir);
-    console::logInfo("running: cd " + quotedDir + " && " + shellQuote(runner) + " kick --path " + quotedDir);
-    if (const auto failure = system::runProgram(projectDir, runner, {"kick", "--path", projectDir})) {
+    console::logInfo("running: cd " + shellQuote(projectDir) + " && " + runnerCommand(runner, projectDir));
+    if (const auto failure = runRunner(runner, projectDir)) {
         console::logError("project runner failed: " + *failure);
     }
 }

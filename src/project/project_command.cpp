@@ -1,13 +1,11 @@
 #include "project/project_command.h"
 
 #include "console/command_line.h"
-#include "console/console.h"
 #include "console/messages.h"
 #include "project/choice.h"
 #include "project/workflows.h"
 #include "support/fault.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <exception>
 
@@ -28,21 +26,17 @@ constexpr LineShape wordShape{readProjectWords, HelpWord::anywhere};
 constexpr LineShape compatibilityShape{readCompatibilityWords, HelpWord::anywhere};
 constexpr LineShape updateShape{readUpdateWords, HelpWord::nowhere};
 
+/// Reads a line of the shape. Throws `HelpRequest`, after the message of the refusal, where a help word makes
+/// the line ask for help; otherwise `UsageError`.
+ProjectOptions readShape(const LineShape& shape, int argc, char** argv) {
+    const auto read = [&] { return shape.read(argc, argv); };
+    return shape.helpWord == HelpWord::nowhere ? read()
+                                               : console::readOrHelp(console::wordsFrom(argc, argv, 1), read);
+}
+
 int runShape(const LineShape& shape, int argc, char** argv) {
-    int status = 0;
-    try {
-        return runProjectWorkflow(shape.read(argc, argv), argv[0]);
-    } catch (const console::HelpRequest&) {
-        // the help is all there is
-    } catch (const console::UsageError& error) {
-        const auto words = console::wordsFrom(argc, argv, 1);
-        const bool asksForHelp = shape.helpWord == HelpWord::anywhere &&
-                                 std::any_of(words.begin(), words.end(), console::isHelpToken);
-        const int refused = console::reportUsageError(error);
-        status = asksForHelp ? 0 : refused;
-    }
-    printProjectHelp(argc > 0 ? argv[0] : "");
-    return status;
+    return console::runCommandLine([&] { return runProjectWorkflow(readShape(shape, argc, argv), argv[0]); },
+                                   printProjectHelp, argc > 0 ? argv[0] : "", console::HelpAfter::anyRefusal);
 }
 
 int statusOf(bool success) {
@@ -51,7 +45,7 @@ int statusOf(bool success) {
 
 int runAdd(const ProjectOptions& options) {
     if (!options.names.empty()) {
-        throw console::UsageError(console::ErrorTag::plain, "project add does not accept -n/--name.");
+        throw console::plainRefusal("project add does not accept -n/--name.");
     }
     return runProjectAdd(options);
 }
@@ -99,13 +93,10 @@ int runUpdateCompatibility(int argc, char** argv) {
 
 int runProjectWorkflow(const ProjectOptions& options, std::string_view programPath) {
     try {
-        return runSubCommand(options);
-    } catch (const console::UsageError& error) {
-        // Not the shape's refusal: a help word among the words of a line that could be read is a name
-        // like any other.
-        const int status = console::reportUsageError(error);
-        printProjectHelp(programPath);
-        return status;
+        // Its refusals are not those of the shape: a help word among the words of a line that could be read
+        // is a name like any other.
+        return console::runCommandLine([&] { return runSubCommand(options); }, printProjectHelp, programPath,
+                                       console::HelpAfter::anyRefusal);
     } catch (const std::exception& failure) {
         console::reportError(console::ErrorTag::coloured,
                              faultText(failure, options.path.empty() ? "." : options.path));

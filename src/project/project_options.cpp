@@ -34,10 +34,6 @@ constexpr std::array<SubCommandRow, 6> subCommands{{
     {"collect", ProjectSubCommand::Collect},
 }};
 
-UsageError refusal(const std::string& message) {
-    return UsageError(ErrorTag::plain, message);
-}
-
 void setPath(ProjectOptions& options, Words values) {
     if (!options.path.empty()) {
         throw UsageError(ErrorTag::none);
@@ -83,10 +79,6 @@ void chooseCollect(ProjectOptions& options, Words values) {
     }
 }
 
-void askHelp(ProjectOptions& /*options*/, Words /*values*/) {
-    throw console::HelpRequest();
-}
-
 /// Everything after `--` is the command of `exec`, options and help words included.
 void takeCommand(ProjectOptions& options, Words values) {
     if (options.subCommand != ProjectSubCommand::Exec) {
@@ -104,13 +96,13 @@ bool isChosen(const ProjectOptions& options) noexcept {
 
 void needUpdate(const ProjectOptions& options) {
     if (!isChosen<ProjectSubCommand::Update>(options)) {
-        throw refusal("--run-comd is only valid with project update.");
+        throw console::plainRefusal("--run-comd is only valid with project update.");
     }
 }
 
 void needRebuild(const ProjectOptions& options) {
     if (!isChosen<ProjectSubCommand::Rebuild>(options)) {
-        throw refusal("--run-script is only valid with project rebuild.");
+        throw console::plainRefusal("--run-script is only valid with project rebuild.");
     }
 }
 
@@ -128,15 +120,15 @@ void chooseOnce(const ProjectOptions& options) {
     }
     switch (command) {
     case ProjectSubCommand::Rebuild:
-        throw refusal("--rebuild cannot be combined with --exec or --collect");
+        throw console::plainRefusal("--rebuild cannot be combined with --exec or --collect");
     case ProjectSubCommand::Exec:
-        throw refusal("--exec cannot be combined with --collect or --rebuild");
+        throw console::plainRefusal("--exec cannot be combined with --collect or --rebuild");
     default:
-        throw refusal("--collect cannot be combined with --exec or --rebuild");
+        throw console::plainRefusal("--collect cannot be combined with --exec or --rebuild");
     }
 }
 
-bool namesTemplate(std::string_view token) {
+bool namesTemplate(std::string_view token) noexcept {
     return !token.starts_with('-') && token.ends_with(".projmq");
 }
 
@@ -157,6 +149,7 @@ std::optional<std::size_t> severalValues(Words behind) noexcept {
         std::distance(behind.begin(), std::find_if(behind.begin() + 1, behind.end(), endsList)));
 }
 
+using console::askHelp;
 using console::noValue;
 using console::oneValue;
 using console::restOfLine;
@@ -209,28 +202,23 @@ constexpr OptionRow updateOptions[] = {
 };
 // clang-format on
 
+/// True for an option of the compatibility form other than a help word.
+bool isCompatibilityOption(std::string_view argument) noexcept {
+    return !console::isHelpToken(argument) &&
+           std::any_of(std::begin(compatibilityOptions), std::end(compatibilityOptions),
+                       [argument](const OptionRow& row) { return row.word == argument; });
+}
+
 /// The sub-command that a word or its prefix names. Throws `UsageError`, with a message when it fits several.
 ProjectSubCommand readSubCommand(std::string_view word) {
-    const std::string lowered = toLower(word);
-    std::vector<std::string> candidates;
-    auto command = ProjectSubCommand::None;
-    for (const SubCommandRow& row : subCommands) {
-        if (row.name == lowered) {
-            return row.command;
-        }
-        if (row.name.starts_with(lowered)) {
-            candidates.emplace_back(row.name);
-            command = row.command;
-        }
+    const auto match = console::findByPrefix(subCommands, word);
+    if (match.names.size() > 1) {
+        throw console::plainRefusal(console::ambiguousPrefix("project command", word, match.names));
     }
-    if (candidates.size() > 1) {
-        throw refusal("ambiguous project command prefix: " + std::string(word) +
-                      " (matches: " + join(candidates, ", ") + ")");
-    }
-    if (candidates.empty()) {
+    if (match.row == nullptr) {
         throw UsageError(ErrorTag::none);
     }
-    return command;
+    return match.row->command;
 }
 
 /// Recognises paths of projects among other words. A list of a thousand files asks the disk
@@ -301,6 +289,18 @@ void appendNames(ProjectOptions& options, std::string_view value) {
     }
 }
 
+bool isProjectShape(Words arguments) noexcept {
+    return std::any_of(arguments.begin(), arguments.end(), [](std::string_view argument) {
+        return isCompatibilityOption(argument) || namesTemplate(argument);
+    });
+}
+
+bool isUpdateShape(Words arguments) noexcept {
+    static constexpr std::array<std::string_view, 4> openings{"-b", "--batch", "-u", "--update"};
+    return !arguments.empty() &&
+           std::find(openings.begin(), openings.end(), arguments.front()) != openings.end();
+}
+
 bool isProjectPathToken(std::string_view token) {
     return ProjectPathTest()(token);
 }
@@ -340,14 +340,13 @@ ProjectOptions readCompatibilityWords(int argc, const char* const* argv) {
                            return std::size_t{1};
                        });
     if (options.runScript && options.subCommand != ProjectSubCommand::Rebuild) {
-        throw refusal("--run-script is only valid with rebuild.");
+        throw console::plainRefusal("--run-script is only valid with rebuild.");
     }
     return options;
 }
 
 ProjectOptions readUpdateWords(int argc, const char* const* argv) {
-    static constexpr std::array<std::string_view, 4> openings{"-b", "--batch", "-u", "--update"};
-    if (argc < 2 || std::find(openings.begin(), openings.end(), argv[1]) == openings.end()) {
+    if (!isUpdateShape(console::wordsFrom(argc, argv, 1))) {
         throw UsageError(ErrorTag::none);
     }
     ProjectOptions options;

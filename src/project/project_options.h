@@ -1,5 +1,7 @@
 #pragma once
 
+#include "console/command_line.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -34,6 +36,11 @@ struct ProjectOptions {
 
 /// Reads the older shape that opens with -b, --batch, -u or --update.
 [[nodiscard]] ProjectOptions readUpdateWords(int argc, const char* const* argv);
+
+/// True for the arguments of the older shape that is known by its options or by a `.projmq` file.
+[[nodiscard]] bool isProjectShape(console::Words arguments) noexcept;
+/// True for the arguments of the older shape that opens with -b, --batch, -u or --update.
+[[nodiscard]] bool isUpdateShape(console::Words arguments) noexcept;
 
 /// True when a positional argument names a project or a case: a `.projmq` name (the disk is not asked), an
 /// existing `.mq` file, or any existing file or directory inside a project.

@@ -6,12 +6,12 @@
 #include "project/choice.h"
 #include "project/phrases.h"
 #include "project/regenerate.h"
+#include "project/runner.h"
 #include "project/status/status_file.h"
 #include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
-#include "system/process.h"
 #include "system/prompt.h"
 
 #include <optional>
@@ -56,7 +56,7 @@ void cleanBlock(const std::string& blockDir, const std::string& label, const Reb
     if (!isDirectory(blockDir)) {
         summary.blocksMissing += 1;
         const auto kind = options.dryRun ? console::MessageKind::dryRun : console::MessageKind::skip;
-        console::printMessage(kind, label + " : block directory is missing");
+        console::printMessage(kind, missingBlock(label));
         return;
     }
     summary.blocksVisited += 1;
@@ -84,7 +84,7 @@ std::optional<RebuildSummary> cleanCases(const WorkPlace& place, const std::vect
         summary.statusTouched += *records > 0 ? 1 : 0;
         summary.recordsRemoved += static_cast<std::int32_t>(*records);
         for (const auto& task : selected) {
-            cleanBlock(joinPath(caseDir, task), baseName(caseDir) + " / $" + task, options, summary);
+            cleanBlock(joinPath(caseDir, task), blockLabel(baseName(caseDir), task), options, summary);
         }
     }
     console::printLine();
@@ -98,22 +98,16 @@ std::optional<RebuildSummary> cleanCases(const WorkPlace& place, const std::vect
     return summary;
 }
 
-std::string runnerCommand(const std::string& runner, const std::string& root) {
-    return shellQuote(runner) + " kick --path " + shellQuote(root);
-}
-
 /// Starts the project runner at the end of a rebuild. True on success.
 bool startRunner(const std::string& root, console::RunMode mode, RebuildSummary summary) {
     const auto runner = resolveRunner(root);
     if (!console::isRunnerAvailable(runner)) {
-        console::reportError("configured project runner not found: " + runner);
+        console::reportError(noRunner(runner));
         return false;
     }
     console::printLine();
     printExecution(runnerCommand(runner, root), mode);
-    const auto failure = mode == console::RunMode::dryRun
-                             ? std::nullopt
-                             : system::runProgram(root, runner, {"kick", "--path", root});
+    const auto failure = mode == console::RunMode::dryRun ? std::nullopt : runRunner(runner, root);
     if (failure) {
         summary.runnerFailed += 1;
         console::reportError("failed to execute project runner: " + runner + inParentheses(*failure));
@@ -171,13 +165,12 @@ std::optional<RebuildOptions> settleRunner(const std::string& root, RebuildOptio
     const bool available = console::isRunnerAvailable(runner);
     if (options.runScript) {
         if (!available) {
-            console::reportError("configured project runner not found: " + runner);
+            console::reportError(noRunner(runner));
             return std::nullopt;
         }
         console::printNote("post-rebuild runner enabled: " + runnerCommand(runner, root));
     } else if (!available) {
-        console::printMessage(console::MessageKind::warning,
-                              "configured project runner not found: " + runner);
+        console::printMessage(console::MessageKind::warning, noRunner(runner));
         console::printNote("rebuild will finish without running mqrun kick");
     } else {
         console::printLine();
@@ -204,13 +197,6 @@ std::int32_t removeWorkMarkers(const std::string& blockDir) {
         }
     }
     return removed;
-}
-
-std::string resolveRunner(const std::string& root) {
-    const auto place = normalisedPath(root); // as the system names it to a program that runs there
-    const auto runner = console::findRunnerProgram(console::loadConfig("morquill.conf", place), place);
-    // The runner is also shown: a path becomes absolute and normal, a bare name is looked up along PATH.
-    return runner.find('/') == std::string::npos ? runner : absoluteLocation(runner);
 }
 
 bool rebuildCase(const std::string& caseDir, const std::string& caseFile,

@@ -33,8 +33,4 @@ struct RebuildSummary {
 /// Removes them and returns how many; reports one that stays on standard error.
 [[nodiscard]] std::int32_t removeWorkMarkers(const std::string& blockDir);
 
-/// The path of the project runner `mqrun` as the configuration that holds in the project root names it,
-/// or its bare name. Relative paths in it start at the root, wherever the program runs.
-[[nodiscard]] std::string resolveRunner(const std::string& root);
-
 } // namespace morquill::project

@@ -48,7 +48,7 @@ std::optional<WorkPlace> openProject(const std::string& root, const std::string&
     }
     auto caseDirs = listCaseDirectories(root);
     if (caseDirs.empty()) {
-        console::reportError("no case subdirectories were found in project: " + root);
+        console::reportError(noCases(root));
         return std::nullopt;
     }
     return WorkPlace{TargetKind::Project, root, file, std::move(caseDirs)};

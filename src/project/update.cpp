@@ -101,7 +101,7 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
 void runComd(const std::string& blockDir, const std::string& label, console::RunMode mode,
              UpdateSummary& summary) {
     if (!isDirectory(blockDir)) {
-        console::printSkip(label + " : block directory is missing");
+        console::printSkip(missingBlock(label));
         return;
     }
     if (!isRegularFile(joinPath(blockDir, "comd"))) {
@@ -127,7 +127,7 @@ void runComdForCases(const std::vector<std::string>& caseDirs, const std::vector
     console::printNote("comd execution for selected task blocks");
     for (const auto& caseDir : caseDirs) {
         for (const auto& task : selected) {
-            runComd(joinPath(caseDir, task), baseName(caseDir) + " / $" + task, mode, summary);
+            runComd(joinPath(caseDir, task), blockLabel(baseName(caseDir), task), mode, summary);
         }
     }
 }

@@ -1,6 +1,7 @@
 #include "project/update_script.h"
 
 #include "project/cases/selection.h"
+#include "project/phrases.h"
 #include "project/update_script_text.h"
 #include "support/paths.h"
 #include "support/text.h"
@@ -42,7 +43,7 @@ std::string formatComdRunnerScript(const std::string& root, const std::vector<st
     text += comdRunnerText.substr(behindSelected, callsAt - behindSelected);
     for (const auto& caseDir : caseDirs) {
         for (const auto& task : selected) {
-            const auto label = baseName(caseDir) + " / $" + task;
+            const auto label = blockLabel(baseName(caseDir), task);
             const auto directory = relativeTo(root, joinPath(caseDir, task));
             text += "run_comd " + shellQuote(label) + " " + shellQuote(directory) + "\n";
         }

@@ -1,5 +1,7 @@
 #include "support/descriptor.h"
 
+#include "support/fault.h"
+
 #include <cerrno>
 #include <memory>
 #include <new>
@@ -9,11 +11,6 @@
 namespace morquill {
 
 namespace {
-
-/// True for a fault of the disk, which any other way of writing would meet again.
-bool isFaultOfTheDisk(int error) noexcept {
-    return error == ENOSPC || error == EIO || error == EFBIG || error == EDQUOT;
-}
 
 /// Called between the portions of a copy; true stops it.
 using StopTest = std::function<bool()>;

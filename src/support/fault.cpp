@@ -31,6 +31,10 @@ const char* systemErrorText(int number) noexcept {
     return std::strerror(number);
 }
 
+bool isFaultOfTheDisk(int number) noexcept {
+    return number == ENOSPC || number == EIO || number == EFBIG || number == EDQUOT;
+}
+
 std::error_code lastSystemError() noexcept {
     return {errno, std::system_category()};
 }

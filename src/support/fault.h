@@ -35,6 +35,10 @@ class WholeTextError : public std::runtime_error {
 /// The system's text for an error number, a value of `errno`.
 [[nodiscard]] const char* systemErrorText(int number) noexcept;
 
+/// True for an error number of a disk that is full, over quota or broken, or that takes no file of that size:
+/// another way of writing to it would meet the same fault.
+[[nodiscard]] bool isFaultOfTheDisk(int number) noexcept;
+
 /// The current `errno` as an error code.
 [[nodiscard]] std::error_code lastSystemError() noexcept;
 

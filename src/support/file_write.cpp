@@ -1,4 +1,5 @@
 #include "support/descriptor.h"
+#include "support/fault.h"
 #include "support/file.h"
 
 #include <algorithm>
@@ -72,7 +73,7 @@ bool reserveRoom(int fd, const struct stat& info, std::size_t size) noexcept {
     if (needed <= info.st_blocks * blockUnit || ::fallocate(fd, FALLOC_FL_KEEP_SIZE, 0, needed) == 0) {
         return true;
     }
-    return errno != ENOSPC && errno != EDQUOT && errno != EFBIG && errno != EIO;
+    return !isFaultOfTheDisk(errno);
 }
 
 /// The first bytes of a file that was just opened, fewer when it is
@@ -135,7 +136,7 @@ bool overwriteExisting(const std::string& path, std::string_view text) {
 }
 
 /// Creates a file and removes it again when it cannot be written in full.
-bool writeNewFile(const std::string& path, std::string_view text) {
+bool createFile(const std::string& path, std::string_view text) {
     // A link whose target does not exist yet: the target is created.
     Descriptor file = openFile(path, O_WRONLY | O_CREAT | O_NOCTTY, 0666);
     if (!file.isOpen()) {
@@ -174,7 +175,7 @@ bool writeTextFile(const std::string& path, std::string_view text) {
         return false;
     }
     const SignalHold hold;
-    return exists ? overwriteExisting(path, text) : writeNewFile(path, text);
+    return exists ? overwriteExisting(path, text) : createFile(path, text);
 }
 
 } // namespace morquill

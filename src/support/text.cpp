@@ -4,6 +4,23 @@
 
 namespace morquill {
 
+namespace {
+
+/// Calls `take` with each field; there is one more than separators.
+template <class Take>
+void forEachField(std::string_view text, char separator, const Take& take) {
+    for (std::size_t begin = 0;;) {
+        const auto end = text.find(separator, begin);
+        take(text.substr(begin, end - begin));
+        if (end == std::string_view::npos) {
+            return;
+        }
+        begin = end + 1;
+    }
+}
+
+} // namespace
+
 std::string toLower(std::string_view text) {
     std::string result(text);
     std::transform(result.begin(), result.end(), result.begin(), lowerChar);
@@ -22,15 +39,8 @@ bool containsNoCase(std::string_view text, std::string_view lowered) noexcept {
 
 std::vector<std::string> splitOn(std::string_view text, char separator) {
     std::vector<std::string> fields;
-    std::size_t begin = 0;
-    for (;;) {
-        const auto end = text.find(separator, begin);
-        fields.emplace_back(text.substr(begin, end - begin));
-        if (end == std::string_view::npos) {
-            return fields;
-        }
-        begin = end + 1;
-    }
+    forEachField(text, separator, [&fields](std::string_view field) { fields.emplace_back(field); });
+    return fields;
 }
 
 std::vector<std::string_view> splitBlank(std::string_view text) {
@@ -52,18 +62,12 @@ std::vector<std::string_view> splitBlank(std::string_view text) {
 
 std::vector<std::string> splitTrimmed(std::string_view text, char separator) {
     std::vector<std::string> fields;
-    std::size_t begin = 0;
-    for (;;) {
-        const auto end = text.find(separator, begin);
-        const auto field = trim(text.substr(begin, end - begin));
-        if (!field.empty()) {
-            fields.emplace_back(field);
+    forEachField(text, separator, [&fields](std::string_view field) {
+        if (const auto trimmed = trim(field); !trimmed.empty()) {
+            fields.emplace_back(trimmed);
         }
-        if (end == std::string_view::npos) {
-            return fields;
-        }
-        begin = end + 1;
-    }
+    });
+    return fields;
 }
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator) {
@@ -92,6 +96,16 @@ std::string replaceAll(std::string_view text, std::string_view from, std::string
         result += to;
         begin = hit + from.size();
     }
+}
+
+std::string singleQuoted(std::string_view text) {
+    std::string result = "'";
+    result.append(text).append("'");
+    return result;
+}
+
+std::string oneLine(std::string_view text) {
+    return replaceAll(replaceAll(text, "\n", "\\n"), "\r", "\\r");
 }
 
 std::string shellQuote(std::string_view text) {

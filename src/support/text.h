@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -76,12 +77,32 @@ namespace morquill {
     return text;
 }
 
+/// The text without trailing white space.
+[[nodiscard]] constexpr std::string_view dropTrailingSpace(std::string_view text) noexcept {
+    while (!text.empty() && isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
 /// Returns a copy in ASCII lower case.
 [[nodiscard]] std::string toLower(std::string_view text);
 /// True when both texts are equal in ASCII lower case.
 [[nodiscard]] bool equalsNoCase(std::string_view left, std::string_view right) noexcept;
 /// True when `text`, in any case, contains `lowered`, which must be lower-case and not empty.
 [[nodiscard]] bool containsNoCase(std::string_view text, std::string_view lowered) noexcept;
+
+/// True when the text is one of the words.
+template <std::size_t N>
+[[nodiscard]] constexpr bool isOneOf(std::string_view text, const std::string_view (&words)[N]) noexcept {
+    return std::find(std::begin(words), std::end(words), text) != std::end(words);
+}
+/// True when the text, in any ASCII case, is one of the words.
+template <std::size_t N>
+[[nodiscard]] bool isOneOfNoCase(std::string_view text, const std::string_view (&words)[N]) noexcept {
+    return std::any_of(std::begin(words), std::end(words),
+                       [text](std::string_view word) { return equalsNoCase(text, word); });
+}
 
 /// Splits at each separator; empty fields are kept, so there is one field more than separators.
 [[nodiscard]] std::vector<std::string> splitOn(std::string_view text, char separator);
@@ -94,6 +115,15 @@ namespace morquill {
 
 /// Replaces every occurrence of `from` (left to right, without overlap); an empty `from` changes nothing.
 [[nodiscard]] std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);
+
+/// The text between single quotes, as messages show a name; quotes within it stay as they are.
+[[nodiscard]] std::string singleQuoted(std::string_view text);
+/// The text with its line feeds and carriage returns shown as `\n` and `\r`.
+[[nodiscard]] std::string oneLine(std::string_view text);
+/// True for a file name pattern: a text with one of the characters `*?[`.
+[[nodiscard]] constexpr bool hasWildcard(std::string_view text) noexcept {
+    return text.find_first_of("*?[") != std::string_view::npos;
+}
 
 /// Quotes the text as one word of a POSIX shell: in single quotes, with an inner one written as '\''.
 [[nodiscard]] std::string shellQuote(std::string_view text);

@@ -1,6 +1,7 @@
 #include "system/file_lock.h"
 
 #include <cerrno>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -11,9 +12,9 @@ namespace {
 
 /// Open for writing where that is allowed: NFS refuses an exclusive lock to a reader.
 Descriptor openForLock(const std::string& path) {
-    constexpr int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    Descriptor file(::open(path.c_str(), O_RDWR | flags));
-    return file.isOpen() ? std::move(file) : Descriptor(::open(path.c_str(), O_RDONLY | flags));
+    constexpr int flags = O_NONBLOCK | O_NOCTTY;
+    auto file = openFile(path, O_RDWR | flags);
+    return file.isOpen() ? std::move(file) : openFile(path, O_RDONLY | flags);
 }
 
 } // namespace

@@ -1,10 +1,11 @@
 #include "system/filter.h"
 
 #include "support/descriptor.h"
+#include "support/fault.h"
 
-#include <array>
 #include <cerrno>
-#include <cstring>
+#include <optional>
+#include <utility>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -18,24 +19,16 @@ Descriptor memoryFile(const char* label) {
     return Descriptor(::memfd_create(label, MFD_CLOEXEC));
 }
 
-/// The whole file from its first byte on; false, with `errno`, when it cannot be read.
-bool readBack(int file, std::string& text) {
-    std::array<char, 65536> buffer{};
+/// The whole file from its first byte on; nothing, with `errno`, when it cannot be read.
+std::optional<std::string> readBack(int file) {
     if (::lseek(file, 0, SEEK_SET) < 0) {
-        return false;
+        return std::nullopt;
     }
-    for (;;) {
-        const ssize_t count = ::read(file, buffer.data(), buffer.size());
-        if (count > 0) {
-            text.append(buffer.data(), static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            return count == 0;
-        }
-    }
+    return readToEnd(file);
 }
 
 FilterResult failure(const std::string& what) {
-    return {{.error = what + ": " + std::strerror(errno)}, {}};
+    return {{.error = what + ": " + systemErrorText(errno)}, {}};
 }
 
 } // namespace
@@ -48,8 +41,12 @@ FilterResult runFilter(const std::vector<std::string>& argv, std::string_view in
         return failure("failed to hold the input of a child process");
     }
     FilterResult result{spawnProgram(argv, "", {given.get(), taken.get()}), {}};
-    if (result.process.launched && !readBack(taken.get(), result.output)) {
-        return failure("failed to read the output of a child process");
+    if (result.process.launched) {
+        auto output = readBack(taken.get());
+        if (!output) {
+            return failure("failed to read the output of a child process");
+        }
+        result.output = std::move(*output);
     }
     return result;
 }

@@ -1,8 +1,8 @@
 #include "system/held_bytes.h"
 
+#include "support/fault.h"
 #include "support/paths.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -16,8 +16,6 @@
 namespace morquill::system {
 
 namespace {
-
-constexpr std::array noRoomErrors{ENOSPC, EDQUOT, EFBIG, EIO};
 
 /// Moves a descriptor above the soft limit when the hard limit allows it: thousands of them must not use up
 /// the numbers that the rest of the program needs. Without a number to spare, the result is closed.
@@ -64,8 +62,7 @@ std::optional<HeldBytes> holdBytes(const std::string& path, std::string_view byt
     struct stat info {};
     Descriptor file = openFile(parentPath(path), O_TMPFILE | O_RDWR, 0600);
     if (!file.isOpen() || !writeAll(file.get(), bytes)) {
-        const bool noRoom = std::find(noRoomErrors.begin(), noRoomErrors.end(), errno) != noRoomErrors.end();
-        return noRoom ? std::nullopt : std::optional<HeldBytes>(HeldBytes());
+        return isFaultOfTheDisk(errno) ? std::nullopt : std::optional<HeldBytes>(HeldBytes());
     }
     if (::stat(path.c_str(), &info) == 0) {
         // The owner first: changing it may clear permission bits.

@@ -71,7 +71,10 @@ void takeStream(int file, int stream, int pipeEnd) {
     failInChild(pipeEnd, launch.failure + systemErrorText(errno));
 }
 
-void readStatus(int status, ProcessResult& result) {
+/// How a launched child ended, from the status that the wait returned.
+ProcessResult endOf(int status) {
+    ProcessResult result;
+    result.launched = true;
     if (WIFEXITED(status)) {
         result.exited = true;
         result.exitCode = WEXITSTATUS(status);
@@ -82,6 +85,7 @@ void readStatus(int status, ProcessResult& result) {
     } else {
         result.error = "process ended abnormally";
     }
+    return result;
 }
 
 /// What a child wrote that could not become its program; empty for one that could, and without memory for the
@@ -139,7 +143,7 @@ ProcessResult spawn(const Launch& launch, const std::string& workingDir) {
     if (waited < 0) {
         result.error = std::string("failed to wait for child process: ") + systemErrorText(errno);
     } else {
-        readStatus(status, result);
+        result = endOf(status);
     }
     if (!launchFailure.empty()) {
         result = ProcessResult{};

@@ -88,7 +88,9 @@ SignalGuard::SignalGuard() noexcept : outermost_(!std::exchange(guarded, true)) 
     forEachEndSignal(
         [&](int number) { replaceDefault(number, note, oldActions[static_cast<std::size_t>(number)]); });
     struct sigaction fail {};
-    fail.sa_handler = letWriteFail; // not SIG_IGN, which children would inherit
+    // The same as `prepareStandardStreams`, for a program that has not called it; not SIG_IGN, which children
+    // would inherit.
+    fail.sa_handler = letWriteFail;
     replaceDefault(SIGXFSZ, fail, oldLimitAction);
 }
 

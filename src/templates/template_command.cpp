@@ -14,7 +14,9 @@
 #include "templates/sample_workspace.h"
 #include "templates/selector/selector.h"
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -24,10 +26,6 @@ namespace {
 
 using console::ErrorTag;
 using console::writeOut;
-
-console::UsageError refusal(const std::string& message) {
-    return console::UsageError(ErrorTag::coloured, message);
-}
 
 /// The options and names for `list`, `categories` and `merge`.
 struct TemplateOptions {
@@ -82,15 +80,15 @@ int runCategories(int argc, char** argv, int firstArgument) {
     return runTemplateList(argc, argv, firstArgument, ListOrder::byCategory);
 }
 
-int runInteractiveAnyway(int /*argc*/, char** /*argv*/, int /*firstArgument*/) {
+int runInteractiveIgnoringRest(int /*argc*/, char** /*argv*/, int /*firstArgument*/) {
     return runSelector();
 }
 
 int runInteractive(int argc, char** argv, int firstArgument) {
     if (argc > firstArgument) {
-        throw refusal("template interactive does not accept extra arguments");
+        throw console::colouredRefusal("template interactive does not accept extra arguments");
     }
-    return runInteractiveAnyway(argc, argv, firstArgument);
+    return runInteractiveIgnoringRest(argc, argv, firstArgument);
 }
 
 int runSample(int /*argc*/, char** /*argv*/, int /*firstArgument*/) {
@@ -102,7 +100,7 @@ constexpr TemplateWord templateWords[] = {
     {"categories", "-c", "--category", runCategories, nullptr},
     {"merge", "-m", "--merge", runTemplateMerge, nullptr},
     {"variable", "-v", "--variable", runTemplateVariable, nullptr},
-    {"interactive", "-i", "--interactive", runInteractive, runInteractiveAnyway},
+    {"interactive", "-i", "--interactive", runInteractive, runInteractiveIgnoringRest},
     {{}, "-t", "--test", nullptr, runSample}, // has no word of its own
 };
 
@@ -124,27 +122,30 @@ RunWord findWord(std::string_view word) {
     throw console::UsageError(ErrorTag::none);
 }
 
+/// The row of an old form; null for an unknown one.
+const TemplateWord* rowOfOldForm(std::string_view option) noexcept {
+    const auto* row =
+        std::find_if(std::begin(templateWords), std::end(templateWords), [option](const TemplateWord& word) {
+            return word.letter == option || word.option == option;
+        });
+    return row == std::end(templateWords) ? nullptr : row;
+}
+
 /// The operation for an old form. Throws `UsageError` without a message for an unknown one.
 RunWord findOldForm(std::string_view option) {
-    for (const TemplateWord& row : templateWords) {
-        if (row.letter == option || row.option == option) {
-            return row.runOld != nullptr ? row.runOld : row.run;
-        }
+    const TemplateWord* row = rowOfOldForm(option);
+    if (row == nullptr) {
+        throw console::UsageError(ErrorTag::none);
     }
-    throw console::UsageError(ErrorTag::none);
+    return row->runOld != nullptr ? row->runOld : row->run;
 }
 
 /// Runs the operation that `find` returns for the word at
 /// `wordIndex`; a refusal without a message shows the help.
 int runForm(int argc, char** argv, int wordIndex, RunWord (*find)(std::string_view word)) {
-    try {
-        return find(argc > wordIndex ? argv[wordIndex] : "")(argc, argv, wordIndex + 1);
-    } catch (const console::UsageError& error) {
-        if (error.message().empty()) {
-            printTemplateHelp(argv[0]);
-        }
-        return console::reportUsageError(error);
-    }
+    return console::runCommandLine(
+        [&] { return find(argc > wordIndex ? argv[wordIndex] : "")(argc, argv, wordIndex + 1); },
+        printTemplateHelp, argv[0], console::HelpAfter::emptyRefusal);
 }
 
 constexpr std::string_view templateHelp = R"(# Usage:
@@ -194,7 +195,7 @@ int namingFile(const std::string& path, const std::function<int()>& work) {
         if (!isOutOfMemory(fault)) {
             throw;
         }
-        throw refusal(faultText(fault, path));
+        throw console::colouredRefusal(faultText(fault, path));
     }
 }
 
@@ -204,7 +205,7 @@ int mergeTemplates(const TemplateOptions& options) {
     for (const auto& name : options.names) {
         const TaskTemplate* found = findTemplate(library, name);
         if (found == nullptr) {
-            throw refusal("template not found: '" + name + "'");
+            throw console::colouredRefusal("template not found: '" + name + "'");
         }
         texts.emplace_back(found->content);
     }
@@ -214,7 +215,7 @@ int mergeTemplates(const TemplateOptions& options) {
         return 0;
     }
     if (!writeTextFile(options.output, merged)) {
-        throw refusal("could not write output file: " + options.output);
+        throw console::colouredRefusal("could not write output file: " + options.output);
     }
     console::printNote("wrote task file: " + options.output);
     return 0;
@@ -224,6 +225,10 @@ int mergeTemplates(const TemplateOptions& options) {
 
 int runTemplate(int argc, char** argv) {
     return runForm(argc, argv, 2, findWord);
+}
+
+bool isTemplateShape(console::Words arguments) noexcept {
+    return !arguments.empty() && rowOfOldForm(arguments.front()) != nullptr;
 }
 
 int runTemplateCompat(int argc, char** argv) {
@@ -253,14 +258,14 @@ int runTemplateMerge(int argc, char** argv, int firstArgument) {
                            return std::size_t{1};
                        });
     if (options.names.empty()) {
-        throw refusal("specify at least one template to merge");
+        throw console::colouredRefusal("specify at least one template to merge");
     }
     return namingFile(options.output, [&options] { return mergeTemplates(options); });
 }
 
 int runTemplateVariable(int argc, char** argv, int firstArgument) {
     if (argc - firstArgument != 2) {
-        throw refusal("template variable expects: <task.mq> <var_template>");
+        throw console::colouredRefusal("template variable expects: <task.mq> <var_template>");
     }
     const std::string taskPath = argv[firstArgument];
     return namingFile(taskPath, [&] {

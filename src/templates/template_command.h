@@ -1,5 +1,7 @@
 #pragma once
 
+#include "console/command_line.h"
+
 #include <string>
 #include <string_view>
 
@@ -11,6 +13,9 @@ namespace morquill::templates {
 int runTemplate(int argc, char** argv);
 /// Runs the forms without a command word, such as `-l` and `--merge`.
 int runTemplateCompat(int argc, char** argv);
+
+/// True for the arguments of such a form.
+[[nodiscard]] bool isTemplateShape(console::Words arguments) noexcept;
 
 /// How templates are listed.
 enum class ListOrder { byName, byCategory };

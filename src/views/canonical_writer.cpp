@@ -1,9 +1,9 @@
 #include "views/canonical_writer.h"
 
-#include "support/byte_set.h"
 #include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/base/shell_words.h"
@@ -27,8 +27,6 @@ using taskdsl::TaskProgram;
 
 namespace {
 
-constexpr ByteSet lineEnds(std::string_view("\n\r"));
-
 // The forms of a directive. Directives are indented by two blanks, the lines of their blocks by four.
 
 /// Writes `  %<directive> <value>`, with the value quoted by the scalar rule.
@@ -45,11 +43,11 @@ void addFilledScalar(LineBuilder& text, std::string_view directive, std::string_
 
 /// The terminator is always EOF, so a text with such a line does not survive the rewrite.
 void addHeredoc(LineBuilder& text, std::string_view directive, std::string_view body) {
-    text.line("  %", directive, " << EOF");
+    text.line("  %", directive, " << ", taskdsl::heredocEnd);
     if (!body.empty()) {
         text.line(body);
     }
-    text.line("EOF");
+    text.line(taskdsl::heredocEnd);
 }
 
 void addFilledHeredoc(LineBuilder& text, std::string_view directive, std::string_view body) {
@@ -117,9 +115,9 @@ void writeMatrix(LineBuilder& text, const TaskDocument& document) {
         }
         return;
     }
-    const bool isLong = needsLongMatrix(document);
+    const MatrixForm form = matrixForm(document);
     for (const auto& axis : axes) {
-        text.line(canonicalAxis(axis, isLong));
+        text.line(canonicalAxis(axis, form));
     }
 }
 
@@ -230,7 +228,7 @@ void writeKeywords(LineBuilder& text, const TaskInfo& task) {
     if (task.keywords.view().starts_with("<<")) {
         // Unquoted, it would open a heredoc.
         text.line("  %keywords ", taskdsl::quoteForcedScalar(task.keywords));
-    } else if (!lineEnds.meets(task.keywords)) {
+    } else if (!taskdsl::lineEnds.meets(task.keywords)) {
         addFilledScalar(text, "keywords", task.keywords);
     } else {
         addHeredoc(text, "keywords", task.keywords);
@@ -326,8 +324,7 @@ class DocumentPrinter {
             writeMatrix(text_, document_);
         }
         text_.line();
-        const auto& tasks =
-            isSource && !document_.templateTasks.empty() ? document_.templateTasks : document_.tasks;
+        const auto& tasks = isSource ? declaredTasks(document_) : document_.tasks;
         const bool hasBlocks = !document_.plots.empty() || !document_.derives.empty();
         for (const TaskInfo& task : tasks) {
             printTask(task);
@@ -394,14 +391,16 @@ std::string canonicalDefine(std::string_view key, std::string_view value) {
     return "  " + std::string(key) + ": " + taskdsl::quoteUnquotedScalar(value);
 }
 
-bool needsLongMatrix(const TaskDocument& document) noexcept {
-    return std::any_of(
-        document.matrixAxes.begin(), document.matrixAxes.end(),
-        [](const taskdsl::MatrixAxis& axis) { return !axis.names.empty() || !axis.map.empty(); });
+MatrixForm matrixForm(const TaskDocument& document) noexcept {
+    const bool needsList =
+        std::any_of(document.matrixAxes.begin(), document.matrixAxes.end(),
+                    [](const taskdsl::MatrixAxis& axis) { return !axis.names.empty() || !axis.map.empty(); });
+    return needsList ? MatrixForm::list : MatrixForm::lines;
 }
 
-std::string canonicalAxis(const taskdsl::MatrixAxis& axis, bool isLong) {
-    std::string lines = (isLong ? "  - " : "  ") + axis.key + ": " + taskdsl::joinCanonicalList(axis.values);
+std::string canonicalAxis(const taskdsl::MatrixAxis& axis, MatrixForm form) {
+    std::string lines = (form == MatrixForm::list ? "  - " : "  ") + axis.key + ": " +
+                        taskdsl::joinCanonicalList(axis.values);
     if (!axis.names.empty()) {
         lines += "\n    name: " + taskdsl::joinCanonicalList(axis.names);
     }

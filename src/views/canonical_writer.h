@@ -3,6 +3,7 @@
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/task/task_document.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -25,10 +26,16 @@ enum class CanonicalView {
 /// Returns the line of a define, without line feed.
 [[nodiscard]] std::string canonicalDefine(std::string_view key, std::string_view value);
 
-/// True when the matrix of the document is printed as a list, because an axis has names or follows another.
-[[nodiscard]] bool needsLongMatrix(const taskdsl::TaskDocument& document) noexcept;
+/// The layouts of a matrix.
+enum class MatrixForm : std::uint8_t {
+    lines, ///< one line per axis
+    list,  ///< an entry of a list per axis, because one has names or follows another
+};
+
+/// Returns the layout in which the matrix of the document is printed.
+[[nodiscard]] MatrixForm matrixForm(const taskdsl::TaskDocument& document) noexcept;
 
 /// Returns the lines of a matrix axis, without the last line feed.
-[[nodiscard]] std::string canonicalAxis(const taskdsl::MatrixAxis& axis, bool isLong);
+[[nodiscard]] std::string canonicalAxis(const taskdsl::MatrixAxis& axis, MatrixForm form);
 
 } // namespace morquill::views

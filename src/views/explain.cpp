@@ -13,10 +13,11 @@
 #include "taskdsl/parser/task_parser.h"
 #include "taskdsl/task/source_spec.h"
 
-#include <algorithm>
 #include <exception>
+#include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace morquill::views {
@@ -41,10 +42,6 @@ struct ExplainView {
     bool expanded;
 };
 
-console::UsageError usageError(const std::string& message) {
-    return console::UsageError(console::ErrorTag::none, message);
-}
-
 void setTask(ExplainOptions& options, console::Words values) {
     options.taskName = values.front();
 }
@@ -52,7 +49,7 @@ void setTask(ExplainOptions& options, console::Words values) {
 void setFormat(ExplainOptions& options, console::Words values) {
     const std::string_view value = values.front();
     if (value != "text" && value != "json") {
-        throw usageError("unsupported explain format: " + std::string(value));
+        throw console::bareRefusal("unsupported explain format: " + std::string(value));
     }
     options.format = value;
 }
@@ -61,46 +58,39 @@ void setExpanded(ExplainOptions& options, console::Words /*values*/) {
     options.expanded = true;
 }
 
-/// Requests the help: there is no path, and the words after this one are ignored.
-void askHelp(ExplainOptions& options, console::Words /*values*/) {
-    options.inputPath.clear();
-}
-
 // clang-format off
 constexpr console::OptionRow<ExplainOptions> optionRows[] = {
-    {"-h",         console::restOfLine, askHelp},
-    {"--help",     console::restOfLine, askHelp},
-    {"--task",     console::oneValue,   setTask,   "--task expects a value",   console::ErrorTag::none},
-    {"--format",   console::oneValue,   setFormat, "--format expects a value", console::ErrorTag::none},
-    {"--expanded", console::noValue,    setExpanded},
+    {"-h",         console::noValue,  console::askHelp},
+    {"--help",     console::noValue,  console::askHelp},
+    {"--task",     console::oneValue, setTask,   "--task expects a value",   console::ErrorTag::none},
+    {"--format",   console::oneValue, setFormat, "--format expects a value", console::ErrorTag::none},
+    {"--expanded", console::noValue,  setExpanded},
 };
 // clang-format on
 
-/// Reads the words after the command word; without a path, the help is to be shown. Throws `UsageError`.
+/// Reads the words after the command word. Throws `UsageError`: without a path, the help is to be shown.
 ExplainOptions readCommandLine(int argc, char** argv) {
     if (argc < 3) {
-        throw usageError("explain expects a <task.mq> path");
+        throw console::bareRefusal("explain expects a <task.mq> path");
     }
     ExplainOptions options;
-    bool hasPath = false;
+    std::optional<std::string> path;
     console::readWords(console::wordsFrom(argc, argv, 2), optionRows, options, [&](console::Words words) {
         const std::string_view word = words.front();
         if (word.starts_with('-')) {
-            throw usageError("unknown explain option: " + std::string(word));
+            throw console::bareRefusal("unknown explain option: " + std::string(word));
         }
-        if (hasPath) {
-            throw usageError("unexpected extra argument: " + std::string(word));
-        }
-        options.inputPath = word;
-        hasPath = true;
-        return std::size_t{1};
+        return console::takeOnePath(path, words, console::ErrorTag::none, "unexpected extra argument: ");
     });
+    if (!path || path->empty()) {
+        throw console::HelpRequest();
+    }
+    options.inputPath = *std::move(path);
     return options;
 }
 
 ExplainView makeView(const TaskDocument& document, const ExplainOptions& options) {
-    const auto& tasks =
-        options.expanded || document.templateTasks.empty() ? document.tasks : document.templateTasks;
+    const auto& tasks = options.expanded ? document.tasks : declaredTasks(document);
     ExplainView view{document, {}, options.expanded};
     for (const TaskInfo& task : tasks) {
         if (options.taskName.empty() || task.name == options.taskName) {
@@ -115,9 +105,7 @@ constexpr std::size_t typicalTaskSize = 1024; ///< bytes in print
 /// The source as its directive has it: unlike the canonical writer,
 /// this view does not show an "origin" that is not in the file.
 std::string declaredSource(const TaskInfo& task) {
-    const bool declared = std::any_of(task.directives.begin(), task.directives.end(),
-                                      [](const taskdsl::TaskDirective& d) { return d.name == "source"; });
-    if (!declared) {
+    if (firstDirective(task, "source") == nullptr) {
         return {};
     }
     requireNumericFrame(task.source);
@@ -314,27 +302,25 @@ Options:
   --expanded           explain matrix-expanded task names
 )";
 
+int explainFile(const ExplainOptions& options) {
+    const taskdsl::TaskParser parser(
+        {.findLibraryFile = console::findLibraryFile, .warnings = console::logWarning});
+    const TaskDocument& document = keepUntilExit(parser.parseInput(options.inputPath));
+    const ExplainView view = makeView(document, options);
+    if (view.tasks.empty() && !options.taskName.empty()) {
+        throw console::bareRefusal("task not found in explain view: " + options.taskName);
+    }
+    writeOut(options.format == "json" ? renderJson(view) : renderText(view));
+    return 0;
+}
+
 } // namespace
 
 int runExplain(int argc, char** argv) {
     ExplainOptions options;
+    const auto run = [&] { return explainFile(options = readCommandLine(argc, argv)); };
     try {
-        options = readCommandLine(argc, argv);
-        if (options.inputPath.empty()) {
-            printExplainHelp(argv[0]);
-            return 0;
-        }
-        const taskdsl::TaskParser parser(
-            {.findLibraryFile = console::findLibraryFile, .warnings = console::logWarning});
-        const TaskDocument& document = keepUntilExit(parser.parseInput(options.inputPath));
-        const ExplainView view = makeView(document, options);
-        if (view.tasks.empty() && !options.taskName.empty()) {
-            throw usageError("task not found in explain view: " + options.taskName);
-        }
-        writeOut(options.format == "json" ? renderJson(view) : renderText(view));
-        return 0;
-    } catch (const console::UsageError& error) {
-        return console::reportUsageError(error);
+        return console::runCommandLine(run, printExplainHelp, argv[0], console::HelpAfter::emptyRefusal);
     } catch (const std::exception& error) {
         console::reportError(console::ErrorTag::none, faultText(error, options.inputPath));
         return 1;

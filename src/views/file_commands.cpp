@@ -15,6 +15,7 @@
 
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -68,42 +69,53 @@ constexpr OptionRow expandOptions[] = {
 struct CommandForm {
     std::string_view name;
     std::span<const OptionRow> options;
+    void (*help)(std::string_view programPath);
     ErrorTag tag;                   ///< of a refusal; every command reports an unknown word in colour
+    bool keepsInput = false;        ///< the result may not be written over the input
     bool leavesExtraFiles = false;  ///< the content of extra files beside the result is not written into it
     bool legacyMultiSource = false; ///< the removed form `%source a,b` is read and converted
 };
 
-constexpr CommandForm fmtForm{
-    .name = "fmt", .options = rewriteOptions, .tag = ErrorTag::plain, .leavesExtraFiles = true};
+constexpr CommandForm fmtForm{.name = "fmt",
+                              .options = rewriteOptions,
+                              .help = printFmtHelp,
+                              .tag = ErrorTag::plain,
+                              .leavesExtraFiles = true};
 constexpr CommandForm migrateForm{.name = "migrate",
                                   .options = rewriteOptions,
+                                  .help = printMigrateHelp,
                                   .tag = ErrorTag::plain,
                                   .leavesExtraFiles = true,
                                   .legacyMultiSource = true};
-constexpr CommandForm expandForm{.name = "expand", .options = expandOptions, .tag = ErrorTag::coloured};
+constexpr CommandForm expandForm{.name = "expand",
+                                 .options = expandOptions,
+                                 .help = printExpandHelp,
+                                 .tag = ErrorTag::coloured,
+                                 .keepsInput = true};
 
 /// Reads the words after the command word. Throws `UsageError`.
 FileCommandOptions readCommandLine(const CommandForm& form, int argc, char** argv) {
     FileCommandOptions options;
     const auto refuse = [&form](const std::string& text) { return console::UsageError(form.tag, text); };
-    bool hasInput = false;
+    std::optional<std::string> path;
     console::readWords(console::wordsFrom(argc, argv, 2), form.options, options, [&](console::Words words) {
         const std::string_view word = words.front();
         if (word.empty() || word.front() == '-') {
             throw console::unknownArgument(word);
         }
-        if (hasInput) {
-            throw refuse("unexpected extra path: " + std::string(word));
-        }
-        options.inputPath = word;
-        hasInput = true;
-        return std::size_t{1};
+        return console::takeOnePath(path, words, form.tag, "unexpected extra path: ");
     });
-    if (!hasInput) {
+    if (!path) {
         throw refuse(std::string(form.name) + " expects a <task.mq> path");
     }
+    options.inputPath = *std::move(path);
     if (options.inPlace && !options.outputPath.empty()) {
         throw refuse("use either --in-place or --out, not both");
+    }
+    if (form.keepsInput && !options.outputPath.empty() &&
+        normalisedPath(options.inputPath) == normalisedPath(options.outputPath)) {
+        throw refuse(std::string(form.name) +
+                     " never overwrites its input; choose a different --output path");
     }
     return options;
 }
@@ -184,11 +196,8 @@ int convert(const CommandForm& form, const FileCommandOptions& options) {
 }
 
 int runRewriteCommand(int argc, char** argv, const CommandForm& form) {
-    try {
-        return convert(form, readCommandLine(form, argc, argv));
-    } catch (const console::UsageError& error) {
-        return console::reportUsageError(error);
-    }
+    return console::runCommandLine([&] { return convert(form, readCommandLine(form, argc, argv)); },
+                                   form.help, argv[0], console::HelpAfter::emptyRefusal);
 }
 
 constexpr std::string_view fmtHelp = R"(# Usage:
@@ -265,17 +274,7 @@ void printExpandHelp(std::string_view programPath) {
 }
 
 int runExpand(int argc, char** argv) {
-    try {
-        const auto options = readCommandLine(expandForm, argc, argv);
-        if (!options.outputPath.empty() &&
-            normalisedPath(options.inputPath) == normalisedPath(options.outputPath)) {
-            throw console::UsageError(ErrorTag::coloured,
-                                      "expand never overwrites its input; choose a different --output path");
-        }
-        return convert(expandForm, options);
-    } catch (const console::UsageError& error) {
-        return console::reportUsageError(error);
-    }
+    return runRewriteCommand(argc, argv, expandForm);
 }
 
 } // namespace morquill::views

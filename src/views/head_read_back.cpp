@@ -62,16 +62,15 @@ bool readsAsAxis(const std::string& lines, const MatrixAxis& axis) {
 }
 
 /// True when the matrix prints this axis with a line that reads back.
-bool isFaithfulAxis(const MatrixAxis& axis, bool isLong) {
-    return isPlainKey(axis.key) || readsAsAxis(canonicalAxis(axis, isLong), axis);
+bool isFaithfulAxis(const MatrixAxis& axis, MatrixForm form) {
+    return isPlainKey(axis.key) || readsAsAxis(canonicalAxis(axis, form), axis);
 }
 
 } // namespace
 
 void reportLostHeadLines(const ReadBackContext& context) {
     const auto report = [&context](std::string_view what, std::string_view key) {
-        const auto shown = replaceAll(replaceAll(key, "\n", "\\n"), "\r", "\\r");
-        context.warnings(std::string(what) + " '" + shown +
+        context.warnings(std::string(what) + " '" + oneLine(key) +
                          "' does not read back: the prelude reads its line as something else");
     };
     const auto& document = context.document;
@@ -89,9 +88,9 @@ void reportLostHeadLines(const ReadBackContext& context) {
     if (context.view != CanonicalView::sourceView) {
         return;
     }
-    const bool isLong = needsLongMatrix(document);
+    const MatrixForm form = matrixForm(document);
     for (const auto& axis : document.matrixAxes) {
-        if (!isFaithfulAxis(axis, isLong)) {
+        if (!isFaithfulAxis(axis, form)) {
             report("matrix axis", axis.key);
         }
     }

@@ -3,6 +3,7 @@
 #include "support/byte_set.h"
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/parser/task_parser.h"
@@ -30,13 +31,6 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-constexpr std::string_view heredocEnd = "EOF";
-
-/// The text on one line, for messages.
-std::string oneLine(std::string_view text) {
-    return replaceAll(replaceAll(text, "\n", "\\n"), "\r", "\\r");
-}
-
 std::string inQuotes(std::string_view text) {
     return "'" + oneLine(text) + "'";
 }
@@ -50,8 +44,6 @@ bool isPlainWord(std::string_view text) noexcept {
         [](char c) { return (c >= '\0' && c <= ' ') || c == '"' || c == '\'' || c == '#' || c == '\\'; });
     return !text.empty() && !unusual.meets(text);
 }
-
-constexpr ByteSet lineEnds(std::string_view("\n\r"));
 
 /// True for a line of a block that neither ends the block nor loses anything to trimming or a comment.
 bool isPlainLine(std::string_view text) noexcept {
@@ -67,7 +59,7 @@ bool isPlainCommand(std::string_view text) noexcept {
 
 /// True for a heredoc without a line that ends it or looks like a loop or a block.
 bool isPlainHeredoc(std::string_view text) noexcept {
-    if (text.find(heredocEnd) != std::string_view::npos) {
+    if (text.find(taskdsl::heredocEnd) != std::string_view::npos) {
         return false;
     }
     for (auto at = text.find('@'); at != std::string_view::npos; at = text.find('@', at + 1)) {
@@ -144,7 +136,7 @@ bool hasPlainKeywords(const TaskInfo& task) noexcept {
     // A pair of quotes around the whole value would be removed.
     const bool isUnquoted =
         text.front() != '"' && text.front() != '\'' && !isTrimmed(text.front()) && !isTrimmed(text.back());
-    return isUnquoted && (!lineEnds.meets(text) || isPlainHeredoc(text));
+    return isUnquoted && (!taskdsl::lineEnds.meets(text) || isPlainHeredoc(text));
 }
 
 bool hasPlainPayload(const TaskInfo& task) {
@@ -271,7 +263,7 @@ constexpr std::array<LongText, 3> longTexts{{{"%keywords", Payload::keywords, &T
                                              {"%body", Payload::body, &TaskInfo::body}}};
 
 bool endsHeredoc(std::string_view line) noexcept {
-    return trim(line) == heredocEnd;
+    return trim(line) == taskdsl::heredocEnd;
 }
 
 /// True for a line that the loop pass, which does not know heredocs, takes for one of its own.
@@ -287,7 +279,7 @@ std::string heredocOf(const TaskInfo& task, const LongText& row) {
     }
     const SharedText text =
         row.payload == Payload::extraInput ? taskdsl::resolvedExtraInput(task) : task.*row.text;
-    const bool isHeredoc = row.payload != Payload::keywords || lineEnds.meets(text);
+    const bool isHeredoc = row.payload != Payload::keywords || taskdsl::lineEnds.meets(text);
     return isHeredoc ? text.str() : std::string();
 }
 
@@ -306,6 +298,7 @@ std::optional<std::string> findHeredocLine(const TaskInfo& task, const LongText&
 /// Removes the texts that end their own heredoc from the task and from its printed block, so that the rest
 /// can be read; returns what is wrong with them.
 Texts takeOutEndedTexts(TaskInfo& task, std::string& block) {
+    const std::string end(taskdsl::heredocEnd);
     Texts reasons;
     for (const auto& row : longTexts) {
         auto ended = findHeredocLine(task, row, endsHeredoc);
@@ -314,7 +307,7 @@ Texts takeOutEndedTexts(TaskInfo& task, std::string& block) {
         }
         reasons.push_back(*std::move(ended));
         const std::string heredoc =
-            "  " + std::string(row.what) + " << EOF\n" + heredocOf(task, row) + "\nEOF\n";
+            "  " + std::string(row.what) + " << " + end + "\n" + heredocOf(task, row) + "\n" + end + "\n";
         if (const auto at = block.find(heredoc); at != std::string::npos) {
             block.erase(at, heredoc.size());
         }

@@ -1,10 +1,10 @@
 # examples/ci: reports made of lint's JSON, whole.
+load expect
 
 setup() {
-    export NO_COLOR=1
+    setup_plain study
     ci=$MQKIT_SOURCE/examples/ci
-    mkdir -p "$BATS_TEST_TMPDIR/study/a b"
-    cd "$BATS_TEST_TMPDIR/study"
+    mkdir "a b"
     printf '$a\n  %%source b\n  %%keywords k\n$a\n  %%source b\n  %%keywords k\n' >"a b/x%.mq"
     printf '$a\n  %%program nosuch\n' >y.mq
     printf 'dsl_version: 3\n$a\n  %%keywords k\n' >z.mq

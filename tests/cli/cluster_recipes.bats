@@ -1,6 +1,7 @@
 #!/usr/bin/env bats
 # The recipes of examples/cluster as far as they need no scheduler; script/test-cluster runs all of them on one.
 bats_require_minimum_version 1.5.0
+load expect
 load siblings
 
 setup() {

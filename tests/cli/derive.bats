@@ -1,10 +1,10 @@
 # Derives: what fmt prints of them reads back.
 
 bats_require_minimum_version 1.5.0
+load expect
 
 setup() {
-    export NO_COLOR=1
-    cd "$BATS_TEST_TMPDIR"
+    setup_plain
 }
 
 @test "names that are words of the language are printed in parentheses where they would be misread" {

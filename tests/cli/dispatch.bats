@@ -1,22 +1,13 @@
 # How a command line finds its command: names, unique prefixes, help topics, and the older shapes.
+load expect
 
 setup() {
-    export NO_COLOR=1
-    cd "$BATS_TEST_TMPDIR"
+    setup_plain
     top_help="$("$MQKIT" help)"
 }
 
-# expect <status> <standard output> <standard error> <arguments>...: all of it to the byte.
-expect() {
-    local status=0
-    "$MQKIT" "${@:4}" >out 2>err || status=$?
-    [ "$status" -eq "$1" ]
-    printf '%s' "$2" | diff - out
-    printf '%s' "$3" | diff - err
-}
-
-# refused <message> <arguments>...: one message, the whole help, status 1.
-refused() { expect 1 "$top_help"$'\n' "[mqkit][ERROR]$1"$'\n' "${@:2}"; }
+# refused_with_help <message> <arguments>...: one message, the whole help, status 1.
+refused_with_help() { expect 1 "$top_help"$'\n' "[mqkit][ERROR] $1"$'\n' "${@:2}"; }
 
 # leads <first line of standard error> <arguments>...: the command line reaches the command that says so, status 1.
 leads() {
@@ -27,31 +18,31 @@ leads() {
 }
 
 @test "an unknown word is refused as it was written" {
-    refused " unknown command or argument: Nothing" Nothing
-    refused " unknown command or argument: fmtx" fmtx
-    refused " unknown command or argument: -x" -x fmt
-    refused " unknown command or argument: a.mq" a.mq
-    refused " unknown command or argument: "$'\xff\x01' $'\xff\x01'
+    refused_with_help "unknown command or argument: Nothing" Nothing
+    refused_with_help "unknown command or argument: fmtx" fmtx
+    refused_with_help "unknown command or argument: -x" -x fmt
+    refused_with_help "unknown command or argument: a.mq" a.mq
+    refused_with_help "unknown command or argument: "$'\xff\x01' $'\xff\x01'
 }
 
 @test "an empty first argument is an unknown one" {
-    refused " unknown command or argument: " ""
-    refused " unknown command or argument: " "" fmt
+    refused_with_help "unknown command or argument: " ""
+    refused_with_help "unknown command or argument: " "" fmt
 }
 
 @test "an ambiguous prefix lists its commands in table order" {
-    refused " ambiguous command prefix: e (matches: expand, explain)" e
-    refused " ambiguous command prefix: Exp (matches: expand, explain)" Exp a.mq
-    refused " ambiguous command prefix: ex (matches: expand, explain)" ex demo.projmq -n opt
+    refused_with_help "ambiguous command prefix: e (matches: expand, explain)" e
+    refused_with_help "ambiguous command prefix: Exp (matches: expand, explain)" Exp a.mq
+    refused_with_help "ambiguous command prefix: ex (matches: expand, explain)" ex demo.projmq -n opt
 }
 
 @test "a help topic may be a prefix in any case; unknown and ambiguous ones are refused" {
-    refused " ambiguous help topic prefix: e (matches: expand, explain)" help e
-    refused " ambiguous help topic prefix: E (matches: expand, explain)" --HELP E x
-    refused " unknown help topic: nothing" help nothing
-    refused " unknown help topic: Nothing" -h Nothing fmt
-    refused " unknown help topic: " help ""
-    refused " unknown help topic: --help" help --help
+    refused_with_help "ambiguous help topic prefix: e (matches: expand, explain)" help e
+    refused_with_help "ambiguous help topic prefix: E (matches: expand, explain)" --HELP E x
+    refused_with_help "unknown help topic: nothing" help nothing
+    refused_with_help "unknown help topic: Nothing" -h Nothing fmt
+    refused_with_help "unknown help topic: " help ""
+    refused_with_help "unknown help topic: --help" help --help
 }
 
 @test "help <topic> is the help of that command" {
@@ -88,9 +79,9 @@ leads() {
     leads "[mqkit][ERROR] file does not exist: $PWD/demo.projmq" demo.projmq --rename old new
     expect 1 "" "[mqkit][ERROR] unknown argument: x"$'\n' -l x
     expect 1 "" "[mqkit][ERROR] specify at least one template to merge"$'\n' --merge
-    refused " unknown command or argument: -U" -U
-    refused " unknown command or argument: -L" -L
-    refused " unknown command or argument: x" x -t
+    refused_with_help "unknown command or argument: -U" -U
+    refused_with_help "unknown command or argument: -L" -L
+    refused_with_help "unknown command or argument: x" x -t
 }
 
 @test "a command word comes before every older shape" {

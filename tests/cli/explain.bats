@@ -1,8 +1,8 @@
 # explain: the text and the JSON view, whole, and every refusal.
+load expect
 
 setup() {
-    export NO_COLOR=1
-    cd "$BATS_TEST_TMPDIR"
+    setup_plain
     cat >t.mq <<'MQ'
 $opt
   %program xtb
@@ -24,16 +24,8 @@ $slots
 MQ
 }
 
-# expect <status> <standard output> <standard error> <arguments>...: all of it to the byte.
-expect() {
-    local status=0
-    "$MQKIT" "${@:4}" >out 2>err || status=$?
-    [ "$status" -eq "$1" ]
-    printf '%s' "$2" | diff - out
-    printf '%s' "$3" | diff - err
-}
-
-refused() { expect 1 "" "$1"$'\n' explain "${@:2}"; }
+# bare <message> <arguments of explain>...: the message without a prefix, status 1.
+bare() { expect 1 "" "$1"$'\n' explain "${@:2}"; }
 
 @test "the text view shows every task with its settings, conditions and directives" {
     expect 0 "$(cat <<'TEXT'
@@ -172,18 +164,18 @@ TEXT
 }
 
 @test "refusals, one line each" {
-    refused "explain expects a <task.mq> path"
-    refused "--task expects a value" t.mq --task
-    refused "--format expects a value" t.mq --format
-    refused "unsupported explain format: yaml" --format yaml missing.mq
-    refused "unsupported explain format: JSON" --format JSON
-    refused "unknown explain option: -x" t.mq -x
-    refused "unexpected extra argument: b" t.mq b
-    refused "unexpected extra argument: " t.mq ""
-    refused "task not found in explain view: Opt" t.mq --task Opt
-    refused "could not open file: missing.mq" missing.mq
+    bare "explain expects a <task.mq> path"
+    bare "--task expects a value" t.mq --task
+    bare "--format expects a value" t.mq --format
+    bare "unsupported explain format: yaml" --format yaml missing.mq
+    bare "unsupported explain format: JSON" --format JSON
+    bare "unknown explain option: -x" t.mq -x
+    bare "unexpected extra argument: b" t.mq b
+    bare "unexpected extra argument: " t.mq ""
+    bare "task not found in explain view: Opt" t.mq --task Opt
+    bare "could not open file: missing.mq" missing.mq
     printf '$a\n%%foo\n' >t.mq
-    refused "t.mq:2:1-2:5: error: task 'a' contains unknown directive '%foo'" t.mq
+    bare "t.mq:2:1-2:5: error: task 'a' contains unknown directive '%foo'" t.mq
 }
 
 @test "help, asked for or for want of a path" {

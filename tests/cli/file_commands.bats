@@ -1,9 +1,9 @@
 # fmt, migrate and expand: whole output, messages, exit status, and what is on disk.
 bats_require_minimum_version 1.5.0
+load expect
 
 setup() {
-    export NO_COLOR=1
-    cd "$BATS_TEST_TMPDIR"
+    setup_plain
     cat >legacy.mq <<'MQ'
 dsl_version: 1
 $opt
@@ -54,17 +54,6 @@ MQ
     printf '$a\n%%keywords hf\n' >a.mq
     printf 'dsl_version: 2\n\n$a\n  %%source origin\n  %%keywords hf\n' >a.expected
 }
-
-# expect <status> <standard output> <standard error> <arguments>...: all of it to the byte.
-expect() {
-    local status=0
-    "$MQKIT" "${@:4}" >out 2>err || status=$?
-    [ "$status" -eq "$1" ]
-    printf '%s' "$2" | diff - out
-    printf '%s' "$3" | diff - err
-}
-
-refused() { expect 1 "" "[mqkit][ERROR] $1"$'\n' "${@:2}"; }
 
 @test "fmt without an output mode prints to standard output" {
     expect 0 "$(cat a.expected)"$'\n' "" fmt a.mq
@@ -220,12 +209,6 @@ $c
     refused "could not write output file: no/dir/b.mq" fmt a.mq -o no/dir/b.mq
     refused "could not write output file: no/dir/b.mq" expand a.mq -o no/dir/b.mq
     refused "could not write output file: /dev/full" migrate a.mq -o /dev/full
-}
-
-# limited <blocks of 1024 bytes> <arguments>: the program with a limit for the files that it writes and the
-# system's own answer to growing past it; all its output, and the status, through a pipe, which has no limit.
-limited() {
-    run bash -c 'blocks=$1; shift; { ulimit -c 0; ulimit -f "$blocks"; "$MQKIT" "$@" 2>&1; echo "status $?"; } | cat' _ "$@"
 }
 
 @test "a write that fails leaves the old file whole" {

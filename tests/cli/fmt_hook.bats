@@ -1,11 +1,11 @@
 # examples/hooks/mqkit-fmt-check: what it says, and what it leaves alone.
+load expect
 
 setup() {
-    export NO_COLOR=1
+    setup_plain work
     hook=$MQKIT_SOURCE/examples/hooks/mqkit-fmt-check
     export TMPDIR="$BATS_TEST_TMPDIR/with a blank"
-    mkdir -p "$TMPDIR" "$BATS_TEST_TMPDIR/work"
-    cd "$BATS_TEST_TMPDIR/work"
+    mkdir "$TMPDIR"
 }
 
 teardown() {

@@ -1,7 +1,8 @@
 # The examples of generated tasks: what is printed of them reads back.
+load expect
 
 setup() {
-    export NO_COLOR=1
+    setup_plain
     cd "$MQKIT_SOURCE"
 }
 

@@ -1,19 +1,10 @@
 # Faults and warnings of the generating stages as a user meets them: whole output, status.
 
 bats_require_minimum_version 1.5.0
+load expect
 
 setup() {
-    export NO_COLOR=1
-    cd "$BATS_TEST_TMPDIR"
-    export HOME="$BATS_TEST_TMPDIR"
-}
-
-# refused <message> <file>: the message alone on standard error, status 1.
-refused() {
-    run --separate-stderr "$MQKIT" expand "$2"
-    [ "$status" -eq 1 ]
-    [ "$output" = "" ]
-    [ "$stderr" = "[mqkit][ERROR] $1" ]
+    setup_plain
 }
 
 @test "a missing include is a warning and the other tasks are there" {
@@ -28,24 +19,24 @@ refused() {
     printf '&INCLUDE b.mq\n' >a.mq
     printf '&INCLUDE c.mq\n' >b.mq
     ln -s a.mq c.mq
-    refused "task include cycle detected: $PWD/a.mq -> $PWD/b.mq -> $PWD/c.mq" a.mq
+    refused "task include cycle detected: $PWD/a.mq -> $PWD/b.mq -> $PWD/c.mq" expand a.mq
     printf '&INCLUDE a.mqlib as a\n&FRAGMENT text x\n' >a.mqlib
     printf '&INCLUDE a.mqlib as a\n' >l.mq
-    refused "fragment library include cycle detected: $PWD/a.mqlib -> $PWD/a.mqlib" l.mq
+    refused "fragment library include cycle detected: $PWD/a.mqlib -> $PWD/a.mqlib" expand l.mq
 }
 
 @test "a message points into the fragment" {
     printf '&FRAGMENT task opt\n%%foo\n' >l.mqlib
     printf '&INCLUDE l.mqlib as l\n$a\n&INCLUDE l.opt\n' >t.mq
-    refused "$PWD/l.mqlib:2:1-2:5: error: task 'a' contains unknown directive '%foo'" t.mq
+    refused "$PWD/l.mqlib:2:1-2:5: error: task 'a' contains unknown directive '%foo'" expand t.mq
 }
 
 @test "a FIFO is no file and does not block" {
     mkfifo pipe.mq pipe.mqlib pipe.mqfrag pipe.yaml
     printf '&INCLUDE pipe.mqlib as p\n' >l.mq
-    refused "fragment library not found: $PWD/pipe.mqlib" l.mq
+    refused "fragment library not found: $PWD/pipe.mqlib" expand l.mq
     printf '$a\n&INCLUDE pipe.mqfrag\n' >f.mq
-    refused "included fragment file not found: $PWD/pipe.mqfrag" f.mq
+    refused "included fragment file not found: $PWD/pipe.mqfrag" expand f.mq
     printf '&INCLUDE pipe.yaml\n$a\n&INCLUDE pipe.mq\n' >t.mq
     run --separate-stderr "$MQKIT" expand t.mq
     [ "$status" -eq 0 ]
@@ -68,18 +59,18 @@ refused() {
 
 @test "faults of the prelude, of loops and of the matrix end the command" {
     printf 'a: [1\n$t\n' >y.mq
-    refused "failed to parse YAML prelude in 'y.mq': yaml-cpp: error at line 2, column 1: end of sequence flow not found" y.mq
+    refused "failed to parse YAML prelude in 'y.mq': yaml-cpp: error at line 2, column 1: end of sequence flow not found" expand y.mq
     printf '@foreach mols\n$t\n@end\n' >f.mq
-    refused "undefined @foreach collection 'mols'" f.mq
+    refused "undefined @foreach collection 'mols'" expand f.mq
     printf 'matrix:\n  a: 1\n  - b: 2\n$t\n' >m.mq
-    refused "matrix cannot mix mapping syntax with list syntax" m.mq
+    refused "matrix cannot mix mapping syntax with list syntax" expand m.mq
     printf '%%process\n' >d.mq
-    refused "d.mq:1: task directive appears outside a task block" d.mq
+    refused "d.mq:1: task directive appears outside a task block" expand d.mq
 }
 
 @test "a frame that no define fills is told with its task and place" {
     printf '$a\n  %%source\n    geom.s xyz=a.xyz frame=[n]\n    geom a\n' >t.mq
-    refused "t.mq:2:3-2:10: error: task 'a' has invalid structured %source: structured %source binding 'geom.s' has an invalid frame selector; frame must be a positive integer" t.mq
+    refused "t.mq:2:3-2:10: error: task 'a' has invalid structured %source: structured %source binding 'geom.s' has an invalid frame selector; frame must be a positive integer" expand t.mq
 }
 
 @test "a matrix of one combination leaves conditions as they are written" {

@@ -1,19 +1,10 @@
 # mqkit-graph: a task file as dot, Mermaid and SVG text, whole, and every refusal.
+load expect
 
 setup() {
-    export NO_COLOR=1
+    setup_plain
     graph=$(dirname "$MQKIT")/mqkit-graph
     golden=$MQKIT_SOURCE/tests/golden/graph
-    cd "$BATS_TEST_TMPDIR"
-}
-
-# expect <status> <standard output> <standard error> <arguments>...: all of it to the byte.
-expect() {
-    local status=0
-    "$graph" "${@:4}" >out 2>err || status=$?
-    [ "$status" -eq "$1" ]
-    printf '%s' "$2" | diff - out
-    printf '%s' "$3" | diff - err
 }
 
 # drawn <golden file> <arguments>...: standard output is that file, and nothing else is said.
@@ -119,14 +110,14 @@ END
 }
 
 @test "refusals, one line each" {
-    expect 1 "" $'mqkit-graph expects a <task.mq> path\n'
-    expect 1 "" $'--format expects a value\n' a.mq --format
-    expect 1 "" $'unsupported graph format: png\n' a.mq --format png
-    expect 1 "" $'unknown graph option: -o\n' a.mq -o b
-    expect 1 "" $'unexpected extra argument: b.mq\n' a.mq b.mq
-    expect 1 "" $'could not open file: a.mq\n' a.mq
+    expect_of "$graph" 1 "" $'mqkit-graph expects a <task.mq> path\n'
+    expect_of "$graph" 1 "" $'--format expects a value\n' a.mq --format
+    expect_of "$graph" 1 "" $'unsupported graph format: png\n' a.mq --format png
+    expect_of "$graph" 1 "" $'unknown graph option: -o\n' a.mq -o b
+    expect_of "$graph" 1 "" $'unexpected extra argument: b.mq\n' a.mq b.mq
+    expect_of "$graph" 1 "" $'could not open file: a.mq\n' a.mq
     printf '$a\n%%foo\n' >t.mq
-    expect 1 "" $'t.mq:2:1-2:5: error: task \'a\' contains unknown directive \'%foo\'\n' t.mq
+    expect_of "$graph" 1 "" $'t.mq:2:1-2:5: error: task \'a\' contains unknown directive \'%foo\'\n' t.mq
 }
 
 @test "help" {
@@ -137,7 +128,7 @@ Options:
   --expanded           draw every matrix variant, not one box for all of a task
   --format <fmt>       dot (default), mermaid, or svg, which needs Graphviz
 "
-    expect 0 "$help" "" --help
-    expect 0 "$help" "" -h --nonsense
-    expect 0 "$help" "" a.mq --help
+    expect_of "$graph" 0 "$help" "" --help
+    expect_of "$graph" 0 "$help" "" -h --nonsense
+    expect_of "$graph" 0 "$help" "" a.mq --help
 }

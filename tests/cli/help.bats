@@ -1,10 +1,10 @@
 # The overview of all commands: its whole text, its colours, and how standard output may end.
 bats_require_minimum_version 1.5.0
+load expect
 load golden
 
 setup() {
-    unset NO_COLOR
-    export TERM=xterm SHELL=/bin/sh
+    setup_colored
 }
 
 top_help() { plain_help overview; }

@@ -1,30 +1,14 @@
 # What is read: pipes and terminals, byte order marks, every byte of a message, YAML to its end, extra files.
 
 bats_require_minimum_version 1.5.0
+load expect
 
 setup() {
-    export NO_COLOR=1 HOME="$BATS_TEST_TMPDIR"
-    unset MORQUILL_TEMPLATE_PATH
-    cd "$BATS_TEST_TMPDIR"
-    cd "$(pwd -P)"
+    setup_plain
     printf '$a\n%%keywords hf\n' >a.mq
     printf 'dsl_version: 2\n\n$a\n  %%source origin\n  %%keywords hf\n' >a.expected
     mark=$'\xef\xbb\xbf'
 }
-
-# expect <status> <standard output> <standard error> <arguments>...: all of it to the byte.
-expect() {
-    local status=0
-    "$MQKIT" "${@:4}" >out 2>err || status=$?
-    [ "$status" -eq "$1" ]
-    printf '%s' "$2" | diff - out
-    printf '%s' "$3" | diff - err
-}
-
-refused() { expect 1 "" "[mqkit][ERROR] $1"$'\n' "${@:2}"; }
-
-# holds <file> <text>: the whole file, to the byte.
-holds() { printf '%s' "$2" | diff - "$1"; }
 
 @test "a task file on the command line may be a pipe" {
     for command in fmt migrate expand; do

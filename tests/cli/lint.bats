@@ -1,24 +1,15 @@
 # lint: discovery, both formats whole, options and refusals, exit status.
 
 bats_require_minimum_version 1.5.0
+load expect
 
 setup() {
-    export NO_COLOR=1
-    mkdir -p "$BATS_TEST_TMPDIR/work"
-    cd "$BATS_TEST_TMPDIR/work"
-    cd "$(pwd -P)"
-    here=$PWD
+    setup_plain work
     good >good.mq
 }
 
-# expect <status> <standard output> <standard error> <arguments>...: all of it to the byte.
-expect() {
-    local status=0
-    "$MQKIT" lint "${@:4}" >"$BATS_TEST_TMPDIR/out" 2>"$BATS_TEST_TMPDIR/err" || status=$?
-    printf '%s' "$2" | diff - "$BATS_TEST_TMPDIR/out"
-    printf '%s' "$3" | diff - "$BATS_TEST_TMPDIR/err"
-    [ "$status" -eq "$1" ]
-}
+# linted: as expect, of mqkit lint.
+linted() { expect "${@:1:3}" lint "${@:4}"; }
 
 good() { printf '$a\n  %%keywords k\n'; }
 bad() { printf '$a\n  %%source b\n  %%keywords k\n'; }
@@ -31,7 +22,7 @@ doubtful.mq:2:3: warning [legacy-keyword-brace-expansion] Gaussian/ORCA keyword 
 TEXT
 )"
 # doubts_as <severity>: the lines of doubtful.mq in this directory.
-doubts_as() { sed "s|^|$here/|; s/warning/$1/" <<<"$doubts"; }
+doubts_as() { sed "s|^|$root/|; s/warning/$1/" <<<"$doubts"; }
 
 driver_help="Usage:
   mqkit lint [--strict] [--quiet] [--format text|json] <path>...
@@ -43,21 +34,21 @@ Notes:
 
 @test "a sound file, by name, by directory and by default" {
     local clean=$'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n'
-    expect 0 "$clean" "" good.mq
-    expect 0 "$clean" "" .
-    expect 0 "$clean" ""
-    expect 0 "$clean" "" good.mq ../work "$here/good.mq"
+    linted 0 "$clean" "" good.mq
+    linted 0 "$clean" "" .
+    linted 0 "$clean" ""
+    linted 0 "$clean" "" good.mq ../work "$root/good.mq"
 }
 
 @test "warnings alone leave the status 0, strict makes them errors" {
     doubtful >doubtful.mq
-    expect 0 "$(doubts_as warning)
+    linted 0 "$(doubts_as warning)
 checked 2 file(s), 0 error(s), 2 warning(s)
 " ""
-    expect 1 "$(doubts_as error)
+    linted 1 "$(doubts_as error)
 checked 2 file(s), 2 error(s), 0 warning(s) [strict]
 " "" --strict
-    expect 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s) [strict]\n' "" --strict good.mq
+    linted 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s) [strict]\n' "" --strict good.mq
 }
 
 @test "errors give status 1, and files come in the order of their paths" {
@@ -65,8 +56,8 @@ checked 2 file(s), 2 error(s), 0 warning(s) [strict]
     bad >b/t.mq
     bad >b.mq
     doubtful >doubtful.mq
-    expect 1 "$here/b.mq:2:3: error [missing-source-task] source task does not exist: b
-$here/b/t.mq:2:3: error [missing-source-task] source task does not exist: b
+    linted 1 "$root/b.mq:2:3: error [missing-source-task] source task does not exist: b
+$root/b/t.mq:2:3: error [missing-source-task] source task does not exist: b
 $(doubts_as warning)
 checked 4 file(s), 2 error(s), 2 warning(s)
 " "" doubtful.mq b good.mq b.mq
@@ -74,14 +65,14 @@ checked 4 file(s), 2 error(s), 2 warning(s)
 
 @test "quiet leaves only the count" {
     doubtful >doubtful.mq
-    expect 0 $'checked 2 file(s), 0 error(s), 2 warning(s)\n' "" --quiet
-    expect 1 $'checked 2 file(s), 2 error(s), 0 warning(s) [strict]\n' "" --quiet . --strict
-    expect 0 $'checked 1 file(s), 0 error(s), 0 warning(s)\n' "" good.mq --quiet
+    linted 0 $'checked 2 file(s), 0 error(s), 2 warning(s)\n' "" --quiet
+    linted 1 $'checked 2 file(s), 2 error(s), 0 warning(s) [strict]\n' "" --quiet . --strict
+    linted 0 $'checked 1 file(s), 0 error(s), 0 warning(s)\n' "" good.mq --quiet
 }
 
 @test "a finding without a place names the file alone" {
     printf 'dsl_version: 3\n$a\n  %%keywords k\n' >good.mq
-    expect 0 "$here/good.mq: warning [unknown-dsl-version] unexpected dsl_version '3'
+    linted 0 "$root/good.mq: warning [unknown-dsl-version] unexpected dsl_version '3'
 checked 1 file(s), 0 error(s), 1 warning(s)
 " ""
 }
@@ -94,38 +85,38 @@ checked 1 file(s), 0 error(s), 1 warning(s)
 {
   "files": [
     {
-      "path": "$here/good.mq",
+      "path": "$root/good.mq",
       "parsed": true,
       "issues": [
       ]
     },
     {
-      "path": "$here/odd.mq",
+      "path": "$root/odd.mq",
       "parsed": true,
       "issues": [
         {
           "severity": "warning",
           "code": "unknown-dsl-version",
           "message": "unexpected dsl_version '\\"\\t3\\"'",
-          "span": "$here/odd.mq"
+          "span": "$root/odd.mq"
         },
         {
           "severity": "error",
           "code": "missing-source-task",
           "message": "source task does not exist: \\u0001\\"",
-          "span": "$here/odd.mq:3:3-3:13"
+          "span": "$root/odd.mq:3:3-3:13"
         }
       ]
     },
     {
-      "path": "$here/two\\"names.mq",
+      "path": "$root/two\\"names.mq",
       "parsed": false,
       "issues": [
         {
           "severity": "error",
           "code": "parse-error",
           "message": "task 'a' contains unknown directive '%foo'",
-          "span": "$here/two\\"names.mq:2:1-2:5"
+          "span": "$root/two\\"names.mq:2:1-2:5"
         }
       ]
     }
@@ -139,17 +130,17 @@ checked 1 file(s), 0 error(s), 1 warning(s)
 }
 TEXT
 )"$'\n'
-    expect 1 "$document" "" --format json
-    expect 1 "$document" "" --quiet . --format json
-    expect 1 "$(sed 's/"warning"/"error"/; s/"errors": 2/"errors": 3/; s/"warnings": 1/"warnings": 0/; s/"strict": false/"strict": true/' <<<"$document")"$'\n' "" --strict --format json
+    linted 1 "$document" "" --format json
+    linted 1 "$document" "" --quiet . --format json
+    linted 1 "$(sed 's/"warning"/"error"/; s/"errors": 2/"errors": 3/; s/"warnings": 1/"warnings": 0/; s/"strict": false/"strict": true/' <<<"$document")"$'\n' "" --strict --format json
 }
 
 @test "a JSON document of one sound file" {
-    expect 0 "$(cat <<TEXT
+    linted 0 "$(cat <<TEXT
 {
   "files": [
     {
-      "path": "$here/good.mq",
+      "path": "$root/good.mq",
       "parsed": true,
       "issues": [
       ]
@@ -168,18 +159,18 @@ TEXT
 
 @test "the parser's warnings go to standard error, unless JSON was asked for to the letter" {
     printf '$a\n  %%args x\n' >good.mq
-    local issue="$here/good.mq:2:3: warning [legacy-implicit-xtb-args] implicit XTB from %args is legacy; add %program xtb"
+    local issue="$root/good.mq:2:3: warning [legacy-implicit-xtb-args] implicit XTB from %args is legacy; add %program xtb"
     local told="[WARNING] task 'a' uses %args without an explicit %program; defaulting to '%program xtb'."$'\n'
-    expect 0 "$issue"$'\n'"checked 1 file(s), 0 error(s), 1 warning(s)"$'\n' "$told" --format Text
+    linted 0 "$issue"$'\n'"checked 1 file(s), 0 error(s), 1 warning(s)"$'\n' "$told" --format Text
     "$MQKIT" lint --format json >whole 2>err
     [ ! -s err ]
-    expect 0 "$(cat whole)"$'\n' "$told" --format JSON
+    linted 0 "$(cat whole)"$'\n' "$told" --format JSON
     # The one-word form silences the log and is refused all the same.
-    expect 1 "$driver_help" $'unknown argument: --format=json\n' --format=json
+    linted 1 "$driver_help" $'unknown argument: --format=json\n' --format=json
 }
 
 @test "the last format counts, also when an earlier one was JSON" {
-    expect 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n' "" --format json --format text
+    linted 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n' "" --format json --format text
 }
 
 @test "a version 1 file is read with tolerance, any other strictly" {
@@ -187,11 +178,11 @@ TEXT
     local removed="task 'c' uses removed multi-dependency '%source a,b,...' syntax; keep the first task in %source and move the rest into '%when completed ...'"
     list 1
     "$MQKIT" lint >out 2>/dev/null
-    diff - out <<<"$here/good.mq:7:2: warning [legacy-multi-source] deprecated multi-source syntax should be migrated for DSL2
+    diff - out <<<"$root/good.mq:7:2: warning [legacy-multi-source] deprecated multi-source syntax should be migrated for DSL2
 checked 1 file(s), 0 error(s), 1 warning(s)"
     for version in 2 3 '"1"' '1 # old'; do
         list "$version"
-        expect 1 "$here/good.mq:7:2: error [parse-error] $removed
+        linted 1 "$root/good.mq:7:2: error [parse-error] $removed
 checked 1 file(s), 1 error(s), 0 warning(s)
 " ""
     done
@@ -201,34 +192,34 @@ checked 1 file(s), 1 error(s), 0 warning(s)
     mkdir parts
     printf '$a\n  %%foo\n' >parts/p.mq
     printf '&INCLUDE "parts/p.mq"\n' >good.mq
-    expect 1 "$here/parts/p.mq:2:3: error [parse-error] task 'a' contains unknown directive '%foo'
+    linted 1 "$root/parts/p.mq:2:3: error [parse-error] task 'a' contains unknown directive '%foo'
 checked 1 file(s), 1 error(s), 0 warning(s)
 " "" good.mq
     bad >parts/p.mq
-    expect 1 "$here/good.mq:2:3: error [missing-source-task] source task does not exist: b
+    linted 1 "$root/good.mq:2:3: error [missing-source-task] source task does not exist: b
 checked 1 file(s), 1 error(s), 0 warning(s)
 " "" good.mq
     "$MQKIT" lint --format json good.mq >out || true
-    grep -qxF "          \"span\": \"$here/parts/p.mq:2:3-2:12\"" out
+    grep -qxF "          \"span\": \"$root/parts/p.mq:2:3-2:12\"" out
 }
 
 @test "a fault that names its line in its message has its place in JSON as well" {
     printf 'x: 1\n  %%keywords hf\n' >good.mq
-    expect 1 "$here/good.mq: error [parse-error] $here/good.mq:2: task directive appears outside a task block
+    linted 1 "$root/good.mq: error [parse-error] $root/good.mq:2: task directive appears outside a task block
 checked 1 file(s), 1 error(s), 0 warning(s)
 " "" good.mq
-    expect 1 "$(cat <<TEXT
+    linted 1 "$(cat <<TEXT
 {
   "files": [
     {
-      "path": "$here/good.mq",
+      "path": "$root/good.mq",
       "parsed": false,
       "issues": [
         {
           "severity": "error",
           "code": "parse-error",
-          "message": "$here/good.mq:2: task directive appears outside a task block",
-          "span": "$here/good.mq:2:3-2:15"
+          "message": "$root/good.mq:2: task directive appears outside a task block",
+          "span": "$root/good.mq:2:3-2:15"
         }
       ]
     }
@@ -257,21 +248,21 @@ TEXT
     touch notes.txt
     for arguments in "notes.txt" "." "" "--format json" "--quiet missing.mq" "--strict missing"; do
         # shellcheck disable=SC2086
-        expect 1 "" $'no .mq files found\n' $arguments
+        linted 1 "" $'no .mq files found\n' $arguments
     done
-    expect 1 "" $'no .mq files found\n' ""
+    linted 1 "" $'no .mq files found\n' ""
     good >upper.MQ
-    expect 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n' "" notes.txt upper.MQ missing
+    linted 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n' "" notes.txt upper.MQ missing
 }
 
 @test "refusals are told with the help of the command" {
-    expect 1 "$driver_help" $'--format expects a value\n' good.mq --format
-    expect 1 "$driver_help" $'unsupported format: yaml\n' --format yaml
-    expect 1 "$driver_help" $'unsupported format: \n' --format ""
-    expect 1 "$driver_help" $'unknown argument: -x\n' good.mq -x --help
-    expect 1 "$driver_help" $'unknown argument: -\n' -
-    expect 1 "$driver_help" $'unknown argument: --Strict\n' --Strict
-    expect 1 "$driver_help" $'unknown argument: --no-color\n' --no-color
+    linted 1 "$driver_help" $'--format expects a value\n' good.mq --format
+    linted 1 "$driver_help" $'unsupported format: yaml\n' --format yaml
+    linted 1 "$driver_help" $'unsupported format: \n' --format ""
+    linted 1 "$driver_help" $'unknown argument: -x\n' good.mq -x --help
+    linted 1 "$driver_help" $'unknown argument: -\n' -
+    linted 1 "$driver_help" $'unknown argument: --Strict\n' --Strict
+    linted 1 "$driver_help" $'unknown argument: --no-color\n' --no-color
 }
 
 @test "help right behind the command is the long one, further back the short one" {
@@ -284,13 +275,13 @@ Examples:
   mqkit lint task.mq
   mqkit lint --strict ./cases
 "
-    expect 0 "$help" "" -h
-    expect 0 "$help" "" --help -x
-    expect 0 "$help" "" help
-    expect 0 "$driver_help" "" good.mq -h -x
-    expect 0 "$driver_help" "" --strict --help
+    linted 0 "$help" "" -h
+    linted 0 "$help" "" --help -x
+    linted 0 "$help" "" help
+    linted 0 "$driver_help" "" good.mq -h -x
+    linted 0 "$driver_help" "" --strict --help
     # Only as the first word is "help" no path.
-    expect 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n' "" good.mq help
+    linted 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n' "" good.mq help
     "$MQKIT" help lint | diff <(printf '%s' "$help") -
 }
 
@@ -300,7 +291,7 @@ Examples:
     local before
     before=$(cat ./*.mq | cksum)
     "$MQKIT" lint >"$BATS_TEST_TMPDIR/one" || true
-    "$MQKIT" lint . "$here" >"$BATS_TEST_TMPDIR/two" || true
+    "$MQKIT" lint . "$root" >"$BATS_TEST_TMPDIR/two" || true
     diff "$BATS_TEST_TMPDIR/one" "$BATS_TEST_TMPDIR/two"
     [ "$(cat ./*.mq | cksum)" = "$before" ]
 }
@@ -330,5 +321,5 @@ TEXT
     # Migrated, it has nothing left but the list of sources, which wants a decision.
     "$MQKIT" migrate "$file" -o migrated.mq >out 2>err
     sed -i 's/%source "sp,opt"/%source sp/; /^totcore: 0$/d' migrated.mq
-    expect 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s) [strict]\n' "" --strict migrated.mq
+    linted 0 $'no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s) [strict]\n' "" --strict migrated.mq
 }

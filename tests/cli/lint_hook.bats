@@ -1,15 +1,14 @@
 # examples/hooks/pre-commit in a real repository.
 
 bats_require_minimum_version 1.5.0
+load expect
 
 setup() {
-    export NO_COLOR=1 GIT_CONFIG_GLOBAL=/dev/null GIT_CONFIG_NOSYSTEM=1
-    export GIT_AUTHOR_NAME=Ada GIT_AUTHOR_EMAIL=ada@example.org GIT_COMMITTER_NAME=Ada
-    export GIT_COMMITTER_EMAIL=ada@example.org
-    unset GIT_DIR GIT_INDEX_FILE GIT_WORK_TREE MQKIT_LINT_OPTIONS
+    setup_plain repository
+    setup_git
+    unset MQKIT_LINT_OPTIONS
     export TMPDIR="$BATS_TEST_TMPDIR/with a blank"
-    mkdir -p "$TMPDIR" "$BATS_TEST_TMPDIR/repository"
-    cd "$BATS_TEST_TMPDIR/repository"
+    mkdir "$TMPDIR"
     git init -q .
     cp "$MQKIT_SOURCE/examples/hooks/pre-commit" .git/hooks/
     refusal="commit refused; git commit --no-verify passes over this check"

@@ -1,20 +1,10 @@
 # Plots as fmt writes them and lint reports them: whole output, and what is on disk.
 
 bats_require_minimum_version 1.5.0
+load expect
 
 setup() {
-    export NO_COLOR=1
-    cd "$BATS_TEST_TMPDIR"
-    cd "$(pwd -P)"
-}
-
-# expect <status> <standard output> <standard error> <arguments>...: all of it to the byte.
-expect() {
-    local status=0
-    "$MQKIT" "${@:4}" >out 2>err || status=$?
-    printf '%s' "$2" | diff - out
-    printf '%s' "$3" | diff - err
-    [ "$status" -eq "$1" ]
+    setup_plain
 }
 
 @test "what would be misread is quoted or put in parentheses, and fmt in place keeps it" {

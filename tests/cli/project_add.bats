@@ -1,31 +1,17 @@
 # `project add`: further cases for a project.
 bats_require_minimum_version 1.5.0
+load expect
 load full_disk
 
 setup() {
-    export NO_COLOR=1
-    # So deep that no search upwards leaves the directory of the test.
-    mkdir -p "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
-    cd "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
-    root="$(pwd -P)"
+    setup_deep
     mkdir p
     cp "$MQKIT_SOURCE/examples/water-clusters/water-clusters.mq" p/demo.projmq
     cp "$MQKIT_SOURCE"/examples/water-clusters/more/*.xyz .
 }
 
-tree() { (cd "$1" && find . -mindepth 1 \( -type l -printf '%P -> %l\n' \) -o -type d -printf '%P/\n' -o -printf '%P\n' | LC_ALL=C sort); }
-
-# expect <status> <standard error> <arguments>...: standard output comes in on standard input.
-expect() {
-    local status=0
-    "$MQKIT" "${@:3}" >"$BATS_TEST_TMPDIR/.out" 2>"$BATS_TEST_TMPDIR/.err" || status=$?
-    [ "$status" -eq "$1" ]
-    diff - "$BATS_TEST_TMPDIR/.out"
-    printf '%s' "$2" | diff - "$BATS_TEST_TMPDIR/.err"
-}
-
 @test "two molecules become two cases, the second time they are there already" {
-    expect 0 "" project add --path p water5.xyz ./water6.xyz <<END
+    expect_here 0 "" project add --path p water5.xyz ./water6.xyz <<END
 
 [Project Add]
   project template: $root/p/demo.projmq
@@ -37,7 +23,7 @@ created task: water6 (symlinked to .projmq)
 
 [mqkit] finished: added 2 case(s).
 END
-    diff - <(tree p) <<END
+    diff - <(names_below p) <<END
 demo.projmq
 water5/
 water5/water5.mq -> ../demo.projmq
@@ -46,7 +32,7 @@ water6/
 water6/water6.mq -> ../demo.projmq
 water6/water6.xyz
 END
-    expect 0 "" proj a p/demo.projmq water5.xyz water6.xyz <<END
+    expect_here 0 "" proj a p/demo.projmq water5.xyz water6.xyz <<END
 
 [Project Add]
   project template: $root/p/demo.projmq
@@ -60,7 +46,7 @@ END
 }
 
 @test "warnings and statuses of what cannot be added" {
-    expect 2 "[mqkit][WARN] xyz file not found: $root/none.xyz
+    expect_here 2 "[mqkit][WARN] xyz file not found: $root/none.xyz
 [mqkit][WARN] not an .xyz file: $root/p/demo.gjf
 [mqkit][WARN] duplicate case name in arguments: water5
 " project add --path p --dry-run none.xyz p/demo.gjf water5.xyz ../"${root##*/}"/water5.xyz <<END
@@ -73,16 +59,16 @@ END
 [mqkit] finished: added 1 case(s).
 [mqkit] note: 3 case(s) failed validation or creation.
 END
-    [ "$(tree p)" = "demo.projmq" ]
+    [ "$(names_below p)" = "demo.projmq" ]
 }
 
 @test "no project and no files are usage errors" {
     "$MQKIT" project help >help
-    expect 1 "[mqkit][ERROR] no .projmq file was found in the current directory or enclosing project; use --path or <xxx.projmq>.
+    expect_here 1 "[mqkit][ERROR] no .projmq file was found in the current directory or enclosing project; use --path or <xxx.projmq>.
 " project add water5.xyz <help
-    expect 1 "[mqkit][ERROR] project add requires at least one .xyz file.
+    expect_here 1 "[mqkit][ERROR] project add requires at least one .xyz file.
 " project add --path p <help
-    expect 1 "[mqkit][ERROR] project add requires at least one .xyz file.
+    expect_here 1 "[mqkit][ERROR] project add requires at least one .xyz file.
 " project add p <help
 }
 
@@ -112,7 +98,7 @@ created task: water5 (symlinked to .projmq)
 [mqkit] note: 1 case(s) failed validation or creation." ]
     [ "$stderr" = "[ERROR] failed to create task big - File too large" ]
     [ ! -e p/big ]
-    expect 0 "" project add --path p big.xyz water5.xyz <<END
+    expect_here 0 "" project add --path p big.xyz water5.xyz <<END
 $opening
 created task: big (symlinked to .projmq)
 [mqkit][SKIP] case directory already exists: $root/p/water5

@@ -1,5 +1,6 @@
 # `project collect`: files from the block directories of all cases into one place.
 bats_require_minimum_version 1.5.0
+load expect
 load siblings
 
 setup() {
@@ -14,7 +15,7 @@ setup() {
 }
 
 @test "one block goes straight into results, each item under the name of its case" {
-    expect 0 "
+    expect_lines 0 "
 [Project Collect]
   project template: $root/demo.projmq
   task blocks: \$opt
@@ -36,7 +37,7 @@ setup() {
 
 @test "several blocks get a directory each; the tasks are the outer loop" {
     echo soc >m1/soc/soc.log
-    expect 2 "
+    expect_lines 2 "
 [Project Collect]
   project template: $root/demo.projmq
   task blocks: \$soc, \$opt
@@ -93,7 +94,7 @@ setup() {
     (
         trap '' XFSZ
         ulimit -f 2
-        expect 2 "
+        expect_lines 2 "
 [Project Collect]
   project template: $root/demo.projmq
   task blocks: \$opt
@@ -128,7 +129,7 @@ setup() {
     ln -s .. m2/opt
     before="$(tree)"
     for dry in "" --dry-run; do
-        expect 2 "
+        expect_lines 2 "
 [Project Collect]
   project template: $root/demo.projmq
   task blocks: \$opt, \$soc
@@ -152,7 +153,7 @@ setup() {
 }
 
 @test "a dry run makes the results directory and nothing in it" {
-    expect 2 "
+    expect_lines 2 "
 [Project Collect]
   project template: $root/demo.projmq
   task blocks: \$opt, \$soc
@@ -204,7 +205,7 @@ available task blocks: opt, soc" ]
     [ "$stderr" = "[mqkit][ERROR] could not create result directory: $root/results/opt" ]
     rm -r results
     touch results
-    expect 1 "" "[mqkit][ERROR] could not create results directory: $root/results" project collect -n opt '*'
+    expect_lines 1 "" "[mqkit][ERROR] could not create results directory: $root/results" project collect -n opt '*'
 }
 
 @test "what a killed run left unfinished goes with the next" {

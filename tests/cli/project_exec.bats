@@ -1,5 +1,6 @@
 # `project exec`: one command in the block directories of all cases.
 bats_require_minimum_version 1.5.0
+load expect
 load siblings
 
 setup() {
@@ -8,7 +9,7 @@ setup() {
 }
 
 @test "the command runs in every selected block; the walk goes on after a failure" {
-    expect 2 "
+    expect_lines 2 "
 [Project Exec]
   project template: $root/demo.projmq
   task blocks: \$opt, \$soc
@@ -39,7 +40,7 @@ $root/m2/opt
 
 @test "a killed command tells its signal" {
     rm -r m2
-    expect 2 "
+    expect_lines 2 "
 [Project Exec]
   project template: $root/demo.projmq
   task blocks: \$opt
@@ -56,7 +57,7 @@ $root/m2/opt
 
 @test "a dry run shows everything and runs nothing; missing blocks still count" {
     before="$(tree)"
-    expect 2 "
+    expect_lines 2 "
 [Project Exec]
   project template: $root/demo.projmq
   task blocks: \$soc
@@ -142,7 +143,7 @@ ended() {
     mkdir closed
     chmod 0000 closed
     chown 65534 closed
-    expect 0 "
+    expect_lines 0 "
 [Project Exec]
   project template: $root/demo.projmq
   task blocks: \$opt

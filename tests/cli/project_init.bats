@@ -1,15 +1,13 @@
 # `project init`: from a directory with a task file and geometries to a project.
 bats_require_minimum_version 1.5.0
+load expect
 load siblings
 load full_disk
 
 setup() {
-    unset MORQUILL_TASK_PATH MORQUILL_MQRUN_PATH
-    export NO_COLOR=1
-    root="$(cd "$BATS_TEST_TMPDIR" && pwd -P)"
-    export HOME="$root"
-    mkdir "$root/work"
-    cd "$root/work"
+    setup_plain
+    mkdir work
+    cd work
     cp "$MQKIT_SOURCE"/examples/water-clusters/*.{mq,xyz} .
     : >morquill.conf # no other one is looked for
 }
@@ -21,9 +19,6 @@ record_runner() {
     chmod +x "$root/bin/mqrun"
     PATH="$root/bin:$PATH"
 }
-
-# Every path below a directory, links with their targets.
-tree() { (cd "$1" && find . -mindepth 1 \( -type l -printf '%P -> %l\n' \) -o -type d -printf '%P/\n' -o -printf '%P\n' | LC_ALL=C sort); }
 
 # init <answers>: runs it, leaves out, err and status.
 init() {
@@ -52,7 +47,7 @@ project path: $root/tasks/clusters
 project template: $root/tasks/clusters/clusters.projmq
 [INFO] start the generated project now? (y/n): 
 END
-    tree "$root/tasks" >tree
+    names_below "$root/tasks" >tree
     diff - tree <<END
 clusters/
 clusters/clusters.projmq

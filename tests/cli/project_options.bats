@@ -1,13 +1,11 @@
 # The command line of `project`: help, sub-commands, options, and the older shapes.
 bats_require_minimum_version 1.5.0
+load expect
 load golden
 
 setup() {
-    unset NO_COLOR
-    export TERM=xterm SHELL=/bin/sh
-    # So deep that no search upwards leaves the directory of the test.
-    mkdir -p "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
-    cd "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
+    setup_deep
+    setup_colored
 }
 
 # shows_help <status> <standard error> <arguments>...: the help and nothing but it on standard output.

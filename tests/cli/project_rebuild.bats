@@ -1,5 +1,6 @@
 # `project rebuild`: what is cleaned, what the siblings see, what is printed.
 bats_require_minimum_version 1.5.0
+load expect
 load siblings
 
 header='# TASK            STATUS           UPDATED_AT              REASON'
@@ -47,7 +48,7 @@ cleaned() {
 
 @test "a project is cleaned, generated and run" {
     before="$(tree | grep -v -e '/a.mqwk' -e '/.b.mqwk' -e mq.status)"
-    expect 0 "$(opening)
+    expect_lines 0 "$(opening)
 [mqkit] post-rebuild runner enabled: 'mqrun' kick --path '$root'
 $(cleaned)
 [mqkit] full morquill rebuild completed
@@ -80,7 +81,7 @@ $status"
 }
 
 @test "the question about the runner is asked; no leaves it" {
-    expect 0 "$(opening)
+    expect_lines 0 "$(opening)
 
 [mqkit] execute the configured project runner afterwards? (y/n):
         'mqrun' kick --path '$root'
@@ -104,12 +105,12 @@ $(cleaned)
 [mqkit] summary: cases=2, mq.status touched=2, records removed=2, block directories visited=1, block directories missing=1, to remove .mqwk=2
 
 [mqkit][DRY-RUN] morquill '$root/demo.projmq'"
-    expect 0 "$(opening)
+    expect_lines 0 "$(opening)
 
 [mqkit] execute the configured project runner afterwards? (y/n):
         'mqrun' kick --path '$root'
 $told" "" project rebuild -n opt --dry-run <<<""
-    expect 0 "$(opening)
+    expect_lines 0 "$(opening)
 [mqkit] post-rebuild runner enabled: 'mqrun' kick --path '$root'
 $told
 
@@ -122,14 +123,14 @@ $told
 
 @test "a case is rebuilt alone and never with the runner" {
     before="$(tree)"
-    expect 1 "[mqkit] task file found: m1.mq
+    expect_lines 1 "[mqkit] task file found: m1.mq
 
 [mqkit] selected: \$opt
 [mqkit] rebuild mode re-runs full morquill and refreshes generated inputs/workflow." \
         "[mqkit][ERROR] --run-script requires a project root or .projmq path. For a single case, rebuild the case first, then run the project runner from the project root." \
         project rebuild --path m1 -n opt --run-script
     [ "$(tree)" = "$before" ]
-    expect 0 "[mqkit] task file found: m1.mq
+    expect_lines 0 "[mqkit] task file found: m1.mq
 
 [mqkit] selected: \$opt
 [mqkit] rebuild mode re-runs full morquill and refreshes generated inputs/workflow.
@@ -169,7 +170,7 @@ opt"
 
 @test "a generator that fails leaves the records removed and keeps the runner away" {
     sibling morquill 'exit 7'
-    expect 1 "$(opening)
+    expect_lines 1 "$(opening)
 [mqkit] post-rebuild runner enabled: 'mqrun' kick --path '$root'
 $(cleaned)" "[mqkit][ERROR] failed to re-run morquill (program 'morquill' exited with code 7)
 [mqkit][ERROR] rebuild failed." project rebuild -n opt --run-script
@@ -197,7 +198,7 @@ $(cleaned)" "[mqkit][ERROR] failed to re-run morquill (program 'morquill' exited
 }
 
 @test "nothing chosen in the menu is a quiet success" {
-    expect 0 "[mqkit] project template found: demo.projmq
+    expect_lines 0 "[mqkit] project template found: demo.projmq
 
 [mqkit] select task blocks to rebuild:
 

@@ -1,12 +1,9 @@
 # Which project a path or the current directory stands for, as a user meets it.
 bats_require_minimum_version 1.5.0
+load expect
 
 setup() {
-    export NO_COLOR=1
-    # So deep that no search upwards leaves the directory of the test.
-    mkdir -p "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
-    cd "$BATS_TEST_TMPDIR/1/2/3/4/5/6"
-    root="$(pwd -P)"
+    setup_deep
     mkdir -p p/mol1/opt p/none
     printf '$opt\n%%keywords a\n' >p/demo.projmq
     ln -s ../demo.projmq p/mol1/mol1.mq

@@ -1,5 +1,6 @@
 # `mqkit_update_comd.sh`: a new file in whole, or none.
 bats_require_minimum_version 1.5.0
+load expect
 load siblings
 
 setup() {
@@ -7,6 +8,8 @@ setup() {
     sibling morquill
     echo precious >precious
     chmod 0640 precious
+    unwritten="[mqkit][ERROR] failed to write comd runner script: $root/mqkit_update_comd.sh
+[mqkit][ERROR] update failed."
 }
 
 @test "a script that is in the way is replaced, never written through" {
@@ -32,8 +35,7 @@ setup() {
             ulimit -f 1
             run --separate-stderr "$MQKIT" project update -n opt <<<n
             [ "$status" -eq 1 ]
-            [ "$stderr" = "[mqkit][ERROR] failed to write comd runner script: $root/mqkit_update_comd.sh
-[mqkit][ERROR] update failed." ]
+            [ "$stderr" = "$unwritten" ]
         )
         if [ -z "$older" ]; then
             [ ! -e mqkit_update_comd.sh ]
@@ -42,4 +44,11 @@ setup() {
         fi
         [ ! -e mqkit_update_comd.sh.new ]
     done
+}
+
+@test "a directory of its name is not replaced" {
+    mkdir mqkit_update_comd.sh
+    run --separate-stderr "$MQKIT" project update -n opt <<<n
+    [ "$status" -eq 1 ]
+    [ "$stderr" = "$unwritten" ]
 }

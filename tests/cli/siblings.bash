@@ -1,13 +1,10 @@
-# A project of two cases and stand-ins for the sibling programs, shared by the tests of the project workflows.
+# A project of two cases and stand-ins for the sibling programs, shared by the tests of the project workflows. Goes
+# with expect.bash.
 
 # setup_project: enters "$root", which holds demo.projmq (blocks opt and soc) and the cases m1 and m2.
 setup_project() {
-    export NO_COLOR=1
-    unset MORQUILL_MQRUN_PATH
-    # So deep that no search upwards leaves the directory of the test.
-    mkdir -p "$BATS_TEST_TMPDIR/bin" "$BATS_TEST_TMPDIR/1/2/3/4/5/p"
-    cd "$BATS_TEST_TMPDIR/1/2/3/4/5/p" || return 1
-    root="$(pwd -P)"
+    setup_deep
+    mkdir "$BATS_TEST_TMPDIR/bin"
     export RECORD="$BATS_TEST_TMPDIR/record"
     PATH="$BATS_TEST_TMPDIR/bin:$PATH"
     printf '$opt\n%%keywords a\n\n$soc\n%%keywords b\n' >demo.projmq
@@ -36,15 +33,6 @@ END
 # recorded <text>: what the siblings recorded, as a whole.
 recorded() {
     [ "$(cat "$RECORD")" = "$1" ] || { cat "$RECORD"; return 1; }
-}
-
-# expect <status> <stdout> <stderr> <arguments>...: one command with its whole output, without its last line ends.
-expect() {
-    status=0
-    "$MQKIT" "${@:4}" >"$BATS_TEST_TMPDIR/out" 2>"$BATS_TEST_TMPDIR/err" || status=$?
-    [ "$status" -eq "$1" ] || { echo "status $status"; return 1; }
-    diff <(echo "$2") <(echo "$(cat "$BATS_TEST_TMPDIR/out")") &&
-        diff <(echo "$3") <(echo "$(cat "$BATS_TEST_TMPDIR/err")")
 }
 
 # tree: every name below the current directory with the text of short files.

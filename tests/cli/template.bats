@@ -1,32 +1,10 @@
 # The template command: the catalogue, merging, define sections, the sample workspace and the old forms.
 bats_require_minimum_version 1.5.0
+load expect
 
 setup() {
-    export NO_COLOR=1 HOME="$BATS_TEST_TMPDIR"
-    unset MORQUILL_TEMPLATE_PATH
-    cd "$BATS_TEST_TMPDIR"
+    setup_plain
 }
-
-# expect <status> <standard output> <standard error> <arguments>...: all of it to the byte.
-expect() {
-    local status=0
-    "$MQKIT" "${@:4}" >out 2>err || status=$?
-    [ "$status" -eq "$1" ]
-    printf '%s' "$2" | diff - out
-    printf '%s' "$3" | diff - err
-}
-
-# refused <message> <arguments>...: one message on standard error, status 1.
-refused() { expect 1 "" "[mqkit][ERROR]$1"$'\n' "${@:2}"; }
-
-# put <file> <text>: with the directories that it needs.
-put() {
-    mkdir -p "$(dirname "$1")"
-    printf '%s' "$2" >"$1"
-}
-
-# holds <file> <text>: the whole file, to the byte.
-holds() { printf '%s' "$2" | diff - "$1"; }
 
 help_text() {
     cat <<'TEXT'
@@ -149,11 +127,11 @@ TEXT
 
 @test "list refuses what it does not know" {
     for word in list categories; do
-        refused " -d/--dir expects a value" template "$word" -d
-        refused " -d/--dir expects a value" template "$word" -d a --dir
-        refused " unknown argument: -h" template "$word" -h
-        refused " unknown argument: x" template "$word" -d a x -d
-        refused " unknown argument: " template "$word" ""
+        refused "-d/--dir expects a value" template "$word" -d
+        refused "-d/--dir expects a value" template "$word" -d a --dir
+        refused "unknown argument: -h" template "$word" -h
+        refused "unknown argument: x" template "$word" -d a x -d
+        refused "unknown argument: " template "$word" ""
     done
 }
 
@@ -189,16 +167,16 @@ TEXT
 @test "merge refuses and then writes nothing" {
     put tpl/a.mq ''
     export MORQUILL_TEMPLATE_PATH=tpl
-    refused " -o/--output expects a value" template merge a -o
-    refused " -d/--dir expects a value" template merge a --dir
-    refused " unknown argument: -x" template merge a -x
-    refused " unknown argument: --" template merge -- a
-    refused " unknown argument: " template merge a ""
-    refused " specify at least one template to merge" template merge
-    refused " specify at least one template to merge" template merge -o x.mq -d tpl
-    refused " template not found: 'b'" template merge a b c
-    refused " could not write output file: no/such.mq" template merge a -o no/such.mq
-    refused " could not write output file: tpl" template merge a -o tpl
+    refused "-o/--output expects a value" template merge a -o
+    refused "-d/--dir expects a value" template merge a --dir
+    refused "unknown argument: -x" template merge a -x
+    refused "unknown argument: --" template merge -- a
+    refused "unknown argument: " template merge a ""
+    refused "specify at least one template to merge" template merge
+    refused "specify at least one template to merge" template merge -o x.mq -d tpl
+    refused "template not found: 'b'" template merge a b c
+    refused "could not write output file: no/such.mq" template merge a -o no/such.mq
+    refused "could not write output file: tpl" template merge a -o tpl
     [ ! -e merged_task.mq ]
 }
 
@@ -248,17 +226,13 @@ TEXT
     cp tpl/opt.mq task.mq
     put merged.mq "an old text"
     put old/generated_task.mq "an old text"
-    # limited <arguments>: with files of at most 4096 bytes and the system's own answer to growing past it.
-    limited() {
-        run bash -c '{ ulimit -c 0; ulimit -f 4; "$MQKIT" "$@" 2>&1; echo "status $?"; } | cat' _ "$@"
-    }
-    limited template variable task.mq v
+    limited 4 template variable task.mq v
     [ "$output" = "[mqkit][ERROR] could not write file: task.mq"$'\n'"status 0" ]
     cmp tpl/opt.mq task.mq
-    limited template merge opt -o merged.mq
+    limited 4 template merge opt -o merged.mq
     [ "$output" = "[mqkit][ERROR] could not write output file: merged.mq"$'\n'"status 1" ]
     holds merged.mq "an old text"
-    limited template merge opt
+    limited 4 template merge opt
     [ "$output" = "[mqkit][ERROR] could not write output file: merged_task.mq"$'\n'"status 1" ]
     [ ! -e merged_task.mq ]
     run bash -c '{ ulimit -f 4; printf " \r%s\nq" old/generated_task.mq | "$MQKIT" template interactive 2>&1; } | cat'
@@ -295,14 +269,14 @@ TEXT
 }
 
 @test "variable takes exactly two arguments" {
-    refused " template variable expects: <task.mq> <var_template>" template variable
-    refused " template variable expects: <task.mq> <var_template>" template variable a.mq
-    refused " template variable expects: <task.mq> <var_template>" template variable a.mq b c
-    refused " template variable expects: <task.mq> <var_template>" -v a.mq
+    refused "template variable expects: <task.mq> <var_template>" template variable
+    refused "template variable expects: <task.mq> <var_template>" template variable a.mq
+    refused "template variable expects: <task.mq> <var_template>" template variable a.mq b c
+    refused "template variable expects: <task.mq> <var_template>" -v a.mq
 }
 
 @test "interactive takes no further argument and needs a template" {
-    refused " template interactive does not accept extra arguments" template interactive -h
+    refused "template interactive does not accept extra arguments" template interactive -h
     mkdir tpl
     export MORQUILL_TEMPLATE_PATH=tpl:./tpl
     expect 1 "" $'[mqkit][ERROR] no templates were found in directory tpl:./tpl\n' template interactive
@@ -317,14 +291,14 @@ TEXT
     export MORQUILL_TEMPLATE_PATH=tpl
     for form in -l --list; do
         expect 0 $'Available templates:\n  a (General)\n' "" $form
-        refused " -d/--dir expects a value" $form -d
+        refused "-d/--dir expects a value" $form -d
     done
     for form in -c --category; do
         expect 0 $'General:\n  a\n\n' "" $form -d tpl
     done
     for form in -m --merge; do
         expect 0 $'$a\n\n' "" $form a -o -
-        refused " specify at least one template to merge" $form
+        refused "specify at least one template to merge" $form
     done
     for form in -v --variable; do
         expect 0 $'[mqkit] wrote define section for task.mq using variable template: v\n' "" $form task.mq v

@@ -1,10 +1,11 @@
 # The selector in a real terminal: what the user sees, the file that is written, and the terminal afterwards.
+load expect
 
 setup() {
-    export NO_COLOR=1 HOME="$BATS_TEST_TMPDIR" TMUX_TMPDIR="$BATS_TEST_TMPDIR" LC_ALL=C.UTF-8
+    setup_plain
+    export TMUX_TMPDIR="$BATS_TEST_TMPDIR" LC_ALL=C.UTF-8
     unset TMUX
     server=selector
-    cd "$BATS_TEST_TMPDIR"
     mkdir -p tpl/many
     printf 'autorun: false\n\n$opt\n  %%keywords "opt [func]/[basis]"\n' >tpl/opt.mq
     printf 'name: "my dft"\ndescription: "Hybrid"\nvariables:\n  func: PBE0\n  basis: "a:b"\n' >tpl/dft.yaml
@@ -70,6 +71,21 @@ shows() {
     diff <(echo "$expected") <(screen)
 }
 
+# shows_list: the same of the page of templates, whose title and controls never change.
+shows_list() {
+    { printf '=== Morquill interactive template selector ===\n\n'; cat; cat <<'TEXT'; } | shows
+
+Controls:
+  ↑/↓  Move cursor
+  Space Select/unselect template
+  p     Preview selected templates
+  v     Edit variables
+  t     Choose variable template
+  Enter Generate task file
+  q     Quit
+TEXT
+}
+
 # ended <status>: the program is over, the terminal is as before and shows its cursor.
 ended() {
     see "and done"
@@ -83,45 +99,23 @@ program() { pgrep -P "$(tmux -L "$server" display-message -p '#{pane_pid}')" mqk
 @test "start, move, tick, quit" {
     printf '$a\n' >tpl/many/a.mq
     start
-    shows <<'TEXT'
-=== Morquill interactive template selector ===
-
+    shows_list <<'TEXT'
 Selected templates (0):
   (none)
 
 Available templates (1/2):
 →   opt (General) [variables: 2]
     a (many)
-
-Controls:
-  ↑/↓  Move cursor
-  Space Select/unselect template
-  p     Preview selected templates
-  v     Edit variables
-  t     Choose variable template
-  Enter Generate task file
-  q     Quit
 TEXT
     [ "$(cursor)" -eq 0 ]
     keys Down Space
-    shows <<'TEXT'
-=== Morquill interactive template selector ===
-
+    shows_list <<'TEXT'
 Selected templates (1):
   ✓ a
 
 Available templates (2/2):
     opt (General) [variables: 2]
 → ✓ a (many)
-
-Controls:
-  ↑/↓  Move cursor
-  Space Select/unselect template
-  p     Preview selected templates
-  v     Edit variables
-  t     Choose variable template
-  Enter Generate task file
-  q     Quit
 TEXT
     keys Up
     see "→   opt"

@@ -5,7 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <unistd.h>
@@ -87,6 +89,100 @@ TEST(CommandLine, ARefusalIsOneLineAfterItsTag) {
     EXPECT_EQ(told(UsageError(ErrorTag::coloured, "no path")), "[mqkit][ERROR] no path\n1");
     EXPECT_EQ(told(unknownArgument("--x")), "[mqkit][ERROR] unknown argument: --x\n1");
     EXPECT_EQ(told(HelpRequest()), "1");
+}
+
+TEST(CommandLine, ARefusalHasTheTagItIsNamedFor) {
+    EXPECT_EQ(plainRefusal("no").tag(), ErrorTag::plain);
+    EXPECT_EQ(colouredRefusal("no").tag(), ErrorTag::coloured);
+    EXPECT_EQ(bareRefusal("no").tag(), ErrorTag::none);
+    EXPECT_EQ(plainRefusal("no").message() + colouredRefusal(" to").message() + bareRefusal(" all").message(),
+              "no to all");
+    Options options;
+    EXPECT_THROW(askHelp(options, {}), HelpRequest);
+}
+
+void help(std::string_view programPath) {
+    printErrorLine(std::string("help of ").append(programPath));
+}
+
+/// Standard error and the status of a line that is read and run by `run`.
+template <class Run>
+std::string outcome(const Run& run, HelpAfter helpAfter) {
+    int status = -1;
+    auto text =
+        testing::throughPipe({STDERR_FILENO}, [&] { status = runCommandLine(run, help, "tool", helpAfter); });
+    return text + std::to_string(status);
+}
+
+TEST(CommandLine, ALineIsRunOrRefusedWithOrWithoutTheHelp) {
+    const auto fine = [] { return 7; };
+    const auto asked = []() -> int { throw HelpRequest(); };
+    const auto refused = []() -> int { throw plainRefusal("no path"); };
+    const auto silent = []() -> int { throw UsageError(ErrorTag::plain); };
+    EXPECT_EQ(outcome(fine, HelpAfter::anyRefusal), "7");
+    EXPECT_EQ(outcome(asked, HelpAfter::anyRefusal), "help of tool\n0");
+    EXPECT_EQ(outcome(asked, HelpAfter::emptyRefusal), "help of tool\n0");
+    EXPECT_EQ(outcome(refused, HelpAfter::anyRefusal), "[mqkit][ERROR] no path\nhelp of tool\n1");
+    EXPECT_EQ(outcome(refused, HelpAfter::emptyRefusal), "[mqkit][ERROR] no path\n1");
+    EXPECT_EQ(outcome(silent, HelpAfter::anyRefusal), "help of tool\n1");
+    EXPECT_EQ(outcome(silent, HelpAfter::emptyRefusal), "help of tool\n1");
+}
+
+TEST(CommandLine, AHelpWordTurnsARefusalIntoARequestForHelp) {
+    const char* plain[] = {"a", "-H"};
+    const char* asking[] = {"a", "--help"};
+    const auto refused = []() -> int { throw plainRefusal("no path"); };
+    EXPECT_EQ(readOrHelp(asking, [] { return 7; }), 7);
+    EXPECT_EQ(outcome([&] { return readOrHelp(plain, refused); }, HelpAfter::emptyRefusal),
+              "[mqkit][ERROR] no path\n1");
+    EXPECT_EQ(outcome([&] { return readOrHelp(asking, refused); }, HelpAfter::emptyRefusal),
+              "[mqkit][ERROR] no path\nhelp of tool\n0");
+}
+
+TEST(CommandLine, TheSecondPathOfALineIsRefused) {
+    const char* words[] = {"", "-h"};
+    std::optional<std::string> path;
+    EXPECT_EQ(takeOnePath(path, words, ErrorTag::plain, "extra: "), 1U);
+    EXPECT_EQ(path, "");
+    const char* others[] = {"b.mq"};
+    try {
+        takeOnePath(path, others, ErrorTag::coloured, "extra: ");
+        ADD_FAILURE() << "a second path was taken";
+    } catch (const UsageError& error) {
+        EXPECT_EQ(error.message(), "extra: b.mq");
+        EXPECT_EQ(error.tag(), ErrorTag::coloured);
+    }
+    EXPECT_EQ(path, "");
+}
+
+struct NamedRow {
+    std::string_view name;
+    int number;
+};
+constexpr NamedRow names[] = {{"list", 1}, {"lister", 2}, {"merge", 3}};
+
+TEST(FindByPrefix, FindsANameOrTheOnlyPrefixInAnyCase) {
+    struct Row {
+        std::string word;
+        int number; // 0: none
+        std::vector<std::string> names;
+    };
+    const Row lookups[] = {
+        {"list", 1, {"list"}},
+        {"LIST", 1, {"list"}},
+        {"liste", 2, {"lister"}},
+        {"m", 3, {"merge"}},
+        {"merged", 0, {}},
+        {"lis", 0, {"list", "lister"}},
+        {"", 0, {"list", "lister", "merge"}},
+    };
+    for (const Row& row : lookups) {
+        const auto match = findByPrefix(names, row.word);
+        EXPECT_EQ(match.row == nullptr ? 0 : match.row->number, row.number) << row.word;
+        EXPECT_EQ(match.names, row.names) << row.word;
+    }
+    EXPECT_EQ(ambiguousPrefix("command", "Lis", {"list", "lister"}),
+              "ambiguous command prefix: Lis (matches: list, lister)");
 }
 
 } // namespace

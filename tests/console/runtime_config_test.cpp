@@ -116,6 +116,15 @@ TEST_F(RuntimeConfigTest, WithoutAHomeTheTildeStays) {
     }
 }
 
+TEST_F(RuntimeConfigTest, AHomeMayBeExpandedWithoutItsReferences) {
+    EXPECT_EQ(expandHome("~"), "/home/ada");
+    EXPECT_EQ(expandHome("~/$USER"), "/home/ada/$USER");
+    EXPECT_EQ(expandHome("~\\a"), "/home/ada\\a");
+    EXPECT_EQ(expandHome("~ada/a"), "~ada/a");
+    EXPECT_EQ(expandHome("a/~"), "a/~");
+    EXPECT_EQ(expandHome(""), "");
+}
+
 TEST_F(RuntimeConfigTest, PwdIsTheCurrentDirectoryWhateverTheEnvironmentSays) {
     const ScopedEnv lie("PWD", "/elsewhere");
     EXPECT_EQ(expandPath("$PWD"), root + "/here");

@@ -42,5 +42,10 @@ TEST(BoxLook, ColoursHaveTheFormThatBothFormatsRead) {
     }
 }
 
+TEST(BoxLook, NodesAreCountedFromOne) {
+    EXPECT_EQ(nodeId(0), "n1");
+    EXPECT_EQ(nodeId(11), "n12");
+}
+
 } // namespace
 } // namespace morquill::graph

@@ -15,30 +15,30 @@ std::vector<LintFileReport> reports() {
 }
 
 TEST(LintSummary, CountsFilesErrorsAndWarnings) {
-    const auto lenient = summariseLint(reports(), false);
+    const auto lenient = summariseLint(reports(), Strictness::lenient);
     EXPECT_EQ(lenient.files, 2U);
     EXPECT_EQ(lenient.errors, 1U);
     EXPECT_EQ(lenient.warnings, 1U);
-    const auto strict = summariseLint(reports(), true);
+    const auto strict = summariseLint(reports(), Strictness::strict);
     EXPECT_EQ(strict.errors, 2U);
     EXPECT_EQ(strict.warnings, 0U);
-    EXPECT_EQ(summariseLint({}, true).files, 0U);
+    EXPECT_EQ(summariseLint({}, Strictness::strict).files, 0U);
 }
 
 TEST(LintText, IsOneLinePerIssueAndTheSum) {
     const auto all = reports();
-    EXPECT_EQ(renderLintText(all, summariseLint(all, false), false),
+    EXPECT_EQ(renderLintText(all, summariseLint(all, Strictness::lenient), TextDetail::issues),
               "a.mq:3:2: error [parse-error] say \"x\"\n"
               "a.mq: warning [legacy-process-alias] old\n"
               "checked 2 file(s), 1 error(s), 1 warning(s)\n");
-    EXPECT_EQ(renderLintText(all, summariseLint(all, true), false),
+    EXPECT_EQ(renderLintText(all, summariseLint(all, Strictness::strict), TextDetail::issues),
               "a.mq:3:2: error [parse-error] say \"x\"\n"
               "a.mq: error [legacy-process-alias] old\n"
               "checked 2 file(s), 2 error(s), 0 warning(s) [strict]\n");
-    EXPECT_EQ(renderLintText(all, summariseLint(all, false), true),
+    EXPECT_EQ(renderLintText(all, summariseLint(all, Strictness::lenient), TextDetail::summaryOnly),
               "checked 2 file(s), 1 error(s), 1 warning(s)\n");
     const std::vector<LintFileReport> sound{{"b.mq", {}, true}};
-    EXPECT_EQ(renderLintText(sound, summariseLint(sound, false), false),
+    EXPECT_EQ(renderLintText(sound, summariseLint(sound, Strictness::lenient), TextDetail::issues),
               "no issues found\nchecked 1 file(s), 0 error(s), 0 warning(s)\n");
 }
 
@@ -47,15 +47,16 @@ TEST(LintText, APlaceThatTheMessageNamesIsNotRepeated) {
         {"a.mq",
          {{LintSeverity::error, "a.mq", {"l.mqlib", 2, 1, 2, 9}, "parse-error", "l.mqlib:2: bad", true}},
          false}};
-    const auto summary = summariseLint(one, false);
-    EXPECT_EQ(renderLintText(one, summary, false), "a.mq: error [parse-error] l.mqlib:2: bad\n"
-                                                   "checked 1 file(s), 1 error(s), 0 warning(s)\n");
+    const auto summary = summariseLint(one, Strictness::lenient);
+    EXPECT_EQ(renderLintText(one, summary, TextDetail::issues),
+              "a.mq: error [parse-error] l.mqlib:2: bad\n"
+              "checked 1 file(s), 1 error(s), 0 warning(s)\n");
     EXPECT_NE(renderLintJson(one, summary).find("\"span\": \"l.mqlib:2:1-2:9\"\n"), std::string::npos);
 }
 
 TEST(LintJson, HoldsTheWholeResult) {
     const auto all = reports();
-    EXPECT_EQ(renderLintJson(all, summariseLint(all, false)), R"({
+    EXPECT_EQ(renderLintJson(all, summariseLint(all, Strictness::lenient)), R"({
   "files": [
     {
       "path": "a.mq",
@@ -90,7 +91,7 @@ TEST(LintJson, HoldsTheWholeResult) {
   }
 }
 )");
-    EXPECT_EQ(renderLintJson({}, summariseLint({}, true)), R"({
+    EXPECT_EQ(renderLintJson({}, summariseLint({}, Strictness::strict)), R"({
   "files": [
   ],
   "summary": {

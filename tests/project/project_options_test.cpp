@@ -271,5 +271,24 @@ TEST_F(ProjectOptionsTest, OlderUpdateShape) {
     }
 }
 
+TEST(OlderProjectShapes, AreKnownByTheirOptionsOrByAProjectFile) {
+    const std::vector<const char*> projects[] = {{"x", "-n"}, {"--run-runner"}, {"--dry-run"}, {"a.projmq"}};
+    for (const auto& words : projects) {
+        EXPECT_TRUE(isProjectShape(words)) << words.back();
+    }
+    const std::vector<const char*> others[] = {{}, {"-h"}, {"help"}, {"--help"}, {"--path"}, {"-a.projmq"}};
+    for (const auto& words : others) {
+        EXPECT_FALSE(isProjectShape(words)) << words.size();
+    }
+    const std::vector<const char*> updates[] = {{"-b"}, {"--batch"}, {"-u", "x"}, {"--update"}};
+    for (const auto& words : updates) {
+        EXPECT_TRUE(isUpdateShape(words)) << words.front();
+    }
+    const std::vector<const char*> noUpdates[] = {{}, {"x", "-u"}, {"-U"}};
+    for (const auto& words : noUpdates) {
+        EXPECT_FALSE(isUpdateShape(words)) << words.size();
+    }
+}
+
 } // namespace
 } // namespace morquill::project

@@ -113,28 +113,6 @@ TEST_F(Rebuild, TheRunnerStartsAfterAProjectAndNeverAfterACase) {
     EXPECT_EQ(readTextFile(at("home")), at("p/m2/m2.mq") + "\n");
 }
 
-TEST_F(Rebuild, TheRunnerIsFoundAsTheProjectSaysIt) {
-    const auto before = std::filesystem::current_path();
-    EXPECT_EQ(resolveRunner(project()), "mqrun");
-    write("p/tools/mqrun", "#!/bin/sh\n");
-    mode("p/tools/mqrun", 0755);
-    {
-        const console::testing::ScopedEnv configured("MORQUILL_MQRUN_PATH", "tools/mqrun");
-        EXPECT_EQ(resolveRunner(project()), at("p/tools/mqrun")); // from the project root
-    }
-    write("p/morquill.conf", "MORQUILL_MQRUN_PATH = $MORQUILL_CONFIG_DIR/tools/mqrun\n");
-    EXPECT_EQ(resolveRunner(project()), at("p/tools/mqrun"));
-    write("p/morquill.conf", "MORQUILL_MQRUN_PATH = none/mqrun:$PWD/tools/mqrun\n");
-    EXPECT_EQ(resolveRunner(project()), at("p/tools/mqrun"));
-    write("morquill.conf", "MORQUILL_MQRUN_PATH = elsewhere\n"); // where the program runs counts for nothing
-    write("p/morquill.conf", "MORQUILL_MQRUN_PATH = mqrun\n");
-    const console::testing::ScopedEnv programs("PATH", "/none:tools");
-    EXPECT_EQ(resolveRunner(project()), at("p/tools/mqrun"));
-    link("p", "linked");
-    EXPECT_EQ(resolveRunner(at("linked")), at("p/tools/mqrun"));
-    EXPECT_EQ(std::filesystem::current_path(), before);
-}
-
 class RebuildOfACase : public ScratchTree {
   protected:
     RebuildOfACase() {

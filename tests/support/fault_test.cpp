@@ -42,5 +42,14 @@ TEST(SystemError, HasTheTextOfTheSystem) {
     EXPECT_EQ(error.message(), systemErrorText(ENOSPC));
 }
 
+TEST(SystemError, OfTheDiskIsToldFromThoseThatAnotherWayOfWritingAvoids) {
+    for (const int number : {ENOSPC, EDQUOT, EFBIG, EIO}) {
+        EXPECT_TRUE(isFaultOfTheDisk(number)) << systemErrorText(number);
+    }
+    for (const int number : {0, EACCES, EINTR, EINVAL, ENOENT, EOPNOTSUPP, EROFS, EXDEV}) {
+        EXPECT_FALSE(isFaultOfTheDisk(number)) << systemErrorText(number);
+    }
+}
+
 } // namespace
 } // namespace morquill

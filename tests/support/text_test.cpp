@@ -48,6 +48,28 @@ TEST(Text, LoweringIsAsciiOnly) {
     EXPECT_FALSE(containsNoCase("completed allother", "allothers"));
 }
 
+TEST(Text, TrailingSpaceIsAllWhiteSpaceAtTheEnd) {
+    EXPECT_EQ(dropTrailingSpace(" a b \t\v\f\r\n"), " a b");
+    EXPECT_EQ(dropTrailingSpace("a\xA0"), "a\xA0");
+    EXPECT_EQ(dropTrailingSpace(" \v"), "");
+}
+
+TEST(Text, OneOfSomeWordsIsAWholeWord) {
+    EXPECT_TRUE(isOneOf("b", {"a", "b"}));
+    EXPECT_FALSE(isOneOf("B", {"a", "b"}));
+    EXPECT_FALSE(isOneOf("", {"a", "b"}));
+    EXPECT_FALSE(isOneOf("ab", {"a", "b"}));
+    EXPECT_TRUE(isOneOfNoCase("Off", {"no", "off"}));
+    EXPECT_FALSE(isOneOfNoCase("of", {"no", "off"}));
+}
+
+TEST(Text, SingleQuotesStandAroundAnyText) {
+    EXPECT_EQ(singleQuoted("a b"), "'a b'");
+    EXPECT_EQ(singleQuoted(""), "''");
+    EXPECT_EQ(singleQuoted("it's"), "'it's'");
+    EXPECT_EQ(singleQuoted(std::string_view("a\0b", 3)), std::string("'a\0b'", 5));
+}
+
 TEST(Text, SplitOnKeepsEmptyFields) {
     EXPECT_THAT(splitOn("a  b", ' '), ElementsAre("a", "", "b"));
     EXPECT_THAT(splitOn("", ' '), ElementsAre(""));
@@ -85,6 +107,21 @@ TEST(Text, SplitLinesNeedsNoFinalFeedAndMakesNoEmptyLastLine) {
     EXPECT_THAT(splitLines("a"), ElementsAre("a"));
     EXPECT_THAT(splitLines(""), ElementsAre());
     EXPECT_THAT(splitLines("\n"), ElementsAre(""));
+}
+
+TEST(Text, OneLineShowsTheEndsOfLines) {
+    EXPECT_EQ(oneLine("a\nb\r\n"), "a\\nb\\r\\n");
+    EXPECT_EQ(oneLine("\\n\t"), "\\n\t");
+    EXPECT_EQ(oneLine(""), "");
+}
+
+TEST(Text, AWildcardIsAnyOfThreeCharacters) {
+    for (const char* pattern : {"opt*", "?", "a[bc]", "["}) {
+        EXPECT_TRUE(hasWildcard(pattern)) << pattern;
+    }
+    for (const char* name : {"", "opt", "a]", "\\", "{a,b}", "~"}) {
+        EXPECT_FALSE(hasWildcard(name)) << name;
+    }
 }
 
 } // namespace

@@ -43,6 +43,14 @@ TEST_F(FileLock, WhereThereIsNoFileNothingIsLocked) {
     EXPECT_FALSE(lock->isOpen());
 }
 
+TEST_F(FileLock, APathDoesNotEndAtANulByte) {
+    write("file", "");
+    const auto lock = tryLock(at("file") + std::string("\0x", 2), LockKind::exclusive);
+    ASSERT_TRUE(lock);
+    EXPECT_FALSE(lock->isOpen());
+    EXPECT_TRUE(tryLock(at("file"), LockKind::exclusive)) << "which nobody has locked";
+}
+
 TEST_F(FileLock, AFileForReadingOnlyIsLockedAsWell) {
     write("file", "");
     mode("file", 0400);

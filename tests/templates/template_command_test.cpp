@@ -116,5 +116,17 @@ TEST_F(TemplateCommand, OnlyAHelpTokenShowsTheHelpWithSuccess) {
     EXPECT_EQ(letters({}).out, "");
 }
 
+TEST(TemplateShape, IsKnownByItsFirstWord) {
+    for (const char* word : {"-t", "-i", "-l", "-c", "-m", "-v", "--test", "--list", "--interactive",
+                             "--category", "--merge", "--variable"}) {
+        const std::vector<const char*> words{word, "x"};
+        EXPECT_TRUE(isTemplateShape(words)) << word;
+    }
+    const std::vector<const char*> others[] = {{}, {""}, {"list"}, {"x", "-t"}, {"-T"}};
+    for (const auto& words : others) {
+        EXPECT_FALSE(isTemplateShape(words)) << words.size();
+    }
+}
+
 } // namespace
 } // namespace morquill::templates

@@ -250,5 +250,22 @@ TEST(CanonicalWriter, BlocksAfterThePayload) {
     EXPECT_EQ(taskText(task), "$a\n  %source origin\n  %mod\n    charge 1\n    spin 2\n");
 }
 
+TEST(CanonicalMatrix, IsAListWhenAnAxisHasNamesOrFollowsAnother) {
+    taskdsl::TaskDocument document;
+    EXPECT_EQ(matrixForm(document), MatrixForm::lines);
+    document.matrixAxes.push_back({});
+    EXPECT_EQ(matrixForm(document), MatrixForm::lines);
+    taskdsl::MatrixAxis& axis = document.matrixAxes.front();
+    axis.key = "k";
+    axis.values = {"a", "b"};
+    EXPECT_EQ(canonicalAxis(axis, MatrixForm::lines), "  k: a, b");
+    EXPECT_EQ(canonicalAxis(axis, MatrixForm::list), "  - k: a, b");
+    axis.names = {"x", "y"};
+    EXPECT_EQ(matrixForm(document), MatrixForm::list);
+    axis.names.clear();
+    axis.map = "j";
+    EXPECT_EQ(matrixForm(document), MatrixForm::list);
+}
+
 } // namespace
 } // namespace morquill::views

@@ -92,8 +92,7 @@ BlockSelection selectTaskBlocks(const TaskCatalog& catalog, const std::vector<st
     NameList chosen;
     std::vector<std::string> missing;
     for (const std::string& name : names) {
-        const bool isPattern =
-            wildcards == Wildcards::matched && name.find_first_of("*?[") != std::string::npos;
+        const bool isPattern = wildcards == Wildcards::matched && hasWildcard(name);
         const bool hit =
             isPattern ? takeMatchingBlocks(catalog, name, chosen) : takeBlock(catalog, name, chosen);
         if (!hit && !name.empty()) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "console/command_line.h"
+
 #include <string>
 #include <string_view>
 
@@ -24,6 +26,8 @@ void printRenameHelp(std::string_view programPath);
 [[nodiscard]] RenameOptions readRenameWords(int argc, const char* const* argv);
 /// Reads the older shape. Throws `console::UsageError`.
 [[nodiscard]] RenameOptions readOlderRenameWords(int argc, const char* const* argv);
+/// True for the arguments of the older shape: its option and a task file, anywhere.
+[[nodiscard]] bool isRenameShape(console::Words arguments) noexcept;
 /// True for an argument that names a task file: no option, ending in ".mq" or ".projmq".
 [[nodiscard]] bool hasTaskFileSuffix(std::string_view token) noexcept;
 

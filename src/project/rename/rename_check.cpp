@@ -96,9 +96,8 @@ std::string listNames(const std::vector<WrittenHeader>& headers) {
 }
 
 /// What renaming makes of the headers of a file beyond what was asked for.
-std::optional<std::string> compareHeaders(const std::vector<WrittenHeader>& before,
-                                          const std::vector<WrittenHeader>& after,
-                                          const RenamedBlock& block) {
+std::optional<std::string> headerFault(const std::vector<WrittenHeader>& before,
+                                       const std::vector<WrittenHeader>& after, const RenamedBlock& block) {
     const auto shared = std::min(before.size(), after.size());
     for (std::size_t i = 0; i < shared; ++i) {
         const bool asked = before[i].name == block.oldName;
@@ -296,9 +295,9 @@ std::optional<std::string> findUnrenamed(const ReferencePlace& place, const Task
 }
 
 /// A reference to a renamed block that would no longer name it.
-std::optional<std::string> compareReferences(const TaskFile& file, const TaskDocument& before,
-                                             const TaskDocument& after, const NameMap& names,
-                                             const Renaming& renaming) {
+std::optional<std::string> referenceFault(const TaskFile& file, const TaskDocument& before,
+                                          const TaskDocument& after, const NameMap& names,
+                                          const Renaming& renaming) {
     const auto left = collectTaskReferences(before);
     const auto right = collectTaskReferences(after);
     for (std::size_t i = 0; i < std::min(left.size(), right.size()); ++i) {
@@ -318,9 +317,9 @@ std::optional<std::string> compareReferences(const TaskFile& file, const TaskDoc
 
 /// What is wrong with the rewritten text of a file, read as the file that it will be. The names of its
 /// renamed blocks are added to `names`.
-std::optional<std::string> compareDocuments(const TaskFile& file, const TaskDocument& before,
-                                            const std::set<std::string>& taken, const Renaming& renaming,
-                                            NameMap& names) {
+std::optional<std::string> documentFault(const TaskFile& file, const TaskDocument& before,
+                                         const std::set<std::string>& taken, const Renaming& renaming,
+                                         NameMap& names) {
     const auto renamed = renamedText(file.text, renaming.block, file.caseName).value_or(file.text);
     const std::string change = renaming.change() + " the task file would ";
     try {
@@ -334,7 +333,7 @@ std::optional<std::string> compareDocuments(const TaskFile& file, const TaskDocu
         if (!pairs || !saysTheSame(before, after)) {
             return change + "no longer say the same";
         }
-        return compareReferences(file, before, after, names, renaming);
+        return referenceFault(file, before, after, names, renaming);
     } catch (const taskdsl::DiagnosticError& fault) {
         return change + "no longer be read: " + wholeText(fault);
     }
@@ -342,8 +341,8 @@ std::optional<std::string> compareDocuments(const TaskFile& file, const TaskDocu
 
 /// What the rewritten text of a file would say otherwise. `names` has the renamed blocks of the named file
 /// and takes those of this one.
-std::optional<std::string> compareTexts(const TaskFile& file, const TaskDocument& before,
-                                        const Renaming& renaming, NameMap& names) {
+std::optional<std::string> textFault(const TaskFile& file, const TaskDocument& before,
+                                     const Renaming& renaming, NameMap& names) {
     auto taken = takenNames(before, file.headers, file.path, renaming.block.oldName);
     // Another file may include the renamed block.
     std::erase_if(taken, [&](const std::string& name) {
@@ -356,14 +355,14 @@ std::optional<std::string> compareTexts(const TaskFile& file, const TaskDocument
     if (renamed && file.text.find('\0') != std::string::npos) {
         return "a task file with NUL bytes is not rewritten: " + file.path;
     }
-    if (auto fault = compareHeaders(file.headers, taskdsl::listWrittenHeaders(renamed.value_or(file.text)),
-                                    renaming.block)) {
+    if (auto fault = headerFault(file.headers, taskdsl::listWrittenHeaders(renamed.value_or(file.text)),
+                                 renaming.block)) {
         return fault;
     }
     if (auto fault = findChangedName(taken, renaming)) {
         return fault;
     }
-    return compareDocuments(file, before, taken, renaming, names);
+    return documentFault(file, before, taken, renaming, names);
 }
 
 /// The same for another task file of a case; one that cannot be read says only which headers it has.
@@ -376,10 +375,10 @@ std::optional<std::string> checkNeighbour(const TaskFile& file, const Renaming& 
         const auto renamed = renamedText(file.text, renaming.block, file.caseName).value_or(file.text);
         const bool taken = !linesOf(file.headers, renaming.block.newName).empty();
         return taken ? "target block already exists: $" + renaming.block.newName
-                     : compareHeaders(file.headers, taskdsl::listWrittenHeaders(renamed), renaming.block);
+                     : headerFault(file.headers, taskdsl::listWrittenHeaders(renamed), renaming.block);
     }
     auto names = renaming.names;
-    return compareTexts(file, before, renaming, names);
+    return textFault(file, before, renaming, names);
 }
 
 /// The obstacle in one of the other task files of the cases, with the name of that file.
@@ -488,7 +487,7 @@ std::optional<std::string> findObstacle(const RenameScope& scope, const RenamedB
         renaming.caseNames.insert(names.begin(), names.end());
         renaming.trees.push_back(normalisedPath(dir));
     }
-    if (auto fault = compareTexts(file, document, renaming, renaming.names)) {
+    if (auto fault = textFault(file, document, renaming, renaming.names)) {
         return fault;
     }
     if (auto fault = checkNeighbours(renaming)) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <optional>
 
 namespace morquill::project {
@@ -34,26 +35,16 @@ constexpr std::string_view renameHelp = R"(# Usage:
 
 int runFrame(int argc, char** argv, RenameOptions (*read)(int argc, const char* const* argv)) {
     RenameOptions options;
-    try {
-        options = read(argc, argv);
+    const auto run = [&] {
+        options = console::readOrHelp(console::wordsFrom(argc, argv, 1), [&] { return read(argc, argv); });
         return renameBlock(options);
-    } catch (const console::UsageError& error) {
-        console::reportUsageError(error);
+    };
+    try {
+        return console::runCommandLine(run, printRenameHelp, argv[0], console::HelpAfter::anyRefusal);
     } catch (const std::exception& failure) {
         console::reportError(ErrorTag::coloured, faultText(failure, options.file));
         return 1;
     }
-    printRenameHelp(argv[0]);
-    const auto words = console::wordsFrom(argc, argv, 1);
-    return std::any_of(words.begin(), words.end(), console::isHelpToken) ? 0 : 1;
-}
-
-UsageError refusal(const std::string& message) {
-    return UsageError(ErrorTag::plain, message);
-}
-
-void askHelp(RenameOptions& /*options*/, console::Words /*values*/) {
-    throw console::HelpRequest();
 }
 
 void setNames(RenameOptions& options, console::Words values) {
@@ -68,12 +59,15 @@ std::optional<std::size_t> twoValues(console::Words behind) noexcept {
 constexpr std::string_view namesMissing = "-r/--rename expects two values: <old_block> <new_block>";
 
 constexpr console::OptionRow<RenameOptions> olderOptions[] = {
-    {"-h", console::noValue, askHelp},
-    {"help", console::noValue, askHelp},
-    {"--help", console::noValue, askHelp},
-    {"-r", twoValues, setNames, namesMissing},
+    {"-h", console::noValue, console::askHelp},      {"help", console::noValue, console::askHelp},
+    {"--help", console::noValue, console::askHelp},  {"-r", twoValues, setNames, namesMissing},
     {"--rename", twoValues, setNames, namesMissing},
 };
+
+bool isRenameOption(std::string_view argument) noexcept {
+    return std::any_of(std::begin(olderOptions), std::end(olderOptions),
+                       [argument](const auto& row) { return row.apply == setNames && row.word == argument; });
+}
 
 } // namespace
 
@@ -91,6 +85,11 @@ void printRenameHelp(std::string_view programPath) {
 
 bool hasTaskFileSuffix(std::string_view token) noexcept {
     return !token.starts_with('-') && (token.ends_with(".mq") || token.ends_with(".projmq"));
+}
+
+bool isRenameShape(console::Words arguments) noexcept {
+    return std::any_of(arguments.begin(), arguments.end(), isRenameOption) &&
+           std::any_of(arguments.begin(), arguments.end(), hasTaskFileSuffix);
 }
 
 RenameOptions readRenameWords(int argc, const char* const* argv) {
@@ -113,16 +112,16 @@ RenameOptions readOlderRenameWords(int argc, const char* const* argv) {
                                throw console::unknownArgument(word);
                            }
                            if (!options.file.empty()) {
-                               throw refusal("specify only one .mq or .projmq file");
+                               throw console::plainRefusal("specify only one .mq or .projmq file");
                            }
                            options.file = word;
                            return std::size_t{1};
                        });
     if (options.file.empty()) {
-        throw refusal("specify a .mq or .projmq file");
+        throw console::plainRefusal("specify a .mq or .projmq file");
     }
     if (options.oldName.empty() || options.newName.empty()) {
-        throw refusal("provide the old and new block names via -r/--rename");
+        throw console::plainRefusal("provide the old and new block names via -r/--rename");
     }
     return options;
 }

@@ -69,6 +69,14 @@ void appendField(std::string& text, std::string_view value, std::size_t width) {
     text.append(width - std::min(width, value.size()), ' ');
 }
 
+void appendRow(std::string& text, const std::string& name, const TaskStatusRecord& record) {
+    appendField(text, name, nameWidth);
+    appendField(text, taskStatusName(record.status), statusWidth);
+    appendField(text, record.updatedAt.empty() ? "-" : record.updatedAt, timeWidth);
+    text += record.reason.empty() ? "-" : replaceAll(record.reason, "\n", "");
+    text += '\n';
+}
+
 } // namespace
 
 std::string_view taskStatusName(TaskStatus status) noexcept {
@@ -123,18 +131,6 @@ StatusRecords readStatusRecords(const std::string& path) {
     const auto text = readTextFile(path);
     return text ? parseStatusRecords(*text) : StatusRecords();
 }
-
-namespace {
-
-void appendRow(std::string& text, const std::string& name, const TaskStatusRecord& record) {
-    appendField(text, name, nameWidth);
-    appendField(text, taskStatusName(record.status), statusWidth);
-    appendField(text, record.updatedAt.empty() ? "-" : record.updatedAt, timeWidth);
-    text += record.reason.empty() ? "-" : replaceAll(record.reason, "\n", "");
-    text += '\n';
-}
-
-} // namespace
 
 std::string formatStatusRecords(const StatusRecords& records) {
     std::string text(header);

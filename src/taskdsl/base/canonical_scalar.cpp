@@ -22,7 +22,7 @@ bool standsBare(std::string_view text) noexcept {
     return !text.empty() && !quotedBytes.meets(text);
 }
 
-/// What a quoted value holds behind a backslash only.
+/// What a quoted value holds after a backslash only.
 constexpr ByteSet escapedBytes(std::string_view("\"\\"));
 
 bool hasPairOfSingleQuotes(std::string_view text) noexcept {

@@ -1,24 +1,14 @@
 #include "taskdsl/base/foreach_header.h"
 
 #include "support/cursor.h"
+#include "support/text.h"
 #include "taskdsl/base/scan.h"
 
 namespace morquill::taskdsl {
 
-namespace {
-
-std::string_view dropSpaceBehind(std::string_view text) noexcept {
-    while (!text.empty() && isSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
-} // namespace
-
 // ^@foreach(\?)?\s+([A-Za-z_][A-Za-z0-9_.-]*)\s+in\s+(.+?)\s*$, else the same without " in <source>"
 std::optional<ForeachHeader> parseForeachHeader(std::string_view text) noexcept {
-    Cursor cursor(dropSpaceBehind(text));
+    Cursor cursor(dropTrailingSpace(text));
     if (!cursor.take("@foreach")) {
         return std::nullopt;
     }

@@ -15,7 +15,7 @@ BlockEnd findBlockEnd(const std::vector<SourceLine>& lines, std::size_t head, st
 
 std::string_view heredocTerminator(std::string_view value) noexcept {
     const auto terminator = trim(value.substr(2));
-    return terminator.empty() ? "EOF" : terminator;
+    return terminator.empty() ? heredocEnd : terminator;
 }
 
 BlockEnd findHeredocEnd(const std::vector<SourceLine>& lines, std::size_t opener,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/byte_set.h"
 #include "taskdsl/base/source_line.h"
 
 #include <cstddef>
@@ -26,12 +27,19 @@ struct TakenLines {
 [[nodiscard]] BlockEnd findBlockEnd(const std::vector<SourceLine>& lines, std::size_t head,
                                     std::size_t limit) noexcept;
 
+/// The terminator of a heredoc that names none.
+inline constexpr std::string_view heredocEnd = "EOF";
+
+/// The bytes that no value on a single line can hold.
+inline constexpr ByteSet lineEnds(std::string_view("\n\r"));
+
 /// True when a directive's value opens a heredoc.
 [[nodiscard]] inline bool opensHeredoc(std::string_view value) noexcept {
     return value.starts_with("<<");
 }
 
-/// The terminator of the heredoc that a directive's value (`<<`, `<< END`) opens; "EOF" when none is written.
+/// The terminator of the heredoc that a directive's value (`<<`, `<< END`) opens; `heredocEnd` when none is
+/// written.
 [[nodiscard]] std::string_view heredocTerminator(std::string_view value) noexcept;
 
 /// The line after `opener` that is the terminator, white space around it aside. A boundary line cannot belong

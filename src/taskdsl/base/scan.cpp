@@ -57,6 +57,10 @@ std::string_view unquote(std::string_view text) noexcept {
     return text;
 }
 
+bool isIndented(std::string_view line) noexcept {
+    return line.starts_with(' ') || line.starts_with('\t');
+}
+
 std::string_view directiveName(std::string_view text) noexcept {
     return !text.empty() && text.front() == '%' ? text.substr(1) : std::string_view{};
 }
@@ -104,16 +108,7 @@ bool isIdentifier(std::string_view text) noexcept {
 }
 
 bool isDottedIdentifier(std::string_view text) noexcept {
-    for (;;) {
-        const auto dot = text.find('.');
-        if (!isIdentifier(text.substr(0, dot))) {
-            return false;
-        }
-        if (dot == std::string_view::npos) {
-            return true;
-        }
-        text.remove_prefix(dot + 1);
-    }
+    return allDottedParts(text, isIdentifier);
 }
 
 } // namespace morquill::taskdsl

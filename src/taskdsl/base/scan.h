@@ -20,6 +20,9 @@ namespace morquill::taskdsl {
 /// The trimmed text without one surrounding pair of double or single quotes. There are no escapes.
 [[nodiscard]] std::string_view unquote(std::string_view text) noexcept;
 
+/// True when the line, as it was written, begins with a blank or a tab.
+[[nodiscard]] bool isIndented(std::string_view line) noexcept;
+
 /// The text after a leading `%`; empty when the line is not a directive.
 [[nodiscard]] std::string_view directiveName(std::string_view text) noexcept;
 /// The trimmed text after a leading `$`, without one pair of double quotes; empty when the line is
@@ -41,6 +44,21 @@ namespace morquill::taskdsl {
 
 /// True for a letter followed by letters, digits, `_` and `-`.
 [[nodiscard]] bool isIdentifier(std::string_view text) noexcept;
+/// True when the test holds for every part of the text between its dots; without a dot, for the whole text.
+template <class Test>
+[[nodiscard]] bool allDottedParts(std::string_view text, const Test& test) {
+    for (;;) {
+        const auto dot = text.find('.');
+        if (!test(text.substr(0, dot))) {
+            return false;
+        }
+        if (dot == std::string_view::npos) {
+            return true;
+        }
+        text.remove_prefix(dot + 1);
+    }
+}
+
 /// True for identifiers joined by `.`.
 [[nodiscard]] bool isDottedIdentifier(std::string_view text) noexcept;
 

@@ -64,7 +64,7 @@ class SourceLine {
 
 /// A `@plot`, `%plot` or `@derive` block as it was found, before its own language is applied.
 struct CapturedBlock {
-    std::string header;            ///< text behind the keyword, comment removed and trimmed
+    std::string header;            ///< text after the keyword, comment removed and trimmed
     SourceSpan span;               ///< the header line
     std::vector<SourceLine> lines; ///< the body, without the closing "@end"; every line has its origin path
 };

@@ -9,12 +9,6 @@ namespace morquill::taskdsl {
 
 namespace {
 
-/// Lengths past 2^31 - 1 are clamped: a span never wraps round to an invalid one.
-std::int32_t toCoordinate(std::size_t value) noexcept {
-    constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(value, most));
-}
-
 void appendNumber(std::string& out, std::int32_t number) {
     std::array<char, 16> buffer{};
     out.append(buffer.begin(), std::to_chars(buffer.begin(), buffer.end(), number).ptr);
@@ -28,6 +22,11 @@ void appendPlace(std::string& out, std::int32_t line, std::int32_t column) {
 }
 
 } // namespace
+
+std::int32_t toCoordinate(std::size_t value) noexcept {
+    constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(value, most));
+}
 
 bool isValidSpan(const SourceSpan& span) noexcept {
     return span.line > 0 && span.column > 0 && span.line <= span.endLine && span.endColumn >= 1;

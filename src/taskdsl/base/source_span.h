@@ -2,6 +2,7 @@
 
 #include "support/shared.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -18,6 +19,10 @@ struct SourceSpan {
 
     friend bool operator==(const SourceSpan&, const SourceSpan&) = default;
 };
+
+/// A line or column of a span; one past 2^31 - 1 is clamped, so that a span never wraps round to an invalid
+/// one.
+[[nodiscard]] std::int32_t toCoordinate(std::size_t value) noexcept;
 
 /// True when the span names a place: line and column at least 1, the end line not before the line, the end
 /// column at least 1.

@@ -91,14 +91,14 @@ struct Range {
 };
 
 /// A part that is still to be read, and where its condition goes.
-struct Task {
+struct PendingPart {
     Range range;
     std::size_t depth;
     DeriveCondition* out; ///< element of a list of children that does not grow any more
 };
 
-/// Works through the levels of a condition with a list of tasks, not by recursion; the next one to the right
-/// is the last in the list.
+/// Works through the levels of a condition with a list of pending parts, not by recursion; the next
+/// one to the right is the last in the list.
 class ConditionParser {
   public:
     ConditionParser(std::string_view text, DeriveSurface& surface, const SourceSpan& span)
@@ -106,11 +106,11 @@ class ConditionParser {
 
     DeriveCondition parse() {
         DeriveCondition condition;
-        tasks_.push_back({{0, text_.size(), 0, marks_.size()}, 0, &condition});
-        while (!tasks_.empty()) {
-            const Task task = tasks_.back();
-            tasks_.pop_back();
-            parseLevel(task);
+        pendingParts_.push_back({{0, text_.size(), 0, marks_.size()}, 0, &condition});
+        while (!pendingParts_.empty()) {
+            const PendingPart pending = pendingParts_.back();
+            pendingParts_.pop_back();
+            parseLevel(pending);
         }
         return condition;
     }
@@ -189,59 +189,59 @@ class ConditionParser {
         return parts;
     }
 
-    /// Reads the range as far as its own level goes; what is a level below becomes a task.
-    void parseLevel(Task task) {
-        task.range = trimmed(task.range);
-        while (const auto inside = insideOf(task.range, '(')) {
-            task.range = *inside;
-            task.depth = deeper(task.depth);
+    /// Reads the range as far as its own level goes; what is a level below becomes a pending part.
+    void parseLevel(PendingPart pending) {
+        pending.range = trimmed(pending.range);
+        while (const auto inside = insideOf(pending.range, '(')) {
+            pending.range = *inside;
+            pending.depth = deeper(pending.depth);
         }
-        if (textOf(task.range).empty()) {
+        if (textOf(pending.range).empty()) {
             plotError(span_, "condition cannot be empty");
         }
-        if (!parseChain(task, MarkKind::orWord, DeriveConditionKind::disjunction) &&
-            !parseChain(task, MarkKind::andWord, DeriveConditionKind::conjunction)) {
-            parseOperand(task);
+        if (!parseChain(pending, MarkKind::orWord, DeriveConditionKind::disjunction) &&
+            !parseChain(pending, MarkKind::andWord, DeriveConditionKind::conjunction)) {
+            parseOperand(pending);
         }
     }
 
     /// False when the word is not in the range.
-    bool parseChain(const Task& task, MarkKind word, DeriveConditionKind kind) {
-        const auto parts = splitAt(task.range, word);
+    bool parseChain(const PendingPart& pending, MarkKind word, DeriveConditionKind kind) {
+        const auto parts = splitAt(pending.range, word);
         if (parts.size() == 1) {
             return false;
         }
-        const auto firstTask = tasks_.size();
-        DeriveCondition* node = task.out;
+        const auto firstPending = pendingParts_.size();
+        DeriveCondition* node = pending.out;
         for (const auto& part : parts) {
             if (&part == &parts.back()) {
-                tasks_.push_back({part, task.depth, node});
+                pendingParts_.push_back({part, pending.depth, node});
                 break;
             }
             node->kind = kind;
             node->children.resize(2);
-            tasks_.push_back({part, task.depth, &node->children[0]});
+            pendingParts_.push_back({part, pending.depth, &node->children[0]});
             node = &node->children[1];
         }
-        std::reverse(tasks_.begin() + static_cast<std::ptrdiff_t>(firstTask), tasks_.end());
+        std::reverse(pendingParts_.begin() + static_cast<std::ptrdiff_t>(firstPending), pendingParts_.end());
         return true;
     }
 
-    void parseOperand(Task task) {
-        while (equalsNoCase(textOf(task.range).substr(0, 4), "not ")) {
-            task.depth = deeper(task.depth);
-            task.out->kind = DeriveConditionKind::negation;
-            task.out->children.resize(1);
-            task.out = &task.out->children[0];
+    void parseOperand(PendingPart pending) {
+        while (equalsNoCase(textOf(pending.range).substr(0, 4), "not ")) {
+            pending.depth = deeper(pending.depth);
+            pending.out->kind = DeriveConditionKind::negation;
+            pending.out->children.resize(1);
+            pending.out = &pending.out->children[0];
             // The rest has no `or` and no `and` at its own level, unless parentheses open a new one.
-            task.range =
-                between(task.range.begin + 4, task.range.end, task.range.firstMark, task.range.endMark);
-            if (insideOf(task.range, '(')) {
-                tasks_.push_back(task);
+            pending.range = between(pending.range.begin + 4, pending.range.end, pending.range.firstMark,
+                                    pending.range.endMark);
+            if (insideOf(pending.range, '(')) {
+                pendingParts_.push_back(pending);
                 return;
             }
         }
-        parseComparison(task.range, *task.out);
+        parseComparison(pending.range, *pending.out);
     }
 
     void parseComparison(const Range& range, DeriveCondition& leaf) {
@@ -292,7 +292,7 @@ class ConditionParser {
 
     std::string_view text_;
     std::vector<Mark> marks_;
-    std::vector<Task> tasks_;
+    std::vector<PendingPart> pendingParts_;
     DeriveSurface& surface_;
     const SourceSpan& span_;
 };

@@ -77,7 +77,7 @@ class StatementPrinter {
         const std::string head = named("emit", s.name) + " = ";
         const std::string tail = optional(" unit ", s.unit);
         if (isEmitWord(s.name)) {
-            check_.report(quoted(named("emit", s.name)) + " begins another statement");
+            check_.report(singleQuoted(named("emit", s.name)) + " begins another statement");
             return head + plot::renderPlotExpression(s.value) + tail;
         }
         return print(s, &EmitScalarStatement::value, head, tail);
@@ -165,8 +165,6 @@ class StatementPrinter {
     std::string operator()(const EmitKvStatement& s) { return printAtomSink("emit kv", s); }
 
   private:
-    static std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
-
     /// The statement's line from `head` to `tail`, its one expression between them.
     template <class Statement>
     std::string print(const Statement& s, ExprRef Statement::*expression, const std::string& head,
@@ -214,7 +212,8 @@ class StatementPrinter {
     Statement asRead(const Statement& s) {
         Statement read = s;
         if (s.property.starts_with(propertyPrefix)) {
-            check_.report("the property " + quoted(s.property) + " loses its " + quoted(propertyPrefix));
+            check_.report("the property " + singleQuoted(s.property) + " loses its " +
+                          singleQuoted(propertyPrefix));
             read.property.erase(0, propertyPrefix.size());
         }
         return read;
@@ -223,7 +222,7 @@ class StatementPrinter {
     /// A text that a statement needs may be empty once values are put in.
     void checkText(std::string_view statement, std::string_view text) {
         if (text.empty()) {
-            check_.report("a text of " + quoted(statement) + " is empty");
+            check_.report("a text of " + singleQuoted(statement) + " is empty");
         }
     }
 

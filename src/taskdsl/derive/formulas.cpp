@@ -98,22 +98,13 @@ static_assert(std::is_sorted(std::begin(reservedNames), std::end(reservedNames))
 constexpr std::string_view thermoFunctions[] = {"thermo", "thermochemistry", "rethermo"};
 constexpr std::string_view callSpecificArguments[] = {"task", "quantity", "electronic_energy"};
 
-template <std::size_t N>
-bool isOneOf(std::string_view word, const std::string_view (&words)[N]) noexcept {
-    return std::find(std::begin(words), std::end(words), word) != std::end(words);
-}
-
-std::string quoted(std::string_view name) {
-    return "'" + std::string(name) + "'";
-}
-
 /// Throws unless the name of a formula or profile is free.
 void requireFreeName(const std::string& name, const DeriveSurface& surface, const SourceSpan& span) {
     if (isReservedDeriveName(name)) {
-        plotError(span, "formula name " + quoted(name) + " is reserved by the derive language");
+        plotError(span, "formula name " + singleQuoted(name) + " is reserved by the derive language");
     }
     if (surface.formulas.contains(name) || surface.profiles.contains(name)) {
-        plotError(span, "duplicate derive surface definition " + quoted(name));
+        plotError(span, "duplicate derive surface definition " + singleQuoted(name));
     }
 }
 
@@ -147,7 +138,7 @@ std::vector<std::string> readParameters(std::string_view text, const SourceSpan&
             plotError(span, "formula parameter name 'using' is reserved");
         }
         if (!seen.insert(entry).second) {
-            plotError(span, "duplicate formula parameter " + quoted(name));
+            plotError(span, "duplicate formula parameter " + singleQuoted(name));
         }
         parameters.push_back(std::move(name));
     }
@@ -164,7 +155,7 @@ void checkBody(const FormulaDefinition& formula, const DeriveSurface& surface, c
         },
         [&](const plot::IdentifierExpr& identifier) {
             if (!parameters.contains(identifier.name)) {
-                plotError(span, "formula body captures bare identifier " + quoted(identifier.name) +
+                plotError(span, "formula body captures bare identifier " + singleQuoted(identifier.name) +
                                     "; pass it as a parameter or quote it as a literal");
             }
         },
@@ -192,10 +183,11 @@ void checkProfileArguments(const ParameterProfile& profile, const SourceSpan& sp
             plotError(span, "profiles cannot inherit another profile");
         }
         if (!seen.insert(argument.name).second) {
-            plotError(span, "duplicate profile argument " + quoted(argument.name));
+            plotError(span, "duplicate profile argument " + singleQuoted(argument.name));
         }
         if (thermo && isOneOf(argument.name, callSpecificArguments)) {
-            plotError(span, "thermo profiles cannot hide call-specific argument " + quoted(argument.name));
+            plotError(span,
+                      "thermo profiles cannot hide call-specific argument " + singleQuoted(argument.name));
         }
     }
 }
@@ -222,7 +214,7 @@ std::vector<Projection> readProjections(std::string_view text, const SourceSpan&
         auto target = requireIdentifier(halves->left, "bind target name must be a simple identifier", span);
         auto quantity = requireIdentifier(halves->right, "bind thermo quantity must be an identifier", span);
         if (!seen.insert(halves->left).second) {
-            plotError(span, "duplicate bind target " + quoted(target));
+            plotError(span, "duplicate bind target " + singleQuoted(target));
         }
         projections.push_back({std::move(target), std::move(quantity)});
     }
@@ -240,23 +232,15 @@ bool isUsing(const plot::PlotCallArgument& argument) noexcept {
     return argument.named && argument.name == "using";
 }
 
-const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
-                                       const SourceSpan& span) {
-    if (const auto* text = plot::nameOrString(expression)) {
-        return *text;
-    }
-    plotError(span, std::string(label) + " must be an identifier or string literal");
-}
-
 const ParameterProfile& requireProfile(const ExprRef& value, std::string_view function,
                                        const DeriveSurface& surface, const SourceSpan& span) {
-    const auto& name = requireNameOrString(value, "using profile", span);
+    const auto& name = plot::requireNameOrString(value, "using profile", span);
     const auto found = surface.profiles.find(name);
     if (found == surface.profiles.end()) {
-        plotError(span, "unknown parameter profile " + quoted(name));
+        plotError(span, "unknown parameter profile " + singleQuoted(name));
     }
     if (found->second.target != function) {
-        plotError(span, "profile " + quoted(name) + " is for " + found->second.target + "(), not " +
+        plotError(span, "profile " + singleQuoted(name) + " is for " + found->second.target + "(), not " +
                             std::string(function) + "()");
     }
     return found->second;

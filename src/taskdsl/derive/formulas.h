@@ -72,10 +72,6 @@ void chargeCopy(const ExprRef& expression, DeriveSurface& surface, const SourceS
 [[nodiscard]] ExprRef readDeriveExpression(std::string_view text, DeriveSurface& surface,
                                            const SourceSpan& span);
 
-/// The text of an identifier or string. Throws "<label> must be an identifier or string literal".
-[[nodiscard]] const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
-                                                     const SourceSpan& span);
-
 /// True for the argument of a call that names a profile.
 [[nodiscard]] bool isUsing(const plot::PlotCallArgument& argument) noexcept;
 

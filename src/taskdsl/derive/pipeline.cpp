@@ -41,7 +41,7 @@ TasksSource readTasksSource(BlockReader& reader, std::string_view text) {
         if (!pattern && name != "program" && name != "template" && name != "template_task") {
             reader.fail("unsupported tasks() selector '" + std::string(name) + "'");
         }
-        const auto& value = requireNameOrString(argument.value, "tasks() selector", reader.span);
+        const auto& value = plot::requireNameOrString(argument.value, "tasks() selector", reader.span);
         if (pattern) {
             source.patterns.push_back(value);
         } else if (name == "program") {
@@ -80,7 +80,7 @@ AtomsSource readAtomsSource(BlockReader& reader, std::string_view text) {
         if (task) {
             reader.fail("atoms() accepts exactly one task");
         }
-        task = requireNameOrString(argument.value, "atoms() task", reader.span);
+        task = plot::requireNameOrString(argument.value, "atoms() task", reader.span);
     }
     return {*task,
             requireIdentifier(halves->right, "atom source alias must be a simple identifier", reader.span)};
@@ -101,6 +101,8 @@ DerivedTableSource splitShorthand(const BlockReader& reader, std::string_view te
     return derivedTable(reader, selector.substr(0, dot), selector.substr(dot + 1));
 }
 
+/// Unlike the `derived(...)` of a plot, this one takes no second positional argument, may name the first one
+/// `derive`, and refuses a selector that is given twice.
 DerivedTableSource readDerivedSource(BlockReader& reader, std::string_view text) {
     const auto expression = plot::parsePlotExpression(text, reader.span);
     const auto* call = plot::expressionAs<plot::CallExpr>(expression);
@@ -117,11 +119,12 @@ DerivedTableSource readDerivedSource(BlockReader& reader, std::string_view text)
                 reader.fail("derived() accepts one positional selector");
             }
             positional = positional || name.empty();
-            setOnce(reader, derive, requireNameOrString(argument.value, "derived() selector", reader.span),
+            setOnce(reader, derive,
+                    plot::requireNameOrString(argument.value, "derived() selector", reader.span),
                     "derived() derive selector may be specified only once");
         } else if (name == "table" || name == "name") {
             setOnce(reader, table,
-                    requireNameOrString(argument.value, "derived() table selector", reader.span),
+                    plot::requireNameOrString(argument.value, "derived() table selector", reader.span),
                     "derived() table selector may be specified only once");
         } else {
             reader.fail("unsupported derived() selector '" + std::string(name) + "'");

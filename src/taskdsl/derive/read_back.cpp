@@ -46,8 +46,7 @@ bool holdsUnusualName(const plot::PlotExpression& node) {
 
 /// The place after a name with the arguments of its call, or after a text in parentheses.
 std::size_t endOfOperand(std::string_view text, std::size_t at) noexcept {
-    const auto isChar = [](char c) { return isDottedWordChar(c) || c == ':' || c == '[' || c == ']'; };
-    while (at < text.size() && isChar(text[at])) {
+    while (at < text.size() && plot::isExpressionNameChar(text[at])) {
         ++at;
     }
     if (at == text.size() || text[at] != '(') {
@@ -106,7 +105,7 @@ void ReadBackCheck::warn() const {
     }
     const std::string line =
         "derive '" + std::string(derive_) + "' does not read back: " + join(reasons_, "; ");
-    warnings_(replaceAll(replaceAll(line, "\n", "\\n"), "\r", "\\r"));
+    warnings_(oneLine(line));
 }
 
 void ReadBackCheck::reportStatement(std::string_view statement) {

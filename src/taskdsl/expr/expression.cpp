@@ -5,6 +5,7 @@
 #include "taskdsl/expr/expression_walk.h"
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/expr/precedence.h"
+#include "taskdsl/expr/statement_reader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -303,6 +304,14 @@ const std::string* nameOrString(const ExprRef& expression) noexcept {
     }
     const auto* string = expressionAs<StringExpr>(expression);
     return string != nullptr ? &string->text : nullptr;
+}
+
+const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
+                                       const SourceSpan& span) {
+    if (const auto* text = nameOrString(expression)) {
+        return *text;
+    }
+    plotError(span, std::string(label) + " must be an identifier or string literal");
 }
 
 ExprRef mapExpression(const ExprRef& expression, const std::function<ExprRef(const ExprRef&)>& replace) {

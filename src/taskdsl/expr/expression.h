@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/shared.h"
+#include "support/text.h"
 #include "taskdsl/base/source_span.h"
 
 #include <cstddef>
@@ -97,6 +98,11 @@ inline constexpr std::size_t maxExpressionDepth = 1000;
 /// Throws `DiagnosticError` as `parsePlotExpression`.
 [[nodiscard]] ExprRef parseCallOf(std::string name, std::string_view text, const SourceSpan& span);
 
+/// `[A-Za-z0-9_.:]` and brackets: the bytes of a name after its first.
+[[nodiscard]] constexpr bool isExpressionNameChar(char c) noexcept {
+    return isDottedWordChar(c) || c == ':' || c == '[' || c == ']';
+}
+
 /// True for a text that is one name of an expression: a letter, `_` or `[`, then letters, digits and `_.:[]`.
 [[nodiscard]] bool isExpressionName(std::string_view text) noexcept;
 
@@ -121,6 +127,9 @@ struct PrintedExpression {
 
 /// The text of an identifier or a string; null for any other expression.
 [[nodiscard]] const std::string* nameOrString(const ExprRef& expression) noexcept;
+/// The same; throws `DiagnosticError` "<label> must be an identifier or string literal" for anything else.
+[[nodiscard]] const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
+                                                     const SourceSpan& span);
 
 /// Rebuilds a tree from its leaves up: `replace` is given every node, its children replaced already, and
 /// gives what stands in its place (the node itself to keep it). Nodes below which nothing changed are shared,

@@ -44,10 +44,6 @@ constexpr bool isIdentifierStart(char c) noexcept {
     return isWordStart(c) || c == '[';
 }
 
-constexpr bool isIdentifierChar(char c) noexcept {
-    return isDottedWordChar(c) || c == ':' || c == '[' || c == ']';
-}
-
 /// The whole UTF-8 character that begins at `at`; the one byte where none begins.
 std::string_view characterAt(std::string_view text, std::size_t at) noexcept {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
@@ -95,7 +91,7 @@ class Lexer {
         }
         if (isIdentifierStart(c)) {
             std::size_t end = at_ + 1;
-            while (end < text_.size() && isIdentifierChar(text_[end])) {
+            while (end < text_.size() && isExpressionNameChar(text_[end])) {
                 ++end;
             }
             return {PlotTokenKind::identifier, take(end), {}, 0};
@@ -203,7 +199,7 @@ class Parser {
     }
 
   private:
-    /// The result when the text ends behind it.
+    /// The result when the text ends after it.
     ExprRef whole(ExprRef result) const {
         if (token_.kind != PlotTokenKind::end) {
             const bool string = token_.kind == PlotTokenKind::string;
@@ -359,7 +355,7 @@ class Parser {
 
 bool isExpressionName(std::string_view text) noexcept {
     return !text.empty() && isIdentifierStart(text.front()) &&
-           std::all_of(text.begin(), text.end(), isIdentifierChar);
+           std::all_of(text.begin(), text.end(), isExpressionNameChar);
 }
 
 ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span) {

@@ -18,7 +18,7 @@ namespace morquill::taskdsl::plot {
 /// `text`.
 [[nodiscard]] std::vector<std::string_view> splitPlotWords(std::string_view text);
 
-/// A word of a statement and the trimmed text behind it.
+/// A word of a statement and the trimmed text after it.
 struct FirstWord {
     std::string_view word; ///< empty when there is none
     std::string_view rest;

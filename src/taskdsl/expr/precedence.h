@@ -22,7 +22,7 @@ enum class Precedence : std::int32_t { anything = 0, sums = 1, products = 2, sig
     return std::holds_alternative<UnaryExpr>(node) ? Precedence::signs : Precedence::primaries;
 }
 
-/// What the right operand is asked for: behind "-" and "/" it keeps its parentheses at equal precedence.
+/// What the right operand is asked for: after "-" and "/" it keeps its parentheses at equal precedence.
 [[nodiscard]] constexpr Precedence rightPrecedence(BinaryOp op) noexcept {
     switch (op) {
     case BinaryOp::subtract:

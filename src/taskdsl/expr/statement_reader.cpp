@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <utility>
 
 namespace morquill::taskdsl::plot {
@@ -15,9 +14,9 @@ namespace {
 
 constexpr std::size_t tabColumns = 4;
 
+/// The end column of an empty line, too, is at least 1.
 std::int32_t toColumn(std::size_t value) noexcept {
-    constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::clamp<std::size_t>(value, 1, most));
+    return toCoordinate(std::max<std::size_t>(value, 1));
 }
 
 std::size_t indentOf(std::string_view rawLine) noexcept {
@@ -34,7 +33,7 @@ std::size_t indentOf(std::string_view rawLine) noexcept {
     return indent;
 }
 
-/// The parenthesis depth behind a line that was entered with `depth`; negative when one is closed that was
+/// The parenthesis depth after a line that was entered with `depth`; negative when one is closed that was
 /// never opened.
 std::int64_t scanLine(std::string_view text, std::int64_t depth, const SourceSpan& span,
                       std::string_view language) {

@@ -3,7 +3,6 @@
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/diagnostic.h"
-#include "taskdsl/base/scan.h"
 
 #include <algorithm>
 #include <array>

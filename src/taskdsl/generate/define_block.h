@@ -3,10 +3,10 @@
 #include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/source_line.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/generate/name_clash.h"
 #include "taskdsl/task/task_document.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -22,9 +22,6 @@ void requireFreeDefineKey(std::string_view key);
 
 /// Reads the body of a `define:` section from line `start`.
 [[nodiscard]] TakenLines<ValueMap> parseDefineBlock(const std::vector<SourceLine>& lines, std::size_t start);
-
-/// What a merge does with a name that is there already.
-enum class NameClash : std::uint8_t { keepOld, takeNew };
 
 /// Adds defines to the document. Throws `DiagnosticError` for a reserved key.
 void mergeDefines(TaskDocument& document, const ValueMap& defines, NameClash clash);

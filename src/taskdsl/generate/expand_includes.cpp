@@ -4,6 +4,7 @@
 #include "support/text.h"
 #include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/line_fault.h"
+#include "taskdsl/base/scan.h"
 #include "taskdsl/generate/fragment_arguments.h"
 #include "taskdsl/generate/fragment_library.h"
 #include "taskdsl/task/directive_reader.h"
@@ -174,7 +175,7 @@ class IncludePass {
             throw fault(line, "fragment references outside a library must use namespace.name syntax");
         }
         if (atFileScope()) {
-            if (isIndented(line)) {
+            if (isIndented(line.text())) {
                 throw DiagnosticError("indented &INCLUDE outside a task has no context");
             }
             includeAtFileScope(include, line);
@@ -184,12 +185,9 @@ class IncludePass {
         index_ = gathered.last;
     }
 
-    static bool isIndented(const SourceLine& line) noexcept {
-        return line.text().front() == ' ' || line.text().front() == '\t';
-    }
     /// True for an include line whose indentation shows that it belongs to no task's body.
     [[nodiscard]] bool isAtMargin(const SourceLine& line) const noexcept {
-        return isDocument() && !isIndented(line);
+        return isDocument() && !isIndented(line.text());
     }
 
     [[nodiscard]] bool namesFragment(const IncludeDirective& include) const noexcept {

@@ -92,16 +92,7 @@ constexpr std::array<ExtensionRow, 11> extensions{{
 
 /// `[A-Za-z_][A-Za-z0-9_-]*(\.[A-Za-z_][A-Za-z0-9_-]*)+`
 bool isDottedName(std::string_view text) noexcept {
-    for (bool dotted = false;; dotted = true) {
-        const auto dot = text.find('.');
-        if (!isFragmentName(text.substr(0, dot))) {
-            return false;
-        }
-        if (dot == std::string_view::npos) {
-            return dotted;
-        }
-        text.remove_prefix(dot + 1);
-    }
+    return text.find('.') != std::string_view::npos && allDottedParts(text, isFragmentName);
 }
 
 IncludeTarget targetKind(const IncludeDirective& include) {

@@ -4,7 +4,6 @@
 #include "taskdsl/base/canonical_scalar.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
-#include "taskdsl/base/scan.h"
 
 #include <algorithm>
 

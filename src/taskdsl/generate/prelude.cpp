@@ -26,10 +26,6 @@ bool beginsBody(LineKind kind) noexcept {
            kind == LineKind::loop;
 }
 
-bool isIndented(std::string_view line) noexcept {
-    return line.starts_with(' ') || line.starts_with('\t');
-}
-
 /// `key: value`. A directive is not one, even when its value holds a colon.
 bool isKeyLine(std::string_view text) noexcept {
     const auto colon = text.find(':');

@@ -4,6 +4,7 @@
 #include "taskdsl/base/substitute.h"
 #include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/foreach.h"
+#include "taskdsl/generate/name_clash.h"
 #include "taskdsl/generate/parse_context.h"
 #include "taskdsl/task/matrix_axis.h"
 #include "taskdsl/task/task_document.h"

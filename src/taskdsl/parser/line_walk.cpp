@@ -6,6 +6,7 @@
 #include "taskdsl/derive/derive_parser.h"
 #include "taskdsl/generate/removed_include.h"
 #include "taskdsl/parser/block_capture.h"
+#include "taskdsl/plot/plot_block.h"
 #include "taskdsl/plot/plot_parser.h"
 #include "taskdsl/task/directive_reader.h"
 

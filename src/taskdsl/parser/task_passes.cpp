@@ -3,6 +3,7 @@
 #include "support/number.h"
 #include "support/text.h"
 #include "taskdsl/base/canonical_scalar.h"
+#include "taskdsl/base/line_fault.h"
 #include "taskdsl/task/mod_operation.h"
 #include "taskdsl/task/when_expr.h"
 
@@ -55,10 +56,6 @@ void rememberOwnResources(TaskDocument& document) {
     }
 }
 
-std::string_view pathOrMemory(std::string_view path) noexcept {
-    return path.empty() ? "<memory>" : path;
-}
-
 } // namespace
 
 void finishTask(TaskInfo& task, const std::vector<MatrixAxis>& axes, const WarningSink& warn) {
@@ -107,8 +104,8 @@ void applyHeaderMetadata(TaskDocument& document, std::string_view path, const Ke
         }
         const auto value = readPositiveInt(trim(found->second));
         if (!value && !inherited.contains(key)) {
-            warn("task file '" + std::string(pathOrMemory(path)) + "' has invalid header metadata " + key +
-                 "='" + found->second + "'; ignoring it.");
+            warn("task file '" + shownPath(path) + "' has invalid header metadata " + key + "='" +
+                 found->second + "'; ignoring it.");
         }
         return value;
     };
@@ -150,7 +147,7 @@ void warnAboutDeadlocks(const TaskDocument& document, std::string_view path, con
         }
     }
     if (waiting.size() > 1) {
-        warn("potential deadlock: multiple tasks in '" + std::string(pathOrMemory(path)) +
+        warn("potential deadlock: multiple tasks in '" + shownPath(path) +
              "' use '%when completed allothers': " + join(waiting, ", "));
     }
 }

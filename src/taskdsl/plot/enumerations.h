@@ -1,6 +1,6 @@
 #pragma once
 
-#include "taskdsl/expr/plot_block.h"
+#include "taskdsl/plot/plot_block.h"
 
 #include <cstdint>
 #include <optional>

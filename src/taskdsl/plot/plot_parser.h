@@ -1,7 +1,7 @@
 #pragma once
 
-#include "taskdsl/expr/plot_block.h"
 #include "taskdsl/plot/model.h"
+#include "taskdsl/plot/plot_block.h"
 
 namespace morquill::taskdsl::plot {
 

@@ -12,15 +12,9 @@ namespace morquill::taskdsl::plot {
 
 namespace {
 
-/// The text of a selector of `derived(...)`: an identifier or a string.
-std::string selectorText(const ExprRef& value, const Statement& statement, std::string_view label) {
-    if (const auto* text = nameOrString(value)) {
-        return *text;
-    }
-    fail(statement, std::string(label) + " must be an identifier or string literal");
-}
-
 /// The `<derive>.<table>` that `derived(derive.table)` or `derived(derive, table=table)` names.
+/// Unlike the `derived(...)` of a derived table, this one takes the table as a second positional argument,
+/// too.
 std::string readDerivedCall(const Statement& statement) {
     constexpr std::string_view shape =
         "derived source must be derived(derive.table) or derived(derive, table=table)";
@@ -50,7 +44,7 @@ std::string readDerivedCall(const Statement& statement) {
     if (positional.size() > 2) {
         fail(statement, std::string(shape));
     }
-    auto derive = selectorText(positional.front(), statement, "derived() selector");
+    auto derive = requireNameOrString(positional.front(), "derived() selector", statement.span);
     const ExprRef& table = positional.size() > 1 ? positional.back() : named;
     if (!table) {
         const auto dot = derive.find('.');
@@ -59,7 +53,7 @@ std::string readDerivedCall(const Statement& statement) {
         }
         return derive;
     }
-    const auto tableName = selectorText(table, statement, "derived() table selector");
+    const auto tableName = requireNameOrString(table, "derived() table selector", statement.span);
     const auto left = trim(derive);
     const auto right = trim(tableName);
     if (left.empty() || right.empty()) {

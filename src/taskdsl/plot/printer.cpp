@@ -1,29 +1,22 @@
 #include "taskdsl/plot/printer.h"
 
+#include "support/byte_set.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/plot/reading.h"
 
 #include <algorithm>
-#include <array>
 
 namespace morquill::taskdsl::plot {
 
 namespace {
 
 /// The bytes that no walk through a statement stops at.
-constexpr auto isPlainByte = [] {
-    std::array<bool, 256> plain{};
-    for (std::size_t i = 0; i < plain.size(); ++i) {
-        const char c = static_cast<char>(i);
-        plain[i] = isLetter(c) || isDigit(c) || i >= 0x80;
-    }
-    for (const char c : std::string_view("_.-/^%+*:[]")) {
-        plain[static_cast<unsigned char>(c)] = true;
-    }
-    return plain;
-}();
+constexpr ByteSet plainBytes([](char c) {
+    return isWordChar(c) || static_cast<unsigned char>(c) >= 0x80 ||
+           std::string_view(".-/^%+*:[]").find(c) != std::string_view::npos;
+});
 
 /// The words that begin an option after a word of free text.
 constexpr std::string_view optionWords[] = {"label", "unit",  "log",  "scale",       "axis",
@@ -115,10 +108,8 @@ std::optional<std::string> Printer::faultOf(std::string_view lines, const PlotDa
 }
 
 bool Printer::isPlainWord(std::string_view word) noexcept {
-    const bool plainBytes = std::all_of(word.begin(), word.end(),
-                                        [](char c) { return isPlainByte[static_cast<unsigned char>(c)]; });
-    if (word.empty() || !plainBytes ||
-        std::string_view("*+,-/:").find(word.back()) != std::string_view::npos) {
+    const bool isPlain = std::all_of(word.begin(), word.end(), [](char c) { return plainBytes.contains(c); });
+    if (word.empty() || !isPlain || std::string_view("*+,-/:").find(word.back()) != std::string_view::npos) {
         return false;
     }
     const auto run = word.substr(0, word.find_first_of(".-/^%+*:[]"));

@@ -25,10 +25,6 @@ struct Findings {
     void add(std::string_view code, std::string message) { add(code, std::move(message), plot.span); }
 };
 
-std::string quoted(std::string_view text) {
-    return "'" + std::string(text) + "'";
-}
-
 // Conditions of the rules that need no more than their message.
 
 bool noName(const PlotSpec& plot) {
@@ -159,7 +155,7 @@ void checkSeriesIds(Findings& findings) {
     for (const auto& series :
          convergence != nullptr ? convergence->series : std::get<CurvePlotData>(data).series) {
         if (!series.id.empty() && !seen.insert(series.id).second) {
-            findings.add("plot-series-duplicate", "duplicate plot series id " + quoted(series.id),
+            findings.add("plot-series-duplicate", "duplicate plot series id " + singleQuoted(series.id),
                          series.span);
         }
     }
@@ -185,10 +181,10 @@ void checkLegendOrder(Findings& findings) {
     for (const auto& id : legend.order) {
         if (!seen.insert(id).second) {
             findings.add("plot-legend-order-duplicate",
-                         "legend order contains duplicate series id " + quoted(id), legend.span);
+                         "legend order contains duplicate series id " + singleQuoted(id), legend.span);
         } else if (!known.contains(id)) {
             findings.add("plot-legend-order-unknown",
-                         "legend order references unknown named series " + quoted(id), legend.span);
+                         "legend order references unknown named series " + singleQuoted(id), legend.span);
         }
     }
 }
@@ -199,12 +195,12 @@ void checkPoints(Findings& findings) {
         if (point.id.empty()) {
             findings.add("barrier-point-id", "barrier point id must not be empty", point.span);
         } else if (!seen.insert(point.id).second) {
-            findings.add("barrier-point-duplicate", "duplicate barrier point id " + quoted(point.id),
+            findings.add("barrier-point-duplicate", "duplicate barrier point id " + singleQuoted(point.id),
                          point.span);
         }
         if (!point.value) {
             findings.add("barrier-point-value",
-                         "barrier point " + quoted(point.id) + " has no value expression", point.span);
+                         "barrier point " + singleQuoted(point.id) + " has no value expression", point.span);
         }
     }
 }
@@ -215,7 +211,7 @@ void checkRelativePoint(Findings& findings) {
                                    [&](const BarrierPoint& point) { return point.id == data.relativePoint; });
     if (data.relativeMode == RelativeMode::toPoint && !known) {
         findings.add("barrier-relative-point",
-                     "relative reference point " + quoted(data.relativePoint) + " does not exist");
+                     "relative reference point " + singleQuoted(data.relativePoint) + " does not exist");
     }
 }
 
@@ -227,16 +223,18 @@ void checkColumns(Findings& findings, const std::vector<PlotColumn>& columns, co
         if (column.id.empty()) {
             findings.add(code + "-id", what + " column id must not be empty", column.span);
         } else if (!seen.insert(column.id).second) {
-            findings.add(code + "-duplicate", "duplicate " + what + " column id " + quoted(column.id),
+            findings.add(code + "-duplicate", "duplicate " + what + " column id " + singleQuoted(column.id),
                          column.span);
         }
         if (column.task.empty()) {
-            findings.add(code + "-task", what + " column " + quoted(column.id) + " has no task", column.span);
+            findings.add(code + "-task", what + " column " + singleQuoted(column.id) + " has no task",
+                         column.span);
         }
         // A frontier column never declares one.
         if (column.multiplicityDeclared && column.multiplicity < 1) {
             findings.add(code + "-multiplicity",
-                         what + " column " + quoted(column.id) + " has an invalid multiplicity", column.span);
+                         what + " column " + singleQuoted(column.id) + " has an invalid multiplicity",
+                         column.span);
         }
     }
 }
@@ -289,7 +287,7 @@ void checkArrowColumns(Findings& findings) {
     const auto require = [&](const std::string& id, const SourceSpan& span) {
         if (!known.contains(id)) {
             findings.add("excited-arrow-column",
-                         "excited-state arrow references unknown column " + quoted(id), span);
+                         "excited-state arrow references unknown column " + singleQuoted(id), span);
         }
     };
     for (const auto& arrow : data.arrows) {

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <string>
@@ -39,11 +38,6 @@ struct ControlRow {
     KeyTest test;
     ControlHandler read;
 };
-
-bool isOneOf(std::string_view text, std::initializer_list<std::string_view> words) {
-    return std::any_of(words.begin(), words.end(),
-                       [text](std::string_view word) { return equalsNoCase(text, word); });
-}
 
 /// The second of the fields that single blanks separate: two blanks in a row make it empty.
 std::optional<std::string_view> secondField(std::string_view text) noexcept {
@@ -142,11 +136,11 @@ bool readGuessConverter(const ControlLine& line) {
         return true;
     }
     const std::string word = toLower(words[0]);
-    if (isOneOf(word, {"multiwfn", "multi-wfn", "mwfn"})) {
+    if (isOneOfNoCase(word, {"multiwfn", "multi-wfn", "mwfn"})) {
         line.task.guessConverter = "multiwfn";
     } else if (word == "mokit") {
         line.task.guessConverter = word;
-    } else if (isOneOf(word, {"none", "false", "off", "no", "0"})) {
+    } else if (isOneOfNoCase(word, {"none", "false", "off", "no", "0"})) {
         line.task.guessConverter.clear();
     } else {
         line.reader.warn("has unsupported %control guess_converter '" + word +
@@ -174,7 +168,7 @@ bool readGuess(const ControlLine& line) {
 
 /// An empty rest and any word other than a plain "no" mean true.
 bool isLenientlyTrue(std::string_view rest) {
-    return !isOneOf(rest, {"false", "no", "off", "0", "n"});
+    return !isOneOfNoCase(rest, {"false", "no", "off", "0", "n"});
 }
 
 bool readWaitFreq(const ControlLine& line) {
@@ -193,11 +187,11 @@ bool readExternalInput(const ControlLine& line) {
 }
 
 bool readLocalFirst(const ControlLine& line) {
-    if (line.rest.empty() || isOneOf(line.rest, {"true", "1", "on", "y", "yes"})) {
+    if (line.rest.empty() || isOneOfNoCase(line.rest, {"true", "1", "on", "y", "yes"})) {
         line.task.localFirst = true;
         return true;
     }
-    if (isOneOf(line.rest, {"false", "0", "no", "off", "n"})) {
+    if (isOneOfNoCase(line.rest, {"false", "0", "no", "off", "n"})) {
         line.task.localFirst = false;
         return true;
     }

@@ -1,7 +1,6 @@
 // The directive table and the handlers of all directives but %control, %batch and %source.
 
 #include "taskdsl/base/canonical_scalar.h"
-#include "taskdsl/base/scan.h"
 #include "taskdsl/base/shell_words.h"
 #include "taskdsl/plot/plot_parser.h"
 #include "taskdsl/task/directive_reader.h"

@@ -15,7 +15,6 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::string_view mainSlot = "main";
 constexpr std::string_view basisKey = "basisset";
 
 constexpr auto targetWords = wordTable<ModTargetKind>({
@@ -63,10 +62,6 @@ std::string targetText(ModTargetKind kind, std::string_view slot) {
 
 std::string targetText(const ModTarget& target) {
     return targetText(target.kind, target.slot);
-}
-
-bool isOneOf(std::string_view text, std::string_view a, std::string_view b) noexcept {
-    return text == a || text == b;
 }
 
 /// The key of a `%mod` entry taken apart; `operation` is empty when the key names none.
@@ -185,7 +180,7 @@ OtherMod readOther(std::string_view key, std::string_view value) {
 }
 
 ScalarMod readScalarMod(const ModTarget& target, std::string_view operation, std::string_view value) {
-    if (isOneOf(operation, "select", "remove")) {
+    if (isOneOf(operation, {"select", "remove"})) {
         fail("unsupported %mod operation ", operation, " for " + targetText(target));
     }
     if (value.empty()) {
@@ -204,7 +199,7 @@ AtomsMod readAtomsMod(const ModTarget& target, std::string_view operation, std::
     if (operation.empty()) {
         throw DiagnosticError("%mod " + text + " requires 'select <atom-list>' or 'remove <atom-list>'");
     }
-    if (isOneOf(operation, "add", "subtract")) {
+    if (isOneOf(operation, {"add", "subtract"})) {
         fail("unsupported %mod operation ", operation, " for " + text);
     }
     if (value.empty()) {
@@ -280,10 +275,10 @@ Spelling spellingOf(const Head& head, const std::string& value, std::string_view
     }
     // After `add` or `subtract` as the second word, the reader takes one more word of the line and
     // drops the rest.
-    if (isOneOf(words.front(), "add", "subtract")) {
-        return isOneOf(head.operation, "select", "remove") ? Spelling::words : Spelling::tabs;
+    if (isOneOf(words.front(), {"add", "subtract"})) {
+        return isOneOf(head.operation, {"select", "remove"}) ? Spelling::words : Spelling::tabs;
     }
-    return isOneOf(head.operation, "add", "subtract") ? Spelling::keyAndValue : Spelling::words;
+    return isOneOf(head.operation, {"add", "subtract"}) ? Spelling::keyAndValue : Spelling::words;
 }
 
 /// `<key>:"<value>"`, or with single quotes when the others would end too early; nothing for a key that
@@ -328,8 +323,8 @@ ModEntry parseModLine(std::string_view text) {
     const auto& target = fields[0];
     const auto& operation = fields[1];
     const bool isGeom = target == "geom" || target.starts_with("geom.");
-    const bool onAtoms = isGeom && isOneOf(operation, "select", "remove");
-    const bool onScalar = isOneOf(operation, "add", "subtract");
+    const bool onAtoms = isGeom && isOneOf(operation, {"select", "remove"});
+    const bool onScalar = isOneOf(operation, {"add", "subtract"});
     if (fields.size() >= 3 && onScalar) {
         return {target + ":" + operation, fields[2]};
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/task/geometry_slot.h"
 
 #include <cstdint>
 #include <map>
@@ -21,7 +22,7 @@ enum class ModTargetKind : std::int32_t { charge = 0, spin = 1, geom = 2 };
 /// What a `%mod` line acts on.
 struct ModTarget {
     ModTargetKind kind = ModTargetKind::charge;
-    std::string slot = "main"; ///< geometry slot
+    std::string slot{mainSlot}; ///< geometry slot
 
     friend bool operator==(const ModTarget&, const ModTarget&) = default;
 };
@@ -32,7 +33,7 @@ enum class ScalarModOp : std::int32_t { set = 0, add = 1, subtract = 2 };
 /// `charge` or `spin`, set or changed by a value.
 struct ScalarMod {
     ScalarModTarget target = ScalarModTarget::charge;
-    std::string slot = "main";
+    std::string slot{mainSlot};
     ScalarModOp op = ScalarModOp::set;
     std::string value;
 
@@ -42,7 +43,7 @@ struct ScalarMod {
 /// Atoms of a geometry to be kept (`select`) or taken out (`remove`).
 struct AtomsMod {
     bool remove = false;
-    std::string slot = "main";
+    std::string slot{mainSlot};
     std::string atoms; ///< the atom list as written, 1-based
 
     friend bool operator==(const AtomsMod&, const AtomsMod&) = default;

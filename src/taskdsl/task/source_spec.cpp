@@ -18,20 +18,15 @@ namespace {
 constexpr std::string_view xyzPrefix = "xyz=";
 constexpr std::string_view frameKey = "frame";
 constexpr std::string_view framePrefix = "frame=";
-constexpr std::string_view mainSlot = "main";
 constexpr std::string_view geomKey = "geom";
 constexpr std::string_view geomPrefix = "geom.";
-
-std::string inQuotes(std::string_view text) {
-    return "'" + std::string(text) + "'";
-}
 
 [[noreturn]] void fail(const std::string& message) {
     throw DiagnosticError(message);
 }
 
 [[noreturn]] void failBinding(std::string_view key, std::string_view fault) {
-    fail("structured %source binding " + inQuotes(key) + " " + std::string(fault));
+    fail("structured %source binding " + singleQuoted(key) + " " + std::string(fault));
 }
 
 /// Takes off every pair of quotes that still encloses a word after the words were split. One pair alone would
@@ -78,7 +73,7 @@ auto findFrameWord(const SourceXyz& xyz) {
 
 void readBindingKey(SourceBinding& binding, std::string_view key) {
     if (!isDottedIdentifier(key)) {
-        fail("invalid structured %source binding key " + inQuotes(key) +
+        fail("invalid structured %source binding key " + singleQuoted(key) +
              "; use dot-separated identifiers beginning with a letter");
     }
     binding.key = key;
@@ -87,7 +82,7 @@ void readBindingKey(SourceBinding& binding, std::string_view key) {
     } else if (key.starts_with(geomPrefix)) {
         binding.slot = key.substr(geomPrefix.size());
         if (!isIdentifier(binding.slot)) {
-            fail("invalid geometry binding key " + inQuotes(key) + "; expected geom or geom.<slot>");
+            fail("invalid geometry binding key " + singleQuoted(key) + "; expected geom or geom.<slot>");
         }
     } else {
         binding.role = BindingRole::auxiliary;
@@ -118,16 +113,16 @@ void readBindingSource(SourceBinding& binding, std::string_view word) {
 std::pair<std::string, std::string> splitSelector(std::string_view word) {
     const auto equals = word.find('=');
     if (equals == std::string_view::npos || equals == 0 || equals + 1 == word.size()) {
-        fail("invalid structured %source selector " + inQuotes(word) + "; expected selector=value");
+        fail("invalid structured %source selector " + singleQuoted(word) + "; expected selector=value");
     }
     std::pair<std::string, std::string> selector(unquoteAll(word.substr(0, equals)),
                                                  unquoteAll(word.substr(equals + 1)));
     if (!isDottedIdentifier(selector.first)) {
-        fail("invalid structured %source selector key " + inQuotes(selector.first) +
+        fail("invalid structured %source selector key " + singleQuoted(selector.first) +
              "; use dot-separated identifiers beginning with a letter");
     }
     if (selector.second.empty()) {
-        fail("structured %source selector " + inQuotes(selector.first) + " has an empty value");
+        fail("structured %source selector " + singleQuoted(selector.first) + " has an empty value");
     }
     return selector;
 }
@@ -266,7 +261,7 @@ SourceBinding parseSourceBinding(std::string_view line) {
     const auto words = splitShellWords(line);
     if (words.size() < 2) {
         fail("structured %source entry must have '<binding-key> <source> [selector=value ...]': " +
-             inQuotes(trim(line)));
+             singleQuoted(trim(line)));
     }
     SourceBinding binding;
     readBindingKey(binding, trim(words[0]));
@@ -304,11 +299,12 @@ void validateStructuredSource(const std::vector<SourceBinding>& bindings, Placeh
             continue;
         }
         if (!isIdentifier(binding.slot)) {
-            fail("invalid geometry slot " + inQuotes(binding.slot) +
+            fail("invalid geometry slot " + singleQuoted(binding.slot) +
                  "; slots must begin with a letter and contain only letters, digits, '_' or '-'");
         }
         if (!slots.insert(binding.slot).second) {
-            fail("structured %source declares geometry slot " + inQuotes(binding.slot) + " more than once");
+            fail("structured %source declares geometry slot " + singleQuoted(binding.slot) +
+                 " more than once");
         }
     }
     if (!slots.empty() && !slots.contains(mainSlot)) {
@@ -354,7 +350,7 @@ void rereadXyz(SourceXyz& xyz) {
 
 std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& lines,
                                             std::string_view taskName, const SourceSpan& directiveSpan) {
-    const std::string task = "task " + inQuotes(taskName);
+    const std::string task = "task " + singleQuoted(taskName);
     std::vector<SourceBinding> bindings;
     for (const auto& line : lines) {
         if (line.text.empty()) {
@@ -383,7 +379,7 @@ std::vector<SourceBinding> parseSourceBlock(const std::vector<SourceEntryLine>& 
 DiagnosticError structuredSourceFault(const SourceSpan& directiveSpan, std::string_view taskName,
                                       const DiagnosticError& reason) {
     return {directiveSpan,
-            "task " + inQuotes(taskName) + " has invalid structured %source: " + reason.message()};
+            "task " + singleQuoted(taskName) + " has invalid structured %source: " + reason.message()};
 }
 
 std::string formatSourceBinding(const SourceBinding& binding) {

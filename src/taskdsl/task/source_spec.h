@@ -3,6 +3,7 @@
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/source_span.h"
 #include "taskdsl/base/substitute.h"
+#include "taskdsl/task/geometry_slot.h"
 
 #include <cstdint>
 #include <string>
@@ -25,7 +26,7 @@ struct SourceBinding {
     std::string sourceTask; ///< upstream task when `sourceKind` is task
     std::vector<std::pair<std::string, std::string>> selectors; ///< in their order of writing
     BindingRole role = BindingRole::geometry;
-    std::string slot = "main"; ///< geometry slot
+    std::string slot{mainSlot}; ///< geometry slot
     BindingSource sourceKind = BindingSource::origin;
     std::string sourceValue;     ///< the task name or the file name
     std::int32_t frameIndex = 0; ///< frame of an xyz file, from 1

@@ -4,6 +4,7 @@
 #include "support/word_table.h"
 #include "taskdsl/base/diagnostic.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -123,6 +124,14 @@ bool hasExternalSource(const TaskInfo& task) noexcept {
     return hasSource && task.externalInput;
 }
 
+const TaskDirective* firstDirective(const TaskInfo& task, std::string_view name) noexcept {
+    const auto& directives = task.directives.get();
+    const auto found =
+        std::find_if(directives.begin(), directives.end(),
+                     [name](const TaskDirective& directive) { return directive.name == name; });
+    return found == directives.end() ? nullptr : &*found;
+}
+
 std::vector<std::string> whenConditions(const TaskInfo& task) {
     std::vector<std::string> texts;
     texts.reserve(task.whenEntries.size());
@@ -130,6 +139,10 @@ std::vector<std::string> whenConditions(const TaskInfo& task) {
         texts.push_back(entry.text);
     }
     return texts;
+}
+
+const Shared<std::vector<TaskInfo>>& declaredTasks(const TaskDocument& document) noexcept {
+    return document.templateTasks.empty() ? document.tasks : document.templateTasks;
 }
 
 TaskDocument withoutImplicitContent(TaskDocument document) {

@@ -20,7 +20,7 @@ namespace morquill::taskdsl {
 /// One directive seen in a task block, kept for the explain view and for lint.
 struct TaskDirective {
     std::string_view name; ///< keyword without the `%`; a text with static lifetime
-    TextSlice value;       ///< the text behind the keyword on the directive's own line
+    TextSlice value;       ///< the text after the keyword on the directive's own line
     SourceSpan span;
 
     friend bool operator==(const TaskDirective&, const TaskDirective&) = default;
@@ -155,6 +155,8 @@ struct TaskInfo {
     friend bool operator==(const TaskInfo&, const TaskInfo&) = default;
 };
 
+/// The task's first directive of that name; null when it has none.
+[[nodiscard]] const TaskDirective* firstDirective(const TaskInfo& task, std::string_view name) noexcept;
 [[nodiscard]] bool isProvider(const TaskInfo& task) noexcept;
 [[nodiscard]] bool isConsumer(const TaskInfo& task) noexcept;
 [[nodiscard]] bool hasExternalSource(const TaskInfo& task) noexcept;
@@ -207,6 +209,9 @@ struct TaskDocument {
     ValueMap libraryBindings;               ///< namespace alias to library path, file-scope imports
     ImplicitContent implicitContent;        ///< what came from the extra files beside the file
 };
+
+/// The tasks as declared; those that run where none are.
+[[nodiscard]] const Shared<std::vector<TaskInfo>>& declaredTasks(const TaskDocument& document) noexcept;
 
 /// The document without what the extra files beside its file brought: what has to be written beside them, so
 /// that a reader who finds them there gets the whole document again. Header values from there are taken back

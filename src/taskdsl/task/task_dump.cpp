@@ -2,6 +2,7 @@
 
 #include "taskdsl/task/task_document.h"
 
+#include "support/line_builder.h"
 #include "support/text.h"
 #include "taskdsl/plot/enumerations.h"
 
@@ -17,43 +18,33 @@ std::string_view flagText(bool flag) noexcept {
     return flag ? "true" : "false";
 }
 
-class DumpText {
-  public:
-    void line(std::string_view label, std::string_view value) {
-        text.append(label).append(value).push_back('\n');
+/// Adds a heading and a line for each entry, nothing for an empty list.
+void addList(LineBuilder& dump, std::string_view heading, const std::vector<std::string>& entries) {
+    if (entries.empty()) {
+        return;
     }
-    void filled(std::string_view label, std::string_view value) {
-        if (!value.empty()) {
-            line(label, value);
-        }
+    dump.line(heading);
+    for (const auto& entry : entries) {
+        dump.line("  - ", entry);
     }
-    void list(std::string_view label, const std::vector<std::string>& entries) {
-        if (entries.empty()) {
-            return;
-        }
-        line(label, "");
-        for (const auto& entry : entries) {
-            line("  - ", entry);
-        }
-    }
-    template <class Pairs>
-    void pairs(std::string_view label, const Pairs& entries) {
-        if (entries.empty()) {
-            return;
-        }
-        line(label, "");
-        for (const auto& [key, value] : entries) {
-            line("  " + std::string(key) + ": ", value);
-        }
-    }
+}
 
-    std::string text;
-};
+/// The same for pairs of a key and a value.
+template <class Pairs>
+void addPairs(LineBuilder& dump, std::string_view heading, const Pairs& entries) {
+    if (entries.empty()) {
+        return;
+    }
+    dump.line(heading);
+    for (const auto& [key, value] : entries) {
+        dump.line("  ", key, ": ", value);
+    }
+}
 
 } // namespace
 
 std::string describeTask(const TaskInfo& task) {
-    DumpText dump;
+    LineBuilder dump;
     dump.line("TaskInfo: ", task.name);
     dump.line("Program: ", programName(task.program));
     dump.line("Quoted: ", flagText(task.quoted));
@@ -66,7 +57,7 @@ std::string describeTask(const TaskInfo& task) {
         std::vector<std::string> bindings;
         std::transform(sourceBindings(task).begin(), sourceBindings(task).end(), std::back_inserter(bindings),
                        formatSourceBinding);
-        dump.list("SourceBindings:", bindings);
+        addList(dump, "SourceBindings:", bindings);
     } else {
         dump.filled("Source: ", sourceText(task));
     }
@@ -84,16 +75,16 @@ std::string describeTask(const TaskInfo& task) {
     dump.filled("ParamValues: ", task.paramValues);
     dump.filled("Runner: ", task.runner);
     dump.filled("Body: ", task.body);
-    dump.list("PreProcessCommands:", *task.preProcessCommands);
-    dump.list("ProcessCommands:", *task.processCommands);
-    dump.pairs("ModValues:", task.modEntries);
+    addList(dump, "PreProcessCommands:", *task.preProcessCommands);
+    addList(dump, "ProcessCommands:", *task.processCommands);
+    addPairs(dump, "ModValues:", task.modEntries);
     dump.filled("SMILES: ", task.smiles);
     dump.filled("FilePath: ", task.filePath);
     dump.filled("TemplateTaskName: ", task.templateTaskName);
     dump.filled("MatrixVariantKey: ", task.matrixVariantKey);
-    dump.pairs("MatrixValues:", *task.matrixValues);
+    addPairs(dump, "MatrixValues:", *task.matrixValues);
     dump.filled("StrucId: ", task.strucId);
-    dump.list("MetaProperties:", *task.metaProperties);
+    addList(dump, "MetaProperties:", *task.metaProperties);
     if (!task.orcaBlock.empty()) {
         dump.line("OrcaBlock: ", "[omitted]");
     }
@@ -102,9 +93,9 @@ std::string describeTask(const TaskInfo& task) {
         task.plots.begin(), task.plots.end(), std::back_inserter(plots), [](const plot::PlotSpec& plot) {
             return std::string(plotKindName(plot.kind)) + " " + (plot.title.empty() ? plot.id : plot.title);
         });
-    dump.list("Plots:", plots);
-    dump.list("WhenConditions:", whenConditions(task));
-    return dump.text;
+    addList(dump, "Plots:", plots);
+    addList(dump, "WhenConditions:", whenConditions(task));
+    return dump.take();
 }
 
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "taskdsl/base/substitute.h"
-#include "taskdsl/expr/plot_block.h"
 #include "taskdsl/task/task_document.h"
 
 /// `[key]` references in the fields of tasks.

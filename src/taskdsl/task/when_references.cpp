@@ -3,6 +3,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <utility>
@@ -12,8 +13,12 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::string_view braces = "{{";
+constexpr std::string_view openBraces = "{{";
 constexpr std::string_view completedWord = "completed";
+
+/// The two forms in which a condition names a task: `{{ <task>.<property> }}` and `completed <task>`.
+enum class ReferenceForm { braces, completed };
+constexpr std::array referenceForms{ReferenceForm::braces, ReferenceForm::completed};
 
 /// One place where a task may be named: the name begins somewhere from `first` to `last`, with white space
 /// between the two. Inside braces a `.` has to follow it, after "completed" white space or the end.
@@ -21,18 +26,18 @@ struct ReferenceSite {
     std::size_t begin = 0; ///< where the pattern begins
     std::size_t first = 0;
     std::size_t last = 0;
-    bool inBraces = false;
+    ReferenceForm form = ReferenceForm::braces;
 };
 
 /// The next site whose pattern begins at `from` or later. The character before "completed" belongs
 /// to the pattern.
 std::optional<ReferenceSite> nextBraces(std::string_view text, std::size_t from) noexcept {
-    const auto at = text.find(braces, from);
+    const auto at = text.find(openBraces, from);
     if (at == std::string_view::npos) {
         return std::nullopt;
     }
-    const auto first = at + braces.size();
-    return ReferenceSite{at, first, skipSpace(text, first), true};
+    const auto first = at + openBraces.size();
+    return ReferenceSite{at, first, skipSpace(text, first), ReferenceForm::braces};
 }
 
 std::optional<ReferenceSite> nextCompleted(std::string_view text, std::size_t from) noexcept {
@@ -41,19 +46,19 @@ std::optional<ReferenceSite> nextCompleted(std::string_view text, std::size_t fr
         const auto end = at + completedWord.size();
         const bool begins = at == 0 || (at > from && isSpace(text[at - 1]));
         if (begins && end < text.size() && isSpace(text[end])) {
-            return ReferenceSite{at, end + 1, skipSpace(text, end), false};
+            return ReferenceSite{at, end + 1, skipSpace(text, end), ReferenceForm::completed};
         }
     }
     return std::nullopt;
 }
 
-std::optional<ReferenceSite> nextSite(std::string_view text, std::size_t from, bool inBraces) noexcept {
-    return inBraces ? nextBraces(text, from) : nextCompleted(text, from);
+std::optional<ReferenceSite> nextSite(std::string_view text, std::size_t from, ReferenceForm form) noexcept {
+    return form == ReferenceForm::braces ? nextBraces(text, from) : nextCompleted(text, from);
 }
 
 /// Where the pattern ends whose name ends at `nameEnd`; npos when the text after the name does not fit.
-std::size_t matchBehindName(std::string_view text, std::size_t nameEnd, bool inBraces) noexcept {
-    if (!inBraces) {
+std::size_t matchAfterName(std::string_view text, std::size_t nameEnd, ReferenceForm form) noexcept {
+    if (form == ReferenceForm::completed) {
         return nameEnd == text.size() || isSpace(text[nameEnd]) ? nameEnd : std::string_view::npos;
     }
     const auto dot = skipSpace(text, nameEnd);
@@ -63,21 +68,21 @@ std::size_t matchBehindName(std::string_view text, std::size_t nameEnd, bool inB
 /// Replaces one name at all sites of one pattern:
 /// `\{\{\s*<old>\s*\.` by `{{ <new>.`, or `((^|\s)completed\s+)<old>(?=\s|$)` by `$1<new>`.
 std::string renameOne(std::string_view text, std::string_view oldName, std::string_view newName,
-                      bool inBraces) {
+                      ReferenceForm form) {
     std::string result;
     std::size_t from = 0;
     std::size_t copied = 0;
-    while (const auto site = nextSite(text, from, inBraces)) {
+    while (const auto site = nextSite(text, from, form)) {
         from = site->begin + 1;
         for (auto at = site->last + 1; at-- > site->first;) {
             if (!text.substr(at).starts_with(oldName)) {
                 continue;
             }
-            const auto end = matchBehindName(text, at + oldName.size(), inBraces);
+            const auto end = matchAfterName(text, at + oldName.size(), form);
             if (end == std::string_view::npos) {
                 continue;
             }
-            if (inBraces) {
+            if (form == ReferenceForm::braces) {
                 result.append(text, copied, site->begin - copied).append("{{ ").append(newName) += '.';
             } else {
                 result.append(text, copied, at - copied).append(newName);
@@ -131,7 +136,7 @@ void forEachMatchAt(std::string_view text, const ReferenceSite& site, const Valu
                     const Found& found) {
     for (auto at = site.first; at <= site.last; ++at) {
         forEachKeyAt(text, at, renames, [&](Rename rename) {
-            const auto end = matchBehindName(text, at + rename->first.size(), site.inBraces);
+            const auto end = matchAfterName(text, at + rename->first.size(), site.form);
             if (end != std::string_view::npos && rename->first != rename->second) {
                 found(ReferenceMatch{site, at, end, rename});
             }
@@ -142,9 +147,8 @@ void forEachMatchAt(std::string_view text, const ReferenceSite& site, const Valu
 /// The same for every site of the text.
 template <class Found>
 void forEachMatch(std::string_view text, const ValueMap& renames, const Found& found) {
-    for (const bool inBraces : {true, false}) {
-        for (auto site = nextSite(text, 0, inBraces); site;
-             site = nextSite(text, site->begin + 1, inBraces)) {
+    for (const auto form : referenceForms) {
+        for (auto site = nextSite(text, 0, form); site; site = nextSite(text, site->begin + 1, form)) {
             forEachMatchAt(text, *site, renames, found);
         }
     }
@@ -183,12 +187,12 @@ std::optional<std::string> renameAllAtOnce(std::string_view text, std::vector<Re
     std::string result;
     std::size_t copied = 0;
     for (const auto& match : matches) {
-        const auto begin = match.site.inBraces ? match.site.begin : match.begin;
+        const auto begin = match.site.form == ReferenceForm::braces ? match.site.begin : match.begin;
         if (begin < copied || isRenamedAgain(match.rename->second, renames)) {
             return std::nullopt;
         }
         result.append(text, copied, begin - copied);
-        if (match.site.inBraces) {
+        if (match.site.form == ReferenceForm::braces) {
             result.append("{{ ").append(match.rename->second) += '.';
         } else {
             result.append(match.rename->second);
@@ -225,8 +229,8 @@ std::string rewriteWhenReferences(std::string_view text, const ValueMap& renames
         if (!next) {
             return result;
         }
-        for (const bool inBraces : {true, false}) {
-            result = renameOne(result, (*next)->first, (*next)->second, inBraces);
+        for (const auto form : referenceForms) {
+            result = renameOne(result, (*next)->first, (*next)->second, form);
         }
         last = next;
     }

@@ -2,14 +2,12 @@
 
 #include "console/messages.h"
 #include "console/runtime_config.h"
-#include "support/fault.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "templates/library/template_text.h"
 #include "templates/library/template_walk.h"
 
 #include <algorithm>
-#include <exception>
 
 namespace morquill::templates {
 
@@ -65,17 +63,8 @@ TemplateLibrary loadTemplateLibrary(std::string_view pathList) {
             console::reportError("template directory does not exist: " + quotedPath(source.directory));
             continue;
         }
-        walkRegularFiles(source.directory, [&](const FoundFile& file) {
-            if (file.extension != ".mq") {
-                return;
-            }
-            try {
-                addTemplate(file, library);
-            } catch (const std::exception& error) {
-                console::reportError("failed to load template " + quotedPath(file.path) + ": " +
-                                     faultText(error, {}));
-            }
-        });
+        loadFiles(source.directory, {".mq"}, "template",
+                  [&](const FoundFile& file) { addTemplate(file, library); });
     }
     return library;
 }

@@ -1,7 +1,5 @@
 #include "templates/library/variable_template.h"
 
-#include "console/messages.h"
-#include "support/fault.h"
 #include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/base/scan.h"
@@ -67,17 +65,8 @@ VariableTemplate parseVariableTemplate(std::string_view text, std::string_view d
 std::vector<VariableTemplate> loadVariableTemplates(std::string_view pathList) {
     std::vector<VariableTemplate> templates;
     for (const auto& source : splitTemplateSources(pathList)) {
-        walkRegularFiles(source.directory, [&](const FoundFile& file) {
-            if (file.extension != ".yaml" && file.extension != ".yml") {
-                return;
-            }
-            try {
-                templates.push_back(readVariableTemplate(file));
-            } catch (const std::exception& error) {
-                console::reportError("failed to load variable template " + quotedPath(file.path) + ": " +
-                                     faultText(error, {}));
-            }
-        });
+        loadFiles(source.directory, {".yaml", ".yml"}, "variable template",
+                  [&](const FoundFile& file) { templates.push_back(readVariableTemplate(file)); });
     }
     return templates;
 }

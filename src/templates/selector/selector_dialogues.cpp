@@ -14,7 +14,7 @@ namespace morquill::templates {
 namespace {
 
 /// Whether a dialogue has another round.
-enum class Dialogue : std::uint8_t { open, over };
+enum class DialogueProgress : std::uint8_t { open, over };
 
 /// Waits for a key; the end of input ends the selector.
 AfterDialogue waitForKey(const SelectorConsole& console) {
@@ -46,12 +46,12 @@ std::string matchingValues(const VariableTemplate& entry, const std::vector<std:
 }
 
 /// Takes values from a variable template. The end of input ends the dialogue.
-Dialogue loadValues(SelectorState& state, const std::vector<std::string>& names,
-                    const SelectorConsole& console) {
+DialogueProgress loadValues(SelectorState& state, const std::vector<std::string>& names,
+                            const SelectorConsole& console) {
     const auto& templates = state.variableTemplates;
     if (templates.empty()) {
         console.print(note("No matching variable templates were found under the template directory.\n\n"));
-        return Dialogue::open;
+        return DialogueProgress::open;
     }
     std::string text = note("choose a variable template to load:\n");
     for (std::size_t i = 0; i < templates.size(); ++i) {
@@ -60,12 +60,12 @@ Dialogue loadValues(SelectorState& state, const std::vector<std::string>& names,
     console.print(text + note("Template index?: "));
     const auto answer = console.readLine();
     if (!answer) {
-        return Dialogue::over;
+        return DialogueProgress::over;
     }
     const auto index = readMenuIndex(*answer, templates.size(), MenuSign::none);
     if (!index) {
         console.print(note("Invalid template index\n\n"));
-        return Dialogue::open;
+        return DialogueProgress::open;
     }
     const auto& values = templates[*index].values;
     for (const auto& name : names) {
@@ -74,30 +74,30 @@ Dialogue loadValues(SelectorState& state, const std::vector<std::string>& names,
         }
     }
     console.print(note("done.\n\n"));
-    return Dialogue::open;
+    return DialogueProgress::open;
 }
 
 /// Sets one variable. The end of input ends the dialogue.
-Dialogue setValue(SelectorState& state, const std::vector<std::string>& names, std::string_view answer,
-                  const SelectorConsole& console) {
+DialogueProgress setValue(SelectorState& state, const std::vector<std::string>& names,
+                          std::string_view answer, const SelectorConsole& console) {
     const auto index = readMenuIndex(answer, names.size(), MenuSign::none);
     if (!index) {
         console.print(note("Invalid variable index\n\n"));
-        return Dialogue::open;
+        return DialogueProgress::open;
     }
     console.print(note("input a new value: "));
     auto value = console.readLine();
     if (!value) {
-        return Dialogue::over;
+        return DialogueProgress::over;
     }
     state.variableValues.insert_or_assign(names[*index], std::move(*value));
     console.print(note("done.\n\n"));
-    return Dialogue::open;
+    return DialogueProgress::open;
 }
 
 /// One round of the dialogue, which ends when the user leaves it.
-Dialogue editOnce(SelectorState& state, const std::vector<std::string>& names,
-                  const SelectorConsole& console) {
+DialogueProgress editOnce(SelectorState& state, const std::vector<std::string>& names,
+                          const SelectorConsole& console) {
     std::string text = note("Variables used by selected templates:\n");
     for (std::size_t i = 0; i < names.size(); ++i) {
         text += numbered(i) + names[i] + " = " + shownValue(state, names[i]) + "\n";
@@ -109,7 +109,7 @@ Dialogue editOnce(SelectorState& state, const std::vector<std::string>& names,
     const auto line = console.readLine();
     const auto answer = line ? trim(*line) : std::string_view("q");
     if (equalsNoCase(answer, "q")) {
-        return Dialogue::over;
+        return DialogueProgress::over;
     }
     return equalsNoCase(answer, "t") ? loadValues(state, names, console)
                                      : setValue(state, names, answer, console);
@@ -134,7 +134,7 @@ std::string describeValues(const SelectorState& state) {
 
 } // namespace
 
-DialogueEnd editVariables(SelectorState state, const SelectorConsole& console) {
+DialogueOutcome editVariables(SelectorState state, const SelectorConsole& console) {
     console.print(system::showCursor);
     console.clearScreen();
     console.print("=== Edit variables ===\n\n");
@@ -144,7 +144,7 @@ DialogueEnd editVariables(SelectorState state, const SelectorConsole& console) {
         console.print("The selected templates have no required variables\n\n");
         after = waitForKey(console);
     } else {
-        while (editOnce(state, names, console) == Dialogue::open) {
+        while (editOnce(state, names, console) == DialogueProgress::open) {
         }
     }
     state.previewText = composePreview(state);
@@ -152,7 +152,7 @@ DialogueEnd editVariables(SelectorState state, const SelectorConsole& console) {
     return {std::move(state), after};
 }
 
-DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console) {
+DialogueOutcome generateTaskFile(SelectorState state, const SelectorConsole& console) {
     console.print(system::showCursor);
     console.clearScreen();
     console.print("=== Generate task file ===\n\n");
@@ -186,7 +186,7 @@ DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console
 
 void runSelectorLoop(SelectorState state, const SelectorConsole& console) {
     console.print(system::hideCursor);
-    DialogueEnd turn{std::move(state)};
+    DialogueOutcome turn{std::move(state)};
     while (turn.after == AfterDialogue::goOn) {
         turn.state = scrollToCursors(std::move(turn.state));
         console.clearScreen();

@@ -23,16 +23,16 @@ struct SelectorConsole {
 enum class AfterDialogue : std::uint8_t { goOn, quit };
 
 /// The result of a dialogue.
-struct DialogueEnd {
+struct DialogueOutcome {
     SelectorState state;
     AfterDialogue after = AfterDialogue::goOn;
 };
 
 /// Sets variables in a dialogue line by line. The selector ends when the input ends while a key is awaited.
-[[nodiscard]] DialogueEnd editVariables(SelectorState state, const SelectorConsole& console);
+[[nodiscard]] DialogueOutcome editVariables(SelectorState state, const SelectorConsole& console);
 
 /// Asks for a file name and writes the task file. The selector ends when the user wants no more.
-[[nodiscard]] DialogueEnd generateTaskFile(SelectorState state, const SelectorConsole& console);
+[[nodiscard]] DialogueOutcome generateTaskFile(SelectorState state, const SelectorConsole& console);
 
 /// Shows screens and takes keys until the user quits. Meanwhile, the cursor is hidden.
 void runSelectorLoop(SelectorState state, const SelectorConsole& console);

@@ -144,10 +144,15 @@ std::string variableScreen(const SelectorState& state) {
 } // namespace
 
 std::string currentScreen(const SelectorState& state) {
-    if (state.inVariableTemplates) {
+    switch (pageOf(state)) {
+    case Page::preview:
+        return previewScreen(state);
+    case Page::variableTemplates:
         return variableScreen(state);
+    case Page::main:
+        break;
     }
-    return state.inPreview ? previewScreen(state) : mainScreen(state);
+    return mainScreen(state);
 }
 
 } // namespace morquill::templates

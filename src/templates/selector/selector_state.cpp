@@ -161,14 +161,25 @@ SelectorState makeSelectorState(TemplateLibrary library, std::vector<VariableTem
     return state;
 }
 
+Page pageOf(const SelectorState& state) noexcept {
+    if (state.inVariableTemplates) {
+        return Page::variableTemplates;
+    }
+    return state.inPreview ? Page::preview : Page::main;
+}
+
 SelectorStep pressKey(SelectorState state, std::int32_t pressed) {
     SelectorStep step{std::move(state), SelectorAction::none};
-    if (step.state.inVariableTemplates) {
-        step.action = pressOn(variableKeys, step.state, pressed);
-    } else if (step.state.inPreview) {
-        step.action = pressOn(previewKeys, step.state, pressed);
-    } else {
+    switch (pageOf(step.state)) {
+    case Page::main:
         step.action = pressOn(mainKeys, step.state, pressed);
+        break;
+    case Page::preview:
+        step.action = pressOn(previewKeys, step.state, pressed);
+        break;
+    case Page::variableTemplates:
+        step.action = pressOn(variableKeys, step.state, pressed);
+        break;
     }
     return step;
 }

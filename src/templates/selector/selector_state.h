@@ -35,6 +35,13 @@ struct SelectorState {
     std::int32_t variableTemplateScroll = 0;
 };
 
+/// The pages that a state can show.
+enum class Page : std::uint8_t { main, preview, variableTemplates };
+
+/// Returns the page of a state. The variable templates lie over the preview, which is there again when they
+/// are left.
+[[nodiscard]] Page pageOf(const SelectorState& state) noexcept;
+
 /// What to do after a key, besides showing the new state.
 enum class SelectorAction { none, quit, edit, generate };
 

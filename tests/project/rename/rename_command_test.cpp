@@ -65,5 +65,17 @@ TEST_F(RenameCommand, AFailureIsStatusOneWithoutTheHelp) {
     EXPECT_THAT(output.out, Not(HasSubstr("Usage:")));
 }
 
+TEST(RenameShape, NeedsTheOptionAndATaskFileAnywhere) {
+    const std::vector<const char*> renames[] = {{"a.mq", "-r", "x", "y"}, {"--rename", "x", "y", "p.projmq"}};
+    for (const auto& words : renames) {
+        EXPECT_TRUE(isRenameShape(words)) << words.front();
+    }
+    const std::vector<const char*> others[] = {
+        {}, {"a.mq"}, {"-r", "x"}, {"-r", "-a.mq"}, {"a.mq", "-h"}, {"a.mq", "help"}};
+    for (const auto& words : others) {
+        EXPECT_FALSE(isRenameShape(words)) << words.size();
+    }
+}
+
 } // namespace
 } // namespace morquill::project

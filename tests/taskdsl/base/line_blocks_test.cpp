@@ -30,6 +30,7 @@ TEST(Heredocs, HaveTheTerminatorThatTheirValueNames) {
     EXPECT_EQ(heredocTerminator("<< END "), "END");
     EXPECT_EQ(heredocTerminator("<<END"), "END");
     EXPECT_EQ(heredocTerminator("<<  "), "EOF");
+    EXPECT_EQ(heredocEnd, "EOF");
 }
 
 TEST(FindHeredocEnd, IsTheTerminatorAloneOnItsLine) {
@@ -46,6 +47,12 @@ TEST(FindHeredocEnd, WithoutATerminatorItRunsToTheEndOrABoundary) {
     const BlockEnd end = findHeredocEnd(lines, 0, "EOF");
     EXPECT_FALSE(end.isClosed);
     EXPECT_EQ(end.index, 2U);
+}
+
+TEST(LineEnds, AreLineFeedAndCarriageReturn) {
+    EXPECT_TRUE(lineEnds.meets("a\nb"));
+    EXPECT_TRUE(lineEnds.meets("a\r"));
+    EXPECT_FALSE(lineEnds.meets("a \t\v\f"));
 }
 
 } // namespace

@@ -49,6 +49,14 @@ TEST(Classifiers, DirectiveAndHeader) {
     EXPECT_EQ(taskHeaderName("opt"), "");
 }
 
+TEST(Classifiers, IndentedIsWhatBeginsWithABlankOrATab) {
+    EXPECT_TRUE(isIndented(" a"));
+    EXPECT_TRUE(isIndented("\ta"));
+    EXPECT_FALSE(isIndented("a b"));
+    EXPECT_FALSE(isIndented("\va"));
+    EXPECT_FALSE(isIndented(""));
+}
+
 TEST(Classifiers, MatchWordTakesAnyWhiteSpace) {
     EXPECT_TRUE(matchWord("guess\tx", "guess"));
     EXPECT_TRUE(matchWord("guess", "guess"));
@@ -62,6 +70,21 @@ TEST(Classifiers, TextBehindAWordInAnyCase) {
     EXPECT_EQ(textBehindWord("defined", "defined"), "");
     EXPECT_EQ(textBehindWord("defineda", "defined"), std::nullopt);
     EXPECT_EQ(textBehindWord("def", "defined"), std::nullopt);
+}
+
+TEST(DottedParts, AreAllTestedAndMayBeEmpty) {
+    const auto isShort = [](std::string_view part) { return part.size() < 3; };
+    EXPECT_TRUE(allDottedParts("aa.b", isShort));
+    EXPECT_TRUE(allDottedParts("aa", isShort));
+    EXPECT_TRUE(allDottedParts("", isShort));
+    EXPECT_FALSE(allDottedParts("aaa.b", isShort));
+    EXPECT_FALSE(allDottedParts("a.bbb", isShort));
+    const auto isFilled = [](std::string_view part) { return !part.empty(); };
+    EXPECT_TRUE(allDottedParts("a.b.c", isFilled));
+    EXPECT_FALSE(allDottedParts("a.b.", isFilled));
+    EXPECT_FALSE(allDottedParts("a..b", isFilled));
+    EXPECT_FALSE(allDottedParts(".a", isFilled));
+    EXPECT_FALSE(allDottedParts("", isFilled));
 }
 
 TEST(AssignedValue, IsQuotedOrEndsAtWhiteSpace) {

@@ -18,6 +18,13 @@ TEST(SourceSpan, WithoutAPlacePrintsThePathAlone) {
     EXPECT_EQ(formatSpan({}), "<unknown>");
 }
 
+TEST(SourceSpan, ACoordinateIsClampedToItsLargest) {
+    constexpr std::size_t largest = 2'147'483'647;
+    EXPECT_EQ(toCoordinate(0), 0);
+    EXPECT_EQ(toCoordinate(largest), 2'147'483'647);
+    EXPECT_EQ(toCoordinate(largest + 1), 2'147'483'647);
+}
+
 TEST(SourceSpan, OfALineStartsBehindBlanksAndTabs) {
     EXPECT_EQ(spanOfLine("a.mq", 7, " \t%x y"), (SourceSpan{"a.mq", 7, 3, 7, 7}));
     EXPECT_EQ(spanOfLine("a.mq", 7, ""), (SourceSpan{"a.mq", 7, 1, 7, 1}));

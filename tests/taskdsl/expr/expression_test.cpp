@@ -322,6 +322,16 @@ TEST(PlotExpression, TheFirstNameThatIsNoneIsTheLoss) {
     EXPECT_EQ(printExpression(call).loss, "'a b' is no name");
 }
 
+TEST(PlotExpression, ANameGoesOnWithLettersDigitsAndFiveSigns) {
+    std::string others;
+    for (int byte = 0; byte < 256; ++byte) {
+        const auto c = static_cast<char>(byte);
+        others.append(isExpressionNameChar(c) && !isLetter(c) && !isDigit(c) ? 1 : 0, c);
+    }
+    EXPECT_EQ(others, ".:[]_");
+    EXPECT_TRUE(isExpressionNameChar('0') && isExpressionNameChar('z') && isExpressionNameChar('Z'));
+}
+
 TEST(PlotExpression, OnlyNamesAndStringsHaveAText) {
     EXPECT_EQ(*nameOrString(read("a.b")), "a.b");
     EXPECT_EQ(*nameOrString(read("'a b'")), "a b");
@@ -329,6 +339,18 @@ TEST(PlotExpression, OnlyNamesAndStringsHaveAText) {
         EXPECT_EQ(nameOrString(read(text)), nullptr) << text;
     }
     EXPECT_EQ(nameOrString(nullptr), nullptr);
+}
+
+TEST(PlotExpression, WhereANameOrStringIsAskedForNothingElsePasses) {
+    EXPECT_EQ(requireNameOrString(read("a.b"), "selector", somewhere), "a.b");
+    EXPECT_EQ(requireNameOrString(read("'a b'"), "selector", somewhere), "a b");
+    try {
+        (void)requireNameOrString(read("1"), "selector", somewhere);
+        FAIL() << "a number passed";
+    } catch (const DiagnosticError& error) {
+        EXPECT_EQ(error.message(), "selector must be an identifier or string literal");
+        EXPECT_EQ(error.span(), somewhere);
+    }
 }
 
 TEST(PlotExpression, MappingRebuildsWhatChangedAndSharesTheRest) {

@@ -1,5 +1,6 @@
 #include "taskdsl/expr/statement_reader.h"
 
+#include "fixtures/faults.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 
@@ -28,12 +29,7 @@ std::string shown(std::string_view text) {
 }
 
 std::string faultOf(std::string_view text, std::string_view language = "plot") {
-    try {
-        (void)readPlotStatements(linesOf(text), language);
-    } catch (const DiagnosticError& error) {
-        return error.what();
-    }
-    return "no fault";
+    return messageOf<DiagnosticError>([&] { (void)readPlotStatements(linesOf(text), language); });
 }
 
 TEST(PlotStatements, OnePerLineWithItsPlace) {

@@ -1,5 +1,6 @@
 #include "taskdsl/task/mod_operation.h"
 
+#include "fixtures/faults.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <random>
 
 namespace morquill::taskdsl {
@@ -18,17 +18,8 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::Pair;
 
-std::string faultOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const DiagnosticError& error) {
-        return error.what();
-    }
-    return "no fault";
-}
-
 std::string normalizeFault(const std::string& key, const std::string& value) {
-    return faultOf([&] { (void)normalizeMod(key, value); });
+    return messageOf<DiagnosticError>([&] { (void)normalizeMod(key, value); });
 }
 
 std::string basisFault(const std::string& value) {
@@ -89,7 +80,9 @@ TEST(ParseModTarget, NamesWithSlots) {
 }
 
 TEST(ParseModTarget, Faults) {
-    const auto fault = [](std::string_view name) { return faultOf([&] { (void)parseModTarget(name); }); };
+    const auto fault = [](std::string_view name) {
+        return messageOf<DiagnosticError>([&] { (void)parseModTarget(name); });
+    };
     for (const std::string name : {"charge", "spin", "geom"}) {
         EXPECT_EQ(fault(name + "12"),
                   "positional %mod target '" + name +
@@ -140,7 +133,7 @@ TEST(NormalizeMod, Faults) {
     EXPECT_EQ(normalizeFault("geom:remove", " "), "%mod geom remove requires an atom list");
     EXPECT_EQ(normalizeFault("geom:add", "1"), "unsupported %mod operation 'add' for geom");
     EXPECT_EQ(normalizeFault("geom:subtract", "1"), "unsupported %mod operation 'subtract' for geom");
-    EXPECT_EQ(faultOf([] { (void)readLine("charge"); }), "%mod charge requires a value");
+    EXPECT_EQ(messageOf<DiagnosticError>([] { (void)readLine("charge"); }), "%mod charge requires a value");
 }
 
 TEST(BasisSet, ReadsOptions) {
@@ -195,18 +188,21 @@ TEST(BasisSet, APlaceholderWaitsForItsValue) {
     const OtherMod waiting{"basisset", {"x", "role=[r]"}};
     EXPECT_EQ(readLine("basisset x role=[r]", Placeholders::allowed), ModOperation(waiting));
     EXPECT_EQ(formatModText(waiting), "basisset x role=[r]");
-    EXPECT_EQ(faultOf([] { (void)readLine("basisset x role=[r]"); }), "unsupported %mod basisset role='[r]'");
-    EXPECT_EQ(faultOf([] { (void)readLine("basisset x role=[r", Placeholders::allowed); }),
+    EXPECT_EQ(messageOf<DiagnosticError>([] { (void)readLine("basisset x role=[r]"); }),
+              "unsupported %mod basisset role='[r]'");
+    EXPECT_EQ(messageOf<DiagnosticError>([] { (void)readLine("basisset x role=[r", Placeholders::allowed); }),
               "unsupported %mod basisset role='[r'");
-    EXPECT_EQ(faultOf([] { (void)readLine("basisset x role=[[]", Placeholders::allowed); }),
-              "unsupported %mod basisset role='[[]'");
+    EXPECT_EQ(
+        messageOf<DiagnosticError>([] { (void)readLine("basisset x role=[[]", Placeholders::allowed); }),
+        "unsupported %mod basisset role='[[]'");
     // Keys are not excused.
     EXPECT_EQ(
-        faultOf([] { (void)normalizeMod("charge.[s]", "1", Placeholders::allowed); }),
+        messageOf<DiagnosticError>([] { (void)normalizeMod("charge.[s]", "1", Placeholders::allowed); }),
         "invalid %mod geometry slot '[s]'; slots must begin with a letter and contain only letters, digits, "
         "'_' or '-'");
-    EXPECT_EQ(faultOf([] { (void)normalizeMod("charge:select", "[x]", Placeholders::allowed); }),
-              "unsupported %mod operation 'select' for charge");
+    EXPECT_EQ(
+        messageOf<DiagnosticError>([] { (void)normalizeMod("charge:select", "[x]", Placeholders::allowed); }),
+        "unsupported %mod operation 'select' for charge");
 }
 
 TEST(FormatMod, KeyValueAndLine) {
@@ -348,7 +344,7 @@ TEST(ModEntries, EveryLineIsKeptAndTheLastValueCounts) {
 
 TEST(CheckMods, SlotsMustBeDeclared) {
     const auto fault = [](const TaskInfo& task, Placeholders placeholders = Placeholders::allowed) {
-        return faultOf([&] { checkModsAgainstSources(task, placeholders); });
+        return messageOf<DiagnosticError>([&] { checkModsAgainstSources(task, placeholders); });
     };
     TaskInfo task;
     EXPECT_EQ(fault(task), "no fault");

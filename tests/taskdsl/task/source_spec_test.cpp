@@ -1,5 +1,6 @@
 #include "taskdsl/task/source_spec.h"
 
+#include "fixtures/faults.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/task/task_document.h"
@@ -16,17 +17,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 
-std::string faultOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const DiagnosticError& error) {
-        return error.what();
-    }
-    return "no fault";
-}
-
 std::string bindingFault(const std::string& line) {
-    return faultOf([&] { (void)parseSourceBinding(line); });
+    return messageOf<DiagnosticError>([&] { (void)parseSourceBinding(line); });
 }
 
 std::string printed(std::string_view text) {
@@ -55,7 +47,8 @@ TEST(InlineSource, TheFirstFrameCountsAndOtherWordsAreKept) {
 
 TEST(InlineSource, AFrameIsAPositiveInteger) {
     for (const auto* frame : {"0", "-1", "+1", "x", "", "1.5", "2147483648", "[f]"}) {
-        EXPECT_EQ(faultOf([&] { (void)parseSourceText("xyz=a.xyz frame=" + std::string(frame)); }),
+        EXPECT_EQ(messageOf<DiagnosticError>(
+                      [&] { (void)parseSourceText("xyz=a.xyz frame=" + std::string(frame)); }),
                   "%source xyz frame selector must be a positive integer")
             << frame;
     }
@@ -87,10 +80,10 @@ TEST(InlineSource, FileNamesAreQuotedOnlyWhenNeeded) {
 
 TEST(SourceText, WithALineEndItIsStructuredAndChecked) {
     EXPECT_EQ(printed("geom a\n\n  aux.density b kind=fchk "), "geom a\naux.density b kind=fchk");
-    EXPECT_EQ(faultOf([] { (void)parseSourceText("geom a\ngeom.main b"); }),
+    EXPECT_EQ(messageOf<DiagnosticError>([] { (void)parseSourceText("geom a\ngeom.main b"); }),
               "structured %source declares geometry slot 'main' more than once");
     EXPECT_EQ(
-        faultOf([] { (void)parseSourceText("geom xyz=a frame=[f]\naux b"); }),
+        messageOf<DiagnosticError>([] { (void)parseSourceText("geom xyz=a frame=[f]\naux b"); }),
         "structured %source binding 'geom' has an invalid frame selector; frame must be a positive integer");
 }
 
@@ -208,7 +201,7 @@ SourceBinding bindingWith(const std::function<void(SourceBinding&)>& change) {
 TEST(ValidateStructuredSource, Faults) {
     using Bindings = std::vector<SourceBinding>;
     const auto fault = [](const Bindings& bindings, Placeholders placeholders = Placeholders::allowed) {
-        return faultOf([&] { validateStructuredSource(bindings, placeholders); });
+        return messageOf<DiagnosticError>([&] { validateStructuredSource(bindings, placeholders); });
     };
     const auto one = [&](const std::function<void(SourceBinding&)>& change,
                          Placeholders placeholders = Placeholders::allowed) {
@@ -266,7 +259,7 @@ TEST(SourceBlock, FaultsCarryTheTaskAndThePlaceOfTheLineOrTheDirective) {
             const auto number = static_cast<std::int32_t>(lines.size()) + 3;
             lines.push_back({text, {"t.mq", number, 5, number, 9}});
         }
-        return faultOf([&] { (void)parseSourceBlock(lines, "ts", directive); });
+        return messageOf<DiagnosticError>([&] { (void)parseSourceBlock(lines, "ts", directive); });
     };
     EXPECT_EQ(fault({"geom a", "", "aux xyz=b.xyz frame=[f]"}), "no fault");
     EXPECT_EQ(
@@ -350,14 +343,16 @@ TEST(TaskSource, WithoutANameOrABindingIsNone) {
 TEST(InlineSource, AFrameThatIsNoNumberIsLeftForTheCheck) {
     const std::string fault = "%source xyz frame selector must be a positive integer";
     const auto read = [](const char* text) { return readInlineSource(text); };
-    const auto check = [&](const char* text) { return faultOf([&] { requireNumericFrame(read(text)); }); };
+    const auto check = [&](const char* text) {
+        return messageOf<DiagnosticError>([&] { requireNumericFrame(read(text)); });
+    };
     EXPECT_EQ(formatSourceSpec(read("xyz=a.xyz b frame=x frame=2")), "xyz=a.xyz b frame=x frame=2");
     EXPECT_EQ(check("xyz=a.xyz b frame=x frame=2"), fault);
     EXPECT_EQ(check("xyz=a.xyz frame=0"), fault);
     EXPECT_EQ(check("xyz=a.xyz frame=2 frame=x"), "no fault") << "the first counts";
     EXPECT_EQ(check("xyz=frame=x"), "no fault");
     EXPECT_EQ(check("frame=x"), "no fault") << "a task";
-    EXPECT_EQ(faultOf([] { (void)parseInlineSource("xyz=a.xyz frame=x"); }), fault);
+    EXPECT_EQ(messageOf<DiagnosticError>([] { (void)parseInlineSource("xyz=a.xyz frame=x"); }), fault);
 }
 
 TEST(Reread, AnInlineFileTakesWhatAValueHasBrought) {

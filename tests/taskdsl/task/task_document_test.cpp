@@ -84,5 +84,24 @@ TEST(TaskInfo, ConditionsAreTheTextsOfTheirEntries) {
     EXPECT_EQ(whenConditions(task), (std::vector<std::string>{"completed b", "defined x"}));
 }
 
+TEST(TaskInfo, TheFirstDirectiveOfANameIsFound) {
+    TaskInfo task("a");
+    EXPECT_EQ(firstDirective(task, "source"), nullptr);
+    task.directives.edit() = {{"keywords", {}, {"t.mq", 2, 1, 2, 9}},
+                              {"source", {}, {"t.mq", 3, 1, 3, 9}},
+                              {"source", {}, {"t.mq", 4, 1, 4, 9}}};
+    ASSERT_NE(firstDirective(task, "source"), nullptr);
+    EXPECT_EQ(firstDirective(task, "source")->span.line, 3);
+    EXPECT_EQ(firstDirective(task, "Source"), nullptr);
+}
+
+TEST(TaskDocument, DeclaredTasksAreThoseThatRunWhereNoneAreDeclared) {
+    TaskDocument document;
+    document.tasks.edit().emplace_back("a_1");
+    EXPECT_EQ(declaredTasks(document).front().name, "a_1");
+    document.templateTasks.edit().emplace_back("a");
+    EXPECT_EQ(declaredTasks(document).front().name, "a");
+}
+
 } // namespace
 } // namespace morquill::taskdsl

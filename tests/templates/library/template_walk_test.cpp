@@ -2,6 +2,8 @@
 
 #include "fixtures/scratch_tree.h"
 
+#include <stdexcept>
+
 namespace morquill::templates {
 namespace {
 
@@ -58,6 +60,25 @@ TEST(QuotedPath, ProtectsQuotesAndBackslashes) {
     EXPECT_EQ(quotedPath(""), "\"\"");
     EXPECT_EQ(quotedPath("a b/c"), "\"a b/c\"");
     EXPECT_EQ(quotedPath(R"(a"b\c)"), R"("a\"b\\c")");
+}
+
+TEST_F(TemplateWalk, AFileThatCannotBeLoadedIsReportedAndTheOthersGoOn) {
+    for (const char* name : {"a.yaml", "b.yml", "c.mq", "d.YAML"}) {
+        write(name);
+    }
+    std::vector<std::string> loaded;
+    const Output output = run("", [&] {
+        loadFiles(at(""), {".yaml", ".yml"}, "list", [&](const FoundFile& file) {
+            loaded.push_back(file.stem);
+            if (file.stem == "a") {
+                throw std::runtime_error("no list");
+            }
+        });
+        return 0;
+    });
+    EXPECT_THAT(loaded, UnorderedElementsAre("a", "b"));
+    EXPECT_THAT(output.err, ::testing::StartsWith("[mqkit][ERROR] failed to load list \""));
+    EXPECT_THAT(output.err, ::testing::EndsWith("a.yaml\": no list\n"));
 }
 
 } // namespace

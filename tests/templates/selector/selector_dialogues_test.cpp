@@ -41,7 +41,7 @@ struct Script {
 
 class Dialogue : public ScratchTree {
   protected:
-    void finish(DialogueEnd end) {
+    void finish(DialogueOutcome end) {
         state = std::move(end.state);
         quit = end.after == AfterDialogue::quit;
     }

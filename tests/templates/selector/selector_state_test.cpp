@@ -201,5 +201,16 @@ TEST(Selection, MissingAndEmptyValuesAreUnset) {
     EXPECT_EQ(shownValue(state, "c"), "(unset)");
 }
 
+TEST(PageOf, TheVariableTemplatesLieOverThePreview) {
+    SelectorState state;
+    EXPECT_EQ(pageOf(state), Page::main);
+    state.inPreview = true;
+    EXPECT_EQ(pageOf(state), Page::preview);
+    state.inVariableTemplates = true;
+    EXPECT_EQ(pageOf(state), Page::variableTemplates);
+    state.inPreview = false;
+    EXPECT_EQ(pageOf(state), Page::variableTemplates);
+}
+
 } // namespace
 } // namespace morquill::templates

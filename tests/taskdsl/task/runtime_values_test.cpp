@@ -1,4 +1,4 @@
-#include "taskdsl/generate/runtime_values.h"
+#include "taskdsl/task/runtime_values.h"
 
 #include <gtest/gtest.h>
 
