@@ -233,11 +233,18 @@ std::optional<Fix> nearestFix(const Broken& broken, const std::vector<std::strin
     return nearest.empty() ? std::nullopt : replaceRange(broken.range, std::string(nearest));
 }
 
+/// A task that is called nearly so, but not the one that the name is in: a task that waits for itself never
+/// runs.
 std::optional<Fix> nearestTask(const Broken& broken) {
+    const auto& index = broken.file.index;
+    const auto task = enclosing(index, blockAt(index, broken.range.begin), BlockKind::task);
+    const bool isNamed = task != noIndex && index.blocks[task].name != noIndex;
+    const auto own =
+        isNamed ? broken.file.name(index.occurrences[index.blocks[task].name]) : std::string_view{};
     std::vector<std::string_view> names;
     for (const SourceFile* file : broken.session.sources.documentFiles(broken.file)) {
         for (const auto& o : file->index.occurrences) {
-            if (o.kind == NameKind::task && o.role == NameRole::definition) {
+            if (o.kind == NameKind::task && o.role == NameRole::definition && file->name(o) != own) {
                 names.push_back(file->name(o));
             }
         }

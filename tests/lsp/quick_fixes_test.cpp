@@ -73,8 +73,9 @@ TEST(QuickFixes, LeadToATextThatLintAccepts) {
          "matrix:\n  - choice: 1, 2\n  - choice_2: b, c\n\n$a_[choice]\n  %keywords [choice_2]\n"},
         {"missing-source-task", "$opt\n  %keywords hf\n$b\n  %source Opt\n  %keywords hf\n",
          "$opt\n  %keywords hf\n$b\n  %source opt\n  %keywords hf\n"},
-        {"missing-completed-target", "$scan\n  %keywords hf\n  %when completed scna\n",
-         "$scan\n  %keywords hf\n  %when completed scan\n"},
+        {"missing-completed-target",
+         "$scna2\n  %keywords hf\n  %when completed scna\n$scan\n  %keywords hf\n",
+         "$scna2\n  %keywords hf\n  %when completed scan\n$scan\n  %keywords hf\n"},
         {"parse-error", "$a\n  %keyword hf\n", "$a\n  %keywords hf\n"},
     };
     for (const auto& row : cases) {
