@@ -434,12 +434,29 @@ bool completeExpression(const CompletionPlace& place, Items& items) {
     return true;
 }
 
+/// The values that a form lists: `verbosity p | t`.
+void addWordsOfForm(const HelpRow* row, Items& items) {
+    if (row == nullptr) {
+        return;
+    }
+    for (const auto& value : splitTrimmed(row->form.substr(row->word.size()), '|')) {
+        if (!value.starts_with('<')) {
+            items.add(value, ItemKind::enumeration);
+        }
+    }
+}
+
+/// True where a line of a directive begins, below it or, but for `%batch`, behind it.
+bool isFirstWord(const CompletionPlace& place, HelpTopic topic) {
+    return place.startsLine() || (topic != HelpTopic::batchLine && place.wordBefore().starts_with('%'));
+}
+
 bool completeDirectiveValue(const CompletionPlace& place, Items& items) {
     const auto directive = place.directive();
     const auto wordBefore = place.wordBefore();
     if (directive == "program") {
         items.addHelp(HelpTopic::program, ItemKind::enumeration);
-    } else if (directive == "source") {
+    } else if (directive == "source" && !place.startsLine()) {
         items.addHelp(HelpTopic::source, ItemKind::keyword);
         addTasks(place, items);
     } else if (directive == "interface") {
@@ -449,8 +466,10 @@ bool completeDirectiveValue(const CompletionPlace& place, Items& items) {
     } else if (directive == "control" && wordBefore == "guess") {
         items.add("true", ItemKind::keyword);
         addTasks(place, items);
-    } else if (directive == "control" && place.startsLine()) {
-        items.addHelp(HelpTopic::controlKey, ItemKind::property);
+    } else if (const auto topic = lineTopic(directive); topic && isFirstWord(place, *topic)) {
+        items.addHelp(*topic, ItemKind::property);
+    } else if (directive == "control") {
+        addWordsOfForm(findHelp(HelpTopic::controlKey, wordBefore), items);
     } else if (directive == "when" && equalsNoCase(wordBefore, "completed")) {
         items.add("allothers", ItemKind::keyword);
         addTasks(place, items);

@@ -14,7 +14,7 @@ using enum HelpTopic;
 // clang-format off
 constexpr HelpRow rows[] = {
     {directive, "source", "%source origin | restart | <task> | xyz=<file> [frame=<n>]",
-     "Where the geometry comes from; as a block, one binding a line: geom <source>, geom.<slot> <source>, <file> <task>."},
+     "Where the geometry comes from; as a block, one binding a line."},
     {directive, "program", "%program <name>",
      "The program that runs the task; gaussian unless written."},
     {directive, "keywords", "%keywords <text> | << EOF",
@@ -46,7 +46,7 @@ constexpr HelpRow rows[] = {
     {directive, "interface", "%interface provider | consume <task>",
      "The task's side of an interface."},
     {directive, "meta", "%meta",
-     "The id of the structure: strucid <id>."},
+     "Data of the structure, such as strucid, its id."},
     {directive, "plot", "%plot <kind> [<name>]",
      "A figure of the task's results."},
     {controlKey, "totcore", "totcore <n>",
@@ -77,6 +77,22 @@ constexpr HelpRow rows[] = {
      "How much the program prints."},
     {controlKey, "geom", "geom check",
      "The geometry is read from the checkpoint file."},
+    {sourceBinding, "geom", "geom[.<slot>] <source>",
+     "The main geometry, or that of a further slot."},
+    {batchLine, "lane", "lane <n>",
+     "Number of calculations side by side."},
+    {batchLine, "collect", "collect [required] <pattern> [as <destination>]",
+     "Files that are collected from every calculation."},
+    {batchLine, "cluster", "cluster [dist | rmsd] [geo=] [energy=] [temperature=] [min=] [accum=]",
+     "Keeps one of the structures that are alike."},
+    {modLine, "charge", "charge[.<slot>] [add | subtract] <n>",
+     "The charge, set or changed."},
+    {modLine, "spin", "spin[.<slot>] [add | subtract] <n>",
+     "The multiplicity, set or changed."},
+    {modLine, "geom", "geom[.<slot>] select | remove <atoms>",
+     "The atoms that are kept or left out."},
+    {modLine, "basisset", "basisset <name> [on=element:<list> | on=atom:<list>] [role=<role>] [ecp=auto | none | required]",
+     "A basis set for all or some atoms."},
     {program, "gaussian", "",
      "Gaussian, the program unless another is named; takes %keywords and %extrainput."},
     {program, "orca", "",
@@ -276,7 +292,7 @@ constexpr HelpRow rows[] = {
     {deriveStatement, "formula", "formula <name>(<parameters>) = <expression>",
      "Names an expression with parameters."},
     {deriveStatement, "profile", "profile <name> for <function> = (<arguments>)",
-     "Names arguments, for calls with using=<name>."},
+     "Names arguments, for calls that take them by using."},
     {deriveStatement, "bind", "bind thermo(<arguments>) to (<name> = <quantity>, ...)",
      "One value per quantity of one thermochemistry."},
     {deriveStatement, "from", "from tasks(...) | atoms(<task>) as <alias> | derived(<derive>.<table>)",
@@ -419,9 +435,12 @@ constexpr HelpRow rows[] = {
      "{a,b} in %keywords."},
 };
 
-constexpr std::array<std::string_view, 12> titles{
+constexpr std::array<std::string_view, 15> titles{
     "Directives",
     "Keys of %control",
+    "Lines of %source",
+    "Lines of %batch",
+    "Lines of %mod",
     "Programs",
     "Blocks",
     "Kinds of fragments",
@@ -446,6 +465,18 @@ const HelpRow* findHelp(HelpTopic topic, std::string_view word) noexcept {
         return r.topic == topic && equalsNoCase(r.word, word);
     });
     return row == std::end(rows) ? nullptr : &*row;
+}
+
+std::optional<HelpTopic> lineTopic(std::string_view directive) noexcept {
+    struct Row {
+        std::string_view directive;
+        HelpTopic topic;
+    };
+    constexpr std::array<Row, 4> topics{
+        {{"control", controlKey}, {"source", sourceBinding}, {"batch", batchLine}, {"mod", modLine}}};
+    const auto row = std::find_if(topics.begin(), topics.end(),
+                                  [directive](const Row& r) { return r.directive == directive; });
+    return row == topics.end() ? std::nullopt : std::optional(row->topic);
 }
 
 std::string_view topicTitle(HelpTopic topic) noexcept {

@@ -140,6 +140,13 @@ std::string wordHover(const HoverContext& context) {
     return text;
 }
 
+/// The first word of a line below a directive; a slot stands behind its dot.
+std::string lineHover(const HoverContext& context) {
+    const auto topic = lineTopic(context.directive());
+    const auto name = context.at.name();
+    return topic ? helpText(findHelp(*topic, name.substr(0, name.find('.')))) : std::string();
+}
+
 std::string statementHover(const HoverContext& context) {
     const auto name = context.at.name();
     const auto topic =
@@ -154,7 +161,7 @@ std::string describe(const HoverContext& context) {
     case NameKind::directive:
         return helpText(findHelp(HelpTopic::directive, name == "extrainputs" ? "extrainput" : name));
     case NameKind::controlKey:
-        return helpText(findHelp(HelpTopic::controlKey, name));
+        return lineHover(context);
     case NameKind::program:
         return helpText(findHelp(HelpTopic::program, name));
     case NameKind::statement:

@@ -80,6 +80,13 @@ TEST(Completion, OfKeys) {
 TEST(Completion, OfWordsByPlace) {
     EXPECT_THAT(labels(itemsAt("$a\n  %program |\n")), IsSupersetOf({"orca", "script"}));
     EXPECT_THAT(labels(itemsAt("$a\n  %control\n    |\n")), IsSupersetOf({"totcore", "guess"}));
+    EXPECT_THAT(labels(itemsAt("$a\n  %control\n    verbosity |\n")), ElementsAre("p", "t"));
+    EXPECT_THAT(labels(itemsAt("$a\n  %control\n    totcore |\n")), IsEmpty());
+    EXPECT_THAT(labels(itemsAt("$a\n  %batch\n    |\n")), ElementsAre("lane", "collect", "cluster"));
+    EXPECT_THAT(labels(itemsAt("$a\n  %batch |\n")), IsEmpty());
+    EXPECT_THAT(labels(itemsAt("$a\n  %mod |\n")), ElementsAre("charge", "spin", "geom", "basisset"));
+    EXPECT_THAT(labels(itemsAt("$a\n  %source\n    |\n")), ElementsAre("geom"));
+    EXPECT_THAT(labels(itemsAt("$a\n  %source\n    geom |\n")), ElementsAre("origin", "restart", "xyz", "a"));
     EXPECT_THAT(labels(itemsAt("$a\n  %when |\n")), IsSupersetOf({"completed", "defined"}));
     EXPECT_THAT(labels(itemsAt("@plot |\n")), IsSupersetOf({"barrier", "excited"}));
     EXPECT_THAT(labels(itemsAt("@plot bar b\n  |\n@end\n")), IsSupersetOf({"x", "title", "@end"}));

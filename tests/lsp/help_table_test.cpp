@@ -72,6 +72,14 @@ TEST(HelpTable, HasThePlotsAndStatementsOfTheDocs) {
     }
 }
 
+TEST(HelpTable, HasNoSignsOfMarkdownInItsSentences) {
+    for (const auto& row : helpTable()) {
+        EXPECT_EQ(row.text.find_first_of("<>*_`\\"), std::string_view::npos) << row.word;
+        EXPECT_TRUE(row.text.ends_with('.')) << row.word;
+        EXPECT_TRUE(row.form.empty() || row.form.find(row.word) != std::string_view::npos) << row.word;
+    }
+}
+
 TEST(HelpTable, FindsWordsInAnyCase) {
     EXPECT_EQ(findHelp(HelpTopic::directive, "SOURCE")->word, "source");
     EXPECT_EQ(findHelp(HelpTopic::directive, "totcore"), nullptr);

@@ -29,6 +29,12 @@ TEST(Hover, OfWords) {
     EXPECT_EQ(hoverAt(text, "totc"),
               "`totcore <n>`\n\nNumber of processor cores; the value of the prelude serves tasks "
               "that have none.");
+    const std::string lines = "$a\n  %source\n    geom origin\n    geom.b xyz=b.xyz\n  %batch\n    lane 2\n"
+                              "  %mod\n    charge.b 1\n  %control\n    geom check\n";
+    EXPECT_EQ(hoverAt(lines, "geom.").substr(0, 24), "`geom[.<slot>] <source>`");
+    EXPECT_EQ(hoverAt(lines, "lan"), "`lane <n>`\n\nNumber of calculations side by side.");
+    EXPECT_EQ(hoverAt(lines, "char").substr(0, 16), "`charge[.<slot>] ");
+    EXPECT_EQ(hoverAt(lines, "%control\n    ge").substr(0, 12), "`geom check`");
     EXPECT_EQ(hoverAt(text, "%keywords h"), "-");
     EXPECT_EQ(hoverAt(text, "%program or"), "ORCA; takes %keywords and %extrainput.");
     EXPECT_EQ(hoverAt(text, "%plot sp"),
