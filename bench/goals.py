@@ -5,6 +5,7 @@ import subprocess
 import time
 
 import inputs
+import server
 
 MB = 1_000_000
 
@@ -142,6 +143,7 @@ def run(mqkit, scratch):
     measure_trees(table, mqkit, scratch)
     measure_projects(table, mqkit, scratch)
     measure_graph(table, mqkit, scratch)
+    server.measure(table, f"{mqkit}-lsp", scratch)
     if table.missed:
         print(f"\n{len(table.missed)} goal(s) missed")
     return 1 if table.missed else 0

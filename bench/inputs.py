@@ -17,6 +17,14 @@ def chain(tasks):
         )
 
 
+def short_chain(tasks):
+    """A chain of tasks of about 100 bytes each."""
+    yield "dsl_version: 2\n"
+    for i in range(tasks):
+        before = f"task_{i - 1}" if i else "origin"
+        yield f'$task_{i}\n  %source {before}\n  %keywords "B3LYP/def2TZVP em=gd3bj scrf=(smd,solvent=water) opt freq"\n'
+
+
 def chain_as_xml(tasks):
     """The same chain as XML, one element per line, for a formatter of XML to read and print."""
     yield '<?xml version="1.0"?>\n<document dsl_version="2">\n<settings>\n<totcore>8</totcore>\n</settings>\n'

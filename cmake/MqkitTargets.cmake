@@ -114,14 +114,14 @@ function(mqkit_unit_tests folder)
 endfunction()
 
 # mqkit_suites(<folder>): every .bats file of tests/<folder> is one ctest entry. The program under test is named
-# by MQKIT, the top of the source tree by MQKIT_SOURCE.
+# by MQKIT, the language server by MQKIT_LSP, the top of the source tree by MQKIT_SOURCE.
 function(mqkit_suites folder)
     file(GLOB suites CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/${folder}/*.bats)
     foreach(suite IN LISTS suites)
         get_filename_component(name ${suite} NAME_WE)
         add_test(NAME ${folder}.${name} COMMAND ${BATS} ${suite})
         set_tests_properties(${folder}.${name} PROPERTIES
-            ENVIRONMENT "MQKIT=$<TARGET_FILE:mqkit>;MQKIT_SOURCE=${PROJECT_SOURCE_DIR}"
+            ENVIRONMENT "MQKIT=$<TARGET_FILE:mqkit>;MQKIT_LSP=$<TARGET_FILE:mqkit-lsp>;MQKIT_SOURCE=${PROJECT_SOURCE_DIR}"
             WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}/tests/${folder})
     endforeach()
 endfunction()

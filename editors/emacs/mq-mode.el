@@ -337,6 +337,11 @@ What is below a colon is two further in.  Text and the prelude stay as they are.
     (setq-local compile-command
                 (concat mq-program " lint " (shell-quote-argument (file-name-nondirectory buffer-file-name))))))
 
+;; M-x eglot asks the language server.
+(defvar eglot-server-programs)
+(with-eval-after-load 'eglot
+  (add-to-list 'eglot-server-programs '(mq-mode . ("mqkit-lsp"))))
+
 ;;;###autoload
 (add-to-list 'auto-mode-alist '("\\.\\(?:mq\\|projmq\\|mqlib\\|mqfrag\\)\\'" . mq-mode))
 

@@ -289,10 +289,12 @@ test('vscode: the extension packs', { skip: old && 'vsce needs Node.js 20' }, ()
   const directory = join(scratch(), 'vscode');
   cpSync(join(editors, 'vscode'), directory, { recursive: true });
   cpSync(join(top, 'LICENSE'), join(directory, 'LICENSE'));
+  const install = spawnSync('npm', ['ci', '--omit=dev', '--ignore-scripts', '--no-audit', '--no-fund'], { cwd: directory, encoding: 'utf8' });
+  assert.equal(install.status, 0, install.stdout + install.stderr);
   const result = spawnSync(join(editors, 'test/node_modules/.bin/vsce'),
     ['package', '--allow-missing-repository', '--out', join(directory, 'mqkit.vsix')], { cwd: directory, encoding: 'utf8' });
   assert.equal(result.status, 0, result.stdout + result.stderr);
-  for (const file of ['language-configuration.json', 'mq.tmLanguage.json', 'LICENSE', 'package.json']) {
+  for (const file of ['language-configuration.json', 'mq.tmLanguage.json', 'LICENSE', 'package.json', 'extension.js', 'vscode-languageclient']) {
     assert.match(result.stdout, new RegExp(file.replaceAll('.', '\\.')));
   }
 });

@@ -116,39 +116,59 @@ LintedFile scanLines(std::string_view text, LintFileReport& report) {
     return {rawDslVersion(lines), text.find("{{ energy }}") != std::string_view::npos, {}};
 }
 
+/// What a check of one file takes from its caller.
+struct LintSetting {
+    const taskdsl::WarningSink& warnings;
+    const taskdsl::FileTest& isFile;
+    const taskdsl::FileOverlay& overlay;
+};
+
 /// Checks a file by its text, or reports without one why it cannot be read.
-LintFileReport lintSource(const std::optional<std::string_view>& text, const std::string& path,
-                          const taskdsl::WarningSink& warnings, const taskdsl::FileTest& isFile) {
-    LintFileReport report{.path = path, .issues = {}, .parsed = false};
+LintedText lintSource(const std::optional<std::string_view>& text, const std::string& path,
+                      const LintSetting& setting) {
+    LintedText linted{{.path = path, .issues = {}, .parsed = false}, std::nullopt};
+    LintFileReport& report = linted.report;
     try {
         LintedFile file = scanLines(skipByteOrderMark(text.value_or("")), report);
         // Only a file that declares the old version is read with its tolerance.
         const taskdsl::TaskParser parser({.legacyMultiSource = file.version == "1",
                                           .findLibraryFile = console::findLibraryFile,
-                                          .warnings = warnings,
-                                          .isFile = isFile});
-        const TaskDocument document = text ? parser.parseText(*text, path) : parser.parseFile(path);
+                                          .warnings = setting.warnings,
+                                          .isFile = setting.isFile,
+                                          .overlay = setting.overlay});
+        linted.document = text ? parser.parseText(*text, path) : parser.parseFile(path);
         report.parsed = true;
-        checkDocument(document, file, report);
-    } catch (const taskdsl::DiagnosticError& fault) {
-        check(ParseFault{fault.message(), fault.span(), fault.messageNamesPlace()}, report);
+        checkDocument(*linted.document, file, report);
     } catch (const std::exception& fault) {
-        const std::string message = faultText(fault, path);
-        check(ParseFault{message, {}}, report);
+        addParseFault(fault, report);
     }
-    return report;
+    return linted;
 }
 
 } // namespace
 
 LintFileReport lintText(std::string_view text, const std::string& path,
                         const taskdsl::WarningSink& warnings) {
-    return lintSource(text, path, warnings, {});
+    return lintSource(text, path, {warnings, {}, {}}).report;
 }
 
 LintFileReport lintFile(const std::string& path, const taskdsl::WarningSink& warnings,
                         const taskdsl::FileTest& isFile) {
-    return lintSource(readTextFile(path), path, warnings, isFile);
+    return lintSource(readTextFile(path), path, {warnings, isFile, {}}).report;
+}
+
+LintedText lintAndKeep(std::string_view text, const std::string& path, const taskdsl::WarningSink& warnings,
+                       const taskdsl::FileOverlay& overlay) {
+    return lintSource(text, path, {warnings, {}, overlay});
+}
+
+void addParseFault(const std::exception& fault, LintFileReport& report) {
+    if (const auto* placed = dynamic_cast<const taskdsl::DiagnosticError*>(&fault)) {
+        check(ParseFault{placed->message(), placed->span(), placed->messageNamesPlace()}, report);
+        return;
+    }
+    const std::string message = faultText(fault, report.path);
+    check(ParseFault{message, {}}, report);
 }
 
 } // namespace morquill::lint

@@ -3,7 +3,10 @@
 #include "lint/report.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/generate/parser_options.h"
+#include "taskdsl/task/task_document.h"
 
+#include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,5 +21,19 @@ namespace morquill::lint {
 /// Checks a text as if it were the content of the file `path`.
 [[nodiscard]] LintFileReport lintText(std::string_view text, const std::string& path,
                                       const taskdsl::WarningSink& warnings);
+
+/// A report and the document that it was made from.
+struct LintedText {
+    LintFileReport report;
+    std::optional<taskdsl::TaskDocument> document; ///< nothing when the text was not parsed
+};
+
+/// Checks a text as `lintText` does and keeps the document. Other files are read through the overlay.
+[[nodiscard]] LintedText lintAndKeep(std::string_view text, const std::string& path,
+                                     const taskdsl::WarningSink& warnings,
+                                     const taskdsl::FileOverlay& overlay);
+
+/// Adds the issue of a fault that ended a parse, as `lintText` does for its own.
+void addParseFault(const std::exception& fault, LintFileReport& report);
 
 } // namespace morquill::lint

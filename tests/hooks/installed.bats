@@ -18,6 +18,15 @@ setup() {
     diff -r "$PREFIX/share/vim/vimfiles" "$PREFIX/share/mqkit/editors/vim"
 }
 
+@test "Neovim finds its files where a system Neovim looks, and starts the installed server" {
+    printf '$a\n' >faulty.mq
+    PATH=$PREFIX/bin:$PATH HOME=$PWD nvim --headless -n -i NONE -u NONE \
+        --cmd "set runtimepath^=$PREFIX/share/nvim/site" --cmd 'filetype plugin on' faulty.mq -c 'lua
+        local ok = vim.wait(10000, function() return #vim.diagnostic.get(0) > 0 end, 10)
+        vim.fn.writefile({ vim.bo.filetype, ok and vim.diagnostic.get(0)[1].code or "nothing" }, "out")' -c 'qa!'
+    [ "$(cat out)" = $'mq\nmissing-keywords' ]
+}
+
 @test "Emacs finds its mode in site-lisp" {
     run emacs -Q --batch -L "$PREFIX/share/emacs/site-lisp" --eval "(require 'mq-mode)" a.mq \
         --eval '(progn (font-lock-ensure) (princ (format "%s %s" major-mode (get-text-property 18 (quote face)))))'
@@ -29,12 +38,16 @@ setup() {
     diff <(find . -type f | LC_ALL=C sort) - <<'TXT'
 ./bat/mq.sublime-syntax
 ./emacs/mq-mode.el
+./vim/ale_linters/mq/mqkit_lsp.vim
 ./vim/ftdetect/mq.vim
 ./vim/ftplugin/mq.vim
+./vim/ftplugin/mq_lsp.lua
 ./vim/syntax/mq.vim
 ./vscode/LICENSE
 ./vscode/README.md
+./vscode/extension.js
 ./vscode/language-configuration.json
+./vscode/package-lock.json
 ./vscode/package.json
 ./vscode/syntaxes/mq.tmLanguage.json
 TXT

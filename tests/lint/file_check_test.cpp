@@ -37,6 +37,27 @@ TEST(LintText, ASoundTextHasNoIssue) {
     EXPECT_THAT(report.issues, IsEmpty());
 }
 
+TEST(LintAndKeep, KeepsTheDocumentAndReadsThroughTheOverlay) {
+    const taskdsl::FileOverlay overlay = [](const std::string& path) {
+        return path.ends_with("/other.mq") ? std::optional<std::string>("$b\n%keywords k\n") : std::nullopt;
+    };
+    const auto linted = lintAndKeep("$a\n%keywords k\n&INCLUDE other.mq\n", "/nowhere/t.mq", silent, overlay);
+    EXPECT_TRUE(linted.report.parsed);
+    EXPECT_THAT(linted.report.issues, IsEmpty());
+    ASSERT_TRUE(linted.document);
+    EXPECT_EQ(linted.document->tasks.size(), 2U);
+    EXPECT_FALSE(lintAndKeep("%nonsense\n", "t.mq", silent, {}).document);
+}
+
+TEST(AddParseFault, IsTheIssueOfAParserThatStopped) {
+    LintFileReport report{"t.mq", {}, false};
+    addParseFault(taskdsl::DiagnosticError({"t.mq", 2, 3, 2, 5}, "wrong"), report);
+    ASSERT_EQ(report.issues.size(), 1U);
+    EXPECT_EQ(report.issues[0].code, "parse-error");
+    EXPECT_EQ(report.issues[0].message, "wrong");
+    EXPECT_EQ(report.issues[0].span.line, 2);
+}
+
 TEST(LintText, TheLinesAreCheckedEvenWhenTheTextDoesNotParse) {
     const auto report = lintText("$a\n%keywords k\n#INCLUDE old.mq\n%nonsense\n", "t.mq", silent);
     EXPECT_FALSE(report.parsed);

@@ -18,7 +18,7 @@ load packages
 @test "the programs are stripped, static, and tell their version to who looks inside" {
     mkdir "$BATS_TEST_TMPDIR/one"
     tar -xf "$MQKIT_PACKAGES/mqkit-$(version)-$(uname -s)-$(uname -m).tar.gz" -C "$BATS_TEST_TMPDIR/one" --strip-components=1
-    [ "$(ls "$BATS_TEST_TMPDIR/one/bin")" = $'mqkit\nmqkit-graph' ]
+    [ "$(ls "$BATS_TEST_TMPDIR/one/bin")" = $'mqkit\nmqkit-graph\nmqkit-lsp' ]
     for program in "$BATS_TEST_TMPDIR"/one/bin/*; do
         readelf -S -W "$program" >"$BATS_TEST_TMPDIR/sections"
         grep -q ' \.text ' "$BATS_TEST_TMPDIR/sections"
@@ -47,4 +47,5 @@ load packages
     [ ! -e "$BATS_TEST_TMPDIR/called" ]
     cmp build/mqkit "$MQKIT"
     cmp build/mqkit-graph "$MQKIT-graph"
+    cmp build/mqkit-lsp "$MQKIT-lsp"
 }

@@ -57,7 +57,7 @@ configured() {
 @test "a package without manual pages is refused" {
     configured -G Ninja -DCMAKE_CXX_FLAGS=-O0
     cd build
-    printf '#!/bin/sh\n' | tee mqkit >mqkit-graph # stand for the programs; it is the pages that count
+    printf '#!/bin/sh\n' | tee mqkit mqkit-graph >mqkit-lsp # stand for the programs; it is the pages that count
     run cpack -G TGZ
     [ "$status" -ne 0 ]
     [[ $output == *"a package needs the manual pages"* ]]

@@ -32,6 +32,10 @@ shows_options() {
     "$(dirname "$MQKIT")/mqkit-graph" --help | shows_options mqkit-graph
 }
 
+@test "mqkit-lsp has a page that shows its one option" {
+    "$(dirname "$MQKIT")/mqkit-lsp" --help | shows_options mqkit-lsp
+}
+
 @test "no page has warnings" {
     [ "$(own_pages | wc -l)" -ge 10 ]
     own_pages | while read -r page; do

@@ -30,9 +30,11 @@ works_from() {
     printf '$opt\n%%keywords "hf opt"\n' >"$study"
     [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit fmt "$study")" = $'dsl_version: 2\n\n$opt\n  %source origin\n  %keywords "hf opt"' ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit-graph "$study" --format mermaid | sed -n 2p)" = '  n1["opt<br/>gaussian"]:::gaussian' ]
+    [ "$(printf 'Content-Length: 39\r\n\r\n{"id":1,"jsonrpc":"2.0","method":"ask"}' | "$1/bin/mqkit-lsp" | tail -n 1)" = \
+        '{"error":{"code":-32002,"message":"initialize comes first"},"id":1,"jsonrpc":"2.0"}' ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit template list -d "$1/share/mqkit/templates" | grep -c '(thermochemistry)')" -eq 2 ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" completes "$1/share/bash-completion/completions/mqkit" "mqkit explain $study --task ")" = opt ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" completes "$1/share/bash-completion/completions/mqkit-graph" 'mqkit-graph --format m')" = mermaid ]
     documents_lead_somewhere "$1/share/doc/mqkit"
-    MANPATH=$1/share/man man -w mqkit mqkit-fmt mqkit-migrate mqkit-template mqkit-graph 5 mq >/dev/null
+    MANPATH=$1/share/man man -w mqkit mqkit-fmt mqkit-migrate mqkit-template mqkit-graph mqkit-lsp 5 mq >/dev/null
 }

@@ -15,10 +15,6 @@ constexpr std::string_view taskFunctions[] = {
     "gibbs_corr", "zpe",        "thermal_corr",      "nimag",        "imag_freq",   "kv",
     "result"};
 
-bool takesTask(const std::string& function) {
-    return isOneOf(toLower(function), taskFunctions);
-}
-
 /// The task that the node names: `{{ task.key }}`, or the first argument of a function of tasks. A first
 /// argument that is computed names no task, but may hold references itself.
 void addNameOf(const PlotExpression& node, std::set<std::string>& names) {
@@ -36,6 +32,11 @@ void addNameOf(const PlotExpression& node, std::set<std::string>& names) {
 }
 
 } // namespace
+
+bool takesTask(std::string_view function) {
+    return std::find(std::begin(taskFunctions), std::end(taskFunctions), toLower(function)) !=
+           std::end(taskFunctions);
+}
 
 void addTaskName(const std::string& task, std::set<std::string>& names) {
     if (!task.empty() && !equalsNoCase(task, "self")) {

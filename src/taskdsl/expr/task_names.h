@@ -4,9 +4,13 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 
 /// The tasks that plots and derives name in their expressions.
 namespace morquill::taskdsl::plot {
+
+/// True for a function, named in any case, whose first argument is a task.
+[[nodiscard]] bool takesTask(std::string_view function);
 
 /// Adds a task to the names. An empty name and "self", in any case, name no other task.
 void addTaskName(const std::string& task, std::set<std::string>& names);

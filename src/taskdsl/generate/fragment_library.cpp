@@ -1,6 +1,5 @@
 #include "taskdsl/generate/fragment_library.h"
 
-#include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/base/line_fault.h"
@@ -107,7 +106,7 @@ std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, cons
     if (path.empty()) {
         throw DiagnosticError("empty fragment library path");
     }
-    if (!lookUpRegularFile(path)) {
+    if (!context.run.options.isFile(path)) {
         throw DiagnosticError("fragment library not found: " + path);
     }
     const IncludeChain::Entry entry(context.run.libraryChain, path);
@@ -115,7 +114,7 @@ std::shared_ptr<const FragmentLibrary> loadLibrary(const std::string& name, cons
     auto& library = context.run.libraries[normalisedPath(path)];
     if (!library) {
         context.run.countInclude();
-        const auto text = readTextFile(path);
+        const auto text = context.run.readFile(path);
         if (!text) {
             throw DiagnosticError("fragment library not found: " + path);
         }
@@ -141,10 +140,10 @@ FragmentDefinition loadFragmentFile(const std::string& name, const std::string& 
     if (path.empty()) {
         throw DiagnosticError("empty fragment include path");
     }
-    if (!lookUpRegularFile(path)) {
+    if (!context.run.options.isFile(path)) {
         throw DiagnosticError("included fragment file not found: " + path);
     }
-    const auto text = readTextFile(path);
+    const auto text = context.run.readFile(path);
     if (!text) {
         throw DiagnosticError("cannot open included fragment file: " + path);
     }

@@ -16,6 +16,11 @@ ParserOptions completed(ParserOptions options) {
     if (!options.isFile) {
         options.isFile = lookUpRegularFile;
     }
+    if (options.overlay) {
+        options.isFile = [overlay = options.overlay, onDisk = options.isFile](const std::string& path) {
+            return overlay(path).has_value() || onDisk(path);
+        };
+    }
     return options;
 }
 
@@ -35,6 +40,11 @@ void ParseContext::countInclude() {
         throw DiagnosticError("more than " + std::to_string(limits::includes) +
                               " &INCLUDE lines were followed");
     }
+}
+
+std::optional<std::string> ParseContext::readFile(const std::string& path) const {
+    auto text = options.overlay ? options.overlay(path) : std::nullopt;
+    return text ? std::move(text) : readTextFile(path);
 }
 
 std::string ParseContext::resolveIncludePath(std::string_view name, const std::string& baseFile) const {

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -33,7 +34,8 @@ class EnteredFiles {
 /// The state of one run of the parser, from the first line of the main file to the last one,
 /// through all included files.
 struct ParseContext {
-    /// A missing warning sink becomes one that does nothing, so that stages can call it without a check.
+    /// A missing warning sink becomes one that does nothing, so that stages can call it without a check;
+    /// `options.isFile` answers for the files of the overlay, too.
     explicit ParseContext(ParserOptions parserOptions);
 
     const ParserOptions options;
@@ -52,6 +54,9 @@ struct ParseContext {
 
     /// Counts an include line that is followed. Throws `DiagnosticError` beyond `limits::includes`.
     void countInclude();
+
+    /// The text of a file, from the overlay or the disk; nothing when it cannot be read.
+    [[nodiscard]] std::optional<std::string> readFile(const std::string& path) const;
 
     /// The file that an include target names, see `taskdsl::resolveIncludePath`.
     [[nodiscard]] std::string resolveIncludePath(std::string_view name, const std::string& baseFile) const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/generate/file_overlay.h"
 #include "taskdsl/generate/include_path.h"
 
 #include <functional>
@@ -16,7 +17,8 @@ struct ParserOptions {
     bool legacyMultiSource = false;      ///< `%source a,b` is read
     LibraryFileFinder findLibraryFile{}; ///< without one, `<name>` is looked for beside the including file
     WarningSink warnings{};              ///< receives doubtful forms; without one they pass in silence
-    FileTest isFile{};                   ///< whether an extra file is there; without one the disk is asked
+    FileTest isFile{};                   ///< whether a file is there; without one the disk is asked
+    FileOverlay overlay{};               ///< texts of files that count instead of the disk
 };
 
 } // namespace morquill::taskdsl

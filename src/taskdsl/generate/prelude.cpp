@@ -1,6 +1,5 @@
 #include "taskdsl/generate/prelude.h"
 
-#include "support/file.h"
 #include "support/text.h"
 #include "taskdsl/base/line_fault.h"
 #include "taskdsl/base/scan.h"
@@ -213,11 +212,11 @@ PreludeResult parseYamlInclude(const std::string& target, const std::string& bas
         return {};
     }
     const IncludeChain::Entry entry(context.run.yamlChain, path);
-    if (!lookUpRegularFile(path)) {
+    if (!context.run.options.isFile(path)) {
         context.run.options.warnings("Warning: Included YAML file not found: " + path);
         return {};
     }
-    const auto text = readTextFile(path);
+    const auto text = context.run.readFile(path);
     if (!text) {
         context.run.options.warnings("Warning: Cannot open included YAML file: " + path);
         return {};

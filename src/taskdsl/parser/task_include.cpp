@@ -1,6 +1,5 @@
 #include "taskdsl/parser/task_include.h"
 
-#include "support/file.h"
 #include "support/text.h"
 
 #include <iterator>
@@ -27,11 +26,11 @@ void parseTaskInclude(const std::string& target, const std::string& base, TaskDo
         return;
     }
     const IncludeChain::Entry entry(context.run.taskChain, path);
-    if (!lookUpRegularFile(path)) {
+    if (!context.run.options.isFile(path)) {
         context.run.options.warnings("Warning: Included task file not found: " + path);
         return;
     }
-    const auto text = readTextFile(path);
+    const auto text = context.run.readFile(path);
     if (!text) {
         context.run.options.warnings("Warning: Cannot open included task file: " + path);
         return;

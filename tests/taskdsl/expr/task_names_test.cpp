@@ -31,5 +31,12 @@ TEST(TaskNames, SelfAndNothingAreNoTask) {
     EXPECT_EQ(names, std::set<std::string>{"selfish"});
 }
 
+TEST(TaskNames, FunctionsOfTasksAreKnownInAnyCase) {
+    EXPECT_TRUE(takesTask("energy"));
+    EXPECT_TRUE(takesTask("Free_Energy"));
+    EXPECT_FALSE(takesTask("convert"));
+    EXPECT_FALSE(takesTask(""));
+}
+
 } // namespace
 } // namespace morquill::taskdsl::plot

@@ -49,6 +49,21 @@ TEST(ParseContext, WithoutATestOfItsOwnTheDiskIsAsked) {
     EXPECT_TRUE(own.options.isFile("b.mq"));
 }
 
+TEST(ParseContext, TheOverlayCountsInsteadOfTheDisk) {
+    const TemporaryDirectory directory;
+    const auto onDisk = directory.write("a.mq", "disk");
+    const auto unsaved = directory.path("b.mq");
+    const ParseContext context({.overlay = [&](const std::string& path) {
+        return path == unsaved ? std::optional<std::string>("unsaved") : std::nullopt;
+    }});
+    EXPECT_TRUE(context.options.isFile(onDisk));
+    EXPECT_EQ(context.readFile(onDisk), "disk");
+    EXPECT_TRUE(context.options.isFile(unsaved));
+    EXPECT_EQ(context.readFile(unsaved), "unsaved");
+    EXPECT_FALSE(context.options.isFile(directory.path("c.mq")));
+    EXPECT_EQ(context.readFile(directory.path("c.mq")), std::nullopt);
+}
+
 TEST(EnteredFiles, AreToldApartByWhatTheyAre) {
     const TemporaryDirectory dir;
     const auto file = dir.write("a.mq", "");
