@@ -51,6 +51,14 @@ std::size_t takeOnePath(std::optional<std::string>& path, Words words, ErrorTag 
     return 1;
 }
 
+std::size_t takeOnlyPath(std::optional<std::string>& path, Words words, std::string_view command) {
+    const std::string_view word = words.front();
+    if (word.starts_with('-')) {
+        throw bareRefusal("unknown " + std::string(command) + " option: " + std::string(word));
+    }
+    return takeOnePath(path, words, ErrorTag::none, "unexpected extra argument: ");
+}
+
 std::string ambiguousPrefix(std::string_view what, std::string_view word,
                             const std::vector<std::string>& names) {
     return "ambiguous " + std::string(what) + " prefix: " + std::string(word) +

@@ -160,6 +160,10 @@ template <class Options>
 std::size_t takeOnePath(std::optional<std::string>& path, Words words, ErrorTag tag,
                         std::string_view refusal);
 
+/// The same for a command that takes nothing but options and one path, and whose refusals have no tag. Throws
+/// `UsageError`, too, for a word that begins with "-": "unknown <command> option: <word>".
+std::size_t takeOnlyPath(std::optional<std::string>& path, Words words, std::string_view command);
+
 /// What a word means in a table of names.
 template <class Row>
 struct PrefixMatch {

@@ -75,13 +75,8 @@ constexpr console::OptionRow<GraphOptions> optionRows[] = {
 GraphOptions readCommandLine(int argc, char** argv) {
     GraphOptions options;
     std::optional<std::string> path;
-    console::readWords(console::wordsFrom(argc, argv, 1), optionRows, options, [&](console::Words words) {
-        const std::string_view word = words.front();
-        if (word.starts_with('-')) {
-            throw console::bareRefusal("unknown graph option: " + std::string(word));
-        }
-        return console::takeOnePath(path, words, console::ErrorTag::none, "unexpected extra argument: ");
-    });
+    console::readWords(console::wordsFrom(argc, argv, 1), optionRows, options,
+                       [&](console::Words words) { return console::takeOnlyPath(path, words, "graph"); });
     if (!path) {
         throw console::bareRefusal("mqkit-graph expects a <task.mq> path");
     }

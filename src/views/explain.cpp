@@ -62,13 +62,8 @@ ExplainOptions readCommandLine(int argc, char** argv) {
     }
     ExplainOptions options;
     std::optional<std::string> path;
-    console::readWords(console::wordsFrom(argc, argv, 2), optionRows, options, [&](console::Words words) {
-        const std::string_view word = words.front();
-        if (word.starts_with('-')) {
-            throw console::bareRefusal("unknown explain option: " + std::string(word));
-        }
-        return console::takeOnePath(path, words, console::ErrorTag::none, "unexpected extra argument: ");
-    });
+    console::readWords(console::wordsFrom(argc, argv, 2), optionRows, options,
+                       [&](console::Words words) { return console::takeOnlyPath(path, words, "explain"); });
     if (!path || path->empty()) {
         throw console::HelpRequest();
     }

@@ -155,6 +155,26 @@ TEST(CommandLine, TheSecondPathOfALineIsRefused) {
     EXPECT_EQ(path, "");
 }
 
+TEST(TakeOnlyPath, RefusesUnknownOptionsAndASecondPathWithoutATag) {
+    std::optional<std::string> path;
+    const auto refusalOf = [&path](const char* word) -> std::string {
+        const char* words[] = {word};
+        try {
+            EXPECT_EQ(takeOnlyPath(path, words, "draw"), 1U);
+        } catch (const UsageError& error) {
+            EXPECT_EQ(error.tag(), ErrorTag::none);
+            return error.message();
+        }
+        return "taken";
+    };
+    EXPECT_EQ(refusalOf("-x"), "unknown draw option: -x");
+    EXPECT_EQ(refusalOf("a.mq"), "taken");
+    EXPECT_EQ(path, "a.mq");
+    EXPECT_EQ(refusalOf("b.mq"), "unexpected extra argument: b.mq");
+    EXPECT_EQ(refusalOf("--y"), "unknown draw option: --y");
+    EXPECT_EQ(path, "a.mq");
+}
+
 struct NamedRow {
     std::string_view name;
     int number;
