@@ -68,7 +68,7 @@ counted() {
 }
 
 queue_is_empty() { [[ -z $(squeue -h) ]]; }
-drained() { wait_until "${1:-90}" queue_is_empty || check "the queue within ${1:-90} s" empty "$(squeue -h | head -3)"; }
+drained() { wait_until "${1:-180}" queue_is_empty || check "the queue within ${1:-180} s" empty "$(squeue -h | head -3)"; }
 started_in() { [[ -s $1/runs ]]; }
 none_runs() { [[ -z $(squeue -h -t running,completing) ]]; }
 table_row() { "$recipes/block-status" -n "$1" | awk -v b="$1" '$1 == b { print $2, $3, $4, $5, $6 }'; }
@@ -102,7 +102,7 @@ step_array() {
     scontrol update nodename=localhost state=down reason=test
     wait_until 30 none_runs
     scontrol update nodename=localhost state=resume 2>/dev/null # it may be back already
-    drained 120
+    drained 240
     check "after the first submission" "$((cases - 2)) 0 0 2 0" "$(table_row preopt)"
     check "what failed" $'m10\texit 3\nm20\tlost: CANCELLED by 0' \
         "$("$recipes/block-status" -n preopt --list failed | sed 's|^.*/\(m[0-9]*\)/preopt|\1|' | sort)"
@@ -159,7 +159,7 @@ step_chain() {
     out=$("$recipes/submit-chain" -n search,opt,energy --max 30 2>/dev/null)
     check "three arrays" 3 "$(wc -l <<<"$out")"
     check "two wait for the one before" 2 "$(grep -c ', after aftercorr:' <<<"$out")"
-    drained 150
+    drained 300
     check "search" "$((cases - 1)) 0 0 1 0" "$(table_row search)"
     check "opt" "$((cases - 1)) 0 0 1 0" "$(table_row opt)"
     check "energy" "$((cases - 1)) 0 0 1 0" "$(table_row energy)"
@@ -197,7 +197,7 @@ step_limit() {
     last=$(seq "$cases" | sed 's/^/m/' | LC_ALL=C sort | tail -n 1)
     touch "$last/long/hang" m1/long/fail
     "$recipes/submit-array" -n long --bundle 20 --at-once 4 -- --time=1 --signal=B:USR1@40 >/dev/null 2>&1
-    drained 150
+    drained 300
     check "all done after the limit but the one that fails" "$((cases - 1)) 0 0 1 0" "$(table_row long)"
     check "the block that hung began twice, no other" "$((cases - 1))x1 1x2" "$(counted long start)"
     check "each ended once" "1x0 $((cases - 1))x1" "$(counted long end)"
