@@ -31,9 +31,9 @@ namespace morquill {
 /// True for a directory or a link that leads to one; false likewise.
 [[nodiscard]] bool isDirectory(const std::string& path);
 
-/// `isRegularFile` for workflows in which a failing disk must not pass for a missing file: false for what this
-/// user may not look at, but throws `std::system_error`, whose text names the path, when the system fails to
-/// look it up.
+/// `isRegularFile` for workflows in which a failing disk must not pass for a missing file: false for what
+/// this user may not look at, but throws `std::system_error`, whose text names the path, when the system
+/// fails to look it up.
 [[nodiscard]] bool lookUpRegularFile(const std::string& path);
 /// `isDirectory`, likewise.
 [[nodiscard]] bool lookUpDirectory(const std::string& path);

@@ -26,7 +26,8 @@ std::vector<std::string> matchNames(const std::string& blockDir, const std::stri
                                     MatchedKind kind) {
     auto names = listDirectoryEntries(blockDir, pattern);
     if (kind == MatchedKind::directories) {
-        std::erase_if(names, [&](const std::string& name) { return !lookUpDirectory(joinPath(blockDir, name)); });
+        std::erase_if(names,
+                      [&](const std::string& name) { return !lookUpDirectory(joinPath(blockDir, name)); });
     }
     return names;
 }

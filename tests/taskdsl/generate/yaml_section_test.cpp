@@ -13,7 +13,8 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using ::testing::StartsWith;
 
-YamlSection readSection(const std::string& text, const std::string& path = "t.mq", std::size_t firstLine = 1) {
+YamlSection readSection(const std::string& text, const std::string& path = "t.mq",
+                        std::size_t firstLine = 1) {
     return readYamlSection(text, path, firstLine);
 }
 
