@@ -45,8 +45,8 @@ std::optional<StatusBackup> takeBackup(const std::string& path) {
     StatusBackup backup;
     backup.path = path;
     backup.entry = identityAt(backup.path);
-    if (!backup.entry && !isAbsence()) {
-        return std::nullopt;
+    if (!backup.entry) {
+        return isAbsence() ? std::optional(std::move(backup)) : std::nullopt;
     }
     std::error_code error;
     if (backup.entry && S_ISLNK(backup.entry->kind)) {
