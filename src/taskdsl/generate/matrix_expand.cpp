@@ -162,7 +162,9 @@ class MatrixExpansion {
     }
 
     std::vector<TaskInfo> run() {
+        constexpr std::size_t variantSize = 512; // in small blocks, by rule of thumb
         std::vector<TaskInfo> variants;
+        reserveHeap(walk_.size() * templates_.size() * variantSize);
         reserveLarge(variants, walk_.size() * templates_.size());
         do {
             chooseCombination();
