@@ -13,6 +13,9 @@ namespace {
 
 /// Simpler than the parser's idea of a comment: a `#` outside quotes that no backslash precedes.
 std::string_view stripRawComment(std::string_view line) noexcept {
+    if (line.find('#') == std::string_view::npos) {
+        return line;
+    }
     QuoteWalk walk(taskdsl::quote_rules::rawComment);
     for (std::size_t at = 0; at < line.size(); at = walk.step(line, at)) {
         if (line[at] == '#' && walk.inOpen() && (at == 0 || line[at - 1] != '\\')) {
@@ -30,23 +33,30 @@ class BlockWalk {
   public:
     void read(RawLine& line) noexcept {
         const auto statement = line.statement;
-        if (const auto control = taskdsl::textBehindWord(statement, "%control")) {
+        const bool marked = marks.find(statement.front()) != std::string_view::npos;
+        if (!marked) {
+            readInside(line);
+        } else if (const auto control = taskdsl::textBehindWord(statement, "%control")) {
             open_ = control->empty() ? OpenBlock::control : OpenBlock::none;
             line.controlText = *control;
         } else if (const auto process = behindProcess(statement)) {
             open_ = process->empty() ? OpenBlock::process : OpenBlock::none;
             line.processText = *process;
-        } else if (marks.find(statement.front()) != std::string_view::npos) {
+        } else {
             open_ = OpenBlock::none;
-        } else if (open_ == OpenBlock::control) {
-            line.controlText = statement;
-        } else if (open_ == OpenBlock::process) {
-            line.processText = statement;
         }
     }
 
   private:
     static constexpr std::string_view marks = "$%@";
+
+    void readInside(RawLine& line) const noexcept {
+        if (open_ == OpenBlock::control) {
+            line.controlText = line.statement;
+        } else if (open_ == OpenBlock::process) {
+            line.processText = line.statement;
+        }
+    }
 
     /// `%preprocess` opens a block only when it is alone on its line.
     static std::optional<std::string_view> behindProcess(std::string_view statement) noexcept {

@@ -1,6 +1,7 @@
 #include "support/descriptor.h"
 
 #include "support/fault.h"
+#include "support/large_memory.h"
 
 #include <cerrno>
 #include <memory>
@@ -100,7 +101,9 @@ std::optional<std::string> readToEnd(int fd, std::size_t expectedSize) {
     constexpr std::size_t smallest = 4096;
     std::string content;
     // One byte more than the size, so that the end of the file is seen without a second allocation.
-    content.resize(expectedSize > 0 ? expectedSize + 1 : smallest);
+    const std::size_t size = expectedSize > 0 ? expectedSize + 1 : smallest;
+    reserveLarge(content, size);
+    content.resize(size);
     for (std::size_t used = 0;;) {
         const ssize_t got = readSome(fd, content.data() + used, content.size() - used);
         if (got < 0) {

@@ -2,7 +2,9 @@
 
 #include "support/descriptor.h"
 
-#include <filesystem>
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <new>
 #include <system_error>
 
@@ -11,8 +13,6 @@
 #include <unistd.h>
 
 namespace morquill {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -24,19 +24,19 @@ bool exceedsMemory(off_t size) noexcept {
     return pages > 0 && pageSize > 0 && size / pageSize >= pages;
 }
 
-/// What a path leads to; `none` for what this user may not look at. A path that the system fails to look up
-/// must not pass for a free one: that throws `std::system_error`.
-fs::file_type kindAt(const std::string& path) {
-    std::error_code error;
-    const auto type = fs::status(path, error).type();
-    const bool isAnswer = !error || type == fs::file_type::not_found ||
-                          error == std::errc::permission_denied ||
-                          error == std::errc::too_many_symbolic_link_levels ||
-                          error == std::errc::filename_too_long || error == std::errc::invalid_argument;
-    if (!isAnswer) {
-        throw std::system_error(error, "could not look up " + path);
+/// The mode of what a path leads to; nothing where there is none, or where this user may not look. A path
+/// that the system fails to look up must not pass for a free one: that throws `std::system_error`.
+std::optional<mode_t> modeAt(const std::string& path) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) == 0) {
+        return info.st_mode;
     }
-    return type;
+    constexpr std::array answers{ENOENT, ENOTDIR, EACCES, ELOOP, ENAMETOOLONG, EINVAL};
+    const int error = errno;
+    if (std::find(answers.begin(), answers.end(), error) == answers.end()) {
+        throw std::system_error(error, std::system_category(), "could not look up " + path);
+    }
+    return std::nullopt;
 }
 
 /// Bytes below which nobody asks how much memory there is.
@@ -81,21 +81,23 @@ std::optional<std::string> readInputFile(const std::string& path) try {
 }
 
 bool isRegularFile(const std::string& path) {
-    std::error_code error;
-    return fs::is_regular_file(path, error);
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
 bool isDirectory(const std::string& path) {
-    std::error_code error;
-    return fs::is_directory(path, error);
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 bool lookUpRegularFile(const std::string& path) {
-    return kindAt(path) == fs::file_type::regular;
+    const auto mode = modeAt(path);
+    return mode && S_ISREG(*mode);
 }
 
 bool lookUpDirectory(const std::string& path) {
-    return kindAt(path) == fs::file_type::directory;
+    const auto mode = modeAt(path);
+    return mode && S_ISDIR(*mode);
 }
 
 } // namespace morquill

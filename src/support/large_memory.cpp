@@ -1,7 +1,9 @@
 #include "support/large_memory.h"
 
+#include <cstdlib>
 #include <memory>
 
+#include <malloc.h>
 #include <sys/mman.h>
 
 namespace morquill {
@@ -22,6 +24,22 @@ void preferHugePages(void* block, std::size_t bytes) noexcept {
         // A refusal does no harm: the pages are small then.
         (void)::madvise(block, bytes, MADV_HUGEPAGE);
     }
+}
+
+void reserveHeap(std::size_t bytes) noexcept {
+    if (bytes < worthwhile) {
+        return;
+    }
+    // The C library hands out small blocks from the end of its heap, which grows page by page. One block of
+    // the whole size, taken from there and given back, leaves the heap grown, as long as nothing is trimmed.
+    constexpr int largestHeapBlock = 32 << 20; // the most that the C library takes
+    ::mallopt(M_TRIM_THRESHOLD, -1);
+    ::mallopt(M_MMAP_THRESHOLD, largestHeapBlock);
+    ::mallopt(M_MMAP_MAX, 0);
+    void* const block = std::malloc(bytes);
+    preferHugePages(block, block == nullptr ? 0 : bytes);
+    std::free(block);
+    ::mallopt(M_MMAP_MAX, 1 << 16); // as it is by default
 }
 
 } // namespace morquill

@@ -22,6 +22,10 @@ void reserveLarge(List& list, std::size_t count) {
     }
 }
 
+/// Makes room in the heap for about that many bytes in small blocks, in huge pages: for a document whose
+/// records, each small, will fill many megabytes. Does nothing for less, or when there is no room.
+void reserveHeap(std::size_t bytes) noexcept;
+
 /// Keeps a value until the end of the run without ever destroying it. Meant for a document of many megabytes,
 /// the one that the run is about: destroying it piece by piece takes as long as printing it.
 template <class T>

@@ -2,10 +2,12 @@
 
 #include "support/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <system_error>
 
 namespace morquill {
@@ -13,6 +15,37 @@ namespace morquill {
 namespace {
 
 constexpr std::int64_t maxInt32 = 2147483647;
+
+/// As many digits survive the way from a text into a double and back.
+constexpr int safeDigits = std::numeric_limits<double>::digits10;
+
+/// True for small integers, which most numbers are; -0 is none of them.
+bool isSmallInteger(double value) noexcept {
+    return std::abs(value) < 1e15 && value == std::trunc(value) && !std::signbit(value);
+}
+
+/// A number in scientific notation, with no more digits than tell it from any other.
+class ShortestForm {
+  public:
+    explicit ShortestForm(double value) noexcept {
+        const auto end = std::to_chars(text_.begin(), text_.end(), value, std::chars_format::scientific).ptr;
+        const auto mark = std::find(text_.begin(), end, 'e');
+        size_ = static_cast<std::size_t>(end - text_.begin());
+        digits_ = static_cast<int>(std::count_if(text_.begin(), mark, isDigit));
+        const char* const sign = mark + 1; // from_chars takes no plus
+        (void)std::from_chars(sign + (*sign == '+' ? 1 : 0), end, exponent_);
+    }
+
+    [[nodiscard]] std::string_view text() const noexcept { return {text_.data(), size_}; }
+    [[nodiscard]] int digits() const noexcept { return digits_; }
+    [[nodiscard]] int exponent() const noexcept { return exponent_; }
+
+  private:
+    std::array<char, 32> text_{};
+    std::size_t size_ = 0;
+    int digits_ = 0;
+    int exponent_ = 0;
+};
 
 } // namespace
 
@@ -82,13 +115,33 @@ std::optional<double> readDouble(std::string_view text) {
 
 std::string formatSignificant(double value, int digits) {
     std::array<char, 64> buffer{};
-    // Small integers, which most numbers are, have one form whatever the digits; -0 is none of them.
-    if (digits >= 15 && std::abs(value) < 1e15 && value == std::trunc(value) && !std::signbit(value)) {
+    // Small integers have one form whatever the digits.
+    if (digits >= safeDigits && isSmallInteger(value)) {
         const auto end = std::to_chars(buffer.begin(), buffer.end(), static_cast<std::int64_t>(value));
         return {buffer.begin(), end.ptr};
     }
+    // A number that somebody wrote has few digits: the shortest form has them all and is found faster.
+    if (std::isnormal(value) && digits <= safeDigits) {
+        if (const ShortestForm shortest(value); shortest.digits() <= digits) {
+            if (shortest.exponent() < -4 || shortest.exponent() >= digits) {
+                return std::string(shortest.text());
+            }
+            const auto end = std::to_chars(buffer.begin(), buffer.end(), value, std::chars_format::fixed);
+            return {buffer.begin(), end.ptr};
+        }
+    }
     const auto end = std::to_chars(buffer.begin(), buffer.end(), value, std::chars_format::general, digits);
     return {buffer.begin(), end.ptr};
+}
+
+bool significantReadsBack(double value, int digits) {
+    if (!std::isfinite(value) || (digits >= safeDigits && isSmallInteger(std::abs(value)))) {
+        return true;
+    }
+    if (std::isnormal(value) && digits <= safeDigits) {
+        return ShortestForm(value).digits() <= digits;
+    }
+    return readDouble(formatSignificant(value, digits)) == value;
 }
 
 } // namespace morquill

@@ -23,9 +23,28 @@ std::optional<fs::path> behindCurrentDirectory(std::string_view path) {
     return error ? std::nullopt : std::optional(std::move(absolute));
 }
 
+/// True for an absolute path that is lexically normal: it has no empty component, no "." and no "..".
+bool isPlainPath(std::string_view path) noexcept {
+    if (!path.starts_with('/')) {
+        return false;
+    }
+    for (std::size_t begin = 1; begin <= path.size();) {
+        const std::size_t end = std::min(path.find('/', begin), path.size());
+        const auto component = path.substr(begin, end - begin);
+        if (component.empty() || component == "." || component == "..") {
+            return false;
+        }
+        begin = end + 1;
+    }
+    return true;
+}
+
 } // namespace
 
 std::string absolutePath(std::string_view path) {
+    if (isPlainPath(path)) {
+        return std::string(path); // nearly all are
+    }
     return behindCurrentDirectory(path).value_or(fs::path(path)).lexically_normal().string();
 }
 

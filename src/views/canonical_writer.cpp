@@ -318,7 +318,8 @@ class DocumentPrinter {
         if (context_.warnings) {
             reportLostHeadLines(context_);
         }
-        text_.reserve(typicalTaskSize * std::max(document_.tasks.size(), document_.templateTasks.size()));
+        text_.reserve(typicalTaskSize * std::max(document_.tasks.size(), document_.templateTasks.size()) +
+                      typicalBlockSize * (document_.plots.size() + document_.derives.size()));
         writeSettings(text_, document_);
         if (isSource) {
             writeMatrix(text_, document_);
@@ -374,7 +375,8 @@ class DocumentPrinter {
         }
     }
 
-    static constexpr std::size_t typicalTaskSize = 256; ///< in bytes, as printed
+    static constexpr std::size_t typicalTaskSize = 256;   ///< in bytes, as printed
+    static constexpr std::size_t typicalBlockSize = 1024; ///< of a plot or derive
 
     const ReadBackContext context_;
     const TaskDocument& document_;

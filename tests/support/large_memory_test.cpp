@@ -36,6 +36,13 @@ TEST(PreferHugePages, TakesBlocksThatBeginAnywhere) {
     EXPECT_EQ(block.back(), 'x');
 }
 
+TEST(ReserveHeap, LeavesTheHeapUsable) {
+    reserveHeap(10);
+    reserveHeap(std::size_t{64} << 20);
+    std::vector<std::string> texts(100'000, std::string(100, 'a'));
+    EXPECT_EQ(texts.back(), std::string(100, 'a'));
+}
+
 TEST(KeepUntilExit, KeepsEachValueWhereItIs) {
     struct Counted {
         explicit Counted(int& destroyed) : count(&destroyed) {}

@@ -2,7 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
 
 namespace morquill {
 namespace {
@@ -54,6 +60,44 @@ TEST(Number, SignificantDigits) {
     EXPECT_EQ(formatSignificant(298.15, 12), "298.15");
     EXPECT_EQ(formatSignificant(1e20, 12), "1e+20");
     EXPECT_EQ(formatSignificant(1.0 / 3, 15), "0.333333333333333");
+    EXPECT_EQ(formatSignificant(627.5095, 15), "627.5095");
+    EXPECT_EQ(formatSignificant(0.1, 17), "0.10000000000000001");
+    EXPECT_EQ(formatSignificant(100000, 3), "1e+05");
+    EXPECT_EQ(formatSignificant(5e-324, 15), "4.94065645841247e-324");
+    EXPECT_EQ(formatSignificant(-0.0, 15), "-0");
+}
+
+/// Numbers of all sizes and of one to seventeen digits, with both signs.
+std::vector<double> manyNumbers() {
+    std::vector<double> numbers{0.0, 5e-324, 2.2250738585072014e-308, 1.7976931348623157e308, INFINITY};
+    std::mt19937_64 random(1);
+    for (int exponent = -320; exponent <= 305; ++exponent) {
+        for (std::uint64_t scale = 10; scale <= 100'000'000'000'000'000; scale *= 10) {
+            const std::string text = std::to_string(random() % scale) + "e" + std::to_string(exponent - 8);
+            numbers.push_back(std::strtod(text.c_str(), nullptr));
+        }
+    }
+    std::vector<double> both = numbers;
+    for (const double number : numbers) {
+        both.push_back(-number);
+    }
+    return both;
+}
+
+TEST(Number, SignificantDigitsAreThoseOfTheCLibrary) {
+    for (const double number : manyNumbers()) {
+        for (const int digits : {3, 12, 15, 17}) {
+            std::array<char, 64> text{};
+            std::snprintf(text.data(), text.size(), "%.*g", digits, number);
+            ASSERT_EQ(formatSignificant(number, digits), text.data());
+            ASSERT_EQ(significantReadsBack(number, digits), std::strtod(text.data(), nullptr) == number)
+                << text.data() << " of " << digits << " digits";
+        }
+    }
+}
+
+TEST(Number, NoNumberReadsAsNoNumber) {
+    EXPECT_TRUE(significantReadsBack(NAN, 15));
 }
 
 } // namespace

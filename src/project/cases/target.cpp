@@ -69,12 +69,11 @@ std::vector<std::string> namesIn(const std::string& root) {
     }
 }
 
-/// True for a directory of a project that holds a task file. One that this user may not read is none, which
-/// is reported: it may be somebody's case.
-bool isCaseDirectory(const std::string& dir) {
+/// As `anyDirectoryEntry` for a directory that may be somebody's case. One that this user may not read has
+/// nothing, which is reported.
+bool anyEntryOfCase(const std::string& dir, const std::function<bool(const std::string&)>& accept) {
     try {
-        return anyDirectoryEntry(
-            dir, [](const std::string& entry) { return extensionOf(entry) == taskExtension; });
+        return anyDirectoryEntry(dir, accept);
     } catch (const std::system_error& failure) {
         if (!isForbidden(failure)) {
             throw;
@@ -82,6 +81,26 @@ bool isCaseDirectory(const std::string& dir) {
         reportLeftOut(dir, failure.what());
         return false;
     }
+}
+
+/// True for a directory of a project that holds a task file.
+bool isCaseDirectory(const std::string& dir) {
+    return anyEntryOfCase(dir, [](const std::string& entry) { return extensionOf(entry) == taskExtension; });
+}
+
+/// The first name that ends in the extension, in byte order, of a directory that is a case; nothing for any
+/// other. The bare extension is such a name, but makes no case.
+std::optional<std::string> firstTaskFile(const std::string& dir) {
+    std::optional<std::string> first;
+    bool isCase = false;
+    (void)anyEntryOfCase(dir, [&](const std::string& entry) {
+        if (entry.ends_with(taskExtension)) {
+            isCase = isCase || extensionOf(entry) == taskExtension;
+            first = first ? std::min(*first, entry) : entry;
+        }
+        return false; // on to the next
+    });
+    return isCase ? first : std::nullopt;
 }
 
 bool hasProjectTemplate(const std::string& dir) {
@@ -201,6 +220,17 @@ std::vector<std::string> listCaseDirectories(const std::string& root) {
         std::string path = joinPath(root, name);
         if (name.front() != '.' && isCaseDirectory(path)) {
             cases.push_back(std::move(path));
+        }
+    }
+    return cases;
+}
+
+std::vector<CaseFile> listCaseFiles(const std::string& root) {
+    std::vector<CaseFile> cases;
+    for (const std::string& name : namesIn(root)) {
+        std::string path = joinPath(root, name);
+        if (auto file = name.front() == '.' ? std::nullopt : firstTaskFile(path)) {
+            cases.push_back({std::move(path), *std::move(file)});
         }
     }
     return cases;

@@ -43,6 +43,14 @@ struct ProjectTemplate {
 /// the extension `.mq`.
 [[nodiscard]] std::vector<std::string> listCaseDirectories(const std::string& root);
 
+/// A case directory with its first task file by name.
+struct CaseFile {
+    std::string dir;
+    std::string name; ///< of the first entry that ends in `.mq`, of whatever kind
+};
+/// The case directories as above, for who needs their task files: each directory is listed once.
+[[nodiscard]] std::vector<CaseFile> listCaseFiles(const std::string& root);
+
 /// The names in a directory with the extension `.mq`, of whatever kind, in ascending byte order.
 [[nodiscard]] std::vector<std::string> listTaskFiles(const std::string& dir);
 

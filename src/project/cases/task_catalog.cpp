@@ -2,7 +2,6 @@
 
 #include "console/library_file.h"
 #include "project/cases/target.h"
-#include "support/directory.h"
 #include "support/fault.h"
 #include "support/file.h"
 #include "support/name_list.h"
@@ -214,12 +213,8 @@ Outcome<TaskCatalog> loadCatalog(const std::string& root, const std::string& fil
     bool anyParsed = !firstFailure;
     std::size_t caseFailures = 0;
     CaseReader reader(builder, file, warnings);
-    for (const std::string& caseDir : listCaseDirectories(root)) {
-        const std::vector<std::string> files = listDirectoryEntries(caseDir, "*.mq");
-        if (files.empty()) {
-            continue;
-        }
-        if (reader.read(caseDir, joinPath(caseDir, files.front()))) {
+    for (const auto& [caseDir, taskFile] : listCaseFiles(root)) {
+        if (reader.read(caseDir, joinPath(caseDir, taskFile))) {
             anyParsed = true;
         } else {
             ++caseFailures;

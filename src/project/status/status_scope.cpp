@@ -40,11 +40,11 @@ std::optional<StatusBackup> takeBackup(const std::string& path) {
     StatusBackup backup;
     backup.path = path;
     backup.entry = identityAt(backup.path);
-    if (!backup.entry && !isAbsence(errno)) {
-        return std::nullopt;
+    if (!backup.entry) {
+        return isAbsence(errno) ? std::optional(std::move(backup)) : std::nullopt;
     }
     std::error_code error;
-    if (backup.entry && S_ISLNK(backup.entry->kind)) {
+    if (S_ISLNK(backup.entry->kind)) {
         backup.link = fs::read_symlink(backup.path, error).string();
         if (error) {
             return std::nullopt;

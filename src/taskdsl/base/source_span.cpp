@@ -9,16 +9,14 @@ namespace morquill::taskdsl {
 
 namespace {
 
-void appendNumber(std::string& out, std::int32_t number) {
-    std::array<char, 16> buffer{};
-    out.append(buffer.begin(), std::to_chars(buffer.begin(), buffer.end(), number).ptr);
-}
+/// Room for four coordinates of eleven characters each, and what is between them.
+using PlaceText = std::array<char, 48>;
 
-/// `<line>:<column>`.
-void appendPlace(std::string& out, std::int32_t line, std::int32_t column) {
-    appendNumber(out, line);
-    out += ':';
-    appendNumber(out, column);
+/// Writes `<line>:<column>`; returns the place behind it.
+char* writePlace(char* at, PlaceText& text, std::int32_t line, std::int32_t column) noexcept {
+    at = std::to_chars(at, text.end(), line).ptr;
+    *at++ = ':';
+    return std::to_chars(at, text.end(), column).ptr;
 }
 
 } // namespace
@@ -47,11 +45,13 @@ void appendSpan(std::string& out, const SourceSpan& span) {
         out += span.path.view();
         out += ':';
     }
-    appendPlace(out, span.line, span.column);
+    PlaceText text; // not initialised: explain prints a place for every line of a file
+    char* end = writePlace(text.begin(), text, span.line, span.column);
     if (span.endLine != span.line || span.endColumn != span.column) {
-        out += '-';
-        appendPlace(out, span.endLine, span.endColumn);
+        *end++ = '-';
+        end = writePlace(end, text, span.endLine, span.endColumn);
     }
+    out.append(text.begin(), end);
 }
 
 SourceSpan spanOfLine(const SharedText& path, std::size_t lineNumber, std::string_view rawText) {

@@ -169,17 +169,24 @@ class StatementPrinter {
     template <class Statement>
     std::string print(const Statement& s, ExprRef Statement::*expression, const std::string& head,
                       const std::string& tail) {
-        return head + check_.print(s.*expression, subjectOf(head), readsBetween(s, expression, head, tail)) +
-               tail;
+        return between(head,
+                       check_.print(s.*expression, subjectOf(head), readsBetween(s, expression, head, tail)),
+                       tail);
     }
 
     /// The same for an expression that has to be tried whatever it looks like.
     template <class Statement>
     std::string tryForms(const Statement& s, ExprRef Statement::*expression, const std::string& head,
                          const std::string& tail) {
-        return head +
-               check_.tryForms(s.*expression, subjectOf(head), readsBetween(s, expression, head, tail)) +
-               tail;
+        return between(
+            head, check_.tryForms(s.*expression, subjectOf(head), readsBetween(s, expression, head, tail)),
+            tail);
+    }
+
+    static std::string between(std::string_view head, std::string_view text, std::string_view tail) {
+        std::string line;
+        line.reserve(head.size() + text.size() + tail.size());
+        return line.append(head).append(text).append(tail);
     }
 
     /// The name of the statement in a warning: its head without the equals sign.
@@ -239,7 +246,9 @@ std::string renderDeriveCondition(const DeriveCondition& condition) {
 
 std::string renderDerive(const DeriveSpec& spec, std::string_view indent, const WarningSink& warnings) {
     StatementPrinter printer(spec.name, warnings);
+    constexpr std::size_t typicalLine = 64; // in bytes
     LineBuilder block(indent);
+    block.reserve(typicalLine * (spec.statements.size() + 2));
     block.line("@derive ", spec.name);
     block.deeper();
     for (const auto& statement : spec.statements) {

@@ -174,17 +174,22 @@ class Expander {
 
         Expanded result{expression};
         bool changed = profile != nullptr;
-        plot::CallExpr expanded{call.name, {}};
+        std::vector<PlotCallArgument> arguments; // once one of them has changed
         forEachArgument(call, profile, place, [&](const PlotCallArgument& argument, const Place& at) {
             Expanded value = expand(argument.value, at);
-            changed = changed || value.expression != argument.value;
+            if (!changed && value.expression != argument.value) {
+                changed = true; // without a profile, the argument is one of the call
+                arguments.assign(call.arguments.data(), &argument);
+            }
             result.nodes += value.nodes;
             result.depth = std::max(result.depth, value.depth);
-            expanded.arguments.push_back({argument.name, argument.named, std::move(value.expression)});
+            if (changed) {
+                arguments.push_back({argument.name, argument.named, std::move(value.expression)});
+            }
         });
         ++result.depth;
         if (changed) {
-            result.expression = plot::makeExpression(std::move(expanded));
+            result.expression = plot::makeExpression(plot::CallExpr{call.name, std::move(arguments)});
         }
         return result;
     }

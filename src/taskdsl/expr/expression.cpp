@@ -1,8 +1,10 @@
 #include "taskdsl/expr/expression.h"
 
+#include "support/byte_set.h"
 #include "support/match.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/escape.h"
 #include "taskdsl/expr/expression_walk.h"
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/expr/precedence.h"
@@ -50,18 +52,15 @@ struct PrintItem {
 
 /// True for a task or key that no walk through a statement stops at.
 bool isCalm(std::string_view text) noexcept {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
-        return isLetter(c) || isDigit(c) || std::string_view("_-.:[]").find(c) != std::string_view::npos;
-    });
+    static constexpr ByteSet calm(
+        [](char c) { return isWordChar(c) || std::string_view("-.:[]").find(c) != std::string_view::npos; });
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return calm.contains(c); });
 }
 
-std::string textOf(const SnapshotExpr& snapshot) {
-    return "{{ " + snapshot.task + "." + snapshot.key + " }}";
-}
-
-bool readsBack(const SnapshotExpr& snapshot) {
+/// True when the reference, printed as `text`, reads as itself.
+bool readsBack(const SnapshotExpr& snapshot, std::string_view text) {
     try {
-        const auto again = parsePlotExpression(textOf(snapshot), {});
+        const auto again = parsePlotExpression(text, {});
         const auto* reference = expressionAs<SnapshotExpr>(again);
         return reference != nullptr && reference->task == snapshot.task && reference->key == snapshot.key;
     } catch (const DiagnosticError&) {
@@ -73,7 +72,8 @@ bool readsBack(const SnapshotExpr& snapshot) {
 class ExpressionPrinter {
   public:
     explicit ExpressionPrinter(const ExprRef& root) {
-        stack_.reserve(16); // most expressions need no more
+        stack_.reserve(16);        // most expressions need no more
+        printed_.text.reserve(96); // bytes: neither do they
         push(root, Precedence::anything);
     }
 
@@ -104,15 +104,16 @@ class ExpressionPrinter {
             lose(plotNumberLoss(number.value));
         }
     }
-    void operator()(const StringExpr& string) { printed_.text += quotePlotText(string.text); }
+    void operator()(const StringExpr& string) { appendQuoted(printed_.text, string.text); }
     void operator()(const IdentifierExpr& identifier) { name(identifier.name); }
     void operator()(const SnapshotExpr& snapshot) {
-        const auto text = textOf(snapshot);
-        printed_.text += text;
+        const std::size_t begin = printed_.text.size();
+        printed_.text.append("{{ ").append(snapshot.task).append(".").append(snapshot.key).append(" }}");
         const bool calm = isCalm(snapshot.task) && isCalm(snapshot.key);
         printed_.oddReference = printed_.oddReference || !calm;
-        if ((!calm || snapshot.task.find('.') != std::string::npos) && !readsBack(snapshot)) {
-            lose("'" + text + "' is no reference");
+        const auto text = std::string_view(printed_.text).substr(begin);
+        if ((!calm || snapshot.task.find('.') != std::string::npos) && !readsBack(snapshot, text)) {
+            lose(singleQuoted(text) + " is no reference");
         }
     }
     void operator()(const CallExpr& call) {
@@ -274,10 +275,6 @@ PlotExpression::~PlotExpression() {
             takeChildren(const_cast<PlotExpression&>(*child).node, doomed);
         }
     }
-}
-
-ExprRef makeExpression(PlotExpression::Node node) {
-    return ExprRef::make(std::move(node));
 }
 
 PrintedExpression printExpression(const ExprRef& expression) {

@@ -62,15 +62,20 @@ struct PlotExpression {
         std::variant<NumberExpr, StringExpr, IdentifierExpr, SnapshotExpr, CallExpr, UnaryExpr, BinaryExpr>;
     Node node;
 
-    explicit PlotExpression(Node value) : node(std::move(value)) {}
+    /// `Kind` is one of the alternatives, or `Node` itself.
+    template <class Kind>
+    explicit PlotExpression(Kind value) : node(std::move(value)) {}
     PlotExpression(const PlotExpression&) = delete;
     PlotExpression& operator=(const PlotExpression&) = delete;
     /// Frees the nodes below that nobody else holds, however deep they go, without recursion.
     ~PlotExpression();
 };
 
-/// A node of its own.
-[[nodiscard]] ExprRef makeExpression(PlotExpression::Node node);
+/// A node of its own from one of the alternatives, or from a whole `PlotExpression::Node`.
+template <class Kind>
+[[nodiscard]] ExprRef makeExpression(Kind value) {
+    return ExprRef::make(std::move(value));
+}
 
 /// The alternative `T` of the node; null when the reference is empty or the node is something else.
 template <class T>

@@ -1,3 +1,4 @@
+#include "support/byte_set.h"
 #include "support/text.h"
 #include "taskdsl/base/escape.h"
 #include "taskdsl/base/quote_rules.h"
@@ -9,7 +10,9 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
+#include <vector>
 
 namespace morquill::taskdsl::plot {
 
@@ -36,13 +39,29 @@ enum class PlotTokenKind : std::int32_t {
 struct PlotToken {
     PlotTokenKind kind = PlotTokenKind::end;
     std::string_view text; ///< as written; of a snapshot the part between the braces
-    std::string decoded;   ///< of a string
     double number = 0;     ///< of a number
 };
+
+/// What a string, given with its quotes, says.
+std::string decodedString(std::string_view text) {
+    const auto inner = text.substr(1, text.size() - 2);
+    if (inner.find('\\') == std::string_view::npos) {
+        return std::string(inner);
+    }
+    std::string decoded;
+    for (std::size_t at = 0; at < inner.size(); ++at) {
+        const bool escaped = inner[at] == '\\'; // never the last byte: it would protect the closing quote
+        at += escaped ? 1 : 0;
+        decoded += escaped ? escapedByte(inner[at]).value_or(inner[at]) : inner[at];
+    }
+    return decoded;
+}
 
 constexpr bool isIdentifierStart(char c) noexcept {
     return isWordStart(c) || c == '[';
 }
+
+constexpr ByteSet nameBytes(isExpressionNameChar);
 
 /// The whole UTF-8 character that begins at `at`; the one byte where none begins.
 std::string_view characterAt(std::string_view text, std::size_t at) noexcept {
@@ -91,14 +110,14 @@ class Lexer {
         }
         if (isIdentifierStart(c)) {
             std::size_t end = at_ + 1;
-            while (end < text_.size() && isExpressionNameChar(text_[end])) {
+            while (end < text_.size() && nameBytes.contains(text_[end])) {
                 ++end;
             }
-            return {PlotTokenKind::identifier, take(end), {}, 0};
+            return {PlotTokenKind::identifier, take(end)};
         }
         for (const auto& [character, kind] : punctuation) {
             if (c == character) {
-                return {kind, take(at_ + 1), {}, 0};
+                return {kind, take(at_ + 1)};
             }
         }
         plotError(span_,
@@ -113,17 +132,12 @@ class Lexer {
 
   private:
     PlotToken string() {
-        PlotToken token{PlotTokenKind::string, {}, {}, 0};
         QuoteWalk walk(quote_rules::expressionString);
         for (std::size_t at = walk.step(text_, at_); at < text_.size();) {
-            const std::size_t next = walk.step(text_, at);
+            at = walk.step(text_, at);
             if (!walk.inQuotes()) {
-                token.text = take(next);
-                return token;
+                return {PlotTokenKind::string, take(at)};
             }
-            const char c = text_[next - 1];
-            token.decoded += next == at + 2 ? escapedByte(c).value_or(c) : c;
-            at = next;
         }
         plotError(span_, "unterminated string in plot expression");
     }
@@ -138,7 +152,7 @@ class Lexer {
             plotError(span_, "empty snapshot reference");
         }
         at_ = close + 2;
-        return {PlotTokenKind::snapshot, inner, {}, 0};
+        return {PlotTokenKind::snapshot, inner};
     }
 
     /// What C's strtod reads: decimal and hexadecimal numbers, "inf" past the range and 0 below it.
@@ -163,7 +177,7 @@ class Lexer {
         if (end == begin) {
             plotError(span_, "invalid number in plot expression");
         }
-        return {PlotTokenKind::number, take(static_cast<std::size_t>(end - text_.data())), {}, value};
+        return {PlotTokenKind::number, take(static_cast<std::size_t>(end - text_.data())), value};
     }
 
     /// The text from here to `end`, which becomes the place of the next token.
@@ -203,8 +217,8 @@ class Parser {
     ExprRef whole(ExprRef result) const {
         if (token_.kind != PlotTokenKind::end) {
             const bool string = token_.kind == PlotTokenKind::string;
-            plotError(span_,
-                      "unexpected token '" + (string ? token_.decoded : std::string(token_.text)) + "'");
+            plotError(span_, "unexpected token '" +
+                                 (string ? decodedString(token_.text) : std::string(token_.text)) + "'");
         }
         return result;
     }
@@ -260,14 +274,14 @@ class Parser {
     }
 
     ExprRef primary() {
-        PlotToken token = std::move(token_);
+        const PlotToken token = token_;
         switch (token.kind) {
         case PlotTokenKind::number:
             advance();
             return makeExpression(NumberExpr{token.number});
         case PlotTokenKind::string:
             advance();
-            return makeExpression(StringExpr{std::move(token.decoded)});
+            return makeExpression(StringExpr{decodedString(token.text)});
         case PlotTokenKind::snapshot: {
             auto reference = snapshot(token.text);
             advance();
@@ -299,7 +313,7 @@ class Parser {
 
     ExprRef call(std::string name) {
         goDeeper();
-        CallExpr result{std::move(name), {}};
+        const auto first = static_cast<std::ptrdiff_t>(arguments_.size());
         bool more = !accept(PlotTokenKind::close);
         while (more) {
             PlotCallArgument argument;
@@ -310,13 +324,16 @@ class Parser {
                 advance();
             }
             argument.value = expression();
-            result.arguments.push_back(std::move(argument));
+            arguments_.push_back(std::move(argument));
             more = accept(PlotTokenKind::comma);
             if (!more && !accept(PlotTokenKind::close)) {
                 plotError(span_, "expected ',' or ')' after function argument");
             }
         }
         --depth_;
+        const auto own = std::make_move_iterator(arguments_.begin() + first);
+        CallExpr result{std::move(name), {own, std::make_move_iterator(arguments_.end())}};
+        arguments_.erase(own.base(), arguments_.end());
         return makeExpression(std::move(result));
     }
 
@@ -348,6 +365,7 @@ class Parser {
     Lexer lexer_;
     const SourceSpan& span_;
     PlotToken token_;
+    std::vector<PlotCallArgument> arguments_; ///< of the calls that are open, the innermost last
     std::size_t depth_ = 0;
 };
 
@@ -355,7 +373,7 @@ class Parser {
 
 bool isExpressionName(std::string_view text) noexcept {
     return !text.empty() && isIdentifierStart(text.front()) &&
-           std::all_of(text.begin(), text.end(), isExpressionNameChar);
+           std::all_of(text.begin(), text.end(), [](char c) { return nameBytes.contains(c); });
 }
 
 ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span) {

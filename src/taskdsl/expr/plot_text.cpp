@@ -1,5 +1,6 @@
 #include "taskdsl/expr/plot_text.h"
 
+#include "support/byte_set.h"
 #include "support/cursor.h"
 #include "support/number.h"
 #include "support/text.h"
@@ -13,7 +14,13 @@ namespace morquill::taskdsl::plot {
 
 namespace {
 
-constexpr int printedDigits = 15;
+constexpr ByteSet wordBytes(isWordChar);
+
+/// 15 significant digits; 17 where 15 round up to infinity.
+int printedDigits(double value) noexcept {
+    constexpr double roundsToInfinity = 1.797693134862315e308;
+    return std::isfinite(value) && std::abs(value) >= roundsToInfinity ? exactDigits : 15;
+}
 
 /// End of the word that begins at `at`, by the rule of `splitPlotWords`.
 std::size_t endOfWord(std::string_view text, std::size_t at) noexcept {
@@ -64,9 +71,14 @@ KeywordOptions splitKeywordOptions(std::string_view text, std::initializer_list<
     };
     QuoteWalk walk(quote_rules::plotText);
     for (std::size_t i = 0; i < text.size();) {
-        if (walk.atTop() && isWordChar(text[i]) && (i == 0 || isSpace(text[i - 1]))) {
-            const auto word = Cursor(text, i).takeWhile(isWordChar);
-            const std::size_t end = i + word.size();
+        if (!wordBytes.contains(text[i])) {
+            i = walk.step(text, i);
+            continue;
+        }
+        // Words, most of the text, mean nothing to the walk.
+        const auto word = Cursor(text, i).takeWhile([](char c) { return wordBytes.contains(c); });
+        const std::size_t end = i + word.size();
+        if ((i == 0 || isSpace(text[i - 1])) && walk.atTop()) {
             const auto found = std::find_if(keywords.begin(), keywords.end(), [&](std::string_view keyword) {
                 return equalsNoCase(keyword, word);
             });
@@ -75,10 +87,8 @@ KeywordOptions splitKeywordOptions(std::string_view text, std::initializer_list<
                 result.options.push_back({*found, {}});
                 valueBegin = end;
             }
-            i = end;
-        } else {
-            i = walk.step(text, i);
         }
+        i = end;
     }
     closeValue(text.size());
     return result;
@@ -130,17 +140,11 @@ std::optional<double> parsePlotNumber(std::string_view text) {
 }
 
 std::string plotNumberText(double value) {
-    constexpr double roundsToInfinity = 1.797693134862315e308; // 15 digits of anything above are too much
-    const bool edge = std::isfinite(value) && std::abs(value) >= roundsToInfinity;
-    return formatSignificant(value, edge ? exactDigits : printedDigits);
+    return formatSignificant(value, printedDigits(value));
 }
 
 bool plotNumberReadsBack(double value) {
-    constexpr double allIntegers = 1e15;
-    if (!std::isfinite(value) || (std::abs(value) < allIntegers && value == std::trunc(value))) {
-        return true;
-    }
-    return readDouble(plotNumberText(value)) == value;
+    return significantReadsBack(value, printedDigits(value));
 }
 
 std::string plotNumberLoss(double value) {

@@ -1,5 +1,6 @@
 #include "taskdsl/expr/statement_reader.h"
 
+#include "support/byte_set.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/quote_rules.h"
 #include "taskdsl/expr/plot_text.h"
@@ -37,13 +38,20 @@ std::size_t indentOf(std::string_view rawLine) noexcept {
 /// never opened.
 std::int64_t scanLine(std::string_view text, std::int64_t depth, const SourceSpan& span,
                       std::string_view language) {
+    static constexpr ByteSet marks("\"'\\{}()"); // whatever else a line holds is passed over
+    const auto nextMark = [text](std::size_t at) {
+        while (at < text.size() && !marks.contains(text[at])) {
+            ++at;
+        }
+        return at;
+    };
     QuoteWalk walk(quote_rules::statementLine);
-    for (std::size_t at = 0; at < text.size(); at = walk.step(text, at)) {
+    for (auto at = nextMark(0); at < text.size(); at = nextMark(walk.step(text, at))) {
         const char c = text[at];
-        if ((c != '(' && c != ')' && c != '}') || !walk.inOpen()) {
+        if (!walk.inOpen()) {
             continue;
         }
-        if (c != '}') {
+        if (c == '(' || c == ')') {
             depth += c == '(' ? 1 : -1;
         } else if (text.substr(at).starts_with("}}")) {
             plotError(span, "unexpected '}}' in " + std::string(language) + " statement");
@@ -66,6 +74,7 @@ std::vector<PlotStatement> readPlotStatements(const std::vector<SourceLine>& lin
     std::vector<PlotStatement> statements;
     statements.reserve(lines.size());
     bool pending = false; // the last statement goes on
+    std::string joined;   // its text, once it has a second line
     std::int64_t depth = 0;
     for (const SourceLine& line : lines) {
         const auto text = stripPlotComment(line.text());
@@ -73,13 +82,16 @@ std::vector<PlotStatement> readPlotStatements(const std::vector<SourceLine>& lin
             continue;
         }
         if (pending) {
-            statements.back().text += ' ';
-            statements.back().text += text;
+            if (joined.empty()) {
+                joined = statements.back().text;
+            }
+            joined += ' ';
+            joined += text;
         } else {
             const auto indent = indentOf(line.text());
             const auto number = static_cast<std::int32_t>(line.lineNumber);
             statements.push_back(
-                {std::string(text), {line.originPath, number, toColumn(indent + 1), number, 0}, indent});
+                {line.slice(text), {line.originPath, number, toColumn(indent + 1), number, 0}, indent});
         }
         SourceSpan& span = statements.back().span;
         span.endLine = static_cast<std::int32_t>(line.lineNumber);
@@ -90,6 +102,9 @@ std::vector<PlotStatement> readPlotStatements(const std::vector<SourceLine>& lin
             plotError(span, "unmatched ')' in " + std::string(language) + " statement");
         }
         pending = depth > 0 || continuing.find(text.back()) != std::string_view::npos;
+        if (!pending && !joined.empty()) {
+            statements.back().text = TextSlice(std::exchange(joined, {}));
+        }
     }
     if (pending) {
         const std::string noun(language);

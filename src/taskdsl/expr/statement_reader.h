@@ -12,7 +12,7 @@ namespace morquill::taskdsl::plot {
 
 /// One logical statement: a physical line, or several where a line ends in an operator or inside parentheses.
 struct PlotStatement {
-    std::string text; ///< comments removed, trimmed, the physical lines joined by one blank
+    TextSlice text; ///< comments removed, trimmed, the physical lines joined by one blank
     SourceSpan
         span; ///< from the first byte (a tab counts as four columns) to the raw length of the last line
     std::size_t indent = 0; ///< leading blanks of the first line, a tab counting as four

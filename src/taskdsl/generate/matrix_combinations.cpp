@@ -68,6 +68,11 @@ const std::string& valueAt(const MatrixAxis& axis, std::size_t index) noexcept {
     return index < axis.values.size() ? axis.values[index] : none;
 }
 
+std::vector<SharedText> valuesOf(const MatrixAxis& axis) {
+    return axis.values.empty() ? std::vector<SharedText>(1)
+                               : std::vector<SharedText>(axis.values.begin(), axis.values.end());
+}
+
 std::vector<std::string> piecesOf(const MatrixAxis& axis) {
     std::vector<std::string> pieces;
     pieces.reserve(selectionCount(axis));
@@ -132,7 +137,7 @@ MatrixWalk::MatrixWalk(const std::vector<MatrixAxis>& axes) {
         if (!axis.map.empty() && (target == index.end() || !axes[target->second].map.empty())) {
             throw DiagnosticError("matrix internal error: missing selection for axis '" + axis.key + "'");
         }
-        tracks_.push_back({&axis, piecesOf(axis), axis.map.empty() ? i : target->second, 0});
+        tracks_.push_back({&axis, valuesOf(axis), piecesOf(axis), axis.map.empty() ? i : target->second, 0});
         if (axis.map.empty()) {
             independent_.push_back(i);
             if (selectionCount(axis) > limits::matrixVariants / count_) {
@@ -155,8 +160,9 @@ bool MatrixWalk::advance() noexcept {
     return false;
 }
 
-const std::string& MatrixWalk::value(std::size_t axis) const noexcept {
-    return valueAt(*tracks_[axis].axis, tracks_[tracks_[axis].selector].index);
+const SharedText& MatrixWalk::value(std::size_t axis) const noexcept {
+    const auto& values = tracks_[axis].values;
+    return values[std::min(tracks_[tracks_[axis].selector].index, values.size() - 1)];
 }
 
 const std::string& MatrixWalk::piece(std::size_t axis) const noexcept {
@@ -171,8 +177,8 @@ std::vector<MatrixCombination> buildMatrixCombinations(const std::vector<MatrixA
     do {
         MatrixCombination combination;
         for (std::size_t i = 0; i < axes.size(); ++i) {
-            combination.values.insert_or_assign(axes[i].key, walk.value(i));
-            combination.pairs.emplace_back(axes[i].key, walk.value(i));
+            combination.values.insert_or_assign(axes[i].key, walk.value(i).str());
+            combination.pairs.emplace_back(axes[i].key, walk.value(i).str());
             combination.pieces.push_back(walk.piece(i));
         }
         combinations.push_back(std::move(combination));

@@ -39,15 +39,16 @@ class MatrixWalk {
     [[nodiscard]] std::size_t size() const noexcept { return count_; }
     /// Moves to the next combination; false after the last one.
     bool advance() noexcept;
-    /// The value of an axis in the current combination.
-    [[nodiscard]] const std::string& value(std::size_t axis) const noexcept;
+    /// The value of an axis in the current combination, one text for all combinations that have it.
+    [[nodiscard]] const SharedText& value(std::size_t axis) const noexcept;
     /// The piece of an axis in the suffix of the current combination.
     [[nodiscard]] const std::string& piece(std::size_t axis) const noexcept;
 
   private:
-    /// One axis with its pieces made once.
+    /// One axis with its values and pieces made once.
     struct Track {
         const MatrixAxis* axis = nullptr;
+        std::vector<SharedText> values; ///< at least one
         std::vector<std::string> pieces;
         std::size_t selector = 0; ///< the track whose index this one follows; itself when independent
         std::size_t index = 0;    ///< current selection of an independent axis

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -119,6 +120,12 @@ std::size_t textSize(const TaskInfo& task) {
     return size;
 }
 
+struct HashText {
+    [[nodiscard]] std::size_t operator()(const SharedText& text) const noexcept {
+        return std::hash<std::string_view>{}(text);
+    }
+};
+
 /// What is known of a template task before any combination is chosen.
 struct TemplateInfo {
     const TaskInfo* task = nullptr;
@@ -142,6 +149,9 @@ class MatrixExpansion {
             textOfOne += textSize(task);
         }
         fileCount_ = files.size();
+        for (const auto& axis : document_.matrixAxes) {
+            keys_.emplace_back(axis.key);
+        }
         if (walk_.size() > limits::matrixVariants / templates_.size()) {
             throw DiagnosticError("matrix yields more than " + std::to_string(limits::matrixVariants) +
                                   " task variants");
@@ -152,7 +162,9 @@ class MatrixExpansion {
     }
 
     std::vector<TaskInfo> run() {
+        constexpr std::size_t variantSize = 512; // in small blocks, by rule of thumb
         std::vector<TaskInfo> variants;
+        reserveHeap(walk_.size() * templates_.size() * variantSize);
         reserveLarge(variants, walk_.size() * templates_.size());
         do {
             chooseCombination();
@@ -166,24 +178,26 @@ class MatrixExpansion {
   private:
     void chooseCombination() {
         const auto& axes = document_.matrixAxes;
-        ValueMap chosen;
-        suffix_.clear();
+        std::vector<AxisValues::Entry> chosen;
+        chosen.reserve(axes.size());
+        std::string suffix;
         for (std::size_t i = 0; i < axes.size(); ++i) {
-            values_.insert_or_assign(axes[i].key, walk_.value(i));
-            chosen.emplace(axes[i].key, walk_.value(i));
+            values_.insert_or_assign(axes[i].key, walk_.value(i).str());
+            chosen.emplace_back(keys_[i], walk_.value(i));
             countText(axes[i].key.size() + walk_.value(i).size());
-            suffix_ += i == 0 ? "" : "__";
-            suffix_ += walk_.piece(i);
+            suffix += i == 0 ? "" : "__";
+            suffix += walk_.piece(i);
         }
-        countText(suffix_.size());
-        matrixValues_ = std::move(chosen);
+        countText(suffix.size());
+        matrixValues_ = AxisValues(std::move(chosen));
+        suffix_ = suffix;
         if (walk_.size() > 1 && !suffixes_.insert(suffix_).second) {
-            throw DiagnosticError("matrix variant suffix collision detected for '" + suffix_ + "'");
+            throw DiagnosticError("matrix variant suffix collision detected for '" + suffix + "'");
         }
         for (auto& item : templates_) {
             item.name = item.task->name;
             substituteInto(item.name, values_);
-            item.variantName = walk_.size() > 1 ? item.name + "__" + suffix_ : item.name;
+            item.variantName = walk_.size() > 1 ? item.name + "__" + suffix : item.name;
         }
         if (anyRefers_) {
             collectRenames();
@@ -242,10 +256,11 @@ class MatrixExpansion {
     std::vector<TemplateInfo> templates_;
     bool anyRefers_ = false;
     std::size_t fileCount_ = 0;
-    std::string suffix_;
-    Shared<ValueMap> matrixValues_;
+    std::vector<SharedText> keys_; ///< of the axes
+    SharedText suffix_;
+    Shared<AxisValues> matrixValues_;
     std::vector<Renames> renames_; ///< one per file
-    std::unordered_set<std::string> suffixes_;
+    std::unordered_set<SharedText, HashText> suffixes_;
     std::size_t text_ = 0;
 };
 

@@ -22,6 +22,7 @@ TakenLines<CapturedBlock> captureBlock(std::string_view keyword, const std::vect
     block.header = substituteBrackets(trim(first.clean().substr(keyword.size())), values);
     block.span = first.span();
     const BlockEnd end = findBlockEnd(lines, head, lines.size());
+    block.lines.reserve(end.index - head - 1);
     for (std::size_t i = head + 1; i < end.index; ++i) {
         if (lines[i].kind() == first.kind()) {
             throw DiagnosticError(lines[i].span(), "nested " + name + " blocks are not allowed");

@@ -1,6 +1,7 @@
 #include "taskdsl/parser/task_parser.h"
 
 #include "support/file.h"
+#include "support/large_memory.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/derive/derive_substitute.h"
@@ -193,6 +194,8 @@ TaskDocument TaskParser::parseContent(std::optional<std::string> text, const std
     if (!text) {
         throw DiagnosticError("could not open file: " + path);
     }
+    constexpr std::size_t bytesPerByte = 6; // in small blocks, by rule of thumb
+    reserveHeap(text->size() * bytesPerByte);
     const SharedText whole(*text);
     text.reset(); // one copy of a large file is enough
     TaskDocument document = parse(whole, path, defines);

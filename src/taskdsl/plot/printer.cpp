@@ -3,6 +3,7 @@
 #include "support/byte_set.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
+#include "taskdsl/base/escape.h"
 #include "taskdsl/expr/plot_text.h"
 #include "taskdsl/plot/reading.h"
 
@@ -39,7 +40,8 @@ Printer& Printer::word(std::string_view text) {
 }
 
 Printer& Printer::quoted(std::string_view text) {
-    return word(quotePlotText(text));
+    out_.add(" ").addWith([text](std::string& out) { appendQuoted(out, text); });
+    return *this;
 }
 
 Printer& Printer::quotedOption(std::string_view keyword, std::string_view text) {

@@ -25,7 +25,7 @@ struct PrintedValue {
 /// otherwise in quotes or parentheses; what reads back in no form is noted.
 class Printer {
   public:
-    Printer(PlotKind kind, std::string_view indent) : kind_(kind), out_(indent) {}
+    Printer(PlotKind kind, std::string_view indent) : kind_(kind), out_(indent) { out_.reserve(typicalSize); }
 
     /// The lines from here on are indented by one level more, or one less.
     void deeper() noexcept { out_.deeper(); }
@@ -150,6 +150,8 @@ class Printer {
     Printer& piece(bool doubtful, std::string_view plain, std::string (*guard)(std::string_view));
 
     static std::string inQuotes(std::string_view text);
+
+    static constexpr std::size_t typicalSize = 1024; ///< of a plot in print, in bytes
 
     PlotKind kind_;
     LineBuilder out_;

@@ -148,12 +148,26 @@ bool noLevels(const PlotSpec& plot) {
 
 // Checks with messages of their own.
 
+/// True when an id, the empty one included, occurs twice.
+bool repeatsId(const std::vector<PlotSeries>& list) {
+    std::vector<std::string_view> ids;
+    ids.reserve(list.size());
+    for (const auto& series : list) {
+        ids.push_back(series.id);
+    }
+    std::sort(ids.begin(), ids.end());
+    return std::adjacent_find(ids.begin(), ids.end()) != ids.end();
+}
+
 void checkSeriesIds(Findings& findings) {
     const auto& data = findings.plot.data;
     const auto* convergence = std::get_if<ConvergencePlotData>(&data);
+    const auto& list = convergence != nullptr ? convergence->series : std::get<CurvePlotData>(data).series;
+    if (!repeatsId(list)) {
+        return;
+    }
     std::set<std::string_view> seen;
-    for (const auto& series :
-         convergence != nullptr ? convergence->series : std::get<CurvePlotData>(data).series) {
+    for (const auto& series : list) {
         if (!series.id.empty() && !seen.insert(series.id).second) {
             findings.add("plot-series-duplicate", "duplicate plot series id " + singleQuoted(series.id),
                          series.span);

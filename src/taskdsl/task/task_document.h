@@ -143,9 +143,9 @@ struct TaskInfo {
     bool alert = true;
     bool localFirst = false;
     SharedText finalGeom;
-    SharedText templateTaskName;   ///< name before matrix expansion
-    SharedText matrixVariantKey;   ///< suffix of a matrix variant
-    Shared<ValueMap> matrixValues; ///< axis key to chosen value
+    SharedText templateTaskName;     ///< name before matrix expansion
+    SharedText matrixVariantKey;     ///< suffix of a matrix variant
+    Shared<AxisValues> matrixValues; ///< axis key to chosen value
     SharedText strucId;
     Shared<std::vector<std::string>> metaProperties;
     Shared<std::vector<plot::PlotSpec>> plots; ///< `%plot` entries of this task

@@ -29,12 +29,15 @@ void addTemplate(const FoundFile& file, TemplateLibrary& library) {
     entry.name = file.stem;
     entry.category = file.folder.empty() ? "General" : file.folder;
     entry.variables = scanPlaceholders(content, BuiltIns::drop);
-    entry.blocks = splitTemplateBlocks(content).blocks;
     entry.content = content;
     library.templates.push_back(std::move(entry));
 }
 
 } // namespace
+
+std::map<std::string, std::vector<std::string>, std::less<>> templateBlocks(const TaskTemplate& entry) {
+    return splitTemplateBlocks(entry.content).blocks;
+}
 
 std::string resolveTemplatePath() {
     auto config = console::loadConfig("morquill.conf");

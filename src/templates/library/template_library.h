@@ -15,8 +15,11 @@ struct TaskTemplate {
     std::string content;
     std::string category;               ///< name of the file's directory, "General" at the root
     std::vector<std::string> variables; ///< placeholders that need a value, sorted
-    std::map<std::string, std::vector<std::string>, std::less<>> blocks; ///< block name to its lines
 };
+
+/// The blocks of the template: block name to its lines. Split when asked, as no list shows them.
+[[nodiscard]] std::map<std::string, std::vector<std::string>, std::less<>>
+templateBlocks(const TaskTemplate& entry);
 
 /// A directory of the template path.
 struct TemplateSource {

@@ -73,6 +73,17 @@ TEST_F(Target, CasesAreDirectoriesWithATaskFile) {
     EXPECT_THAT(listCaseDirectories(at("missing")), IsEmpty());
 }
 
+TEST_F(Target, ACaseComesWithItsFirstTaskFile) {
+    for (const char* name : {"p/a/b.mq", "p/a/a.mq", "p/a/a.MQ", "p/both/.mq", "p/both/a.mq", "p/bare/.mq"}) {
+        write(name);
+    }
+    std::vector<std::string> found;
+    for (const auto& [directory, name] : listCaseFiles(at("p"))) {
+        found.push_back(joinPath(directory, name));
+    }
+    EXPECT_THAT(found, ElementsAre(at("p/a/a.mq"), at("p/both/.mq")));
+}
+
 TEST_F(Target, AProjectIsFoundFromWithin) {
     makeProject();
     write("proj/mol1/notes.txt");

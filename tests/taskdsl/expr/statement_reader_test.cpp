@@ -22,8 +22,8 @@ std::vector<SourceLine> linesOf(std::string_view text, std::uint32_t first = 2) 
 std::string shown(std::string_view text) {
     std::string result;
     for (const auto& statement : readPlotStatements(linesOf(text))) {
-        result +=
-            formatSpan(statement.span) + " " + std::to_string(statement.indent) + " " + statement.text + "\n";
+        result += formatSpan(statement.span) + " " + std::to_string(statement.indent) + " " +
+                  std::string(statement.text) + "\n";
     }
     return result;
 }

@@ -36,6 +36,16 @@ TEST(Matrix, OneCombinationKeepsTheNames) {
     EXPECT_EQ(sourceText(parsed.document.tasks[1]), "opt");
 }
 
+TEST(Matrix, AVariantHasItsValuesByKeyWhateverTheOrderOfTheAxes) {
+    const auto parsed = parse("matrix:\n  b: 1,2\n  a: x\n$opt\n");
+    const auto& tasks = parsed.document.tasks;
+    ASSERT_EQ(tasks.size(), 2U);
+    EXPECT_EQ(tasks[0].matrixVariantKey, "b_1__a_x");
+    EXPECT_EQ(tasks[0].matrixValues.get(), (ValueMap{{"a", "x"}, {"b", "1"}}));
+    EXPECT_EQ(tasks[1].matrixValues.get(), (ValueMap{{"a", "x"}, {"b", "2"}}));
+    EXPECT_EQ(tasks[1].matrixValues->begin()->first, "a");
+}
+
 TEST(Matrix, ReferencesFollowTheNames) {
     const auto parsed =
         parse("matrix:\n  a: 1,2\n$opt\n$sp_[a]\n%source\n geom opt\n aux.d opt\n aux.o origin\n"

@@ -111,7 +111,7 @@ TEST(TaskDump, EveryFieldInItsOrder) {
     task.filePath = "x.mq";
     task.templateTaskName = "tt";
     task.matrixVariantKey = "a_1";
-    task.matrixValues = ValueMap{{"a", "1"}};
+    task.matrixValues = AxisValues(ValueMap{{"a", "1"}});
     task.strucId = "s";
     task.metaProperties.edit() = {"m"};
     task.orcaBlock = "%scf end";

@@ -66,9 +66,9 @@ TEST_F(Library, AnEntryKnowsItsTextVariablesAndBlocks) {
     const auto& entry = library.templates.front();
     EXPECT_EQ(entry.content, "totcore: 8\n$opt\n  %keywords \"[func]/[basis] [inputname]\"\n");
     EXPECT_THAT(entry.variables, ElementsAre("basis", "func"));
-    ASSERT_EQ(entry.blocks.size(), 1U);
-    EXPECT_THAT(entry.blocks.at("opt"),
-                ElementsAre("$opt", "  %keywords \"[func]/[basis] [inputname]\"", ""));
+    const auto blocks = templateBlocks(entry);
+    ASSERT_EQ(blocks.size(), 1U);
+    EXPECT_THAT(blocks.at("opt"), ElementsAre("$opt", "  %keywords \"[func]/[basis] [inputname]\"", ""));
 }
 
 TEST_F(Library, OnlyRegularFilesWithTheExactExtensionCount) {
@@ -179,7 +179,7 @@ TEST_F(Library, AVariableTemplateThatCannotBeReadIsReported) {
 TemplateLibrary libraryOf(const std::vector<std::pair<std::string, std::string>>& rows) {
     TemplateLibrary library;
     for (const auto& [name, category] : rows) {
-        library.templates.push_back({name, "", category, {}, {}});
+        library.templates.push_back({name, "", category, {}});
     }
     return library;
 }
