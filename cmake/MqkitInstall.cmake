@@ -29,18 +29,33 @@ endif()
 add_custom_target(installed DEPENDS ${programs} manual) # all that has to be built before `cmake --install`
 install(DIRECTORY ${MQKIT_MANUAL}/ DESTINATION ${CMAKE_INSTALL_MANDIR} OPTIONAL FILES_MATCHING PATTERN "*.[15]")
 
-# Completions, each under the name by which its shell looks for it.
-install(FILES completions/mqkit.bash RENAME mqkit
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+# mqkit_install_link(<folder> <name> <installed path>): a link of that name in the folder, which leads to the path by
+# steps up and down, so that the prefix may be moved.
+function(mqkit_install_link folder name path)
+    file(RELATIVE_PATH target /${folder} /${path})
+    set(made ${PROJECT_BINARY_DIR}/links/${folder})
+    file(MAKE_DIRECTORY ${made})
+    file(CREATE_LINK ${target} ${made}/${name} SYMBOLIC)
+    install(FILES ${made}/${name} DESTINATION ${folder})
+endfunction()
+
+# Completions, each under the name by which its shell looks for it. bash has one file for both programs.
+set(bash_completions ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES completions/mqkit.bash RENAME mqkit DESTINATION ${bash_completions})
+mqkit_install_link(${bash_completions} mqkit-graph ${bash_completions}/mqkit)
 install(FILES completions/_mqkit DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-install(FILES completions/mqkit.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+install(FILES completions/mqkit.fish completions/mqkit-graph.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 
 install(DIRECTORY examples/templates DESTINATION ${MQKIT_LIBRARY_DIR})
 
-install(FILES README.md CHANGELOG.md LICENSE NOTICE DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs FILES_MATCHING PATTERN "*.md" PATTERN "*.svg"
-        PATTERN architecture.md EXCLUDE)
+# The documents, with what they lead to where a checkout has it.
+install(FILES README.md CONTRIBUTING.md CHANGELOG.md LICENSE NOTICE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS PATTERN templates EXCLUDE)
+mqkit_install_link(${CMAKE_INSTALL_DOCDIR}/examples templates ${MQKIT_LIBRARY_DIR}/templates)
+mqkit_install_link(${CMAKE_INSTALL_DOCDIR} editors ${MQKIT_LIBRARY_DIR}/editors)
+mqkit_install_link(${CMAKE_INSTALL_DOCDIR} schemas ${MQKIT_LIBRARY_DIR}/schemas)
 if(MQKIT_STATIC AND MQKIT_YAML_ARCHIVE)
     # The licences of what the static file contains, see NOTICE.
     install(DIRECTORY licenses DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -1,5 +1,6 @@
-# Completion of mqkit for bash: commands, options and their values, task files, block names, templates. Needs bash 4.2
-# and mqkit itself, which only reads for it. Block names are asked of regular files alone: a pipe would be drained.
+# Completion of mqkit and mqkit-graph for bash: commands, options and their values, task files, block names, templates.
+# Needs bash 4.2 and mqkit itself, which only reads for it. Block names are asked of regular files alone: a pipe would
+# be drained.
 
 # _mqkit_plain <word>: the word without quotes, backslashes and a leading ~/ into REPLY. Nothing in it is executed.
 _mqkit_plain() {
@@ -141,7 +142,11 @@ _mqkit_read_line() {
 _mqkit_value() {
     case $pending in
     -o | --out | --output) _mqkit_files '*' ;;
-    --format) _mqkit_words text json ;;
+    --format)
+        local formats=(text json)
+        [[ $command != mqkit-graph ]] || formats=(dot mermaid svg)
+        _mqkit_words "${formats[@]}"
+        ;;
     --task) _mqkit_offer < <(_mqkit_blocks "${others[0]}" ${values[--expanded]:+--expanded}) ;;
     --path) _mqkit_files '*.@(mq|projmq)' ;;
     -n | --name) _mqkit_names < <(_mqkit_blocks_and_variants "$(_mqkit_project_file "${values[--path]:-${others[0]}}")") ;;
@@ -152,7 +157,7 @@ _mqkit_value() {
 # _mqkit_other: offers words that belong to no option.
 _mqkit_other() {
     case $command,${#others[@]} in
-    fmt,0 | migrate,0 | expand,0 | explain,0 | rename,0 | 'template variable,0') _mqkit_files '*.@(mq|projmq)' ;;
+    fmt,0 | migrate,0 | expand,0 | explain,0 | rename,0 | 'template variable,0' | mqkit-graph,0) _mqkit_files '*.@(mq|projmq)' ;;
     lint,*) _mqkit_files '*.mq' ;;
     rename,1) _mqkit_offer < <(_mqkit_blocks "${others[0]}") ;;
     'project add',*) _mqkit_files '*.@(xyz|projmq)' ;;
@@ -181,15 +186,20 @@ _mqkit_options() {
     'project collect') REPLY='--path -n --name --dry-run --help' ;;
     'template list' | 'template categories') REPLY='-d --dir' ;;
     'template merge') REPLY='-o --output -d --dir' ;;
+    mqkit-graph) REPLY='--expanded --format -h --help' ;;
     *) REPLY= ;;
     esac
 }
 
 # _mqkit_command: the command of the line into `command`, with its sub-command, and into `first` where its words begin;
-# status 1 when it is the command itself that is typed: its names were offered.
+# status 1 when it is the command itself that is typed: its names were offered. mqkit-graph is a command of its own.
 _mqkit_command() {
     local -a names=(template project rename fmt migrate expand explain lint)
     local depth
+    if [[ ${program##*/} == mqkit-graph ]]; then
+        command=mqkit-graph first=1
+        return 0
+    fi
     command=
     for depth in 1 2; do
         if ((COMP_CWORD == depth)); then
@@ -239,4 +249,4 @@ _mqkit() {
     fi
 }
 
-complete -F _mqkit mqkit
+complete -F _mqkit mqkit mqkit-graph

@@ -5,12 +5,11 @@
 #include "taskdsl/derive/task_references.h"
 
 #include "fixtures/derive_without_spans.h"
+#include "fuzz_input.h"
 #include "support/text.h"
 
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <optional>
+#include <string>
 
 /// The input is the text of a `@derive` block, the first line its header. A block that is read has to print,
 /// and what is printed has to read back as the same records or to be told as lost, never both. The same holds
@@ -43,8 +42,7 @@ std::string bodyOf(const std::string& rendered) {
 }
 
 [[noreturn]] void complain(const std::string& what, const std::string& first, const std::string& second) {
-    std::fprintf(stderr, "%s\n--- printed\n%s\n--- then\n%s\n", what.c_str(), first.c_str(), second.c_str());
-    std::abort();
+    fuzz::fail(what, first + "--- then\n" + second);
 }
 
 std::optional<DeriveSpec> tryParse(const CapturedBlock& block, std::string& refusal) {
@@ -75,7 +73,7 @@ void checkReadBack(const DeriveSpec& spec) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const auto text = fuzz::textOf(data, size);
     std::string refusal;
     auto spec = tryParse(capture(text), refusal);
     if (!spec) {

@@ -1,16 +1,14 @@
 // Any bytes as an expression: what is read prints, and the print reads as the same tree, or it says that it
 // does not; so it is again when substitution has put any text in the place of names.
 
+#include "fuzz_input.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/expr/expression.h"
 #include "taskdsl/expr/substitute_expression.h"
 
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
-#include <string_view>
 
+using namespace morquill;
 using namespace morquill::taskdsl;
 
 namespace {
@@ -26,15 +24,14 @@ bool readsAs(const std::string& text, const plot::ExprRef& expression) {
 void holdLaw(const plot::ExprRef& expression) {
     const auto printed = plot::printExpression(expression);
     if (readsAs(printed.text, expression) != printed.loss.empty()) {
-        (void)std::fprintf(stderr, "%s\n%s\n", printed.text.c_str(), printed.loss.c_str());
-        std::abort();
+        fuzz::fail("it reads back or says that it does not", printed.text + "\n" + printed.loss);
     }
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const auto text = fuzz::textOf(data, size);
     plot::ExprRef expression;
     try {
         expression = plot::parsePlotExpression(text, {});

@@ -2,6 +2,7 @@
 // are UTF-8 without control characters; quotes, braces and brackets of the dot text balance outside its
 // labels, and every line of the Mermaid text closes the quotes that it opens.
 
+#include "fuzz_input.h"
 #include "graph/dot_text.h"
 #include "graph/mermaid_text.h"
 #include "graph/visible_text.h"
@@ -11,9 +12,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -22,10 +20,7 @@ namespace {
 using namespace morquill;
 using namespace morquill::graph;
 
-[[noreturn]] void fail(const char* fault, std::string_view text) {
-    (void)std::fprintf(stderr, "%s\n%.*s\n", fault, static_cast<int>(text.size()), text.data());
-    std::abort();
-}
+using fuzz::fail;
 
 void holdVisible(std::string_view text) {
     for (const auto line : splitLines(text)) {
@@ -79,7 +74,7 @@ void holdTexts(const StudyGraph& graph) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const auto text = fuzz::textOf(data, size);
     // As a name of every kind of box, whatever a parser would make of it.
     holdTexts({{{NodeKind::task, {}, {visibleText(text)}}, {NodeKind::plot, {}, {visibleStart(text, 5)}}},
                {{0, 1, EdgeKind::condition, {visibleText(text), visibleText(text)}}},

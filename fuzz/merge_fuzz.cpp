@@ -1,7 +1,10 @@
-// Templates are any files that lie in a directory: whatever they hold, they merge, and what comes out can be
-// given to the parser. A record separator (0x1e) in the input stands between two templates.
+// Templates are any files that lie in a directory: whatever they contain, they merge. What comes of one
+// template that parses does so as well, and so does what comes of several. A record separator (0x1e) in the
+// input stands between two templates.
 
+#include "fuzz_input.h"
 #include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
 #include "taskdsl/parser/task_parser.h"
 #include "templates/library/define_section.h"
 #include "templates/library/merge.h"
@@ -9,22 +12,16 @@
 #include "templates/library/template_text.h"
 #include "templates/library/variable_template.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <stdexcept>
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace {
 
 using namespace morquill;
 
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-/// True when the lines of `part` stand in `whole` in their order.
+/// True when the lines of `part` are in `whole` in their order.
 bool isSubsequence(const std::vector<std::string_view>& part, const std::vector<std::string_view>& whole) {
     std::size_t next = 0;
     for (const auto line : whole) {
@@ -35,36 +32,64 @@ bool isSubsequence(const std::vector<std::string_view>& part, const std::vector<
     return next == part.size();
 }
 
-void parse(const std::string& text) {
+/// Why a text does not parse; nothing when it does.
+std::optional<std::string> faultOf(std::string_view text) {
     try {
         (void)taskdsl::TaskParser().parseText(text, "");
-    } catch (const std::runtime_error&) {
-        // A fault of the input, told as such.
+        return std::nullopt;
+    } catch (const taskdsl::DiagnosticError& error) {
+        return error.text();
+    }
+}
+
+/// True for a template of task blocks: blocks of the file (loops, includes, plots, derives) have no place of
+/// their own in a merged file.
+bool isPlain(std::string_view text) {
+    const auto lines = splitLines(text);
+    return std::none_of(lines.begin(), lines.end(),
+                        [](std::string_view line) { return trim(line).starts_with('@'); });
+}
+
+/// The heads of all templates as they are merged.
+std::string mergedHeads(const std::vector<std::string_view>& texts) {
+    std::vector<std::string> heads;
+    for (const auto text : texts) {
+        heads.push_back(join(templates::splitTemplateBlocks(text).headLines, "\n"));
+    }
+    return templates::mergeTemplateTexts({heads.begin(), heads.end()});
+}
+
+/// A merged file reads when the templates do and their heads can follow one another.
+void holdParse(const std::vector<std::string_view>& texts, const std::string& merged) {
+    const bool isReadable = std::all_of(texts.begin(), texts.end(), isPlain) &&
+                            std::none_of(texts.begin(), texts.end(), faultOf) && !faultOf(mergedHeads(texts));
+    if (const auto fault = faultOf(merged); fault && isReadable) {
+        fuzz::fail("what is merged of templates that parse does so: " + *fault, merged);
     }
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes are text here
-    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    const auto input = fuzz::textOf(data, size);
     const auto pieces = splitOn(input, '\x1e');
     const std::vector<std::string_view> texts(pieces.begin(), pieces.end());
 
     const std::string merged = templates::mergeTemplateTexts(texts);
+    holdParse(texts, merged);
     const std::string whole = templates::withAutorun(merged);
-    require(templates::withAutorun(whole) == whole);
-    parse(whole);
+    fuzz::require(templates::withAutorun(whole) == whole, "the setting is put in once", whole);
+    (void)faultOf(whole);
 
     const auto names = templates::scanPlaceholders(merged, templates::BuiltIns::drop);
     const auto values = templates::parseVariableTemplate(texts.back(), "default").values;
     const auto section = templates::buildDefineSection(names, values);
-    parse(templates::replaceDefineSection(whole, section));
+    (void)faultOf(templates::replaceDefineSection(whole, section));
 
     const auto first = splitLines(texts.front());
     const auto last = splitLines(texts.back());
     const auto united = templates::shortestCommonSupersequence(first, last);
-    require(united.size() <= first.size() + last.size());
-    require(isSubsequence(first, united) && isSubsequence(last, united));
+    fuzz::require(united.size() <= first.size() + last.size(), "no line is there too often", input);
+    fuzz::require(isSubsequence(first, united) && isSubsequence(last, united), "no line is lost", input);
     return 0;
 }

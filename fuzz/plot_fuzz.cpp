@@ -7,13 +7,10 @@
 #include "taskdsl/plot/render.h"
 #include "taskdsl/plot/substitute_plot.h"
 
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
+#include "fuzz_input.h"
 
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
-#include <string_view>
 
 using namespace morquill;
 using namespace morquill::taskdsl;
@@ -22,21 +19,17 @@ namespace {
 
 void holdLaw(const plot::PlotSpec& spec) {
     const auto result = plot::readBack(spec);
-    if (!result.lawful()) {
-        (void)std::fprintf(stderr, "%s%zu warnings, %s\n", result.text.c_str(), result.warnings.size(),
-                           result.equal ? "equal" : "not equal");
-        std::abort();
-    }
-    if (result.equal &&
-        plot::renderPlot(plot::parsePlot(plot::blockOf(result.text, spec.ownerTask)), "") != result.text) {
-        std::abort();
-    }
+    fuzz::require(result.lawful(), "it reads back or one warning says that it does not", result.text);
+    fuzz::require(!result.equal ||
+                      plot::renderPlot(plot::parsePlot(plot::blockOf(result.text, spec.ownerTask)), "") ==
+                          result.text,
+                  "it prints the same again", result.text);
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const auto text = fuzz::textOf(data, size);
     plot::PlotSpec spec;
     try {
         spec = plot::parsePlot(plot::blockOf(text));

@@ -1,7 +1,7 @@
 # What became of each block. Reads the queue (name|index|job|state), the accounts (name|job[_index]|state), the lists of
-# all submissions (name <tab> key <tab> directory; the key is an array index or a job number) and the blocks, one a line.
-# Prints state (done, running, queued, failed or new), directory, reason and, where there is one, the claim of a job that
-# is gone.
+# all submissions (name <tab> key <tab> directory), the claims (directory <tab> claim) and the blocks, one a line. Prints
+# state (done, running, queued, failed or new), directory, reason and, where there is one, the claim of a job that is
+# gone. A submission, and so a name, is one array or single jobs: the key is the index in the array, or else the job.
 
 function first_line(path,    line) {
     line = ""
@@ -22,20 +22,24 @@ function rendered(case_dir, task,    line, word, path, found) {
     return found
 }
 
-# A claim is "slurm <user> <job>" or "local <user> <host> <process>". One of somebody else or of another machine is taken
-# as alive: a queue may show its owner alone what is in it.
-function claim_lives(claim,    word) {
+# What a claim makes of its block: running, queued, or nothing when its owner is gone. It is "slurm <user> <job> <round>"
+# or "local <user> <host> <process>". One of somebody else or of another machine is taken as alive, as a queue may show
+# its owner alone what is in it; and so is one of Slurm where Slurm does not answer. A job that waits has been put back
+# into the queue with its claim, or began while the queue was read.
+function claimed(claim,    word) {
+    if (claim == "") return ""
     split(claim, word, " ")
-    if (word[2] != ENVIRON["ME"]) return 1
-    if (word[1] == "slurm") return word[3] in live
-    return word[3] != ENVIRON["HOST"] || system("kill -0 " (word[4] + 0) " 2>/dev/null") == 0
+    if (word[2] != ENVIRON["ME"]) return "running"
+    if (word[1] == "slurm" && !(word[3] in job)) return ENVIRON["ANSWER"] == "no" ? "running" : ""
+    if (word[1] == "slurm") return job[word[3]] == "PENDING" ? "queued" : "running"
+    if (word[3] != ENVIRON["HOST"]) return "running"
+    return system("kill -0 " (word[4] + 0) " 2>/dev/null") == 0 ? "running" : ""
 }
 
 FILENAME == ARGV[1] {
     split($0, f, "|")
-    if (f[4] != "PENDING") live[f[3]] = 1
-    if (f[2] != "N/A") queue[f[1], f[2]] = f[4]
-    queue[f[1], f[3]] = f[4]
+    job[f[3]] = f[4]
+    queue[f[1], f[2] == "N/A" ? f[3] : f[2]] = f[4]
     next
 }
 
@@ -44,6 +48,7 @@ FILENAME == ARGV[2] {
     key = f[2]
     sub(/^.*_/, "", key)
     past[f[1], key] = f[3]
+    number[f[1], key] = f[2] + 0 # of the job or of the whole array
     next
 }
 
@@ -56,7 +61,16 @@ FILENAME == ARGV[3] {
     dir = substr(rest, at + 1)
     sent[dir] = 1
     if ((name, key) in queue) waits[dir] = queue[name, key]
-    if ((name, key) in past) went[dir] = past[name, key]
+    if ((name, key) in past && number[name, key] >= latest[dir]) {
+        latest[dir] = number[name, key]
+        went[dir] = past[name, key]
+    }
+    next
+}
+
+FILENAME == ARGV[4] {
+    at = index($0, "\t")
+    claims[substr($0, 1, at - 1)] = substr($0, at + 1)
     next
 }
 
@@ -67,20 +81,21 @@ FILENAME == ARGV[3] {
     state = "new"
     reason = ""
     gone = ""
-    claim = first_line(dir "/cluster.claim")
+    claim = (dir in claims) ? claims[dir] : ""
+    owner = claimed(claim)
     failure = first_line(dir "/cluster.failed")
-    if (ENVIRON["DONE_BY"] != "status" && first_line(dir "/cluster_done.mqwk") != "") {
+    if (first_line(dir "/cluster_done.mqwk") != "") {
         state = "done"
         reason = "marker"
     } else if (ENVIRON["DONE_BY"] != "marker" && rendered(case_dir, part[n])) {
         state = "done"
         reason = "mq.status"
-    } else if (claim != "" && claim_lives(claim)) {
-        state = "running"
+    } else if (owner == "running") {
+        state = owner
         reason = claim
-    } else if (dir in waits) {
+    } else if (owner == "queued" || dir in waits) {
         state = "queued"
-        reason = waits[dir]
+        reason = (dir in waits) ? waits[dir] : "PENDING"
     } else if (failure != "") {
         state = "failed"
         reason = failure

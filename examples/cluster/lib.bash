@@ -4,8 +4,8 @@
 #   cluster_done.mqwk  its comd ended well; a work marker, so `mqkit project rebuild` forgets it with the others
 #   cluster.failed     its comd ended with this exit status
 #   cluster.claim      who runs it now
-# and cluster.log holds what its comd printed. <project>/cluster/ holds a list of the blocks of each submission, named
-# as its jobs are, and what the jobs themselves printed.
+# and cluster.log holds what its comd printed. <project>/.cluster/ holds a list of the blocks of each submission, named
+# as its jobs are, and what the jobs themselves printed. The dot keeps it apart from a case called "cluster".
 
 # shellcheck disable=SC2034 # the scripts read what is set here
 tools=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -88,30 +88,50 @@ take_blocks() {
     trap 'rm -f "$blocks" "$blocks".*' EXIT
     list_blocks "${option[n]:-}" >"$blocks" || exit 1
     root=$(project_root "$(head -n 1 "$blocks")")
-    mkdir -p "$root/cluster/output" || die "cannot write in $root"
+    # Lists have one block a line, <root>/<case>/<block>, and tabs between their columns.
+    ROOT=$root/ awk 'index($0, ENVIRON["ROOT"]) != 1 || index($0, "\t") ||
+        split(substr($0, length(ENVIRON["ROOT"]) + 1), part, "/") != 2 { exit 1 }' "$blocks" ||
+        die "a tab or a line end in the name of a case, or a tab in a directory above: rename it"
+}
+
+# claims: "<directory> <tab> <claim>" for each line of the file `blocks` that somebody has claimed
+claims() {
+    local dir claim
+    while IFS= read -r dir; do
+        [[ ! -s $dir/cluster.claim ]] || { IFS= read -r claim <"$dir/cluster.claim" && printf '%s\t%s\n' "$dir" "$claim"; }
+    done <"$blocks" 2>/dev/null # one may go meanwhile
 }
 
 # block_states: "<state> <tab> <directory> <tab> <reason> <tab> <claim of a job that is gone>" for each line of the file
-# `blocks`
+# `blocks`. Claims are read before the queue, and the queue before the markers: a job that comes or ends in between is
+# then still seen at one of these places.
 block_states() {
-    local names
+    local names='' name me answer=yes
+    me=$(id -un)
     case ${option[done]:-any} in
-    any | marker | status) ;;
-    *) die "--done is any, marker or status, not '${option[done]}'" ;;
+    any | marker) ;;
+    *) die "--done is any or marker, not '${option[done]}'" ;;
     esac
-    names=$(cd "$root/cluster" && for name in mqkit-*; do [[ ! -f $name ]] || printf '%s,' "$name"; done)
+    claims >"$blocks.claims"
     : >"$blocks.queue"
     : >"$blocks.past"
+    : >"$blocks.sent"
+    for name in "$root"/.cluster/mqkit-*; do
+        [[ -f $name ]] || continue
+        names+=${name##*/},
+        sed "s|^|${name##*/}	|" "$name" >>"$blocks.sent"
+    done
     if [[ -n $names ]]; then
         squeue -h -r --name="$names" -o '%j|%K|%A|%T' >"$blocks.queue" || die "squeue does not answer, and blocks were sent"
         # Without accounts there is no sacct; then the reason of a lost block stays unknown.
         sacct -n -X -P -S now-30days --name="$names" -o JobName,JobID,State >"$blocks.past" 2>/dev/null || true
     fi
-    for name in "$root"/cluster/mqkit-*; do
-        [[ ! -f $name ]] || sed "s|^|${name##*/}	|" "$name"
-    done >"$blocks.sent"
-    DONE_BY=${option[done]:-any} HOST=$(uname -n) ME=$(id -un) awk -f "$tools/block-states.awk" \
-        "$blocks.queue" "$blocks.past" "$blocks.sent" "$blocks"
+    # A block may run in a job that no list names: run-local inside of one.
+    if grep -qF "	slurm $me " "$blocks.claims"; then
+        squeue -h -r -u "$me" -o '%j|%K|%A|%T' >>"$blocks.queue" 2>/dev/null || answer=no
+    fi
+    DONE_BY=${option[done]:-any} HOST=$(uname -n) ME=$me ANSWER=$answer awk -f "$tools/block-states.awk" \
+        "$blocks.queue" "$blocks.past" "$blocks.sent" "$blocks.claims" "$blocks"
 }
 
 # blocks_to_send: the directories that are neither done nor in the queue; with --only, those that failed or are new
@@ -137,10 +157,11 @@ drop_claims() {
     done < <(awk -F '\t' '$4 != "" { print $2 "\t" $4 }' "$blocks.states")
 }
 
-# new_list: an empty list of a submission in <project>/cluster; prints its path, whose last part names the jobs
+# new_list: an empty list of a submission in <project>/.cluster; prints its path, whose last part names the jobs
 new_list() {
     local list
-    list=$(mktemp "$root/cluster/mqkit-XXXXXX") || die "cannot write in $root/cluster"
+    mkdir -p "$root/.cluster/output" || die "cannot write in $root"
+    list=$(mktemp "$root/.cluster/mqkit-XXXXXX") || die "cannot write in $root/.cluster"
     chmod "$(printf %o $((0666 & ~$(umask))))" "$list" # colleagues read it, too
     echo "$list"
 }

@@ -4,6 +4,7 @@
 #include "console/messages.h"
 #include "support/fault.h"
 #include "support/text.h"
+#include "support/word_table.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -139,6 +140,11 @@ void readWords(Words words, std::type_identity_t<std::span<const OptionRow<Optio
         i += 1 + *count;
     }
 }
+
+/// How a report is written, and the words for it on a command line.
+enum class ReportFormat : std::uint8_t { text, json };
+inline constexpr auto reportFormats =
+    wordTable<ReportFormat>({{"text", ReportFormat::text}, {"json", ReportFormat::json}});
 
 /// The refusal of a word that no command knows.
 [[nodiscard]] UsageError unknownArgument(std::string_view word);

@@ -18,7 +18,7 @@ std::string findLibraryFile(const std::string& name) {
     const auto config = loadConfig("morquill.conf");
     for (const auto& directory : splitPathList(getConfigValue(config, "MORQUILL_MQLIB_PATH"))) {
         auto candidate = absolutePath((fs::path(directory) / target).string());
-        if (isRegularFile(candidate)) {
+        if (lookUpRegularFile(candidate)) {
             return candidate;
         }
     }

@@ -99,7 +99,6 @@ void Logger::openSession(const std::string& path, LogLevel fileLevel, LogLevel c
         }
         return;
     }
-    logPath_ = path;
     sessionId_ =
         timeStamp() + " pid=" + std::to_string(::getpid()) + " seq=" + std::to_string(++sessionCount_);
     if (std::fseek(logFile_.get(), 0, SEEK_END) == 0 && std::ftell(logFile_.get()) > 0) {
@@ -212,7 +211,6 @@ void Logger::closeFile() {
     fileWrite(LogLevel::Info, "logger closed");
     fileBanner("END");
     logFile_.reset();
-    logPath_.clear();
     sessionId_.clear();
 }
 

@@ -35,7 +35,7 @@ class Logger {
     static Logger& instance();
 
     /// Closes an open session and restores the defaults: console colour on, both thresholds `Info`, tool name
-    /// "morquill", path and session id empty.
+    /// "morquill", session id empty.
     void reset();
     void setToolName(std::string_view name);
     void setConsoleColor(bool on);
@@ -77,7 +77,6 @@ class Logger {
     LogLevel consoleThreshold_ = LogLevel::Info;
     bool consoleColor_ = true;
     std::unique_ptr<std::FILE, CloseStream> logFile_; // open only while a session has a file
-    std::string logPath_;
     std::string sessionId_;
     unsigned sessionCount_ = 0; // since the process began; makes session ids unique
     std::mutex guard_;

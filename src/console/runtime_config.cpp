@@ -104,21 +104,19 @@ struct Reference {
     std::string_view name;
 };
 
-/// Reads a reference; `text` begins with "$", and `closed` says whether it contains a "}".
-Reference readReference(std::string_view text, bool closed) {
-    if (text.size() > 1 && text[1] == '{') {
-        if (!closed) {
-            return {};
-        }
-        const std::size_t closing = text.find('}');
-        return {closing + 1, text.substr(2, closing - 2)};
+/// Reads a reference, `$NAME` or `${NAME}`. The text begins with "$", and `braced` is its part up to its last
+/// "}": a search for a brace there always finds one, which keeps a text full of "${" linear.
+Reference readReference(std::string_view text, std::string_view braced) {
+    if (text.substr(1).starts_with('{')) {
+        const std::size_t closing = braced.empty() ? 0 : braced.find('}');
+        return closing == 0 ? Reference{} : Reference{closing + 1, text.substr(2, closing - 2)};
     }
     const std::size_t length = identifierLength(text.substr(1));
     return length == 0 ? Reference{} : Reference{length + 1, text.substr(1, length)};
 }
 
 std::string expandReferences(std::string_view text, const std::string& workingDir) {
-    const std::size_t lastClosing = text.rfind('}');
+    const std::string_view braced = text.substr(0, text.rfind('}') + 1); // empty without a "}"
     std::string result;
     std::size_t i = 0;
     for (;;) {
@@ -128,9 +126,7 @@ std::string expandReferences(std::string_view text, const std::string& workingDi
             return result;
         }
         const std::string_view rest = text.substr(dollar);
-        // The search for a brace runs only where there is one, which keeps a text full of "${" linear.
-        const bool closed = lastClosing != std::string_view::npos && dollar < lastClosing;
-        const Reference reference = readReference(rest, closed);
+        const Reference reference = readReference(rest, braced.substr(std::min(dollar, braced.size())));
         const std::string value = referenceValue(reference.name, workingDir);
         if (reference.length == 0) {
             result += '$';

@@ -7,7 +7,7 @@ namespace morquill::graph {
 
 namespace {
 
-// Programs in the order of `TaskProgram`, then the kinds behind `NodeKind::task` in theirs. Similar methods
+// Programs in the order of `TaskProgram`, then the kinds after `NodeKind::task` in theirs. Similar methods
 // have similar colours: blue for ab initio, green for semi-empirical and machine-learned, red for spectra.
 // clang-format off
 constexpr BoxLook looks[] = {

@@ -1,6 +1,7 @@
 #include "graph/dot_text.h"
 
 #include "graph/box_look.h"
+#include "graph/visible_text.h"
 #include "support/line_builder.h"
 
 #include <iterator>
@@ -18,7 +19,7 @@ constexpr std::string_view edgeStyles[] = {
 static_assert(std::size(edgeStyles) == static_cast<std::size_t>(EdgeKind::use) + 1);
 
 /// Graphviz reads entities in every label.
-std::string escaped(std::string_view text) {
+std::string escapedForDot(std::string_view text) {
     std::string out;
     for (const char c : text) {
         if (c == '&') {
@@ -30,7 +31,7 @@ std::string escaped(std::string_view text) {
     return out;
 }
 
-void addNode(LineBuilder& out, const StudyGraph& graph, std::size_t place) {
+void addDotNode(LineBuilder& out, const StudyGraph& graph, std::size_t place) {
     const GraphNode& node = graph.nodes[place];
     const BoxLook& look = lookOf(node);
     out.line(nodeId(place), " [label=", dotLabel(node.lines), ", shape=", look.dotShape, ", style=\"filled",
@@ -38,7 +39,7 @@ void addNode(LineBuilder& out, const StudyGraph& graph, std::size_t place) {
              look.line, "\"];");
 }
 
-void addEdge(LineBuilder& out, const GraphEdge& edge) {
+void addDotEdge(LineBuilder& out, const GraphEdge& edge) {
     const std::string_view style = edgeStyles[static_cast<std::size_t>(edge.kind)];
     out.open(nodeId(edge.from), " -> ", nodeId(edge.to));
     if (!style.empty() || !edge.lines.empty()) {
@@ -58,7 +59,7 @@ void addClusters(LineBuilder& out, const StudyGraph& graph) {
         out.deeper();
         out.line("label=", dotLabel({cluster.title}), ";");
         for (const std::size_t place : cluster.nodes) {
-            addNode(out, graph, place);
+            addDotNode(out, graph, place);
         }
         out.shallower();
         out.line("}");
@@ -74,7 +75,7 @@ void addFoot(LineBuilder& out, const StudyGraph& graph) {
     out.deeper();
     out.line("rank=sink;");
     for (const std::size_t place : places) {
-        addNode(out, graph, place);
+        addDotNode(out, graph, place);
     }
     out.shallower();
     out.line("}");
@@ -83,11 +84,7 @@ void addFoot(LineBuilder& out, const StudyGraph& graph) {
 } // namespace
 
 std::string dotLabel(const std::vector<std::string>& lines) {
-    std::string label = "\"";
-    for (const auto& line : lines) {
-        label.append(&line == &lines.front() ? "" : "\\n").append(escaped(line));
-    }
-    return label += '"';
+    return quotedLabel(lines, "\\n", escapedForDot);
 }
 
 std::string renderDot(const StudyGraph& graph) {
@@ -100,11 +97,11 @@ std::string renderDot(const StudyGraph& graph) {
     out.line("edge [fontname=\"Helvetica\", fontsize=9];");
     addClusters(out, graph);
     for (const std::size_t place : looseNodes(graph)) {
-        addNode(out, graph, place);
+        addDotNode(out, graph, place);
     }
     addFoot(out, graph);
     for (const GraphEdge& edge : graph.edges) {
-        addEdge(out, edge);
+        addDotEdge(out, edge);
     }
     out.shallower();
     out.line("}");

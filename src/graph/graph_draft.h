@@ -25,7 +25,7 @@ class GraphDraft {
     /// The node of a name and kind, added with the further line when it is not there yet.
     std::size_t nodeOf(NodeKind kind, const std::string& name, const std::string& furtherLine = {});
 
-    /// The whole graph; the draft is of no use behind it.
+    /// The whole graph; the draft is of no use afterwards.
     [[nodiscard]] StudyGraph take() { return std::move(graph_); }
 
   private:

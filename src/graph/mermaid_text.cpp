@@ -13,7 +13,7 @@ namespace morquill::graph {
 
 namespace {
 
-/// What stands in front of the label of an edge, behind it, and the whole arrow of an edge without one.
+/// What precedes the label of an edge, what follows it, and the whole arrow of an edge without one.
 struct Arrow {
     std::string_view open;
     std::string_view close;
@@ -62,7 +62,7 @@ void addCharacter(std::string& out, std::string_view text, std::size_t at, std::
     }
 }
 
-std::string escaped(std::string_view text) {
+std::string escapedForMermaid(std::string_view text) {
     std::string out;
     for (std::size_t i = 0; i < text.size();) {
         const auto rest = text.substr(i);
@@ -77,7 +77,7 @@ std::string escaped(std::string_view text) {
     return out;
 }
 
-void addNode(LineBuilder& out, const StudyGraph& graph, std::size_t place) {
+void addMermaidNode(LineBuilder& out, const StudyGraph& graph, std::size_t place) {
     const GraphNode& node = graph.nodes[place];
     const BoxLook& look = lookOf(node);
     out.line(nodeId(place), look.mermaidOpen, mermaidLabel(node.lines), look.mermaidClose, ":::", look.name);
@@ -88,13 +88,13 @@ void addFrame(LineBuilder& out, const StudyGraph& graph, std::string_view id, co
     out.line("subgraph ", id, "[", mermaidLabel({title}), "]");
     out.deeper();
     for (const std::size_t place : places) {
-        addNode(out, graph, place);
+        addMermaidNode(out, graph, place);
     }
     out.shallower();
     out.line("end");
 }
 
-void addEdge(LineBuilder& out, const GraphEdge& edge) {
+void addMermaidEdge(LineBuilder& out, const GraphEdge& edge) {
     const Arrow& arrow = arrows[static_cast<std::size_t>(edge.kind)];
     out.open(nodeId(edge.from), " ");
     if (edge.lines.empty()) {
@@ -122,11 +122,7 @@ void addClasses(LineBuilder& out, const StudyGraph& graph) {
 } // namespace
 
 std::string mermaidLabel(const std::vector<std::string>& lines) {
-    std::string label = "\"";
-    for (const auto& line : lines) {
-        label.append(&line == &lines.front() ? "" : "<br/>").append(escaped(line));
-    }
-    return label += '"';
+    return quotedLabel(lines, "<br/>", escapedForMermaid);
 }
 
 std::string renderMermaid(const StudyGraph& graph) {
@@ -138,13 +134,13 @@ std::string renderMermaid(const StudyGraph& graph) {
         addFrame(out, graph, "c" + std::to_string(++number), cluster.title, cluster.nodes);
     }
     for (const std::size_t place : looseNodes(graph)) {
-        addNode(out, graph, place);
+        addMermaidNode(out, graph, place);
     }
     if (const auto places = footNodes(graph); !places.empty()) {
         addFrame(out, graph, "foot", "plots and derives", places);
     }
     for (const GraphEdge& edge : graph.edges) {
-        addEdge(out, edge);
+        addMermaidEdge(out, edge);
     }
     addClasses(out, graph);
     return out.take();

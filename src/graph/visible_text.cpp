@@ -110,6 +110,15 @@ std::string visibleStart(std::string_view text, std::size_t limit) {
     return out;
 }
 
+std::string quotedLabel(const std::vector<std::string>& lines, std::string_view lineBreak,
+                        std::string (*escape)(std::string_view line)) {
+    std::string label = "\"";
+    for (const auto& line : lines) {
+        label.append(&line == &lines.front() ? "" : lineBreak).append(escape(line));
+    }
+    return label += '"';
+}
+
 std::string visibleText(std::string_view text) {
     return visibleStart(text, text.size());
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Texts as a picture can show them.
 namespace morquill::graph {
@@ -15,6 +16,10 @@ namespace morquill::graph {
 
 /// The same, and of a text with more than `limit` characters only the first ones, followed by "...".
 [[nodiscard]] std::string visibleStart(std::string_view text, std::size_t limit);
+
+/// A label between double quotes: each line as `escape` makes it, with `lineBreak` between them.
+[[nodiscard]] std::string quotedLabel(const std::vector<std::string>& lines, std::string_view lineBreak,
+                                      std::string (*escape)(std::string_view line));
 
 /// The length in bytes, 1 to 4, of the UTF-8 character at the front of the text; 0 when there is none: an
 /// empty text, a byte that begins no character, an overlong form, a surrogate, a number above U+10FFFF.

@@ -33,9 +33,9 @@ std::vector<std::string> findTaskFiles(const std::vector<std::string>& paths) {
     std::vector<std::string> files;
     for (const auto& given : paths) {
         std::string path = normalisedPath(given);
-        if (isDirectory(path)) {
+        if (lookUpDirectory(path)) {
             addTree(path, files);
-        } else if (hasTaskExtension(path) && isRegularFile(path)) {
+        } else if (hasTaskExtension(path) && lookUpRegularFile(path)) {
             files.push_back(std::move(path));
         }
     }

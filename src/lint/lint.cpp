@@ -25,7 +25,7 @@ namespace {
 struct LintOptions {
     Strictness strictness = Strictness::lenient;
     TextDetail detail = TextDetail::issues;
-    std::string format = "text";
+    console::ReportFormat format = console::ReportFormat::text;
     bool dropsWarnings = false; ///< the parser's, as no line of the log may get into the JSON
     std::vector<std::string> paths;
 };
@@ -58,10 +58,11 @@ void setQuiet(LintOptions& options, console::Words /*values*/) {
 void setFormat(LintOptions& options, console::Words values) {
     // Only this spelling keeps the log silent, even when a later --format overrides it.
     options.dropsWarnings = options.dropsWarnings || std::string_view(values.front()) == "json";
-    options.format = toLower(values.front());
-    if (options.format != "text" && options.format != "json") {
-        throw console::bareRefusal("unsupported format: " + options.format);
+    const auto format = console::reportFormats.find(values.front());
+    if (!format) {
+        throw console::bareRefusal("unsupported format: " + toLower(values.front()));
     }
+    options.format = *format;
 }
 
 // clang-format off
@@ -106,7 +107,7 @@ int lintFiles(const LintOptions& options) {
     const taskdsl::FileTest isFile = [&known](const std::string& path) {
         const auto [entry, isNew] = known.try_emplace(path, false);
         if (isNew) {
-            entry->second = isRegularFile(path);
+            entry->second = lookUpRegularFile(path);
         }
         return entry->second;
     };
@@ -116,8 +117,9 @@ int lintFiles(const LintOptions& options) {
         reports.push_back(lintFile(file, warnings, isFile));
     }
     const LintSummary summary = summariseLint(reports, options.strictness);
-    writeOut(options.format == "json" ? renderLintJson(reports, summary)
-                                      : renderLintText(reports, summary, options.detail));
+    writeOut(options.format == console::ReportFormat::json
+                 ? renderLintJson(reports, summary)
+                 : renderLintText(reports, summary, options.detail));
     return summary.errors == 0 ? 0 : 1;
 }
 

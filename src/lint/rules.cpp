@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <utility>
 
 namespace morquill::lint {
@@ -43,15 +42,9 @@ constexpr std::array<Alias, 3> controlWords{
     {{"totgpu", "gpus"}, {"gputype", "gpu_type"}, {"gpumem", "gpu_mem"}}};
 constexpr std::array<Alias, 3> processWords{{{"scripts", "run"}, {"mkdirp", "mkdir"}, {"mwfn", "multiwfn"}}};
 
-/// Lengths above 2^31 - 1 are clamped, so that no span wraps round to an invalid one.
-std::int32_t coordinate(std::size_t value) noexcept {
-    constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(value, most));
-}
-
 SourceSpan partOfLine(const RawLine& line, std::size_t begin, std::size_t length) {
-    return {line.path, coordinate(line.number), coordinate(begin + 1), coordinate(line.number),
-            coordinate(begin + 1 + length)};
+    return {line.path, taskdsl::toCoordinate(line.number), taskdsl::toCoordinate(begin + 1),
+            taskdsl::toCoordinate(line.number), taskdsl::toCoordinate(begin + 1 + length)};
 }
 
 /// A finding when the word is an older name, placed at its first occurrence in the line.

@@ -12,7 +12,7 @@ namespace {
 using enum HelpTopic;
 
 // clang-format off
-constexpr HelpRow rows[] = {
+constexpr HelpRow helpRows[] = {
     {directive, "source", "%source origin | restart | <task> | xyz=<file> [frame=<n>]",
      "Where the geometry comes from; as a block, one binding a line."},
     {directive, "program", "%program <name>",
@@ -457,14 +457,14 @@ constexpr std::array<std::string_view, 15> titles{
 } // namespace
 
 std::span<const HelpRow> helpTable() noexcept {
-    return rows;
+    return helpRows;
 }
 
 const HelpRow* findHelp(HelpTopic topic, std::string_view word) noexcept {
-    const auto row = std::find_if(std::begin(rows), std::end(rows), [&](const HelpRow& r) {
+    const auto row = std::find_if(std::begin(helpRows), std::end(helpRows), [&](const HelpRow& r) {
         return r.topic == topic && equalsNoCase(r.word, word);
     });
-    return row == std::end(rows) ? nullptr : &*row;
+    return row == std::end(helpRows) ? nullptr : &*row;
 }
 
 std::optional<HelpTopic> lineTopic(std::string_view directive) noexcept {

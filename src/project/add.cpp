@@ -4,6 +4,7 @@
 #include "project/cases/target.h"
 #include "project/workflows.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
 
 #include <unordered_set>
@@ -31,7 +32,7 @@ AddResult addCase(AddRun& run, const std::string& path) {
     if (toLower(extensionOf(path)) != ".xyz") {
         return failAdd("not an .xyz file", path);
     }
-    if (!isRegularFile(path)) {
+    if (!lookUpRegularFile(path)) {
         return failAdd("xyz file not found", path);
     }
     const std::string stem = stemOf(path);
@@ -42,7 +43,7 @@ AddResult addCase(AddRun& run, const std::string& path) {
         return failAdd("duplicate case name in arguments", stem);
     }
     const std::string caseDir = joinPath(run.root, stem);
-    if (isDirectory(caseDir)) {
+    if (lookUpDirectory(caseDir)) {
         console::printSkip("case directory already exists: " + caseDir);
         return AddResult::skipped;
     }

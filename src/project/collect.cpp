@@ -1,5 +1,6 @@
 #include "console/command_line.h"
 #include "console/messages.h"
+#include "project/case_block.h"
 #include "project/cases/block_pattern.h"
 #include "project/cases/selection.h"
 #include "project/choice.h"
@@ -28,9 +29,7 @@ struct CollectSummary {
 
 /// One task block in one case and where its items go.
 struct CollectPlace {
-    std::string caseName;
-    std::string label; ///< see `blockLabel`
-    std::string blockDir;
+    CaseBlock block;
     std::string targetDir;
     bool intoItself = false; ///< the results would lie in the block directory, as items of the next collect
 };
@@ -45,12 +44,12 @@ bool holdsResults(const std::string& blockDir, const std::string& targetDir) {
 bool makeDirectory(const std::string& dir) {
     std::error_code error;
     std::filesystem::create_directories(dir, error);
-    return isDirectory(dir);
+    return lookUpDirectory(dir);
 }
 
 /// The name of an item among those of other cases: its own name and the case name.
 std::string targetName(const std::string& source, const std::string& caseName) {
-    if (isDirectory(source)) {
+    if (lookUpDirectory(source)) {
         return baseName(source) + "_" + caseName;
     }
     return stemOf(source) + "_" + caseName + std::string(extensionOf(source));
@@ -60,7 +59,7 @@ std::string targetName(const std::string& source, const std::string& caseName) {
 std::optional<std::vector<std::string>> findItems(const CollectPlace& place, const std::string& pattern) {
     const bool directoriesOnly = pattern.ends_with('/') || pattern.ends_with('\\');
     try {
-        return expandBlockPattern(place.blockDir, pattern,
+        return expandBlockPattern(place.block.directory, pattern,
                                   directoriesOnly ? MatchedKind::directories : MatchedKind::any);
     } catch (const std::system_error& failure) {
         console::reportWarning(failure.what());
@@ -76,11 +75,11 @@ void collectPattern(const CollectPlace& place, const std::string& pattern, conso
         return;
     }
     if (matches->empty()) {
-        console::printSkip(place.label + " : " + pattern);
+        console::printSkip(place.block.label + " : " + pattern);
     }
     for (const auto& match : *matches) {
-        const auto source = joinPath(place.blockDir, match);
-        const auto target = joinPath(place.targetDir, targetName(source, place.caseName));
+        const auto source = joinPath(place.block.directory, match);
+        const auto target = joinPath(place.targetDir, targetName(source, place.block.caseName));
         console::printNote(std::string("copy: ").append(source).append(" -> ").append(target));
         summary.items += 1;
         if (place.intoItself || (mode == console::RunMode::apply && !system::copyItem(source, target))) {
@@ -143,16 +142,14 @@ int runProjectCollect(const ProjectOptions& options) {
             system::removeStaleCopies(targetDir);
         }
         for (const auto& caseDir : caseDirs) {
-            const auto caseName = baseName(caseDir);
-            const auto blockDir = joinPath(caseDir, task);
-            auto label = blockLabel(caseName, task);
-            const CollectPlace place{caseName, std::move(label), blockDir, targetDir,
-                                     holdsResults(blockDir, targetDir)};
-            if (!isDirectory(place.blockDir)) {
+            auto block = blockOf(caseDir, task);
+            if (!lookUpDirectory(block.directory)) {
                 summary.missing += 1;
-                console::printSkip(missingBlock(place.label));
+                console::printSkip(missingBlock(block.label));
                 continue;
             }
+            const bool intoItself = holdsResults(block.directory, targetDir);
+            const CollectPlace place{std::move(block), targetDir, intoItself};
             for (const auto& pattern : options.patterns) {
                 collectPattern(place, pattern, console::runMode(options.dryRun), summary);
             }

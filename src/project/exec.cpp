@@ -1,11 +1,11 @@
 #include "console/command_line.h"
 #include "console/messages.h"
+#include "project/case_block.h"
 #include "project/cases/selection.h"
 #include "project/choice.h"
 #include "project/phrases.h"
 #include "project/workflows.h"
 #include "support/file.h"
-#include "support/paths.h"
 #include "support/text.h"
 #include "system/process.h"
 
@@ -46,25 +46,22 @@ std::string resolveCommand(std::string_view command, const std::string& task, co
     return resolved.append(command, copied);
 }
 
-void execInBlock(const ProjectOptions& options, const std::string& caseDir, const std::string& task,
-                 ExecSummary& summary) {
-    const auto caseName = baseName(caseDir);
-    const auto blockDir = joinPath(caseDir, task);
-    if (!isDirectory(blockDir)) {
+void execInBlock(const ProjectOptions& options, const CaseBlock& block, ExecSummary& summary) {
+    if (!lookUpDirectory(block.directory)) {
         summary.missing += 1;
-        console::printSkip(missingBlock(blockLabel(caseName, task)));
+        console::printSkip(missingBlock(block.label));
         return;
     }
-    const auto command = resolveCommand(options.command, task, caseName);
-    console::printLine("\n>>> [" + caseName + "] " + blockDir + "\n$ " + command);
+    const auto command = resolveCommand(options.command, block.task, block.caseName);
+    console::printLine("\n>>> [" + block.caseName + "] " + block.directory + "\n$ " + command);
     summary.total += 1;
-    const auto failure = options.dryRun ? std::nullopt : system::runShellCommand(blockDir, command);
+    const auto failure = options.dryRun ? std::nullopt : system::runShellCommand(block.directory, command);
     if (!failure) {
         summary.success += 1;
         return;
     }
     summary.failed += 1;
-    console::reportWarning("command failed: " + blockDir + inParentheses(*failure));
+    console::reportWarning("command failed: " + block.directory + inParentheses(*failure));
 }
 
 } // namespace
@@ -82,11 +79,8 @@ int runProjectExec(const ProjectOptions& options) {
                        "\n  task blocks: " + formatSelection(chosen->selected) +
                        "\n  command: " + options.command + (options.dryRun ? "  (dry-run)\n" : "\n"));
     ExecSummary summary;
-    for (const auto& caseDir : caseDirs) {
-        for (const auto& task : chosen->selected) {
-            execInBlock(options, caseDir, task, summary);
-        }
-    }
+    forEachBlock(caseDirs, chosen->selected,
+                 [&](const CaseBlock& block) { execInBlock(options, block, summary); });
     console::printLine();
     console::printNote("finished: executed " + std::to_string(summary.success) + "/" +
                        std::to_string(summary.total) + " block(s) successfully.");

@@ -1,6 +1,7 @@
 #include "console/logger.h"
 #include "console/runtime_config.h"
 #include "project/case_files.h"
+#include "project/cases/target.h"
 #include "project/runner.h"
 #include "project/workflows.h"
 #include "support/file.h"
@@ -53,7 +54,7 @@ bool failProject(const std::error_code& error) {
 }
 
 bool makeProjectDirectory(const std::string& dir) {
-    if (isDirectory(dir)) {
+    if (lookUpDirectory(dir)) {
         console::logWarning("project directory already exists: " + dir);
         return true;
     }
@@ -67,7 +68,7 @@ bool makeProjectDirectory(const std::string& dir) {
 }
 
 bool makeTemplate(const std::string& source, const std::string& file) {
-    if (isRegularFile(file)) {
+    if (lookUpRegularFile(file)) {
         console::logInfo("project template already exists: " + file);
         return true;
     }
@@ -116,7 +117,7 @@ bool runProjectInit() {
     console::logInfo("geometry files found: " + std::to_string(geometries.size()));
 
     const std::string projectDir = absoluteLocation(joinPath(taskPath, name));
-    const std::string templateFile = joinPath(projectDir, name + ".projmq");
+    const std::string templateFile = joinPath(projectDir, name + std::string(templateExtension));
     if (!makeProjectDirectory(projectDir) || !makeTemplate(source, templateFile)) {
         return false;
     }

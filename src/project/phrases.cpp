@@ -7,10 +7,6 @@ void printExecution(std::string_view command, console::RunMode mode) {
                           (mode == console::RunMode::dryRun ? "" : "execute ") + std::string(command));
 }
 
-std::string blockLabel(std::string_view caseName, std::string_view task) {
-    return std::string(caseName).append(" / $").append(task);
-}
-
 std::string missingBlock(const std::string& label) {
     return label + " : block directory is missing";
 }

@@ -11,8 +11,6 @@ namespace morquill::project {
 /// Prints a command that is run or, in a dry run, would be.
 void printExecution(std::string_view command, console::RunMode mode);
 
-/// "<case> / $<task>": how messages name a block of a case.
-[[nodiscard]] std::string blockLabel(std::string_view caseName, std::string_view task);
 /// "<label> : block directory is missing".
 [[nodiscard]] std::string missingBlock(const std::string& label);
 /// "no case subdirectories were found in project: <root>".

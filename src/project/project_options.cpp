@@ -4,6 +4,7 @@
 #include "console/console.h"
 #include "project/cases/target.h"
 #include "support/file.h"
+#include "support/paths.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -129,24 +130,24 @@ void chooseOnce(const ProjectOptions& options) {
 }
 
 bool namesTemplate(std::string_view token) noexcept {
-    return !token.starts_with('-') && token.ends_with(".projmq");
+    return !token.starts_with('-') && token.ends_with(templateExtension);
 }
 
 /// Ends the values of an option that takes several.
 bool endsList(std::string_view token) {
-    static constexpr std::array<std::string_view, 12> stops{
-        "-n",        "--name",     "--exec",       "--collect",    "--path", "--rebuild",
-        "--dry-run", "--run-comd", "--run-script", "--run-runner", "-h",     "--help"};
-    return std::find(stops.begin(), stops.end(), token) != stops.end() || namesTemplate(token);
+    static constexpr std::string_view stops[] = {"-n",           "--name",       "--exec",    "--collect",
+                                                 "--path",       "--rebuild",    "--dry-run", "--run-comd",
+                                                 "--run-script", "--run-runner", "-h",        "--help"};
+    return isOneOf(token, stops) || namesTemplate(token);
 }
 
 /// At least one value, whatever it is, and the following ones up to the next option or template.
-std::optional<std::size_t> severalValues(Words behind) noexcept {
-    if (behind.empty()) {
+std::optional<std::size_t> severalValues(Words following) noexcept {
+    if (following.empty()) {
         return std::nullopt;
     }
     return static_cast<std::size_t>(
-        std::distance(behind.begin(), std::find_if(behind.begin() + 1, behind.end(), endsList)));
+        std::distance(following.begin(), std::find_if(following.begin() + 1, following.end(), endsList)));
 }
 
 using console::askHelp;
@@ -229,14 +230,14 @@ class ProjectPathTest {
         if (token.empty() || token.starts_with('-')) {
             return false;
         }
-        if (token.ends_with(".projmq")) {
+        if (token.ends_with(templateExtension)) {
             return true;
         }
         const std::string path = absoluteLocation(token);
-        if (!isRegularFile(path)) {
-            return isDirectory(path) && liesInProject(path);
+        if (!lookUpRegularFile(path)) {
+            return lookUpDirectory(path) && liesInProject(path);
         }
-        if (extensionOf(path) == ".mq") {
+        if (extensionOf(path) == taskExtension) {
             return true;
         }
         const auto [known, isNew] = filesInProject_.try_emplace(parentPath(path));
@@ -296,9 +297,7 @@ bool isProjectShape(Words arguments) noexcept {
 }
 
 bool isUpdateShape(Words arguments) noexcept {
-    static constexpr std::array<std::string_view, 4> openings{"-b", "--batch", "-u", "--update"};
-    return !arguments.empty() &&
-           std::find(openings.begin(), openings.end(), arguments.front()) != openings.end();
+    return !arguments.empty() && isOneOf(arguments.front(), {"-b", "--batch", "-u", "--update"});
 }
 
 bool isProjectPathToken(std::string_view token) {

@@ -2,6 +2,7 @@
 
 #include "console/messages.h"
 #include "console/runtime_config.h"
+#include "project/case_block.h"
 #include "project/cases/selection.h"
 #include "project/choice.h"
 #include "project/phrases.h"
@@ -11,7 +12,6 @@
 #include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
-#include "support/text.h"
 #include "system/prompt.h"
 
 #include <optional>
@@ -26,7 +26,7 @@ std::vector<std::string> listWorkMarkers(const std::string& blockDir) {
     std::vector<std::string> markers;
     for (const auto& name : listDirectoryEntries(blockDir, "*.mqwk")) {
         auto path = joinPath(blockDir, name);
-        if (extensionOf(name) == ".mqwk" && isRegularFile(path)) {
+        if (extensionOf(name) == ".mqwk" && lookUpRegularFile(path)) {
             markers.push_back(std::move(path));
         }
     }
@@ -51,23 +51,22 @@ std::optional<std::size_t> cleanStatus(const std::string& caseDir, const std::ve
     return count;
 }
 
-void cleanBlock(const std::string& blockDir, const std::string& label, const RebuildOptions& options,
-                RebuildSummary& summary) {
-    if (!isDirectory(blockDir)) {
+void cleanBlock(const CaseBlock& block, const RebuildOptions& options, RebuildSummary& summary) {
+    if (!lookUpDirectory(block.directory)) {
         summary.blocksMissing += 1;
         const auto kind = options.dryRun ? console::MessageKind::dryRun : console::MessageKind::skip;
-        console::printMessage(kind, missingBlock(label));
+        console::printMessage(kind, missingBlock(block.label));
         return;
     }
     summary.blocksVisited += 1;
-    const auto found = options.removeWorkMarkers ? countWorkMarkers(blockDir) : 0;
+    const auto found = options.removeWorkMarkers ? countWorkMarkers(block.directory) : 0;
     if (found == 0) {
         return;
     }
     summary.workMarkers += found;
-    const auto count = options.dryRun ? found : removeWorkMarkers(blockDir);
+    const auto count = options.dryRun ? found : removeWorkMarkers(block.directory);
     console::printMessage(console::stepKind(console::runMode(options.dryRun)),
-                          label + (options.dryRun ? " : would remove " : " : removed ") +
+                          block.label + (options.dryRun ? " : would remove " : " : removed ") +
                               std::to_string(count) + " .mqwk file(s)");
 }
 
@@ -84,7 +83,7 @@ std::optional<RebuildSummary> cleanCases(const WorkPlace& place, const std::vect
         summary.statusTouched += *records > 0 ? 1 : 0;
         summary.recordsRemoved += static_cast<std::int32_t>(*records);
         for (const auto& task : selected) {
-            cleanBlock(joinPath(caseDir, task), blockLabel(baseName(caseDir), task), options, summary);
+            cleanBlock(blockOf(caseDir, task), options, summary);
         }
     }
     console::printLine();
@@ -124,7 +123,7 @@ bool startRunner(const std::string& root, console::RunMode mode, RebuildSummary 
 std::optional<RebuildSummary> regenerate(const WorkPlace& place, const std::vector<std::string>& selected,
                                          const RebuildOptions& options) {
     // An update at work would put back the records that go here.
-    const auto locks = options.dryRun ? std::optional<WorkLocks>(WorkLocks()) : lockWork(place);
+    const auto locks = options.dryRun ? std::optional<StatusLocks>(StatusLocks()) : lockWork(place);
     if (!locks) {
         return std::nullopt;
     }

@@ -5,7 +5,6 @@
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
-#include "system/file_lock.h"
 #include "system/process.h"
 
 #include <utility>
@@ -30,11 +29,11 @@ std::optional<WorkPlace> openCase(const std::string& caseDir, const std::string&
     if (!hasSelection(selected, words)) {
         return std::nullopt;
     }
-    if (!isDirectory(caseDir)) {
+    if (!lookUpDirectory(caseDir)) {
         console::reportError("case directory does not exist: " + caseDir);
         return std::nullopt;
     }
-    if (!isRegularFile(caseFile)) {
+    if (!lookUpRegularFile(caseFile)) {
         console::reportError("case .mq file does not exist: " + caseFile);
         return std::nullopt;
     }
@@ -54,29 +53,8 @@ std::optional<WorkPlace> openProject(const std::string& root, const std::string&
     return WorkPlace{TargetKind::Project, root, file, std::move(caseDirs)};
 }
 
-std::optional<WorkLocks> lockWork(const WorkPlace& place) {
-    using system::LockKind;
-    // The file of a case is mostly a link to the template. A directory cannot be locked everywhere, and a
-    // task file of its own leads to no template: together they meet a project as long as one of them can.
-    const bool isCase = place.kind == TargetKind::Case;
-    std::vector<std::pair<std::string, LockKind>> wanted{
-        {place.file, isCase ? LockKind::shared : LockKind::exclusive},
-        {isCase ? parentPath(place.directory) : place.directory,
-         isCase ? LockKind::shared : LockKind::exclusive},
-    };
-    if (isCase) {
-        wanted.emplace_back(place.directory, LockKind::exclusive);
-    }
-    WorkLocks locks;
-    for (const auto& [path, kind] : wanted) {
-        auto lock = system::tryLock(path, kind);
-        if (!lock) {
-            console::reportError("another mqkit is changing the status files here: " + place.directory);
-            return std::nullopt;
-        }
-        locks.push_back(std::move(*lock));
-    }
-    return locks;
+std::optional<StatusLocks> lockWork(const WorkPlace& place) {
+    return lockStatusFiles(place.kind, place.directory, place.file);
 }
 
 void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, console::RunMode mode,

@@ -2,7 +2,7 @@
 
 #include "console/messages.h"
 #include "project/cases/target.h"
-#include "support/descriptor.h"
+#include "project/status/status_lock.h"
 
 #include <optional>
 #include <string>
@@ -41,13 +41,8 @@ inline constexpr WorkflowWords rebuildWords{"rebuild", "Rebuild", "full", ""};
                                                    const std::vector<std::string>& selected,
                                                    const WorkflowWords& words);
 
-/// The locks of one workflow on the status files that it changes, held for as long as these live.
-using WorkLocks = std::vector<Descriptor>;
-
-/// Keeps every other update and rebuild out of these cases; nothing, after a message, when one is at work
-/// there. Two on different cases do not meet. Where the file system has no locks there is nothing to keep
-/// them apart.
-[[nodiscard]] std::optional<WorkLocks> lockWork(const WorkPlace& place);
+/// `lockStatusFiles` for the cases of this place.
+[[nodiscard]] std::optional<StatusLocks> lockWork(const WorkPlace& place);
 
 void printWorkHeader(const WorkPlace& place, const std::vector<std::string>& selected, console::RunMode mode,
                      const WorkflowWords& words);

@@ -1,4 +1,5 @@
 #include "project/update.h"
+#include "project/case_block.h"
 
 #include "project/cases/selection.h"
 #include "project/choice.h"
@@ -98,25 +99,25 @@ bool update(const std::optional<WorkPlace>& place, const std::vector<std::string
     return summary->comdFailed == 0;
 }
 
-void runComd(const std::string& blockDir, const std::string& label, console::RunMode mode,
-             UpdateSummary& summary) {
-    if (!isDirectory(blockDir)) {
-        console::printSkip(missingBlock(label));
+void runComd(const CaseBlock& block, console::RunMode mode, UpdateSummary& summary) {
+    if (!lookUpDirectory(block.directory)) {
+        console::printSkip(missingBlock(block.label));
         return;
     }
-    if (!isRegularFile(joinPath(blockDir, "comd"))) {
-        console::printSkip(label + " : comd is missing");
+    if (!lookUpRegularFile(joinPath(block.directory, "comd"))) {
+        console::printSkip(block.label + " : comd is missing");
         return;
     }
-    printExecution(label + " -> bash comd", mode);
-    const auto failure =
-        mode == console::RunMode::dryRun ? std::nullopt : system::runProgram(blockDir, "bash", {"comd"});
+    printExecution(block.label + " -> bash comd", mode);
+    const auto failure = mode == console::RunMode::dryRun
+                             ? std::nullopt
+                             : system::runProgram(block.directory, "bash", {"comd"});
     if (!failure) {
         summary.comdSuccess += 1;
         return;
     }
     summary.comdFailed += 1;
-    console::reportWarning("comd execution failed: " + blockDir + inParentheses(*failure));
+    console::reportWarning("comd execution failed: " + block.directory + inParentheses(*failure));
 }
 
 } // namespace
@@ -125,11 +126,7 @@ void runComdForCases(const std::vector<std::string>& caseDirs, const std::vector
                      console::RunMode mode, UpdateSummary& summary) {
     console::printLine();
     console::printNote("comd execution for selected task blocks");
-    for (const auto& caseDir : caseDirs) {
-        for (const auto& task : selected) {
-            runComd(joinPath(caseDir, task), blockLabel(baseName(caseDir), task), mode, summary);
-        }
-    }
+    forEachBlock(caseDirs, selected, [&](const CaseBlock& block) { runComd(block, mode, summary); });
 }
 
 bool updateCase(const std::string& caseDir, const std::string& caseFile,

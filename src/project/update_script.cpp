@@ -1,4 +1,5 @@
 #include "project/update_script.h"
+#include "project/case_block.h"
 
 #include "project/cases/selection.h"
 #include "project/phrases.h"
@@ -39,15 +40,12 @@ std::string formatComdRunnerScript(const std::string& root, const std::vector<st
                                    const std::vector<std::string>& selected) {
     std::string text(comdRunnerText.substr(0, selectedAt));
     text += formatSelection(selected);
-    constexpr auto behindSelected = selectedAt + selectedMark.size();
-    text += comdRunnerText.substr(behindSelected, callsAt - behindSelected);
-    for (const auto& caseDir : caseDirs) {
-        for (const auto& task : selected) {
-            const auto label = blockLabel(baseName(caseDir), task);
-            const auto directory = relativeTo(root, joinPath(caseDir, task));
-            text += "run_comd " + shellQuote(label) + " " + shellQuote(directory) + "\n";
-        }
-    }
+    constexpr auto afterSelected = selectedAt + selectedMark.size();
+    text += comdRunnerText.substr(afterSelected, callsAt - afterSelected);
+    forEachBlock(caseDirs, selected, [&](const CaseBlock& block) {
+        text += "run_comd " + shellQuote(block.label) + " " + shellQuote(relativeTo(root, block.directory)) +
+                "\n";
+    });
     return text.append(comdRunnerText.substr(callsAt + callsMark.size()));
 }
 

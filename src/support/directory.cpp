@@ -1,5 +1,6 @@
 #include "support/directory.h"
 
+#include "support/fault.h"
 #include "support/paths.h"
 
 #include <algorithm>
@@ -24,13 +25,15 @@ EntryKind kindOfMode(mode_t mode) noexcept {
                            : EntryKind::other;
 }
 
-EntryKind kindOf(DIR* dir, const dirent& entry) noexcept {
-    if (entry.d_type != DT_UNKNOWN) {
-        return kindOfMode(static_cast<mode_t>(DTTOIF(entry.d_type)));
-    }
+EntryKind kindAt(int dir, const char* name) noexcept {
     struct stat info {};
-    return ::fstatat(::dirfd(dir), entry.d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 ? kindOfMode(info.st_mode)
-                                                                                  : EntryKind::other;
+    return ::fstatat(dir, name, &info, AT_SYMLINK_NOFOLLOW) == 0 ? kindOfMode(info.st_mode)
+                                                                 : EntryKind::other;
+}
+
+EntryKind kindOfEntry(DIR* dir, const dirent& entry) noexcept {
+    return entry.d_type == DT_UNKNOWN ? kindAt(::dirfd(dir), entry.d_name)
+                                      : kindOfMode(static_cast<mode_t>(DTTOIF(entry.d_type)));
 }
 
 struct CloseDirectory {
@@ -62,7 +65,7 @@ int eachEntry(const std::string& dir, Take take) {
 std::optional<std::vector<DirectoryEntry>> readAsListed(const std::string& dir) {
     std::vector<DirectoryEntry> entries;
     const int error = eachEntry(dir, [&](DIR* open, const dirent& entry) {
-        entries.push_back({entry.d_name, kindOf(open, entry)});
+        entries.push_back({entry.d_name, kindOfEntry(open, entry)});
         return true;
     });
     if (error != 0) {
@@ -72,14 +75,9 @@ std::optional<std::vector<DirectoryEntry>> readAsListed(const std::string& dir) 
     return entries;
 }
 
-/// True for what only says that there is no such directory.
-bool isAbsence(int error) noexcept {
-    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
-}
-
 /// A directory that is there and cannot be read must not pass for an empty one.
 void requireRead(int error, const std::string& dir) {
-    if (error != 0 && !isAbsence(error)) {
+    if (error != 0 && !isAbsence(error) && error != ENAMETOOLONG) {
         throw std::system_error(error, std::system_category(), "could not read directory " + dir);
     }
 }
@@ -107,6 +105,10 @@ struct Waiting {
 };
 
 } // namespace
+
+EntryKind kindOf(const std::string& path) noexcept {
+    return kindAt(AT_FDCWD, path.c_str());
+}
 
 std::optional<std::vector<DirectoryEntry>> readDirectory(const std::string& dir) {
     auto entries = readAsListed(dir);

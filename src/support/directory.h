@@ -14,6 +14,9 @@ namespace morquill {
 /// whose entries cannot be listed.
 enum class EntryKind : std::int32_t { file = 0, directory, link, other, unreadable };
 
+/// What is at a path itself; `other` when nothing is there or the system does not say.
+[[nodiscard]] EntryKind kindOf(const std::string& path) noexcept;
+
 /// A name found in a directory.
 struct DirectoryEntry {
     std::string name;

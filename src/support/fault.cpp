@@ -31,6 +31,10 @@ const char* systemErrorText(int number) noexcept {
     return std::strerror(number);
 }
 
+bool isAbsence(int number) noexcept {
+    return number == ENOENT || number == ENOTDIR || number == ELOOP;
+}
+
 bool isFaultOfTheDisk(int number) noexcept {
     return number == ENOSPC || number == EIO || number == EFBIG || number == EDQUOT;
 }

@@ -35,6 +35,9 @@ class WholeTextError : public std::runtime_error {
 /// The system's text for an error number, a value of `errno`.
 [[nodiscard]] const char* systemErrorText(int number) noexcept;
 
+/// True for an error number that says that nothing is at a path, while others leave that open.
+[[nodiscard]] bool isAbsence(int number) noexcept;
+
 /// True for an error number of a disk that is full, over quota or broken, or that takes no file of that size:
 /// another way of writing to it would meet the same fault.
 [[nodiscard]] bool isFaultOfTheDisk(int number) noexcept;

@@ -81,10 +81,20 @@ std::optional<std::string> readInputFile(const std::string& path) try {
 }
 
 bool isRegularFile(const std::string& path) {
-    return kindAt(path) == fs::file_type::regular;
+    std::error_code error;
+    return fs::is_regular_file(path, error);
 }
 
 bool isDirectory(const std::string& path) {
+    std::error_code error;
+    return fs::is_directory(path, error);
+}
+
+bool lookUpRegularFile(const std::string& path) {
+    return kindAt(path) == fs::file_type::regular;
+}
+
+bool lookUpDirectory(const std::string& path) {
     return kindAt(path) == fs::file_type::directory;
 }
 

@@ -26,10 +26,16 @@ namespace morquill {
 /// whole. Only a file that may be written but not read lacks this protection.
 [[nodiscard]] bool writeTextFile(const std::string& path, std::string_view text);
 
-/// True for a regular file or a link that leads to one; false for what this user may not look at. Throws
-/// `std::system_error`, whose text names the path, when the system fails to look it up.
+/// True for a regular file or a link that leads to one; false also when the system fails to look it up.
 [[nodiscard]] bool isRegularFile(const std::string& path);
-/// True for a directory or a link that leads to one. Throws likewise.
+/// True for a directory or a link that leads to one; false likewise.
 [[nodiscard]] bool isDirectory(const std::string& path);
+
+/// `isRegularFile` for workflows in which a failing disk must not pass for a missing file: false for what this
+/// user may not look at, but throws `std::system_error`, whose text names the path, when the system fails to
+/// look it up.
+[[nodiscard]] bool lookUpRegularFile(const std::string& path);
+/// `isDirectory`, likewise.
+[[nodiscard]] bool lookUpDirectory(const std::string& path);
 
 } // namespace morquill

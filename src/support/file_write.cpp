@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <ctime>
+#include <cstdint>
 #include <filesystem>
 #include <new>
 #include <optional>
@@ -33,29 +33,17 @@ class SignalHold {
             sigdelset(&held, number);
         }
         ::sigprocmask(SIG_BLOCK, &held, &old_);
-        sigset_t pending;
-        sigpending(&pending);
-        sizeSignalWasPending_ = sigismember(&pending, SIGXFSZ) == 1;
     }
     SignalHold(const SignalHold&) = delete;
     SignalHold& operator=(const SignalHold&) = delete;
     ~SignalHold() {
         const int error = errno;
-        if (!sizeSignalWasPending_) {
-            // The caller learns from the result of the write that a file grew too large.
-            sigset_t sizeSignal;
-            sigemptyset(&sizeSignal);
-            sigaddset(&sizeSignal, SIGXFSZ);
-            const timespec atOnce{};
-            (void)::sigtimedwait(&sizeSignal, nullptr, &atOnce);
-        }
         ::sigprocmask(SIG_SETMASK, &old_, nullptr);
         errno = error;
     }
 
   private:
     sigset_t old_{};
-    bool sizeSignalWasPending_ = false;
 };
 
 /// Some file systems report a failed write only when a descriptor is closed. Closing a copy of the descriptor
@@ -101,15 +89,19 @@ bool replaceContent(int fd, std::string_view text) noexcept {
            ::ftruncate(fd, static_cast<off_t>(text.size())) == 0;
 }
 
-/// Overwrites a readable file, which keeps its old bytes when the write fails. The bytes past the text are
-/// cut off last, so only those that the text covers have to be remembered.
-bool overwriteFile(int fd, bool readable, std::string_view text) {
+/// Whether the old bytes of a file can be remembered.
+enum class OldBytes : std::uint8_t { readable, unreadable };
+
+/// Overwrites a file; one whose old bytes are readable keeps them when the write fails. The bytes past the
+/// text are cut off last, so only those that the text covers have to be remembered.
+bool overwriteFile(int fd, OldBytes access, std::string_view text) {
     struct stat info {};
     if (::fstat(fd, &info) != 0) {
         return false;
     }
     const auto covered = std::min(text.size(), static_cast<std::size_t>(info.st_size));
-    const auto old = readable ? readStart(fd, covered) : std::optional<std::string>();
+    const bool readable = access == OldBytes::readable;
+    const auto old = readable ? readStart(fd, covered) : std::nullopt;
     if (readable && !old) {
         return false;
     }
@@ -120,7 +112,7 @@ bool overwriteFile(int fd, bool readable, std::string_view text) {
     if (old) {
         (void)(::lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, *old));
         // Also returns the room that was reserved past the end.
-        (void)::ftruncate(fd, info.st_size);
+        (void)(::ftruncate(fd, info.st_size) == 0);
     }
     errno = error;
     return false;
@@ -128,11 +120,12 @@ bool overwriteFile(int fd, bool readable, std::string_view text) {
 
 bool overwriteExisting(const std::string& path, std::string_view text) {
     Descriptor file = openFile(path, O_RDWR | O_NOCTTY);
-    const bool readable = file.isOpen();
-    if (!readable && errno == EACCES) {
+    auto access = OldBytes::readable;
+    if (!file.isOpen() && errno == EACCES) {
         file = openFile(path, O_WRONLY | O_NOCTTY);
+        access = OldBytes::unreadable;
     }
-    return file.isOpen() && overwriteFile(file.get(), readable, text) && file.close();
+    return file.isOpen() && overwriteFile(file.get(), access, text) && file.close();
 }
 
 /// Creates a file and removes it again when it cannot be written in full.

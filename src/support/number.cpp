@@ -65,9 +65,9 @@ std::optional<double> readDouble(std::string_view text) {
     }
     // Plain decimal numbers, which nearly all are, need neither a copy nor a locale.
     double plain = 0;
-    const char* const behind = trimmed.data() + trimmed.size();
-    if (const auto read = std::from_chars(trimmed.data(), behind, plain);
-        isDigit(trimmed.front()) && read.ptr == behind && read.ec == std::errc{}) {
+    const char* const textEnd = trimmed.data() + trimmed.size();
+    if (const auto read = std::from_chars(trimmed.data(), textEnd, plain);
+        isDigit(trimmed.front()) && read.ptr == textEnd && read.ec == std::errc{}) {
         return plain;
     }
     const std::string word(trimmed);

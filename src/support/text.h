@@ -43,6 +43,10 @@ namespace morquill {
 [[nodiscard]] constexpr bool isKeyChar(char c) noexcept {
     return isNameChar(c) || c == '.';
 }
+/// An ASCII control character: a byte below the blank, or 0x7f.
+[[nodiscard]] constexpr bool isControl(char c) noexcept {
+    return (c >= '\0' && c < ' ') || c == '\x7f';
+}
 /// The byte in ASCII lower case.
 [[nodiscard]] constexpr char lowerChar(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -151,14 +155,5 @@ void forEachLine(std::string_view text, const Take& take) {
 /// The lines of a text, as views into it. The last line needs no line feed, no empty line follows a final
 /// one, and carriage returns stay.
 [[nodiscard]] std::vector<std::string_view> splitLines(std::string_view text);
-
-/// Joins functions, one per alternative, for `std::visit`:
-/// `std::visit(Match{[](A) {...}, [](B) {...}}, value)`.
-template <class... Fs>
-struct Match : Fs... {
-    using Fs::operator()...;
-};
-template <class... Fs>
-Match(Fs...) -> Match<Fs...>;
 
 } // namespace morquill

@@ -55,6 +55,12 @@ bool makeLink(const std::string& source, const std::string& copy) {
     return !error;
 }
 
+/// Copies a file or a link to an unused name; false for anything else.
+bool makeLeaf(EntryKind kind, const std::string& source, const std::string& copy, const SignalGuard& ending) {
+    return kind == EntryKind::file ? makeFile(source, copy, ending)
+                                   : kind == EntryKind::link && makeLink(source, copy);
+}
+
 /// Copies a directory to an unused name. Returns false when something
 /// in it could not be copied; the rest is copied all the same.
 bool makeDirectory(const std::string& source, const std::string& copy, const SignalGuard& ending) {
@@ -69,20 +75,8 @@ bool makeDirectory(const std::string& source, const std::string& copy, const Sig
             return false;
         }
         const auto inner = copy + path.substr(source.size());
-        bool copied = false;
-        switch (kind) {
-        case EntryKind::directory:
-            copied = fs::create_directory(inner, error);
-            break;
-        case EntryKind::file:
-            copied = makeFile(path, inner, ending);
-            break;
-        case EntryKind::link:
-            copied = makeLink(path, inner);
-            break;
-        default:
-            break;
-        }
+        const bool copied = kind == EntryKind::directory ? fs::create_directory(inner, error)
+                                                         : makeLeaf(kind, path, inner, ending);
         complete = complete && copied;
         return copied;
     });
@@ -188,29 +182,17 @@ bool copyItem(const std::string& source, const std::string& target) {
     if (!fs::exists(source, error) || meetsItself(source, target)) {
         return false;
     }
-    const auto kind = fs::symlink_status(source, error).type();
-    const bool isDirectory = kind == fs::file_type::directory;
-    if (kind == fs::file_type::regular && !takesFile(source, target)) {
+    const auto kind = kindOf(source);
+    const bool isDirectory = kind == EntryKind::directory;
+    if (kind == EntryKind::file && !takesFile(source, target)) {
         return false;
     }
     if (const auto parent = parentPath(target); !parent.empty()) {
         fs::create_directories(parent, error); // a failure shows in the copy
     }
     const auto copy = nameBeside(target);
-    bool complete = false;
-    switch (kind) {
-    case fs::file_type::regular:
-        complete = makeFile(source, copy, ending);
-        break;
-    case fs::file_type::symlink:
-        complete = makeLink(source, copy);
-        break;
-    case fs::file_type::directory:
-        complete = makeDirectory(source, copy, ending);
-        break;
-    default:
-        break;
-    }
+    const bool complete =
+        isDirectory ? makeDirectory(source, copy, ending) : makeLeaf(kind, source, copy, ending);
     // A partial directory is better than none, but never better than the old one.
     if (complete || (isDirectory && ending.noted() == 0 && exists(copy) && !exists(target))) {
         return putInPlace(copy, target) && complete;

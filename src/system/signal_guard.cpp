@@ -30,10 +30,9 @@ void forEachEndSignal(Act act) noexcept {
     }
 }
 
-// Set by the outermost guard: how each signal, and a write past the limit, was handled before.
+// Set by the outermost guard: how each signal was handled before.
 bool guarded = false;
 std::array<struct sigaction, NSIG> oldActions{}; // by signal
-struct sigaction oldLimitAction {};
 
 // The data of the signal handler: the first noted signal and the child to pass it on to, 0 for none.
 std::atomic<int> notedSignal{0};
@@ -56,8 +55,6 @@ extern "C" void noteSignal(int number, siginfo_t* info, void* /*context*/) {
     }
     errno = oldErrno;
 }
-
-extern "C" void letWriteFail(int /*number*/) {}
 
 sigset_t endSignalSet() noexcept {
     sigset_t set;
@@ -87,11 +84,6 @@ SignalGuard::SignalGuard() noexcept : outermost_(!std::exchange(guarded, true)) 
     note.sa_flags = SA_SIGINFO | SA_RESTART;
     forEachEndSignal(
         [&](int number) { replaceDefault(number, note, oldActions[static_cast<std::size_t>(number)]); });
-    struct sigaction fail {};
-    // The same as `prepareStandardStreams`, for a program that has not called it; not SIG_IGN, which children
-    // would inherit.
-    fail.sa_handler = letWriteFail;
-    replaceDefault(SIGXFSZ, fail, oldLimitAction);
 }
 
 SignalGuard::~SignalGuard() {
@@ -100,7 +92,6 @@ SignalGuard::~SignalGuard() {
     }
     forEachEndSignal(
         [](int number) { ::sigaction(number, &oldActions[static_cast<std::size_t>(number)], nullptr); });
-    ::sigaction(SIGXFSZ, &oldLimitAction, nullptr);
     guarded = false;
     if (const int number = noted(); number != 0) {
         console::flushOut();

@@ -7,9 +7,8 @@
 namespace morquill::system {
 
 /// While it lives, every signal that asks the program to end (SIGTERM, SIGINT, a batch system's SIGUSR1 or
-/// SIGXCPU, a real-time signal, ...) is only noted, unless it was ignored or handled before. A file that
-/// grows past its limit is a write that fails with `EFBIG`, not the end of the program. The destructor
-/// restores the old handling and then ends the program with the first noted signal.
+/// SIGXCPU, a real-time signal, ...) is only noted, unless it was ignored or handled before. The
+/// destructor restores the old handling and then ends the program with the first noted signal.
 ///
 /// Construct it before whatever has to be undone, so that it is destroyed last. Of nested guards, the
 /// outermost does the work. A single write needs none: `writeTextFile` blocks signals by itself.

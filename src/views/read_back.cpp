@@ -31,8 +31,9 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-std::string inQuotes(std::string_view text) {
-    return "'" + oneLine(text) + "'";
+/// A text as messages show it.
+std::string shown(std::string_view text) {
+    return singleQuoted(oneLine(text));
 }
 
 // What passes without being read. A test may refuse a text that would read back, but never the reverse.
@@ -117,11 +118,10 @@ bool hasPlainControl(const TaskInfo& task) noexcept {
 
 /// True for a `%mod` line `<name> <words>` without an operation. Any other line has to be read.
 bool isPlainMod(const taskdsl::ModEntry& entry) {
-    constexpr std::array<std::string_view, 4> operations{"add", "subtract", "select", "remove"};
     const auto words = splitBlank(entry.value);
     return isPlainLine(entry.key) && isPlainWord(entry.key) && !words.empty() &&
            entry.key.find(':') == std::string::npos && std::all_of(words.begin(), words.end(), isPlainWord) &&
-           std::find(operations.begin(), operations.end(), words.front()) == operations.end();
+           !taskdsl::isModOperation(words.front());
 }
 
 bool hasPlainMods(const TaskInfo& task) {
@@ -238,7 +238,7 @@ constexpr std::array<PartRow, 18> parts{{
 Texts changedParts(const TaskInfo& printed, const TaskInfo& read) {
     Texts reasons;
     if (read.name != printed.name) {
-        reasons.push_back("the name reads back as " + inQuotes(read.name));
+        reasons.push_back("the name reads back as " + shown(read.name));
     }
     for (const auto& part : parts) {
         if (printsPayload(printed.program, part.payload) && !part.same(printed, read)) {
@@ -246,7 +246,7 @@ Texts changedParts(const TaskInfo& printed, const TaskInfo& read) {
         }
     }
     if (read.strucId != printed.strucId) {
-        reasons.push_back("%meta strucid reads back as " + inQuotes(read.strucId));
+        reasons.push_back("%meta strucid reads back as " + shown(read.strucId));
     }
     return reasons;
 }
@@ -289,7 +289,7 @@ std::optional<std::string> findHeredocLine(const TaskInfo& task, const LongText&
     const std::string text = heredocOf(task, row);
     for (const auto line : splitLines(text)) {
         if (test(line)) {
-            return std::string(row.what) + " holds a line " + inQuotes(trim(line));
+            return std::string(row.what) + " holds a line " + shown(trim(line));
         }
     }
     return std::nullopt;
@@ -410,7 +410,7 @@ void reportLostOfTask(const ReadBackContext& context, const TaskInfo& task, std:
     }
     addReplacedKeys(context, task, printed, reasons);
     if (!reasons.empty()) {
-        context.warnings("task " + inQuotes(task.name) + " does not read back: " + join(reasons, "; "));
+        context.warnings("task " + shown(task.name) + " does not read back: " + join(reasons, "; "));
     }
 }
 
@@ -419,7 +419,7 @@ void reportReplacedKey(const ReadBackContext& context, std::string_view what, st
     const ValueMap& defines = context.document.defines;
     const auto key = firstDefinedKey(printed, defines);
     if (key && taskdsl::substituteBrackets(printed, defines) != printed) {
-        context.warnings(std::string(what) + " " + inQuotes(name) +
+        context.warnings(std::string(what) + " " + shown(name) +
                          " does not read back: " + replacedKey("it", *key));
     }
 }

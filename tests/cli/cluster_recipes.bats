@@ -7,7 +7,7 @@ load siblings
 setup() {
     setup_project
     recipes="$MQKIT_SOURCE/examples/cluster"
-    unset SLURM_JOB_ID
+    unset SLURM_JOB_ID SLURMD_NODENAME
     for case in m1 m2; do
         echo 'echo start >>runs; [ ! -e fail ] || exit 3; echo end >>runs; echo "ran in $PWD"' >$case/opt/comd
     done
@@ -60,7 +60,27 @@ ended well" ]
     "$recipes/run-local" -n opt
     [ ! -e m1/opt/runs ]
     [ -e m2/opt/cluster_done.mqwk ]
-    [ "$("$recipes/block-status" -n opt --done status --list new)" = "$root/m2/opt	" ]
+    # A marker counts under every rule, as run-block passes over a block that has one.
+    [ "$("$recipes/block-status" -n opt --done marker --list done)" = "$root/m2/opt	marker" ]
+    [ "$("$recipes/block-status" -n opt --done any --list done | cut -f 2 | xargs)" = "mq.status marker" ]
+}
+
+@test "in a chain a block that mq.status calls rendered is an element without a block" {
+    for tool in squeue sacct scontrol; do
+        sibling $tool
+    done
+    sibling sbatch 'echo 5'
+    printf 'opt RENDERED t -\n' >m1/mq.status
+    "$recipes/submit-chain" -n opt,soc
+    list=$(grep -l '/m2/opt$' .cluster/mqkit-*)
+    diff "$list" <(printf '1\t\n2\t%s/m2/opt\n' "$root")
+    SLURM_ARRAY_TASK_ID=1 "$recipes/block-job" "$recipes" 1 "$list"
+    [ ! -e m1/opt/runs ]
+    SLURM_ARRAY_TASK_ID=2 "$recipes/block-job" "$recipes" 1 "$list"
+    [ -e m2/opt/cluster_done.mqwk ]
+    SLURM_ARRAY_TASK_ID=3 run --separate-stderr "$recipes/block-job" "$recipes" 1 "$list"
+    [ "$status" -eq 1 ]
+    [ "$stderr" = "block-job: $list has no block for index 3" ]
 }
 
 @test "a rebuild forgets what has run" {
@@ -82,6 +102,7 @@ ended well" ]
     [ ! -e m1/opt/runs ]
     [ "$(cat m2/opt/runs)" = $'start\nend' ]
     # The job that left the claim takes it up again.
+    export SLURMD_NODENAME=node
     echo "slurm $(id -un) 7" >m1/opt/cluster.claim
     SLURM_JOB_ID=8 run "$recipes/run-block" m1/opt
     [ "$status" -eq 75 ]
@@ -90,6 +111,123 @@ ended well" ]
     SLURM_JOB_ID=7 SLURM_RESTART_COUNT=1 "$recipes/run-block" m1/opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ ! -e m1/opt/cluster.claim ]
+}
+
+@test "a block that runs in a job which no list names is left alone" {
+    echo "slurm $(id -un) 7 0" >m1/opt/cluster.claim
+    echo "slurm $(id -un) 8 1" >m2/opt/cluster.claim
+    sibling squeue 'echo "shell|N/A|7|RUNNING"; echo "shell|N/A|8|PENDING"'
+    run "$recipes/run-local" -n opt
+    [ "${lines[0]}" = "run-local: running 1, queued 1" ] || [ "${lines[0]}" = "run-local: queued 1, running 1" ]
+    [ "${lines[1]}" = "run-local: nothing to run" ]
+    [ "$("$recipes/block-status" -n opt --list running)" = "$root/m1/opt	slurm $(id -un) 7 0" ]
+    [ "$("$recipes/block-status" -n opt --list queued)" = "$root/m2/opt	PENDING" ]
+    grep -qxF "squeue -h -r -u $(id -un) -o %j|%K|%A|%T in $root" "$RECORD"
+    sibling squeue 'echo "slurm_load_jobs error" >&2; exit 1' # as where there is none
+    [ "$("$recipes/block-status" -n opt --list running | wc -l)" -eq 2 ]
+    sibling squeue 'echo "shell|N/A|8|RUNNING"'
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m1/opt	lost: slurm $(id -un) 7 0" ]
+    "$recipes/run-local" -n opt
+    [ "$(cat m1/opt/runs)" = $'start\nend' ]
+    [ ! -e m2/opt/runs ]
+}
+
+@test "what runs in a shell of salloc is a process of its host, which outlives the allocation" {
+    echo 'cat cluster.claim >seen' | tee m1/opt/comd >m2/opt/comd
+    SLURM_JOB_ID=7 "$recipes/run-block" m1/opt
+    SLURM_JOB_ID=7 SLURMD_NODENAME=node "$recipes/run-block" m2/opt
+    [[ $(cat m1/opt/seen) =~ ^"local $(id -un) $(uname -n) "[0-9]+$ ]]
+    [ "$(cat m2/opt/seen)" = "slurm $(id -un) 7 0" ]
+}
+
+@test "the index in an array and the number of a job are not mixed up" {
+    mkdir .cluster
+    printf '1\t%s/m1/opt\n2\t%s/m2/opt\n' "$root" "$root" >.cluster/mqkit-array0
+    # Element 1 is job 2, element 2 has gone.
+    sibling squeue 'echo "mqkit-array0|1|2|RUNNING"'
+    sibling sacct 'echo "mqkit-array0|1_1|RUNNING"; echo "mqkit-array0|1_2|TIMEOUT"'
+    [ "$("$recipes/block-status" -n opt --list queued)" = "$root/m1/opt	RUNNING" ]
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m2/opt	lost: TIMEOUT" ]
+    # Single jobs have no index.
+    printf '1\t%s/m1/opt\n2\t%s/m2/opt\n' "$root" "$root" >.cluster/mqkit-array0
+    sibling squeue 'echo "mqkit-array0|N/A|2|PENDING"'
+    [ "$("$recipes/block-status" -n opt --list queued)" = "$root/m2/opt	PENDING" ]
+}
+
+@test "the reason of a lost block is that of its last submission" {
+    mkdir .cluster
+    for name in mqkit-bbbbbb mqkit-aaaaaa mqkit-cccccc; do
+        printf '1\t%s/m1/opt\n' "$root" >.cluster/$name
+    done
+    sibling squeue
+    sibling sacct 'echo "mqkit-bbbbbb|8_1|TIMEOUT"; echo "mqkit-aaaaaa|10_1|NODE_FAIL"; echo "mqkit-cccccc|9_1|CANCELLED by 0"'
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m1/opt	lost: NODE_FAIL" ]
+}
+
+@test "a case may be called as the folder of the lists is, but for its dot" {
+    for tool in squeue sacct scontrol; do
+        sibling $tool
+    done
+    sibling sbatch 'echo 5'
+    "$recipes/submit-array" -n opt
+    printf '1\n\nH 0 0 0\n' >../cluster.xyz
+    "$MQKIT" project add --path . ../cluster.xyz
+    # Nor is the folder a case itself, whatever lies in it.
+    ln -s ../demo.projmq .cluster/demo.mq
+    "$MQKIT" project exec -n opt --dry-run -- true | grep -qxF '[mqkit] note: 1 block directory/directories are missing.'
+    mkdir cluster/opt
+    cp m1/opt/comd cluster/opt
+    [ "$("$recipes/block-status" -n opt --list new)" = "$root/cluster/opt	" ]
+}
+
+@test "the table of a project that may only be read" {
+    sibling squeue
+    sibling sacct
+    cp -r "$recipes" "$BATS_TEST_TMPDIR/recipes"
+    mkdir -m 1777 "$BATS_TEST_TMPDIR/tmp"
+    as_reader=(env MQKIT="$MQKIT")
+    ordinary_user # owns the project then
+    if [ "$(id -u)" -eq 0 ]; then
+        as_reader=(env MQKIT="$BATS_TEST_TMPDIR/bin/mqkit" setpriv --reuid 65534 --regid 65534 --clear-groups)
+    fi
+    chmod -R a-w "$root"
+    for list in no one; do
+        run --separate-stderr env TMPDIR="$BATS_TEST_TMPDIR/tmp" RECORD=/dev/null "${as_reader[@]}" \
+            "$BATS_TEST_TMPDIR/recipes/block-status" -n opt
+        chmod -R u+w "$root"
+        [ "$status" -eq 0 ]
+        [ "$stderr" = "" ]
+        [ "$(awk 'NR == 2 { print $2, $3, $4, $5, $6 }' <<<"$output")" = "0 0 0 0 2" ]
+        [ $list == one ] || [ ! -e .cluster ]
+        mkdir -p .cluster && touch .cluster/mqkit-aaaaaa
+        chmod -R a-w "$root"
+    done
+    chmod -R u+w "$root"
+}
+
+@test "what is written into mq.status during an update is lost, a marker is not" {
+    printf 'opt RENDERED t -\n' >m1/mq.status
+    cp m1/mq.status before
+    # Jobs of both cases write their row while the generator works.
+    sibling morquill "cd '$root' && echo 'soc RENDERED t -' | tee -a m1/mq.status >>m2/mq.status && '$recipes/run-block' m2/opt"
+    "$MQKIT" project update --path demo.projmq -n opt </dev/null
+    cmp m1/mq.status before
+    [ ! -e m2/mq.status ]
+    [ "$("$recipes/block-status" -n opt --list done | cut -f 2 | xargs)" = "mq.status marker" ]
+}
+
+@test "names that a list cannot hold are refused" {
+    mv m2 $'m\t2'
+    run --separate-stderr "$recipes/run-local" -n opt
+    [ "$status" -eq 1 ]
+    [ "$stderr" = "run-local: a tab or a line end in the name of a case, or a tab in a directory above: rename it" ]
+    mv $'m\t2' $'m2\n'
+    run --separate-stderr "$recipes/run-local" -n opt
+    [ "$status" -eq 1 ]
+    mv $'m2\n' $'m\n2'
+    run --separate-stderr "$recipes/run-local" -n opt
+    [ "$status" -eq 1 ]
+    [ ! -e m1/opt/runs ]
 }
 
 @test "what a colleague has claimed is never taken for lost" {
@@ -109,11 +247,11 @@ local somebody-else $(uname -n) 999999999" ]
     umask 022
     run --separate-stderr "$recipes/submit-array" -n opt --max 7 -- --time=1
     [ "$output" = "submit-array: job 5, 2 block(s) in 2 array task(s)" ]
-    list="$(echo cluster/mqkit-*)"
+    list="$(echo .cluster/mqkit-*)"
     [ "$(stat -c %a "$list")" = 644 ]
     [ "$(cat "$list")" = "1	$root/m1/opt
 2	$root/m2/opt" ]
-    grep -qF "sbatch --parsable --job-name=${list##*/} --output=$root/cluster/output/%x_%a.out --open-mode=append --requeue --signal=B:USR1@60 --array=1-2%7 --time=1 $recipes/block-job $recipes 1 $root/$list in $root" "$RECORD"
+    grep -qF "sbatch --parsable --job-name=${list##*/} --output=$root/.cluster/output/%x_%a.out --open-mode=append --requeue --signal=B:USR1@60 --array=1-2%7 --time=1 $recipes/block-job $recipes 1 $root/$list in $root" "$RECORD"
     sibling scontrol 'echo "MaxArraySize = 2"'
     rm "$RECORD"
     run --separate-stderr "$recipes/submit-array" -n opt
@@ -125,7 +263,7 @@ local somebody-else $(uname -n) 999999999" ]
     [ "$status" -eq 1 ]
     [ "${stderr_lines[-2]}" = "no such partition" ]
     [ "${stderr_lines[-1]}" = "submit-array: sbatch took nothing" ]
-    [ "$(echo cluster/mqkit-*)" = "$list" ]
+    [ "$(echo .cluster/mqkit-*)" = "$list" ]
 }
 
 @test "a claim that comes while a selection is made stays" {
@@ -181,8 +319,8 @@ local somebody-else $(uname -n) 999999999" ]
     told "block-status: name the task blocks with -n, for instance -n opt" block-status
     told "block-status: no block directory for -n nothing" block-status -n nothing
     told "block-status: --list is done, running, queued, failed or new, not 'all'" block-status -n opt --list all
-    told "block-status: --done is any, marker or status, not 'x'" block-status -n opt --done x
-    told "block-status: -n needs a value (usage: block-status [--path P] -n blocks [--done any|marker|status] [--list done|running|queued|failed|new])" block-status -n
+    told "block-status: --done is any or marker, not 'status'" block-status -n opt --done status
+    told "block-status: -n needs a value (usage: block-status [--path P] -n blocks [--done any|marker] [--list done|running|queued|failed|new])" block-status -n
     told "run-local: --at-once needs a positive number, not '0'" run-local -n opt --at-once 0
     told "run-local: --with is xargs or parallel, not 'make'" run-local -n opt --with make
     told "run-local: --only is failed or new, not 'done'" run-local -n opt --only done

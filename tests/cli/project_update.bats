@@ -262,6 +262,14 @@ refused_while_narrowed() {
     place="$root/m1"
     refused_while_narrowed update --path m1 -n soc --run-comd
     refused_while_narrowed rebuild --path m1/m1.mq -n opt
+    # A rename would find its change of the status files put back.
+    for file in demo.projmq m1/m1.mq; do # the latter is a link to the former
+        run --separate-stderr "$MQKIT" rename "$file" opt new
+        [ "$status" -eq 1 ]
+        [ "$output" = "" ]
+        [ "$stderr" = "[mqkit][ERROR] another mqkit is changing the status files here: $root" ]
+        [ "$(tree)" = "$narrowed" ]
+    done
     # What only reads is not kept out.
     "$MQKIT" project update -n opt --run-comd --dry-run
     "$MQKIT" project exec -n opt -- true

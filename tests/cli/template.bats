@@ -370,7 +370,7 @@ H        -0.00000000    -0.75585400    -0.48157700
     export MORQUILL_TEMPLATE_PATH="$MQKIT_SOURCE/examples/templates"
     "$MQKIT" template merge opt_freq gibbs absorption charges summary -o all.mq
     "$MQKIT" template variable all.mq dft_gas
-    [ "$(grep '^\$' all.mq | tr '\n' ' ')" = '$opt $sp $gibbs $absorption $charges $summary ' ]
+    [ "$(grep '^\$' all.mq | tr '\n' ' ')" = '$opt_min $sp_large $gibbs $absorption $charges $gather_notes ' ]
     [ "$(grep -c 'Stationary point found' all.mq)" -eq 1 ]
     "$MQKIT" lint --strict all.mq
 }

@@ -34,12 +34,12 @@ print_figures() {
         "$recipes/run-block" "$scratch/empty"
     done
     one=$((($(now_ms) - one) / 20))
-    echo "run-block alone: $one ms a block; submissions in all: $(find "$project/cluster" -maxdepth 1 -name 'mqkit-*' | wc -l)," \
+    echo "run-block alone: $one ms a block; submissions in all: $(find "$project/.cluster" -maxdepth 1 -name 'mqkit-*' | wc -l)," \
         "$(sacct -n -X -P -o JobID | wc -l) jobs and array tasks"
 }
 
 # The project: blocks for the recipes one by one, and a chain of three. Stand-ins for the siblings make block
-# directories; a comd notes its start and its end, sleeps as long as the file `nap` says, fails while there is `fail`
+# directories; a comd notes its start and its end, sleeps 0.2 s or as long as there is `hold`, fails while there is `fail`
 # and hangs at its first start while there is `hang`.
 make_project() {
     local i work=$scratch/work
@@ -87,7 +87,7 @@ step_array() {
     check "the first submission" "$((cases - 5)) block(s) in $((cases - 5)) array task(s)" "${note#*, }"
     # mqkit lists the cases by name: the index of one is its line in the list.
     local list cancelled requeued
-    list=$(echo cluster/mqkit-*)
+    list=$(echo .cluster/mqkit-*)
     cancelled=$(awk '/\/m20\/preopt$/ { print $1 }' "$list")
     requeued=$(awk '/\/m30\/preopt$/ { print $1 }' "$list")
     wait_until 60 started_in m20/preopt && scancel "$(job_of "$cancelled")"
@@ -150,9 +150,11 @@ step_bundles() {
     note="$cases blocks in $((cases / 25)) array tasks, 2 submissions"
 }
 
-# Recipe 3: search, opt, energy. One search fails: its case goes no further, all others do.
+# Recipe 3: search, opt, energy. One search fails: its case goes no further, all others do. One is done by mq.status: its
+# case goes on without it.
 step_chain() {
     touch m40/search/fail
+    printf 'search RENDERED 2026-01-01T00:00:00Z -\n' >m50/mq.status
     local out
     out=$("$recipes/submit-chain" -n search,opt,energy --max 30 2>/dev/null)
     check "three arrays" 3 "$(wc -l <<<"$out")"
@@ -169,13 +171,14 @@ step_chain() {
     out=$("$recipes/submit-chain" -n search,opt,energy --join 2>/dev/null)
     check "only the case that is left is sent" 2 "$(grep -c ', 1 case(s), after afterok:' <<<"$out")"
     drained
-    for block in search opt energy; do
+    check "each search ended once, that of mq.status never" "1x0 $((cases - 1))x1" "$(counted search end)"
+    for block in opt energy; do
         check "each $block ended once" "${cases}x1" "$(counted "$block" end)"
     done
     note="$((3 * cases)) blocks, 6 submissions"
 }
 
-sent_for() { basename "$(grep -l "/$1\$" cluster/mqkit-* | head -n 1)"; }
+sent_for() { basename "$(grep -l "/$1\$" .cluster/mqkit-* | head -n 1)"; }
 
 out_of_order() { # cases in which a block began before the one that it depends on had ended
     local i n=0
@@ -229,6 +232,51 @@ step_two_at_once() {
     note="$cases blocks, sent twice at the same time"
 }
 
+# run-local in a job that no list names, and in a shell of salloc, which outlives its allocation: nobody else runs its
+# blocks meanwhile.
+step_unlisted() {
+    local i way
+    for way in sbatch salloc; do
+        mqkit project exec -n freq -- 'rm -f runs cluster.failed; echo "not in this test" >cluster_done.mqwk' >/dev/null
+        for i in {1..8}; do
+            rm m"$i"/freq/cluster_done.mqwk
+            touch m"$i"/freq/hold
+        done
+        "in_a_job_of_$way"
+        for i in {1..8}; do
+            wait_until 60 started_in m"$i"/freq
+        done
+        [[ $way == sbatch ]] || { scancel "$(cat "$scratch/allocation")" && drained; }
+        check "$way: they run" "$((cases - 8)) 8 0 0 0" "$(table_row freq)"
+        check "$way: they are not sent" "submit-array: nothing to send" "$("$recipes/submit-array" -n freq 2>/dev/null)"
+        rm m*/freq/hold
+        wait_for_children
+        drained
+        check "$way: all done" "$cases 0 0 0 0" "$(table_row freq)"
+        check "$way: each began once" "$((cases - 8))x0 8x1" "$(counted freq start)"
+    done
+    note="8 blocks, twice"
+}
+in_a_job_of_sbatch() {
+    sbatch --output="$scratch/wrap.out" --cpus-per-task=8 --wrap "'$recipes/run-local' -n freq --at-once 8" >/dev/null
+}
+in_a_job_of_salloc() {
+    # shellcheck disable=SC2016 # its shell expands it
+    salloc bash -c 'echo "$SLURM_JOB_ID" >"$1"; "$2" -n freq --at-once 8' bash "$scratch/allocation" "$recipes/run-local" \
+        </dev/null >"$scratch/salloc.out" 2>&1 &
+}
+
+# The last step: a block that still runs when the node is stopped.
+step_left_running() {
+    mqkit project exec -n preopt -- 'rm -f runs; echo "not in this test" >cluster_done.mqwk' >/dev/null
+    rm m1/preopt/cluster_done.mqwk
+    touch m1/preopt/hang
+    "$recipes/submit-array" -n preopt --done marker >/dev/null 2>&1
+    wait_until 60 started_in m1/preopt
+    check "a block runs" "$((cases - 1)) 1 0 0 0" "$("$recipes/block-status" -n preopt --done marker | awk 'NR == 2 { print $2, $3, $4, $5, $6 }')"
+    note="one job"
+}
+
 wait_for_children() { # all but the daemons
     local pid
     for pid in $(jobs -p); do
@@ -272,7 +320,7 @@ step_document() {
     check "every one ends well" 0 $?
     drained
     cd "$home/projects/clusters" || exit 1
-    for block in {preopt,opt,energy,summary}__{r2scan,wb97x}; do
+    for block in {preopt,opt_min,energy,summary}__{r2scan,wb97x}; do
         check "$block of the page" "4 0 0 0 0" "$(table_row "$block")"
     done
     cd "$project" || exit 1

@@ -3,6 +3,7 @@
 # changed.
 
 daemons=() # "<name> <process id>", in the order of their start
+survivors='' # what the end of the node has left
 
 # started <name> <program> <arguments>...: a daemon in the foreground of its own process, its output in <name>.out
 started() {
@@ -153,9 +154,30 @@ start_node() {
     done
 }
 
-# stop_node: ends the daemons, the last one first
+# left_behind: the processes that were started with the set-up of this node, daemons and jobs alike
+left_behind() {
+    local file
+    for file in $(env -u SLURM_CONF grep -slzxF "SLURM_CONF=$node/slurm.conf" /proc/[0-9]*/environ); do
+        file=${file%/environ}
+        echo "${file#/proc/}"
+    done
+}
+
+# shellcheck disable=SC2317 # called through wait_until
+{
+    no_job_is_left() { ! squeue -h | grep -q .; }
+    nothing_is_left() { [[ -z $(left_behind) ]]; }
+}
+
+# stop_node: ends the jobs, which would outlive the daemons, then the daemons, the last one first. What is left all the
+# same is named in `survivors` and killed.
 stop_node() {
     local i name pid
+    [[ ${#daemons[@]} -gt 0 ]] || return 0
+    if [[ " ${daemons[*]} " == *" slurmd "* ]]; then
+        timeout 10 scancel --user="$(id -un)"
+        wait_until 20 no_job_is_left
+    fi
     for ((i = ${#daemons[@]} - 1; i >= 0; --i)); do
         read -r name pid <<<"${daemons[i]}"
         kill "$pid" 2>/dev/null || continue
@@ -163,4 +185,10 @@ stop_node() {
         wait "$pid" 2>/dev/null || true
     done
     daemons=()
+    wait_until 10 nothing_is_left
+    survivors=''
+    for pid in $(left_behind); do
+        survivors+="$pid $(tr '\0' ' ' <"/proc/$pid/cmdline")"$'\n'
+        kill -9 "$pid"
+    done 2>/dev/null # gone at last
 }

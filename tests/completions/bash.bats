@@ -43,6 +43,9 @@ long_options() { grep -oE -e '(^| |\[)--[a-z][a-z-]*' | tr -d ' [' | grep -v -e 
         [ -s wanted ]
         diff <(offered "mqkit project $command --" | sort | comm -13 - wanted) /dev/null
     done
+    "$(dirname "$MQKIT")/mqkit-graph" --help | long_options >wanted
+    [ -s wanted ]
+    diff <(offered 'mqkit-graph --' | sort | comm -13 - wanted) /dev/null
     [ "$(offered 'mqkit project ' | sort)" = "$("$MQKIT" help project | sed -n '/^Commands:/,/^Options:/s/^  \([a-z]*\).*/\1/p' | sed '/^$/d' | sort -u)" ]
     [ "$(offered 'mqkit template ' | sort)" = "$("$MQKIT" help template | sed -n '/^Commands:/,/^Options:/s/^  \([a-z]*\).*/\1/p' | sed '/^$/d' | sort -u)" ]
 }
@@ -55,11 +58,12 @@ long_options() { grep -oE -e '(^| |\[)--[a-z][a-z-]*' | tr -d ' [' | grep -v -e 
     [ -z "$(offered 'mqkit explain `touch${IFS}made` --task ')" ]
     [ ! -e made ]
     cp a.mq "$HOME/study.mq"
-    [ "$(offered 'mqkit explain ~/study.mq --task s')" = scan ]
+    [ "$(offered 'mqkit explain ~/study.mq --task b')" = bond_scan ]
 }
 
 @test "behind -- a command of its own is completed" {
     [ "$(offered 'mqkit project exec -n opt -- tou' | sort -u | grep -x touch)" = touch ]
     [ "$(offered 'mqkit project exec -n opt -- touch ma')" = matrix.mq ]
     [ "$(offered 'mqkit fmt a.mq > n')" = new.txt ]
+    [ "$(offered 'mqkit-graph a.mq > n')" = new.txt ]
 }

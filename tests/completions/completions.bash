@@ -1,9 +1,10 @@
 # A folder to complete in, and the table of what is offered there.
 
-# setup_completions: enters the folder; `mqkit` is on the PATH.
+# setup_completions: enters the folder; the programs are on the PATH.
 setup_completions() {
     mkdir -p "$BATS_TEST_TMPDIR/bin" "$BATS_TEST_TMPDIR/w/clusters/mol1" "$BATS_TEST_TMPDIR/w/templates/conformers"
     ln -sf "$MQKIT" "$BATS_TEST_TMPDIR/bin/mqkit"
+    ln -sf "$(dirname "$MQKIT")/mqkit-graph" "$BATS_TEST_TMPDIR/bin/mqkit-graph"
     export PATH="$BATS_TEST_TMPDIR/bin:$PATH" LC_ALL=C.UTF-8
     cd "$BATS_TEST_TMPDIR/w" || return 1
     export MORQUILL_TEMPLATE_PATH=$PWD/templates HOME=$BATS_TEST_TMPDIR

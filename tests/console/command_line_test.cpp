@@ -35,7 +35,7 @@ void needNothingBefore(const Options& options) {
     }
 }
 
-constexpr OptionRow<Options> rows[] = {
+constexpr OptionRow<Options> optionRows[] = {
     {"--flag", noValue, note},
     {"--one", oneValue, note, "--one expects a value", ErrorTag::none},
     {"--rest", restOfLine, note},
@@ -46,7 +46,7 @@ constexpr OptionRow<Options> rows[] = {
 std::vector<std::string> read(const std::vector<const char*>& words) {
     Options options;
     try {
-        readWords(Words(words.data(), words.size()), rows, options, [&options](Words left) {
+        readWords(Words(words.data(), words.size()), optionRows, options, [&options](Words left) {
             options.seen.emplace_back(left.front());
             return std::string_view(left.front()) == "pair" ? std::size_t{2} : std::size_t{1};
         });

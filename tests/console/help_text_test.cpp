@@ -10,7 +10,7 @@
 namespace morquill::console {
 namespace {
 
-constexpr std::string_view help = R"(# Usage:
+constexpr std::string_view helpText = R"(# Usage:
   `@ run <file>` with @ and `@`
 
 ## Older forms:
@@ -18,7 +18,7 @@ constexpr std::string_view help = R"(# Usage:
 )";
 
 void show() {
-    printHelp(help, "/opt/bin/tool");
+    printHelp(helpText, "/opt/bin/tool");
     flushOut();
 }
 

@@ -13,14 +13,14 @@
 namespace morquill::console {
 namespace {
 
-std::string out(const std::function<void()>& print) {
+std::string sentOut(const std::function<void()>& print) {
     return testing::throughPipe({STDOUT_FILENO}, [&] {
         EXPECT_EQ(testing::throughPipe({STDERR_FILENO}, print), "");
         flushOut();
     });
 }
 
-std::string err(const std::function<void()>& report) {
+std::string sentToErr(const std::function<void()>& report) {
     return testing::throughPipe({STDERR_FILENO},
                                 [&] { EXPECT_EQ(testing::throughPipe({STDOUT_FILENO}, report), ""); });
 }
@@ -36,30 +36,30 @@ TEST(Messages, EachKindHasItsTag) {
     for (const auto& [kind, tag] : rows) {
         EXPECT_EQ(messageTag(kind), tag);
         EXPECT_EQ(tagged(kind, "a b"), std::string(tag) + " a b");
-        EXPECT_EQ(out([kind = kind] { printMessage(kind, "a b"); }), std::string(tag) + " a b\n");
+        EXPECT_EQ(sentOut([kind = kind] { printMessage(kind, "a b"); }), std::string(tag) + " a b\n");
     }
     EXPECT_EQ(stepKind(RunMode::dryRun), MessageKind::dryRun);
     EXPECT_EQ(stepKind(RunMode::apply), MessageKind::note);
 }
 
 TEST(Messages, NotesSkipsAndQuestionsGoToStandardOutput) {
-    EXPECT_EQ(out([] { printLine("  x"); }), "  x\n");
-    EXPECT_EQ(out([] { printLine(); }), "\n");
-    EXPECT_EQ(out([] { printNote("done"); }), "[mqkit] done\n");
-    EXPECT_EQ(out([] { printSkip("a / $b"); }), "[mqkit][SKIP] a / $b\n");
-    EXPECT_EQ(out([] { printQuestion("sure? "); }), "[mqkit] sure? ");
+    EXPECT_EQ(sentOut([] { printLine("  x"); }), "  x\n");
+    EXPECT_EQ(sentOut([] { printLine(); }), "\n");
+    EXPECT_EQ(sentOut([] { printNote("done"); }), "[mqkit] done\n");
+    EXPECT_EQ(sentOut([] { printSkip("a / $b"); }), "[mqkit][SKIP] a / $b\n");
+    EXPECT_EQ(sentOut([] { printQuestion("sure? "); }), "[mqkit] sure? ");
 }
 
 TEST(Messages, WarningsAndErrorsGoToStandardError) {
-    EXPECT_EQ(err([] { printErrorLine("  x"); }), "  x\n");
-    EXPECT_EQ(err([] { printErrorLine(); }), "\n");
-    EXPECT_EQ(err([] { reportWarning("odd"); }), "[mqkit][WARN] odd\n");
-    EXPECT_EQ(err([] { reportError("wrong"); }), "[mqkit][ERROR] wrong\n");
-    EXPECT_EQ(err([] { reportError(ErrorTag::none, "wrong"); }), "wrong\n");
-    EXPECT_EQ(err([] { reportError(ErrorTag::plain, "wrong"); }), "[mqkit][ERROR] wrong\n");
-    EXPECT_EQ(err([] { reportError(ErrorTag::coloured, "wrong"); }), "[mqkit][ERROR] wrong\n");
-    EXPECT_EQ(err([] { reportErrorInPieces({"a", "", " (", "b", ")"}); }), "[mqkit][ERROR] a (b)\n");
-    EXPECT_EQ(err([] { reportErrorInPieces({}); }), "[mqkit][ERROR] \n");
+    EXPECT_EQ(sentToErr([] { printErrorLine("  x"); }), "  x\n");
+    EXPECT_EQ(sentToErr([] { printErrorLine(); }), "\n");
+    EXPECT_EQ(sentToErr([] { reportWarning("odd"); }), "[mqkit][WARN] odd\n");
+    EXPECT_EQ(sentToErr([] { reportError("wrong"); }), "[mqkit][ERROR] wrong\n");
+    EXPECT_EQ(sentToErr([] { reportError(ErrorTag::none, "wrong"); }), "wrong\n");
+    EXPECT_EQ(sentToErr([] { reportError(ErrorTag::plain, "wrong"); }), "[mqkit][ERROR] wrong\n");
+    EXPECT_EQ(sentToErr([] { reportError(ErrorTag::coloured, "wrong"); }), "[mqkit][ERROR] wrong\n");
+    EXPECT_EQ(sentToErr([] { reportErrorInPieces({"a", "", " (", "b", ")"}); }), "[mqkit][ERROR] a (b)\n");
+    EXPECT_EQ(sentToErr([] { reportErrorInPieces({}); }), "[mqkit][ERROR] \n");
 }
 
 TEST(Messages, OnlyTheColouredTagIsRedOnATerminal) {
@@ -77,8 +77,8 @@ TEST(Messages, OnlyTheColouredTagIsRedOnATerminal) {
 
 TEST(Messages, AnyBytesGoOutAndWhatWasPrintedBeforeComesFirst) {
     const std::string bytes("a\0\xff", 3);
-    EXPECT_EQ(out([&] { printNote(bytes); }), "[mqkit] " + bytes + "\n");
-    EXPECT_EQ(err([&] { reportErrorInPieces({bytes}); }), "[mqkit][ERROR] " + bytes + "\n");
+    EXPECT_EQ(sentOut([&] { printNote(bytes); }), "[mqkit] " + bytes + "\n");
+    EXPECT_EQ(sentToErr([&] { reportErrorInPieces({bytes}); }), "[mqkit][ERROR] " + bytes + "\n");
     EXPECT_EQ(testing::throughPipe({STDOUT_FILENO, STDERR_FILENO},
                                    [] {
                                        printNote("one");

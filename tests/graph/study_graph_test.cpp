@@ -133,10 +133,10 @@ TEST(StudyGraph, NamesAreMadeVisible) {
 
 // Variants.
 
-constexpr std::string_view matrix = "matrix:\n  k: 1, 2\n";
+constexpr std::string_view twoVariants = "matrix:\n  k: 1, 2\n";
 
 TEST(StudyGraph, VariantsAreCountedOrDrawn) {
-    const std::string text = std::string(matrix) + "$a\n$b\n%source a\n%when completed a\n";
+    const std::string text = std::string(twoVariants) + "$a\n$b\n%source a\n%when completed a\n";
     EXPECT_EQ(drawn(text), "task a | gaussian x 2\ntask b | gaussian x 2\na -> b\na ?> b: completed a\n");
     EXPECT_EQ(expanded(text), "task a__k_1 | gaussian\ntask b__k_1 | gaussian\n"
                               "task a__k_2 | gaussian\ntask b__k_2 | gaussian\n"
@@ -174,8 +174,9 @@ TEST(StudyGraph, PlotsOfTasksAndOfTheFile) {
 }
 
 TEST(StudyGraph, PlotsOfVariants) {
-    const std::string text = std::string(matrix) + "$b\n$a\n%plot histogram p_[k]\nx {{ b.e }}\n%plot bar q\n"
-                                                   "x k\ny e\n";
+    const std::string text = std::string(twoVariants) +
+                             "$b\n$a\n%plot histogram p_[k]\nx {{ b.e }}\n%plot bar q\n"
+                             "x k\ny e\n";
     EXPECT_EQ(drawn(text), "task b | gaussian x 2\ntask a | gaussian x 2\n"
                            "plot p_[k] | histogram plot x 2\nplot q | bar plot x 2\n"
                            "a .> p_[k]\na .> q\nb .> p_[k]\n");

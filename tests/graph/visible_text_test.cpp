@@ -56,6 +56,12 @@ TEST(VisibleStart, CountsCharactersOfTheText) {
     EXPECT_EQ(visibleStart("", 0), "");
 }
 
+TEST(QuotedLabel, JoinsTheEscapedLines) {
+    const auto escape = [](std::string_view line) { return "<" + std::string(line) + ">"; };
+    EXPECT_EQ(quotedLabel({"a", "", "b"}, "|", escape), "\"<a>|<>|<b>\"");
+    EXPECT_EQ(quotedLabel({}, "|", escape), "\"\"");
+}
+
 TEST(CharacterLength, IsThatOfTheFirstCharacter) {
     EXPECT_EQ(characterLength(""), 0U);
     EXPECT_EQ(characterLength("ab"), 1U);

@@ -53,6 +53,44 @@ setup() {
 TXT
 }
 
+# passes, stops <message>: what a commit of all files does.
+passes() { git add -A && git commit -q -m x; }
+stops() {
+    git add -A
+    run git commit -m x
+    [ "$status" -eq 1 ]
+    [[ $output == *"$1"* ]] || { echo "$output"; return 1; }
+}
+
+@test "the local hooks of the page, under pre-commit, stop what does not pass" {
+    export GIT_CONFIG_GLOBAL=/dev/null GIT_CONFIG_NOSYSTEM=1 GIT_AUTHOR_NAME=Ada GIT_AUTHOR_EMAIL=ada@example.org
+    export GIT_COMMITTER_NAME=Ada GIT_COMMITTER_EMAIL=ada@example.org
+    export PRE_COMMIT_HOME=$BATS_TEST_TMPDIR/cache PRE_COMMIT_COLOR=never PATH="$PREFIX/bin:$PATH"
+    unset MQKIT
+    mkdir study
+    cd study
+    sed -n '/^```yaml file=.pre-commit-config.yaml$/,/^```$/{//!p}' "$PREFIX/share/doc/mqkit/docs/ci.md" |
+        sed "s#/usr/share#$PREFIX/share#" >.pre-commit-config.yaml
+    [ "$(grep -c "entry: $PREFIX/share/mqkit/hooks/" .pre-commit-config.yaml)" -eq 2 ]
+    pre-commit validate-config
+    git init -q .
+    pre-commit install >/dev/null
+    printf 'dsl_version: 2\n\n$a\n  %%source origin\n  %%keywords k\n' | tee a.mq >p.projmq
+    passes
+
+    sed -i 's/origin/b/' a.mq
+    stops "a.mq:4:3: error [missing-source-task] source task does not exist: b"
+    cp p.projmq a.mq
+    sed -i 's/origin/b/' p.projmq
+    stops "p.projmq:4:3: error [missing-source-task] source task does not exist: b"
+    # The first hook alone would have let the template pass.
+    pre-commit run mqkit-lint
+    cp a.mq p.projmq
+    printf '$a\n%%keywords k\n' >a.mq
+    stops "a.mq: not canonical"
+    [ "$(git rev-list --count --all)" -eq 1 ]
+}
+
 @test "hooks run, filters and schemas are read" {
     export MQKIT=$PREFIX/bin/mqkit
     [ "$("$PREFIX/share/mqkit/hooks/mqkit-fmt-check" a.mq)" = "a.mq: left as it is; a rewrite would drop: comments" ]

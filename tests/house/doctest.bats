@@ -37,7 +37,7 @@ no line end
    checked 1 file(s), 1 error(s), 0 warning(s)
    ```
 
-```mq lint=ignored-guess,legacy-source-guess
+```mq lint=ignored-guess,ignored-guess,legacy-source-guess,legacy-source-guess warns="deprecated '%source ... guess'"
 $opt
   %keywords "b3lyp opt"
 $sp
@@ -52,13 +52,13 @@ $opt
   %keywords "b3lyp opt"
 ```
 
-```mq warns
+```mq fails="unknown directive '%keyword'"
 $opt
   %keyword x
 ```
 
 ```mq part-of=examples/matrix/functional_basis.mq
-$opt
+$opt_min
   %source origin
   %keywords "[functional]/[basis] em=[dispersion] [grid] opt"
 ```
@@ -96,6 +96,20 @@ $ ls
 $ mqkit-graph ../opt.mq --format mermaid | head -n 1
 flowchart TD
 ```
+
+```mq warns="invalid %control gpus value 'many' | without alert false"
+$opt
+  %control
+    gpus many
+    alert false
+  %keywords "b3lyp"
+```
+
+```mq lint=clean canonical
+$opt
+  %source origin
+  %keywords "b3lyp opt"
+```
 PAGE
 }
 
@@ -130,22 +144,33 @@ block() {
     lie '19s/end/emd/' "18: printf 'no line end'"
     lie '30s/2:3/2:4/' "29: mqkit lint ./fault.mq"
     lie '34s/ignored-guess,//' "34: findings of lint"
+    lie '34s/,legacy-source-guess / /' "34: findings of lint"
+    lie '34s/deprecated/outdated/' "34: the reader does not say just what the block announces"
+    lie '34s/ warns=.*//' "34: the reader does not say just what the block announces"
     lie '46s/keywords/args/' "44: findings of lint"
-    lie '51s/keyword/keywords/' "49: the reader says nothing"
+    lie '51s/keyword/keywords/' "49: fmt ends with status 0, not 1"
+    lie '51s/keyword/keywrod/' "49: the reader does not say just what the block announces"
     lie '57s/grid/mesh/' "54: these lines are not in examples/matrix/functional_basis.mq"
     lie '63s/toluene/benzene/' "60: examples/extra/extra.yaml"
     lie '69s/$/; echo told/' "68: value=1; echo told"
     lie '88s/ls/rm/' "87: echo '\$ ls'"
+    lie '96s/many/lots/' "96: the reader does not say just what the block announces"
+    lie '96s/ |.*/"/' "96: the reader does not say just what the block announces"
+    lie '96s/warns=.*/lint=clean/' "96: the reader does not say just what the block announces"
+    lie '106s/  %source/   %source/' "104: canonical form"
+    lie '9s/$/\nIt prints this:/' "9: text in front of the first command"
     lie '73s/4/5/' "77: cat values/extra.yaml; echo \$value"
 }
 
 @test "a status that nobody announced is found" {
     lie '24s/ status=1//' "29: status 1, not 0: mqkit lint ./fault.mq"
     lie '16s/mkdir cases/mkdir cases; false/' "16: status 1, not 0: mkdir cases; false"
+    lie '69s/^/false\n/' "68: it failed: false"
 }
 
 @test "a faulty file that announces nothing is found" {
-    lie '49s/ warns//' "49: does not read without a fault or a warning"
+    lie '49s/ fails=.*//' "49: fmt ends with status 1, not 0"
+    lie '49s/fails/warns/' "49: fmt ends with status 1, not 0"
 }
 
 @test "a page that ends its shell is no success" {
@@ -157,8 +182,17 @@ block() {
 @test "every block says what it is" {
     block "" "1: '' does not say what to do with the block"
     block yaml "1: 'yaml' does not say what to do with the block"
-    block "text not-run" "1: not-run=\"<why>\" stands alone"
-    block 'text not-run="why not" file=a' "1: not-run=\"<why>\" stands alone"
+    block "text not-run" "1: 'not-run' says nothing"
+    block "text not-run=because" "1: not-run=\"<why>\" says why"
+    block 'text not-run="why not" file=a' "1: 'not-run' stands alone"
+    block "mq example=none.mq lint=clean" "1: 'example' stands alone"
+    block "mq lint=clean lint=clean" "1: the info string 'mq lint=clean lint=clean' cannot be read"
+    block "mq warns" "1: 'warns' says nothing"
+    block 'mq warns="a" fails="b"' "1: a fault is the last word: 'fails' alone"
+    block 'mq canonical fails="b"' "1: what fails has no canonical form"
+    block "mq canonical=no" "1: 'canonical' takes no value"
+    block "console status=status" "1: 'status' is a number above 0"
+    block "sh file=a" "1: a block that is run is no file"
     block "mq canonicle" "1: unknown word 'canonicle' in the info string"
     block "sh status=1" "1: unknown word 'status' in the info string"
     block 'mq file="a' "1: the info string 'mq file=\"a' cannot be read"

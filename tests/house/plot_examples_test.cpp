@@ -4,7 +4,7 @@
 #include "taskdsl/plot/plot_parser.h"
 #include "taskdsl/plot/render.h"
 
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // What the writer prints reads back: the text that parsing and printing it gives is the same text.
 
-#include "support/file.h"
+#include "fixtures/temporary_directory.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
-
-#include <unistd.h>
 
 namespace morquill::views {
 namespace {
@@ -59,15 +57,11 @@ TEST(RoundTrip, ConditionsAndModsThatLookLikeStructureStayWhereTheyAre) {
 }
 
 TEST(RoundTrip, WhatIsWrittenBesideTheExtraFilesReadsBackAsTheWholeDocument) {
-    const auto directory =
-        std::filesystem::temp_directory_path() / ("mqkit-beside-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(directory / "sub");
-    const auto write = [&](const char* name, const std::string& text) {
-        ASSERT_TRUE(writeTextFile((directory / name).string(), text));
-    };
+    const TemporaryDirectory directory;
+    const auto write = [&](const char* name, const std::string& text) { (void)directory.write(name, text); };
     const auto read = [&] {
         taskdsl::TaskParser parser({.legacyMultiSource = true});
-        return parser.parseFile((directory / "t.mq").string());
+        return parser.parseFile(directory.path("t.mq"));
     };
     write("extra.yaml",
           "totmem: 9\nsite: extra\ndefine:\n  k: e\n  m: e\nmatrix:\n  - x: 1, 2\n    name: a, b\n"
@@ -93,7 +87,6 @@ TEST(RoundTrip, WhatIsWrittenBesideTheExtraFilesReadsBackAsTheWholeDocument) {
     EXPECT_EQ(after.matrixAxes, before.matrixAxes);
     EXPECT_EQ(renderCanonicalDocument(taskdsl::withoutImplicitContent(after), CanonicalView::sourceView),
               printed);
-    std::filesystem::remove_all(directory);
 }
 
 TEST(RoundTrip, TheExamplesAreStable) {

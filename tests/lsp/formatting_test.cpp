@@ -7,8 +7,6 @@ namespace {
 
 using namespace morquill::lsp;
 
-constexpr const char* uri = "untitled:1";
-
 /// The text after the edits of an answer, which are in ascending order.
 std::string edited(std::string text, const Json& edits) {
     const TextBuffer buffer(text);
@@ -21,16 +19,16 @@ std::string edited(std::string text, const Json& edits) {
 
 std::string formatted(const std::string& text) {
     LspClient client;
-    client.open(uri, text);
-    const Json answer = client.ask("textDocument/formatting", LspClient::document(uri));
+    client.open(unsavedUri, text);
+    const Json answer = client.ask("textDocument/formatting", LspClient::document(unsavedUri));
     return answer.contains("error") ? "! " + answer["error"]["message"].get<std::string>()
                                     : edited(text, answer["result"]);
 }
 
 std::string aligned(const std::string& text, int first, int last) {
     LspClient client;
-    client.open(uri, text);
-    Json params = LspClient::document(uri);
+    client.open(unsavedUri, text);
+    Json params = LspClient::document(unsavedUri);
     params["range"] = {{"start", {{"line", first}, {"character", 0}}},
                        {"end", {{"line", last}, {"character", 0}}}};
     return edited(text, client.request("textDocument/rangeFormatting", params));
@@ -44,8 +42,8 @@ TEST(Formatting, WritesTheCanonicalText) {
 
 TEST(Formatting, LeavesACanonicalTextAlone) {
     LspClient client;
-    client.open(uri, "dsl_version: 2\n\n$a\n  %source origin\n  %keywords hf\n");
-    EXPECT_TRUE(client.request("textDocument/formatting", LspClient::document(uri)).empty());
+    client.open(unsavedUri, "dsl_version: 2\n\n$a\n  %source origin\n  %keywords hf\n");
+    EXPECT_TRUE(client.request("textDocument/formatting", LspClient::document(unsavedUri)).empty());
 }
 
 TEST(Formatting, RefusesWhatItWouldDrop) {

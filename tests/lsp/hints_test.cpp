@@ -6,30 +6,28 @@ namespace {
 
 using namespace morquill::lsp;
 
-constexpr const char* uri = "untitled:1";
-
 Json wholeText() {
-    Json params = LspClient::document(uri);
+    Json params = LspClient::document(unsavedUri);
     params["range"] = {{"start", {{"line", 0}, {"character", 0}}}, {"end", {{"line", 99}, {"character", 0}}}};
     return params;
 }
 
 TEST(Hints, CountVariants) {
     LspClient client;
-    client.open(uri, "matrix:\n  f: a, b\n  g: c, d\n$opt # [f]\n  %keywords [f]\n");
+    client.open(unsavedUri, "matrix:\n  f: a, b\n  g: c, d\n$opt # [f]\n  %keywords [f]\n");
     const Json hints = client.request("textDocument/inlayHint", wholeText());
     ASSERT_EQ(hints.size(), 1U);
     EXPECT_EQ(hints[0]["label"], "4 variants");
     EXPECT_EQ(hints[0]["position"], positionJson({3, 10}));
-    client.change(uri, "$opt\n");
+    client.change(unsavedUri, "$opt\n");
     EXPECT_TRUE(client.request("textDocument/inlayHint", wholeText()).empty());
 }
 
 TEST(Hints, SayWhoUsesATask) {
     LspClient client;
-    client.open(uri,
+    client.open(unsavedUri,
                 "$a\n$b\n  %source a\n  %when completed a\n@derive d\n  let g = energy(a)\n  emit g\n@end\n");
-    const Json lenses = client.request("textDocument/codeLens", LspClient::document(uri));
+    const Json lenses = client.request("textDocument/codeLens", LspClient::document(unsavedUri));
     ASSERT_EQ(lenses.size(), 1U);
     EXPECT_EQ(lenses[0]["command"]["title"], "used by b, d");
     EXPECT_EQ(LspClient::rangeText(lenses[0]["range"]), "0:1-0:2");
@@ -41,8 +39,8 @@ TEST(Hints, NameAFewUsers) {
         text += "$b" + std::to_string(i) + "\n  %source a\n";
     }
     LspClient client;
-    client.open(uri, text);
-    EXPECT_EQ(client.request("textDocument/codeLens", LspClient::document(uri))[0]["command"]["title"],
+    client.open(unsavedUri, text);
+    EXPECT_EQ(client.request("textDocument/codeLens", LspClient::document(unsavedUri))[0]["command"]["title"],
               "used by b0, b1, b2, b3, b4 and 3 more");
 }
 

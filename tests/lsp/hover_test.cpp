@@ -6,17 +6,16 @@ namespace {
 
 using namespace morquill::lsp;
 
-constexpr const char* uri = "untitled:1";
-
 /// The hover at the first place behind `before`; "-" when there is none.
 std::string hoverAt(const std::string& text, std::string_view before) {
     LspClient client;
-    client.open(uri, text);
+    client.open(unsavedUri, text);
     const TextBuffer buffer(text);
     PositionWalk walk(buffer, PositionUnit::utf16);
     const auto at = walk.at(text.find(before) + before.size());
-    const Json answer = client.request(
-        "textDocument/hover", LspClient::at(uri, static_cast<int>(at.line), static_cast<int>(at.character)));
+    const Json answer =
+        client.request("textDocument/hover",
+                       LspClient::at(unsavedUri, static_cast<int>(at.line), static_cast<int>(at.character)));
     return answer.is_null() ? "-" : answer["contents"]["value"].get<std::string>();
 }
 
@@ -33,7 +32,7 @@ TEST(Hover, OfWords) {
                               "  %mod\n    charge.b 1\n  %control\n    geom check\n";
     EXPECT_EQ(hoverAt(lines, "geom.").substr(0, 24), "`geom[.<slot>] <source>`");
     EXPECT_EQ(hoverAt(lines, "lan"), "`lane <n>`\n\nNumber of calculations side by side.");
-    EXPECT_EQ(hoverAt(lines, "char").substr(0, 16), "`charge[.<slot>] ");
+    EXPECT_EQ(hoverAt(lines, "char").substr(0, 17), "`charge[.<slot>] ");
     EXPECT_EQ(hoverAt(lines, "%control\n    ge").substr(0, 12), "`geom check`");
     EXPECT_EQ(hoverAt(text, "%keywords h"), "-");
     EXPECT_EQ(hoverAt(text, "%program or"), "ORCA; takes %keywords and %extrainput.");

@@ -8,13 +8,12 @@ namespace {
 using namespace morquill::lsp;
 using morquill::TemporaryDirectory;
 
-constexpr const char* uri = "untitled:1";
-const std::string text = "$opt\n"
-                         "  %keywords \"opt\"\n"
-                         "$freq\n"
-                         "  %source opt\n";
+const std::string studyText = "$opt\n"
+                              "  %keywords \"opt\"\n"
+                              "$freq\n"
+                              "  %source opt\n";
 
-std::string print(const Json& list) {
+std::string printPlaces(const Json& list) {
     std::string printed;
     for (const Json& entry : list) {
         printed += LspClient::rangeText(entry["range"]);
@@ -25,28 +24,30 @@ std::string print(const Json& list) {
 
 TEST(Navigation, GoesToTheDefinition) {
     LspClient client;
-    client.open(uri, text);
-    EXPECT_EQ(print(client.request("textDocument/definition", LspClient::at(uri, 3, 11))), "0:1-0:4 ");
-    EXPECT_EQ(print(client.request("textDocument/definition", LspClient::at(uri, 3, 13))), "0:1-0:4 ");
-    EXPECT_TRUE(client.request("textDocument/definition", LspClient::at(uri, 1, 13)).is_null());
-    EXPECT_TRUE(client.request("textDocument/definition", LspClient::at(uri, 3, 5)).is_null());
-    EXPECT_TRUE(client.request("textDocument/definition", LspClient::at(uri, 99, 0)).is_null());
-    EXPECT_EQ(client.requestError("textDocument/definition", LspClient::document(uri)), -32602);
+    client.open(unsavedUri, studyText);
+    EXPECT_EQ(printPlaces(client.request("textDocument/definition", LspClient::at(unsavedUri, 3, 11))),
+              "0:1-0:4 ");
+    EXPECT_EQ(printPlaces(client.request("textDocument/definition", LspClient::at(unsavedUri, 3, 13))),
+              "0:1-0:4 ");
+    EXPECT_TRUE(client.request("textDocument/definition", LspClient::at(unsavedUri, 1, 13)).is_null());
+    EXPECT_TRUE(client.request("textDocument/definition", LspClient::at(unsavedUri, 3, 5)).is_null());
+    EXPECT_TRUE(client.request("textDocument/definition", LspClient::at(unsavedUri, 99, 0)).is_null());
+    EXPECT_EQ(client.requestError("textDocument/definition", LspClient::document(unsavedUri)), -32602);
 }
 
 TEST(Navigation, FindsReferencesWithAndWithoutTheDefinition) {
     LspClient client;
-    client.open(uri, text);
-    Json params = LspClient::at(uri, 0, 2);
-    EXPECT_EQ(print(client.request("textDocument/references", params)), "3:10-3:13 ");
+    client.open(unsavedUri, studyText);
+    Json params = LspClient::at(unsavedUri, 0, 2);
+    EXPECT_EQ(printPlaces(client.request("textDocument/references", params)), "3:10-3:13 ");
     params["context"] = {{"includeDeclaration", true}};
-    EXPECT_EQ(print(client.request("textDocument/references", params)), "0:1-0:4 3:10-3:13 ");
+    EXPECT_EQ(printPlaces(client.request("textDocument/references", params)), "0:1-0:4 3:10-3:13 ");
 }
 
 TEST(Navigation, HighlightsWritesAndReads) {
     LspClient client;
-    client.open(uri, text);
-    EXPECT_EQ(print(client.request("textDocument/documentHighlight", LspClient::at(uri, 3, 10))),
+    client.open(unsavedUri, studyText);
+    EXPECT_EQ(printPlaces(client.request("textDocument/documentHighlight", LspClient::at(unsavedUri, 3, 10))),
               "0:1-0:4(3) 3:10-3:13(2) ");
 }
 

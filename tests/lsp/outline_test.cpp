@@ -8,41 +8,40 @@ namespace {
 using namespace morquill::lsp;
 using morquill::TemporaryDirectory;
 
-constexpr const char* uri = "untitled:1";
-const std::string text = "dsl_version: 2\n" // 0
-                         "define:\n"        // 1
-                         "  x: 1\n"         // 2
-                         "matrix:\n"        // 3
-                         "  f: a, b\n"      // 4
-                         "# one\n"          // 5
-                         "# two\n"          // 6
-                         "$opt\n"           // 7
-                         "  %keywords hf\n" // 8
-                         "  %control\n"     // 9
-                         "    totcore 4\n"  // 10
-                         "\n"               // 11
-                         "@derive d\n"      // 12
-                         "  let g = 1\n"    // 13
-                         "  emit g\n"       // 14
-                         "@end\n";          // 15
+const std::string outlineText = "dsl_version: 2\n" // 0
+                                "define:\n"        // 1
+                                "  x: 1\n"         // 2
+                                "matrix:\n"        // 3
+                                "  f: a, b\n"      // 4
+                                "# one\n"          // 5
+                                "# two\n"          // 6
+                                "$opt\n"           // 7
+                                "  %keywords hf\n" // 8
+                                "  %control\n"     // 9
+                                "    totcore 4\n"  // 10
+                                "\n"               // 11
+                                "@derive d\n"      // 12
+                                "  let g = 1\n"    // 13
+                                "  emit g\n"       // 14
+                                "@end\n";          // 15
 
 const Json nested = {{"textDocument", {{"documentSymbol", {{"hierarchicalDocumentSymbolSupport", true}}}}}};
 
 /// The symbols, one a line, indented by depth: name, kind and lines.
-std::string print(const Json& symbols, int depth = 0) {
+std::string printSymbols(const Json& symbols, int depth = 0) {
     std::string printed;
     for (const Json& symbol : symbols) {
         printed += std::string(static_cast<std::size_t>(2 * depth), ' ') + symbol["name"].get<std::string>() +
                    " " + symbol["kind"].dump() + " " + LspClient::rangeText(symbol["range"]) + "\n";
-        printed += print(symbol.value("children", Json::array()), depth + 1);
+        printed += printSymbols(symbol.value("children", Json::array()), depth + 1);
     }
     return printed;
 }
 
 TEST(Outline, ShowsTheBlocks) {
     LspClient client(LspClient::initialized, nested);
-    client.open(uri, text);
-    EXPECT_EQ(print(client.request("textDocument/documentSymbol", LspClient::document(uri))),
+    client.open(unsavedUri, outlineText);
+    EXPECT_EQ(printSymbols(client.request("textDocument/documentSymbol", LspClient::document(unsavedUri))),
               "prelude 2 0:0-4:9\n"
               "  dsl_version 13 0:0-0:14\n"
               "  define 3 1:0-2:6\n"
@@ -58,19 +57,19 @@ TEST(Outline, ShowsTheBlocks) {
 
 TEST(Outline, IsFlatForClientsThatTakeNoTree) {
     LspClient client;
-    client.open(uri, "$a\n  %keywords hf\n");
-    const Json symbols = client.request("textDocument/documentSymbol", LspClient::document(uri));
+    client.open(unsavedUri, "$a\n  %keywords hf\n");
+    const Json symbols = client.request("textDocument/documentSymbol", LspClient::document(unsavedUri));
     ASSERT_EQ(symbols.size(), 2U);
     EXPECT_EQ(symbols[1]["name"], "%keywords");
     EXPECT_EQ(symbols[1]["containerName"], "a");
-    EXPECT_EQ(symbols[1]["location"]["uri"], uri);
+    EXPECT_EQ(symbols[1]["location"]["uri"], unsavedUri);
 }
 
 TEST(Outline, FoldsBlocksAndComments) {
     LspClient client;
-    client.open(uri, text);
+    client.open(unsavedUri, outlineText);
     std::string printed;
-    for (const Json& range : client.request("textDocument/foldingRange", LspClient::document(uri))) {
+    for (const Json& range : client.request("textDocument/foldingRange", LspClient::document(unsavedUri))) {
         printed += range["startLine"].dump() + "-" + range["endLine"].dump() + range.value("kind", "") + " ";
     }
     EXPECT_EQ(printed, "1-2 3-4 7-10 9-10 12-15 5-6comment ");
@@ -78,8 +77,8 @@ TEST(Outline, FoldsBlocksAndComments) {
 
 TEST(Outline, ASelectionGrowsBlockByBlock) {
     LspClient client;
-    client.open(uri, text);
-    Json params = LspClient::document(uri);
+    client.open(unsavedUri, outlineText);
+    Json params = LspClient::document(unsavedUri);
     params["positions"] = {{{"line", 10}, {"character", 5}}};
     const Json answer = client.request("textDocument/selectionRange", params);
     std::string printed;
@@ -111,8 +110,8 @@ TEST(Outline, StandsManyLoops) {
         loops += "@foreach a\n";
     }
     LspClient client(LspClient::initialized, nested);
-    client.open(uri, loops);
-    EXPECT_FALSE(client.request("textDocument/documentSymbol", LspClient::document(uri)).empty());
+    client.open(unsavedUri, loops);
+    EXPECT_FALSE(client.request("textDocument/documentSymbol", LspClient::document(unsavedUri)).empty());
 }
 
 } // namespace

@@ -7,11 +7,9 @@ namespace {
 
 using namespace morquill::lsp;
 
-constexpr const char* uri = "untitled:1";
-
-std::string edited(std::string text, const Json& action) {
+std::string editedBy(std::string text, const Json& action) {
     const TextBuffer buffer(text);
-    const Json& edits = action["edit"]["changes"][uri];
+    const Json& edits = action["edit"]["changes"][unsavedUri];
     for (auto edit = edits.rbegin(); edit != edits.rend(); ++edit) {
         const auto range = readRange((*edit)["range"], buffer, PositionUnit::utf16);
         text.replace(range->begin, range->size(), (*edit)["newText"].get<std::string>());
@@ -21,8 +19,8 @@ std::string edited(std::string text, const Json& action) {
 
 Json actions(const std::string& text, const Json& only = nullptr) {
     LspClient client;
-    client.open(uri, text);
-    Json params = LspClient::document(uri);
+    client.open(unsavedUri, text);
+    Json params = LspClient::document(unsavedUri);
     params["range"] = {{"start", {{"line", 0}, {"character", 0}}}, {"end", {{"line", 99}, {"character", 0}}}};
     params["context"] = {{"diagnostics", Json::array()}};
     if (!only.is_null()) {
@@ -82,7 +80,7 @@ TEST(QuickFixes, LeadToATextThatLintAccepts) {
         EXPECT_THAT(codes(row.before), testing::Contains(std::string(row.code)));
         const Json found = actions(row.before, {"quickfix"});
         ASSERT_FALSE(found.empty()) << row.code;
-        EXPECT_EQ(edited(row.before, found[0]), row.after) << row.code;
+        EXPECT_EQ(editedBy(row.before, found[0]), row.after) << row.code;
         EXPECT_THAT(codes(row.after), testing::IsEmpty()) << row.code;
     }
 }
@@ -95,7 +93,7 @@ TEST(QuickFixes, AllOlderFormsAtOnce) {
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0]["kind"], "source.fixAll");
     // A task that does not exist is not guessed.
-    EXPECT_EQ(edited(text, found[0]),
+    EXPECT_EQ(editedBy(text, found[0]),
               "$a\n  %program xtb\n  %args --opt\n$b\n  %source a\n  %control\n    guess true\n"
               "  %keywords hf\n  %process\n    run x\n$c\n  %source bb\n  %keywords hf\n");
 }

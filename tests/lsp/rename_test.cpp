@@ -8,13 +8,11 @@ namespace {
 using namespace morquill::lsp;
 using morquill::TemporaryDirectory;
 
-constexpr const char* uri = "untitled:1";
-
 /// The text with the name at a place changed, or "! " and why it is not.
 std::string renamed(const std::string& text, int line, int character, const std::string& name) {
     LspClient client;
-    client.open(uri, text);
-    Json params = LspClient::at(uri, line, character);
+    client.open(unsavedUri, text);
+    Json params = LspClient::at(unsavedUri, line, character);
     params["newName"] = name;
     const Json answer = client.ask("textDocument/rename", params);
     if (answer.contains("error")) {
@@ -22,7 +20,7 @@ std::string renamed(const std::string& text, int line, int character, const std:
     }
     std::string made = text;
     const TextBuffer buffer(text);
-    const Json& edits = answer["result"]["changes"][uri];
+    const Json& edits = answer["result"]["changes"][unsavedUri];
     for (auto edit = edits.rbegin(); edit != edits.rend(); ++edit) {
         const auto range = readRange((*edit)["range"], buffer, PositionUnit::utf16);
         made.replace(range->begin, range->size(), (*edit)["newText"].get<std::string>());
@@ -87,11 +85,11 @@ TEST(Rename, RefusesWhatWouldNotHold) {
 
 TEST(Rename, IsPrepared) {
     LspClient client;
-    client.open(uri, "$opt\n  %source opt\n");
-    const Json answer = client.request("textDocument/prepareRename", LspClient::at(uri, 1, 12));
+    client.open(unsavedUri, "$opt\n  %source opt\n");
+    const Json answer = client.request("textDocument/prepareRename", LspClient::at(unsavedUri, 1, 12));
     EXPECT_EQ(answer["placeholder"], "opt");
     EXPECT_EQ(LspClient::rangeText(answer["range"]), "1:10-1:13");
-    EXPECT_EQ(client.requestError("textDocument/prepareRename", LspClient::at(uri, 1, 4)), -32803);
+    EXPECT_EQ(client.requestError("textDocument/prepareRename", LspClient::at(unsavedUri, 1, 4)), -32803);
 }
 
 TEST(Rename, ReachesEveryFileOfTheDocument) {

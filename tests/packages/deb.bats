@@ -29,6 +29,7 @@ files_there() { find "$root" -path "$root/var" -prune -o ! -type d -print; }
     [ -z "$(dpkg-deb -f "$package" Depends)" ]
     dpkg-deb --fsys-tarfile "$package" | tar -xO ./usr/share/doc/mqkit/copyright >"$BATS_TEST_TMPDIR/copyright"
     grep -q '^MIT License$' "$BATS_TEST_TMPDIR/copyright"
+    ! grep -e 'see LICENSE' -e NOTICE "$BATS_TEST_TMPDIR/copyright"
     grep -q '^yaml-cpp$' "$BATS_TEST_TMPDIR/copyright"
     [ "$(dpkg-deb --fsys-tarfile "$package" | tar -xO ./usr/share/doc/mqkit/changelog.Debian.gz | gunzip | dpkg-parsechangelog -l - -S Version)" = "$(version)-1" ]
 }
@@ -39,6 +40,7 @@ files_there() { find "$root" -path "$root/var" -prune -o ! -type d -print; }
     works_from "$root/usr"
     [ -f "$root/usr/share/zsh/vendor-completions/_mqkit" ]
     [ -f "$root/usr/share/fish/vendor_completions.d/mqkit.fish" ]
+    [ "$(grep -o 'LICENSE.*' "$root/usr/share/doc/mqkit/README.md" | tail -n 1)" = 'LICENSE](copyright), [NOTICE](copyright)' ]
     [ "$(MANPATH=$root/usr/share/man MANWIDTH=80 man mqkit-migrate | sed -n '$p' | tr -s ' ')" = "mqkit $(version) $(released) MQKIT-FMT(1)" ]
     dpkg_there --purge mqkit
     [ -z "$(files_there)" ]
@@ -49,13 +51,37 @@ files_there() { find "$root" -path "$root/var" -prune -o ! -type d -print; }
     export PATH="$root/usr/bin:$PATH" XDG_DATA_DIRS=$root/usr/share HOME=$BATS_TEST_TMPDIR
     cd "$BATS_TEST_TMPDIR"
     printf '$opt\n%%keywords hf\n' >study.mq
-    found=$(bash --norc -c '
-        source /usr/share/bash-completion/bash_completion
-        __load_completion mqkit
-        complete -p mqkit')
-    [ "$found" = "complete -F _mqkit mqkit" ]
+    for program in mqkit mqkit-graph; do
+        found=$(bash --norc -c '
+            source /usr/share/bash-completion/bash_completion
+            __load_completion "$1"
+            complete -p "$1"' bash "$program")
+        [ "$found" = "complete -F _mqkit $program" ]
+    done
     [ "$(fish -c 'complete -C "mqkit explain study.mq --task "' | cut -f 1)" = opt ]
-    found=$(echo 'mqkit explain study.mq --task ' |
+    [ "$(fish -c 'complete -C "mqkit-graph --format s"' | cut -f 1)" = svg ]
+    found=$(printf '%s\n' 'mqkit explain study.mq --task ' 'mqkit-graph --format s' |
         zsh -f "$MQKIT_SOURCE/tests/packages/zsh_offers.zsh" "$root/usr/share/zsh/vendor-completions")
-    [ "$found" = $'opt\n.' ]
+    [ "$found" = $'opt\n.\nsvg\n.' ]
+}
+
+@test "with the package alone a hook stops a bad commit, and vim has colours" {
+    dpkg_there -i "$package"
+    export PATH="$root/usr/bin:/usr/bin:/bin" HOME=$BATS_TEST_TMPDIR GIT_CONFIG_GLOBAL=/dev/null GIT_CONFIG_NOSYSTEM=1
+    unset MQKIT
+    mkdir "$BATS_TEST_TMPDIR/study"
+    cd "$BATS_TEST_TMPDIR/study"
+    git init -q .
+    cp "$root/usr/share/mqkit/hooks/pre-commit" .git/hooks/
+    printf '$opt_min # the first step\n  %%source best\n  %%keywords hf\n' >study.mq
+    git add study.mq
+    run git -c user.name=Ada -c user.email=ada@example.org commit -m x
+    [ "$status" -eq 1 ]
+    [ "${lines[0]}" = "study.mq:2:3: error [missing-source-task] source task does not exist: best" ]
+    sed -i 's/best/origin/' study.mq
+    git add study.mq
+    git -c user.name=Ada -c user.email=ada@example.org commit -q -m x
+    vim -Nu NONE -i NONE -n -es --cmd "set runtimepath^=$root/usr/share/vim/vimfiles" --cmd 'filetype plugin on' \
+        --cmd 'syntax on' study.mq -c 'call writefile([&filetype, synIDattr(synID(1, 11, 1), "name")], "out")' -c 'qa!'
+    [ "$(cat out)" = $'mq\nmqComment' ]
 }

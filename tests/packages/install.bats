@@ -50,6 +50,8 @@ configured() {
     done
     [ -x share/doc/mqkit/examples/hooks/pre-commit ]
     diff -r share/mqkit/templates "$MQKIT_SOURCE/examples/templates"
+    diff -r share/doc/mqkit/examples "$MQKIT_SOURCE/examples"
+    grep -qx "$PWD/share/doc/mqkit/examples/templates" "$(dirname "$MQKIT")/install_manifest.txt"
 }
 
 @test "a package without manual pages is refused" {

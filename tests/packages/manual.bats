@@ -45,6 +45,15 @@ shows_options() {
     diff "$BATS_TEST_TMPDIR/found" /dev/null
 }
 
+@test "mqkit(1) says where everything is, and it is there" {
+    cmake --install "$(dirname "$MQKIT")" --prefix "$BATS_TEST_TMPDIR/p" >/dev/null
+    MANWIDTH=200 man -l "$pages/man1/mqkit.1" | col -b | sed -n '/^FILES/,/^THE VERSION/p' >"$BATS_TEST_TMPDIR/files"
+    [ "$(grep -o 'share/[a-z/]*' "$BATS_TEST_TMPDIR/files" | sort -u | wc -l)" -eq 7 ]
+    grep -o 'share/[a-z/]*' "$BATS_TEST_TMPDIR/files" | while read -r file; do
+        [ -n "$(ls "$BATS_TEST_TMPDIR/p/$file")" ] || { echo "$file"; return 1; }
+    done
+}
+
 @test "every page has its name and purpose where whatis looks for them, and the version in its foot" {
     own_pages | while read -r page; do
         lexgrog "$page" >/dev/null || { echo "$page"; return 1; }

@@ -5,6 +5,8 @@ version() { sed -n 's/^project(mqkit VERSION \([0-9.]*\).*/\1/p' "$MQKIT_SOURCE/
 # released: the day of the version, from the changelog.
 released() { sed -n "s/^## $(version) (\(.*\))\$/\1/p" "$MQKIT_SOURCE/CHANGELOG.md"; }
 
+load ../house/links
+
 # completes <completion file> <line>: what bash offers at the end of the line.
 completes() {
     bash --norc -c '
@@ -17,6 +19,11 @@ completes() {
     ' bash "$@"
 }
 
+# documents_lead_somewhere <folder>: all links of the installed documents, those of the folder among them.
+documents_lead_somewhere() {
+    diff <(find "$1" -xtype l; dead_links "$1"/{README,CONTRIBUTING}.md "$1"/docs/*.md) /dev/null
+}
+
 # works_from <prefix>: what is installed below it works without anything else of mqkit.
 works_from() {
     local study=$BATS_TEST_TMPDIR/study.mq
@@ -27,5 +34,7 @@ works_from() {
         '{"error":{"code":-32002,"message":"initialize comes first"},"id":1,"jsonrpc":"2.0"}' ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" mqkit template list -d "$1/share/mqkit/templates" | grep -c '(thermochemistry)')" -eq 2 ]
     [ "$(PATH="$1/bin:/usr/bin:/bin" completes "$1/share/bash-completion/completions/mqkit" "mqkit explain $study --task ")" = opt ]
+    [ "$(PATH="$1/bin:/usr/bin:/bin" completes "$1/share/bash-completion/completions/mqkit-graph" 'mqkit-graph --format m')" = mermaid ]
+    documents_lead_somewhere "$1/share/doc/mqkit"
     MANPATH=$1/share/man man -w mqkit mqkit-fmt mqkit-migrate mqkit-template mqkit-graph mqkit-lsp 5 mq >/dev/null
 }

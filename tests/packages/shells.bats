@@ -7,7 +7,7 @@ setup() { setup_completions; }
 
 @test "fish offers what the table says" {
     mkdir -p "$BATS_TEST_TMPDIR/home/.config/fish/completions"
-    cp "$MQKIT_SOURCE/completions/mqkit.fish" "$BATS_TEST_TMPDIR/home/.config/fish/completions"
+    cp "$MQKIT_SOURCE"/completions/*.fish "$BATS_TEST_TMPDIR/home/.config/fish/completions"
     offered() {
         HOME=$BATS_TEST_TMPDIR/home XDG_CONFIG_HOME='' fish -c 'complete -C $argv[1]' "$1" </dev/null | cut -f 1 |
             grep -v '^-.$'

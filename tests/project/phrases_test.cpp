@@ -28,8 +28,7 @@ TEST_F(ShownCommand, IsExecutedOrOnlyShown) {
     EXPECT_EQ(shown(console::RunMode::apply), "[mqkit] execute bash comd\n");
 }
 
-TEST(Phrases, NameABlockAndWhatIsMissing) {
-    EXPECT_EQ(blockLabel("m1", "opt"), "m1 / $opt");
+TEST(Phrases, NameWhatIsMissing) {
     EXPECT_EQ(missingBlock("m1 / $opt"), "m1 / $opt : block directory is missing");
     EXPECT_EQ(noCases("/p"), "no case subdirectories were found in project: /p");
 }

@@ -36,28 +36,6 @@ TEST_F(Regenerate, WhatCannotBeOpenedIsToldBeforeAnythingIsTouched) {
               "[mqkit][ERROR] case .mq file does not exist: " + at("p/m1/no.mq") + "\n");
 }
 
-TEST_F(Regenerate, AProjectIsLockedAgainstAllWorkACaseAgainstItsOwn) {
-    const WorkPlace whole{TargetKind::Project, project(), templateFile(), cases()};
-    const WorkPlace one{TargetKind::Case, at("p/m1"), at("p/m1/m1.mq"), {at("p/m1")}};
-    const WorkPlace other{TargetKind::Case, at("p/m2"), at("p/m2/m2.mq"), {at("p/m2")}};
-    const auto locked = [this](const WorkPlace& place) {
-        return run("", [&] { return lockWork(place).has_value(); });
-    };
-    {
-        const auto held = lockWork(whole);
-        ASSERT_TRUE(held);
-        for (const auto* place : {&whole, &one}) {
-            EXPECT_EQ(locked(*place).err, "[mqkit][ERROR] another mqkit is changing the status files here: " +
-                                              place->directory + "\n");
-        }
-    }
-    const auto held = lockWork(one);
-    ASSERT_TRUE(held);
-    EXPECT_TRUE(lockWork(other));
-    EXPECT_NE(locked(one).err, "");
-    EXPECT_NE(locked(whole).err, "");
-}
-
 TEST_F(Regenerate, TheGeneratorRunsInItsPlaceWithItsMode) {
     sibling("morquill", "pwd -P >\"$HOME\"; echo \"$@\" >>\"$HOME\"; [ \"$2\" = --comd-only ]");
     const WorkPlace place{TargetKind::Project, project(), templateFile(), cases()};

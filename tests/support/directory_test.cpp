@@ -64,6 +64,10 @@ TEST_F(Directory, EntriesHaveTheirKind) {
     EXPECT_THAT(found,
                 ElementsAre(std::pair("dir", EntryKind::directory), std::pair("fifo", EntryKind::other),
                             std::pair("file", EntryKind::file), std::pair("link", EntryKind::link)));
+    for (const auto& [name, kind] : found) {
+        EXPECT_EQ(kindOf(at(name)), kind) << name;
+    }
+    EXPECT_EQ(kindOf(at("missing")), EntryKind::other);
     EXPECT_FALSE(readDirectory(at("missing")));
     EXPECT_EQ(errno, ENOENT);
     EXPECT_FALSE(readDirectory(at("file")));

@@ -42,6 +42,15 @@ TEST(SystemError, HasTheTextOfTheSystem) {
     EXPECT_EQ(error.message(), systemErrorText(ENOSPC));
 }
 
+TEST(SystemError, OfAbsenceLeavesNothingOpen) {
+    for (const int number : {ENOENT, ENOTDIR, ELOOP}) {
+        EXPECT_TRUE(isAbsence(number)) << systemErrorText(number);
+    }
+    for (const int number : {0, EACCES, EIO, EINTR, ENAMETOOLONG, ENOMEM}) {
+        EXPECT_FALSE(isAbsence(number)) << systemErrorText(number);
+    }
+}
+
 TEST(SystemError, OfTheDiskIsToldFromThoseThatAnotherWayOfWritingAvoids) {
     for (const int number : {ENOSPC, EDQUOT, EFBIG, EIO}) {
         EXPECT_TRUE(isFaultOfTheDisk(number)) << systemErrorText(number);

@@ -114,5 +114,21 @@ TEST_F(File, KindTestsFollowLinksAndSwallowErrors) {
     EXPECT_FALSE(isDirectory(at("loop")));
 }
 
+// That they throw where the disk fails is tested with failing system calls (tests/faults).
+TEST_F(File, LookUpsAnswerLikeKindTests) {
+    ASSERT_TRUE(writeTextFile(at("x"), ""));
+    fs::create_symlink("x", at("link"));
+    fs::create_symlink("loop", at("loop"));
+    const std::string longName(300, 'x');
+    EXPECT_TRUE(lookUpRegularFile(at("link")));
+    EXPECT_TRUE(lookUpDirectory(dir.string()));
+    EXPECT_FALSE(lookUpDirectory(at("link")));
+    EXPECT_FALSE(lookUpRegularFile(dir.string()));
+    for (const std::string& name : {std::string("none"), std::string("loop"), std::string("x/x"), longName}) {
+        EXPECT_FALSE(lookUpRegularFile(at(name))) << name;
+        EXPECT_FALSE(lookUpDirectory(at(name))) << name;
+    }
+}
+
 } // namespace
 } // namespace morquill

@@ -36,13 +36,13 @@ class FileWrite : public ::testing::Test {
     const fs::path dir = top_.root();
 };
 
-/// Runs the action in a child with the limit for files and the system's default action for growing past it;
-/// returns the child's wait status.
+/// Runs the action in a child with the limit for files, past which a write fails; returns the child's wait
+/// status.
 template <class Action>
 int inChildWithFileLimit(rlim_t bytes, Action action) {
     const pid_t child = ::fork();
     if (child == 0) {
-        std::signal(SIGXFSZ, SIG_DFL);
+        std::signal(SIGXFSZ, SIG_IGN);
         const rlimit small{bytes, bytes};
         const rlimit noCore{};
         ::setrlimit(RLIMIT_CORE, &noCore);

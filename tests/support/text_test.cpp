@@ -33,6 +33,12 @@ TEST(Text, CharacterClassesGrowByOneByte) {
     EXPECT_TRUE(isWordChar('0') && isWordChar('z') && isWordStart('Z') && !isWordStart('9'));
 }
 
+TEST(Text, ControlCharactersAreAsciiOnly) {
+    for (int byte = 0; byte < 256; ++byte) {
+        EXPECT_EQ(isControl(static_cast<char>(byte)), byte < 32 || byte == 127) << byte;
+    }
+}
+
 TEST(Text, SkippingSpaceStopsAtTheEnd) {
     EXPECT_EQ(skipSpace(" \t\v\f\r\na b"), 6U);
     EXPECT_EQ(skipSpace("a b", 1), 2U);

@@ -86,24 +86,6 @@ TEST_F(Signals, AreNotedOnceByGuardsWithinEachOther) {
     EXPECT_EQ(WTERMSIG(status), SIGUSR1);
 }
 
-TEST_F(Signals, LeaveAWriteThatGrowsTooLargeAFailure) {
-    const int status = statusOfChild([&] {
-        const int file = ::creat(at("file").c_str(), 0600);
-        const rlimit small{4, 4};
-        ::setrlimit(RLIMIT_FSIZE, &small);
-        bool failed = false;
-        {
-            const SignalGuard guard;
-            failed = ::write(file, "12345678", 8) == 4 && ::write(file, "5", 1) < 0 && errno == EFBIG;
-            write("alive", failed ? "yes" : "no");
-        }
-        ::write(failed ? file : STDERR_FILENO, "5", 1); // the system's way again: the end
-    });
-    EXPECT_EQ(readTextFile(at("alive")), "yes");
-    ASSERT_TRUE(WIFSIGNALED(status));
-    EXPECT_EQ(WTERMSIG(status), SIGXFSZ);
-}
-
 TEST_F(Signals, ThatNeverCameChangeNothing) {
     const int status = statusOfChild([] {
         { const SignalGuard guard; }

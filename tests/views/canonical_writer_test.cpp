@@ -9,7 +9,7 @@ namespace {
 
 using namespace taskdsl;
 
-constexpr const char* head = "dsl_version: 2\n\n";
+constexpr const char* headLine = "dsl_version: 2\n\n";
 
 std::string sourceOf(const TaskDocument& document) {
     return renderCanonicalDocument(document, CanonicalView::sourceView);
@@ -19,15 +19,15 @@ std::string taskText(const TaskInfo& task) {
     TaskDocument document;
     document.tasks.edit().push_back(task);
     const std::string text = sourceOf(document);
-    EXPECT_TRUE(text.starts_with(head));
-    return text.substr(std::string_view(head).size());
+    EXPECT_TRUE(text.starts_with(headLine));
+    return text.substr(std::string_view(headLine).size());
 }
 
 TEST(CanonicalWriter, AnEmptyDocumentIsItsHead) {
-    EXPECT_EQ(sourceOf({}), head);
+    EXPECT_EQ(sourceOf({}), headLine);
     TaskDocument document;
     document.settings = {{"dsl_version", "7"}};
-    EXPECT_EQ(sourceOf(document), head);
+    EXPECT_EQ(sourceOf(document), headLine);
 }
 
 TEST(CanonicalWriter, TheHeadIsSortedAndQuoted) {
@@ -68,11 +68,11 @@ TEST(CanonicalWriter, TheViewsChooseTheirTasks) {
     TaskDocument document;
     document.tasks = std::vector{TaskInfo("v1"), TaskInfo("v2")};
     document.templateTasks = std::vector{TaskInfo("t")};
-    EXPECT_EQ(sourceOf(document), std::string(head) + "$t\n  %source origin\n");
+    EXPECT_EQ(sourceOf(document), std::string(headLine) + "$t\n  %source origin\n");
     EXPECT_EQ(renderCanonicalDocument(document, CanonicalView::matrixExpandedView),
-              std::string(head) + "$v1\n  %source origin\n\n$v2\n  %source origin\n");
+              std::string(headLine) + "$v1\n  %source origin\n\n$v2\n  %source origin\n");
     document.templateTasks.reset();
-    EXPECT_EQ(sourceOf(document), std::string(head) + "$v1\n  %source origin\n\n$v2\n  %source origin\n");
+    EXPECT_EQ(sourceOf(document), std::string(headLine) + "$v1\n  %source origin\n\n$v2\n  %source origin\n");
 }
 
 TEST(CanonicalWriter, NamesAreRaw) {

@@ -335,12 +335,12 @@ void DeriveScan::readEmit(Tokens tokens) {
     builder_.add(NameKind::emitted, definition, tokens.front().text, block_);
 }
 
-struct StatementRow {
+struct DeriveStatementRow {
     std::string_view word;
     void (DeriveScan::*read)(Tokens);
 };
 
-constexpr std::array<StatementRow, 17> rows{{
+constexpr std::array<DeriveStatementRow, 17> deriveRows{{
     {"let", &DeriveScan::readLet},
     {"formula", &DeriveScan::readFormula},
     {"profile", &DeriveScan::readProfile},
@@ -363,10 +363,10 @@ constexpr std::array<StatementRow, 17> rows{{
 void DeriveScan::read(const StatementTokens& statement) {
     line_ = statement.line;
     builder_.add(NameKind::statement, word, statement.word);
-    const auto row = std::find_if(rows.begin(), rows.end(), [&](const StatementRow& r) {
+    const auto row = std::find_if(deriveRows.begin(), deriveRows.end(), [&](const DeriveStatementRow& r) {
         return equalsNoCase(r.word, statement.word);
     });
-    (this->*(row == rows.end() ? &DeriveScan::readPlain : row->read))(statement.tokens);
+    (this->*(row == deriveRows.end() ? &DeriveScan::readPlain : row->read))(statement.tokens);
 }
 
 } // namespace

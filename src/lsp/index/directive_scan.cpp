@@ -125,7 +125,7 @@ void scanCommandLine(IndexBuilder& builder, std::string_view text) {
     addText(builder, trim(text.substr(command.size())));
 }
 
-constexpr std::array<DirectiveScanRow, 19> rows{{
+constexpr std::array<DirectiveScanRow, 19> directiveRows{{
     {"source", scanSourceValue, scanSourceLine},
     {"program", scanProgram, addKeysAlone},
     {"interface", scanInterface, addKeysAlone},
@@ -152,9 +152,9 @@ constexpr DirectiveScanRow unknown{"", addText, addKeysAlone};
 } // namespace
 
 const DirectiveScanRow& directiveScan(std::string_view keyword) noexcept {
-    const auto row = std::find_if(rows.begin(), rows.end(),
+    const auto row = std::find_if(directiveRows.begin(), directiveRows.end(),
                                   [keyword](const DirectiveScanRow& r) { return r.keyword == keyword; });
-    return row == rows.end() ? unknown : *row;
+    return row == directiveRows.end() ? unknown : *row;
 }
 
 } // namespace morquill::lsp

@@ -176,12 +176,12 @@ class PlotScan {
     std::uint32_t block_;
 };
 
-struct StatementRow {
+struct PlotStatementRow {
     std::string_view word;
     void (PlotScan::*read)(Tokens);
 };
 
-constexpr std::array<StatementRow, 23> rows{{
+constexpr std::array<PlotStatementRow, 23> plotRows{{
     {"from", &PlotScan::readFrom},         {"x", &PlotScan::readExpression},
     {"y", &PlotScan::readExpression},      {"intensity", &PlotScan::readExpression},
     {"z", &PlotScan::readExpression},      {"yerr", &PlotScan::readExpression},
@@ -198,10 +198,10 @@ constexpr std::array<StatementRow, 23> rows{{
 
 void PlotScan::read(const StatementTokens& statement) {
     builder_.add(NameKind::statement, word, statement.word);
-    const auto row = std::find_if(rows.begin(), rows.end(), [&](const StatementRow& r) {
+    const auto row = std::find_if(plotRows.begin(), plotRows.end(), [&](const PlotStatementRow& r) {
         return equalsNoCase(r.word, statement.word);
     });
-    (this->*(row == rows.end() ? &PlotScan::readPlain : row->read))(statement.tokens);
+    (this->*(row == plotRows.end() ? &PlotScan::readPlain : row->read))(statement.tokens);
 }
 
 } // namespace

@@ -26,21 +26,21 @@ std::vector<std::string> matchNames(const std::string& blockDir, const std::stri
                                     MatchedKind kind) {
     auto names = listDirectoryEntries(blockDir, pattern);
     if (kind == MatchedKind::directories) {
-        std::erase_if(names, [&](const std::string& name) { return !isDirectory(joinPath(blockDir, name)); });
+        std::erase_if(names, [&](const std::string& name) { return !lookUpDirectory(joinPath(blockDir, name)); });
     }
     return names;
 }
 
 std::vector<std::string> matchTree(const std::string& blockDir, const std::string& pattern) {
     std::vector<std::string> matches;
-    if (!isDirectory(blockDir)) {
+    if (!lookUpDirectory(blockDir)) {
         return matches;
     }
     const std::size_t prefix = joinPath(blockDir, "").size();
     walkTree(blockDir, WalkOrder::byName, [&](const std::string& path, EntryKind kind) {
         const bool maybeFile = kind == EntryKind::file || kind == EntryKind::link;
         if (maybeFile && ::fnmatch(pattern.c_str(), path.c_str() + prefix, FNM_PATHNAME) == 0 &&
-            isRegularFile(path)) {
+            lookUpRegularFile(path)) {
             matches.push_back(path.substr(prefix));
         }
         if (kind == EntryKind::unreadable && errno != ENOENT && errno != ENOTDIR) {

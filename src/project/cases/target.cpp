@@ -3,6 +3,7 @@
 #include "console/messages.h"
 #include "support/directory.h"
 #include "support/file.h"
+#include "support/paths.h"
 
 #include <algorithm>
 #include <functional>
@@ -15,8 +16,6 @@ namespace morquill::project {
 
 namespace {
 
-constexpr std::string_view taskExtension = ".mq";
-constexpr std::string_view templateExtension = ".projmq";
 constexpr int projectLevels = 6; // the start and five above it
 constexpr int caseLevels = 4;
 
@@ -87,7 +86,7 @@ bool isCaseDirectory(const std::string& dir) {
 
 bool hasProjectTemplate(const std::string& dir) {
     return anyVisibleEntry(dir, [&](const std::string& name) {
-        return extensionOf(name) == templateExtension && isRegularFile(joinPath(dir, name));
+        return extensionOf(name) == templateExtension && lookUpRegularFile(joinPath(dir, name));
     });
 }
 
@@ -95,18 +94,18 @@ bool hasProjectTemplate(const std::string& dir) {
 // cannot be read.
 bool hasTaskFile(const std::string& dir) {
     return anyVisibleEntry(dir, [&](const std::string& name) {
-        return extensionOf(name) == taskExtension && !isDirectory(joinPath(dir, name));
+        return extensionOf(name) == taskExtension && !lookUpDirectory(joinPath(dir, name));
     });
 }
 
 bool looksLikeCase(const std::string& dir) {
-    return hasTaskFile(dir) || isRegularFile(joinPath(dir, "mq.status")) ||
-           isDirectory(joinPath(dir, ".morq/store")) || isDirectory(joinPath(dir, "Results"));
+    return hasTaskFile(dir) || lookUpRegularFile(joinPath(dir, statusFileName)) ||
+           lookUpDirectory(joinPath(dir, ".morq/store")) || lookUpDirectory(joinPath(dir, "Results"));
 }
 
 bool looksLikeBlock(const std::string& dir) {
-    return isRegularFile(joinPath(dir, "comd")) || isRegularFile(joinPath(dir, "pre_comd")) ||
-           isRegularFile(joinPath(dir, ".morq.result.kv"));
+    return lookUpRegularFile(joinPath(dir, "comd")) || lookUpRegularFile(joinPath(dir, "pre_comd")) ||
+           lookUpRegularFile(joinPath(dir, ".morq.result.kv"));
 }
 
 /// The directory one level up; nothing at the top of the path.
@@ -118,7 +117,7 @@ std::optional<std::string> directoryAbove(const std::string& dir) {
 
 std::string startDirectory(std::string_view path) {
     std::string start = absoluteLocation(path);
-    return isRegularFile(start) ? parentPath(start) : start;
+    return lookUpRegularFile(start) ? parentPath(start) : start;
 }
 
 Failure severalTemplates(std::string_view place) {
@@ -183,7 +182,7 @@ std::vector<std::string> listProjectTemplates(const std::string& dir) {
     std::vector<std::string> templates;
     for (const std::string& name : visibleNames(dir)) {
         std::string path = joinPath(dir, name);
-        if (extensionOf(name) == templateExtension && isRegularFile(path)) {
+        if (extensionOf(name) == templateExtension && lookUpRegularFile(path)) {
             templates.push_back(std::move(path));
         }
     }
@@ -210,7 +209,7 @@ std::vector<std::string> listCaseDirectories(const std::string& root) {
 std::string findProjectDirectory(std::string_view path) {
     const std::string absolute = absoluteLocation(path);
     std::string start = absolute;
-    if (isRegularFile(absolute)) {
+    if (lookUpRegularFile(absolute)) {
         start = parentPath(absolute);
         if (absolute.ends_with(templateExtension)) {
             return start;
@@ -258,7 +257,7 @@ Outcome<ProjectTemplate> resolveProjectTemplate(std::string_view path) {
         return resolveFromCurrentDirectory();
     }
     const std::string absolute = absoluteLocation(path);
-    if (absolute.ends_with(templateExtension) && isRegularFile(absolute)) {
+    if (absolute.ends_with(templateExtension) && lookUpRegularFile(absolute)) {
         return ProjectTemplate{parentPath(absolute), absolute};
     }
     return resolveEnclosingProject(absolute, "could not resolve a .projmq project template from path: ");
@@ -269,7 +268,7 @@ Outcome<ProjectTarget> resolveTarget(std::string_view path) {
         return asTarget(resolveFromCurrentDirectory());
     }
     const std::string absolute = absoluteLocation(path);
-    const bool regular = isRegularFile(absolute);
+    const bool regular = lookUpRegularFile(absolute);
     if (regular && absolute.ends_with(templateExtension)) {
         return asTarget(ProjectTemplate{parentPath(absolute), absolute});
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "support/outcome.h"
-#include "support/paths.h"
 
 #include <cstdint>
 #include <string>
@@ -12,6 +11,13 @@
 /// normal, without a trailing slash; links are not resolved, so that a case file that links to the template
 /// stays a case file.
 namespace morquill::project {
+
+/// The extension of task files.
+inline constexpr std::string_view taskExtension = ".mq";
+/// The extension of project templates.
+inline constexpr std::string_view templateExtension = ".projmq";
+/// The name of the status file in a case.
+inline constexpr std::string_view statusFileName = "mq.status";
 
 enum class TargetKind : std::int32_t { Project = 0, Case = 1 };
 

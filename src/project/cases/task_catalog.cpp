@@ -6,6 +6,7 @@
 #include "support/fault.h"
 #include "support/file.h"
 #include "support/name_list.h"
+#include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/parser/task_parser.h"
 

@@ -2,8 +2,11 @@
 
 #include "console/messages.h"
 #include "project/cases/target.h"
+#include "project/rename/block_name.h"
 #include "project/rename/rename_check.h"
 #include "project/rename/rename_files.h"
+#include "project/rename/template_stub.h"
+#include "project/status/status_lock.h"
 #include "support/directory.h"
 #include "support/file.h"
 #include "support/name_list.h"
@@ -31,16 +34,16 @@ struct RenamePlace {
 /// A task file that is a link to a project template, or the stub in place of such a link,
 /// means the whole project.
 RenamePlace findPlace(const std::string& path) {
-    if (path.ends_with(".projmq")) {
+    if (path.ends_with(templateExtension)) {
         return {TargetKind::Project, path, ""};
     }
     std::error_code error;
-    if (path.ends_with(".mq") && std::filesystem::is_symlink(path, error)) {
-        if (auto target = normalisedPath(path); target.ends_with(".projmq")) {
+    if (path.ends_with(taskExtension) && std::filesystem::is_symlink(path, error)) {
+        if (auto target = normalisedPath(path); target.ends_with(templateExtension)) {
             return {TargetKind::Project, std::move(target), parentPath(path)};
         }
     }
-    if (const auto text = readTextFile(path); path.ends_with(".mq") && text) {
+    if (const auto text = readTextFile(path); path.ends_with(taskExtension) && text) {
         if (auto target = stubTemplate(*text, path)) {
             return {TargetKind::Project, *std::move(target), parentPath(path)};
         }
@@ -180,7 +183,7 @@ void printReport(const RenamedBlock& block, const RenameReport& report) {
 
 int renameBlock(const RenameOptions& options) {
     const auto path = absoluteLocation(options.file);
-    if (!isRegularFile(path)) {
+    if (!lookUpRegularFile(path)) {
         console::reportError("file does not exist: " + path);
         return 1;
     }
@@ -190,6 +193,12 @@ int renameBlock(const RenameOptions& options) {
         return 1;
     }
     const auto place = findPlace(path);
+    // An update that runs would put its own texts back over the renamed ones.
+    const auto locks = lockStatusFiles(
+        place.kind, place.kind == TargetKind::Case ? place.caseDir : parentPath(place.file), place.file);
+    if (!locks) {
+        return 1;
+    }
     const auto scope = findScope(place);
     if (!checkRename(scope, block)) {
         return 1;

@@ -5,21 +5,18 @@
 #include "console/messages.h"
 #include "project/cases/target.h"
 #include "project/cases/task_catalog.h"
+#include "project/rename/document_shape.h"
 #include "project/rename/task_references.h"
+#include "project/rename/template_stub.h"
 #include "project/rename/word_replace.h"
 #include "support/file.h"
 #include "support/name_list.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
-#include "taskdsl/base/line_kind.h"
-#include "taskdsl/base/scan.h"
 #include "taskdsl/base/substitute.h"
-#include "taskdsl/generate/include_line.h"
-#include "taskdsl/generate/include_path.h"
 #include "taskdsl/generate/written_headers.h"
 #include "taskdsl/parser/task_parser.h"
-#include "taskdsl/task/when_expr.h"
 
 #include <algorithm>
 #include <climits>
@@ -29,7 +26,6 @@
 #include <set>
 #include <string_view>
 #include <utility>
-#include <variant>
 
 namespace morquill::project {
 
@@ -37,24 +33,7 @@ namespace {
 
 using taskdsl::TaskDocument;
 using taskdsl::TaskInfo;
-using taskdsl::TaskWhenExpr;
 using taskdsl::WrittenHeader;
-
-/// Bytes that no name may hold, and how they are called.
-struct ForbiddenBytes {
-    std::string_view bytes;
-    const char* what;
-};
-constexpr ForbiddenBytes forbiddenBytes[] = {
-    {"/", "'/'"},
-    {"#", "'#'"},
-    {"\"'", "a quote"},
-    {",", "','"},
-};
-
-bool isControl(char c) noexcept {
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
-}
 
 /// The lines on which the block is written.
 std::set<std::int32_t> linesOf(const std::vector<WrittenHeader>& headers, const std::string& name) {
@@ -114,53 +93,6 @@ std::optional<std::string> headerFault(const std::vector<WrittenHeader>& before,
     return std::nullopt;
 }
 
-/// True when two conditions are built alike; nesting is bounded, see `maxWhenNesting`.
-bool isBuiltAlike(const TaskWhenExpr& before, const TaskWhenExpr& after) {
-    if (before.node.index() != after.node.index()) {
-        return false;
-    }
-    if (const auto* completed = std::get_if<taskdsl::WhenCompleted>(&before.node)) {
-        return completed->operand.empty() == std::get<taskdsl::WhenCompleted>(after.node).operand.empty();
-    }
-    const auto* group = std::get_if<taskdsl::WhenGroup>(&before.node);
-    if (group == nullptr) {
-        return true;
-    }
-    const auto& other = std::get<taskdsl::WhenGroup>(after.node);
-    return group->op == other.op &&
-           std::equal(group->children.begin(), group->children.end(), other.children.begin(),
-                      other.children.end(),
-                      [](const auto& left, const auto& right) { return isBuiltAlike(*left, *right); });
-}
-
-/// True when both conditions wait alike; one that waits for all others names no task.
-bool waitsAlike(const taskdsl::TaskWhenEntry& before, const taskdsl::TaskWhenEntry& after) {
-    try {
-        const auto left = taskdsl::parseWhenExpr(before.text);
-        const auto right = taskdsl::parseWhenExpr(after.text);
-        return isBuiltAlike(left, right) && hasAllOthers(left) == hasAllOthers(right);
-    } catch (const taskdsl::DiagnosticError&) {
-        return true; // nested too deep to be read at all; a name changes nothing about that
-    }
-}
-
-/// True when a task depends on as much before as after. A new name like `origin` or `and` is read as
-/// something other than a name in place of the old one.
-bool dependsAlike(const TaskInfo& before, const TaskInfo& after) {
-    return sourceTasks(before).size() == sourceTasks(after).size() &&
-           sourceBindings(before).size() == sourceBindings(after).size() &&
-           before.guessSourceTask.empty() == after.guessSourceTask.empty() &&
-           std::equal(before.whenEntries.begin(), before.whenEntries.end(), after.whenEntries.begin(),
-                      after.whenEntries.end(), waitsAlike);
-}
-
-bool saysTheSame(const TaskDocument& before, const TaskDocument& after) {
-    return before.includedFiles == after.includedFiles && before.plots.size() == after.plots.size() &&
-           before.derives.size() == after.derives.size() &&
-           std::equal(before.tasks.begin(), before.tasks.end(), after.tasks.begin(), after.tasks.end(),
-                      dependsAlike);
-}
-
 /// Names of blocks before and after.
 using NameMap = std::map<std::string, std::string, std::less<>>;
 
@@ -217,31 +149,58 @@ std::optional<std::string> findKnownKey(const std::string& name, const RenamedBl
     return std::nullopt;
 }
 
-/// Adds the names of the blocks under the renamed headers of a file to `names`. The fault, when one is that
-/// of another block, is made out of several, or is not what the header says.
-std::optional<std::string> addNames(const TaskFile& file, const TaskDocument& before,
-                                    const TaskDocument& after, const std::set<std::string>& taken,
-                                    const Renaming& renaming, NameMap& names) {
-    const auto ownLines = linesOf(file.headers, renaming.block.oldName);
-    for (const auto tasks : {&TaskDocument::templateTasks, &TaskDocument::tasks}) {
-        NameMap origins; // new name to old name
-        for (std::size_t i = 0; i < (before.*tasks).size(); ++i) {
-            const auto& task = (before.*tasks)[i];
-            const auto& name = (after.*tasks)[i].name;
-            if (task.headerSpan.path.str() != file.path || !ownLines.contains(task.headerSpan.line)) {
-                continue;
-            }
-            if (const auto key = findKnownKey(name, renaming.block)) {
-                return "a block name cannot hold [" + *key + "], which is replaced with its value: $" +
-                       renaming.block.newName;
-            }
-            if (taken.contains(name)) {
-                return "target block already exists: $" + name;
-            }
-            if (origins.emplace(name, task.name).first->second != task.name) {
-                return renaming.change() + " several blocks would be named $" + name;
-            }
-            names.insert_or_assign(task.name, name);
+using TaskList = decltype(TaskDocument::tasks);
+
+/// The blocks under the renamed headers of a file, before and after.
+struct RenamedTask {
+    const TaskInfo* before = nullptr;
+    const TaskInfo* after = nullptr;
+};
+
+/// Those of one list of tasks. Both documents have as many tasks.
+std::vector<RenamedTask> renamedTasks(const TaskFile& file, const TaskList& before, const TaskList& after,
+                                      const RenamedBlock& block) {
+    const auto ownLines = linesOf(file.headers, block.oldName);
+    std::vector<RenamedTask> tasks;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const auto& span = before[i].headerSpan;
+        if (span.path.str() == file.path && ownLines.contains(span.line)) {
+            tasks.push_back({&before[i], &after[i]});
+        }
+    }
+    return tasks;
+}
+
+/// A name that is that of another block, is made out of several, or is not what the header says.
+std::optional<std::string> nameFault(const std::vector<RenamedTask>& tasks,
+                                     const std::set<std::string>& taken, const Renaming& renaming) {
+    NameMap origins; // new name to old name
+    for (const auto& [before, after] : tasks) {
+        if (const auto key = findKnownKey(after->name, renaming.block)) {
+            return "a block name cannot hold [" + *key + "], which is replaced with its value: $" +
+                   renaming.block.newName;
+        }
+        if (taken.contains(after->name)) {
+            return "target block already exists: $" + after->name;
+        }
+        if (origins.emplace(after->name, before->name).first->second != before->name) {
+            return renaming.change() + " several blocks would be named $" + after->name;
+        }
+    }
+    return std::nullopt;
+}
+
+/// The same for both lists of tasks; the names that pass are added to `names`.
+std::optional<std::string> takeNames(const TaskFile& file, const TaskDocument& before,
+                                     const TaskDocument& after, const std::set<std::string>& taken,
+                                     const Renaming& renaming, NameMap& names) {
+    for (const auto list : {&TaskDocument::templateTasks, &TaskDocument::tasks}) {
+        const auto tasks = renamedTasks(file, before.*list, after.*list, renaming.block);
+        if (auto fault = nameFault(tasks, taken, renaming)) {
+            return fault;
+        }
+        for (const auto& task : tasks) {
+            names.insert_or_assign(task.before->name, task.after->name);
         }
     }
     return std::nullopt;
@@ -327,10 +286,10 @@ std::optional<std::string> documentFault(const TaskFile& file, const TaskDocumen
             taskdsl::TaskParser({.findLibraryFile = console::findLibraryFile}).parseText(renamed, file.path);
         const bool pairs = before.tasks.size() == after.tasks.size() &&
                            before.templateTasks.size() == after.templateTasks.size();
-        if (auto fault = pairs ? addNames(file, before, after, taken, renaming, names) : std::nullopt) {
+        if (auto fault = pairs ? takeNames(file, before, after, taken, renaming, names) : std::nullopt) {
             return fault;
         }
-        if (!pairs || !saysTheSame(before, after)) {
+        if (!pairs || !hasSameShape(before, after)) {
             return change + "no longer say the same";
         }
         return referenceFault(file, before, after, names, renaming);
@@ -419,55 +378,6 @@ std::optional<std::string> findLongName(const RenameScope& scope, const RenamedB
 }
 
 } // namespace
-
-std::optional<std::string> blockNameFault(const std::string& name) {
-    if (name.empty()) {
-        return "a block name cannot be empty";
-    }
-    if (std::any_of(name.begin(), name.end(), isControl)) {
-        // without the name, which would not fit on one line
-        return "a block name cannot hold a line break or another control character";
-    }
-    const std::string shown = ": $" + name;
-    for (const auto& row : forbiddenBytes) {
-        if (name.find_first_of(row.bytes) != std::string::npos) {
-            return "a block name cannot hold " + std::string(row.what) + shown;
-        }
-    }
-    if (name.front() == ' ' || name.back() == ' ') {
-        return "a block name cannot begin or end with a blank" + shown;
-    }
-    if (name == "." || name == "..") {
-        return "a block name cannot be '.' or '..'";
-    }
-    if (name.size() > NAME_MAX) {
-        return "a block name cannot be longer than " + std::to_string(NAME_MAX) + " bytes" + shown;
-    }
-    return std::nullopt;
-}
-
-std::optional<std::string> stubTemplate(const std::string& text, const std::string& path) {
-    std::optional<std::string> found;
-    for (const auto line : splitLines(skipByteOrderMark(text))) {
-        const auto clean = taskdsl::cleanLine(line);
-        if (clean.empty()) {
-            continue;
-        }
-        if (found || taskdsl::kindOfCleanLine(clean) != taskdsl::LineKind::include) {
-            return std::nullopt;
-        }
-        try {
-            const auto include = taskdsl::parseIncludeLine(clean);
-            found = taskdsl::resolveIncludePath(searchName(include), path, console::findLibraryFile);
-        } catch (const taskdsl::DiagnosticError&) {
-            return std::nullopt;
-        }
-        if (!found->ends_with(".projmq") || !isRegularFile(*found)) {
-            return std::nullopt;
-        }
-    }
-    return found ? std::optional(normalisedPath(*found)) : std::nullopt;
-}
 
 std::optional<std::string> findObstacle(const RenameScope& scope, const RenamedBlock& block) {
     auto text = readTextFile(scope.file);

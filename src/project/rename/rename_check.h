@@ -9,14 +9,6 @@
 /// The checks before a rename touches anything.
 namespace morquill::project {
 
-/// Why a text cannot be the name of a block, as one line; nothing when it can. A name is that of a directory,
-/// and it has to read back as itself wherever the language or a command line lists names.
-[[nodiscard]] std::optional<std::string> blockNameFault(const std::string& name);
-
-/// The project template that a task file leads to when it is nothing but the include stub in place of a link
-/// that cannot be made; nothing for any other text. `path` is the file that holds the text.
-[[nodiscard]] std::optional<std::string> stubTemplate(const std::string& text, const std::string& path);
-
 /// A case directory and the names under which the generator knows it, one per task file.
 struct RenamedCase {
     std::string dir;

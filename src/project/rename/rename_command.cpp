@@ -1,6 +1,7 @@
 #include "console/command_line.h"
 #include "console/console.h"
 #include "console/help_text.h"
+#include "project/cases/target.h"
 #include "project/rename/rename.h"
 #include "support/fault.h"
 
@@ -52,8 +53,8 @@ void setNames(RenameOptions& options, console::Words values) {
     options.newName = values[1];
 }
 
-std::optional<std::size_t> twoValues(console::Words behind) noexcept {
-    return behind.size() < 2 ? std::nullopt : std::optional<std::size_t>(2);
+std::optional<std::size_t> twoValues(console::Words following) noexcept {
+    return following.size() < 2 ? std::nullopt : std::optional<std::size_t>(2);
 }
 
 constexpr std::string_view namesMissing = "-r/--rename expects two values: <old_block> <new_block>";
@@ -84,7 +85,7 @@ void printRenameHelp(std::string_view programPath) {
 }
 
 bool hasTaskFileSuffix(std::string_view token) noexcept {
-    return !token.starts_with('-') && (token.ends_with(".mq") || token.ends_with(".projmq"));
+    return !token.starts_with('-') && (token.ends_with(taskExtension) || token.ends_with(templateExtension));
 }
 
 bool isRenameShape(console::Words arguments) noexcept {

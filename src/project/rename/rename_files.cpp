@@ -145,7 +145,7 @@ bool rewriteFile(const std::string& path, std::string canonical, const RenamedBl
 /// The same for a link in a case, when it leads to a file that the rename may change.
 void rewriteLinkedFile(const std::string& path, const std::string& caseTree, const RenamedBlock& block,
                        const std::string& caseName, RenameReport& report) {
-    if (!isRegularFile(path)) {
+    if (!lookUpRegularFile(path)) {
         return;
     }
     const auto target = normalisedPath(path);
@@ -158,7 +158,7 @@ void rewriteLinkedFile(const std::string& path, const std::string& caseTree, con
 void renameBlockDirectory(const std::string& caseDir, const RenamedBlock& block, RenameReport& report) {
     const auto oldDir = joinPath(caseDir, block.oldName);
     const auto newDir = joinPath(caseDir, block.newName);
-    if (isDirectory(oldDir)) {
+    if (lookUpDirectory(oldDir)) {
         const int error = renameWithoutReplacing(oldDir, newDir);
         if (error == 0) {
             report.directoriesRenamed += 1;
@@ -169,7 +169,7 @@ void renameBlockDirectory(const std::string& caseDir, const RenamedBlock& block,
                                     systemErrorText(error));
         }
     }
-    const auto workingDir = isDirectory(newDir) ? newDir : oldDir;
+    const auto workingDir = lookUpDirectory(newDir) ? newDir : oldDir;
     renamePrefixedFiles(workingDir, block.oldName + "_", block.newName + "_", Depth::any, report);
 }
 
@@ -214,7 +214,7 @@ std::optional<std::string> findOverlongName(const std::string& caseDir, const st
     const std::size_t growth = block.newName.size() - block.oldName.size();
     std::optional<std::string> found;
     const auto look = [&](const std::string& dir, const std::string& prefix, Depth reach) {
-        if (found || !isDirectory(dir)) {
+        if (found || !lookUpDirectory(dir)) {
             return;
         }
         walkTree(dir, WalkOrder::byName, [&](const std::string& path, EntryKind) {
@@ -236,7 +236,7 @@ std::optional<std::string> findOverlongName(const std::string& caseDir, const st
 
 void renamePrefixedFiles(const std::string& dir, const std::string& oldPrefix, const std::string& newPrefix,
                          Depth reach, RenameReport& report) {
-    if (oldPrefix == newPrefix || !isDirectory(dir)) {
+    if (oldPrefix == newPrefix || !lookUpDirectory(dir)) {
         return;
     }
     struct Entry {

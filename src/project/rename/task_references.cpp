@@ -1,6 +1,5 @@
 #include "project/rename/task_references.h"
 
-#include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/derive/task_references.h"
 #include "taskdsl/task/when_expr.h"

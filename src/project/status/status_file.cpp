@@ -1,5 +1,6 @@
 #include "project/status/status_file.h"
 
+#include "project/cases/target.h"
 #include "support/file.h"
 #include "support/text.h"
 
@@ -72,7 +73,9 @@ void appendField(std::string& text, std::string_view value, std::size_t width) {
 void appendRow(std::string& text, const std::string& name, const TaskStatusRecord& record) {
     appendField(text, name, nameWidth);
     appendField(text, taskStatusName(record.status), statusWidth);
-    appendField(text, record.updatedAt.empty() ? "-" : record.updatedAt, timeWidth);
+    const std::string_view time = record.updatedAt.empty() ? std::string_view("-") : record.updatedAt;
+    appendField(text, time, timeWidth);
+    text.append(time.size() < timeWidth ? 0 : 1, ' '); // or the reason would become a part of the time
     text += record.reason.empty() ? "-" : replaceAll(record.reason, "\n", "");
     text += '\n';
 }
@@ -84,7 +87,7 @@ std::string_view taskStatusName(TaskStatus status) noexcept {
 }
 
 std::string statusFilePath(const std::string& caseDir) {
-    return caseDir + "/mq.status";
+    return std::string(caseDir).append("/").append(statusFileName);
 }
 
 TaskNameSet parseCompletedTasks(std::string_view text) {
@@ -117,7 +120,8 @@ StatusRecords parseStatusRecords(std::string_view text) {
     StatusRecords records;
     forEachRow(text, [&](std::string_view row) {
         const auto tokens = splitBlank(row);
-        if (tokens.empty()) { // a lone vertical tab or form feed: white space that trimming leaves
+        // A vertical tab or form feed is white space that trimming leaves: alone, or before a comment.
+        if (tokens.empty() || tokens.front().starts_with('#')) {
             return;
         }
         auto record = readRow(tokens);

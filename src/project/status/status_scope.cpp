@@ -27,11 +27,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// True when `errno` says that nothing is at a path: any other failure to look at it leaves that open.
-bool isAbsence() noexcept {
-    return errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
-}
-
 std::optional<FileIdentity> identityAt(const std::string& path) noexcept {
     struct stat info {};
     if (::lstat(path.c_str(), &info) != 0) {
@@ -45,7 +40,7 @@ std::optional<StatusBackup> takeBackup(const std::string& path) {
     StatusBackup backup;
     backup.path = path;
     backup.entry = identityAt(backup.path);
-    if (!backup.entry && !isAbsence()) {
+    if (!backup.entry && !isAbsence(errno)) {
         return std::nullopt;
     }
     std::error_code error;
@@ -57,7 +52,7 @@ std::optional<StatusBackup> takeBackup(const std::string& path) {
     }
     struct stat info {};
     if (::stat(backup.path.c_str(), &info) != 0) {
-        return isAbsence() ? std::optional(std::move(backup)) : std::nullopt;
+        return isAbsence(errno) ? std::optional(std::move(backup)) : std::nullopt;
     }
     if (!S_ISREG(info.st_mode)) {
         return backup;
@@ -231,7 +226,7 @@ std::string saveBeside(const StatusBackup& backup) {
     constexpr int mostNames = 100;
     const auto name = baseName(backup.file);
     for (const auto& dir : {parentPath(backup.file), backup.held.directory()}) {
-        for (int i = 0; i < mostNames && isDirectory(dir); ++i) {
+        for (int i = 0; i < mostNames && lookUpDirectory(dir); ++i) {
             auto path = joinPath(dir, i == 0   ? name
                                       : i == 1 ? name + ".saved"
                                                : name + ".saved-" + std::to_string(i));
@@ -250,7 +245,7 @@ const char* restoreObstacle(const StatusBackup& backup) {
     if (now && S_ISDIR(now->kind)) {
         return "a directory is in its place";
     }
-    return isDirectory(parentPath(backup.path)) ? "it cannot be written" : "its directory is gone";
+    return lookUpDirectory(parentPath(backup.path)) ? "it cannot be written" : "its directory is gone";
 }
 
 void reportRestoreFailure(const StatusBackup& backup, std::string_view reason,

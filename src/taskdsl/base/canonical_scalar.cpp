@@ -18,7 +18,7 @@ constexpr ByteSet quotedBytes([](char c) {
     return isSpace(c) || c == '"' || c == '#' || c == ',' || c == ':';
 });
 
-bool standsBare(std::string_view text) noexcept {
+bool isBareScalar(std::string_view text) noexcept {
     return !text.empty() && !quotedBytes.meets(text);
 }
 
@@ -27,11 +27,6 @@ constexpr ByteSet escapedBytes(std::string_view("\"\\"));
 
 bool hasPairOfSingleQuotes(std::string_view text) noexcept {
     return text.size() >= 2 && text.front() == '\'' && text.back() == '\'';
-}
-
-/// Bytes that YAML refuses in a bare text.
-bool isControl(char c) noexcept {
-    return (c >= '\0' && c < ' ') || c == '\x7f';
 }
 
 /// True when YAML reads the bare text as something other than this text: an indicator at its start, a
@@ -70,7 +65,7 @@ std::string quoteSettingScalar(std::string_view text) {
 }
 
 void appendCanonicalScalar(std::string& out, std::string_view text) {
-    if (standsBare(text)) {
+    if (isBareScalar(text)) {
         out += text;
     } else {
         appendQuoted(out, text);

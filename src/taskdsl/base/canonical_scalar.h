@@ -8,9 +8,8 @@
 /// How a value is written in canonical form, and how it is read.
 namespace morquill::taskdsl {
 
-/// A text that holds no white space and none of `"`, `#`, `,`, `:` stands bare; any other text, the empty one
-/// included, stands between double quotes with tab, line feed, carriage return, double quote and backslash
-/// escaped.
+/// A text without white space, `"`, `#`, `,` and `:` is returned bare; any other, the empty one included,
+/// between double quotes with tab, line feed, carriage return, double quote and backslash escaped.
 [[nodiscard]] std::string quoteCanonicalScalar(std::string_view text);
 
 /// The text between double quotes, whatever it holds.

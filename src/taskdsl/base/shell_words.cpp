@@ -11,7 +11,7 @@ namespace morquill::taskdsl {
 
 namespace {
 
-bool standsBare(std::string_view text) noexcept {
+bool isBareWord(std::string_view text) noexcept {
     return !text.empty() && std::none_of(text.begin(), text.end(), [](char c) {
         return isSpace(c) || c == '"' || c == '#' || c == '\'' || c == '\\';
     });
@@ -46,7 +46,7 @@ std::vector<std::string> splitShellWords(std::string_view text) {
 }
 
 std::string quoteShellWord(std::string_view text) {
-    return standsBare(text) ? std::string(text) : quoteForcedShellWord(text);
+    return isBareWord(text) ? std::string(text) : quoteForcedShellWord(text);
 }
 
 std::string quoteForcedShellWord(std::string_view text) {

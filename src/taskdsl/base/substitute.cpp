@@ -13,7 +13,7 @@ namespace {
 /// A `[key]` in a text: the key, and the places of its brackets.
 struct Bracket {
     std::size_t open = std::string_view::npos;
-    std::size_t behind = 0;
+    std::size_t after = 0;
     std::string_view key;
 };
 
@@ -36,11 +36,11 @@ std::string substituteBrackets(std::string_view text, const ValueMap& values) {
     std::string result;
     std::size_t copied = 0;
     for (Bracket bracket = nextBracket(text, 0); bracket.open != std::string_view::npos;
-         bracket = nextBracket(text, bracket.behind)) {
+         bracket = nextBracket(text, bracket.after)) {
         if (const auto found = values.find(bracket.key); found != values.end()) {
             result += text.substr(copied, bracket.open - copied);
             result += found->second;
-            copied = bracket.behind;
+            copied = bracket.after;
             if (result.size() > text.size() + limits::substitutedText) {
                 throw DiagnosticError("substitution of '[" + found->first + "]' makes a text longer than " +
                                       std::to_string(limits::substitutedText >> 20) + " MiB");
@@ -80,7 +80,7 @@ bool holdsBracketKey(std::string_view text) noexcept {
 std::vector<std::string> bracketKeys(std::string_view text) {
     std::vector<std::string> keys;
     for (Bracket bracket = nextBracket(text, 0); bracket.open != std::string_view::npos;
-         bracket = nextBracket(text, bracket.behind)) {
+         bracket = nextBracket(text, bracket.after)) {
         keys.emplace_back(bracket.key);
     }
     return keys;

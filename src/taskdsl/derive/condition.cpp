@@ -50,8 +50,8 @@ std::vector<Mark> findMarks(std::string_view text) {
     std::vector<Mark> marks;
     std::vector<std::size_t> open;
     for (std::size_t i = 0; i < text.size();) {
-        if (const auto behind = skipOpaque(text, i); behind != i) {
-            i = behind;
+        if (const auto after = skipOpaque(text, i); after != i) {
+            i = after;
             continue;
         }
         const char c = text[i];

@@ -129,13 +129,13 @@ class ConditionPrinter {
         line_ += ']';
     }
 
-    /// An expression of a leaf in a form that reads back between `before` and `behind` as part of what
+    /// An expression of a leaf in a form that reads back between `before` and `after` as part of what
     /// `sample` makes of it.
     template <class Sample>
-    std::string part(const ExprRef& expression, std::string_view before, std::string_view behind,
+    std::string part(const ExprRef& expression, std::string_view before, std::string_view after,
                      const Sample& sample) {
         return check_.print(expression, keyword_, [&](const std::string& text, const ExprRef& reading) {
-            const std::string whole = std::string(before) + text + std::string(behind);
+            const std::string whole = std::string(before) + text + std::string(after);
             return !endsAtElse(whole) && readsAsCondition(whole, sample(reading));
         });
     }

@@ -43,7 +43,7 @@ struct StatementRow {
 
 constexpr std::uint32_t aggregated = seenGroupBy | seenAggregate;
 constexpr std::uint32_t ordered = seenSort | seenLimit;
-constexpr std::uint32_t sink = seenSink | seenEmit;
+constexpr std::uint32_t emitsSink = seenSink | seenEmit;
 constexpr bool mayBeAlone = true;
 
 // clang-format off
@@ -111,20 +111,20 @@ constexpr StatementRow statementRows[] = {
     {"emit", "atomvec",
      {needs(seenFrom, "emit atomvec requires a preceding atom table source"),
       needs(seenAtomsSource, "emit atomvec is valid only for atoms(...) pipelines")},
-     sink, readEmitAtomVector},
+     emitsSink, readEmitAtomVector},
     {"emit", "kv",
      {needs(seenFrom, "emit kv requires a preceding atom table source"),
       needs(seenAtomsSource, "emit kv is valid only for atoms(...) pipelines")},
-     sink, readEmitKv},
+     emitsSink, readEmitKv},
     {"emit", "artifact",
      {needs(seenFrom, "emit artifact requires a preceding atom table source"),
       needs(seenAtomsSource, "emit artifact is valid only for atoms(...) pipelines")},
-     sink, readEmitArtifact},
+     emitsSink, readEmitArtifact},
     {"emit", "table",
      {needs(seenFrom, "emit table requires a preceding from statement"),
       needs(seenSelect | aggregated | seenDerivedSource,
             "emit table requires at least one select, group key, aggregate column, or derived table source")},
-     sink, readEmitTable},
+     emitsSink, readEmitTable},
     {"emit", "report", {after(seenFrom, "emit report statements must precede the from statement")}, seenEmit,
      readEmitReport, mayBeAlone},
     {"emit", "value", {after(seenFrom, "scalar value emit statements must precede the from statement")}, seenEmit,

@@ -1,6 +1,6 @@
 #include "taskdsl/derive/derive_substitute.h"
 
-#include "support/text.h"
+#include "support/match.h"
 #include "taskdsl/derive/statement_parts.h"
 #include "taskdsl/expr/substitute_expression.h"
 

@@ -23,14 +23,14 @@ Halves splitAround(std::string_view text, std::size_t at, std::size_t length) no
 
 std::size_t skipOpaque(std::string_view text, std::size_t at) noexcept {
     QuoteWalk walk(quote_rules::deriveText);
-    std::size_t behind = walk.step(text, at);
+    std::size_t after = walk.step(text, at);
     if (walk.inOpen()) {
         return at;
     }
-    while (behind < text.size() && !walk.inOpen()) {
-        behind = walk.step(text, behind);
+    while (after < text.size() && !walk.inOpen()) {
+        after = walk.step(text, after);
     }
-    return behind;
+    return after;
 }
 
 std::size_t skipParentheses(std::string_view text, std::size_t at) noexcept {

@@ -1,6 +1,6 @@
 #include "taskdsl/derive/formulas.h"
 
-#include "support/text.h"
+#include "support/match.h"
 #include "taskdsl/expr/expression_walk.h"
 #include "taskdsl/expr/precedence.h"
 #include "taskdsl/expr/statement_reader.h"

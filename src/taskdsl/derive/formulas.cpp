@@ -1,10 +1,10 @@
 #include "taskdsl/derive/formulas.h"
 
 #include "catalog/property_catalog.h"
+#include "support/match.h"
 #include "support/text.h"
 #include "taskdsl/derive/derive_text.h"
 #include "taskdsl/expr/expression_walk.h"
-#include "taskdsl/expr/plot_text.h"
 #include "taskdsl/expr/statement_reader.h"
 
 #include <algorithm>

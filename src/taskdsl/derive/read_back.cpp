@@ -1,5 +1,6 @@
 #include "taskdsl/derive/read_back.h"
 
+#include "support/match.h"
 #include "support/text.h"
 #include "taskdsl/derive/derive_text.h"
 #include "taskdsl/expr/expression_walk.h"

@@ -1,6 +1,6 @@
 #include "taskdsl/derive/task_references.h"
 
-#include "support/text.h"
+#include "support/match.h"
 #include "taskdsl/derive/statement_parts.h"
 #include "taskdsl/expr/task_names.h"
 

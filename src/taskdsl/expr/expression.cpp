@@ -1,5 +1,6 @@
 #include "taskdsl/expr/expression.h"
 
+#include "support/match.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/expr/expression_walk.h"
@@ -152,7 +153,7 @@ class ExpressionPrinter {
     }
 
   private:
-    /// Prints what stands at the front of a node and leaves the rest on the stack, last part first.
+    /// Prints what a node begins with and leaves the rest on the stack, last part first.
     void open(const PlotExpression& expression, Precedence asked) {
         if (needsParentheses(expression, asked)) {
             printed_.text += '(';

@@ -93,8 +93,8 @@ inline constexpr std::size_t maxExpressionDepth = 1000;
 /// Throws `DiagnosticError` with the span of the statement for the leftmost fault.
 [[nodiscard]] ExprRef parsePlotExpression(std::string_view text, const SourceSpan& span);
 
-/// Reads the text as what stands behind the name of a function: `(a, b=c)` is the call. Text behind the
-/// parentheses goes on with the expression that the call begins. The text begins with "(".
+/// Reads the text as what follows the name of a function: `(a, b=c)` is the call. Text after the
+/// parentheses continues the expression that the call begins. The text begins with "(".
 /// Throws `DiagnosticError` as `parsePlotExpression`.
 [[nodiscard]] ExprRef parseCallOf(std::string name, std::string_view text, const SourceSpan& span);
 
@@ -106,7 +106,7 @@ inline constexpr std::size_t maxExpressionDepth = 1000;
 /// True for a text that is one name of an expression: a letter, `_` or `[`, then letters, digits and `_.:[]`.
 [[nodiscard]] bool isExpressionName(std::string_view text) noexcept;
 
-/// The expression with as few parentheses as its tree needs; an empty reference gives an empty text.
+/// The expression with as few parentheses as its tree needs; empty for an empty reference.
 [[nodiscard]] std::string renderPlotExpression(const ExprRef& expression);
 
 /// An expression in print, and what print makes of it.
@@ -117,7 +117,7 @@ struct PrintedExpression {
     bool oddReference = false; ///< a reference holds bytes that a walk through a statement stops at
 };
 /// The same text, and whether it reads back. It does not where a number has more than 15 digits, where a sum
-/// or a product in parentheses stands on the right of another one, and where substitution has put something
+/// or a product in parentheses is the right operand of another one, and where substitution has put something
 /// else than a name in a name's place.
 [[nodiscard]] PrintedExpression printExpression(const ExprRef& expression);
 
@@ -131,9 +131,9 @@ struct PrintedExpression {
 [[nodiscard]] const std::string& requireNameOrString(const ExprRef& expression, std::string_view label,
                                                      const SourceSpan& span);
 
-/// Rebuilds a tree from its leaves up: `replace` is given every node, its children replaced already, and
-/// gives what stands in its place (the node itself to keep it). Nodes below which nothing changed are shared,
-/// not copied.
+/// Rebuilds a tree from its leaves up: `replace` is called with every node, its children replaced already,
+/// and returns the node to put in its place (the same to keep it). Nodes below which nothing changed are
+/// shared, not copied.
 [[nodiscard]] ExprRef mapExpression(const ExprRef& expression,
                                     const std::function<ExprRef(const ExprRef&)>& replace);
 

@@ -35,7 +35,7 @@ enum class PlotTokenKind : std::int32_t {
 /// One token. The views point into the expression text.
 struct PlotToken {
     PlotTokenKind kind = PlotTokenKind::end;
-    std::string_view text; ///< as written; of a snapshot what stands between the braces
+    std::string_view text; ///< as written; of a snapshot the part between the braces
     std::string decoded;   ///< of a string
     double number = 0;     ///< of a number
 };

@@ -1,6 +1,6 @@
 #include "taskdsl/expr/substitute_expression.h"
 
-#include "support/text.h"
+#include "support/match.h"
 
 #include <string>
 #include <utility>

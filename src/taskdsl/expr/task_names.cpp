@@ -3,8 +3,6 @@
 #include "support/text.h"
 #include "taskdsl/expr/expression_walk.h"
 
-#include <algorithm>
-#include <iterator>
 #include <string_view>
 
 namespace morquill::taskdsl::plot {

@@ -1,7 +1,6 @@
 #include "taskdsl/generate/expand_includes.h"
 
 #include "support/paths.h"
-#include "support/text.h"
 #include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/line_fault.h"
 #include "taskdsl/base/scan.h"

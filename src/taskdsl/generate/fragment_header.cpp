@@ -12,7 +12,7 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::string_view keyword = "&FRAGMENT";
+constexpr std::string_view fragmentKeyword = "&FRAGMENT";
 
 /// The whole header on one line, without its keyword.
 TakenLines<std::string> gatherHeader(const std::vector<SourceLine>& lines, std::size_t start,
@@ -27,7 +27,7 @@ TakenLines<std::string> gatherHeader(const std::vector<SourceLine>& lines, std::
     case GatherEnd::balanced:
         break;
     }
-    return {std::string(trim(std::string_view(header.text).substr(keyword.size()))), header.last + 1};
+    return {std::string(trim(std::string_view(header.text).substr(fragmentKeyword.size()))), header.last + 1};
 }
 
 void readParameters(FragmentDefinition& fragment, std::string_view text) {

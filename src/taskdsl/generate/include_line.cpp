@@ -13,7 +13,7 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::string_view keyword = "&INCLUDE";
+constexpr std::string_view includeKeyword = "&INCLUDE";
 
 /// The position of the `as` that divides the target from its alias; `npos` without one.
 std::size_t findAlias(std::string_view text) noexcept {
@@ -135,11 +135,11 @@ void readArguments(IncludeDirective& include) {
 IncludeDirective parseIncludeLine(std::string_view text) {
     text = cleanLine(text);
     IncludeDirective include;
-    if (!beginsBlock(text, keyword)) {
+    if (!beginsBlock(text, includeKeyword)) {
         return include;
     }
     include.isInclude = true;
-    text = trim(text.substr(keyword.size()));
+    text = trim(text.substr(includeKeyword.size()));
     if (text.empty()) {
         throw DiagnosticError("empty &INCLUDE target");
     }

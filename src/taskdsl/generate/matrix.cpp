@@ -47,10 +47,6 @@ struct BlockReader {
     throw DiagnosticError("matrix cannot mix mapping syntax with list syntax");
 }
 
-[[noreturn]] void failAxis(const MatrixAxis& axis, std::string_view text) {
-    throw DiagnosticError("matrix axis '" + axis.key + "' " + std::string(text));
-}
-
 void BlockReader::readItem(std::string_view text, std::size_t indent) {
     if (syntax == Syntax::mapping) {
         failMixed();
@@ -103,6 +99,10 @@ void BlockReader::readAttribute(std::string_view text, std::size_t indent) {
 }
 
 } // namespace
+
+void failAxis(const MatrixAxis& axis, std::string_view text) {
+    throw DiagnosticError("matrix axis '" + axis.key + "' " + std::string(text));
+}
 
 TakenLines<std::vector<MatrixAxis>> parseMatrixBlock(const std::vector<SourceLine>& lines,
                                                      std::size_t start) {

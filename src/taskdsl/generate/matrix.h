@@ -24,6 +24,9 @@ struct MatrixAxes {
     std::map<std::string, std::vector<std::string>, std::less<>>& values;
 };
 
+/// Throws `DiagnosticError` with what is wrong with an axis: "matrix axis '<key>' <text>".
+[[noreturn]] void failAxis(const MatrixAxis& axis, std::string_view text);
+
 /// Appends axes to those that are there; an axis of the same key is replaced in its place or kept.
 /// Throws `DiagnosticError` for a reserved key.
 void mergeMatrixAxes(MatrixAxes target, const std::vector<MatrixAxis>& axes, NameClash clash);

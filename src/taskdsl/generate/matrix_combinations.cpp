@@ -3,6 +3,7 @@
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/limits.h"
+#include "taskdsl/generate/matrix.h"
 
 #include <algorithm>
 #include <map>
@@ -15,10 +16,6 @@ namespace {
 /// An axis without values has one selection, the empty value.
 std::size_t selectionCount(const MatrixAxis& axis) noexcept {
     return std::max<std::size_t>(axis.values.size(), 1);
-}
-
-[[noreturn]] void failAxis(const MatrixAxis& axis, const std::string& text) {
-    throw DiagnosticError("matrix axis '" + axis.key + "' " + text);
 }
 
 using AxisIndex = std::map<std::string_view, std::size_t>;

@@ -14,7 +14,7 @@ ParserOptions completed(ParserOptions options) {
         options.warnings = [](const std::string&) {};
     }
     if (!options.isFile) {
-        options.isFile = isRegularFile;
+        options.isFile = lookUpRegularFile;
     }
     if (options.overlay) {
         options.isFile = [overlay = options.overlay, onDisk = options.isFile](const std::string& path) {

@@ -142,7 +142,17 @@ class PreludeReader {
             text += lines_[index_].text();
             text += '\n';
         }
-        readYamlSection(text, path_, first + 1, result_.settings, result_.collections);
+        auto section = readYamlSection(text, path_, first + 1);
+        overwrite(result_.settings, std::move(section.settings));
+        overwrite(result_.collections, std::move(section.collections));
+    }
+
+    /// Adds entries to those of earlier sections; of two with one key, the later counts.
+    template <class Map>
+    static void overwrite(Map& entries, Map&& later) {
+        for (auto& [key, value] : later) {
+            entries.insert_or_assign(key, std::move(value));
+        }
     }
 
     static bool endsSection(const SourceLine& line) noexcept {

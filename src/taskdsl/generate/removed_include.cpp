@@ -1,6 +1,5 @@
 #include "taskdsl/generate/removed_include.h"
 
-#include "support/text.h"
 #include "taskdsl/base/scan.h"
 
 #include <filesystem>
@@ -9,12 +8,12 @@ namespace morquill::taskdsl {
 
 namespace {
 
-constexpr std::string_view keyword = "#INCLUDE";
+constexpr std::string_view hashIncludeKeyword = "#INCLUDE";
 
 } // namespace
 
 void warnHashInclude(std::string_view trimmed, std::string_view path, const WarningSink& warn) {
-    const std::string target(unquote(stripComment(trimmed.substr(keyword.size()))));
+    const std::string target(unquote(stripComment(trimmed.substr(hashIncludeKeyword.size()))));
     const std::string file = std::filesystem::path(path).filename().string();
     std::string message = "context '" + (file.empty() ? "<memory>" : file) +
                           "' uses the removed '#INCLUDE' syntax; replace it with '&INCLUDE'";

@@ -29,12 +29,9 @@ constexpr std::string_view plainTag = "?";
 /// even an endless tree: what is taken out of it is counted.
 class SectionWalk {
   public:
-    SectionWalk(ValueMap& settingsOut, Collections& collectionsOut)
-        : settings_(settingsOut), collections_(collectionsOut) {}
-
-    void readRoot(const YAML::Node& root) {
+    [[nodiscard]] YamlSection read(const YAML::Node& root) && {
         if (!root.IsDefined() || root.IsNull()) {
-            return;
+            return {};
         }
         if (!root.IsMap()) {
             throw DiagnosticError("structured prelude must be a YAML mapping");
@@ -43,11 +40,12 @@ class SectionWalk {
             auto key = pair.first.as<std::string>();
             if (pair.second.IsSequence()) {
                 auto items = readItems(pair.second);
-                collections_.insert_or_assign(std::move(key), std::move(items));
+                section_.collections.insert_or_assign(std::move(key), std::move(items));
             } else {
-                flatten(pair.second, key, settings_, 0);
+                flatten(pair.second, key, section_.settings, 0);
             }
         }
+        return std::move(section_);
     }
 
   private:
@@ -107,8 +105,7 @@ class SectionWalk {
         }
     }
 
-    ValueMap& settings_;
-    Collections& collections_;
+    YamlSection section_;
     std::size_t entries_ = 0;
     std::size_t text_ = 0;
 };
@@ -230,13 +227,9 @@ std::optional<ValueMap> readPlainSettings(std::string_view text) {
 
 } // namespace
 
-void readYamlSection(const std::string& text, const std::string& path, std::size_t firstLine,
-                     ValueMap& settings, Collections& collections) {
-    if (const auto plain = readPlainSettings(text)) {
-        for (const auto& [key, value] : *plain) {
-            settings.insert_or_assign(key, value);
-        }
-        return;
+YamlSection readYamlSection(const std::string& text, const std::string& path, std::size_t firstLine) {
+    if (auto plain = readPlainSettings(text)) {
+        return {*std::move(plain), {}};
     }
     try {
         const auto root = YAML::Load(text);
@@ -245,7 +238,7 @@ void readYamlSection(const std::string& text, const std::string& path, std::size
             throw misplacedDirective({std::string(splitLines(text)[*line]), path, number}, path);
         }
         requireOneDocument(text);
-        SectionWalk(settings, collections).readRoot(root);
+        return SectionWalk().read(root);
     } catch (const YAML::Exception& error) {
         throw DiagnosticError::namingPlace(placeOf(error, path, firstLine),
                                            "failed to parse YAML prelude in '" + shownPath(path) +

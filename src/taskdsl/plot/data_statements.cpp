@@ -1,3 +1,4 @@
+#include "support/match.h"
 #include "support/text.h"
 #include "support/word_table.h"
 #include "taskdsl/expr/plot_text.h"

@@ -1,6 +1,5 @@
 #include "taskdsl/plot/substitute_plot.h"
 
-#include "support/text.h"
 #include "taskdsl/expr/substitute_expression.h"
 
 #include <utility>

@@ -20,8 +20,8 @@ std::string legacyTemplateName(std::string_view keywords) {
     // Pattern: (^|[\s\r\n\t])job\s*=\s*(value), in any letter case.
     for (std::size_t i = 0; i + key.size() <= keywords.size(); ++i) {
         if ((i == 0 || isSpace(keywords[i - 1])) && equalsNoCase(keywords.substr(i, key.size()), key)) {
-            Cursor behind(keywords, i + key.size());
-            if (const auto value = takeAssignedValue(behind)) {
+            Cursor after(keywords, i + key.size());
+            if (const auto value = takeAssignedValue(after)) {
                 return std::string(unquote(*value));
             }
         }

@@ -1,5 +1,6 @@
 #include "taskdsl/task/mod_operation.h"
 
+#include "support/match.h"
 #include "support/text.h"
 #include "support/word_table.h"
 #include "taskdsl/base/diagnostic.h"
@@ -22,8 +23,6 @@ constexpr auto targetWords = wordTable<ModTargetKind>({
     {"spin", ModTargetKind::spin},
     {"geom", ModTargetKind::geom},
 });
-
-constexpr std::array<std::string_view, 4> operationNames{"add", "subtract", "select", "remove"};
 
 constexpr auto roleWords = wordTable<BasisRole>({
     {"orbital", BasisRole::orbital},
@@ -74,7 +73,7 @@ SplitKey splitModKey(std::string_view key) {
     const auto colon = key.rfind(':');
     if (colon != std::string_view::npos && colon > 0) {
         const auto operation = key.substr(colon + 1);
-        if (std::find(operationNames.begin(), operationNames.end(), operation) != operationNames.end()) {
+        if (isModOperation(operation)) {
             return {trim(key.substr(0, colon)), operation};
         }
     }
@@ -307,6 +306,10 @@ const std::string* slotOf(const ModOperation& op) {
 }
 
 } // namespace
+
+bool isModOperation(std::string_view word) noexcept {
+    return isOneOf(word, {"add", "subtract", "select", "remove"});
+}
 
 ModEntry parseModLine(std::string_view text) {
     const auto fields = lineWords(trim(text));

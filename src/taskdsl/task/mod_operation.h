@@ -96,6 +96,9 @@ void addModLine(TaskInfo& task, std::string_view text);
 [[nodiscard]] ModOperation normalizeMod(std::string_view key, std::string_view value,
                                         Placeholders placeholders = Placeholders::refused);
 
+/// True for the name of an operation of a `%mod` line: "add", "subtract", "select" or "remove".
+[[nodiscard]] bool isModOperation(std::string_view word) noexcept;
+
 /// The key of an operation in its normal form: `<target>[.<slot>][:<operation>]`, "basisset" or the key
 /// of another line.
 [[nodiscard]] std::string formatModKey(const ModOperation& op);

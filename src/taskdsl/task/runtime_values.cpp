@@ -31,8 +31,8 @@ std::string findKeywordValue(std::string_view text, std::string_view key) {
         if (at > 0 && !isSpace(text[at - 1])) {
             continue;
         }
-        Cursor behind(text, at + key.size());
-        if (const auto value = takeAssignedValue(behind)) {
+        Cursor after(text, at + key.size());
+        if (const auto value = takeAssignedValue(after)) {
             return std::string(unquote(*value));
         }
     }

@@ -1,5 +1,6 @@
 #include "taskdsl/task/source_spec.h"
 
+#include "support/match.h"
 #include "support/number.h"
 #include "support/text.h"
 #include "taskdsl/base/diagnostic.h"
@@ -49,8 +50,10 @@ std::string quoteInlineWord(std::string_view word) {
     return plain ? std::string(word) : quoteForcedShellWord(word);
 }
 
-std::string frameSuffix(bool hasFrame, std::int32_t frameIndex) {
-    return hasFrame ? " frame=" + std::to_string(frameIndex) : std::string{};
+/// The frame of a binding or of an inline file, as a further word.
+template <class Source>
+std::string frameSuffix(const Source& source) {
+    return source.hasFrame ? " frame=" + std::to_string(source.frameIndex) : std::string{};
 }
 
 SourceXyz readXyz(std::string_view text) {
@@ -165,8 +168,7 @@ std::string bindingReference(const SourceBinding& binding) {
     case BindingSource::task:
         return quoteShellWord(binding.sourceValue);
     case BindingSource::xyz:
-        return std::string(xyzPrefix) + quoteShellWord(binding.sourceValue) +
-               frameSuffix(binding.hasFrame, binding.frameIndex);
+        return std::string(xyzPrefix) + quoteShellWord(binding.sourceValue) + frameSuffix(binding);
     case BindingSource::origin:
         break;
     }
@@ -181,8 +183,7 @@ std::string bindingKey(const SourceBinding& binding) {
 }
 
 std::string formatXyz(const SourceXyz& xyz) {
-    auto text =
-        std::string(xyzPrefix) + quoteInlineWord(xyz.file) + frameSuffix(xyz.hasFrame, xyz.frameIndex);
+    auto text = std::string(xyzPrefix) + quoteInlineWord(xyz.file) + frameSuffix(xyz);
     for (const auto& word : xyz.furtherWords) {
         if (!word.empty()) {
             // A bare last word `guess` would be dropped as the flag of older files.

@@ -1,6 +1,6 @@
 #include "taskdsl/task/task_substitution.h"
 
-#include "support/text.h"
+#include "support/match.h"
 #include "taskdsl/base/diagnostic.h"
 #include "taskdsl/plot/substitute_plot.h"
 #include "taskdsl/task/mod_operation.h"

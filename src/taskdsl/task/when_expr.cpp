@@ -1,5 +1,6 @@
 #include "taskdsl/task/when_expr.h"
 
+#include "support/match.h"
 #include "support/text.h"
 #include "support/word_table.h"
 #include "taskdsl/base/diagnostic.h"

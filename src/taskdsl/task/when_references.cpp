@@ -1,5 +1,6 @@
 #include "taskdsl/task/when_references.h"
 
+#include "support/match.h"
 #include "support/text.h"
 
 #include <algorithm>

@@ -5,7 +5,6 @@
 #include "templates/library/template_text.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <map>
 #include <set>
@@ -16,7 +15,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-constexpr std::array<std::string_view, 2> commandDirectives{"%preprocess", "%process"};
+constexpr std::string_view commandDirectives[] = {"%preprocess", "%process"};
 constexpr std::string_view commandIndent = "        ";
 
 /// A directive line with the lines that belong to it. The word is empty for the lines before the first
@@ -127,8 +126,7 @@ Lines foldLines(const Lines& base, const Lines& addition) {
     std::set<std::string_view> seen;
     for (const auto& section : own) {
         const bool isFirst = seen.insert(section.word).second;
-        const bool takesCommands = std::find(commandDirectives.begin(), commandDirectives.end(),
-                                             section.word) != commandDirectives.end();
+        const bool takesCommands = isOneOf(section.word, commandDirectives);
         const auto others = takesCommands ? sectionsNamed(other, section.word) : std::vector<Section>{};
         if (others.empty()) {
             append(result, base, section);

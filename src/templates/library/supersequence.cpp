@@ -11,7 +11,7 @@ namespace morquill::templates {
 
 namespace {
 
-using Lines = std::vector<std::string_view>;
+using LineViews = std::vector<std::string_view>;
 using Symbols = std::vector<std::uint32_t>;
 using Bits = std::vector<std::uint64_t>;
 constexpr std::size_t wordBits = 64;
@@ -150,7 +150,7 @@ class CommonLengths {
 
 } // namespace
 
-std::vector<std::string_view> shortestCommonSupersequence(const Lines& first, const Lines& second) {
+std::vector<std::string_view> shortestCommonSupersequence(const LineViews& first, const LineViews& second) {
     const auto shorter = std::min(first.size(), second.size());
     std::size_t front = 0;
     while (front < shorter && first[front] == second[front]) {
@@ -167,7 +167,7 @@ std::vector<std::string_view> shortestCommonSupersequence(const Lines& first, co
     CommonLengths common(a, b, table.size());
     // From the ends to the beginnings; the supersequence of the first i and the first j lines has
     // i + j - common.at(i, j) lines.
-    Lines reversed(first.rbegin(), first.rbegin() + static_cast<std::ptrdiff_t>(back));
+    LineViews reversed(first.rbegin(), first.rbegin() + static_cast<std::ptrdiff_t>(back));
     std::size_t i = a.size();
     std::size_t j = b.size();
     while (i > 0 && j > 0) {

@@ -1,11 +1,11 @@
 #include "templates/library/template_text.h"
 
 #include "support/text.h"
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/generate/define_block.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
 
 namespace morquill::templates {
@@ -13,11 +13,10 @@ namespace morquill::templates {
 namespace {
 
 /// The names that are filled in for every task when it is run.
-constexpr std::array<std::string_view, 4> taskNames{"inputname", "taskname", "rootname", "originname"};
+constexpr std::string_view taskNames[] = {"inputname", "taskname", "rootname", "originname"};
 
 bool isBuiltIn(std::string_view name) {
-    return std::find(taskNames.begin(), taskNames.end(), name) != taskNames.end() ||
-           taskdsl::isReservedKey(name);
+    return isOneOf(name, taskNames) || taskdsl::isReservedKey(name);
 }
 
 std::string_view headerName(std::string_view line) noexcept {
@@ -46,9 +45,8 @@ bool HeredocWalk::takesLine(std::string_view line) {
     }
     const auto directive = taskdsl::cleanLine(line);
     const auto value = trim(directive.substr(std::min(directive.find(' '), directive.size())));
-    if (value.starts_with("<<")) {
-        const auto word = trim(value.substr(2));
-        terminator_ = word.empty() ? "EOF" : word;
+    if (taskdsl::opensHeredoc(value)) {
+        terminator_ = taskdsl::heredocTerminator(value);
     }
     return false;
 }

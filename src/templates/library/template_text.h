@@ -17,7 +17,7 @@ class HeredocWalk {
   public:
     /// Takes the next line and returns whether it belongs to a heredoc, whose
     /// terminator line does. The directive line that opens one, with a value
-    /// that begins with `<<`, does not. An empty terminator means "EOF".
+    /// that begins with `<<`, does not.
     [[nodiscard]] bool takesLine(std::string_view line);
 
   private:

@@ -1,6 +1,7 @@
 #include "project/rename/rename.h"
 
 #include "console/command_line.h"
+#include "project/status/status_lock.h"
 
 #include "fixtures/file_size_limit.h"
 #include "fixtures/golden.h"
@@ -13,7 +14,7 @@ using ::testing::ElementsAre;
 
 class Rename : public ScratchTree {
   protected:
-    Output rename(std::initializer_list<std::string> words) {
+    Output rename(const std::vector<std::string>& words) {
         Arguments arguments(words);
         return run("", [&] { return runRename(arguments.argc(), arguments.argv()); });
     }
@@ -22,6 +23,24 @@ class Rename : public ScratchTree {
         return run("", [&] { return runRenameCompatibility(arguments.argc(), arguments.argv()); });
     }
 };
+
+TEST_F(Rename, IsRefusedWhileAnotherRunChangesTheStatusFiles) {
+    write("p/demo.projmq", "$opt\n");
+    link("../demo.projmq", "p/m1/m1.mq");
+    write("q/m1.mq", "$opt\n");
+    const auto project = lockStatusFiles(TargetKind::Project, at("p"), at("p/demo.projmq"));
+    const auto lone = lockStatusFiles(TargetKind::Case, at("q"), at("q/m1.mq"));
+    const auto before = tree();
+    for (const auto& [file, place] : std::map<std::string, std::string>{
+             {"p/demo.projmq", at("p")}, {"p/m1/m1.mq", at("p")}, {"q/m1.mq", at("q")}}) {
+        const auto output = rename({"mqkit", "rename", file, "opt", "new"});
+        EXPECT_EQ(output.status, 1) << file;
+        EXPECT_EQ(output.err,
+                  "[mqkit][ERROR] another mqkit is changing the status files here: " + place + "\n");
+        EXPECT_EQ(output.out, "");
+    }
+    EXPECT_EQ(tree(), before);
+}
 
 TEST(TaskFileSuffix, BelongsToANameThatIsNoOption) {
     EXPECT_TRUE(hasTaskFileSuffix("a.mq"));

@@ -76,7 +76,7 @@ TEST(StatusRecordsText, IsReadRowByRow) {
         EXPECT_EQ(records.begin()->second, row.record) << row.text;
         EXPECT_EQ(records.begin()->first, row.record.name);
     }
-    EXPECT_TRUE(parseStatusRecords(header + "\n# x RENDERED\n\v\n").empty());
+    EXPECT_TRUE(parseStatusRecords(header + "\n# x RENDERED\n\v\n\v# y RENDERED\n").empty());
 }
 
 TEST(StatusRecordsText, TheLastRowOfANameStands) {
@@ -102,6 +102,9 @@ TEST(StatusRecordsText, SurvivesWritingAndReading) {
         records[name] = {name, name == "o" ? TaskStatus::Failed : TaskStatus::Rendered,
                          "2026-01-01T00:00:00Z", "why"};
     }
+    // A time that fills its column does not run into the reason.
+    records["t"] = {"t", TaskStatus::Rendered, "2026-01-01T00:00:00.123Z", "why"};
+    records["u"] = {"u", TaskStatus::Failed, "2026-01-01T00:00:00.123456Z", "-"};
     EXPECT_EQ(parseStatusRecords(formatStatusRecords(records)), records);
 }
 

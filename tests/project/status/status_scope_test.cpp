@@ -30,7 +30,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-const std::string header = "# TASK            STATUS           UPDATED_AT              REASON\n";
+const std::string statusHeader = "# TASK            STATUS           UPDATED_AT              REASON\n";
 const std::string optRow = "opt             RENDERED         -                       -\n";
 const std::string socRow = "soc             RENDERED         -                       -\n";
 
@@ -67,7 +67,7 @@ TEST_F(StatusScope, LeavesOnlySelectedCompletedTasksAndPutsEveryByteBack) {
               "[mqkit] m1 : scoped mq.status to selected completed task(s): $soc, $opt\n"
               "[mqkit] m2 : temporarily hid mq.status because no selected task is marked completed\n");
     EXPECT_EQ(scoped.err, "");
-    EXPECT_THAT(tree(), ElementsAre("m1/", "m1/mq.status = " + header + socRow + optRow, "m2/", "m3/"));
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m1/mq.status = " + statusHeader + socRow + optRow, "m2/", "m3/"));
     EXPECT_EQ(summary.cases, 3);
     EXPECT_EQ(summary.statusScoped, 1);
     EXPECT_EQ(summary.statusHidden, 1);
@@ -163,8 +163,8 @@ TEST_F(StatusScope, ADiskThatFillsUpMeanwhileKeepsNothingBack) {
     mode("m2/mq.status", 0640);
     const auto before = tree();
     ASSERT_EQ(scope({"m1", "m2", "m3"}, {"opt"}).status, 1);
-    EXPECT_THAT(tree(), ElementsAre("m1/", "m2/", "m2/mq.status = " + header + optRow, "m3/",
-                                    "m3/mq.status -> target", "m3/target = " + header + optRow));
+    EXPECT_THAT(tree(), ElementsAre("m1/", "m2/", "m2/mq.status = " + statusHeader + optRow, "m3/",
+                                    "m3/mq.status -> target", "m3/target = " + statusHeader + optRow));
     const auto restored = run("", [&] {
         const FileSizeLimit limit(100);
         return restoreStatusFiles(backups);
@@ -305,7 +305,7 @@ TEST_F(StatusScope, WhatCannotGoBackIsLeftBesideItsPlaceOrWhereTheCaseHasGone) {
     EXPECT_THAT(tree(), ElementsAre("blocked/", "blocked/mq.status.saved = older\n",
                                     "blocked/mq.status.saved-2 = freq\n", "blocked/mq.status/", "hidden2/",
                                     "hidden2/mq.status = freq\n", "narrowed2/",
-                                    "narrowed2/mq.status = " + header + optRow,
+                                    "narrowed2/mq.status = " + statusHeader + optRow,
                                     "narrowed2/mq.status.saved = opt\nfreq\n"));
 }
 

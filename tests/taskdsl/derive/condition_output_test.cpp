@@ -11,7 +11,7 @@ namespace morquill::taskdsl::derive {
 namespace {
 
 /// The condition in print, with the losses behind it.
-std::string printed(std::string_view text, std::string_view keyword, ElseWord elseWord) {
+std::string printedLine(std::string_view text, std::string_view keyword, ElseWord elseWord) {
     DeriveSurface surface;
     const auto condition = parseDeriveCondition(text, surface, {});
     std::string losses;
@@ -23,15 +23,15 @@ std::string printed(std::string_view text, std::string_view keyword, ElseWord el
 }
 
 TEST(ConditionOutput, ElseIsAWordOfRequireAlone) {
-    EXPECT_EQ(printed("(else)", "require", ElseWord::ends), "(else)");
-    EXPECT_EQ(printed("else", "where", ElseWord::ordinary), "else");
-    EXPECT_EQ(printed("energy < 0 and done", "require", ElseWord::ends), "energy < 0 and done");
+    EXPECT_EQ(printedLine("(else)", "require", ElseWord::ends), "(else)");
+    EXPECT_EQ(printedLine("else", "where", ElseWord::ordinary), "else");
+    EXPECT_EQ(printedLine("energy < 0 and done", "require", ElseWord::ends), "energy < 0 and done");
 }
 
 TEST(ConditionOutput, WhatPrintsWithoutItsParenthesesIsReported) {
-    EXPECT_EQ(printed("not (a or b)", "where", ElseWord::ordinary),
+    EXPECT_EQ(printedLine("not (a or b)", "where", ElseWord::ordinary),
               "not a or b | derive 'd' does not read back: 'not' before a group prints without parentheses");
-    EXPECT_EQ(printed("(a or b) and c", "where", ElseWord::ordinary), "(a or b) and c");
+    EXPECT_EQ(printedLine("(a or b) and c", "where", ElseWord::ordinary), "(a or b) and c");
 }
 
 } // namespace

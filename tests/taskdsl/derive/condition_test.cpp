@@ -13,7 +13,7 @@ DeriveCondition parse(std::string_view text) {
     return parseDeriveCondition(text, surface, {});
 }
 
-std::string refusal(std::string_view text) {
+std::string conditionFault(std::string_view text) {
     try {
         (void)parse(text);
     } catch (const DiagnosticError& error) {
@@ -148,7 +148,7 @@ TEST(Condition, FaultsAreNamed) {
         {"(a == 1) == 2", "expected ')' in plot expression"},
     };
     for (const auto& [text, message] : rows) {
-        EXPECT_EQ(refusal(text), message) << text;
+        EXPECT_EQ(conditionFault(text), message) << text;
     }
 }
 
@@ -173,16 +173,16 @@ TEST(Condition, NestingIsBounded) {
     const auto wrapped = [](std::size_t levels) {
         return repeated("(", levels) + "a == b" + repeated(")", levels);
     };
-    EXPECT_EQ(refusal(wrapped(1000)), "(accepted)");
-    EXPECT_EQ(refusal(wrapped(1001)), message);
-    EXPECT_EQ(refusal(wrapped(300'000)), message);
-    EXPECT_EQ(refusal(repeated("not ", 1000) + "a"), "(accepted)");
-    EXPECT_EQ(refusal(repeated("not ", 1001) + "a"), message);
-    EXPECT_EQ(refusal(repeated("not ", 300'000) + "a"), message);
-    EXPECT_EQ(refusal(repeated("(a or b and ", 1000) + "c" + repeated(")", 1000)), "(accepted)");
-    EXPECT_EQ(refusal(repeated("(", 1000) + "a" + repeated(" or b) and c", 1000)), "(accepted)");
-    EXPECT_EQ(refusal(repeated("not (a or ", 500) + "c" + repeated(")", 500)), "(accepted)");
-    EXPECT_EQ(refusal(repeated("not (a or ", 200'000) + "c" + repeated(")", 200'000)), message);
+    EXPECT_EQ(conditionFault(wrapped(1000)), "(accepted)");
+    EXPECT_EQ(conditionFault(wrapped(1001)), message);
+    EXPECT_EQ(conditionFault(wrapped(300'000)), message);
+    EXPECT_EQ(conditionFault(repeated("not ", 1000) + "a"), "(accepted)");
+    EXPECT_EQ(conditionFault(repeated("not ", 1001) + "a"), message);
+    EXPECT_EQ(conditionFault(repeated("not ", 300'000) + "a"), message);
+    EXPECT_EQ(conditionFault(repeated("(a or b and ", 1000) + "c" + repeated(")", 1000)), "(accepted)");
+    EXPECT_EQ(conditionFault(repeated("(", 1000) + "a" + repeated(" or b) and c", 1000)), "(accepted)");
+    EXPECT_EQ(conditionFault(repeated("not (a or ", 500) + "c" + repeated(")", 500)), "(accepted)");
+    EXPECT_EQ(conditionFault(repeated("not (a or ", 200'000) + "c" + repeated(")", 200'000)), message);
 }
 
 TEST(Condition, ChainsOfAnyLengthAreReadCopiedPrintedAndFreed) {
@@ -203,7 +203,7 @@ TEST(Condition, OddBracketsAndBytesAreNoTrouble) {
           std::string("(b] or c)"), std::string("'"), std::string("{{"), std::string("a\0b", 3),
           std::string("\xff or \xfe"), std::string("a in ["), std::string("a in ("),
           std::string("(a in [b)]"), std::string("not")}) {
-        (void)refusal(text);
+        (void)conditionFault(text);
     }
     EXPECT_EQ(treeOf(parse("a] or b")), "[or a] b]");
 }

@@ -1,6 +1,6 @@
 #include "taskdsl/derive/derive_output.h"
 
-#include "fixtures/blocks.h"
+#include "fixtures/derive_fixture.h"
 #include "support/directory.h"
 #include "support/file.h"
 

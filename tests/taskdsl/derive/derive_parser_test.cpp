@@ -1,7 +1,7 @@
 #include "taskdsl/derive/derive_parser.h"
 #include "taskdsl/derive/read_back.h"
 
-#include "fixtures/blocks.h"
+#include "fixtures/derive_fixture.h"
 
 #include <gtest/gtest.h>
 

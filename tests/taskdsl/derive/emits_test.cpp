@@ -1,7 +1,6 @@
 // The emit statements as records: where results go and under which name.
 
-#include "fixtures/blocks.h"
-#include "fixtures/derive_reader.h"
+#include "fixtures/derive_fixture.h"
 
 #include <gtest/gtest.h>
 

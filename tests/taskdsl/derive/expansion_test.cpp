@@ -1,7 +1,7 @@
 // What a formula or profile call becomes, and what that costs. Definitions are the matter of
 // formulas_test.cpp.
 
-#include "fixtures/derive_reader.h"
+#include "fixtures/derive_fixture.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "taskdsl/derive/formulas.h"
 
-#include "fixtures/blocks.h"
+#include "fixtures/derive_fixture.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 // The statements of a table pipeline as records, and what they leave behind for the statements after them.
 
-#include "fixtures/blocks.h"
-#include "fixtures/derive_reader.h"
+#include "fixtures/derive_fixture.h"
 #include "taskdsl/derive/derive_output.h"
 
 #include <gmock/gmock.h>

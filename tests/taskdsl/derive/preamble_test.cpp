@@ -1,7 +1,6 @@
 // let, require and report as records and in print.
 
-#include "fixtures/blocks.h"
-#include "fixtures/derive_reader.h"
+#include "fixtures/derive_fixture.h"
 #include "taskdsl/derive/derive_output.h"
 
 #include <gtest/gtest.h>
@@ -9,13 +8,13 @@
 namespace morquill::taskdsl::derive {
 namespace {
 
-struct Fault {
+struct StatementFault {
     const char* text;
     const char* message;
 };
 
 template <std::size_t N>
-void expectFaults(StatementReader read, const Fault (&faults)[N]) {
+void expectFaults(StatementReader read, const StatementFault (&faults)[N]) {
     for (const auto& [text, message] : faults) {
         EXPECT_EQ(readerFault(read, text), atStatement(message)) << text;
     }

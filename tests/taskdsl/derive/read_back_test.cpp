@@ -1,4 +1,4 @@
-#include "fixtures/blocks.h"
+#include "fixtures/derive_fixture.h"
 #include "taskdsl/derive/derive_substitute.h"
 
 #include <gtest/gtest.h>

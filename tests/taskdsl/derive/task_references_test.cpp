@@ -1,6 +1,6 @@
 #include "taskdsl/derive/task_references.h"
 
-#include "fixtures/blocks.h"
+#include "fixtures/derive_fixture.h"
 
 #include <gtest/gtest.h>
 

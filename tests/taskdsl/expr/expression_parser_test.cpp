@@ -2,8 +2,8 @@
 
 #include "fixtures/awkward_texts.h"
 #include "fixtures/faults.h"
+#include "support/match.h"
 #include "support/shared.h"
-#include "support/text.h"
 #include "taskdsl/expr/expression.h"
 #include "taskdsl/expr/plot_text.h"
 

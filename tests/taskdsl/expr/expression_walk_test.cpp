@@ -7,7 +7,7 @@
 namespace morquill::taskdsl::plot {
 namespace {
 
-ExprRef read(std::string_view text) {
+ExprRef walked(std::string_view text) {
     return parsePlotExpression(text, {});
 }
 
@@ -27,7 +27,7 @@ std::string headOf(const PlotExpression& node) {
 
 TEST(ExpressionWalk, VisitsANodeBeforeThoseBelowItFromLeftToRight) {
     std::string heads;
-    forEachNode(read("f(a, x=b * 2) + -c + 'd'"),
+    forEachNode(walked("f(a, x=b * 2) + -c + 'd'"),
                 [&](const PlotExpression& node) { heads += headOf(node) + " "; });
     EXPECT_EQ(heads, "+ + f() a * b 2 sign c \"d\" ");
 }
@@ -35,7 +35,7 @@ TEST(ExpressionWalk, VisitsANodeBeforeThoseBelowItFromLeftToRight) {
 TEST(ExpressionWalk, PassesOverArgumentsThatAreNotTaken) {
     std::string heads;
     forEachNode(
-        read("f(a, x=g(b), y=h(x=c, d))"), [&](const PlotExpression& node) { heads += headOf(node) + " "; },
+        walked("f(a, x=g(b), y=h(x=c, d))"), [&](const PlotExpression& node) { heads += headOf(node) + " "; },
         [](const PlotCallArgument& argument) { return argument.name != "x"; });
     EXPECT_EQ(heads, "f() a h() d ");
 }
@@ -67,9 +67,9 @@ TEST(ExpressionWalk, GoesThroughLongAndDeepTreesWithoutRecursion) {
 }
 
 TEST(ExpressionWalk, FindsACallAnywhere) {
-    EXPECT_TRUE(callsFunction(read("f()")));
-    EXPECT_TRUE(callsFunction(read("a + -(b * f(c))")));
-    EXPECT_FALSE(callsFunction(read("a + -(b * {{ f.g }}) / 'f()'")));
+    EXPECT_TRUE(callsFunction(walked("f()")));
+    EXPECT_TRUE(callsFunction(walked("a + -(b * f(c))")));
+    EXPECT_FALSE(callsFunction(walked("a + -(b * {{ f.g }}) / 'f()'")));
     EXPECT_FALSE(callsFunction(nullptr));
 }
 

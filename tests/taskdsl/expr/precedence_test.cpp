@@ -5,12 +5,12 @@
 namespace morquill::taskdsl::plot {
 namespace {
 
-ExprRef read(std::string_view text) {
+ExprRef parsed(std::string_view text) {
     return parsePlotExpression(text, {});
 }
 
 TEST(Precedence, OfEveryKindOfNode) {
-    const auto of = [](std::string_view text) { return precedenceOf(read(text)->node); };
+    const auto of = [](std::string_view text) { return precedenceOf(parsed(text)->node); };
     EXPECT_EQ(of("a + b"), Precedence::sums);
     EXPECT_EQ(of("a - b"), Precedence::sums);
     EXPECT_EQ(of("a * b"), Precedence::products);
@@ -29,15 +29,15 @@ TEST(Precedence, TheRightSideOfADifferenceOrQuotientAsksForMore) {
 }
 
 TEST(Precedence, ANodeBelowWhatIsAskedNeedsParentheses) {
-    EXPECT_TRUE(needsParentheses(*read("a + b"), Precedence::products));
-    EXPECT_FALSE(needsParentheses(*read("a + b"), Precedence::sums));
-    EXPECT_TRUE(needsParentheses(*read("a * b"), Precedence::signs));
-    EXPECT_FALSE(needsParentheses(*read("-a"), Precedence::signs));
+    EXPECT_TRUE(needsParentheses(*parsed("a + b"), Precedence::products));
+    EXPECT_FALSE(needsParentheses(*parsed("a + b"), Precedence::sums));
+    EXPECT_TRUE(needsParentheses(*parsed("a * b"), Precedence::signs));
+    EXPECT_FALSE(needsParentheses(*parsed("-a"), Precedence::signs));
 }
 
 TEST(Precedence, ARightSideOfTheSamePrecedenceRegroups) {
     const auto regroupsIn = [](std::string_view text) {
-        const auto expression = read(text);
+        const auto expression = parsed(text);
         return regroups(*expressionAs<BinaryExpr>(expression));
     };
     EXPECT_TRUE(regroupsIn("a + (b - c)"));

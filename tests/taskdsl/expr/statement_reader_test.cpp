@@ -28,7 +28,7 @@ std::string shown(std::string_view text) {
     return result;
 }
 
-std::string faultOf(std::string_view text, std::string_view language = "plot") {
+std::string statementFault(std::string_view text, std::string_view language = "plot") {
     return messageOf<DiagnosticError>([&] { (void)readPlotStatements(linesOf(text), language); });
 }
 
@@ -93,15 +93,16 @@ TEST(PlotStatements, EveryFaultWithItsSpan) {
         {"x f(\n a,", "a.mq:2:1-3:3: error: unterminated parenthesized plot statement"},
     };
     for (const auto& [text, expected] : rows) {
-        EXPECT_EQ(faultOf(text), expected) << text;
+        EXPECT_EQ(statementFault(text), expected) << text;
     }
 }
 
 TEST(PlotStatements, TheLanguageNamesItselfInFourMessages) {
-    EXPECT_EQ(faultOf("}}", "@derive"), "a.mq:2:1-2:2: error: unexpected '}}' in @derive statement");
-    EXPECT_EQ(faultOf(")", "@derive"), "a.mq:2:1: error: unmatched ')' in @derive statement");
-    EXPECT_EQ(faultOf("(", "@derive"), "a.mq:2:1: error: unterminated parenthesized @derive statement");
-    EXPECT_EQ(faultOf("let a = -", "@derive"),
+    EXPECT_EQ(statementFault("}}", "@derive"), "a.mq:2:1-2:2: error: unexpected '}}' in @derive statement");
+    EXPECT_EQ(statementFault(")", "@derive"), "a.mq:2:1: error: unmatched ')' in @derive statement");
+    EXPECT_EQ(statementFault("(", "@derive"),
+              "a.mq:2:1: error: unterminated parenthesized @derive statement");
+    EXPECT_EQ(statementFault("let a = -", "@derive"),
               "a.mq:2:1-2:9: error: @derive statement ends with a continuation operator");
 }
 

@@ -7,7 +7,7 @@ namespace {
 
 const ValueMap values{{"k", "v"}, {"two", "a b"}, {"loop", "[k]"}, {"none", ""}};
 
-ExprRef read(std::string_view text) {
+ExprRef parsedText(std::string_view text) {
     return parsePlotExpression(text, {});
 }
 
@@ -29,20 +29,20 @@ TEST(SubstituteExpression, ReachesEveryNameAndText) {
         {"2 + 3", "2 + 3"},
     };
     for (const auto& [text, expected] : rows) {
-        EXPECT_EQ(renderPlotExpression(substituteExpression(read(text), values)), expected) << text;
+        EXPECT_EQ(renderPlotExpression(substituteExpression(parsedText(text), values)), expected) << text;
     }
 }
 
 TEST(SubstituteExpression, AValueStaysOneNameWhateverItLooksLike) {
-    const auto result = substituteExpression(read("[two]"), values);
+    const auto result = substituteExpression(parsedText("[two]"), values);
     ASSERT_NE(expressionAs<IdentifierExpr>(result), nullptr);
     EXPECT_EQ(expressionAs<IdentifierExpr>(result)->name, "a b");
 }
 
 TEST(SubstituteExpression, SharesWhatDoesNotChange) {
-    const auto untouched = read("f(a, x='b') - {{ t.k }} * [other]");
+    const auto untouched = parsedText("f(a, x='b') - {{ t.k }} * [other]");
     EXPECT_EQ(substituteExpression(untouched, values), untouched);
-    const auto source = read("g([k]) + h(a)");
+    const auto source = parsedText("g([k]) + h(a)");
     const auto result = substituteExpression(source, values);
     EXPECT_EQ(renderPlotExpression(result), "g(v) + h(a)");
     EXPECT_EQ(expressionAs<BinaryExpr>(result)->right, expressionAs<BinaryExpr>(source)->right);

@@ -37,23 +37,23 @@ struct ExpandIncludes : testing::Test {
     }
 };
 
-constexpr const char* library = "&FRAGMENT process clean(what=tmp)\n"
-                                "  rm [what] [other]\n"
-                                "&FRAGMENT control big(cores)\n"
-                                "  totcore [cores]\n"
-                                "&FRAGMENT task_body opt(method, basis=SVP)\n"
-                                "  %keywords [method]/[basis]\n"
-                                "  %process\n"
-                                "    &INCLUDE clean(what=[basis])\n"
-                                "&FRAGMENT document pair(name)\n"
-                                "$[name]_a\n"
-                                "$[name]_b\n"
-                                "&INCLUDE this.opt(method=HF)\n"
-                                "&FRAGMENT text note(n=1)\n"
-                                "# note [n]\n"
-                                "%no directive\n"
-                                "$x\n"
-                                "@end\n";
+constexpr const char* libraryText = "&FRAGMENT process clean(what=tmp)\n"
+                                    "  rm [what] [other]\n"
+                                    "&FRAGMENT control big(cores)\n"
+                                    "  totcore [cores]\n"
+                                    "&FRAGMENT task_body opt(method, basis=SVP)\n"
+                                    "  %keywords [method]/[basis]\n"
+                                    "  %process\n"
+                                    "    &INCLUDE clean(what=[basis])\n"
+                                    "&FRAGMENT document pair(name)\n"
+                                    "$[name]_a\n"
+                                    "$[name]_b\n"
+                                    "&INCLUDE this.opt(method=HF)\n"
+                                    "&FRAGMENT text note(n=1)\n"
+                                    "# note [n]\n"
+                                    "%no directive\n"
+                                    "$x\n"
+                                    "@end\n";
 
 TEST_F(ExpandIncludes, AFileWithoutIncludesIsTakenAsItIs) {
     const char* text =
@@ -75,7 +75,7 @@ TEST_F(ExpandIncludes, HeredocLinesAreText) {
 }
 
 TEST_F(ExpandIncludes, ImportsAddNoLinesAndReferencesTheirBodies) {
-    (void)dir.write("l.mqlib", library);
+    (void)dir.write("l.mqlib", libraryText);
     const auto result =
         lines("&INCLUDE l.mqlib as lib\n$a\n%process\n  &INCLUDE lib.clean(what=scratch)\n  ls\n");
     EXPECT_EQ(textOf(result), "$a\n%process\n  rm scratch [other]\n  ls\n");
@@ -85,7 +85,7 @@ TEST_F(ExpandIncludes, ImportsAddNoLinesAndReferencesTheirBodies) {
 }
 
 TEST_F(ExpandIncludes, ATaskBodyFragmentEndsWithABoundary) {
-    (void)dir.write("l.mqlib", library);
+    (void)dir.write("l.mqlib", libraryText);
     const auto result = lines(
         "&INCLUDE l.mqlib as lib\n$a\n&INCLUDE lib.opt(\n  method = B3LYP, # best\n  basis='TZP')\n text\n");
     EXPECT_EQ(textOf(result), "$a\n  %keywords B3LYP/TZP\n  %process\n  rm TZP [other]\n\n text\n");
@@ -97,7 +97,7 @@ TEST_F(ExpandIncludes, ATaskBodyFragmentEndsWithABoundary) {
 }
 
 TEST_F(ExpandIncludes, ADocumentFragmentStandsAtFileScopeAndEndsTheTask) {
-    (void)dir.write("l.mqlib", library);
+    (void)dir.write("l.mqlib", libraryText);
     EXPECT_EQ(expand("&INCLUDE l.mqlib as lib\n&INCLUDE lib.pair(name=p)\n"),
               "$p_a\n$p_b\n  %keywords HF/SVP\n  %process\n  rm SVP [other]\n\n");
     EXPECT_EQ(fault("&INCLUDE l.mqlib as lib\n$a\n&INCLUDE lib.pair(name=p)\n%process\n"),
@@ -107,7 +107,7 @@ TEST_F(ExpandIncludes, ADocumentFragmentStandsAtFileScopeAndEndsTheTask) {
 }
 
 TEST_F(ExpandIncludes, TextFragmentsAreVerbatim) {
-    (void)dir.write("l.mqlib", library);
+    (void)dir.write("l.mqlib", libraryText);
     (void)dir.write("raw.txt", "%raw\n&INCLUDE lib.note(n=2)\n@end\n");
     const auto result =
         lines("&INCLUDE l.mqlib as lib\n$a\n%body\n  &INCLUDE lib.note\n &INCLUDE raw.txt\n x\n%process\n");
@@ -146,7 +146,7 @@ TEST_F(ExpandIncludes, EachDirectiveOpensItsScope) {
         {"%body << E\nE", "text"},
     };
     // A document fragment fits none of them, so the message names the scope.
-    (void)dir.write("l.mqlib", library);
+    (void)dir.write("l.mqlib", libraryText);
     for (const auto& [directive, scope] : rows) {
         EXPECT_THAT(
             fault(std::string("&INCLUDE l.mqlib as lib\n$a\n") + directive +
@@ -156,7 +156,7 @@ TEST_F(ExpandIncludes, EachDirectiveOpensItsScope) {
 }
 
 TEST_F(ExpandIncludes, CommandFragmentsFitBothCommandBlocks) {
-    (void)dir.write("l.mqlib", library);
+    (void)dir.write("l.mqlib", libraryText);
     (void)dir.write("p.mqfrag", "&FRAGMENT preprocess\n cp\n");
     EXPECT_EQ(
         expand(
@@ -184,7 +184,7 @@ TEST_F(ExpandIncludes, ABlockEndsTheTask) {
 }
 
 TEST_F(ExpandIncludes, TellsWhatDoesNotFitItsPlace) {
-    (void)dir.write("l.mqlib", library);
+    (void)dir.write("l.mqlib", libraryText);
     (void)dir.write("m.mqlib", "");
     (void)dir.write("task.mqfrag", "%process\n$b\n");
     (void)dir.write(

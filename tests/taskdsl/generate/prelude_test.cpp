@@ -79,6 +79,12 @@ TEST(Prelude, ReadsSettingsDefinesAxesAndCollections) {
     EXPECT_THAT(prelude.warnings, IsEmpty());
 }
 
+TEST(Prelude, OfTwoSectionsTheLaterValueCounts) {
+    const auto prelude = read("a: old\nb: kept\nl: [x, y]\ndefine:\n  d: 1\na: new\nl: [z]\n");
+    EXPECT_EQ(prelude.result.settings, (ValueMap{{"a", "new"}, {"b", "kept"}}));
+    EXPECT_THAT(prelude.result.collections.at("l"), ElementsAre(ValueMap{{"index", "1"}, {"value", "z"}}));
+}
+
 TEST(Prelude, EndsWhereTheBodyBegins) {
     const std::vector<std::pair<const char*, std::size_t>> rows{
         {"$a\n", 0},

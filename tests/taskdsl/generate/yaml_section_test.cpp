@@ -13,15 +13,8 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using ::testing::StartsWith;
 
-struct Section {
-    ValueMap settings;
-    Collections collections;
-};
-
-Section read(const std::string& text, const std::string& path = "t.mq", std::size_t firstLine = 1) {
-    Section section;
-    readYamlSection(text, path, firstLine, section.settings, section.collections);
-    return section;
+YamlSection readSection(const std::string& text, const std::string& path = "t.mq", std::size_t firstLine = 1) {
+    return readYamlSection(text, path, firstLine);
 }
 
 TEST(YamlSection, ScalarsAndInnerMappingsAreSettings) {
@@ -46,7 +39,7 @@ TEST(YamlSection, ScalarsAndInnerMappingsAreSettings) {
         {"a: 1 # note\nb:  2 \n", {{"a", "1"}, {"b", "2"}}},
     };
     for (const auto& [text, settings] : rows) {
-        const auto section = read(text);
+        const auto section = readSection(text);
         EXPECT_EQ(section.settings, settings) << text;
         EXPECT_THAT(section.collections, IsEmpty()) << text;
     }
@@ -54,7 +47,7 @@ TEST(YamlSection, ScalarsAndInnerMappingsAreSettings) {
 
 TEST(YamlSection, ASequenceIsACollectionWithItsPositions) {
     const auto section =
-        read("mols:\n  - water\n  - name: oh\n    at: {x: 1}\n  -\n  - [1]\n  - last\nnone: []\n");
+        readSection("mols:\n  - water\n  - name: oh\n    at: {x: 1}\n  -\n  - [1]\n  - last\nnone: []\n");
     EXPECT_THAT(section.settings, IsEmpty());
     EXPECT_THAT(section.collections,
                 ElementsAre(Pair("mols", ElementsAre(ValueMap{{"index", "1"}, {"value", "water"}},
@@ -63,16 +56,9 @@ TEST(YamlSection, ASequenceIsACollectionWithItsPositions) {
                             Pair("none", IsEmpty())));
 }
 
-TEST(YamlSection, AddsToWhatIsThereAndTheNewValueCounts) {
-    Section section{{{"a", "old"}, {"b", "kept"}}, {{"l", {{{"value", "old"}}}}}};
-    readYamlSection("a: new\nl: [x]\n", "t.mq", 1, section.settings, section.collections);
-    EXPECT_EQ(section.settings, (ValueMap{{"a", "new"}, {"b", "kept"}}));
-    EXPECT_THAT(section.collections.at("l"), ElementsAre(ValueMap{{"index", "1"}, {"value", "x"}}));
-}
-
 TEST(YamlSection, FaultsHaveTheLineOfTheFile) {
     const auto fault = [](const std::string& text, const std::string& path, std::size_t firstLine) {
-        return messageOf([&] { (void)read(text, path, firstLine); });
+        return messageOf([&] { (void)readSection(text, path, firstLine); });
     };
     EXPECT_EQ(fault("a: 1\nb: [1\n", "t.mq", 10),
               "failed to parse YAML prelude in 't.mq': yaml-cpp: error at "
@@ -91,8 +77,8 @@ TEST(YamlSection, MappingsNestAHundredDeepAtMost) {
         }
         return text + "1" + std::string(static_cast<std::size_t>(depth), '}');
     };
-    EXPECT_EQ(messageOf([&] { (void)read(nested(100)); }), "no fault");
-    EXPECT_EQ(messageOf([&] { (void)read(nested(101)); }),
+    EXPECT_EQ(messageOf([&] { (void)readSection(nested(100)); }), "no fault");
+    EXPECT_EQ(messageOf([&] { (void)readSection(nested(101)); }),
               "failed to parse YAML prelude in 't.mq': mappings are nested more than 100 deep");
 }
 

@@ -1,7 +1,6 @@
 // What the statements about data leave in the record. Their messages are the matter of plot_parser_test.cpp.
 
-#include "fixtures/plot_reading.h"
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <gmock/gmock.h>

@@ -1,7 +1,6 @@
 // Barrier points and level columns as records. Their messages are the matter of plot_parser_test.cpp.
 
-#include "fixtures/plot_reading.h"
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

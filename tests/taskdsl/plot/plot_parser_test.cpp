@@ -1,6 +1,6 @@
 #include "taskdsl/plot/plot_parser.h"
 
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

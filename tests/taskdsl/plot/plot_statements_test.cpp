@@ -1,8 +1,7 @@
 // The statements that every kind knows, as they change the record. Their messages are the matter of
 // plot_parser_test.cpp.
 
-#include "fixtures/plot_reading.h"
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

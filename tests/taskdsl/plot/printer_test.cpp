@@ -2,7 +2,7 @@
 
 #include "taskdsl/plot/substitute_plot.h"
 
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

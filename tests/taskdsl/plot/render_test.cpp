@@ -1,6 +1,6 @@
 #include "taskdsl/plot/render.h"
 
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,12 +9,12 @@ namespace morquill::taskdsl::plot {
 namespace {
 
 /// What was written, and what it prints as; that must print as itself.
-struct Row {
+struct Rendered {
     std::string_view written;
     std::string_view expected;
 };
 
-const Row rows[] = {
+const Rendered renderedRows[] = {
     {"@plot barrier path\n"
      "title \"Path\"\n"
      "relative to r\n"
@@ -273,7 +273,7 @@ const Row rows[] = {
 };
 
 TEST(RenderPlot, CanonicalTextIsItsOwnFixedPoint) {
-    for (const auto& row : rows) {
+    for (const auto& row : renderedRows) {
         EXPECT_EQ(reprinted(row.written), row.expected);
         EXPECT_EQ(reprinted(row.expected), row.expected);
         EXPECT_TRUE(readBack(parsed(row.written)).lawful()) << row.written;

@@ -1,6 +1,6 @@
 #include "taskdsl/plot/task_references.h"
 
-#include "fixtures/plots.h"
+#include "fixtures/plot_fixture.h"
 
 #include <gtest/gtest.h>
 

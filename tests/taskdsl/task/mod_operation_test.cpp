@@ -69,6 +69,15 @@ TEST(ParseModLine, SplitsKeyAndValue) {
     }
 }
 
+TEST(ModOperation, IsOneOfFourWords) {
+    for (const char* word : {"add", "subtract", "select", "remove"}) {
+        EXPECT_TRUE(isModOperation(word)) << word;
+    }
+    for (const char* word : {"", "Add", "adds", "set", "charge"}) {
+        EXPECT_FALSE(isModOperation(word)) << word;
+    }
+}
+
 TEST(ParseModTarget, NamesWithSlots) {
     EXPECT_EQ(parseModTarget("charge"), (ModTarget{ModTargetKind::charge, "main"}));
     EXPECT_EQ(parseModTarget("spin.main"), (ModTarget{ModTargetKind::spin, "main"}));
