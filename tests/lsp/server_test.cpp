@@ -1,11 +1,13 @@
 #include "lsp/server.h"
 
 #include "fixtures/lsp_client.h"
+#include "lsp/method_table.h"
 
 namespace {
 
 using namespace morquill::lsp;
 using std::chrono::milliseconds;
+using namespace std::string_literals;
 
 TEST(Server, RefusesRequestsBeforeInitialize) {
     LspClient client(LspClient::notInitialized);
@@ -156,6 +158,48 @@ TEST(Server, ABadNotificationIsLoggedAndCostsNothing) {
     ASSERT_EQ(messages.size(), 1U);
     EXPECT_EQ(messages[0]["method"], "window/logMessage");
     EXPECT_TRUE(client.request("shutdown", nullptr).is_null());
+}
+
+/// The values "0, 1, ..., 999".
+std::string thousandValues() {
+    std::string list = "0";
+    for (int i = 1; i < 1000; ++i) {
+        list += ", " + std::to_string(i);
+    }
+    return list;
+}
+
+TEST(Server, AnswersEveryRequestAboutAnyText) {
+    constexpr const char* uri = "untitled:1";
+    const std::string values = thousandValues();
+    const std::string texts[] = {
+        "$a\n  %source " + std::string(1'000'000, 'x') + "\n",
+        std::string(1'000'000, '['),
+        "$a\n  %when " + std::string(100'000, '('),
+        "@derive d\n  let g = " + std::string(100'000, '-') + "1\n@end\n",
+        "matrix:\n  a: " + values + "\n  b: " + values + "\n  c: " + values +
+            "\n$t_[a]_[b]_[c]\n  %keywords hf\n",
+        "$\0\x01\n  %source \x7f\r\r\n  %when {{ \xf0\x9f\x98\x80.x }} = \t\n"s,
+    };
+    for (const auto& text : texts) {
+        LspClient client;
+        client.open(uri, text);
+        client.idle();
+        for (const auto& row : requestTable()) {
+            Json params = LspClient::at(uri, 1, 12);
+            params["positions"] = Json::array({params["position"]});
+            params["range"] = {{"start", {{"line", 0}, {"character", 0}}},
+                               {"end", {{"line", 9}, {"character", 0}}}};
+            params["context"] = {{"includeDeclaration", true}, {"diagnostics", Json::array()}};
+            params["newName"] = "other";
+            params["previousResultId"] = "1";
+            params["query"] = "a";
+            const Json answer = client.ask(row.method, std::move(params));
+            EXPECT_TRUE(answer.contains("result") || answer["error"]["code"] != -32603)
+                << row.method << ": " << answer.dump().substr(0, 300) << "\n"
+                << text.substr(0, 40);
+        }
+    }
 }
 
 } // namespace
