@@ -1,6 +1,7 @@
 #include "project/cases/target.h"
 
 #include "fixtures/scratch_tree.h"
+#include "support/paths.h"
 
 #include <sys/stat.h>
 
