@@ -190,6 +190,10 @@ out_of_order() { # cases in which a block began before the one that it depends o
     echo "$n"
 }
 
+begun_after_end() { # <block>: in how many cases it began again after its end
+    awk 'FNR == 1 { ended = 0 } $1 == "end" { ended = 1; next } ended { print FILENAME; ended = 0 }' m*/"$1"/runs | wc -l
+}
+
 # Recipe 5: a bundle runs into its time limit with one block that hangs. It is stopped and requeued; what had ended is
 # not repeated.
 step_limit() {
@@ -199,7 +203,9 @@ step_limit() {
     "$recipes/submit-array" -n long --bundle 20 --at-once 4 -- --time=1 --signal=B:USR1@40 >/dev/null 2>&1
     drained 300
     check "all done after the limit but the one that fails" "$((cases - 1)) 0 0 1 0" "$(table_row long)"
-    check "the block that hung began twice, no other" "$((cases - 1))x1 1x2" "$(counted long start)"
+    # On a busy machine other bundles are at work for so long that the signal interrupts some of their blocks, too.
+    check "the block that hung began again" yes "$([[ $(grep -c start "$last/long/runs") -ge 2 ]] && echo yes)"
+    check "what had ended never did" 0 "$(begun_after_end long)"
     check "each ended once" "1x0 $((cases - 1))x1" "$(counted long end)"
     check "its log tells" 1 "$(grep -c 'stopped by SIG' "$last/long/cluster.log")"
     rm m1/long/fail
