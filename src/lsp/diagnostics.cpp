@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <set>
+#include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -39,13 +41,13 @@ Json placeJson(const std::string& uri, const Json& range, std::string_view messa
 /// Adds the issues of one text.
 class Report {
   public:
-    Report(Session& session, const OpenText& text) : session_(session), text_(text) {
+    Report(Session& session, const OpenText& text) : session_(session), text_(text), places_(text) {
         byUri_[text.uri] = Json::array();
     }
 
     void add(const lint::LintIssue& issue) {
         const int severity = issue.severity == lint::LintSeverity::error ? errorSeverity : warningSeverity;
-        const IssuePlace place = placeOfIssue(issue, text_);
+        const IssuePlace place = places_.of(issue);
         if (place.file.empty()) {
             const auto range = narrowedRange(issue, place.range, session_.sources.of(text_));
             addHere(range, severity, issue.code, place.message);
@@ -55,7 +57,7 @@ class Report {
     }
 
     void addWarning(const std::string& warning) {
-        addHere(placeOfWarning(warning, text_), warningSeverity, "parser-warning", warningMessage(warning));
+        addHere(places_.ofWarning(warning), warningSeverity, "parser-warning", warningMessage(warning));
     }
 
     ByUri take() { return std::move(byUri_); }
@@ -68,9 +70,7 @@ class Report {
 
     /// A fault in an included file is shown there, and here at the line that includes it.
     void addElsewhere(const IssuePlace& place, int severity, std::string_view code) {
-        const auto uri = uriOf(session_, place.file);
-        const OpenText* open = session_.texts.findPath(place.file);
-        const TextBuffer other = open == nullptr ? textOnDisk(place.file) : open->buffer;
+        const auto& [uri, other] = otherText(place.file);
         PositionWalk otherWalk(other, session_.client.unit);
         const auto range = rangeJson(otherWalk, spanRange(place.span, other));
         Json& there = byUri_[uri];
@@ -85,21 +85,41 @@ class Report {
         byUri_[text_.uri].push_back(std::move(here));
     }
 
+    /// Another file with its URI.
+    struct OtherText {
+        std::string uri;
+        TextBuffer buffer;
+    };
+    const OtherText& otherText(const std::string& path) {
+        const auto known = others_.find(path);
+        if (known != others_.end()) {
+            return known->second;
+        }
+        const OpenText* open = session_.texts.findPath(path);
+        return others_
+            .emplace(path,
+                     OtherText{uriOf(session_, path), open == nullptr ? textOnDisk(path) : open->buffer})
+            .first->second;
+    }
+
     Session& session_;
     const OpenText& text_;
+    IssuePlaces places_;
+    std::map<std::string, OtherText> others_;
     ByUri byUri_;
 };
 
 /// Everything that is shown in a file, each thing once.
 Json shownIn(const Session& session, const std::string& uri) {
     Json shown = Json::array();
+    std::unordered_set<std::string> seen;
     for (const auto& [source, byUri] : session.contributions) {
         const auto found = byUri.find(uri);
         if (found == byUri.end()) {
             continue;
         }
         for (const Json& diagnostic : found->second) {
-            if (std::find(shown.begin(), shown.end(), diagnostic) == shown.end()) {
+            if (seen.insert(diagnostic.dump(-1, ' ', false, Json::error_handler_t::replace)).second) {
                 shown.push_back(diagnostic);
             }
         }

@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace morquill::lsp {
@@ -13,7 +14,11 @@ namespace morquill::lsp {
 namespace {
 
 /// The names of those that use a task, each once, in the order of their files.
-using Users = std::map<std::string_view, std::vector<std::string_view>>;
+struct UserList {
+    std::vector<std::string_view> names;
+    std::unordered_set<std::string_view> known;
+};
+using Users = std::map<std::string_view, UserList>;
 
 /// The task, plot or derive around an occurrence.
 std::string_view ownerOf(const SourceFile& file, const Occurrence& o) {
@@ -36,8 +41,8 @@ Users usersOf(const std::vector<const SourceFile*>& files) {
             }
             auto& list = users[file->name(o)];
             const auto owner = ownerOf(*file, o);
-            if (!owner.empty() && std::find(list.begin(), list.end(), owner) == list.end()) {
-                list.push_back(owner);
+            if (!owner.empty() && list.known.insert(owner).second) {
+                list.names.push_back(owner);
             }
         }
     }
@@ -92,9 +97,9 @@ Json codeLenses(Session& session, const Json& params) {
             continue;
         }
         const auto found = users.find(file.name(o));
-        if (found != users.end() && !found->second.empty()) {
+        if (found != users.end() && !found->second.names.empty()) {
             lenses.push_back({{"range", rangeJson(walk, {o.begin, o.end()})},
-                              {"command", {{"title", usedBy(found->second)}, {"command", ""}}}});
+                              {"command", {{"title", usedBy(found->second.names)}, {"command", ""}}}});
         }
     }
     return lenses;

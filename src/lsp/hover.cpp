@@ -191,8 +191,9 @@ std::string describe(const HoverContext& context) {
 /// What the codes of the issues at an offset mean.
 std::string issueHover(Session& session, const OpenText& text, const SourceFile& file, std::size_t offset) {
     std::string shown;
+    IssuePlaces places(text);
     for (const auto& issue : session.analyses.of(text).report.issues) {
-        const auto place = placeOfIssue(issue, text);
+        const auto place = places.of(issue);
         const auto range = narrowedRange(issue, place.range, file);
         const auto* row = findHelp(HelpTopic::lintCode, issue.code);
         if (row != nullptr && range.begin <= offset && offset <= range.end) {

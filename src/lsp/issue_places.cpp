@@ -58,14 +58,6 @@ std::optional<PlacedMessage> splitPlacedMessage(std::string_view text) noexcept 
     return std::nullopt;
 }
 
-/// True when both paths lead to one file. A text that belongs to no file is called "<memory>".
-bool isSameFile(const std::string& path, const OpenText& text) {
-    if (path.empty() || path == "<memory>" || path == text.path) {
-        return true;
-    }
-    return !text.path.empty() && normalisedPath(absolutePath(path)) == text.canonicalPath;
-}
-
 /// The name in the first pair of single quotes behind `label`.
 std::string_view quotedBehind(std::string_view text, std::string_view label) noexcept {
     const auto at = text.find(label);
@@ -76,55 +68,14 @@ std::string_view quotedBehind(std::string_view text, std::string_view label) noe
     return text.substr(0, text.find('\''));
 }
 
-/// The line that `accept` takes first; nothing when there is none.
-template <class Accept>
-std::optional<ByteRange> findLine(const TextBuffer& buffer, const Accept& accept) {
-    std::int64_t number = 0;
-    for (const auto line : splitLines(skipByteOrderMark(buffer.text()))) {
-        ++number;
-        if (accept(taskdsl::cleanLine(line))) {
-            return lineRange(buffer, number);
-        }
-    }
-    return std::nullopt;
-}
-
-std::optional<ByteRange> taskHeader(const TextBuffer& buffer, std::string_view name) {
-    if (name.empty()) {
-        return std::nullopt;
-    }
-    return findLine(buffer, [name](std::string_view text) { return taskdsl::taskHeaderName(text) == name; });
-}
-
-/// The file that an include line names; empty for another line.
+/// The file that an include line names; empty when it cannot be read.
 std::string includedFile(std::string_view text, const OpenText& owner) {
-    if (!text.starts_with("&INCLUDE")) {
-        return {};
-    }
     try {
         return taskdsl::resolveIncludePath(searchName(taskdsl::parseIncludeLine(text)), owner.path,
                                            console::findLibraryFile);
     } catch (const taskdsl::DiagnosticError&) {
         return {};
     }
-}
-
-std::optional<ByteRange> includeLineOf(const OpenText& text, const std::string& file) {
-    const auto wanted = normalisedPath(absolutePath(file));
-    return findLine(text.buffer, [&](std::string_view line) {
-        const auto target = includedFile(line, text);
-        return !target.empty() && normalisedPath(target) == wanted;
-    });
-}
-
-/// The line that leads to a file: the one that names it, or else the first that includes anything.
-ByteRange includeRange(const OpenText& text, const std::string& file) {
-    if (auto range = includeLineOf(text, file)) {
-        return *range;
-    }
-    const auto first =
-        findLine(text.buffer, [](std::string_view line) { return line.starts_with("&INCLUDE"); });
-    return first.value_or(lineRange(text.buffer, 1));
 }
 
 /// The kind of name that an issue is about, and where its message has it.
@@ -186,7 +137,7 @@ ByteRange spanRange(const SourceSpan& span, const TextBuffer& buffer) {
     return span.endColumn == wholeLine ? lineRange(buffer, span.line) : range;
 }
 
-IssuePlace placeOfIssue(const lint::LintIssue& issue, const OpenText& text) {
+IssuePlace IssuePlaces::of(const lint::LintIssue& issue) {
     IssuePlace place{{}, {}, issue.span, issue.message};
     std::string file = issue.file;
     if (isValidSpan(issue.span)) {
@@ -201,29 +152,91 @@ IssuePlace placeOfIssue(const lint::LintIssue& issue, const OpenText& text) {
         place.span = {SharedText(file), line, 1, line, wholeLine};
         place.message = placed->message;
     }
-    if (!isSameFile(file, text)) {
+    if (!isHere(file)) {
         place.file = file;
-        place.range = includeRange(text, file);
+        place.range = includeRange(file);
     } else if (isValidSpan(place.span)) {
-        place.range = spanRange(place.span, text.buffer);
+        place.range = spanRange(place.span, text_.buffer);
     } else {
-        const auto header = taskHeader(text.buffer, quotedBehind(issue.message, "task '"));
-        place.range = header.value_or(lineRange(text.buffer, 1));
+        const auto header = taskHeader(quotedBehind(issue.message, "task '"));
+        place.range = header.value_or(lineRange(text_.buffer, 1));
     }
     return place;
 }
 
-ByteRange placeOfWarning(std::string_view warning, const OpenText& text) {
-    if (const auto header = taskHeader(text.buffer, quotedBehind(warning, "task '"))) {
+ByteRange IssuePlaces::ofWarning(std::string_view warning) {
+    if (const auto header = taskHeader(quotedBehind(warning, "task '"))) {
         return *header;
     }
     const auto path = warning.rfind(": ");
     if (path != std::string_view::npos) {
-        if (auto line = includeLineOf(text, std::string(warning.substr(path + 2)))) {
+        if (auto line = includeLineOf(std::string(warning.substr(path + 2)))) {
             return *line;
         }
     }
-    return lineRange(text.buffer, 1);
+    return lineRange(text_.buffer, 1);
+}
+
+/// True for a path that leads to the text's own file. A text that belongs to no file is called "<memory>".
+bool IssuePlaces::isHere(const std::string& path) {
+    if (path.empty() || path == "<memory>" || path == text_.path) {
+        return true;
+    }
+    if (text_.path.empty()) {
+        return false;
+    }
+    const auto [entry, isNew] = here_.try_emplace(path, false);
+    if (isNew) {
+        entry->second = normalisedPath(absolutePath(path)) == text_.canonicalPath;
+    }
+    return entry->second;
+}
+
+const IssuePlaces::NamingLines& IssuePlaces::lines() {
+    if (lines_) {
+        return *lines_;
+    }
+    lines_.emplace();
+    std::int64_t number = 0;
+    for (const auto whole : splitLines(skipByteOrderMark(text_.buffer.text()))) {
+        ++number;
+        const auto line = taskdsl::cleanLine(whole);
+        if (const auto name = taskdsl::taskHeaderName(line); !name.empty()) {
+            lines_->headers.try_emplace(std::string(name), lineRange(text_.buffer, number));
+        } else if (line.starts_with("&INCLUDE")) {
+            const auto range = lineRange(text_.buffer, number);
+            lines_->firstInclude = lines_->firstInclude.value_or(range);
+            if (const auto file = includedFile(line, text_); !file.empty()) {
+                lines_->includes.try_emplace(normalisedPath(file), range);
+            }
+        }
+    }
+    return *lines_;
+}
+
+std::optional<ByteRange> IssuePlaces::taskHeader(std::string_view name) {
+    if (name.empty()) {
+        return std::nullopt;
+    }
+    const auto found = lines().headers.find(name);
+    return found == lines().headers.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<ByteRange> IssuePlaces::includeLineOf(const std::string& file) {
+    const auto [entry, isNew] = included_.try_emplace(file);
+    if (isNew) {
+        const auto found = lines().includes.find(normalisedPath(absolutePath(file)));
+        entry->second = found == lines().includes.end() ? std::nullopt : std::optional(found->second);
+    }
+    return entry->second;
+}
+
+/// The line that leads to a file: the one that names it, or else the first that includes anything.
+ByteRange IssuePlaces::includeRange(const std::string& file) {
+    if (auto range = includeLineOf(file)) {
+        return *range;
+    }
+    return lines().firstInclude.value_or(lineRange(text_.buffer, 1));
 }
 
 std::string_view warningMessage(std::string_view warning) noexcept {

@@ -4,6 +4,9 @@
 #include "lsp/sources/source_files.h"
 #include "lsp/sources/text_store.h"
 
+#include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,15 +20,41 @@ struct IssuePlace {
     std::string message;      ///< without the place that some messages begin with
 };
 
-[[nodiscard]] IssuePlace placeOfIssue(const lint::LintIssue& issue, const OpenText& text);
+/// Finds the places of the issues of one text. What is looked up is kept, so that very many issues cost no
+/// more than one look at each line. The text must not change meanwhile.
+class IssuePlaces {
+  public:
+    explicit IssuePlaces(const OpenText& text) : text_(text) {}
+
+    [[nodiscard]] IssuePlace of(const lint::LintIssue& issue);
+    /// The place of a parser's warning, which names none: the task that it is about, or the line that
+    /// includes the file that it is about, or the first line.
+    [[nodiscard]] ByteRange ofWarning(std::string_view warning);
+
+  private:
+    /// The lines that name something.
+    struct NamingLines {
+        std::map<std::string, ByteRange, std::less<>> headers;  ///< the first header of each task
+        std::map<std::string, ByteRange, std::less<>> includes; ///< the first line that leads to each file
+        std::optional<ByteRange> firstInclude;
+    };
+
+    [[nodiscard]] bool isHere(const std::string& path);
+    [[nodiscard]] const NamingLines& lines();
+    [[nodiscard]] std::optional<ByteRange> taskHeader(std::string_view name);
+    [[nodiscard]] std::optional<ByteRange> includeLineOf(const std::string& file);
+    [[nodiscard]] ByteRange includeRange(const std::string& file);
+
+    const OpenText& text_;
+    std::map<std::string, bool> here_;
+    std::map<std::string, std::optional<ByteRange>> included_;
+    std::optional<NamingLines> lines_;
+};
 
 /// The name that the issue is about, where it is about one that stands in the range or in the block that
 /// begins there; otherwise the range.
 [[nodiscard]] ByteRange narrowedRange(const lint::LintIssue& issue, ByteRange range, const SourceFile& file);
 
-/// The place of a parser's warning, which names none: the task that it is about, or the line that includes
-/// the file that it is about, or the first line.
-[[nodiscard]] ByteRange placeOfWarning(std::string_view warning, const OpenText& text);
 /// The warning without "Warning: " in front.
 [[nodiscard]] std::string_view warningMessage(std::string_view warning) noexcept;
 

@@ -8,8 +8,11 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <map>
 #include <numeric>
 #include <optional>
+#include <span>
 #include <utility>
 
 namespace morquill::lsp {
@@ -51,12 +54,17 @@ struct Broken {
         const auto line = wholeLine();
         return source().substr(line.begin, source().find_first_not_of(" \t", line.begin) - line.begin);
     }
+    [[nodiscard]] std::span<const Occurrence> occurrencesInLine() const noexcept {
+        const auto& all = file.index.occurrences;
+        const auto line = wholeLine();
+        const auto startsBefore = [](const Occurrence& o, std::size_t offset) { return o.begin < offset; };
+        const auto first = std::lower_bound(all.begin(), all.end(), line.begin, startsBefore);
+        return {first, std::lower_bound(first, all.end(), line.end, startsBefore)};
+    }
     /// The first occurrence of a kind in the line.
     [[nodiscard]] const Occurrence* inLine(NameKind kind, std::string_view name = {}) const noexcept {
-        const auto line = wholeLine();
-        for (const auto& o : file.index.occurrences) {
-            if (o.begin >= line.begin && o.begin < line.end && o.kind == kind &&
-                (name.empty() || file.name(o) == name)) {
+        for (const auto& o : occurrencesInLine()) {
+            if (o.kind == kind && (name.empty() || file.name(o) == name)) {
                 return &o;
             }
         }
@@ -65,11 +73,17 @@ struct Broken {
     /// True when the task around the issue has that directive.
     [[nodiscard]] bool taskHas(std::string_view directive) const noexcept {
         const auto task = enclosing(file.index, blockAt(file.index, range.begin), BlockKind::task);
-        return task != noIndex &&
-               std::any_of(file.index.blocks.begin(), file.index.blocks.end(), [&](const Block& block) {
-                   return block.kind == BlockKind::directive && block.parent == task &&
-                          block.name != noIndex && file.name(file.index.occurrences[block.name]) == directive;
-               });
+        if (task == noIndex) {
+            return false;
+        }
+        const auto& blocks = file.index.blocks;
+        for (auto i = task + 1; i < blocks.size() && blocks[i].begin < blocks[task].end; ++i) {
+            if (blocks[i].kind == BlockKind::directive && blocks[i].parent == task &&
+                blocks[i].name != noIndex && file.name(file.index.occurrences[blocks[i].name]) == directive) {
+                return true;
+            }
+        }
+        return false;
     }
     /// The place behind the line, with the line end that is missing there.
     [[nodiscard]] TextEdit behindLine(std::string lines) const {
@@ -121,9 +135,8 @@ std::optional<Fix> sourceGuess(const Broken& broken) {
 
 std::optional<Fix> multiSource(const Broken& broken) {
     std::vector<const Occurrence*> tasks;
-    const auto line = broken.wholeLine();
-    for (const auto& o : broken.file.index.occurrences) {
-        if (o.kind == NameKind::task && o.begin >= line.begin && o.begin < line.end) {
+    for (const auto& o : broken.occurrencesInLine()) {
+        if (o.kind == NameKind::task) {
             tasks.push_back(&o);
         }
     }
@@ -301,17 +314,27 @@ struct FixedIssue {
     Certainty certainty;
 };
 
-std::vector<FixedIssue> fixesOf(Session& session, const OpenText& text) {
+/// True when the ranges have a place in common, be it the end of one.
+bool touch(ByteRange left, ByteRange right) noexcept {
+    return left.begin <= right.end && right.begin <= left.end;
+}
+
+/// The fixes of all issues; of those that are guesses only the ones that touch the range.
+std::vector<FixedIssue> fixesOf(Session& session, const OpenText& text, ByteRange asked) {
+    IssuePlaces places(text);
     const SourceFile& file = session.sources.of(text);
     std::vector<FixedIssue> found;
     for (const auto& issue : session.analyses.of(text).report.issues) {
         const auto row =
             std::find_if(fixes.begin(), fixes.end(), [&](const FixRow& r) { return r.code == issue.code; });
-        const auto place = placeOfIssue(issue, text);
+        const auto place = places.of(issue);
         if (row == fixes.end() || !place.file.empty()) {
             continue;
         }
         const auto range = narrowedRange(issue, place.range, file);
+        if (row->certainty == Certainty::guessed && !touch(range, asked)) {
+            continue;
+        }
         if (auto fix = row->mend({session, text, file, issue, range})) {
             found.push_back({&issue, range, *std::move(fix), row->certainty});
         }
@@ -331,15 +354,19 @@ Json editJson(const Session& session, const OpenText& text, const std::vector<Te
 /// The edits of all sure fixes that do not touch one another.
 std::vector<TextEdit> allEdits(const std::vector<FixedIssue>& found) {
     std::vector<TextEdit> edits;
+    std::map<std::size_t, std::size_t> taken; // begins and ends of what is edited
+    const auto isFree = [&taken](const TextEdit& edit) {
+        const auto behind = taken.upper_bound(edit.range.end);
+        return behind == taken.begin() || std::prev(behind)->second < edit.range.begin;
+    };
     for (const auto& issue : found) {
-        const bool free =
-            std::none_of(issue.fix.edits.begin(), issue.fix.edits.end(), [&](const TextEdit& edit) {
-                return std::any_of(edits.begin(), edits.end(), [&](const TextEdit& made) {
-                    return edit.range.begin <= made.range.end && made.range.begin <= edit.range.end;
-                });
-            });
-        if (issue.certainty == Certainty::sure && free) {
-            edits.insert(edits.end(), issue.fix.edits.begin(), issue.fix.edits.end());
+        const auto& made = issue.fix.edits;
+        if (issue.certainty == Certainty::sure && std::all_of(made.begin(), made.end(), isFree)) {
+            edits.insert(edits.end(), made.begin(), made.end());
+            for (const auto& edit : made) {
+                auto& end = taken[edit.range.begin];
+                end = std::max(end, edit.range.end);
+            }
         }
     }
     std::stable_sort(edits.begin(), edits.end(), [](const TextEdit& left, const TextEdit& right) {
@@ -404,11 +431,10 @@ Json codeActions(Session& session, const Json& params) {
     if (!range) {
         throw ResponseError(ErrorCode::invalidParams, "range expected");
     }
-    const auto found = fixesOf(session, text);
+    const auto found = fixesOf(session, text, *range);
     Json actions = Json::array();
     for (const auto& issue : found) {
-        const bool touches = issue.range.begin <= range->end && range->begin <= issue.range.end;
-        if (touches && asksFor(params, "quickfix")) {
+        if (touch(issue.range, *range) && asksFor(params, "quickfix")) {
             actions.push_back({{"title", issue.fix.title},
                                {"kind", "quickfix"},
                                {"isPreferred", issue.certainty == Certainty::sure},

@@ -11,13 +11,13 @@ struct IssuePlacesTest : testing::Test {
     /// What an issue with that message, and no span of its own, is shown on.
     std::string shown(const std::string& content, const std::string& message) {
         const auto& text = store.open("file:///d/a.mq", 1, content);
-        const auto place = placeOfIssue({LintSeverity::error, "/d/a.mq", {}, "parse-error", message}, text);
+        const auto place = IssuePlaces(text).of({LintSeverity::error, "/d/a.mq", {}, "parse-error", message});
         return content.substr(place.range.begin, place.range.size()) + (place.file.empty() ? "" : " -> ") +
                place.file + " | " + place.message;
     }
     std::string warned(const std::string& content, const std::string& warning) {
         const auto& text = store.open("file:///d/a.mq", 1, content);
-        const auto range = placeOfWarning(warning, text);
+        const auto range = IssuePlaces(text).ofWarning(warning);
         return content.substr(range.begin, range.size());
     }
 
@@ -43,12 +43,11 @@ TEST_F(IssuePlacesTest, AMessageMayNameAnotherFile) {
 TEST_F(IssuePlacesTest, WhatAFragmentBringsIsAtFaultThere) {
     const std::string content = "$a\n&INCLUDE \"b.mqfrag\"\n";
     const auto& text = store.open("file:///d/a.mq", 1, content);
-    const auto place = placeOfIssue({LintSeverity::warning,
-                                     "/d/a.mq",
-                                     {SharedText("/d/b.mqfrag"), 2, 1, 2, 5},
-                                     "legacy-xtb-keywords",
-                                     "old"},
-                                    text);
+    const auto place = IssuePlaces(text).of({LintSeverity::warning,
+                                             "/d/a.mq",
+                                             {SharedText("/d/b.mqfrag"), 2, 1, 2, 5},
+                                             "legacy-xtb-keywords",
+                                             "old"});
     EXPECT_EQ(place.file, "/d/b.mqfrag");
     EXPECT_EQ(content.substr(place.range.begin, place.range.size()), "&INCLUDE \"b.mqfrag\"");
 }

@@ -169,6 +169,14 @@ std::string thousandValues() {
     return list;
 }
 
+std::string repeated(std::string_view text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i) {
+        all += text;
+    }
+    return all;
+}
+
 TEST(Server, AnswersEveryRequestAboutAnyText) {
     constexpr const char* uri = "untitled:1";
     const std::string values = thousandValues();
@@ -177,6 +185,10 @@ TEST(Server, AnswersEveryRequestAboutAnyText) {
         std::string(1'000'000, '['),
         "$a\n  %when " + std::string(100'000, '('),
         "@derive d\n  let g = " + std::string(100'000, '-') + "1\n@end\n",
+        repeated("$a\n  %source b\n  %keywords hf\n", 20'000), // as many faults as tasks
+        repeated("$a\n  %program xtb\n  %keywords hf\n", 20'000),
+        "$b\n" + repeated("$[a]\n  %source b\n", 20'000),
+        repeated("&INCLUDE x.mq\n", 1'000),
         "matrix:\n  a: " + values + "\n  b: " + values + "\n  c: " + values +
             "\n$t_[a]_[b]_[c]\n  %keywords hf\n",
         "$\0\x01\n  %source \x7f\r\r\n  %when {{ \xf0\x9f\x98\x80.x }} = \t\n"s,

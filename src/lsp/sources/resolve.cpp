@@ -1,7 +1,11 @@
 #include "lsp/sources/resolve.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include <fnmatch.h>
 
@@ -43,6 +47,16 @@ bool fitsTemplate(std::string_view text, std::string_view name) {
 
 bool hasKeys(std::string_view name) noexcept {
     return name.find('[') != std::string_view::npos;
+}
+
+using PlaceKey = std::pair<const SourceFile*, std::uint32_t>;
+
+std::set<PlaceKey> keysOf(const std::vector<Place>& places) {
+    std::set<PlaceKey> keys;
+    for (const Place& place : places) {
+        keys.emplace(place.file, place.occurrence);
+    }
+    return keys;
 }
 
 /// True for a name that counts in a block alone.
@@ -256,6 +270,26 @@ std::vector<Place> Resolver::references(const std::vector<Place>& definitions) c
     }
     const auto name = definitions.front().name();
     const auto wanted = kindClass(definitions.front().get().kind);
+    const std::set<PlaceKey> targets = keysOf(definitions);
+    // What a name means depends on its file, kind and scope, unless it stands behind another one.
+    std::map<std::tuple<const SourceFile*, NameKind, std::uint32_t>, bool> known;
+    const auto isMeant = [&](const Place& place) {
+        const auto find = [&] {
+            const auto meant = this->definitions(place);
+            return std::any_of(meant.begin(), meant.end(), [&](const Place& one) {
+                return targets.contains({one.file, one.occurrence});
+            });
+        };
+        const Occurrence& at = place.get();
+        if (at.qualifier != noIndex || at.kind == NameKind::table) {
+            return find();
+        }
+        const auto [entry, isNew] = known.try_emplace({place.file, at.kind, at.scope}, false);
+        if (isNew) {
+            entry->second = find();
+        }
+        return entry->second;
+    };
     for (const SourceFile* file : files_) {
         const auto& all = file->index.occurrences;
         for (std::uint32_t i = 0; i < all.size(); ++i) {
@@ -263,11 +297,7 @@ std::vector<Place> Resolver::references(const std::vector<Place>& definitions) c
                 file->name(all[i]) != name) {
                 continue;
             }
-            const auto meant = this->definitions({file, i});
-            const bool isMeant = std::any_of(meant.begin(), meant.end(), [&](const Place& place) {
-                return std::find(definitions.begin(), definitions.end(), place) != definitions.end();
-            });
-            if (isMeant) {
+            if (isMeant({file, i})) {
                 places.push_back({file, i});
             }
         }
