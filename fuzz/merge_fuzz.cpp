@@ -46,8 +46,10 @@ std::optional<std::string> faultOf(std::string_view text) {
 /// their own in a merged file.
 bool isPlain(std::string_view text) {
     const auto lines = splitLines(text);
-    return std::none_of(lines.begin(), lines.end(),
-                        [](std::string_view line) { return trim(line).starts_with('@'); });
+    return std::none_of(lines.begin(), lines.end(), [](std::string_view line) {
+        const auto statement = trim(line);
+        return statement.starts_with('@') || statement.starts_with('&');
+    });
 }
 
 /// The heads of all templates as they are merged.
