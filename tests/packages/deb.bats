@@ -23,10 +23,22 @@ files_there() { find "$root" -path "$root/var" -prune -o ! -type d -print; }
     diff <(grep -v 'running with root privileges' "$BATS_TEST_TMPDIR/found") /dev/null
 }
 
+@test "lintian needs every override that the package has" {
+    lintian --allow-root --display-info --fail-on none "$package" >"$BATS_TEST_TMPDIR/found"
+    run grep -F -e unused-override -e mismatched-override "$BATS_TEST_TMPDIR/found"
+    [ "$status" -eq 1 ] || { echo "$output"; return 1; }
+    [ "$(dpkg-deb --fsys-tarfile "$package" | tar -xO ./usr/share/lintian/overrides/mqkit | grep -c 'usr/bin/')" -eq 3 ]
+}
+
 @test "the package says what it is" {
     [ "$(dpkg-deb -f "$package" Version)" = "$(version)-1" ]
     [ "$(dpkg-deb -f "$package" Section)" = science ]
     [ -z "$(dpkg-deb -f "$package" Depends)" ]
+    [ "$(dpkg-deb -f "$package" Suggests)" = 'bash-completion, graphviz, jq' ]
+    dpkg-deb -f "$package" Description >"$BATS_TEST_TMPDIR/description"
+    grep -q '^ mqkit reads, checks' "$BATS_TEST_TMPDIR/description"
+    grep -q '^ mqkit-graph draws a task file' "$BATS_TEST_TMPDIR/description"
+    grep -q '^ mqkit-lsp is a language server' "$BATS_TEST_TMPDIR/description"
     dpkg-deb --fsys-tarfile "$package" | tar -xO ./usr/share/doc/mqkit/copyright >"$BATS_TEST_TMPDIR/copyright"
     grep -q '^MIT License$' "$BATS_TEST_TMPDIR/copyright"
     ! grep -e 'see LICENSE' -e NOTICE "$BATS_TEST_TMPDIR/copyright"
