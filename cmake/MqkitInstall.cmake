@@ -39,7 +39,7 @@ function(mqkit_install_link folder name path)
     install(FILES ${made}/${name} DESTINATION ${folder})
 endfunction()
 
-# Completions, each under the name by which its shell looks for it. bash has one file for both programs.
+# Completions, each under the name by which its shell looks for it. bash has one file for `mqkit` and `mqkit-graph`.
 set(bash_completions ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES completions/mqkit.bash RENAME mqkit DESTINATION ${bash_completions})
 mqkit_install_link(${bash_completions} mqkit-graph ${bash_completions}/mqkit)

@@ -19,12 +19,14 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON) # finds nothing in a static program
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "bash-completion")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "bash-completion, graphviz, jq")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "command line for batch tasks in computational chemistry")
 set(CPACK_PACKAGE_DESCRIPTION
 "mqkit reads, checks, reformats, expands and explains task files that
 describe chains of quantum-chemistry calculations, keeps project trees
 with a case directory per molecule in step with them, renames task blocks
-and keeps a library of templates. It runs no calculation itself.")
+and keeps a library of templates. It runs no calculation itself.
+mqkit-graph draws a task file as a graph in dot, Mermaid or SVG.
+mqkit-lsp is a language server for task files, which editors start.")
 
 include(CPack)

@@ -56,7 +56,16 @@ run(gzip -9nf ${compressed})
 file(GLOB programs RELATIVE ${CPACK_TEMPORARY_DIRECTORY} ${CPACK_TEMPORARY_DIRECTORY}/usr/bin/*)
 set(overrides "mqkit: initial-upload-closes-no-bugs *\n")
 foreach(program IN LISTS programs) # a string: in a list a bracket would hold entries together
-    string(APPEND overrides "mqkit: statically-linked-binary [${program}]\n")
+    execute_process(COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C readelf -W -h -l ${CPACK_TEMPORARY_DIRECTORY}/${program}
+                    OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
+    if(headers MATCHES " INTERP ") # linked dynamically
+        continue()
+    elseif(headers MATCHES "Type: +DYN ") # position-independent: taken for a library that needs no other
+        set(tag shared-library-lacks-prerequisites)
+    else()
+        set(tag statically-linked-binary)
+    endif()
+    string(APPEND overrides "mqkit: ${tag} [${program}]\n")
 endforeach()
 file(WRITE ${share}/lintian/overrides/mqkit "${overrides}")
 run(chmod -R u=rwX,go=rX ${CPACK_TEMPORARY_DIRECTORY}/usr)

@@ -1,4 +1,5 @@
-// The JSON of lint and explain against their schemas, and the reports for CI against those of their readers.
+// The JSON of lint and explain against their schemas, the reports for CI against those of their readers, and the lines
+// of lint against the problem matchers.
 import assert from 'node:assert/strict';
 import { spawnSync } from 'node:child_process';
 import { mkdirSync, readFileSync, realpathSync, writeFileSync } from 'node:fs';
@@ -31,6 +32,7 @@ const faults = {
   'guess.mq': '$a\n  %source b guess\n  %keywords k\n  %control\n    guess false\n$b\n  %keywords k\n',
   'other.mq': '$a\n  %program other\n  %keywords x\n$b\n  %program script\n  %keywords sh\n$c\n  %program xtb\n  %keywords k\n$d\n  %args x\n$e\n  %keywords k\n  %args x\n',
   'empty.mq': '$a\n  %when\n    completed z and {{ y.e }} > {{ energy }}\n$b\n  %keywords k\n  %when completed allothers\n$c\n  %keywords k\n  %when completed allothers\n$d\n  %program script\n',
+  'yaml.mq': 'defines:\n  - [\n$a\n  %keywords k\n',
   'clean.mq': '$a\n  %keywords k\n',
 };
 const tree = join(scratch(), 'tree');
@@ -165,9 +167,11 @@ test('Code Quality: the report has what is asked of it', () => {
   assert.equal(codeQuality(JSON.parse(filtered('code-quality.jq', [], ['--arg', 'root', '/elsewhere']))), false);
 });
 
+const findingLines = () => run(['lint', '.'], { cwd: tree }).stdout.trimEnd().split('\n').slice(0, -1);
+
 test('the problem matcher and the annotations find every finding', () => {
   const [{ pattern: [pattern] }] = readJson(join(top, 'examples/ci/mqkit-matcher.json')).problemMatcher;
-  const lines = run(['lint', '.'], { cwd: tree }).stdout.trimEnd().split('\n').slice(0, -1);
+  const lines = findingLines();
   const all = report('.').files.flatMap(({ issues }) => issues);
   assert.equal(lines.length, all.length);
   lines.forEach((line, i) => {
@@ -178,4 +182,31 @@ test('the problem matcher and the annotations find every finding', () => {
     assert.ok(all[i].span.startsWith(place), `${place} ${all[i].span}`);
   });
   assert.equal(filtered('annotations.jq', [], ['-r', '--arg', 'root', root]).trimEnd().split('\n').length, all.length);
+});
+
+test('VS Code: one problem matcher finds each finding, with the line where the text has one', () => {
+  const matchers = readJson(join(top, 'editors/vscode/package.json')).contributes.problemMatchers;
+  const all = report('.').files.flatMap(({ issues }) => issues);
+  const found = new Map(matchers.map(({ name }) => [name, 0]));
+  const lines = findingLines();
+  assert.equal(lines.length, all.length);
+  lines.forEach((line, i) => {
+    const hits = matchers.map(({ name, pattern: [pattern] }) => ({ name, pattern, match: new RegExp(pattern.regexp).exec(line) }))
+      .filter(({ match }) => match);
+    assert.equal(hits.length, 1, line);
+    const [{ name, pattern, match }] = hits;
+    found.set(name, found.get(name) + 1);
+    assert.deepEqual([match[pattern.severity], match[pattern.code], match[pattern.message]],
+      [all[i].severity, all[i].code, all[i].message]);
+    // The editor drops what has no line, unless the pattern is for whole files.
+    assert.ok(match[pattern.file] && (pattern.kind === 'file' || match[pattern.line]), line);
+    const place = [pattern.file, pattern.line, pattern.column].map((group) => match[group]).filter(Boolean).join(':');
+    assert.match(all[i].span.slice(place.length), /^(?!\d)/, line);
+    assert.ok(all[i].span.startsWith(place), `${place} ${all[i].span}`);
+  });
+  assert.ok([...found.values()].every((count) => count > 0), `${[...found]}`);
+  for (const page of ['editors/vscode/README.md', 'docs/editors.md']) {
+    const named = /"problemMatcher": (.*)/.exec(readFileSync(join(top, page), 'utf8'))[1];
+    assert.deepEqual(JSON.parse(named), matchers.map(({ name }) => `$${name}`), page);
+  }
 });

@@ -10,12 +10,13 @@ namespace {
 constexpr char helpText[] =
     "Usage: mqkit-lsp\n"
     "A language server for task files. An editor starts it and speaks the Language Server\n"
-    "Protocol over its standard streams. Other arguments than --help are passed over.\n";
+    "Protocol over its standard streams. Arguments other than -h and --help are passed over.\n";
 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 2 && std::string_view(argv[1]) == "--help") {
+    const std::string_view word = argc == 2 ? argv[1] : "";
+    if (word == "-h" || word == "--help") {
         return std::fputs(helpText, stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
     }
     return morquill::lsp::serve(STDIN_FILENO, STDOUT_FILENO);

@@ -52,12 +52,13 @@ END
     "$MQKIT_LSP" --stdio <in | diff - out
 }
 
-@test "--help says what it is" {
+@test "-h and --help say what it is" {
     "$MQKIT_LSP" --help >out
+    "$MQKIT_LSP" -h | diff out -
     diff out - <<'END'
 Usage: mqkit-lsp
 A language server for task files. An editor starts it and speaks the Language Server
-Protocol over its standard streams. Other arguments than --help are passed over.
+Protocol over its standard streams. Arguments other than -h and --help are passed over.
 END
     run -1 sh -c '"$MQKIT_LSP" --help >/dev/full'
 }

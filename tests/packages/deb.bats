@@ -23,10 +23,39 @@ files_there() { find "$root" -path "$root/var" -prune -o ! -type d -print; }
     diff <(grep -v 'running with root privileges' "$BATS_TEST_TMPDIR/found") /dev/null
 }
 
+@test "lintian needs every override that the package has" {
+    lintian --allow-root --display-info --fail-on none "$package" >"$BATS_TEST_TMPDIR/found"
+    run grep -F -e unused-override -e mismatched-override "$BATS_TEST_TMPDIR/found"
+    [ "$status" -eq 1 ] || { echo "$output"; return 1; }
+    [ "$(dpkg-deb --fsys-tarfile "$package" | tar -xO ./usr/share/lintian/overrides/mqkit | grep -c 'usr/bin/')" -eq 3 ]
+}
+
+@test "lintian is told how each program is linked" {
+    mkdir -p "$root/usr"
+    tar -xf "$MQKIT_PACKAGES/mqkit-$(version)-$(uname -s)-$(uname -m).tar.gz" -C "$root/usr" --strip-components=1
+    echo 'int main() {}' >"$BATS_TEST_TMPDIR/main.cpp"
+    g++ -static-pie -fPIE "$BATS_TEST_TMPDIR/main.cpp" -o "$root/usr/bin/mqkit"
+    g++ -static "$BATS_TEST_TMPDIR/main.cpp" -o "$root/usr/bin/mqkit-graph"
+    g++ "$BATS_TEST_TMPDIR/main.cpp" -o "$root/usr/bin/mqkit-lsp"
+    cmake -D CPACK_TEMPORARY_DIRECTORY="$root" -D CPACK_GENERATOR=DEB -D CPACK_MQKIT_SOURCE_DIR="$MQKIT_SOURCE" \
+        -D CPACK_PACKAGE_VERSION="$(version)" -D CPACK_DEBIAN_PACKAGE_RELEASE=1 -D CPACK_MQKIT_DATE="$(released)" \
+        -D CPACK_PACKAGE_CONTACT='Ada <ada@example.org>' -P "$MQKIT_SOURCE/cmake/finish_package.cmake"
+    diff "$root/usr/share/lintian/overrides/mqkit" - <<'END'
+mqkit: initial-upload-closes-no-bugs *
+mqkit: shared-library-lacks-prerequisites [usr/bin/mqkit]
+mqkit: statically-linked-binary [usr/bin/mqkit-graph]
+END
+}
+
 @test "the package says what it is" {
     [ "$(dpkg-deb -f "$package" Version)" = "$(version)-1" ]
     [ "$(dpkg-deb -f "$package" Section)" = science ]
     [ -z "$(dpkg-deb -f "$package" Depends)" ]
+    [ "$(dpkg-deb -f "$package" Suggests)" = 'bash-completion, graphviz, jq' ]
+    dpkg-deb -f "$package" Description >"$BATS_TEST_TMPDIR/description"
+    grep -q '^ mqkit reads, checks' "$BATS_TEST_TMPDIR/description"
+    grep -q '^ mqkit-graph draws a task file' "$BATS_TEST_TMPDIR/description"
+    grep -q '^ mqkit-lsp is a language server' "$BATS_TEST_TMPDIR/description"
     dpkg-deb --fsys-tarfile "$package" | tar -xO ./usr/share/doc/mqkit/copyright >"$BATS_TEST_TMPDIR/copyright"
     grep -q '^MIT License$' "$BATS_TEST_TMPDIR/copyright"
     ! grep -e 'see LICENSE' -e NOTICE "$BATS_TEST_TMPDIR/copyright"

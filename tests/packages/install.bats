@@ -65,7 +65,9 @@ configured() {
 
 @test "the first configuration links statically" {
     configured -G Ninja -DMQKIT_STATIC=ON
-    ninja -C build -t commands mqkit | tail -n 1 | grep -q -- ' -static '
+    for program in mqkit mqkit-graph mqkit-lsp; do
+        ninja -C build -t commands "$program" | tail -n 1 | grep -Eq -- ' -static(-pie)? '
+    done
 }
 
 @test "building by script/build asks for no package of the tests" {
@@ -82,6 +84,6 @@ configured() {
     [ "$status" -ne 0 ]
     diff "$BATS_TEST_TMPDIR/asked" - <<'END'
 update -qq
-install -y -qq --no-install-recommends g++ cmake ninja-build libyaml-cpp-dev
+install -y -qq --no-install-recommends g++ cmake ninja-build libyaml-cpp-dev nlohmann-json3-dev
 END
 }
