@@ -93,6 +93,20 @@ kept() {
     kept all.mq "comments, loops, includes, the list solvents"
 }
 
+@test "totcore and totmem of the head stay the default of all tasks" {
+    printf 'totcore: 16\n%s\n' "$(loose)" >cores.mq
+    kept cores.mq "totcore of the head as a default"
+    printf 'totmem: 8000\ntotcore: 16\n%s\n$b\n  %%control\n    totcore 4\n' "$(loose)" >both.mq
+    kept both.mq "totcore of the head as a default, totmem of the head as a default"
+}
+
+@test "a head that every task overrides is no default" {
+    printf 'totcore: 16\n$a\n%%keywords "k"\n%%control\n  totcore 4\n' >own.mq
+    checked 1 "own.mq: rewritten" --fix own.mq
+    [ "$(cat own.mq)" = "$(printf 'dsl_version: 2\ntotcore: 16\n\n$a\n  %%source origin\n  %%control\n    totcore 4\n  %%keywords k\n')" ]
+    checked 0 "" own.mq
+}
+
 @test "what fmt says it does not carry over is not dropped" {
     printf '$a\n  %%keywords k\n  %%interface provider\n' >a.mq
     kept a.mq "it is written without %interface provider"
