@@ -247,7 +247,7 @@ page() {
 }
 
 @test "a block without a text, and a command in a file, are refused" {
-    page '```mq part-of=examples/extra/extra.mq\n \n```\n' "1: an empty block"
+    page '```mq part-of=examples/extra/extra.mq\n```\n' "1: an empty block"
     page '```console\n```\n' "1: an empty block"
     page '```yaml file=out.yaml\n$ mqkit fmt a.mq\n```\n' "1: a file that shows a command"
 }
@@ -267,6 +267,8 @@ page() {
     page -- '- ```sh\n' "1: $kind"
     page '````text\n' "1: $kind"
     page '```text not-run="it is `code`"\n' "1: $kind"
+    page '`` ` ``<pre>`` ` ``\n' "1: $kind"
+    page '\\` `\n`<pre>`\n' "1: a backslash in front of a backtick"
     page '<PRE>\n' "1: HTML"
     page 'text <p><pre>text\n' "1: HTML"
     page '> <!-- a note --> text\n' "1: HTML"
@@ -298,4 +300,8 @@ $PWD/one.md:2: a code span ends on the line on which it begins"
     [ -w /dev/shm ] || skip "no file system in memory"
     doctest "$PWD/order.md"
     [ "$status" -eq 1 ]
+}
+
+@test "the runner and the stand-ins of the pages pass shellcheck" {
+    shellcheck "$MQKIT_SOURCE"/script/doctest "$MQKIT_SOURCE"/examples/siblings/*
 }
