@@ -268,14 +268,16 @@ page() {
     page '````text\n' "1: $kind"
     page '```text not-run="it is `code`"\n' "1: $kind"
     page '`` ` ``<pre>`` ` ``\n' "1: $kind"
-    page '\\` `\n`<pre>`\n' "1: a backslash in front of a backtick"
     page '<PRE>\n' "1: HTML"
     page 'text <p><pre>text\n' "1: HTML"
     page '> <!-- a note --> text\n' "1: HTML"
     page '`one` two <pre> `three`\n' "1: HTML"
-    page '`one\ntwo`\n' "1: a code span ends on the line on which it begins
-$PWD/one.md:2: a code span ends on the line on which it begins"
-    page '<!-- manual: mqkit(1): a purpose -->\nA `<file>` is < 1 MB.\n' ""
+    local span="a backtick that begins no code span of this line"
+    page '\\` `\n`<pre>`\n' "1: $span"
+    page '\\`<pre>\\`\n' "1: $span"
+    page '`one\ntwo`\n' "1: $span
+$PWD/one.md:2: $span"
+    page '<!-- manual: mqkit(1): a purpose -->\nA `<file>` is < 1 MB, `\\` and `\\\\` `<words>`.\n' ""
 }
 
 @test "a block ends where a reader sees it end" {
