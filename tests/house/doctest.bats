@@ -110,6 +110,13 @@ $opt
   %source origin
   %keywords "b3lyp opt"
 ```
+
+```console
+$ printf '%s\n' '> one' \
+> '> two'
+> one
+> two
+```
 PAGE
 }
 
@@ -130,6 +137,16 @@ block() {
     doctest "$PWD/one.md"
     [ "$status" -eq 1 ]
     [ "$output" = "$PWD/one.md:$2" ] || { echo "$output"; return 1; }
+}
+
+# page <format of printf> <report>: a page of this text is refused with this report, or is true when that is empty.
+page() {
+    [ "$1" != -- ] || shift
+    # shellcheck disable=SC2059 # the text is the format
+    printf -- "$1" >one.md
+    doctest "$PWD/one.md"
+    [ "$status" -eq "$([ -z "$2" ]; echo $?)" ]
+    [ "$output" = "${2:+$PWD/one.md:$2}" ] || { echo "$output"; return 1; }
 }
 
 @test "a true page passes in silence" {
@@ -173,45 +190,111 @@ block() {
     lie '49s/fails/warns/' "49: fmt ends with status 1, not 0"
 }
 
-@test "a page that ends its shell is no success" {
-    printf '```sh\nexit 0\n```\n' >left.md
-    doctest "$PWD/left.md"
-    [ "$status" -eq 1 ]
+@test "a page that ends its shell is not read to its end" {
+    page '```sh\nexit 0\n```\n' "1: it ends the shell of the page: exit 0"
+    page '```sh\nfinished=yes; exit 0\n```\n' "1: it ends the shell of the page: finished=yes; exit 0"
+}
+
+@test "what a page defines does not reach what compares it" {
+    page '```sh\nfault() { :; }; compare() { :; }; status=0 failed=""\n```\n```console\n$ echo one\ntwo\n```\n' "5: echo one
+    --- shown
+    +++ found
+    @@ -1 +1 @@
+    -two
+    +one"
+}
+
+@test "a line of output that looks like a continued command is compared" {
+    page '```console\n$ true\n> # text\n```\n' "2: true
+    --- shown
+    +++ found
+    @@ -1 +0,0 @@
+    -> # text"
+    page '```console\n$ true # \\\n> # text\n```\n' "2: true # \\
+    --- shown
+    +++ found
+    @@ -1 +0,0 @@
+    -> # text"
 }
 
 @test "every block says what it is" {
     block "" "1: '' does not say what to do with the block"
     block yaml "1: 'yaml' does not say what to do with the block"
     block "text not-run" "1: 'not-run' says nothing"
-    block "text not-run=because" "1: not-run=\"<why>\" says why"
+    block "text not-run=because" "1: 'not-run' says less than two words"
+    block 'text not-run=" "' "1: 'not-run' says less than two words"
     block 'text not-run="why not" file=a' "1: 'not-run' stands alone"
     block "mq example=none.mq lint=clean" "1: 'example' stands alone"
     block "mq lint=clean lint=clean" "1: the info string 'mq lint=clean lint=clean' cannot be read"
     block "mq warns" "1: 'warns' says nothing"
-    block 'mq warns="a" fails="b"' "1: a fault is the last word: 'fails' alone"
-    block 'mq canonical fails="b"' "1: what fails has no canonical form"
+    block 'mq fails=" "' "1: 'fails' says less than two words"
+    block 'mq fails="task"' "1: 'fails' says less than two words"
+    block 'mq warns="without alert | e"' "1: 'warns' says less than two words"
+    block 'mq warns="a b" fails="c d"' "1: a fault is the last word: 'fails' alone"
+    block 'mq canonical fails="a b"' "1: what fails has no canonical form"
     block "mq canonical=no" "1: 'canonical' takes no value"
     block "console status=status" "1: 'status' is a number above 0"
-    block "sh file=a" "1: a block that is run is no file"
+    block "sh file=a" "1: mq, yaml and ini can be files: 'sh' would be compared with nothing"
+    block "text file=a" "1: mq, yaml and ini can be files: 'text' would be compared with nothing"
     block "mq canonicle" "1: unknown word 'canonicle' in the info string"
     block "sh status=1" "1: unknown word 'status' in the info string"
     block 'mq file="a' "1: the info string 'mq file=\"a' cannot be read"
     block console "1: no line of this console begins with \"\$ \""
-    block "mq example=none.mq" "1: there is no none.mq"
-    block "mq part-of=none.mq" "1: there is no none.mq"
+    block "mq example=examples/none.mq" "1: there is no examples/none.mq"
+    block "mq part-of=docs/pictures/none.mq" "1: there is no docs/pictures/none.mq"
+    block "text part-of=README.md" "1: README.md is neither an example nor a picture"
+    block "text example=examples/../README.md" "1: examples/../README.md is neither an example nor a picture"
 }
 
-@test "an indented block, one of another kind, one without an end and a missing page are refused" {
-    printf 'text\n\n    mqkit fmt\n' >indented.md
-    printf 'text\n```sh\ntrue\n' >open.md
-    printf '~~~\ntext\n~~~\n' >tilde.md
-    doctest "$PWD/indented.md" "$PWD/tilde.md" "$PWD/open.md" "$PWD/missing.md"
+@test "a block without a text, and a command in a file, are refused" {
+    page '```mq part-of=examples/extra/extra.mq\n```\n' "1: an empty block"
+    page '```console\n```\n' "1: an empty block"
+    page '```yaml file=out.yaml\n$ mqkit fmt a.mq\n```\n' "1: a file that shows a command"
+}
+
+@test "what a reader sees as typed is a fenced block, wherever it stands" {
+    local blanks="a tab, a carriage return or four blanks, as in an indented block: write a fenced one"
+    page 'text\n\n    mqkit fmt\n' "3: $blanks"
+    page '# Title\n    mqkit fmt\n' "2: $blanks"
+    page '\tmqkit fmt\n' "1: $blanks"
+    page '>     $ mqkit fmt\n' "1: $blanks"
+    page -- '-     $ mqkit fmt\n' "1: $blanks"
+    page '1. - >  \t$ mqkit fmt\n' "1: $blanks"
+    page 'text\r' "1: $blanks"
+    local kind="a block of another kind: write one between three backticks"
+    page '~~~ text\n' "1: $kind"
+    page '> ~~~ text\n' "1: $kind"
+    page -- '- ```sh\n' "1: $kind"
+    page '````text\n' "1: $kind"
+    page '```text not-run="it is `code`"\n' "1: $kind"
+    page '`` ` ``<pre>`` ` ``\n' "1: $kind"
+    page '<PRE>\n' "1: HTML"
+    page 'text <p><pre>text\n' "1: HTML"
+    page '> <!-- a note --> text\n' "1: HTML"
+    page '`one` two <pre> `three`\n' "1: HTML"
+    local span="a backtick that begins no code span of this line"
+    page '\\` `\n`<pre>`\n' "1: $span"
+    page '\\`<pre>\\`\n' "1: $span"
+    page '`one\ntwo`\n' "1: $span
+$PWD/one.md:2: $span"
+    page '<!-- manual: mqkit(1): a purpose -->\nA `<file>` is < 1 MB, `\\` and `\\\\` `<words>`.\n' ""
+}
+
+@test "a block ends where a reader sees it end" {
+    page 'text\n```sh\ntrue\n' "2: a block without an end"
+    local like="a fence ends like it begins: with three backticks, as far to the right"
+    page '```sh\ntrue\n ```\n' "3: $like"
+    page '```sh\ntrue\n````\n' "3: $like"
+    page '   ```sh\n   true\n```\n' "3: $like"
+    page '```sh\ntrue\n``` \n' "3: $like"
+    page '   ```sh\n   true\n  true\n' "3: a line of a block that is indented less than its fence"
+    page '```sh\n# ``` and\n# ~~~ are lines of it\n```\n' ""
+}
+
+@test "a missing page is refused" {
+    doctest "$PWD/missing.md"
     [ "$status" -eq 1 ]
-    [ "$output" = "$PWD/indented.md:3: an indented block: write a fenced one
-$PWD/tilde.md:1: a block of another kind: write one between three backticks
-$PWD/tilde.md:3: a block of another kind: write one between three backticks
-$PWD/open.md:2: a block without an end
-$PWD/missing.md: cannot be read" ] || { echo "$output"; return 1; }
+    [ "$output" = "$PWD/missing.md: cannot be read" ]
 }
 
 @test "what depends on the order of a directory is found" {
@@ -219,4 +302,8 @@ $PWD/missing.md: cannot be read" ] || { echo "$output"; return 1; }
     [ -w /dev/shm ] || skip "no file system in memory"
     doctest "$PWD/order.md"
     [ "$status" -eq 1 ]
+}
+
+@test "the runner and the stand-ins of the pages pass shellcheck" {
+    shellcheck "$MQKIT_SOURCE"/script/doctest "$MQKIT_SOURCE"/examples/siblings/*
 }

@@ -49,6 +49,7 @@ configured() {
         [ -s "$file" ] || { echo "$file"; return 1; }
     done
     [ -x share/doc/mqkit/examples/hooks/pre-commit ]
+    [ "$(PATH=$PWD/share/doc/mqkit/examples/siblings command -v morquill mqrun | wc -l)" -eq 2 ]
     diff -r share/mqkit/templates "$MQKIT_SOURCE/examples/templates"
     diff -r share/doc/mqkit/examples "$MQKIT_SOURCE/examples"
     grep -qx "$PWD/share/doc/mqkit/examples/templates" "$(dirname "$MQKIT")/install_manifest.txt"
