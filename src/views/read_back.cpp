@@ -306,8 +306,8 @@ Texts takeOutEndedTexts(TaskInfo& task, std::string& block) {
             continue;
         }
         reasons.push_back(*std::move(ended));
-        const std::string heredoc =
-            "  " + std::string(row.what) + " << " + end + "\n" + heredocOf(task, row) + "\n" + end + "\n";
+        auto heredoc = std::string("  ").append(row.what).append(" << ").append(end).append("\n");
+        heredoc.append(heredocOf(task, row)).append("\n").append(end).append("\n");
         if (const auto at = block.find(heredoc); at != std::string::npos) {
             block.erase(at, heredoc.size());
         }
