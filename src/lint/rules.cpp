@@ -50,6 +50,9 @@ SourceSpan partOfLine(const RawLine& line, std::size_t begin, std::size_t length
 /// A finding when the word is an older name, placed at its first occurrence in the line.
 template <std::size_t N>
 Found findAlias(const RawLine& line, std::string_view word, const std::array<Alias, N>& aliases) {
+    if (word.empty()) {
+        return std::nullopt; // as on most lines
+    }
     const auto alias = std::find_if(aliases.begin(), aliases.end(),
                                     [word](const Alias& row) { return equalsNoCase(row.word, word); });
     if (alias == aliases.end()) {
@@ -69,7 +72,8 @@ std::string_view firstWord(std::string_view text) noexcept {
 Found hashInclude(const RawLine& line) {
     constexpr std::string_view keyword = "#include";
     const auto begin = line.text.size() - trimLeft(line.text).size();
-    if (!equalsNoCase(line.text.substr(begin, keyword.size()), keyword)) {
+    if (!line.text.substr(begin).starts_with('#') ||
+        !equalsNoCase(line.text.substr(begin, keyword.size()), keyword)) {
         return std::nullopt;
     }
     return LintFinding{.span = partOfLine(line, begin, keyword.size())};

@@ -11,7 +11,7 @@ namespace morquill {
 namespace {
 
 /// In bytes, two huge pages of the usual size: a smaller block may contain no aligned one.
-constexpr std::size_t worthwhile = std::size_t{4} << 20;
+constexpr int worthwhile = 4 << 20;
 constexpr std::size_t pageSize = 4096; // the smallest there is: the system rounds up to its own
 
 } // namespace
@@ -32,9 +32,8 @@ void reserveHeap(std::size_t bytes) noexcept {
     }
     // The C library hands out small blocks from the end of its heap, which grows page by page. One block of
     // the whole size, taken from there and given back, leaves the heap grown, as long as nothing is trimmed.
-    constexpr int largestHeapBlock = 32 << 20; // the most that the C library takes
     ::mallopt(M_TRIM_THRESHOLD, -1);
-    ::mallopt(M_MMAP_THRESHOLD, largestHeapBlock);
+    ::mallopt(M_MMAP_THRESHOLD, worthwhile); // larger ones have pages of their own, and go back at once
     ::mallopt(M_MMAP_MAX, 0);
     void* const block = std::malloc(bytes);
     preferHugePages(block, block == nullptr ? 0 : bytes);

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 namespace morquill {
 
@@ -24,26 +25,43 @@ bool isSmallInteger(double value) noexcept {
     return std::abs(value) < 1e15 && value == std::trunc(value) && !std::signbit(value);
 }
 
-/// A number in scientific notation, with no more digits than tell it from any other.
+/// A number with no more digits than tell it from any other.
 class ShortestForm {
   public:
     explicit ShortestForm(double value) noexcept {
         const auto end = std::to_chars(text_.begin(), text_.end(), value, std::chars_format::scientific).ptr;
         const auto mark = std::find(text_.begin(), end, 'e');
         size_ = static_cast<std::size_t>(end - text_.begin());
-        digits_ = static_cast<int>(std::count_if(text_.begin(), mark, isDigit));
+        count_ = static_cast<std::size_t>(std::copy_if(text_.begin(), mark, digits_.begin(), isDigit) -
+                                          digits_.begin());
         const char* const sign = mark + 1; // from_chars takes no plus
         (void)std::from_chars(sign + (*sign == '+' ? 1 : 0), end, exponent_);
     }
 
-    [[nodiscard]] std::string_view text() const noexcept { return {text_.data(), size_}; }
-    [[nodiscard]] int digits() const noexcept { return digits_; }
-    [[nodiscard]] int exponent() const noexcept { return exponent_; }
+    [[nodiscard]] bool fits(int digits) const noexcept { return count_ <= static_cast<std::size_t>(digits); }
+
+    /// The number as `%.<digits>g` prints it; the digits must fit.
+    [[nodiscard]] std::string print(int digits) const {
+        if (exponent_ < -4 || exponent_ >= digits) {
+            return {text_.data(), size_};
+        }
+        const std::string_view all(digits_.data(), count_);
+        std::string text(text_.front() == '-' ? "-" : "");
+        if (exponent_ < 0) {
+            return text.append("0.").append(static_cast<std::size_t>(-exponent_ - 1), '0').append(all);
+        }
+        const auto whole = static_cast<std::size_t>(exponent_) + 1; // digits before the point
+        if (count_ <= whole) {
+            return text.append(all).append(whole - count_, '0');
+        }
+        return text.append(all.substr(0, whole)).append(".").append(all.substr(whole));
+    }
 
   private:
-    std::array<char, 32> text_{};
+    std::array<char, 32> text_{}; ///< in scientific notation
     std::size_t size_ = 0;
-    int digits_ = 0;
+    std::array<char, 20> digits_{};
+    std::size_t count_ = 0;
     int exponent_ = 0;
 };
 
@@ -113,35 +131,28 @@ std::optional<double> readDouble(std::string_view text) {
     return value;
 }
 
-std::string formatSignificant(double value, int digits) {
+PrintedNumber printSignificant(double value, int digits) {
     std::array<char, 64> buffer{};
     // Small integers have one form whatever the digits.
     if (digits >= safeDigits && isSmallInteger(value)) {
         const auto end = std::to_chars(buffer.begin(), buffer.end(), static_cast<std::int64_t>(value));
-        return {buffer.begin(), end.ptr};
+        return {{buffer.begin(), end.ptr}, true};
     }
     // A number that somebody wrote has few digits: the shortest form has them all and is found faster.
-    if (std::isnormal(value) && digits <= safeDigits) {
-        if (const ShortestForm shortest(value); shortest.digits() <= digits) {
-            if (shortest.exponent() < -4 || shortest.exponent() >= digits) {
-                return std::string(shortest.text());
-            }
-            const auto end = std::to_chars(buffer.begin(), buffer.end(), value, std::chars_format::fixed);
-            return {buffer.begin(), end.ptr};
+    const bool isSafe = std::isnormal(value) && digits <= safeDigits;
+    if (isSafe) {
+        if (const ShortestForm shortest(value); shortest.fits(digits)) {
+            return {shortest.print(digits), true};
         }
     }
     const auto end = std::to_chars(buffer.begin(), buffer.end(), value, std::chars_format::general, digits);
-    return {buffer.begin(), end.ptr};
+    std::string text(buffer.begin(), end.ptr);
+    const bool readsBack = !isSafe && (!std::isfinite(value) || readDouble(text) == value);
+    return {std::move(text), readsBack};
 }
 
-bool significantReadsBack(double value, int digits) {
-    if (!std::isfinite(value) || (digits >= safeDigits && isSmallInteger(std::abs(value)))) {
-        return true;
-    }
-    if (std::isnormal(value) && digits <= safeDigits) {
-        return ShortestForm(value).digits() <= digits;
-    }
-    return readDouble(formatSignificant(value, digits)) == value;
+std::string formatSignificant(double value, int digits) {
+    return printSignificant(value, digits).text;
 }
 
 } // namespace morquill

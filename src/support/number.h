@@ -31,7 +31,11 @@ enum class MenuSign : std::uint8_t { none, plus };
 /// Writes a double with `digits` significant digits, as the C format `%.<digits>g` does.
 [[nodiscard]] std::string formatSignificant(double value, int digits);
 
-/// True when the text that `formatSignificant` writes reads as the very number; no number reads as no number.
-[[nodiscard]] bool significantReadsBack(double value, int digits);
+/// The same text, and whether it reads as the very number; no number reads as no number.
+struct PrintedNumber {
+    std::string text;
+    bool readsBack = false;
+};
+[[nodiscard]] PrintedNumber printSignificant(double value, int digits);
 
 } // namespace morquill

@@ -90,14 +90,14 @@ TEST(Number, SignificantDigitsAreThoseOfTheCLibrary) {
             std::array<char, 64> text{};
             std::snprintf(text.data(), text.size(), "%.*g", digits, number);
             ASSERT_EQ(formatSignificant(number, digits), text.data());
-            ASSERT_EQ(significantReadsBack(number, digits), std::strtod(text.data(), nullptr) == number)
+            ASSERT_EQ(printSignificant(number, digits).readsBack, std::strtod(text.data(), nullptr) == number)
                 << text.data() << " of " << digits << " digits";
         }
     }
 }
 
 TEST(Number, NoNumberReadsAsNoNumber) {
-    EXPECT_TRUE(significantReadsBack(NAN, 15));
+    EXPECT_TRUE(printSignificant(NAN, 15).readsBack);
 }
 
 } // namespace

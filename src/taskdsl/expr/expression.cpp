@@ -99,8 +99,9 @@ class ExpressionPrinter {
             printed_.text += "1e+999"; // "inf" would be a name
             return;
         }
-        printed_.text += plotNumberText(number.value);
-        if (!plotNumberReadsBack(number.value)) {
+        const auto [text, readsBack] = printPlotNumber(number.value);
+        printed_.text += text;
+        if (!readsBack) {
             lose(plotNumberLoss(number.value));
         }
     }

@@ -139,12 +139,12 @@ std::optional<double> parsePlotNumber(std::string_view text) {
     return readDouble(text);
 }
 
-std::string plotNumberText(double value) {
-    return formatSignificant(value, printedDigits(value));
+PrintedNumber printPlotNumber(double value) {
+    return printSignificant(value, printedDigits(value));
 }
 
-bool plotNumberReadsBack(double value) {
-    return significantReadsBack(value, printedDigits(value));
+std::string plotNumberText(double value) {
+    return printPlotNumber(value).text;
 }
 
 std::string plotNumberLoss(double value) {

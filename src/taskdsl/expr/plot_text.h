@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/number.h"
+
 #include <cstddef>
 #include <initializer_list>
 #include <optional>
@@ -67,10 +69,8 @@ struct KeywordOptions {
 inline constexpr int exactDigits = 17;
 
 /// The number as plots and derives print it: 15 significant digits, 17 where 15 round up to infinity.
+[[nodiscard]] PrintedNumber printPlotNumber(double value);
 [[nodiscard]] std::string plotNumberText(double value);
-
-/// True when that text reads as the very number; no number reads as no number.
-[[nodiscard]] bool plotNumberReadsBack(double value);
 
 /// What is said of a number that does not read back.
 [[nodiscard]] std::string plotNumberLoss(double value);

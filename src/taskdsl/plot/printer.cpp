@@ -85,10 +85,11 @@ PrintedValue Printer::valueOf(const ExprRef& expression) {
 }
 
 std::string Printer::number(double value) {
-    if (!plotNumberReadsBack(value)) {
+    auto [text, readsBack] = printPlotNumber(value);
+    if (!readsBack) {
         lose(plotNumberLoss(value));
     }
-    return plotNumberText(value);
+    return std::move(text);
 }
 
 void Printer::lose(std::string reason) {

@@ -1,5 +1,6 @@
 #include "taskdsl/task/when_expr.h"
 
+#include "support/cursor.h"
 #include "support/match.h"
 #include "support/text.h"
 #include "support/word_table.h"
@@ -303,6 +304,8 @@ std::vector<std::string_view> splitWhenTopLevel(std::string_view text, std::stri
             addPart(begin, i);
             i += keyword.size();
             begin = i;
+        } else if (isWordChar(text[i])) {
+            i += Cursor(text, i).takeWhile(isWordChar).size(); // neither a mark nor a keyword begins within
         } else {
             i = walk.step(text, i);
         }

@@ -166,7 +166,7 @@ TEST(PlotText, NumbersPrintWithFifteenDigits) {
     };
     for (const auto& [value, text, same] : rows) {
         EXPECT_EQ(plotNumberText(value), text);
-        EXPECT_EQ(plotNumberReadsBack(value), same) << text;
+        EXPECT_EQ(printPlotNumber(value).readsBack, same) << text;
     }
 }
 
