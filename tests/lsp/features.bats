@@ -174,6 +174,30 @@ selection() { # <range>...: each in the next one
     diff out <(answer null)
 }
 
+@test "completion" {
+    text='$opt\n  %keywords hf\n$freq\n  %source o\n  %keywords hf\n'
+    item() { # <label> <kind> <detail> <documentation>
+        echo "{${3:+\"detail\":\"$3\",}${4:+\"documentation\":\"$4\",}\"kind\":$2,\"label\":\"$1\",\"textEdit\":{\"newText\":\"$1\",\"range\":$(range 3 10 3 11)}}"
+    }
+    ask textDocument/completion "$(at 3 11)}" >out
+    diff out <(answer "{\"isIncomplete\":false,\"items\":[$(
+        item origin 14 "" "The molecule's own input, the source unless another is written."),$(
+        item restart 14 "" "The task's own restart data."),$(
+        item xyz 14 "xyz=<file> [frame=<n>]" "A frame of a file, counted from 1."),$(
+        item opt 7 task "")]}")
+}
+
+@test "completion of geometries" {
+    touch mol.xyz mol.txt
+    {
+        begin
+        open_text "file://$PWD/a.mq" '$a\n  %source xyz=m\n'
+        request 2 textDocument/completion "{\"textDocument\":{\"uri\":\"file://$PWD/a.mq\"},\"position\":{\"line\":1,\"character\":15}}"
+        finish
+    } | serve | grep '"id":2,' >out
+    diff out <(answer "{\"isIncomplete\":false,\"items\":[{\"kind\":17,\"label\":\"mol.xyz\",\"textEdit\":{\"newText\":\"mol.xyz\",\"range\":$(range 1 14 1 15)}}]}")
+}
+
 @test "signature help" {
     text='@derive d\n  let g = convert(energy(a), \n@end\n'
     ask textDocument/signatureHelp "$(at 1 29)}" >out
