@@ -40,6 +40,12 @@ bool isPathChar(char c) noexcept {
     return !isSpace(c) && c != '"' && c != '\'' && c != '<' && c != '(' && c != '=';
 }
 
+/// True when the line ends within the path of a geometry: `%source xyz=sub/`.
+bool endsInGeometryPath(std::string_view line) {
+    const auto words = splitBlank(line);
+    return !words.empty() && words.back().starts_with("xyz=") && !isSpace(line.back());
+}
+
 /// The place at which something is to be completed.
 struct CompletionPlace {
     Session& session;
@@ -53,11 +59,13 @@ struct CompletionPlace {
     [[nodiscard]] bool isIn(BlockKind kind) const noexcept {
         return enclosing(file.index, block, kind) != noIndex;
     }
-    [[nodiscard]] std::string_view directive() const noexcept {
-        const auto number = enclosing(file.index, block, BlockKind::directive);
+    /// The name of the innermost block of a kind around the place.
+    [[nodiscard]] std::string_view nameOf(BlockKind kind) const noexcept {
+        const auto number = enclosing(file.index, block, kind);
         const auto name = number == noIndex ? noIndex : file.index.blocks[number].name;
         return name == noIndex ? std::string_view{} : file.name(file.index.occurrences[name]);
     }
+    [[nodiscard]] std::string_view directive() const noexcept { return nameOf(BlockKind::directive); }
     /// The last word before the one that is begun.
     [[nodiscard]] std::string_view wordBefore() const noexcept {
         const auto words = splitBlank(before);
@@ -118,10 +126,10 @@ class Items {
 };
 
 void addNames(const CompletionPlace& place, NameKind kind, ItemKind itemKind, std::string_view detail,
-              Items& items) {
+              Items& items, std::string_view except = {}) {
     for (const SourceFile* file : place.session.sources.documentFiles(place.file)) {
         for (const auto& o : file->index.occurrences) {
-            if (o.role == NameRole::definition && o.kind == kind) {
+            if (o.role == NameRole::definition && o.kind == kind && file->name(o) != except) {
                 items.add(file->name(o), itemKind, detail);
             }
         }
@@ -130,6 +138,12 @@ void addNames(const CompletionPlace& place, NameKind kind, ItemKind itemKind, st
 
 void addTasks(const CompletionPlace& place, Items& items) {
     addNames(place, NameKind::task, ItemKind::classKind, "task", items);
+}
+
+/// The tasks but the one around the place: none takes its geometry from itself.
+void addSources(const CompletionPlace& place, Items& items) {
+    items.addHelp(HelpTopic::source, ItemKind::keyword);
+    addNames(place, NameKind::task, ItemKind::classKind, "task", items, place.nameOf(BlockKind::task));
 }
 
 /// The names that a derive has given so far.
@@ -339,8 +353,28 @@ void addFragments(const CompletionPlace& place, Items& items) {
     }
 }
 
-/// Sources and folders beside the file, below what has been written of a path.
-void addPaths(const CompletionPlace& place, Items& items) {
+bool isIncludable(std::string_view name) {
+    return isSourceName(name) || fileKind(name) == FileKind::values;
+}
+
+bool isGeometryFile(std::string_view name) {
+    return name.ends_with(".xyz");
+}
+
+/// A path is quoted where it holds blanks; a folder with blanks is left out, for it is no whole path yet.
+void addPath(const CompletionPlace& place, const std::string& path, Items& items) {
+    const bool holdsBlank = path.find(' ') != std::string::npos;
+    if (holdsBlank && path.ends_with('/')) {
+        return;
+    }
+    Json* item = items.add(path, ItemKind::file);
+    if (item != nullptr && holdsBlank && !place.before.ends_with('"') && !place.before.ends_with('\'')) {
+        (*item)["textEdit"]["newText"] = '"' + path + '"';
+    }
+}
+
+/// Folders and files of a sort beside the file, below what has been written of a path.
+void addPaths(const CompletionPlace& place, bool (*isWanted)(std::string_view), Items& items) {
     if (place.file.path.empty()) {
         return;
     }
@@ -351,9 +385,8 @@ void addPaths(const CompletionPlace& place, Items& items) {
         const bool isFolder = kind == EntryKind::directory ||
                               (kind == EntryKind::link && isDirectory(joinPath(directory, name)));
         const bool isSelf = joinPath(directory, name) == place.file.path;
-        if (!name.starts_with('.') && !isSelf &&
-            (isFolder || isSourceName(name) || fileKind(name) == FileKind::values)) {
-            items.add(folder + name + (isFolder ? "/" : ""), ItemKind::file);
+        if (!name.starts_with('.') && !isSelf && (isFolder || isWanted(name))) {
+            addPath(place, folder + name + (isFolder ? "/" : ""), items);
         }
     }
 }
@@ -368,7 +401,7 @@ bool completeInclude(const CompletionPlace& place, Items& items) {
         addFragments(place, items);
     }
     if (inPath || place.partial.find('.') == std::string_view::npos) {
-        addPaths(place, items);
+        addPaths(place, isIncludable, items);
     }
     return true;
 }
@@ -456,9 +489,10 @@ bool completeDirectiveValue(const CompletionPlace& place, Items& items) {
     const auto wordBefore = place.wordBefore();
     if (directive == "program") {
         items.addHelp(HelpTopic::program, ItemKind::enumeration);
+    } else if (directive == "source" && endsInGeometryPath(place.line)) {
+        addPaths(place, isGeometryFile, items);
     } else if (directive == "source" && !place.startsLine()) {
-        items.addHelp(HelpTopic::source, ItemKind::keyword);
-        addTasks(place, items);
+        addSources(place, items);
     } else if (directive == "interface") {
         items.add("provider", ItemKind::keyword);
         items.add("consume", ItemKind::keyword);
@@ -490,9 +524,11 @@ CompletionPlace placeOf(Session& session, const OpenText& text, std::size_t offs
     const SourceFile& file = session.sources.of(text);
     const auto begin = text.buffer.line(text.buffer.lineOf(offset)).begin;
     const auto line = file.text().substr(begin, offset - begin);
-    const bool inInclude = trimLeft(line).starts_with("&INCLUDE ");
+    const auto bracket = line.find_last_of("[]");
+    const bool inKey = bracket != std::string_view::npos && line[bracket] == '[';
+    const bool inPath = !inKey && (trimLeft(line).starts_with("&INCLUDE ") || endsInGeometryPath(line));
     std::size_t word = line.size();
-    while (word > 0 && (inInclude ? isPathChar(line[word - 1]) : isNameChar(line[word - 1]))) {
+    while (word > 0 && (inPath ? isPathChar(line[word - 1]) : isNameChar(line[word - 1]))) {
         --word;
     }
     const bool isMark = word > 0 && trim(line.substr(0, word - 1)).empty() &&

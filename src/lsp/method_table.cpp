@@ -39,7 +39,7 @@ constexpr std::array requests{
     RequestRow{"textDocument/semanticTokens/range", semanticTokensRange, Lifetime::ofText},
     RequestRow{"textDocument/hover", hover, Lifetime::ofText, "hoverProvider"},
     RequestRow{"textDocument/completion", complete, Lifetime::ofText, "completionProvider",
-               R"({"triggerCharacters":["%","[","{",".","@","&"]})"},
+               R"({"triggerCharacters":["%","[","{",".","@","&","="]})"},
     RequestRow{"textDocument/signatureHelp", signatureHelp, Lifetime::ofText, "signatureHelpProvider",
                R"({"triggerCharacters":["(",","]})"},
     RequestRow{"textDocument/inlayHint", inlayHints, Lifetime::ofText, "inlayHintProvider"},

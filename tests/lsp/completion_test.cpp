@@ -55,7 +55,7 @@ TEST(Completion, ReplacesTheWordThatWasBegun) {
 TEST(Completion, OfTasks) {
     const std::string text = "$opt\n$freq-2\n";
     EXPECT_THAT(labels(itemsAt(text + "$x\n  %source |\n")),
-                ElementsAre("origin", "restart", "xyz", "opt", "freq-2", "x"));
+                ElementsAre("origin", "restart", "xyz", "opt", "freq-2"));
     EXPECT_THAT(labels(itemsAt(text + "$x\n  %control\n    guess o|\n")),
                 ElementsAre("true", "opt", "freq-2", "x"));
     EXPECT_THAT(labels(itemsAt(text + "$x\n  %when completed |\n")),
@@ -86,7 +86,7 @@ TEST(Completion, OfWordsByPlace) {
     EXPECT_THAT(labels(itemsAt("$a\n  %batch |\n")), IsEmpty());
     EXPECT_THAT(labels(itemsAt("$a\n  %mod |\n")), ElementsAre("charge", "spin", "geom", "basisset"));
     EXPECT_THAT(labels(itemsAt("$a\n  %source\n    |\n")), ElementsAre("geom"));
-    EXPECT_THAT(labels(itemsAt("$a\n  %source\n    geom |\n")), ElementsAre("origin", "restart", "xyz", "a"));
+    EXPECT_THAT(labels(itemsAt("$a\n  %source\n    geom |\n")), ElementsAre("origin", "restart", "xyz"));
     EXPECT_THAT(labels(itemsAt("$a\n  %when |\n")), IsSupersetOf({"completed", "defined"}));
     EXPECT_THAT(labels(itemsAt("@plot |\n")), IsSupersetOf({"barrier", "excited"}));
     EXPECT_THAT(labels(itemsAt("@plot bar b\n  |\n@end\n")), IsSupersetOf({"x", "title", "@end"}));
@@ -111,6 +111,28 @@ TEST(Completion, OfIncludes) {
         {"textDocument", {{"completion", {{"completionItem", {{"snippetSupport", true}}}}}}}};
     EXPECT_EQ(itemsAt(head + "&INCLUDE lib.|\n", uri, snippets)[0]["textEdit"]["newText"],
               "lib.opt(m=${1}, b=${2})");
+}
+
+TEST(Completion, OfGeometries) {
+    const TemporaryDirectory directory;
+    directory.write("mol.xyz", "");
+    directory.write("two words.xyz", "");
+    directory.write("notes.txt", "");
+    directory.write("sub/ts.xyz", "");
+    directory.write("two folders/x.xyz", "");
+    const auto uri = uriOfPath(directory.path("a.mq"));
+    const Json items = itemsAt("$a\n  %source xyz=m|\n", uri);
+    EXPECT_THAT(labels(items), testing::UnorderedElementsAre("mol.xyz", "two words.xyz", "sub/"));
+    for (const Json& item : items) {
+        const bool holdsBlank = item["label"] == "two words.xyz";
+        EXPECT_EQ(item["textEdit"]["newText"], holdsBlank ? Json("\"two words.xyz\"") : item["label"]);
+        EXPECT_EQ(LspClient::rangeText(item["textEdit"]["range"]), "1:14-1:15");
+    }
+    EXPECT_THAT(labels(itemsAt("$a\n  %source\n    geom.b xyz=sub/|\n", uri)), ElementsAre("sub/ts.xyz"));
+    EXPECT_THAT(labels(itemsAt("$a\n  %source xyz=\"sub/t|\n", uri)), ElementsAre("sub/ts.xyz"));
+    EXPECT_THAT(labels(itemsAt("define:\n  d: 1\n$a\n  %source xyz=sub/[d|\n", uri)), ElementsAre("d"));
+    EXPECT_THAT(labels(itemsAt("$a\n  %source xyz=|\n")), IsEmpty()); // a text that is in no folder
+    EXPECT_THAT(labels(itemsAt("$b\n$a\n  %source xyz=mol.xyz |\n", uri)), Not(Contains("mol.xyz")));
 }
 
 TEST(Completion, SignatureOfACall) {

@@ -109,15 +109,156 @@ edited_text() { # <file> <answer>: the text of the file after the edits of the a
     [ "$formatted" -ge 20 ] && [ "$lossy" -ge 4 ]
 }
 
-@test "symbols, folding, selection" {
+@test "symbols" {
+    ask textDocument/documentSymbol '{"textDocument":{"uri":"untitled:1"}}' >out
+    symbol() { # <name> <kind> <range> [<container>]
+        echo "{${4:+\"containerName\":\"$4\",}\"kind\":$2,\"location\":{\"range\":$3,\"uri\":\"untitled:1\"},\"name\":\"$1\"}"
+    }
+    diff out <(answer "[$(symbol opt 5 "$(range 0 0 1 14)"),$(symbol %keywords 7 "$(range 1 0 1 14)" opt),$(
+        symbol freq 5 "$(range 2 0 4 14)"),$(symbol %source 7 "$(range 3 0 3 13)" freq),$(
+        symbol %keywords 7 "$(range 4 0 4 14)" freq)]")
+}
+
+@test "symbols of the folder" {
+    mkdir -p study/Results
+    printf '$opt\n$freq\n' >study/a.mq
+    printf '$opt_b\n' >study/b.mq
+    printf '$opt_c\n' >study/Results/c.mq
+    {
+        request 1 initialize "{\"capabilities\":{},\"rootUri\":\"file://$PWD/study\"}"
+        notify initialized '{}'
+        sleep 1 # the folder is looked through while nothing is asked
+        request 2 workspace/symbol '{"query":"OPT"}'
+        finish
+    } | serve >out
+    diff out <(answer "[{\"containerName\":\"a.mq\",\"kind\":5,\"location\":{\"range\":$(range 0 1 0 4),\"uri\":\"file://$PWD/study/a.mq\"},\"name\":\"opt\"},{\"containerName\":\"b.mq\",\"kind\":5,\"location\":{\"range\":$(range 0 1 0 6),\"uri\":\"file://$PWD/study/b.mq\"},\"name\":\"opt_b\"}]")
+}
+
+@test "folding" {
     ask textDocument/foldingRange '{"textDocument":{"uri":"untitled:1"}}' >out
     diff out <(answer '[{"endLine":1,"startLine":0},{"endLine":4,"startLine":2}]')
-    ask textDocument/documentSymbol '{"textDocument":{"uri":"untitled:1"}}' >out
-    [ "$(grep -o '"name":"[^"]*"' out | tr '\n' ' ')" = \
-        '"name":"opt" "name":"%keywords" "name":"freq" "name":"%source" "name":"%keywords" ' ]
+}
+
+selection() { # <range>...: each in the next one
+    local first=$1
+    shift
+    echo "{${1:+\"parent\":$(selection "$@"),}\"range\":$first}"
+}
+
+@test "a selection grows from the name to the line, the task and the text" {
+    ask textDocument/selectionRange '{"textDocument":{"uri":"untitled:1"},"positions":[{"line":3,"character":11}]}' >out
+    diff out <(answer "[$(selection "$(range 3 10 3 13)" "$(range 3 2 3 13)" "$(range 3 0 3 13)" "$(range 2 0 4 14)" "$(range 0 0 5 0)")]")
+}
+
+@test "links" {
+    text='&INCLUDE \"b c.mq\"\n&INCLUDE gone.mq\n$a\n  %source xyz=mol.xyz\n'
+    touch 'b c.mq' mol.xyz
+    {
+        begin
+        open_text "file://$PWD/a.mq" "$text"
+        request 2 textDocument/documentLink "{\"textDocument\":{\"uri\":\"file://$PWD/a.mq\"}}"
+        finish
+    } | serve | grep '"id":2,' >out
+    diff out <(answer "[{\"range\":$(range 0 10 0 16),\"target\":\"file://$PWD/b%20c.mq\"},{\"range\":$(range 3 14 3 21),\"target\":\"file://$PWD/mol.xyz\"}]")
+}
+
+@test "hover" {
+    hovered() { # <text as the inside of a JSON string> <range>
+        answer "{\"contents\":{\"kind\":\"markdown\",\"value\":\"$1\"},\"range\":$2}"
+    }
+    ask textDocument/hover "$(at 1 4)}" >out
+    diff out <(hovered '`%keywords <text> | << EOF`\n\nThe route or keyword line of the program; the last one counts.' "$(range 1 3 1 11)")
+    ask textDocument/hover "$(at 3 11)}" >out
+    diff out <(hovered '````mq\n$opt\n  %source origin\n  %keywords hf\n````' "$(range 3 10 3 13)")
+    ask textDocument/hover "$(at 1 13)}" >out
+    diff out <(answer null)
+}
+
+@test "completion" {
+    text='$opt\n  %keywords hf\n$freq\n  %source o\n  %keywords hf\n'
+    item() { # <label> <kind> <detail> <documentation>
+        echo "{${3:+\"detail\":\"$3\",}${4:+\"documentation\":\"$4\",}\"kind\":$2,\"label\":\"$1\",\"textEdit\":{\"newText\":\"$1\",\"range\":$(range 3 10 3 11)}}"
+    }
+    ask textDocument/completion "$(at 3 11)}" >out
+    diff out <(answer "{\"isIncomplete\":false,\"items\":[$(
+        item origin 14 "" "The molecule's own input, the source unless another is written."),$(
+        item restart 14 "" "The task's own restart data."),$(
+        item xyz 14 "xyz=<file> [frame=<n>]" "A frame of a file, counted from 1."),$(
+        item opt 7 task "")]}")
+}
+
+@test "completion of geometries" {
+    touch mol.xyz mol.txt
+    {
+        begin
+        open_text "file://$PWD/a.mq" '$a\n  %source xyz=m\n'
+        request 2 textDocument/completion "{\"textDocument\":{\"uri\":\"file://$PWD/a.mq\"},\"position\":{\"line\":1,\"character\":15}}"
+        finish
+    } | serve | grep '"id":2,' >out
+    diff out <(answer "{\"isIncomplete\":false,\"items\":[{\"kind\":17,\"label\":\"mol.xyz\",\"textEdit\":{\"newText\":\"mol.xyz\",\"range\":$(range 1 14 1 15)}}]}")
+}
+
+@test "signature help" {
+    text='@derive d\n  let g = convert(energy(a), \n@end\n'
+    ask textDocument/signatureHelp "$(at 1 29)}" >out
+    diff out <(answer "{\"activeParameter\":1,\"activeSignature\":0,\"signatures\":[{\"documentation\":\"The value in another unit.\",\"label\":\"convert(value, unit)\",\"parameters\":[{\"label\":\"value\"},{\"label\":\"unit\"}]}]}")
+}
+
+@test "inlay hints count variants" {
+    text='matrix:\n  f: a, b\n  g: c, d\n$opt\n  %keywords [f]/[g]\n'
+    ask textDocument/inlayHint "{\"textDocument\":{\"uri\":\"untitled:1\"},\"range\":$(range 0 0 9 0)}" >out
+    diff out <(answer '[{"label":"4 variants","paddingLeft":true,"position":{"character":4,"line":3}}]')
+}
+
+@test "code lenses name the users of a task" {
+    ask textDocument/codeLens '{"textDocument":{"uri":"untitled:1"}}' >out
+    diff out <(answer "[{\"command\":{\"command\":\"\",\"title\":\"used by freq\"},\"range\":$(range 0 1 0 4)}]")
+}
+
+acted() { # <only>: the actions over the whole text
+    ask textDocument/codeAction "{\"textDocument\":{\"uri\":\"untitled:1\"},\"range\":$(range 0 0 9 0),\"context\":{\"diagnostics\":[],\"only\":[\"$1\"]}}"
+}
+
+@test "quick fixes and source.fixAll" {
+    text='$a\n  %program xtb\n  %keywords --opt\n$b\n  %source aa\n  %keywords hf\n'
+    local older name
+    older="{\"changes\":{\"untitled:1\":[{\"newText\":\"args\",\"range\":$(range 2 3 2 11)}]}}"
+    name="{\"changes\":{\"untitled:1\":[{\"newText\":\"a\",\"range\":$(range 4 10 4 12)}]}}"
+    acted quickfix >out
+    diff out <(answer "[{\"edit\":$older,\"isPreferred\":true,\"kind\":\"quickfix\",\"title\":\"Replace with 'args'\"},{\"edit\":$name,\"isPreferred\":false,\"kind\":\"quickfix\",\"title\":\"Replace with 'a'\"}]")
+    acted source.fixAll >out
+    diff out <(answer "[{\"edit\":$older,\"kind\":\"source.fixAll\",\"title\":\"Write all older forms in their modern form\"}]")
+}
+
+@test "formatting of a range moves blanks alone" {
+    text='$opt # c\n      %keywords   hf\n\n\n\n$freq\n%source opt\n'
+    ask textDocument/rangeFormatting "{\"textDocument\":{\"uri\":\"untitled:1\"},\"range\":$(range 0 0 5 0)}" >out
+    printf '%b' "$text" >before
+    edited_text before out >edited
+    diff edited - <<'END'
+$opt # c
+  %keywords   hf
+
+$freq
+%source opt
+END
 }
 
 @test "semantic tokens" {
     ask textDocument/semanticTokens/full '{"textDocument":{"uri":"untitled:1"}}' >out
     diff out <(answer '{"data":[0,1,3,0,1,1,3,8,8,0,0,9,2,10,0,1,1,4,0,1,1,3,6,8,0,0,7,3,0,0,1,3,8,8,0,0,9,2,10,0],"resultId":"1"}')
+}
+
+@test "semantic tokens of a range, and as a difference" {
+    ask textDocument/semanticTokens/range "{\"textDocument\":{\"uri\":\"untitled:1\"},\"range\":$(range 2 0 3 0)}" >out
+    diff out <(answer '{"data":[2,1,4,0,1]}')
+    {
+        begin '{"textDocument":{"diagnostic":{}}}'
+        open_text untitled:1 "$text"
+        request 3 textDocument/semanticTokens/full '{"textDocument":{"uri":"untitled:1"}}'
+        notify textDocument/didChange "{\"textDocument\":{\"uri\":\"untitled:1\",\"version\":2},\"contentChanges\":[{\"range\":$(range 5 0 5 0),\"text\":\"\$c\\n\"}]}"
+        request 2 textDocument/semanticTokens/full/delta '{"textDocument":{"uri":"untitled:1"},"previousResultId":"1"}'
+        finish
+    } | serve | grep '"id":2,' >out
+    diff out <(answer '{"edits":[{"data":[1,1,1,0,1],"deleteCount":0,"start":40}],"resultId":"2"}')
 }
