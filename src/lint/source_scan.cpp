@@ -36,10 +36,10 @@ class BlockWalk {
         const bool marked = marks.find(statement.front()) != std::string_view::npos;
         if (!marked) {
             readInside(line);
-        } else if (const auto control = taskdsl::textBehindWord(statement, "%control")) {
+        } else if (const auto control = taskdsl::textAfterWord(statement, "%control")) {
             open_ = control->empty() ? OpenBlock::control : OpenBlock::none;
             line.controlText = *control;
-        } else if (const auto process = behindProcess(statement)) {
+        } else if (const auto process = textAfterProcess(statement)) {
             open_ = process->empty() ? OpenBlock::process : OpenBlock::none;
             line.processText = *process;
         } else {
@@ -59,9 +59,9 @@ class BlockWalk {
     }
 
     /// `%preprocess` opens a block only when it is alone on its line.
-    static std::optional<std::string_view> behindProcess(std::string_view statement) noexcept {
+    static std::optional<std::string_view> textAfterProcess(std::string_view statement) noexcept {
         return equalsNoCase(statement, "%preprocess") ? std::string_view{}
-                                                      : taskdsl::textBehindWord(statement, "%process");
+                                                      : taskdsl::textAfterWord(statement, "%process");
     }
 
     OpenBlock open_ = OpenBlock::none;

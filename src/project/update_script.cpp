@@ -57,7 +57,7 @@ bool writeComdRunnerScript(const std::string& root, const std::vector<std::strin
                            const std::vector<std::string>& selected) {
     const auto outPath = comdRunnerScriptPath(root);
     const auto text = formatComdRunnerScript(root, caseDirs, selected);
-    // A new file takes the place of what stands there: writing over that would go through a link, into a file
+    // A new file takes the place of what is there: writing over that would go through a link, into a file
     // with further names, or wait for the reader of a pipe, and the older script stays until the new one is
     // whole.
     const auto fresh = outPath + ".new";

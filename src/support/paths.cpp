@@ -13,11 +13,11 @@ namespace fs = std::filesystem;
 namespace {
 
 /// The path appended to the current directory, as written; nothing when that directory no longer exists.
-std::optional<fs::path> behindCurrentDirectory(std::string_view path) {
+std::optional<fs::path> belowCurrentDirectory(std::string_view path) {
     std::error_code error;
     auto absolute = fs::absolute(fs::path(path), error);
     if (error && error != std::errc::no_such_file_or_directory && error != std::errc::invalid_argument) {
-        // Taken as it stands, the path would lead somewhere else.
+        // Taken as it is, the path would lead somewhere else.
         throw std::system_error(error, "could not find out the current directory");
     }
     return error ? std::nullopt : std::optional(std::move(absolute));
@@ -45,7 +45,7 @@ std::string absolutePath(std::string_view path) {
     if (isPlainPath(path)) {
         return std::string(path); // nearly all are
     }
-    return behindCurrentDirectory(path).value_or(fs::path(path)).lexically_normal().string();
+    return belowCurrentDirectory(path).value_or(fs::path(path)).lexically_normal().string();
 }
 
 std::string absoluteLocation(std::string_view path) {
@@ -59,7 +59,7 @@ std::string absoluteLocation(std::string_view path) {
 std::string normalisedPath(const std::string& path) {
     // Absolute first: the weakly canonical form of a relative path that does not exist stays relative and
     // would differ from another spelling of the same place.
-    if (const auto absolute = behindCurrentDirectory(path)) {
+    if (const auto absolute = belowCurrentDirectory(path)) {
         std::error_code error;
         const auto canonical = fs::weakly_canonical(*absolute, error);
         if (!error) {

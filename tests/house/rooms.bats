@@ -13,12 +13,80 @@ rooms() { MQKIT_SOURCE=$PWD script/rooms "$@"; }
     diff <(rooms) <(rooms --included)
 }
 
-@test "an include that no row names is found" {
+@test "every room that the main of a program includes is named in its row, and the other way round" {
+    [ "$(rooms --programs | wc -l)" -gt 3 ]
+    diff <(rooms --programs | LC_ALL=C sort) <(rooms --included-programs | LC_ALL=C sort)
+}
+
+# What is found besides the rows when a text (with \n and \\ for what they mean) is added to a file of src/.
+found_with() { # <file> <text>
+    rm -rf "$BATS_TEST_TMPDIR/src"
     cp -r src "$BATS_TEST_TMPDIR/src"
-    echo '#include "console/console.h"' >>"$BATS_TEST_TMPDIR/src/support/text.cpp"
-    MQKIT_SOURCE=$BATS_TEST_TMPDIR run script/rooms --included
+    mkdir -p "$(dirname "$BATS_TEST_TMPDIR/src/$1")"
+    printf '%b\n' "$2" >>"$BATS_TEST_TMPDIR/src/$1"
+    { MQKIT_SOURCE=$BATS_TEST_TMPDIR script/rooms --included
+      MQKIT_SOURCE=$BATS_TEST_TMPDIR script/rooms --included-programs; } |
+        grep -v -x -F -f <(rooms; rooms --programs)
+}
+
+@test "an arrow that no row names is found, however it is written" {
+    [ "$(found_with support/text.cpp '// nothing')" = "" ]
+    rows=0
+    while IFS='|' read -r file text expected; do
+        found=$(found_with "$file" "$text") || true
+        [ "$found" = "$expected" ] || { echo "$file: $text: $found"; return 1; }
+        rows=$((rows + 1))
+    done <<'END'
+support/text.cpp|#include "console/console.h"|support: console
+support/text.h|#include "console/console.h"|support: console
+support/domain.cpp|#include "console/console.h"|support: console
+support/text.cpp|#include <console/console.h>|support: console
+support/text.cpp|#include  "console/console.h"|support: console
+support/text.cpp|#include"console/console.h"|support: console
+support/text.cpp| #include "console/console.h"|support: console
+support/text.cpp|#  include "console/console.h"|support: console
+support/text.cpp|\t#\tinclude\t<console/console.h>|support: console
+support/text.cpp|#include/**/"console/console.h" // "support/text.h"|support: console
+support/text.cpp|/* one */ # /* two **/ include "console/console.h"|support: console
+support/text.cpp|#include \\\n"console/console.h"|support: console
+support/text.cpp|#inc\\\nlude "console/console.h"|support: console
+support/text.cpp|%:include "console/console.h"|support: console
+support/text.cpp|#include_next <console/console.h>|support: console
+support/text.cpp|#include PATH|src/support/text.cpp: #include PATH
+support/text.cpp|#include "../console/console.h"|src/support/text.cpp: includes from "../console", which is no room
+support/text.cpp|#include <support/../console/console.h>|src/support/text.cpp: includes from "support/../console", which is no room
+support/text.cpp|#include <../src/console/console.h>|src/support/text.cpp: includes from "../src/console", which is no room
+support/text.cpp|#include "file.h"|src/support/text.cpp: includes from "", which is no room
+support/text.cpp|#include <project/sample/one.h>|src/support/text.cpp: includes from "project/sample", which is no room
+support/x.hpp|#include "taskdsl/parser/task_parser.h"|src/support/x.hpp: is no source
+support/rows.inc|{1, 2},|src/support/rows.inc: is no source
+other/x.cpp|int x;|src/other/x.cpp: belongs to no row
+graph/main.cpp|#include "project/workflows.h"|graph/main.cpp: console graph project
+app/other_main.cpp|int x;|src/app/other_main.cpp: belongs to no row
+CMakeLists.txt|target_link_libraries(mqkit_support PUBLIC mqkit_console)|src/CMakeLists.txt: target_link_libraries mqkit_support PUBLIC mqkit_console
+CMakeLists.txt|Target_Link_Libraries (\n  mqkit_support # low\n  "mqkit_console")|src/CMakeLists.txt: Target_Link_Libraries mqkit_support "mqkit_console"
+CMakeLists.txt|link_libraries(mqkit_console)|src/CMakeLists.txt: link_libraries mqkit_console
+CMakeLists.txt|set_property(TARGET mqkit_support PROPERTY LINK_LIBRARIES mqkit_console)|src/CMakeLists.txt: set_property TARGET mqkit_support PROPERTY LINK_LIBRARIES mqkit_console
+CMakeLists.txt|add_library(low ALIAS mqkit_console)|src/CMakeLists.txt: add_library low ALIAS mqkit_console
+END
+    [ "$rows" -eq 31 ]
+}
+
+@test "a program is main.cpp or *_main.cpp; what else ends so belongs to its room" {
+    cd "$BATS_TEST_TMPDIR"
+    mkdir -p src/one
+    touch src/one/main.cpp src/one/two_main.cpp src/one/domain.cpp
+    cat >CMakeLists.txt <<END
+cmake_minimum_required(VERSION 3.25)
+project(house CXX)
+include("$MQKIT_SOURCE/cmake/MqkitTargets.cmake")
+mqkit_room(one)
+get_target_property(sources mqkit_one SOURCES)
+message(NOTICE "sources: \${sources}")
+END
+    run cmake -S . -B build
     [ "$status" -eq 0 ]
-    [ "${lines[0]}" = "support: console" ]
+    [[ $output == *"sources: $PWD/src/one/domain.cpp"$'\n'* ]]
 }
 
 @test "a room names rooms of lower floors only" {

@@ -18,7 +18,7 @@ using enum NameRole;
 void scanLeaf(IndexBuilder& builder, std::string_view text) {
     text = trim(text);
     for (const auto* keyword : {"completed", "defined"}) {
-        if (const auto operand = taskdsl::textBehindWord(text, keyword)) {
+        if (const auto operand = taskdsl::textAfterWord(text, keyword)) {
             builder.add(NameKind::word, word, text.substr(0, std::string_view(keyword).size()));
             if (*keyword == 'd') {
                 builder.addWithKeys(NameKind::property, reference, *operand);

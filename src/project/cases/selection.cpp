@@ -61,28 +61,27 @@ std::optional<std::vector<std::string>> choose(const Choice& choice, const std::
     return std::move(selected);
 }
 
-/// Adds the expansions of a block to the choice; false when the catalog has no such block.
-bool takeBlock(const TaskCatalog& catalog, const std::string& name, NameList& chosen) {
-    const auto expansions = catalog.expansionsByName.find(name);
-    if (expansions == catalog.expansionsByName.end()) {
-        return false;
+/// The blocks that a name means: those whose name it matches as a pattern, or the one that has it. None when
+/// it is not known.
+std::vector<std::string> namedBlocks(const TaskCatalog& catalog, const std::string& name,
+                                     Wildcards wildcards) {
+    if (wildcards == Wildcards::plain || !hasWildcard(name)) {
+        return catalog.expansionsByName.contains(name) ? std::vector<std::string>{name}
+                                                       : std::vector<std::string>();
     }
-    for (const std::string& expansion : expansions->second) {
-        chosen.add(expansion);
-    }
-    return true;
-}
-
-/// The same for every block whose name the pattern matches; false when there is none.
-bool takeMatchingBlocks(const TaskCatalog& catalog, const std::string& pattern, NameList& chosen) {
-    bool hit = false;
+    std::vector<std::string> matching;
     for (const std::string& logical : catalog.logicalNames) {
-        if (::fnmatch(pattern.c_str(), logical.c_str(), 0) == 0) {
-            hit = true;
-            takeBlock(catalog, logical, chosen);
+        if (::fnmatch(name.c_str(), logical.c_str(), 0) == 0) {
+            matching.push_back(logical);
         }
     }
-    return hit;
+    return matching;
+}
+
+/// What a block becomes when it is expanded.
+std::vector<std::string> expansionsOf(const TaskCatalog& catalog, const std::string& block) {
+    const auto row = catalog.expansionsByName.find(block);
+    return row == catalog.expansionsByName.end() ? std::vector<std::string>() : row->second;
 }
 
 } // namespace
@@ -92,11 +91,14 @@ BlockSelection selectTaskBlocks(const TaskCatalog& catalog, const std::vector<st
     NameList chosen;
     std::vector<std::string> missing;
     for (const std::string& name : names) {
-        const bool isPattern = wildcards == Wildcards::matched && hasWildcard(name);
-        const bool hit =
-            isPattern ? takeMatchingBlocks(catalog, name, chosen) : takeBlock(catalog, name, chosen);
-        if (!hit && !name.empty()) {
+        const std::vector<std::string> blocks = namedBlocks(catalog, name, wildcards);
+        if (blocks.empty() && !name.empty()) {
             missing.push_back(name);
+        }
+        for (const std::string& block : blocks) {
+            for (const std::string& expansion : expansionsOf(catalog, block)) {
+                chosen.add(expansion);
+            }
         }
     }
     return {chosen.names(), std::move(missing)};

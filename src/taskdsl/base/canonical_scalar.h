@@ -16,7 +16,7 @@ namespace morquill::taskdsl {
 [[nodiscard]] std::string quoteForcedScalar(std::string_view text);
 
 /// `quoteCanonicalScalar` for a value whose reader knows single quotes and takes off a pair around the whole
-/// value: such a value is quoted although the rule alone would let it stand bare.
+/// value: such a value is quoted although the rule alone would leave it bare.
 [[nodiscard]] std::string quoteUnquotedScalar(std::string_view text);
 
 /// The same for a setting, which the YAML reader sees: what it would take for more than a plain text is

@@ -63,7 +63,7 @@ bool isStructure(LineKind kind) noexcept {
 }
 
 bool isHashInclude(std::string_view trimmed) noexcept {
-    return trimmed.starts_with('#') && textBehindWord(trimmed, "#INCLUDE").has_value();
+    return trimmed.starts_with('#') && textAfterWord(trimmed, "#INCLUDE").has_value();
 }
 
 } // namespace morquill::taskdsl

@@ -81,7 +81,7 @@ bool matchWord(std::string_view text, std::string_view word) noexcept {
     return text.starts_with(word) && (text.size() == word.size() || isSpace(text[word.size()]));
 }
 
-std::optional<std::string_view> textBehindWord(std::string_view text, std::string_view word) noexcept {
+std::optional<std::string_view> textAfterWord(std::string_view text, std::string_view word) noexcept {
     const auto rest = text.substr(std::min(word.size(), text.size()));
     if (!equalsNoCase(text.substr(0, word.size()), word) || (!rest.empty() && !isSpace(rest.front()))) {
         return std::nullopt;

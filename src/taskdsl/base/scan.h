@@ -35,8 +35,8 @@ namespace morquill::taskdsl {
 
 /// The trimmed text after a leading `word` in any case, with white space or the end after it;
 /// nothing when the text does not begin so.
-[[nodiscard]] std::optional<std::string_view> textBehindWord(std::string_view text,
-                                                             std::string_view word) noexcept;
+[[nodiscard]] std::optional<std::string_view> textAfterWord(std::string_view text,
+                                                            std::string_view word) noexcept;
 
 /// Takes `\s*=\s*("[^"]*"|'[^']*'|[^\s]+)` and returns the value with its quotes; nothing, and the cursor is
 /// where it was, when that does not come next.

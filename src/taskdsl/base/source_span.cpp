@@ -12,7 +12,7 @@ namespace {
 /// Room for four coordinates of eleven characters each, and what is between them.
 using PlaceText = std::array<char, 48>;
 
-/// Writes `<line>:<column>`; returns the place behind it.
+/// Writes `<line>:<column>`; returns the place after it.
 char* writePlace(char* at, PlaceText& text, std::int32_t line, std::int32_t column) noexcept {
     at = std::to_chars(at, text.end(), line).ptr;
     *at++ = ':';

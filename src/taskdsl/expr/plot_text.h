@@ -40,7 +40,7 @@ struct KeywordOptions {
     std::vector<KeywordOption> options; ///< in text order, repeated keywords each
 };
 
-/// Splits at the keywords (given in lower case, found in any case) that stand at a word start outside quotes,
+/// Splits at the keywords (given in lower case, found in any case) that begin a word outside quotes,
 /// snapshots and parentheses. A keyword ends at the first byte that is no letter, digit or `_`.
 [[nodiscard]] KeywordOptions splitKeywordOptions(std::string_view text,
                                                  std::initializer_list<std::string_view> keywords);

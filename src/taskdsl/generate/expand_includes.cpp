@@ -121,7 +121,7 @@ class IncludePass {
             throw fault(line, "task directive '%" + std::string(directive.keyword) +
                                   "' is not valid inside a " + kindName() + " fragment");
         }
-        current_ = scopeBehind(directive);
+        current_ = scopeAfter(directive);
         if (current_ == FragmentKind::text && opensHeredoc(directive.value)) {
             copyHeredoc(heredocTerminator(directive.value));
         } else {

@@ -12,7 +12,7 @@ namespace morquill::taskdsl {
 namespace {
 
 bool takesCommands(const WrittenDirective& directive) noexcept {
-    const FragmentKind scope = scopeBehind(directive);
+    const FragmentKind scope = scopeAfter(directive);
     return scope == FragmentKind::process || scope == FragmentKind::preprocess;
 }
 
@@ -54,7 +54,7 @@ class HeaderScan {
 
     void readDirective(const WrittenDirective& directive) {
         inCommands_ = takesCommands(directive);
-        if (scopeBehind(directive) == FragmentKind::text && opensHeredoc(directive.value)) {
+        if (scopeAfter(directive) == FragmentKind::text && opensHeredoc(directive.value)) {
             index_ = findHeredocEnd(lines_, index_, heredocTerminator(directive.value)).index;
         }
     }

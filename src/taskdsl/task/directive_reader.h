@@ -122,7 +122,7 @@ struct DirectiveRow {
 [[nodiscard]] const DirectiveRow* findDirective(std::string_view keyword) noexcept;
 /// The scope of the lines below a directive; that of the task for an unknown keyword and for a value that
 /// leaves nothing to those lines.
-[[nodiscard]] FragmentKind scopeBehind(const WrittenDirective& directive) noexcept;
+[[nodiscard]] FragmentKind scopeAfter(const WrittenDirective& directive) noexcept;
 /// True for a cleaned line that is a directive with such a keyword.
 [[nodiscard]] bool isKnownDirective(std::string_view clean) noexcept;
 

@@ -296,7 +296,7 @@ const DirectiveRow* findDirective(std::string_view keyword) noexcept {
     return row == directiveTable.end() ? nullptr : row;
 }
 
-FragmentKind scopeBehind(const WrittenDirective& directive) noexcept {
+FragmentKind scopeAfter(const WrittenDirective& directive) noexcept {
     const DirectiveRow* row = findDirective(directive.keyword);
     if (row == nullptr) {
         return FragmentKind::task_body;

@@ -112,7 +112,7 @@ struct TaskInfo {
     SharedText guessSourceTask;
     SharedText guessConverter; ///< "mokit", "multiwfn" or empty
     SharedText smiles;         ///< molecule line notation, set by project tools
-    SharedText filePath;       ///< file the block stands in
+    SharedText filePath;       ///< file that has the block
     /// Names of all tasks of the document that are not providers.
     Shared<std::vector<std::string>> documentTaskNames;
     TaskProgram program = TaskProgram::gaussian;
@@ -178,7 +178,7 @@ struct TaskResources {
 };
 
 /// What the extra files beside a task file brought into its document, and the file itself did not say: tasks
-/// and blocks stand first in the document, everything else is told by its key.
+/// and blocks come first in the document, everything else is identified by its key.
 struct ImplicitContent {
     KeySet settings;
     KeySet defines;

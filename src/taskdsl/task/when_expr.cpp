@@ -197,10 +197,10 @@ TaskWhenExpr parseNode(std::string_view text, int depth) {
     if (const auto parts = splitWhenTopLevel(text, "and"); parts.size() > 1) {
         return parseGroup(WhenGroupOp::conjunction, parts, depth);
     }
-    if (const auto operand = textBehindWord(text, "defined")) {
+    if (const auto operand = textAfterWord(text, "defined")) {
         return {WhenDefined{std::string(*operand)}};
     }
-    if (const auto operand = textBehindWord(text, "completed")) {
+    if (const auto operand = textAfterWord(text, "completed")) {
         return {WhenCompleted{std::string(*operand)}};
     }
     if (auto comparison = matchComparison(text)) {

@@ -63,13 +63,13 @@ TEST(Classifiers, MatchWordTakesAnyWhiteSpace) {
     EXPECT_FALSE(matchWord("guessx", "guess"));
 }
 
-TEST(Classifiers, TextBehindAWordInAnyCase) {
-    EXPECT_EQ(textBehindWord("%Control  x ", "%control"), "x");
-    EXPECT_EQ(textBehindWord("defined\ta", "DEFINED"), "a");
-    EXPECT_EQ(textBehindWord("defined\va", "defined"), "\va"); // white space, but nothing that is trimmed
-    EXPECT_EQ(textBehindWord("defined", "defined"), "");
-    EXPECT_EQ(textBehindWord("defineda", "defined"), std::nullopt);
-    EXPECT_EQ(textBehindWord("def", "defined"), std::nullopt);
+TEST(Classifiers, TextAfterAWordInAnyCase) {
+    EXPECT_EQ(textAfterWord("%Control  x ", "%control"), "x");
+    EXPECT_EQ(textAfterWord("defined\ta", "DEFINED"), "a");
+    EXPECT_EQ(textAfterWord("defined\va", "defined"), "\va"); // white space, but nothing that is trimmed
+    EXPECT_EQ(textAfterWord("defined", "defined"), "");
+    EXPECT_EQ(textAfterWord("defineda", "defined"), std::nullopt);
+    EXPECT_EQ(textAfterWord("def", "defined"), std::nullopt);
 }
 
 TEST(DottedParts, AreAllTestedAndMayBeEmpty) {

@@ -168,7 +168,7 @@ TEST(When, AnImpliedConditionIsNotWrittenTwice) {
                 ElementsAre("completed c", "completed b", "completed b"));
 }
 
-TEST(ScopeBehind, IsWhatTheRowOfTheDirectiveOpens) {
+TEST(ScopeAfter, IsWhatTheRowOfTheDirectiveOpens) {
     struct Row {
         const char* line;
         FragmentKind scope;
@@ -187,7 +187,7 @@ TEST(ScopeBehind, IsWhatTheRowOfTheDirectiveOpens) {
         {"%plot", FragmentKind::task_body},        {"%nonsense", FragmentKind::task_body},
     };
     for (const auto& [line, scope] : rows) {
-        EXPECT_EQ(fragmentKindName(scopeBehind(splitDirective(line))), fragmentKindName(scope)) << line;
+        EXPECT_EQ(fragmentKindName(scopeAfter(splitDirective(line))), fragmentKindName(scope)) << line;
     }
 }
 
