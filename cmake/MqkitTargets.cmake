@@ -44,6 +44,7 @@ function(mqkit_room folder)
     set_property(GLOBAL APPEND PROPERTY MQKIT_ROOMS ${folder})
 endfunction()
 
+# mqkit_link_rooms(<target> <folder>...): links a program to the rooms that its main includes.
 function(mqkit_link_rooms name)
     target_link_libraries(${name} PRIVATE mqkit_flags)
     foreach(used IN LISTS ARGN)

@@ -34,7 +34,7 @@ constexpr const char* classNames[classCount] = {"none", "any",   "open", "read",
 /// What happens to the planned call.
 enum class Kind {
     error,     ///< it fails with the error
-    forGood,   ///< it and all behind it of its class fail with the error
+    forGood,   ///< it and all after it of its class fail with the error
     shortened, ///< it moves half of the bytes
     full,      ///< it moves half of the bytes, and the next write to the same file finds no room
     signal,    ///< the signal comes before it

@@ -68,8 +68,11 @@ CMakeLists.txt|Target_Link_Libraries (\n  mqkit_support # low\n  "mqkit_console"
 CMakeLists.txt|link_libraries(mqkit_console)|src/CMakeLists.txt: link_libraries mqkit_console
 CMakeLists.txt|set_property(TARGET mqkit_support PROPERTY LINK_LIBRARIES mqkit_console)|src/CMakeLists.txt: set_property TARGET mqkit_support PROPERTY LINK_LIBRARIES mqkit_console
 CMakeLists.txt|add_library(low ALIAS mqkit_console)|src/CMakeLists.txt: add_library low ALIAS mqkit_console
+CMakeLists.txt|set(low mqkit_console)|src/CMakeLists.txt: set low mqkit_console
+CMakeLists.txt|target_sources(mqkit_support PRIVATE console/messages.cpp)|src/CMakeLists.txt: target_sources mqkit_support PRIVATE console/messages.cpp
+CMakeLists.txt|mqkit_link_rooms(mqkit_support console)|src/CMakeLists.txt: mqkit_link_rooms mqkit_support console
 END
-    [ "$rows" -eq 31 ]
+    [ "$rows" -eq 34 ]
 }
 
 @test "a program is main.cpp or *_main.cpp; what else ends so belongs to its room" {

@@ -105,7 +105,7 @@ TEST(CheckedBuildDeathTest, SeesAReadOfFreedMemoryInAHeader) {
     EXPECT_DEATH((void)text->size(), "heap-use-after-free");
 }
 
-TEST(CheckedBuildDeathTest, SeesAnIndexBehindTheEndOfAView) {
+TEST(CheckedBuildDeathTest, SeesAnIndexAfterTheEndOfAView) {
     const TextSlice slice("ab");
     volatile std::size_t behind = 7;
     EXPECT_DEATH((void)slice.view()[behind], "Assertion");

@@ -7,7 +7,7 @@
 namespace morquill::taskdsl {
 namespace {
 
-TEST(FindBlockEnd, IsTheFirstEndBehindTheHead) {
+TEST(FindBlockEnd, IsTheFirstEndAfterTheHead) {
     const auto lines = linesOf("@plot bar\n@plot x\n@end x\n  @end # c\n@end\n");
     const BlockEnd end = findBlockEnd(lines, 0, lines.size());
     EXPECT_TRUE(end.isClosed);

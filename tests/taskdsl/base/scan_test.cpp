@@ -5,7 +5,7 @@
 namespace morquill::taskdsl {
 namespace {
 
-TEST(StripComment, EndsAtAHashAtTheStartOrBehindWhiteSpace) {
+TEST(StripComment, EndsAtAHashAtTheStartOrAfterWhiteSpace) {
     EXPECT_EQ(stripComment("# all"), "");
     EXPECT_EQ(stripComment("a # b"), "a ");
     EXPECT_EQ(stripComment("a\t# b"), "a\t");
@@ -26,7 +26,7 @@ TEST(StripComment, AnOddNumberOfQuotesIsNoQuoting) {
 TEST(StripComment, ABackslashProtectsInsideQuotesOnly) {
     EXPECT_EQ(stripComment(R"("a \" # b" # c)"), R"("a \" # b" )");
     EXPECT_EQ(stripComment(R"(a \ # b)"), R"(a \ )");
-    // Behind a backslash a quote is not counted, but outside quotes the walk sees it all the same.
+    // After a backslash a quote is not counted, but outside quotes the walk sees it all the same.
     EXPECT_EQ(stripComment(R"(\" "a # b")"), R"(\" "a )");
 }
 

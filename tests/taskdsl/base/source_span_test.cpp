@@ -25,7 +25,7 @@ TEST(SourceSpan, ACoordinateIsClampedToItsLargest) {
     EXPECT_EQ(toCoordinate(largest + 1), 2'147'483'647);
 }
 
-TEST(SourceSpan, OfALineStartsBehindBlanksAndTabs) {
+TEST(SourceSpan, OfALineStartsAfterBlanksAndTabs) {
     EXPECT_EQ(spanOfLine("a.mq", 7, " \t%x y"), (SourceSpan{"a.mq", 7, 3, 7, 7}));
     EXPECT_EQ(spanOfLine("a.mq", 7, ""), (SourceSpan{"a.mq", 7, 1, 7, 1}));
     EXPECT_EQ(spanOfLine("a.mq", 7, "  "), (SourceSpan{"a.mq", 7, 3, 7, 3}));

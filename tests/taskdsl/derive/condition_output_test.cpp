@@ -10,7 +10,7 @@
 namespace morquill::taskdsl::derive {
 namespace {
 
-/// The condition in print, with the losses behind it.
+/// The condition in print, with the losses after it.
 std::string printedLine(std::string_view text, std::string_view keyword, ElseWord elseWord) {
     DeriveSurface surface;
     const auto condition = parseDeriveCondition(text, surface, {});

@@ -7,7 +7,7 @@
 namespace morquill::taskdsl::derive {
 namespace {
 
-/// What `let r = <call>` becomes behind the definitions.
+/// What `let r = <call>` becomes after the definitions.
 std::string expanded(const std::string& definitions, const std::string& call) {
     const std::string text = canonical(definitions + "\nlet r = " + call + "\nemit r");
     const std::string lead = "let r = ";
@@ -237,7 +237,7 @@ TEST(Formula, LongExpressionsAreNotLimited) {
     EXPECT_EQ(expanded("formula f(x) = x * 2", sum).size(), sum.size() + 1); // "f(a)" becomes "a * 2"
 }
 
-TEST(Profile, AddsItsArgumentsBehindThoseOfTheCall) {
+TEST(Profile, AddsItsArgumentsAfterThoseOfTheCall) {
     const std::string p = "profile std for thermo = (temperature=298.15, model='rrho', scale=s)";
     EXPECT_EQ(expanded(p, "thermo(opt, using=std, quantity='h')"),
               "thermo(opt, quantity=\"h\", temperature=298.15, model=\"rrho\", scale=s)");

@@ -132,7 +132,7 @@ TEST(ExpressionParser, NestingEndsAtItsBoundAndASumOfAnyLengthDoesNotNest) {
     EXPECT_EQ(read(sum), "no fault");
 }
 
-TEST(ExpressionParser, ReadsWhatStandsBehindTheNameOfAFunction) {
+TEST(ExpressionParser, ReadsWhatFollowsTheNameOfAFunction) {
     const auto text = [](std::string_view behind) {
         try {
             return renderPlotExpression(parseCallOf("f", behind, {}));

@@ -11,7 +11,7 @@ FragmentDefinition readHeader(std::string_view text, FragmentNaming naming = Fra
     return parseFragmentHeader(linesOf(text, "l.mqlib"), 0, "l.mqlib", naming).value;
 }
 
-/// Kind, name and parameters, a required one with a "!" behind its name.
+/// Kind, name and parameters, a required one with a "!" after its name.
 std::string shown(std::string_view text) {
     const auto lines = linesOf(text, "l.mqlib");
     const auto [fragment, next] = parseFragmentHeader(lines, 0, "l.mqlib", FragmentNaming::optional);
@@ -68,7 +68,7 @@ TEST(FragmentHeader, TellsWhatDoesNotFollowTheForm) {
     }
 }
 
-TEST(FragmentHeader, EveryPartBehindTheKindMayBeMissing) {
+TEST(FragmentHeader, EveryPartAfterTheKindMayBeMissing) {
     const std::pair<const char*, const char*> rows[] = {
         {"&FRAGMENT text", "text "},
         {"&FRAGMENT TASK-Body opt", "task_body opt"},

@@ -49,7 +49,7 @@ TEST(DataStatements, YIsOneSeriesOrOneOfMany) {
     EXPECT_EQ(printed(KindReading(errorbar).read(readYerr, "yerr sd").data<ErrorbarPlotData>().yerr), "sd");
 }
 
-TEST(DataStatements, ASeriesTakesModifiersBehindItOrInItsBody) {
+TEST(DataStatements, ASeriesTakesModifiersAfterItOrInItsBody) {
     KindReading reading(convergence);
     reading.read(readSeries, "series e_1 = a - b label 'E' axis y2");
     reading.read(readSeries, "series g = grad:", {"label 'Gradient'", "scale log10"});

@@ -9,7 +9,7 @@
 namespace morquill::taskdsl::plot {
 namespace {
 
-/// The names of the values from 0 on, separated by "|", and behind them that of a value that does not exist.
+/// The names of the values from 0 on, separated by "|", and after them that of a value that does not exist.
 template <class E>
 std::string names(std::string_view (*name)(E), int count) {
     std::string result;

@@ -12,7 +12,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using enum PlotKind;
 
-TEST(LevelStatements, APointTakesLabelAndValueOnItsLineOrBehindIt) {
+TEST(LevelStatements, APointTakesLabelAndValueOnItsLineOrAfterIt) {
     KindReading reading(barrier);
     reading.read(readPoint, "point ts value e(ts) - e(r) label 'TS 1'");
     EXPECT_TRUE(reading.reading.atPoint);
@@ -120,7 +120,7 @@ TEST(LevelStatements, TheUnitIsThatOfTheKind) {
     EXPECT_EQ(KindReading(barrier).fault(readUnit, "unit"), atStatement("unit requires a value"));
 }
 
-TEST(BarrierPoints, LabelAndValueMayStandBehindThePoint) {
+TEST(BarrierPoints, LabelAndValueMayComeAfterThePoint) {
     const auto plot = parsed("@plot barrier b\n"
                              "point r label 'R' value energy(r)\n"
                              "point ts\n"

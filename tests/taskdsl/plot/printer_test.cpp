@@ -19,7 +19,7 @@ struct Row {
     std::string_view expected;
 };
 
-/// Reads each statement behind the head of a plot, and looks for its line in what is printed.
+/// Reads each statement after the head of a plot, and looks for its line in what is printed.
 void expectLines(const std::string& head, const std::vector<Row>& rows) {
     for (const auto& [written, expected] : rows) {
         const auto plot = parsed(head + std::string(written) + "\n");

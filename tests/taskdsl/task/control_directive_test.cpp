@@ -128,7 +128,7 @@ TEST(Control, LenientFlagsAreFalseOnlyForAPlainNo) {
     }
     const auto odd = control("waitfreq maybe\nalertno\nexternalinput false");
     EXPECT_TRUE(taskOf(odd).waitFreq);
-    EXPECT_FALSE(taskOf(odd).alert) << "what stands behind the letters of the key counts";
+    EXPECT_FALSE(taskOf(odd).alert) << "what follows the letters of the key counts";
     EXPECT_TRUE(taskOf(odd).externalInput);
     EXPECT_TRUE(taskOf(control("externalinp")).externalInput);
     EXPECT_THAT(odd.warnings, IsEmpty());

@@ -47,7 +47,7 @@ TEST(Keywords, TheLastOneCounts) {
     EXPECT_EQ(firstTask("$a\n%keywords \"a \\\"b\\\" # c\" # d\n").keywords, "a \"b\" # c");
 }
 
-TEST(Keywords, AHashBehindAnOddQuoteIsAComment) {
+TEST(Keywords, AHashAfterAnOddQuoteIsAComment) {
     EXPECT_EQ(firstTask("$a\n%keywords it's # c\n").keywords, "it's");
 }
 

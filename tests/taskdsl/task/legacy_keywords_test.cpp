@@ -22,7 +22,7 @@ TEST(LegacyKeywords, AllOtherPairsAreParameters) {
     EXPECT_EQ(legacyParamValues("job=x a=1 Job=y b.c-d:e = \"two words\" f='' plain"),
               "a=1 b.c-d:e=\"two words\" f=\"\"");
     EXPECT_EQ(legacyParamValues("a=b=c"), "a=b=c");
-    EXPECT_EQ(legacyParamValues("a='b'c d=e"), "a=b d=e") << "the rest of a word behind a quote is no pair";
+    EXPECT_EQ(legacyParamValues("a='b'c d=e"), "a=b d=e") << "the rest of a word after a quote is no pair";
     EXPECT_EQ(legacyParamValues("a= "), "");
     EXPECT_EQ(legacyParamValues(""), "");
 }

@@ -22,7 +22,7 @@ TEST(ResolvedTask, WhatIsWrittenWinsOverWhatOlderFilesKeepInKeywords) {
     EXPECT_EQ(resolvedTemplateName(TaskInfo("c")), "");
 }
 
-TEST(ResolvedTask, TheBlockOfAnOrcaTaskStandsBehindItsExtraInput) {
+TEST(ResolvedTask, TheBlockOfAnOrcaTaskComesAfterItsExtraInput) {
     TaskInfo task("a", TaskProgram::orca);
     task.extraKeywords = "%scf\nend";
     EXPECT_EQ(resolvedExtraInput(task), "%scf\nend");

@@ -32,7 +32,7 @@ TEST(RuntimePlaceholders, GoIntoSixTexts) {
     EXPECT_EQ(task.name, "[taskname]");
 }
 
-TEST(KeywordValue, IsFoundAtTheStartOrBehindWhiteSpace) {
+TEST(KeywordValue, IsFoundAtTheStartOrAfterWhiteSpace) {
     const std::vector<std::tuple<const char*, const char*, const char*>> rows{
         {"job=a", "job", "a"},
         {"x job\t=\n a b", "job", "a"},

@@ -20,7 +20,7 @@ struct Outcome {
     std::size_t position = 0;
 };
 
-/// The task after `%source <value>` and the lines behind it.
+/// The task after `%source <value>` and the lines after it.
 Outcome read(const std::string& value, std::string_view block = "", bool multiSource = false,
              const TaskInfo& before = TaskInfo("a")) {
     Outcome outcome;

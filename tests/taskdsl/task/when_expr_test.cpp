@@ -126,7 +126,7 @@ TEST(WhenExpr, ParsesAndPrints) {
 }
 
 TEST(WhenExpr, AnOperatorWithoutARightSideGivesAPartOfItselfUp) {
-    // `!=` has nothing behind it; no shorter operator stands at its place, and behind the `=` there is
+    // `!=` has nothing after it; no shorter operator is in its place, and after the `=` there is
     // nothing.
     EXPECT_EQ(shapeOf("a !="), "text<a !=>");
     EXPECT_EQ(shapeOf("a !=="), "[a]!=[=]");
