@@ -5,10 +5,10 @@
 #include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
+#include "taskdsl/generate/include_line.h"
 #include "taskdsl/generate/include_path.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <utility>
 
@@ -53,9 +53,10 @@ KnownFile summarise(const std::string& path, std::string text, PositionUnit unit
 } // namespace
 
 bool isSourceName(std::string_view name) noexcept {
-    constexpr std::array<std::string_view, 4> extensions{".mq", ".projmq", ".mqlib", ".mqfrag"};
-    return name == "extra.yaml" || std::any_of(extensions.begin(), extensions.end(),
-                                               [name](std::string_view e) { return name.ends_with(e); });
+    using taskdsl::IncludeTarget;
+    const auto kind = taskdsl::kindOfPath(name);
+    return name == "extra.yaml" || kind == IncludeTarget::taskFile || kind == IncludeTarget::library ||
+           kind == IncludeTarget::fragmentFile;
 }
 
 bool isPassedOver(std::string_view name) noexcept {
