@@ -5,6 +5,7 @@
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
+#include "taskdsl/base/extra_files.h"
 #include "taskdsl/generate/expand_includes.h"
 #include "taskdsl/generate/fragment_library.h"
 #include "taskdsl/generate/include_line.h"
@@ -112,7 +113,7 @@ void checkTasks(const OpenText& text, const taskdsl::FileOverlay& overlay, Analy
     }
     auto& document = *linted.document;
     analysis.files = document.includedFiles;
-    for (const auto* name : {"extra.yaml", "extra.mq"}) {
+    for (const auto name : taskdsl::extraFileNames) {
         analysis.files->push_back(joinPath(document.directory, name));
     }
     addMissingFiles(analysis);
