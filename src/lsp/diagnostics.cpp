@@ -119,7 +119,7 @@ Json shownIn(const Session& session, const std::string& uri) {
             continue;
         }
         for (const Json& diagnostic : found->second) {
-            if (seen.insert(diagnostic.dump(-1, ' ', false, Json::error_handler_t::replace)).second) {
+            if (seen.insert(dumpJson(diagnostic)).second) {
                 shown.push_back(diagnostic);
             }
         }

@@ -10,6 +10,7 @@
 #include "support/file.h"
 #include "support/large_memory.h"
 #include "support/paths.h"
+#include "taskdsl/base/extra_files.h"
 #include "taskdsl/parser/task_parser.h"
 #include "views/canonical_writer.h"
 
@@ -154,9 +155,9 @@ bool isWrittenBesideInput(const FileCommandOptions& options) {
     const auto directory = [](const std::filesystem::path& file) {
         return normalisedPath(file.has_parent_path() ? file.parent_path().string() : ".");
     };
-    return options.inPlace ||
-           (!output.empty() && output.filename() != "extra.mq" && output.filename() != "extra.yaml" &&
-            directory(output) == directory(options.inputPath));
+    return options.inPlace || (!output.empty() && output.filename() != taskdsl::extraTasksName &&
+                               output.filename() != taskdsl::extraValuesName &&
+                               directory(output) == directory(options.inputPath));
 }
 
 /// Reads the input, which must be a regular file when it is

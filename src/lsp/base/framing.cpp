@@ -12,12 +12,13 @@ namespace {
 
 constexpr std::string_view lengthField = "content-length";
 
-/// Where the empty line behind a header ends, searched from `from` on; nothing when it has not come.
+/// The end of a message's header.
 struct HeaderEnd {
     std::size_t header = 0; ///< bytes of the header lines
     std::size_t whole = 0;  ///< the same with the empty line
 };
 
+/// The header whose empty line is the first from `from` on; nothing when that line has not come yet.
 std::optional<HeaderEnd> findHeaderEnd(std::string_view text, std::size_t from) noexcept {
     for (auto feed = text.find('\n', from); feed != std::string_view::npos;
          feed = text.find('\n', feed + 1)) {

@@ -1,5 +1,7 @@
 #include "lsp/base/json.h"
 
+#include "support/quote_walk.h"
+
 #include <cstddef>
 #include <limits>
 
@@ -7,26 +9,15 @@ namespace morquill::lsp {
 
 namespace {
 
+constexpr QuoteRule jsonText({.quotes = "\"", .opening = "[{", .closing = "]}"});
+
 /// True when the brackets outside strings nest no deeper than the bound: a value is copied by recursion.
 bool isShallow(std::string_view text) noexcept {
-    std::size_t depth = 0;
-    bool inString = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (inString) {
-            i += c == '\\' ? 1 : 0;
-            inString = c != '"';
-        } else if (c == '"') {
-            inString = true;
-        } else if (c == '[' || c == '{') {
-            if (++depth > maxJsonDepth) {
-                return false;
-            }
-        } else if ((c == ']' || c == '}') && depth > 0) {
-            --depth;
-        }
+    QuoteWalk walk(jsonText);
+    for (std::size_t at = 0; at < text.size() && walk.depth() <= maxJsonDepth;) {
+        at = walk.step(text, at);
     }
-    return true;
+    return walk.depth() <= maxJsonDepth;
 }
 
 } // namespace

@@ -2,11 +2,10 @@
 #include "lsp/index/expression_names.h"
 
 #include "support/text.h"
-#include "taskdsl/base/quote_rules.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/task/when_expr.h"
 
-#include <algorithm>
-#include <optional>
+#include <vector>
 
 namespace morquill::lsp {
 
@@ -38,39 +37,37 @@ void scanLeaf(IndexBuilder& builder, std::string_view text) {
     }
 }
 
-/// `and` or `or` between white space at `at`; empty when neither stands there.
-std::string_view joiningWord(std::string_view text, std::size_t at) noexcept {
-    if (at > 0 && !isSpace(text[at - 1]) && text[at - 1] != ')') {
-        return {};
+/// A condition as the parser takes it apart. `depth` counts the groups around it: what lies deeper than the
+/// parser reads is a fault there and names nothing here.
+void scanGroup(IndexBuilder& builder, std::string_view condition, int depth) {
+    const auto split = taskdsl::splitWhen(condition);
+    const auto text = split.text;
+    if (split.parts.empty()) {
+        scanLeaf(builder, text);
+        return;
     }
-    for (const std::string_view joining : {"and", "or"}) {
-        const auto end = at + joining.size();
-        if (end <= text.size() && equalsNoCase(text.substr(at, joining.size()), joining) &&
-            (end == text.size() || isSpace(text[end]) || text[end] == '(')) {
-            return text.substr(at, joining.size());
+    if (depth >= taskdsl::maxWhenNesting) {
+        return;
+    }
+    const auto addJoining = [&](std::size_t begin, std::size_t end) {
+        for (const auto joining : splitBlank(text.substr(begin, end - begin))) {
+            builder.add(NameKind::word, word, joining);
         }
+    };
+    std::size_t done = 0;
+    for (const auto part : split.parts) {
+        const auto begin = static_cast<std::size_t>(part.data() - text.data());
+        addJoining(done, begin);
+        scanGroup(builder, part, depth + 1);
+        done = begin + part.size();
     }
-    return {};
+    addJoining(done, text.size());
 }
 
 } // namespace
 
 void scanCondition(IndexBuilder& builder, std::string_view condition) {
-    QuoteWalk walk(taskdsl::quote_rules::whenCondition);
-    std::size_t begin = 0;
-    for (std::size_t at = 0; at < condition.size();) {
-        const bool open = walk.inOpen();
-        const auto joining = open ? joiningWord(condition, at) : std::string_view{};
-        const bool parenthesis = open && (condition[at] == '(' || condition[at] == ')');
-        if (!joining.empty() || parenthesis) {
-            scanLeaf(builder, condition.substr(begin, at - begin));
-            builder.add(NameKind::word, word, joining);
-            begin = at + std::max<std::size_t>(joining.size(), 1);
-        }
-        const auto next = walk.step(condition, at);
-        at = joining.empty() ? next : begin;
-    }
-    scanLeaf(builder, condition.substr(std::min(begin, condition.size())));
+    scanGroup(builder, condition, 0);
 }
 
 } // namespace morquill::lsp

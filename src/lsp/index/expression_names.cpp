@@ -30,10 +30,10 @@ bool isTaskArgument(std::string_view name) {
 /// One call that is open.
 struct OpenCall {
     std::string_view function;
-    std::size_t depth = 0;         ///< of its parenthesis
-    bool first = true;             ///< no comma yet
-    std::string_view argument;     ///< the name of the argument that is being read
-    std::uint32_t owner = noIndex; ///< the derive that `derived(...)` names
+    std::size_t depth = 0;          ///< of its parenthesis
+    bool first = true;              ///< no comma yet
+    std::string_view argument = {}; ///< the name of the argument that is being read
+    std::uint32_t owner = noIndex;  ///< the derive that `derived(...)` names
 };
 
 /// The dot between a name and what is behind it; npos when there is none. A `[key]` may hold dots.
@@ -82,7 +82,7 @@ class Walk {
         }
         if (token.kind == Token::Kind::name && nextIs("(")) {
             builder.add(NameKind::function, word, token.text);
-            calls_.push_back({token.text, token.depth, true, {}, noIndex});
+            calls_.push_back({.function = token.text, .depth = token.depth});
         } else if (token.kind == Token::Kind::name && nextIs("=") && !calls_.empty()) {
             builder.add(NameKind::argument, word, token.text);
             calls_.back().argument = token.text;

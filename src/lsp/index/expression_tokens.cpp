@@ -1,6 +1,8 @@
 #include "lsp/index/expression_tokens.h"
 
 #include "support/text.h"
+#include "taskdsl/base/quote_rules.h"
+#include "taskdsl/base/substitute.h"
 #include "taskdsl/expr/plot_text.h"
 
 #include <algorithm>
@@ -11,14 +13,8 @@ namespace {
 
 /// The bytes of `[key]` at the front; 0 when there is none.
 std::size_t keyLength(std::string_view text) noexcept {
-    if (!text.starts_with('[')) {
-        return 0;
-    }
-    std::size_t end = 1;
-    while (end < text.size() && isKeyChar(text[end])) {
-        ++end;
-    }
-    return end > 1 && end < text.size() && text[end] == ']' ? end + 1 : 0;
+    const auto key = taskdsl::bracketKeyAt(text, 0);
+    return key.empty() ? 0 : key.size() + 2;
 }
 
 std::size_t nameLength(std::string_view text) noexcept {
@@ -52,14 +48,12 @@ std::size_t numberLength(std::string_view text) noexcept {
 }
 
 std::size_t stringLength(std::string_view text) noexcept {
-    for (std::size_t at = 1; at < text.size(); ++at) {
-        if (text[at] == '\\') {
-            ++at;
-        } else if (text[at] == text.front()) {
-            return at + 1;
-        }
+    QuoteWalk walk(taskdsl::quote_rules::expressionString);
+    std::size_t at = walk.step(text, 0);
+    while (at < text.size() && walk.inQuotes()) {
+        at = walk.step(text, at);
     }
-    return text.size();
+    return at;
 }
 
 std::size_t signLength(std::string_view text) noexcept {
@@ -108,7 +102,6 @@ void addTokens(std::string_view text, std::size_t& depth, std::vector<Token>& to
 }
 
 std::vector<StatementTokens> readStatements(const std::vector<std::string_view>& lines) {
-    constexpr std::string_view operators = "+-*/,";
     std::vector<StatementTokens> statements;
     std::size_t depth = 0;
     bool goesOn = false;
@@ -128,7 +121,7 @@ std::vector<StatementTokens> readStatements(const std::vector<std::string_view>&
         } else {
             addTokens(text, depth, statements.back().tokens);
         }
-        goesOn = depth > 0 || operators.find(text.back()) != std::string_view::npos;
+        goesOn = depth > 0 || taskdsl::plot::endsInOperator(text);
     }
     return statements;
 }

@@ -22,15 +22,15 @@ struct Token {
 /// One logical statement: what its physical lines hold, comments left out.
 struct StatementTokens {
     std::string_view line;     ///< the first line
-    std::string_view word;     ///< the first word, without a colon behind it
-    std::string_view rest;     ///< of the first line, behind the first word
-    std::vector<Token> tokens; ///< behind the first word
+    std::string_view word;     ///< the first word, without the colon after it
+    std::string_view rest;     ///< of the first line, after the first word
+    std::vector<Token> tokens; ///< after the first word
 };
 
 /// Adds the tokens of a text. Any bytes may come: what is no token of the grammar is a sign.
 void addTokens(std::string_view text, std::size_t& depth, std::vector<Token>& tokens);
 
-/// Groups lines to statements as the parser does: one goes on inside parentheses and behind a line that ends
+/// Groups lines to statements as the parser does: one goes on inside parentheses and after a line that ends
 /// in an operator or a comma.
 [[nodiscard]] std::vector<StatementTokens> readStatements(const std::vector<std::string_view>& lines);
 

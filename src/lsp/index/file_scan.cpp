@@ -6,6 +6,7 @@
 
 #include "support/text.h"
 #include "taskdsl/base/foreach_header.h"
+#include "taskdsl/base/line_blocks.h"
 #include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
 #include "taskdsl/expr/plot_text.h"
@@ -172,7 +173,7 @@ class FileScan {
         blockLine_ = &row.line;
         if (keyword == "plot") {
             readTaskPlot(value);
-        } else if (row.takesHeredoc && value.starts_with("<<")) {
+        } else if (row.heredoc == Heredoc::taken && taskdsl::opensHeredoc(value)) {
             readHeredoc(value);
         } else if (!value.empty()) {
             row.value(builder_, value);

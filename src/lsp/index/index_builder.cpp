@@ -1,6 +1,7 @@
 #include "lsp/index/index_builder.h"
 
 #include "support/text.h"
+#include "taskdsl/base/substitute.h"
 
 #include <algorithm>
 #include <numeric>
@@ -19,17 +20,9 @@ std::uint32_t IndexBuilder::add(NameKind kind, NameRole role, std::string_view n
 }
 
 void IndexBuilder::addKeys(std::string_view piece) {
-    for (auto open = piece.find('['); open != std::string_view::npos; open = piece.find('[', open + 1)) {
-        std::size_t end = open + 1;
-        while (end < piece.size() && isKeyChar(piece[end])) {
-            ++end;
-        }
-        if (end < piece.size() && piece[end] == ']' && end > open + 1) {
-            addKey(piece.substr(open + 1, end - open - 1));
-            open = end;
-        } else {
-            open = end - 1;
-        }
+    for (auto bracket = taskdsl::nextBracket(piece, 0); bracket.open != std::string_view::npos;
+         bracket = taskdsl::nextBracket(piece, bracket.after)) {
+        addKey(bracket.key);
     }
 }
 

@@ -102,7 +102,7 @@ class PlotScan {
     }
 
   private:
-    /// What stands behind the option whose value is a name or an expression.
+    /// What follows the option whose value is a name or an expression.
     enum class Options { expression, plain, value, task };
 
     static Tokens rest(Tokens tokens) noexcept { return tokens.empty() ? tokens : tokens.subspan(1); }
@@ -131,18 +131,16 @@ class PlotScan {
         return all;
     }
 
-    static bool isOption(const Token& token, std::string_view options) noexcept {
+    static bool isOption(const Token& token) noexcept {
         return token.kind == Token::Kind::name && token.depth == 0 &&
-               std::any_of(optionWords.begin(), optionWords.end(),
-                           [&](std::string_view option) { return equalsNoCase(option, token.text); }) &&
-               !options.empty();
+               taskdsl::plot::isPlotOptionWord(token.text);
     }
 
     void scanOptions(Tokens tokens, Options options) {
         std::size_t begin = 0;
         std::string_view option;
         for (std::size_t i = 0; i <= tokens.size(); ++i) {
-            if (i < tokens.size() && !isOption(tokens[i], "all")) {
+            if (i < tokens.size() && !isOption(tokens[i])) {
                 continue;
             }
             scanValue(tokens.subspan(begin, i - begin), option, options);
@@ -168,9 +166,6 @@ class PlotScan {
             }
         }
     }
-
-    static constexpr std::array<std::string_view, 9> optionWords{
-        "label", "unit", "log", "scale", "axis", "style", "value", "task", "multiplicity"};
 
     IndexBuilder& builder_;
     std::uint32_t block_;

@@ -1,8 +1,10 @@
 #include "lsp/index/block_scans.h"
 
 #include "support/text.h"
+#include "taskdsl/base/diagnostic.h"
 #include "taskdsl/base/line_kind.h"
 #include "taskdsl/base/scan.h"
+#include "taskdsl/generate/include_line.h"
 
 #include <algorithm>
 #include <vector>
@@ -16,15 +18,13 @@ namespace {
 
 using enum NameRole;
 
-bool isIndented(std::string_view line) noexcept {
-    return line.starts_with(' ') || line.starts_with('\t');
+/// True for the cleaned line that ends the prelude.
+bool beginsBody(std::string_view text) noexcept {
+    return taskdsl::beginsBody(taskdsl::kindOfCleanLine(text));
 }
 
-/// A line that ends the prelude, as the parser has it.
-bool beginsBody(std::string_view text) noexcept {
-    const auto kind = taskdsl::kindOfCleanLine(text);
-    return kind == LineKind::taskHeader || taskdsl::opensBlock(kind) || kind == LineKind::end ||
-           kind == LineKind::loop;
+bool isInclude(std::string_view text) noexcept {
+    return taskdsl::kindOfCleanLine(text) == LineKind::include;
 }
 
 class PreludeScan {
@@ -58,7 +58,7 @@ class PreludeScan {
         if (beginsBody(text) || text.starts_with("&FRAGMENT") || text.starts_with('%')) {
             return false;
         }
-        if (taskdsl::beginsBlock(text, "&INCLUDE")) {
+        if (isInclude(text)) {
             return readInclude(text);
         }
         if (text.starts_with("define:")) {
@@ -69,19 +69,21 @@ class PreludeScan {
             readPairs(BlockKind::matrix, NameKind::axis);
             return true;
         }
-        if (isIndented(lines_[at_]) || text.find(':') == std::string_view::npos) {
+        if (taskdsl::isIndented(lines_[at_]) || text.find(':') == std::string_view::npos) {
             return false;
         }
         readSection();
         return true;
     }
 
-    /// A YAML file or a library belongs to the prelude; what else is included begins the body.
+    /// An include that the prelude does not follow begins the body. While one is being typed, the lines below
+    /// it keep their meaning.
     bool readInclude(std::string_view text) {
-        const auto lowered = toLower(text);
-        const bool belongs = lowered.find(".yaml") != std::string::npos ||
-                             lowered.find(".yml") != std::string::npos ||
-                             lowered.find(".mqlib") != std::string::npos;
+        bool belongs = true;
+        try {
+            belongs = taskdsl::parsePreludeInclude(text).has_value();
+        } catch (const taskdsl::DiagnosticError&) {
+        }
         if (belongs) {
             at_ = scanInclude(builder_, lines_, at_) + 1;
         }
@@ -131,7 +133,7 @@ class PreludeScan {
 
     [[nodiscard]] bool endsSection(std::string_view line) const {
         const auto text = cleanLine(line);
-        return beginsBody(text) || taskdsl::beginsBlock(text, "&INCLUDE") || line.starts_with("define:") ||
+        return beginsBody(text) || isInclude(text) || line.starts_with("define:") ||
                line.starts_with("matrix:") || line.starts_with('%');
     }
 
@@ -163,7 +165,7 @@ class PreludeScan {
         for (++at_; at_ < lines_.size() && !endsSection(lines_[at_]); ++at_) {
             const auto inner = clean();
             // The next key at the margin has a section of its own; a list may stand at the margin.
-            if (!inner.empty() && !isIndented(lines_[at_]) && !inner.starts_with('-')) {
+            if (!inner.empty() && !taskdsl::isIndented(lines_[at_]) && !inner.starts_with('-')) {
                 break;
             }
             noteLine();

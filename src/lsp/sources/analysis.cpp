@@ -5,12 +5,13 @@
 #include "support/file.h"
 #include "support/paths.h"
 #include "support/text.h"
+#include "taskdsl/base/extra_files.h"
 #include "taskdsl/generate/expand_includes.h"
 #include "taskdsl/generate/fragment_library.h"
+#include "taskdsl/generate/include_line.h"
 #include "taskdsl/generate/prelude.h"
 
 #include <algorithm>
-#include <array>
 #include <exception>
 #include <functional>
 #include <utility>
@@ -20,17 +21,6 @@ namespace morquill::lsp {
 using taskdsl::DocumentContext;
 
 namespace {
-
-struct KindRow {
-    std::string_view extension;
-    FileKind kind;
-};
-constexpr std::array<KindRow, 4> kinds{{
-    {".mqlib", FileKind::library},
-    {".mqfrag", FileKind::fragment},
-    {".yaml", FileKind::values},
-    {".yml", FileKind::values},
-}};
 
 /// True for a body that says by a placeholder what it includes: that is known where the fragment is used.
 bool includesPlaceholder(const taskdsl::FragmentDefinition& fragment) {
@@ -123,7 +113,7 @@ void checkTasks(const OpenText& text, const taskdsl::FileOverlay& overlay, Analy
     }
     auto& document = *linted.document;
     analysis.files = document.includedFiles;
-    for (const auto* name : {"extra.yaml", "extra.mq"}) {
+    for (const auto name : taskdsl::extraFileNames) {
         analysis.files->push_back(joinPath(document.directory, name));
     }
     addMissingFiles(analysis);
@@ -136,9 +126,21 @@ void checkTasks(const OpenText& text, const taskdsl::FileOverlay& overlay, Analy
 } // namespace
 
 FileKind fileKind(std::string_view path) noexcept {
-    const auto row = std::find_if(kinds.begin(), kinds.end(),
-                                  [path](const KindRow& r) { return path.ends_with(r.extension); });
-    return row == kinds.end() ? FileKind::tasks : row->kind;
+    using taskdsl::IncludeTarget;
+    switch (taskdsl::kindOfPath(path).value_or(IncludeTarget::taskFile)) {
+    case IncludeTarget::library:
+        return FileKind::library;
+    case IncludeTarget::fragmentFile:
+        return FileKind::fragment;
+    case IncludeTarget::yamlFile:
+        return FileKind::values;
+    case IncludeTarget::fragmentName:
+    case IncludeTarget::reference:
+    case IncludeTarget::taskFile:
+    case IncludeTarget::otherFile:
+        break;
+    }
+    return FileKind::tasks;
 }
 
 const Analysis& Analyses::of(const OpenText& text) {

@@ -4,6 +4,7 @@
 #include "lsp/base/uri.h"
 #include "support/file.h"
 #include "support/paths.h"
+#include "taskdsl/base/extra_files.h"
 #include "taskdsl/generate/include_path.h"
 
 #include <algorithm>
@@ -107,8 +108,9 @@ std::vector<const SourceFile*> SourceFiles::closure(const SourceFile& root) {
     for (std::size_t i = 0; i < files.size(); ++i) {
         const SourceFile& file = *files[i];
         if (file.kind == FileKind::tasks && !file.path.empty()) {
-            add(joinPath(parentPath(file.path), "extra.yaml"));
-            add(joinPath(parentPath(file.path), "extra.mq"));
+            for (const auto name : taskdsl::extraFileNames) {
+                add(joinPath(parentPath(file.path), name));
+            }
         }
         for (std::size_t link = 0; link < file.linked.size(); ++link) {
             const auto kind = file.index.links[link].kind;

@@ -5,18 +5,16 @@
 #include "support/directory.h"
 #include "support/file.h"
 #include "support/paths.h"
+#include "taskdsl/base/extra_files.h"
+#include "taskdsl/generate/include_line.h"
 #include "taskdsl/generate/include_path.h"
 
 #include <algorithm>
-#include <array>
-#include <filesystem>
 #include <utility>
 
 namespace morquill::lsp {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 /// Kinds of names that are found by search.
 bool isSymbol(NameKind kind) noexcept {
@@ -36,7 +34,7 @@ KnownFile summarise(const std::string& path, std::string text, PositionUnit unit
         }
     }
     if (fileKind(path) == FileKind::tasks) {
-        for (const auto* name : {"extra.yaml", "extra.mq"}) {
+        for (const auto name : taskdsl::extraFileNames) {
             known.links.push_back(normalisedPath(joinPath(parentPath(path), name)));
         }
     }
@@ -53,9 +51,10 @@ KnownFile summarise(const std::string& path, std::string text, PositionUnit unit
 } // namespace
 
 bool isSourceName(std::string_view name) noexcept {
-    constexpr std::array<std::string_view, 4> extensions{".mq", ".projmq", ".mqlib", ".mqfrag"};
-    return name == "extra.yaml" || std::any_of(extensions.begin(), extensions.end(),
-                                               [name](std::string_view e) { return name.ends_with(e); });
+    using taskdsl::IncludeTarget;
+    const auto kind = taskdsl::kindOfPath(name);
+    return name == taskdsl::extraValuesName || kind == IncludeTarget::taskFile ||
+           kind == IncludeTarget::library || kind == IncludeTarget::fragmentFile;
 }
 
 bool isPassedOver(std::string_view name) noexcept {
@@ -85,21 +84,20 @@ bool Workspace::step() {
 
 /// Below a case of a project lie the directories of its blocks, which hold no sources but many files.
 void Workspace::listFolder(const std::string& folder) {
-    std::error_code error;
+    const auto entries = readDirectory(folder);
+    if (!entries) {
+        return;
+    }
     std::vector<std::string> inner;
     bool isCase = false;
-    for (fs::directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error), end;
-         !error && entry != end; entry.increment(error)) {
-        const auto name = entry->path().filename().string();
-        std::error_code ignored;
-        const bool isLink = entry->is_symlink(ignored);
+    for (const auto& [name, kind] : *entries) {
         if (isSourceName(name)) {
             isCase = isCase || name == baseName(folder) + ".mq";
-            if (!isLink && entry->is_regular_file(ignored)) {
-                unread_.push_back(entry->path().string());
+            if (kind == EntryKind::file) {
+                unread_.push_back(joinPath(folder, name));
             }
-        } else if (!isLink && !isPassedOver(name) && entry->is_directory(ignored)) {
-            inner.push_back(entry->path().string());
+        } else if (kind == EntryKind::directory && !isPassedOver(name)) {
+            inner.push_back(joinPath(folder, name));
         }
     }
     const auto siblings = isCase ? readDirectory(parentPath(folder)) : std::nullopt;

@@ -7,6 +7,7 @@
 #include "support/name_list.h"
 #include "support/paths.h"
 #include "support/text.h"
+#include "taskdsl/base/extra_files.h"
 #include "taskdsl/parser/task_parser.h"
 
 #include <cstddef>
@@ -140,8 +141,8 @@ class CaseReader {
         const auto beside = [&](std::string_view name) {
             return ::access(joinPath(caseDir, name).c_str(), F_OK) == 0;
         };
-        return toLower(text).find("include") != std::string::npos || beside("extra.yaml") ||
-               beside("extra.mq");
+        return toLower(text).find("include") != std::string::npos || beside(taskdsl::extraValuesName) ||
+               beside(taskdsl::extraTasksName);
     }
 
     bool parse(const std::string& text, const std::string& path) {

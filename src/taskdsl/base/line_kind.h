@@ -32,6 +32,12 @@ enum class LineKind : std::uint8_t {
     return kind == LineKind::plot || kind == LineKind::derive;
 }
 
+/// True for a line that ends the prelude of a file: a task header, the head or the end of a block, a loop.
+[[nodiscard]] constexpr bool beginsBody(LineKind kind) noexcept {
+    return kind == LineKind::taskHeader || opensBlock(kind) || kind == LineKind::end ||
+           kind == LineKind::loop;
+}
+
 /// True for `#INCLUDE` at the front of the trimmed line, in any case, followed by white space or the end.
 [[nodiscard]] bool isHashInclude(std::string_view trimmed) noexcept;
 

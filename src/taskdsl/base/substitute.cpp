@@ -8,29 +8,23 @@
 
 namespace morquill::taskdsl {
 
-namespace {
+std::string_view bracketKeyAt(std::string_view text, std::size_t open) noexcept {
+    if (open >= text.size() || text[open] != '[') {
+        return {};
+    }
+    const auto key = Cursor(text, open + 1).takeWhile(isKeyChar);
+    const auto close = open + 1 + key.size();
+    return close < text.size() && text[close] == ']' ? key : std::string_view{};
+}
 
-/// A `[key]` in a text: the key, and the places of its brackets.
-struct Bracket {
-    std::size_t open = std::string_view::npos;
-    std::size_t after = 0;
-    std::string_view key;
-};
-
-/// The next `[key]` from `begin` on. No key character is a bracket, so a failed try goes on after its key.
 Bracket nextBracket(std::string_view text, std::size_t begin) noexcept {
-    for (std::size_t open = text.find('[', begin); open != std::string_view::npos;) {
-        const auto key = Cursor(text, open + 1).takeWhile(isKeyChar);
-        const auto close = open + 1 + key.size();
-        if (!key.empty() && close < text.size() && text[close] == ']') {
-            return {open, close + 1, key};
+    for (auto open = text.find('[', begin); open != std::string_view::npos; open = text.find('[', open + 1)) {
+        if (const auto key = bracketKeyAt(text, open); !key.empty()) {
+            return {open, open + key.size() + 2, key};
         }
-        open = text.find('[', close);
     }
     return {};
 }
-
-} // namespace
 
 std::string substituteBrackets(std::string_view text, const ValueMap& values) {
     std::string result;

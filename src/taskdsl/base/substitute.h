@@ -2,6 +2,7 @@
 
 #include "support/shared.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -30,6 +31,17 @@ enum class Placeholders : std::uint8_t { refused, allowed };
 bool substituteInto(std::string& text, const ValueMap& values);
 /// The same; others who share the text keep the old one.
 bool substituteInto(SharedText& text, const ValueMap& values);
+
+/// A `[key]` in a text: the key, and the places of its brackets.
+struct Bracket {
+    std::size_t open = std::string_view::npos;
+    std::size_t after = 0;
+    std::string_view key;
+};
+/// The key of the `[key]` that begins at `open`; empty when none begins there.
+[[nodiscard]] std::string_view bracketKeyAt(std::string_view text, std::size_t open) noexcept;
+/// The next `[key]` from `begin` on; its `open` is npos when there is none.
+[[nodiscard]] Bracket nextBracket(std::string_view text, std::size_t begin) noexcept;
 
 /// True when a `[key]` is in the text.
 [[nodiscard]] bool holdsBracketKey(std::string_view text) noexcept;

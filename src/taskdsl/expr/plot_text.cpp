@@ -94,6 +94,17 @@ KeywordOptions splitKeywordOptions(std::string_view text, std::initializer_list<
     return result;
 }
 
+bool isPlotOptionWord(std::string_view word) noexcept {
+    constexpr std::string_view optionWords[] = {"label", "unit",  "log",  "scale",       "axis",
+                                                "style", "value", "task", "multiplicity"};
+    return std::any_of(std::begin(optionWords), std::end(optionWords),
+                       [word](std::string_view option) { return equalsNoCase(option, word); });
+}
+
+bool endsInOperator(std::string_view text) noexcept {
+    return std::string_view("*+,-/").find(text.back()) != std::string_view::npos;
+}
+
 std::size_t findAtLevelZero(std::string_view text, char wanted) noexcept {
     return findAtTop(text, quote_rules::plotText, [&](std::size_t at) { return text[at] == wanted; });
 }

@@ -45,6 +45,12 @@ struct KeywordOptions {
 [[nodiscard]] KeywordOptions splitKeywordOptions(std::string_view text,
                                                  std::initializer_list<std::string_view> keywords);
 
+/// True for a word, in any case, that begins an option after a word of free text.
+[[nodiscard]] bool isPlotOptionWord(std::string_view word) noexcept;
+
+/// True when a statement goes on after a line: its text, not empty, ends in an operator or a comma.
+[[nodiscard]] bool endsInOperator(std::string_view text) noexcept;
+
 /// Place of the first `wanted` outside quotes, snapshots and parentheses; npos when there is none.
 [[nodiscard]] std::size_t findAtLevelZero(std::string_view text, char wanted) noexcept;
 

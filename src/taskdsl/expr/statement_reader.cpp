@@ -70,7 +70,6 @@ std::int64_t scanLine(std::string_view text, std::int64_t depth, const SourceSpa
 
 std::vector<PlotStatement> readPlotStatements(const std::vector<SourceLine>& lines,
                                               std::string_view language) {
-    constexpr std::string_view continuing = "*+,-/";
     std::vector<PlotStatement> statements;
     statements.reserve(lines.size());
     bool pending = false; // the last statement goes on
@@ -101,7 +100,7 @@ std::vector<PlotStatement> readPlotStatements(const std::vector<SourceLine>& lin
         if (depth < 0) {
             plotError(span, "unmatched ')' in " + std::string(language) + " statement");
         }
-        pending = depth > 0 || continuing.find(text.back()) != std::string_view::npos;
+        pending = depth > 0 || endsInOperator(text);
         if (!pending && !joined.empty()) {
             statements.back().text = TextSlice(std::exchange(joined, {}));
         }

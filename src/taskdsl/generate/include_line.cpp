@@ -96,11 +96,8 @@ bool isDottedName(std::string_view text) noexcept {
 }
 
 IncludeTarget targetKind(const IncludeDirective& include) {
-    const auto lowered = toLower(include.target);
-    for (const auto& row : extensions) {
-        if (lowered.ends_with(row.extension)) {
-            return row.kind;
-        }
+    if (const auto kind = kindOfPath(include.target)) {
+        return *kind;
     }
     if (include.isAngle || include.target.find_first_of("/\\") != std::string::npos) {
         return IncludeTarget::otherFile;
@@ -131,6 +128,16 @@ void readArguments(IncludeDirective& include) {
 }
 
 } // namespace
+
+std::optional<IncludeTarget> kindOfPath(std::string_view path) noexcept {
+    for (const auto& row : extensions) {
+        const auto size = row.extension.size();
+        if (path.size() >= size && equalsNoCase(path.substr(path.size() - size), row.extension)) {
+            return row.kind;
+        }
+    }
+    return std::nullopt;
+}
 
 IncludeDirective parseIncludeLine(std::string_view text) {
     text = cleanLine(text);
@@ -174,6 +181,17 @@ IncludeDirective parseIncludeLine(std::string_view text) {
         throw DiagnosticError("'as <namespace>' is only valid when including a library file");
     }
     return include;
+}
+
+std::optional<IncludeDirective> parsePreludeInclude(std::string_view text) {
+    ParenthesisCount parentheses;
+    if (!parentheses.read(text) || !parentheses.balanced()) {
+        return std::nullopt;
+    }
+    auto include = parseIncludeLine(text);
+    const bool isFollowed = include.kind == IncludeTarget::yamlFile ||
+                            (include.kind == IncludeTarget::library && !include.alias.empty());
+    return isFollowed ? std::optional(std::move(include)) : std::nullopt;
 }
 
 std::string searchName(const IncludeDirective& include) {

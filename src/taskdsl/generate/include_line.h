@@ -5,6 +5,7 @@
 #include "taskdsl/base/substitute.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,10 @@ enum class IncludeTarget {
     otherFile
 };
 
+/// What a file is by the ending of its path, in any case; nothing for an ending that the language does not
+/// know.
+[[nodiscard]] std::optional<IncludeTarget> kindOfPath(std::string_view path) noexcept;
+
 /// The parse of one line.
 struct IncludeDirective {
     bool isInclude = false;
@@ -39,6 +44,11 @@ struct IncludeDirective {
 /// Reads a line; `isInclude` stays false when it is not an include line. Throws `DiagnosticError` for a line
 /// that does not follow the grammar `&INCLUDE <target>[(<name>=<value>, ...)] [as <alias>]`.
 [[nodiscard]] IncludeDirective parseIncludeLine(std::string_view text);
+
+/// The include that a prelude follows itself: a YAML file, or a library that gets a namespace. Nothing for
+/// any other line, one whose arguments go on over the next lines included: there the body begins. Throws as
+/// `parseIncludeLine` does.
+[[nodiscard]] std::optional<IncludeDirective> parsePreludeInclude(std::string_view text);
 
 /// The target as the path search takes it: an angle target in its brackets.
 [[nodiscard]] std::string searchName(const IncludeDirective& include);

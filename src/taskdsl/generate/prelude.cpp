@@ -20,12 +20,6 @@ namespace {
 constexpr std::string_view defineKeyword = "define:";
 constexpr std::string_view matrixKeyword = "matrix:";
 
-/// A task header, a block or a loop: the body of the file begins here.
-bool beginsBody(LineKind kind) noexcept {
-    return kind == LineKind::taskHeader || opensBlock(kind) || kind == LineKind::end ||
-           kind == LineKind::loop;
-}
-
 /// `key: value`. A directive is not one, even when its value holds a colon.
 bool isKeyLine(std::string_view text) noexcept {
     const auto colon = text.find(':');
@@ -101,19 +95,14 @@ class PreludeReader {
         if (!context_.run.followsIncludes) {
             return false;
         }
-        ParenthesisCount parentheses;
-        if (!parentheses.read(text) || !parentheses.balanced()) {
-            return false; // its arguments continue on the next line: the include pass gathers them
-        }
-        const auto include = parseIncludeLine(text);
-        if (include.kind == IncludeTarget::yamlFile) {
-            mergeMissing(parseYamlInclude(searchName(include), path_, context_));
-        } else if (include.kind == IncludeTarget::library && !include.alias.empty()) {
-            if (const auto refusal = bindLibrary(include.alias, searchName(include), path_, context_)) {
-                throw DiagnosticError(*refusal);
-            }
-        } else {
+        const auto include = parsePreludeInclude(text);
+        if (!include) {
             return false;
+        }
+        if (include->kind == IncludeTarget::yamlFile) {
+            mergeMissing(parseYamlInclude(searchName(*include), path_, context_));
+        } else if (const auto refusal = bindLibrary(include->alias, searchName(*include), path_, context_)) {
+            throw DiagnosticError(*refusal);
         }
         ++index_;
         return true;

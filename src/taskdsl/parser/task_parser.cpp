@@ -4,6 +4,7 @@
 #include "support/large_memory.h"
 #include "support/paths.h"
 #include "support/text.h"
+#include "taskdsl/base/extra_files.h"
 #include "taskdsl/derive/derive_substitute.h"
 #include "taskdsl/generate/define_block.h"
 #include "taskdsl/generate/expand_includes.h"
@@ -74,10 +75,10 @@ void expandTasks(TaskDocument& document) {
 /// Reads the "extra.yaml" beside the file, when there is one, into a document that holds the caller's defines
 /// and nothing else yet. Returns its collections.
 Collections readExtraYaml(TaskDocument& document, const std::string& path, DocumentContext& context) {
-    if (!context.run.options.isFile(joinPath(document.directory, "extra.yaml"))) {
+    if (!context.run.options.isFile(joinPath(document.directory, extraValuesName))) {
         return {};
     }
-    auto extra = parseYamlInclude("extra.yaml", path, context);
+    auto extra = parseYamlInclude(std::string(extraValuesName), path, context);
     ImplicitContent& implicit = document.implicitContent;
     for (const auto& [key, value] : extra.settings) {
         implicit.settings.insert(key);
@@ -156,9 +157,9 @@ TaskDocument readDocument(const TextSlice& text, const std::string& path, const 
         run.taskFiles.add(path);
     }
     if (hasDirectory) {
-        const auto extra = joinPath(document.directory, "extra.mq");
+        const auto extra = joinPath(document.directory, extraTasksName);
         if (run.options.isFile(extra) && !run.taskFiles.contains(extra)) {
-            includeTasks("extra.mq", path);
+            includeTasks(std::string(extraTasksName), path);
             noteExtraTasks(document, context);
         }
     }

@@ -19,10 +19,6 @@ constexpr ByteSet plainBytes([](char c) {
            std::string_view(".-/^%+*:[]").find(c) != std::string_view::npos;
 });
 
-/// The words that begin an option after a word of free text.
-constexpr std::string_view optionWords[] = {"label", "unit",  "log",  "scale",       "axis",
-                                            "style", "value", "task", "multiplicity"};
-
 std::string inParentheses(std::string_view text) {
     return "(" + std::string(text) + ")";
 }
@@ -116,8 +112,7 @@ bool Printer::isPlainWord(std::string_view word) noexcept {
         return false;
     }
     const auto run = word.substr(0, word.find_first_of(".-/^%+*:[]"));
-    return std::none_of(std::begin(optionWords), std::end(optionWords),
-                        [run](std::string_view option) { return equalsNoCase(option, run); });
+    return !isPlotOptionWord(run);
 }
 
 Printer& Printer::piece(bool doubtful, std::string_view plain, std::string (*guard)(std::string_view)) {

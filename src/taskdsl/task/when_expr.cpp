@@ -190,13 +190,11 @@ TaskWhenExpr parseGroup(WhenGroupOp op, const std::vector<std::string_view>& par
 }
 
 TaskWhenExpr parseNode(std::string_view text, int depth) {
-    text = stripEnclosingPairs(text);
-    if (const auto parts = splitWhenTopLevel(text, "or"); parts.size() > 1) {
-        return parseGroup(WhenGroupOp::disjunction, parts, depth);
+    const auto split = splitWhen(text);
+    if (!split.parts.empty()) {
+        return parseGroup(split.op, split.parts, depth);
     }
-    if (const auto parts = splitWhenTopLevel(text, "and"); parts.size() > 1) {
-        return parseGroup(WhenGroupOp::conjunction, parts, depth);
-    }
+    text = split.text;
     if (const auto operand = textAfterWord(text, "defined")) {
         return {WhenDefined{std::string(*operand)}};
     }
@@ -312,6 +310,17 @@ std::vector<std::string_view> splitWhenTopLevel(std::string_view text, std::stri
     }
     addPart(begin, text.size());
     return parts;
+}
+
+WhenSplit splitWhen(std::string_view text) {
+    text = stripEnclosingPairs(text);
+    if (auto parts = splitWhenTopLevel(text, "or"); parts.size() > 1) {
+        return {text, WhenGroupOp::disjunction, std::move(parts)};
+    }
+    if (auto parts = splitWhenTopLevel(text, "and"); parts.size() > 1) {
+        return {text, WhenGroupOp::conjunction, std::move(parts)};
+    }
+    return {text, WhenGroupOp::conjunction, {}};
 }
 
 bool isWhenPlaceholder(std::string_view text) noexcept {

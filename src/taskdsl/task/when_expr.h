@@ -77,6 +77,15 @@ inline constexpr int maxWhenNesting = 50;
 [[nodiscard]] std::vector<std::string_view> splitWhenTopLevel(std::string_view text,
                                                               std::string_view keyword);
 
+/// One step into a condition.
+struct WhenSplit {
+    std::string_view text; ///< without the parentheses that enclose the whole of it, trimmed
+    WhenGroupOp op = WhenGroupOp::conjunction;
+    std::vector<std::string_view> parts; ///< what its "or"s join, otherwise its "and"s; empty for a leaf
+};
+/// Takes a condition apart at its outermost joining words. All texts are views into `text`.
+[[nodiscard]] WhenSplit splitWhen(std::string_view text);
+
 /// True when the trimmed text is enclosed in `{{` and `}}`.
 [[nodiscard]] bool isWhenPlaceholder(std::string_view text) noexcept;
 /// The trimmed text between `{{` and `}}`; meaningful only for a placeholder.

@@ -25,8 +25,26 @@ TEST(ConditionScan, NamesTheTasksOfPlaceholders) {
     EXPECT_EQ(names("\"completed a or {{ b.c }}\" = x"), "");
 }
 
+TEST(ConditionScan, JoiningWordsHaveWhiteSpaceOnBothSides) {
+    EXPECT_EQ(names("(completed a)and (completed b)"), "");
+    EXPECT_EQ(names("(completed a) and(completed b)"), "");
+    EXPECT_EQ(names("((completed a) and (completed b))"), "1:18 task a\n1:36 task b\n");
+    EXPECT_EQ(printWords("$t\n%when (defined a)or (defined b)\n", NameKind::word).find("or"),
+              std::string::npos);
+}
+
+TEST(ConditionScan, GroupsNestNoDeeperThanTheParserReadsThem) {
+    std::string deep = "completed x";
+    for (int i = 0; i < 60; ++i) {
+        deep = "(a = b and (" + deep + " or c = d))";
+    }
+    EXPECT_EQ(names(deep), "");
+}
+
 TEST(ConditionScan, JoiningWordsAreWords) {
     EXPECT_EQ(printWords("$t\n%when completed a AND (defined b OR {{ c.d }} = or)\n", NameKind::word),
+              "completed AND defined OR or"); // an "or" at the end joins nothing, but is no value
+    EXPECT_EQ(printWords("$t\n%when completed a AND (defined b OR {{ c.d }} = order)\n", NameKind::word),
               "completed AND defined OR");
 }
 

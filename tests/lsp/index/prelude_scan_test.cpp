@@ -50,6 +50,16 @@ TEST(PreludeScan, EndsAtTheFirstTaskAndAtWhatIsNoKey) {
               "0:10 path x.yaml\n1:0 setting= a\n2:10 path y.mq\n");
 }
 
+TEST(PreludeScan, AnIncludeIsJudgedByTheEndOfItsTarget) {
+    EXPECT_EQ(printNames("&INCLUDE \"x.yaml.d/t.mq\"\ndefine:\n  m: b3lyp\n"), "0:10 path x.yaml.d/t.mq\n");
+    EXPECT_EQ(printNames("&INCLUDE X.YML\ndefine:\n  m: b3lyp\n"), "0:9 path X.YML\n2:2 define= m\n");
+    EXPECT_EQ(printNames("&INCLUDE l.mqlib\ndefine:\n  m: b3lyp\n"), "0:9 path l.mqlib\n");
+}
+
+TEST(PreludeScan, AnIncludeThatIsBeingTypedEndsNoPrelude) {
+    EXPECT_EQ(printNames("&INCLUDE \"x.ya\ndefine:\n  m: b3lyp\n"), "2:2 define= m\n");
+}
+
 TEST(PreludeScan, AYamlFileIsAPrelude) {
     EXPECT_EQ(printNames("a: 1\n# b: 2\nlist: [1]\n", FileForm::values),
               "0:0 setting= a\n2:0 collection= list\n");

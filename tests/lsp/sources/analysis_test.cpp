@@ -16,6 +16,10 @@ TEST(Analysis, AFileIsWhatItsNameSays) {
     EXPECT_EQ(fileKind("b.mqfrag"), FileKind::fragment);
     EXPECT_EQ(fileKind("extra.yaml"), FileKind::values);
     EXPECT_EQ(fileKind("b.yml"), FileKind::values);
+    EXPECT_EQ(fileKind("L.MQLIB"), FileKind::library);
+    EXPECT_EQ(fileKind("B.MqFrag"), FileKind::fragment);
+    EXPECT_EQ(fileKind("B.YAML"), FileKind::values);
+    EXPECT_EQ(fileKind("notes.txt"), FileKind::tasks);
 }
 
 struct AnalysisTest : testing::Test {
@@ -36,6 +40,14 @@ TEST_F(AnalysisTest, KeepsReportWarningsAndDocument) {
                                                            directory.path("gone.mq")}));
     ASSERT_TRUE(analysis.document);
     EXPECT_EQ(analysis.document->templateTasks.size(), 1U);
+}
+
+TEST_F(AnalysisTest, ALibraryInCapitalsIsALibrary) {
+    const auto& text = open("L.MQLIB", "&FRAGMENT task_body body\n%keywords b3lyp\n");
+    const auto& analysis = analyses.of(text);
+    EXPECT_TRUE(analysis.report.issues.empty());
+    EXPECT_TRUE(analysis.report.parsed);
+    EXPECT_FALSE(analysis.document);
 }
 
 TEST_F(AnalysisTest, IsMadeOncePerState) {

@@ -37,6 +37,14 @@ TEST_F(WorkspaceTest, FindsSourcesAndPassesOverWhatHoldsNone) {
     EXPECT_THAT(names(), ElementsAre("a.mq", "p/case/case.mq", "p/extra.yaml", "p/p.projmq", "sub/b.mqlib"));
 }
 
+TEST_F(WorkspaceTest, TheCaseOfAnEndingMeansNothing) {
+    directory.write("A.MQ", "$x\n");
+    directory.write("L.MqLib", "&FRAGMENT control c\n");
+    directory.write("x.mq.txt", "$x\n");
+    walk();
+    EXPECT_THAT(names(), ElementsAre("A.MQ", "L.MqLib"));
+}
+
 TEST_F(WorkspaceTest, FollowsNoLinks) {
     directory.write("a.mq", "$x\n");
     std::filesystem::create_symlink("a.mq", directory.path("b.mq"));

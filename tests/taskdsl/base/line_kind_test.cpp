@@ -70,6 +70,15 @@ TEST(LineKinds, StructureClosesTheBlockOfADirective) {
     EXPECT_FALSE(opensBlock(LineKind::end));
 }
 
+TEST(LineKinds, TheBodyBeginsAtATaskABlockOrALoop) {
+    for (const auto* line : {"$a", "@plot", "@derive d", "@end", "@foreach x"}) {
+        EXPECT_TRUE(beginsBody(kindOfCleanLine(line))) << line;
+    }
+    for (const auto* line : {"", "a: 1", "%keywords hf", "&INCLUDE a.mq", "&FRAGMENT when w"}) {
+        EXPECT_FALSE(beginsBody(kindOfCleanLine(line))) << line;
+    }
+}
+
 TEST(HashInclude, IsTheWordInAnyCaseBeforeWhiteSpaceOrTheEnd) {
     for (const char* line : {"#INCLUDE", "#include a.mq", "#Include\ta", "#INCLUDE\v"}) {
         EXPECT_TRUE(isHashInclude(line)) << line;

@@ -36,5 +36,20 @@ TEST(SubstituteBrackets, MegabytesOfOpenBracketsAndNamesStayLinear) {
     EXPECT_EQ(substituteBrackets(name, {{"a", "1"}}), name);
 }
 
+TEST(Brackets, AreFoundOneByOne) {
+    const std::string_view text = "[] [a [b.c]d[e-1]";
+    const auto first = nextBracket(text, 0);
+    EXPECT_EQ(first.key, "b.c");
+    EXPECT_EQ(first.open, 6U);
+    EXPECT_EQ(first.after, 11U);
+    EXPECT_EQ(nextBracket(text, first.after).key, "e-1");
+    EXPECT_EQ(nextBracket(text, text.size()).open, std::string_view::npos);
+    EXPECT_EQ(bracketKeyAt(text, 6), "b.c");
+    EXPECT_EQ(bracketKeyAt(text, 0), "");
+    EXPECT_EQ(bracketKeyAt(text, 7), "");
+    EXPECT_EQ(bracketKeyAt(text, 99), "");
+    EXPECT_EQ(bracketKeyAt("[ab", 0), "");
+}
+
 } // namespace
 } // namespace morquill::taskdsl

@@ -170,5 +170,18 @@ TEST(PlotText, NumbersPrintWithFifteenDigits) {
     }
 }
 
+TEST(PlotText, OptionWordsAndOperators) {
+    EXPECT_TRUE(isPlotOptionWord("Unit"));
+    EXPECT_TRUE(isPlotOptionWord("multiplicity"));
+    EXPECT_FALSE(isPlotOptionWord("units"));
+    EXPECT_FALSE(isPlotOptionWord(""));
+    for (const auto* line : {"a +", "a,", "a -", "a *", "a /"}) {
+        EXPECT_TRUE(endsInOperator(line)) << line;
+    }
+    for (const auto* line : {"a", "a =", "(", "a ^", "a:"}) {
+        EXPECT_FALSE(endsInOperator(line)) << line;
+    }
+}
+
 } // namespace
 } // namespace morquill::taskdsl::plot

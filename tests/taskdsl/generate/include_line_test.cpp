@@ -18,6 +18,25 @@ TEST(IncludeLine, OnlyTheKeywordBeforeABlankOrTheEnd) {
     EXPECT_EQ(parseIncludeLine("  &INCLUDE x # comment").target, "x");
 }
 
+TEST(IncludeLine, KnowsAFileByItsEndingInAnyCase) {
+    EXPECT_EQ(kindOfPath("/a/L.MQLIB"), IncludeTarget::library);
+    EXPECT_EQ(kindOfPath("b.MqFrag"), IncludeTarget::fragmentFile);
+    EXPECT_EQ(kindOfPath("x.yaml.d/t.mq"), IncludeTarget::taskFile);
+    EXPECT_EQ(kindOfPath(".yml"), IncludeTarget::yamlFile);
+    EXPECT_EQ(kindOfPath("mq"), std::nullopt);
+    EXPECT_EQ(kindOfPath("a.mq2"), std::nullopt);
+    EXPECT_EQ(kindOfPath(""), std::nullopt);
+}
+
+TEST(IncludeLine, APreludeFollowsYamlFilesAndNamedLibraries) {
+    EXPECT_EQ(parsePreludeInclude("&INCLUDE <a.YAML>").value().target, "a.YAML");
+    EXPECT_EQ(parsePreludeInclude("&INCLUDE l.mqlib as l").value().alias, "l");
+    for (const char* line : {"&INCLUDE l.mqlib", "&INCLUDE x.yaml.d/t.mq", "&INCLUDE l.f(a=1,", "define:"}) {
+        EXPECT_FALSE(parsePreludeInclude(line)) << line;
+    }
+    EXPECT_THROW((void)parsePreludeInclude("&INCLUDE \"a.yaml"), DiagnosticError);
+}
+
 TEST(IncludeLine, TellsTargetsByTheirLook) {
     const std::vector<std::tuple<const char*, const char*, IncludeTarget>> rows{
         {"a.mq", "a.mq", IncludeTarget::taskFile},

@@ -297,6 +297,20 @@ TEST(WhenExpr, SplitsAtKeywordsInTheOpenOnly) {
     EXPECT_THAT(splitWhenTopLevel("", "or"), IsEmpty());
 }
 
+TEST(WhenExpr, ASplitTakesOneStepIntoACondition) {
+    const auto either = splitWhen(" ((a = b and c = d OR (e or f))) ");
+    EXPECT_EQ(either.text, "a = b and c = d OR (e or f)");
+    EXPECT_EQ(either.op, WhenGroupOp::disjunction);
+    EXPECT_THAT(either.parts, ElementsAre("a = b and c = d", "(e or f)"));
+    const auto both = splitWhen("a = b and (e or f)");
+    EXPECT_EQ(both.op, WhenGroupOp::conjunction);
+    EXPECT_THAT(both.parts, ElementsAre("a = b", "(e or f)"));
+    const auto leaf = splitWhen("((a)and (b))");
+    EXPECT_EQ(leaf.text, "(a)and (b)");
+    EXPECT_THAT(leaf.parts, IsEmpty());
+    EXPECT_THAT(splitWhen("a or").parts, IsEmpty());
+}
+
 TEST(WhenExpr, PlaceholdersNeedMoreThanThreeCharacters) {
     EXPECT_TRUE(isWhenPlaceholder(" {{ a.b }} "));
     EXPECT_TRUE(isWhenPlaceholder("{{}}"));
