@@ -25,11 +25,13 @@ function rendered(case_dir, task,    line, word, path, found) {
 # What a claim makes of its block: running, queued, or nothing when its owner is gone. It is "slurm <user> <job> <round>"
 # or "local <user> <host> <process>". One of somebody else or of another machine is taken as alive, as a queue may show
 # its owner alone what is in it; and so is one of Slurm where Slurm does not answer. A job that waits has been put back
-# into the queue with its claim, or began while the queue was read.
+# into the queue with its claim, or began while the queue was read. What an earlier round of the very job that asks has
+# left is gone, although the queue has that job.
 function claimed(claim,    word) {
     if (claim == "") return ""
     split(claim, word, " ")
     if (word[2] != ENVIRON["ME"]) return "running"
+    if (word[1] == "slurm" && word[3] == ENVIRON["JOB"] && word[4] + 0 < ENVIRON["ROUND"] + 0) return ""
     if (word[1] == "slurm" && !(word[3] in job)) return ENVIRON["ANSWER"] == "no" ? "running" : ""
     if (word[1] == "slurm") return job[word[3]] == "PENDING" ? "queued" : "running"
     if (word[3] != ENVIRON["HOST"]) return "running"

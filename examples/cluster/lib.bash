@@ -130,7 +130,8 @@ block_states() {
     if grep -qF "	slurm $me " "$blocks.claims"; then
         squeue -h -r -u "$me" -o '%j|%K|%A|%T' >>"$blocks.queue" 2>/dev/null || answer=no
     fi
-    DONE_BY=${option[done]:-any} HOST=$(uname -n) ME=$me ANSWER=$answer awk -f "$tools/block-states.awk" \
+    DONE_BY=${option[done]:-any} HOST=$(uname -n) ME=$me ANSWER=$answer \
+        JOB=${SLURM_JOB_ID:-} ROUND=${SLURM_RESTART_COUNT:-0} awk -f "$tools/block-states.awk" \
         "$blocks.queue" "$blocks.past" "$blocks.sent" "$blocks.claims" "$blocks"
 }
 

@@ -7,7 +7,7 @@ load siblings
 setup() {
     setup_project
     recipes="$MQKIT_SOURCE/examples/cluster"
-    unset SLURM_JOB_ID SLURMD_NODENAME
+    unset SLURM_JOB_ID SLURMD_NODENAME SLURM_RESTART_COUNT
     for case in m1 m2; do
         echo 'echo start >>runs; [ ! -e fail ] || exit 3; echo end >>runs; echo "ran in $PWD"' >$case/opt/comd
     done
@@ -130,6 +130,23 @@ ended well" ]
     "$recipes/run-local" -n opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ ! -e m2/opt/runs ]
+}
+
+@test "what an earlier round of this very job has left runs again" {
+    sibling squeue 'echo "shell|N/A|7|RUNNING"'
+    export SLURMD_NODENAME=node SLURM_JOB_ID=7
+    echo "slurm $(id -un) 7 0" >m1/opt/cluster.claim
+    echo "slurm $(id -un) 7 1" >m2/opt/cluster.claim
+    # Beside the round that has it.
+    [ "$("$recipes/block-status" -n opt --list running | wc -l)" -eq 2 ]
+    export SLURM_RESTART_COUNT=1
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m1/opt	lost: slurm $(id -un) 7 0" ]
+    "$recipes/run-local" -n opt
+    [ "$(cat m1/opt/runs)" = $'start\nend' ]
+    [ ! -e m2/opt/runs ]
+    # Another job's round says nothing.
+    echo "slurm $(id -un) 7 0" >m2/opt/cluster.claim
+    [ "$(SLURM_JOB_ID=8 "$recipes/block-status" -n opt --list running | wc -l)" -eq 1 ]
 }
 
 @test "what runs in a shell of salloc is a process of its host, which outlives the allocation" {
