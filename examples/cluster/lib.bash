@@ -94,12 +94,37 @@ take_blocks() {
         die "a tab or a line end in the name of a case, or a tab in a directory above: rename it"
 }
 
+# claim_in <file>: prints whose claim it is; false when there is none. A claim is made whole, so one that lost its line
+# with the power of its machine is of nobody: "empty". One that may not be read is "unreadable".
+claim_in() {
+    local claim=''
+    [[ -e $1 ]] || return 1
+    if [[ -r $1 ]]; then
+        IFS= read -r claim <"$1"
+        [[ $claim =~ ^(slurm|local)\ [^\ ]+\ [^\ ]+ ]] || claim=empty
+    else
+        claim=unreadable
+    fi
+    [[ -e $1 ]] && printf '%s\n' "$claim"
+} 2>/dev/null # it may go meanwhile
+
 # claims: "<directory> <tab> <claim>" for each line of the file `blocks` that somebody has claimed
 claims() {
     local dir claim
     while IFS= read -r dir; do
-        [[ ! -s $dir/cluster.claim ]] || { IFS= read -r claim <"$dir/cluster.claim" && printf '%s\t%s\n' "$dir" "$claim"; }
-    done <"$blocks" 2>/dev/null # one may go meanwhile
+        [[ ! -e $dir/cluster.claim ]] || ! claim=$(claim_in "$dir/cluster.claim") || printf '%s\t%s\n' "$dir" "$claim"
+    done <"$blocks"
+}
+
+# drop_claim <directory> <claim>: takes this claim away. One that has come since is of somebody who works there now, and
+# stays; the status is 1 then.
+drop_claim() {
+    local claim=$1/cluster.claim aside status=0
+    aside=$1/.cluster.claim.$(uname -n).$$
+    [[ $(claim_in "$claim") == "$2" ]] && mv "$claim" "$aside" 2>/dev/null || return 1
+    [[ $(claim_in "$aside") == "$2" ]] || { ln "$aside" "$claim" && status=1; }
+    rm -f "$aside"
+    return "$status"
 }
 
 # block_states: "<state> <tab> <directory> <tab> <reason> <tab> <claim of a job that is gone>" for each line of the file
@@ -145,16 +170,11 @@ blocks_to_send() {
     awk -F '\t' -v only=",$only," 'index(only, "," $1 ",") { print $2 }' "$blocks.states"
 }
 
-# drop_claims: takes away the claims that `block_states` has found to be of jobs that are gone. One that has come since
-# is of somebody who works there now, and stays.
+# drop_claims: takes away the claims that `block_states` has found to be of jobs that are gone
 drop_claims() {
-    local dir gone aside
+    local dir gone
     while IFS=$'\t' read -r dir gone; do
-        [[ $(cat "$dir/cluster.claim" 2>/dev/null) == "$gone" ]] || continue
-        aside=$dir/.cluster.claim.$$
-        mv "$dir/cluster.claim" "$aside" 2>/dev/null || continue
-        [[ $(cat "$aside") == "$gone" ]] || ln "$aside" "$dir/cluster.claim"
-        rm -f "$aside"
+        drop_claim "$dir" "$gone"
     done < <(awk -F '\t' '$4 != "" { print $2 "\t" $4 }' "$blocks.states")
 }
 

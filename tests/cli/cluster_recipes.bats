@@ -113,6 +113,37 @@ ended well" ]
     [ ! -e m1/opt/cluster.claim ]
 }
 
+@test "an empty claim is of nobody" {
+    : >m1/opt/cluster.claim
+    printf '\0\0\0' >m2/opt/cluster.claim
+    run --separate-stderr "$recipes/block-status" -n opt --list failed
+    [ "$stderr" = "" ]
+    [ "$output" = "$root/m1/opt	lost: an empty claim
+$root/m2/opt	lost: an empty claim" ]
+    "$recipes/run-block" m1/opt
+    [ "$(cat m1/opt/runs)" = $'start\nend' ]
+    "$recipes/run-local" -n opt
+    [ "$(cat m2/opt/runs)" = $'start\nend' ]
+    [ ! -e m1/opt/cluster.claim ] && [ ! -e m2/opt/cluster.claim ]
+    # A marker that lost its line was made by a block that ended well.
+    : >m1/opt/cluster_done.mqwk
+    table 2 0 0
+}
+
+@test "a claim that cannot be written whole claims nothing" {
+    # The disk takes the name and not the line: as with a quota, which speaks up late.
+    sibling sync ': >"$1"'
+    run --separate-stderr "$recipes/run-block" m1/opt
+    [ "$status" -eq 73 ]
+    [ "$stderr" = "run-block: cannot write in $root/m1/opt" ]
+    sibling sync 'echo "Disk quota exceeded" >&2; exit 1'
+    run --separate-stderr "$recipes/run-block" m1/opt
+    [ "$status" -eq 73 ]
+    [ "$stderr" = "Disk quota exceeded
+run-block: cannot write in $root/m1/opt" ]
+    [ "$(ls -A m1/opt)" = comd ]
+}
+
 @test "a block that runs in a job which no list names is left alone" {
     echo "slurm $(id -un) 7 0" >m1/opt/cluster.claim
     echo "slurm $(id -un) 8 1" >m2/opt/cluster.claim
