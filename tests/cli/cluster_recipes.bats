@@ -51,6 +51,27 @@ ended well" ]
     cmp results/cluster_m1.log m1/opt/cluster.log
 }
 
+@test "a block that ends with 255, or whose run-block is killed, stops no other one" {
+    echo 'exit 255' >m1/opt/comd
+    run "$recipes/run-local" -n opt --at-once 1
+    [ "$status" -eq 1 ]
+    table 1 1 0
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m1/opt	exit 255" ]
+    rm m2/opt/cluster_done.mqwk
+    echo 'kill -KILL $PPID' >m1/opt/comd
+    run "$recipes/run-local" -n opt --at-once 1
+    [ "$status" -eq 1 ]
+    [ -e m2/opt/cluster_done.mqwk ]
+    # The line for it that the page has.
+    rm -r m2/opt/runs m?/opt/cluster*
+    echo 'exit 255' >m1/opt/comd
+    printf '%s/%s/opt\n' "$root" m1 "$root" m2 >list
+    line="$(grep '^xargs ' "$MQKIT_SOURCE/docs/cluster.md")"
+    LIST=$PWD/list run bash -c "${line/-P 8/-P 1}"
+    [ "$status" -eq 123 ] # some of its commands failed
+    [ "$(cat m2/opt/runs)" = $'start\nend' ]
+}
+
 @test "what mq.status calls rendered is done, or not, as asked" {
     printf '# TASK\nopt RENDERED t -\n' >m1/mq.status
     printf 'opt FAILED t -\nsoc rendered t -\n' >m2/mq.status
@@ -348,6 +369,29 @@ local somebody-else $(uname -n) 999999999" ]
     done
 }
 
+@test "a block that does not end when it is told to is killed" {
+    for deaf in 'trap "" TERM' 'trap "echo heard >>runs" TERM'; do
+        rm -f m1/opt/runs
+        echo "$deaf; echo \$\$ >>runs; for i in {1..150}; do sleep 0.2; done; echo end >>runs" >m1/opt/comd
+        MQKIT_GRACE=1 env --default-signal "$recipes/run-block" m1/opt 3>&- &
+        pid=$!
+        for _ in $(seq 100); do
+            [ -s m1/opt/runs ] && break
+            sleep 0.1
+        done
+        kill -TERM "$pid"
+        begin=$SECONDS
+        status=0
+        wait "$pid" || status=$?
+        [ "$status" -eq 143 ]
+        [ $((SECONDS - begin)) -lt 10 ]
+        run ! kill -0 "$(head -n 1 m1/opt/runs)"
+        run ! grep end m1/opt/runs
+        [ ! -e m1/opt/cluster.claim ] && [ ! -e m1/opt/cluster.failed ]
+        [[ $(tail -n 1 m1/opt/cluster.log) == *": stopped by SIGTERM" ]]
+    done
+}
+
 @test "names that a shell would take apart" {
     mv m2 'm 2 "$x" \'\''%s'
     "$recipes/run-local" -n opt
@@ -374,6 +418,7 @@ local somebody-else $(uname -n) 999999999" ]
     told "run-local: --only is failed or new, not 'done'" run-local -n opt --only done
     told "run-block: no such directory: none" run-block none
     told "run-block: no comd in $root/m1/soc: have it generated first" run-block m1/soc
+    MQKIT_GRACE=long told "run-block: MQKIT_GRACE is a number of seconds, not 'long'" run-block m1/opt
     told "run-block: usage: run-block <block directory>" run-block
     told "block-job: usage: block-job <folder> <at once> <list> [<block directory>]" block-job
     MQKIT=no-such-mqkit told "block-status: 'no-such-mqkit' is needed and not in PATH" block-status -n opt

@@ -40,7 +40,7 @@ print_figures() {
 
 # The project: blocks for the recipes one by one, and a chain of three. Stand-ins for the siblings make block
 # directories; a comd notes its start and its end, sleeps 0.2 s or as long as there is `hold`, fails while there is `fail`
-# and hangs at its first start while there is `hang`.
+# and hangs at its first start while there is `hang`; while there is `deaf` it does not hear SIGTERM.
 make_project() {
     local i work=$scratch/work
     mkdir -p "$work" "$scratch/bin"
@@ -194,12 +194,12 @@ begun_after_end() { # <block>: in how many cases it began again after its end
     awk 'FNR == 1 { ended = 0 } $1 == "end" { ended = 1; next } ended { print FILENAME; ended = 0 }' m*/"$1"/runs | wc -l
 }
 
-# Recipe 5: a bundle runs into its time limit with one block that hangs. It is stopped and requeued; what had ended is
-# not repeated.
+# Recipe 5: a bundle runs into its time limit with one block that hangs, and does not hear that it is to end. It is
+# stopped and requeued; what had ended is not repeated.
 step_limit() {
     local last # of the list, and so of the array: its element has the number of the array
     last=$(seq "$cases" | sed 's/^/m/' | LC_ALL=C sort | tail -n 1)
-    touch "$last/long/hang" m1/long/fail
+    touch "$last/long/hang" "$last/long/deaf" m1/long/fail
     "$recipes/submit-array" -n long --bundle 20 --at-once 4 -- --time=1 --signal=B:USR1@40 >/dev/null 2>&1
     drained 300
     check "all done after the limit but the one that fails" "$((cases - 1)) 0 0 1 0" "$(table_row long)"
