@@ -36,7 +36,7 @@ take_options() {
         shift
         case $key in
         -h | --help) echo "usage: $program $usage" && exit 0 ;;
-        --) site_options=("$@") && return ;;
+        --) site_options=("$@") && keep_options && return ;;
         esac
         [[ $allowed == *" $key "* ]] || die "unknown argument: $key (usage: $program $usage)"
         case $key in
@@ -187,14 +187,43 @@ new_list() {
     echo "$list"
 }
 
-# send <list> <sbatch options>...: submits; prints the job's number
+# keep_options: stops at options behind `--` that would hide the jobs from the table, send them twice or not at all. They
+# may be shortened (--job), and short ones that take no value stand before others in one word (-HJ).
+keep_options() {
+    local word refused=JaMW
+    [[ $program != submit-chain ]] || refused+=d
+    for word in "${site_options[@]}"; do
+        case $word in
+        --j* | --ar* | --cluster | --cluster=* | --clusters* | --te* | --wait) ;;
+        --dep*) [[ $program == submit-chain ]] || continue ;;
+        --*) continue ;;
+        *) [[ $word =~ ^-[HIOQhksv]*[$refused] ]] || continue ;;
+        esac
+        die "not behind --, where the jobs would get lost: $word"
+    done
+}
+
+# send <list> <array, or nothing> <at once> [<block directory>]: submits with `own_options`, those of the site, which may
+# differ from them, and `kept_options`, which they may not; prints the job's number
+own_options=()
+kept_options=()
 send() {
-    local list=$1 folder number=%j
-    shift
-    [[ $1 != --array=* ]] || number=%a
+    local list=$1 array=$2 number=%j folder answer
+    local kept=(--parsable --job-name="${list##*/}" "${kept_options[@]}")
+    shift 2
+    if [[ -n $array ]]; then
+        number=%a
+        kept+=(--array="$array")
+    fi
     folder=$(dirname "$list")/output
-    sbatch --parsable --job-name="${list##*/}" --output="${folder//%/%%}/%x_$number.out" --open-mode=append --requeue \
-        --signal=B:USR1@60 "$@" | cut -d ';' -f 1
+    answer=$(sbatch --output="${folder//%/%%}/%x_$number.out" --open-mode=append --requeue --signal=B:USR1@60 \
+        "${own_options[@]}" "${site_options[@]}" "${kept[@]}" "$tools/block-job" "$tools" "$1" "$list" "${@:2}") || return 1
+    answer=$(tail -n 1 <<<"${answer%%;*}")
+    if [[ ! $answer =~ ^[0-9]+$ ]]; then
+        echo "$program: sbatch named no job: '$answer'" >&2
+        return 1
+    fi
+    echo "$answer"
 }
 
 largest_array() { # one less than the limit: indices here begin with 1

@@ -320,7 +320,7 @@ local somebody-else $(uname -n) 999999999" ]
     [ "$(stat -c %a "$list")" = 644 ]
     [ "$(cat "$list")" = "1	$root/m1/opt
 2	$root/m2/opt" ]
-    grep -qF "sbatch --parsable --job-name=${list##*/} --output=$root/.cluster/output/%x_%a.out --open-mode=append --requeue --signal=B:USR1@60 --array=1-2%7 --time=1 $recipes/block-job $recipes 1 $root/$list in $root" "$RECORD"
+    grep -qF "sbatch --output=$root/.cluster/output/%x_%a.out --open-mode=append --requeue --signal=B:USR1@60 --time=1 --parsable --job-name=${list##*/} --array=1-2%7 $recipes/block-job $recipes 1 $root/$list in $root" "$RECORD"
     sibling scontrol 'echo "MaxArraySize = 2"'
     rm "$RECORD"
     run --separate-stderr "$recipes/submit-array" -n opt
@@ -333,6 +333,54 @@ local somebody-else $(uname -n) 999999999" ]
     [ "${stderr_lines[-2]}" = "no such partition" ]
     [ "${stderr_lines[-1]}" = "submit-array: sbatch took nothing" ]
     [ "$(echo .cluster/mqkit-*)" = "$list" ]
+}
+
+@test "options of sbatch that would lose the jobs are refused" {
+    for tool in squeue sacct scontrol; do
+        sibling $tool
+    done
+    sibling sbatch 'echo 5'
+    for script in submit-array submit-each submit-chain; do
+        for word in -J -Jmine -HJ --job-name --job-name=mine --job -a -a1-3 --array=1-3 -M --clusters=all --test-only --test -W --wait; do
+            run --separate-stderr "$recipes/$script" -n opt -- --hold "$word" mine
+            [ "$status" -eq 1 ]
+            [ "$stderr" = "$script: not behind --, where the jobs would get lost: $word" ]
+        done
+    done
+    run --separate-stderr "$recipes/submit-chain" -n opt -- -d afterok:1
+    [ "$stderr" = "submit-chain: not behind --, where the jobs would get lost: -d" ]
+    run ! grep -s sbatch "$RECORD"
+    [ ! -e .cluster ]
+    # Others go to sbatch, before those that the scripts need.
+    run "$recipes/submit-array" -n opt -- -p main --account=a --parsable -d afterok:1
+    [ "$status" -eq 0 ]
+    grep -q -- "--requeue --signal=B:USR1@60 -p main --account=a --parsable -d afterok:1 --parsable --job-name=mqkit-[^ ]* --array=1-2%1000000 $recipes/block-job " "$RECORD"
+    sibling sbatch 'echo 5\;elsewhere' # with the name of its cluster
+    run --separate-stderr "$recipes/submit-each" -n soc
+    [ "$output" = "submit-each: 2 job(s), named $(basename "$(grep -l soc .cluster/mqkit-*)")" ]
+    [ "$(cut -f 1 "$(grep -l soc .cluster/mqkit-*)" | xargs)" = "5 5" ]
+    grep -q -- "--parsable --job-name=mqkit-[^ ]* $recipes/block-job $recipes 1 [^ ]* $root/m2/soc in" "$RECORD"
+}
+
+@test "a submission without the number of a job is none" {
+    for tool in squeue sacct scontrol; do
+        sibling $tool
+    done
+    sibling sbatch 'echo "sbatch: Job 5 to start at noon"'
+    run --separate-stderr "$recipes/submit-array" -n opt
+    [ "$status" -eq 1 ]
+    [ "$output" = "" ]
+    [ "${stderr_lines[-2]}" = "submit-array: sbatch named no job: 'sbatch: Job 5 to start at noon'" ]
+    [ "${stderr_lines[-1]}" = "submit-array: sbatch took nothing" ]
+    [ "$(echo .cluster/mqkit-*)" = ".cluster/mqkit-*" ]
+    sibling sbatch
+    run --separate-stderr "$recipes/submit-each" -n opt
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-1]}" = "submit-each: 2 block(s) were not taken; run this again for them" ]
+    run --separate-stderr "$recipes/submit-chain" -n opt,soc
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-1]}" = "submit-chain: sbatch did not take \$opt; what stands above is in the queue" ]
+    table 0 0 2
 }
 
 @test "a claim that comes while a selection is made stays" {
