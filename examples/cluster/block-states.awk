@@ -10,6 +10,13 @@ function first_line(path,    line) {
     return line
 }
 
+# An empty one counts, too: the machine may have lost its line, and only a block that ended well has one.
+function exists(path,    line, found) {
+    found = (getline line < path) >= 0
+    close(path)
+    return found
+}
+
 # A finished block of mq.status: the status RENDERED, or a line with the name alone.
 function rendered(case_dir, task,    line, word, path, found) {
     path = case_dir "/mq.status"
@@ -23,13 +30,15 @@ function rendered(case_dir, task,    line, word, path, found) {
 }
 
 # What a claim makes of its block: running, queued, or nothing when its owner is gone. It is "slurm <user> <job> <round>"
-# or "local <user> <host> <process>". One of somebody else or of another machine is taken as alive, as a queue may show
-# its owner alone what is in it; and so is one of Slurm where Slurm does not answer. A job that waits has been put back
-# into the queue with its claim, or began while the queue was read.
+# or "local <user> <host> <process>", or "empty", which is of nobody. One of somebody else or of another machine is taken
+# as alive, as a queue may show its owner alone what is in it; and so is one of Slurm where Slurm does not answer. A job
+# that waits has been put back into the queue with its claim, or began while the queue was read. What an earlier round of
+# the very job that asks has left is gone, although the queue has that job.
 function claimed(claim,    word) {
-    if (claim == "") return ""
+    if (claim == "" || claim == "empty") return ""
     split(claim, word, " ")
     if (word[2] != ENVIRON["ME"]) return "running"
+    if (word[1] == "slurm" && word[3] == ENVIRON["JOB"] && word[4] + 0 < ENVIRON["ROUND"] + 0) return ""
     if (word[1] == "slurm" && !(word[3] in job)) return ENVIRON["ANSWER"] == "no" ? "running" : ""
     if (word[1] == "slurm") return job[word[3]] == "PENDING" ? "queued" : "running"
     if (word[3] != ENVIRON["HOST"]) return "running"
@@ -84,7 +93,7 @@ FILENAME == ARGV[4] {
     claim = (dir in claims) ? claims[dir] : ""
     owner = claimed(claim)
     failure = first_line(dir "/cluster.failed")
-    if (first_line(dir "/cluster_done.mqwk") != "") {
+    if (exists(dir "/cluster_done.mqwk")) {
         state = "done"
         reason = "marker"
     } else if (ENVIRON["DONE_BY"] != "marker" && rendered(case_dir, part[n])) {
@@ -104,7 +113,7 @@ FILENAME == ARGV[4] {
         reason = "lost: " ((dir in went) ? went[dir] : "no job in the queue")
     } else if (claim != "") {
         state = "failed"
-        reason = "lost: " claim
+        reason = "lost: " (claim == "empty" ? "an empty claim" : claim)
     }
     if (state == "failed" || state == "new") gone = claim
     print state "\t" dir "\t" reason "\t" gone

@@ -36,7 +36,7 @@ take_options() {
         shift
         case $key in
         -h | --help) echo "usage: $program $usage" && exit 0 ;;
-        --) site_options=("$@") && return ;;
+        --) site_options=("$@") && keep_options && return ;;
         esac
         [[ $allowed == *" $key "* ]] || die "unknown argument: $key (usage: $program $usage)"
         case $key in
@@ -94,12 +94,37 @@ take_blocks() {
         die "a tab or a line end in the name of a case, or a tab in a directory above: rename it"
 }
 
+# claim_in <file>: prints whose claim it is; false when there is none. A claim is made whole, so one that lost its line
+# with the power of its machine is of nobody: "empty". One that may not be read is "unreadable".
+claim_in() {
+    local claim=''
+    [[ -e $1 ]] || return 1
+    if [[ -r $1 ]]; then
+        IFS= read -r claim <"$1"
+        [[ $claim =~ ^(slurm|local)\ [^\ ]+\ [^\ ]+ ]] || claim=empty
+    else
+        claim=unreadable
+    fi
+    [[ -e $1 ]] && printf '%s\n' "$claim"
+} 2>/dev/null # it may go meanwhile
+
 # claims: "<directory> <tab> <claim>" for each line of the file `blocks` that somebody has claimed
 claims() {
     local dir claim
     while IFS= read -r dir; do
-        [[ ! -s $dir/cluster.claim ]] || { IFS= read -r claim <"$dir/cluster.claim" && printf '%s\t%s\n' "$dir" "$claim"; }
-    done <"$blocks" 2>/dev/null # one may go meanwhile
+        [[ ! -e $dir/cluster.claim ]] || ! claim=$(claim_in "$dir/cluster.claim") || printf '%s\t%s\n' "$dir" "$claim"
+    done <"$blocks"
+}
+
+# drop_claim <directory> <claim>: takes this claim away. One that has come since is of somebody who works there now, and
+# stays; the status is 1 then.
+drop_claim() {
+    local claim=$1/cluster.claim aside status=0
+    aside=$1/.cluster.claim.$(uname -n).$$
+    [[ $(claim_in "$claim") == "$2" ]] && mv "$claim" "$aside" 2>/dev/null || return 1
+    [[ $(claim_in "$aside") == "$2" ]] || { ln "$aside" "$claim" && status=1; }
+    rm -f "$aside"
+    return "$status"
 }
 
 # block_states: "<state> <tab> <directory> <tab> <reason> <tab> <claim of a job that is gone>" for each line of the file
@@ -130,7 +155,8 @@ block_states() {
     if grep -qF "	slurm $me " "$blocks.claims"; then
         squeue -h -r -u "$me" -o '%j|%K|%A|%T' >>"$blocks.queue" 2>/dev/null || answer=no
     fi
-    DONE_BY=${option[done]:-any} HOST=$(uname -n) ME=$me ANSWER=$answer awk -f "$tools/block-states.awk" \
+    DONE_BY=${option[done]:-any} HOST=$(uname -n) ME=$me ANSWER=$answer \
+        JOB=${SLURM_JOB_ID:-} ROUND=${SLURM_RESTART_COUNT:-0} awk -f "$tools/block-states.awk" \
         "$blocks.queue" "$blocks.past" "$blocks.sent" "$blocks.claims" "$blocks"
 }
 
@@ -144,16 +170,11 @@ blocks_to_send() {
     awk -F '\t' -v only=",$only," 'index(only, "," $1 ",") { print $2 }' "$blocks.states"
 }
 
-# drop_claims: takes away the claims that `block_states` has found to be of jobs that are gone. One that has come since
-# is of somebody who works there now, and stays.
+# drop_claims: takes away the claims that `block_states` has found to be of jobs that are gone
 drop_claims() {
-    local dir gone aside
+    local dir gone
     while IFS=$'\t' read -r dir gone; do
-        [[ $(cat "$dir/cluster.claim" 2>/dev/null) == "$gone" ]] || continue
-        aside=$dir/.cluster.claim.$$
-        mv "$dir/cluster.claim" "$aside" 2>/dev/null || continue
-        [[ $(cat "$aside") == "$gone" ]] || ln "$aside" "$dir/cluster.claim"
-        rm -f "$aside"
+        drop_claim "$dir" "$gone"
     done < <(awk -F '\t' '$4 != "" { print $2 "\t" $4 }' "$blocks.states")
 }
 
@@ -166,14 +187,43 @@ new_list() {
     echo "$list"
 }
 
-# send <list> <sbatch options>...: submits; prints the job's number
+# keep_options: stops at options behind `--` that would hide the jobs from the table, send them twice or not at all. They
+# may be shortened (--job), and short ones that take no value stand before others in one word (-HJ).
+keep_options() {
+    local word refused=JaMW
+    [[ $program != submit-chain ]] || refused+=d
+    for word in "${site_options[@]}"; do
+        case $word in
+        --j* | --ar* | --cluster | --cluster=* | --clusters* | --te* | --wait) ;;
+        --dep*) [[ $program == submit-chain ]] || continue ;;
+        --*) continue ;;
+        *) [[ $word =~ ^-[HIOQhksv]*[$refused] ]] || continue ;;
+        esac
+        die "not behind --, where the jobs would get lost: $word"
+    done
+}
+
+# send <list> <array, or nothing> <at once> [<block directory>]: submits with `own_options`, those of the site, which may
+# differ from them, and `kept_options`, which they may not; prints the job's number
+own_options=()
+kept_options=()
 send() {
-    local list=$1 folder number=%j
-    shift
-    [[ $1 != --array=* ]] || number=%a
+    local list=$1 array=$2 number=%j folder answer
+    local kept=(--parsable --job-name="${list##*/}" "${kept_options[@]}")
+    shift 2
+    if [[ -n $array ]]; then
+        number=%a
+        kept+=(--array="$array")
+    fi
     folder=$(dirname "$list")/output
-    sbatch --parsable --job-name="${list##*/}" --output="${folder//%/%%}/%x_$number.out" --open-mode=append --requeue \
-        --signal=B:USR1@60 "$@" | cut -d ';' -f 1
+    answer=$(sbatch --output="${folder//%/%%}/%x_$number.out" --open-mode=append --requeue --signal=B:USR1@60 \
+        "${own_options[@]}" "${site_options[@]}" "${kept[@]}" "$tools/block-job" "$tools" "$1" "$list" "${@:2}") || return 1
+    answer=$(tail -n 1 <<<"${answer%%;*}")
+    if [[ ! $answer =~ ^[0-9]+$ ]]; then
+        echo "$program: sbatch named no job: '$answer'" >&2
+        return 1
+    fi
+    echo "$answer"
 }
 
 largest_array() { # one less than the limit: indices here begin with 1

@@ -7,7 +7,7 @@ load siblings
 setup() {
     setup_project
     recipes="$MQKIT_SOURCE/examples/cluster"
-    unset SLURM_JOB_ID SLURMD_NODENAME
+    unset SLURM_JOB_ID SLURMD_NODENAME SLURM_RESTART_COUNT
     for case in m1 m2; do
         echo 'echo start >>runs; [ ! -e fail ] || exit 3; echo end >>runs; echo "ran in $PWD"' >$case/opt/comd
     done
@@ -49,6 +49,27 @@ ran in $root/m2/opt
 ended well" ]
     "$MQKIT" project collect -n opt cluster.log
     cmp results/cluster_m1.log m1/opt/cluster.log
+}
+
+@test "a block that ends with 255, or whose run-block is killed, stops no other one" {
+    echo 'exit 255' >m1/opt/comd
+    run "$recipes/run-local" -n opt --at-once 1
+    [ "$status" -eq 1 ]
+    table 1 1 0
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m1/opt	exit 255" ]
+    rm m2/opt/cluster_done.mqwk
+    echo 'kill -KILL $PPID' >m1/opt/comd
+    run "$recipes/run-local" -n opt --at-once 1
+    [ "$status" -eq 1 ]
+    [ -e m2/opt/cluster_done.mqwk ]
+    # The line for it that the page has.
+    rm -r m2/opt/runs m?/opt/cluster*
+    echo 'exit 255' >m1/opt/comd
+    printf '%s/%s/opt\n' "$root" m1 "$root" m2 >list
+    line="$(grep '^xargs ' "$MQKIT_SOURCE/docs/cluster.md")"
+    LIST=$PWD/list run bash -c "${line/-P 8/-P 1}"
+    [ "$status" -eq 123 ] # some of its commands failed
+    [ "$(cat m2/opt/runs)" = $'start\nend' ]
 }
 
 @test "what mq.status calls rendered is done, or not, as asked" {
@@ -113,6 +134,37 @@ ended well" ]
     [ ! -e m1/opt/cluster.claim ]
 }
 
+@test "an empty claim is of nobody" {
+    : >m1/opt/cluster.claim
+    printf '\0\0\0' >m2/opt/cluster.claim
+    run --separate-stderr "$recipes/block-status" -n opt --list failed
+    [ "$stderr" = "" ]
+    [ "$output" = "$root/m1/opt	lost: an empty claim
+$root/m2/opt	lost: an empty claim" ]
+    "$recipes/run-block" m1/opt
+    [ "$(cat m1/opt/runs)" = $'start\nend' ]
+    "$recipes/run-local" -n opt
+    [ "$(cat m2/opt/runs)" = $'start\nend' ]
+    [ ! -e m1/opt/cluster.claim ] && [ ! -e m2/opt/cluster.claim ]
+    # A marker that lost its line was made by a block that ended well.
+    : >m1/opt/cluster_done.mqwk
+    table 2 0 0
+}
+
+@test "a claim that cannot be written whole claims nothing" {
+    # The disk takes the name and not the line: as with a quota, which speaks up late.
+    sibling sync ': >"$1"'
+    run --separate-stderr "$recipes/run-block" m1/opt
+    [ "$status" -eq 73 ]
+    [ "$stderr" = "run-block: cannot write in $root/m1/opt" ]
+    sibling sync 'echo "Disk quota exceeded" >&2; exit 1'
+    run --separate-stderr "$recipes/run-block" m1/opt
+    [ "$status" -eq 73 ]
+    [ "$stderr" = "Disk quota exceeded
+run-block: cannot write in $root/m1/opt" ]
+    [ "$(ls -A m1/opt)" = comd ]
+}
+
 @test "a block that runs in a job which no list names is left alone" {
     echo "slurm $(id -un) 7 0" >m1/opt/cluster.claim
     echo "slurm $(id -un) 8 1" >m2/opt/cluster.claim
@@ -130,6 +182,23 @@ ended well" ]
     "$recipes/run-local" -n opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ ! -e m2/opt/runs ]
+}
+
+@test "what an earlier round of this very job has left runs again" {
+    sibling squeue 'echo "shell|N/A|7|RUNNING"'
+    export SLURMD_NODENAME=node SLURM_JOB_ID=7
+    echo "slurm $(id -un) 7 0" >m1/opt/cluster.claim
+    echo "slurm $(id -un) 7 1" >m2/opt/cluster.claim
+    # Beside the round that has it.
+    [ "$("$recipes/block-status" -n opt --list running | wc -l)" -eq 2 ]
+    export SLURM_RESTART_COUNT=1
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m1/opt	lost: slurm $(id -un) 7 0" ]
+    "$recipes/run-local" -n opt
+    [ "$(cat m1/opt/runs)" = $'start\nend' ]
+    [ ! -e m2/opt/runs ]
+    # Another job's round says nothing.
+    echo "slurm $(id -un) 7 0" >m2/opt/cluster.claim
+    [ "$(SLURM_JOB_ID=8 "$recipes/block-status" -n opt --list running | wc -l)" -eq 1 ]
 }
 
 @test "what runs in a shell of salloc is a process of its host, which outlives the allocation" {
@@ -251,7 +320,7 @@ local somebody-else $(uname -n) 999999999" ]
     [ "$(stat -c %a "$list")" = 644 ]
     [ "$(cat "$list")" = "1	$root/m1/opt
 2	$root/m2/opt" ]
-    grep -qF "sbatch --parsable --job-name=${list##*/} --output=$root/.cluster/output/%x_%a.out --open-mode=append --requeue --signal=B:USR1@60 --array=1-2%7 --time=1 $recipes/block-job $recipes 1 $root/$list in $root" "$RECORD"
+    grep -qF "sbatch --output=$root/.cluster/output/%x_%a.out --open-mode=append --requeue --signal=B:USR1@60 --time=1 --parsable --job-name=${list##*/} --array=1-2%7 $recipes/block-job $recipes 1 $root/$list in $root" "$RECORD"
     sibling scontrol 'echo "MaxArraySize = 2"'
     rm "$RECORD"
     run --separate-stderr "$recipes/submit-array" -n opt
@@ -264,6 +333,54 @@ local somebody-else $(uname -n) 999999999" ]
     [ "${stderr_lines[-2]}" = "no such partition" ]
     [ "${stderr_lines[-1]}" = "submit-array: sbatch took nothing" ]
     [ "$(echo .cluster/mqkit-*)" = "$list" ]
+}
+
+@test "options of sbatch that would lose the jobs are refused" {
+    for tool in squeue sacct scontrol; do
+        sibling $tool
+    done
+    sibling sbatch 'echo 5'
+    for script in submit-array submit-each submit-chain; do
+        for word in -J -Jmine -HJ --job-name --job-name=mine --job -a -a1-3 --array=1-3 -M --clusters=all --test-only --test -W --wait; do
+            run --separate-stderr "$recipes/$script" -n opt -- --hold "$word" mine
+            [ "$status" -eq 1 ]
+            [ "$stderr" = "$script: not behind --, where the jobs would get lost: $word" ]
+        done
+    done
+    run --separate-stderr "$recipes/submit-chain" -n opt -- -d afterok:1
+    [ "$stderr" = "submit-chain: not behind --, where the jobs would get lost: -d" ]
+    run ! grep -s sbatch "$RECORD"
+    [ ! -e .cluster ]
+    # Others go to sbatch, before those that the scripts need.
+    run "$recipes/submit-array" -n opt -- -p main --account=a --parsable -d afterok:1
+    [ "$status" -eq 0 ]
+    grep -q -- "--requeue --signal=B:USR1@60 -p main --account=a --parsable -d afterok:1 --parsable --job-name=mqkit-[^ ]* --array=1-2%1000000 $recipes/block-job " "$RECORD"
+    sibling sbatch 'echo 5\;elsewhere' # with the name of its cluster
+    run --separate-stderr "$recipes/submit-each" -n soc
+    [ "$output" = "submit-each: 2 job(s), named $(basename "$(grep -l soc .cluster/mqkit-*)")" ]
+    [ "$(cut -f 1 "$(grep -l soc .cluster/mqkit-*)" | xargs)" = "5 5" ]
+    grep -q -- "--parsable --job-name=mqkit-[^ ]* $recipes/block-job $recipes 1 [^ ]* $root/m2/soc in" "$RECORD"
+}
+
+@test "a submission without the number of a job is none" {
+    for tool in squeue sacct scontrol; do
+        sibling $tool
+    done
+    sibling sbatch 'echo "sbatch: Job 5 to start at noon"'
+    run --separate-stderr "$recipes/submit-array" -n opt
+    [ "$status" -eq 1 ]
+    [ "$output" = "" ]
+    [ "${stderr_lines[-2]}" = "submit-array: sbatch named no job: 'sbatch: Job 5 to start at noon'" ]
+    [ "${stderr_lines[-1]}" = "submit-array: sbatch took nothing" ]
+    [ "$(echo .cluster/mqkit-*)" = ".cluster/mqkit-*" ]
+    sibling sbatch
+    run --separate-stderr "$recipes/submit-each" -n opt
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-1]}" = "submit-each: 2 block(s) were not taken; run this again for them" ]
+    run --separate-stderr "$recipes/submit-chain" -n opt,soc
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[-1]}" = "submit-chain: sbatch did not take \$opt; what stands above is in the queue" ]
+    table 0 0 2
 }
 
 @test "a claim that comes while a selection is made stays" {
@@ -300,6 +417,29 @@ local somebody-else $(uname -n) 999999999" ]
     done
 }
 
+@test "a block that does not end when it is told to is killed" {
+    for deaf in 'trap "" TERM' 'trap "echo heard >>runs" TERM'; do
+        rm -f m1/opt/runs
+        echo "$deaf; echo \$\$ >>runs; for i in {1..150}; do sleep 0.2; done; echo end >>runs" >m1/opt/comd
+        MQKIT_GRACE=1 env --default-signal "$recipes/run-block" m1/opt 3>&- &
+        pid=$!
+        for _ in $(seq 100); do
+            [ -s m1/opt/runs ] && break
+            sleep 0.1
+        done
+        kill -TERM "$pid"
+        begin=$SECONDS
+        status=0
+        wait "$pid" || status=$?
+        [ "$status" -eq 143 ]
+        [ $((SECONDS - begin)) -lt 10 ]
+        run ! kill -0 "$(head -n 1 m1/opt/runs)"
+        run ! grep end m1/opt/runs
+        [ ! -e m1/opt/cluster.claim ] && [ ! -e m1/opt/cluster.failed ]
+        [[ $(tail -n 1 m1/opt/cluster.log) == *": stopped by SIGTERM" ]]
+    done
+}
+
 @test "names that a shell would take apart" {
     mv m2 'm 2 "$x" \'\''%s'
     "$recipes/run-local" -n opt
@@ -326,6 +466,7 @@ local somebody-else $(uname -n) 999999999" ]
     told "run-local: --only is failed or new, not 'done'" run-local -n opt --only done
     told "run-block: no such directory: none" run-block none
     told "run-block: no comd in $root/m1/soc: have it generated first" run-block m1/soc
+    MQKIT_GRACE=long told "run-block: MQKIT_GRACE is a number of seconds, not 'long'" run-block m1/opt
     told "run-block: usage: run-block <block directory>" run-block
     told "block-job: usage: block-job <folder> <at once> <list> [<block directory>]" block-job
     MQKIT=no-such-mqkit told "block-status: 'no-such-mqkit' is needed and not in PATH" block-status -n opt

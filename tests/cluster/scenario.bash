@@ -40,7 +40,7 @@ print_figures() {
 
 # The project: blocks for the recipes one by one, and a chain of three. Stand-ins for the siblings make block
 # directories; a comd notes its start and its end, sleeps 0.2 s or as long as there is `hold`, fails while there is `fail`
-# and hangs at its first start while there is `hang`.
+# and hangs at its first start while there is `hang`; while there is `deaf` it does not hear SIGTERM.
 make_project() {
     local i work=$scratch/work
     mkdir -p "$work" "$scratch/bin"
@@ -194,12 +194,12 @@ begun_after_end() { # <block>: in how many cases it began again after its end
     awk 'FNR == 1 { ended = 0 } $1 == "end" { ended = 1; next } ended { print FILENAME; ended = 0 }' m*/"$1"/runs | wc -l
 }
 
-# Recipe 5: a bundle runs into its time limit with one block that hangs. It is stopped and requeued; what had ended is
-# not repeated.
+# Recipe 5: a bundle runs into its time limit with one block that hangs, and does not hear that it is to end. It is
+# stopped and requeued; what had ended is not repeated.
 step_limit() {
     local last # of the list, and so of the array: its element has the number of the array
     last=$(seq "$cases" | sed 's/^/m/' | LC_ALL=C sort | tail -n 1)
-    touch "$last/long/hang" m1/long/fail
+    touch "$last/long/hang" "$last/long/deaf" m1/long/fail
     "$recipes/submit-array" -n long --bundle 20 --at-once 4 -- --time=1 --signal=B:USR1@40 >/dev/null 2>&1
     drained 300
     check "all done after the limit but the one that fails" "$((cases - 1)) 0 0 1 0" "$(table_row long)"
@@ -243,11 +243,7 @@ step_two_at_once() {
 step_unlisted() {
     local i way
     for way in sbatch salloc; do
-        mqkit project exec -n freq -- 'rm -f runs cluster.failed; echo "not in this test" >cluster_done.mqwk' >/dev/null
-        for i in {1..8}; do
-            rm m"$i"/freq/cluster_done.mqwk
-            touch m"$i"/freq/hold
-        done
+        hold_eight_blocks
         "in_a_job_of_$way"
         for i in {1..8}; do
             wait_until 60 started_in m"$i"/freq
@@ -261,10 +257,46 @@ step_unlisted() {
         check "$way: all done" "$cases 0 0 0 0" "$(table_row freq)"
         check "$way: each began once" "$((cases - 8))x0 8x1" "$(counted freq start)"
     done
-    note="8 blocks, twice"
+    lost_in_a_job
+    note="8 blocks, three times"
+}
+hold_eight_blocks() {
+    local i
+    mqkit project exec -n freq -- 'rm -f runs cluster.failed; echo "not in this test" >cluster_done.mqwk' >/dev/null
+    for i in {1..8}; do
+        rm m"$i"/freq/cluster_done.mqwk
+        touch m"$i"/freq/hold
+    done
+}
+# As a node that goes down leaves them: killed at once, with their claims. The job begins its second round.
+lost_in_a_job() {
+    local i job
+    hold_eight_blocks
+    in_a_job_of_sbatch
+    for i in {1..8}; do
+        wait_until 60 started_in m"$i"/freq
+    done
+    job=$(squeue -h -o %A)
+    for i in {1..8}; do
+        kill_all_in "m$i/freq"
+    done
+    wait_until 60 none_runs
+    check "killed: their claims are left" 8 "$(cat m[1-8]/freq/cluster.claim | grep -c "^slurm $(id -un) $job 0$")"
+    rm m*/freq/hold
+    scontrol requeue "$job"
+    drained
+    check "killed: all done in the second round" "$cases 0 0 0 0" "$(table_row freq)"
+    check "killed: each ended once" "$((cases - 8))x0 8x1" "$(counted freq end)"
+    check "killed: each began twice" "$((cases - 8))x0 8x2" "$(counted freq start)"
+}
+kill_all_in() { # <directory>: the processes that work there, all at once
+    local here pids
+    here=$(cd "$1" && pwd -P)
+    mapfile -t pids < <(find /proc -maxdepth 2 -path '/proc/[0-9]*/cwd' -lname "$here" 2>/dev/null | cut -d / -f 3)
+    [[ ${#pids[@]} -eq 0 ]] || kill -KILL "${pids[@]}" 2>/dev/null
 }
 in_a_job_of_sbatch() {
-    sbatch --output="$scratch/wrap.out" --cpus-per-task=8 --wrap "'$recipes/run-local' -n freq --at-once 8" >/dev/null
+    sbatch --requeue --open-mode=append --output="$scratch/wrap.out" --cpus-per-task=8 --wrap "'$recipes/run-local' -n freq --at-once 8" >/dev/null
 }
 in_a_job_of_salloc() {
     # shellcheck disable=SC2016 # its shell expands it
