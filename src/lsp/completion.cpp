@@ -53,11 +53,7 @@ struct CompletionPlace {
     [[nodiscard]] bool isIn(BlockKind kind) const noexcept {
         return enclosing(file.index, block, kind) != noIndex;
     }
-    [[nodiscard]] std::string_view directive() const noexcept {
-        const auto number = enclosing(file.index, block, BlockKind::directive);
-        const auto name = number == noIndex ? noIndex : file.index.blocks[number].name;
-        return name == noIndex ? std::string_view{} : file.name(file.index.occurrences[name]);
-    }
+    [[nodiscard]] std::string_view directive() const noexcept { return file.directiveOf(block); }
     /// The last word before the one that is begun.
     [[nodiscard]] std::string_view wordBefore() const noexcept {
         const auto words = splitBlank(before);
