@@ -59,13 +59,7 @@ struct CompletionPlace {
     [[nodiscard]] bool isIn(BlockKind kind) const noexcept {
         return enclosing(file.index, block, kind) != noIndex;
     }
-    /// The name of the innermost block of a kind around the place.
-    [[nodiscard]] std::string_view nameOf(BlockKind kind) const noexcept {
-        const auto number = enclosing(file.index, block, kind);
-        const auto name = number == noIndex ? noIndex : file.index.blocks[number].name;
-        return name == noIndex ? std::string_view{} : file.name(file.index.occurrences[name]);
-    }
-    [[nodiscard]] std::string_view directive() const noexcept { return nameOf(BlockKind::directive); }
+    [[nodiscard]] std::string_view directive() const noexcept { return file.directiveOf(block); }
     /// The last word before the one that is begun.
     [[nodiscard]] std::string_view wordBefore() const noexcept {
         const auto words = splitBlank(before);
@@ -143,7 +137,8 @@ void addTasks(const CompletionPlace& place, Items& items) {
 /// The tasks but the one around the place: none takes its geometry from itself.
 void addSources(const CompletionPlace& place, Items& items) {
     items.addHelp(HelpTopic::source, ItemKind::keyword);
-    addNames(place, NameKind::task, ItemKind::classKind, "task", items, place.nameOf(BlockKind::task));
+    addNames(place, NameKind::task, ItemKind::classKind, "task", items,
+             place.file.blockName(enclosing(place.file.index, place.block, BlockKind::task)));
 }
 
 /// The names that a derive has given so far.

@@ -74,8 +74,7 @@ std::optional<std::size_t> indentOf(const SourceFile& file, std::size_t lineBegi
     }
     constexpr std::array<std::string_view, 10> aligned{"source", "control", "batch",      "when",  "mod",
                                                        "meta",   "process", "preprocess", "param", "args"};
-    const auto directive =
-        at.name == noIndex ? std::string_view{} : file.name(file.index.occurrences[at.name]);
+    const auto directive = file.blockName(block);
     const bool aligns = std::find(aligned.begin(), aligned.end(), directive) != aligned.end();
     return aligns && enclosing(file.index, block, BlockKind::fragment) == noIndex
                ? std::optional<std::size_t>(4)

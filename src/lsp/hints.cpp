@@ -24,9 +24,8 @@ using Users = std::map<std::string_view, UserList>;
 std::string_view ownerOf(const SourceFile& file, const Occurrence& o) {
     const auto innermost = blockAt(file.index, o.begin);
     for (const auto kind : {BlockKind::task, BlockKind::derive, BlockKind::plot}) {
-        const auto block = enclosing(file.index, innermost, kind);
-        if (block != noIndex && file.index.blocks[block].name != noIndex) {
-            return file.name(file.index.occurrences[file.index.blocks[block].name]);
+        if (const auto name = file.blockName(enclosing(file.index, innermost, kind)); !name.empty()) {
+            return name;
         }
     }
     return {};

@@ -50,11 +50,7 @@ struct HoverContext {
     Place at;
 
     [[nodiscard]] std::uint32_t block() const noexcept { return blockAt(file.index, at.get().begin); }
-    [[nodiscard]] std::string_view directive() const noexcept {
-        const auto number = enclosing(file.index, block(), BlockKind::directive);
-        const auto name = number == noIndex ? noIndex : file.index.blocks[number].name;
-        return name == noIndex ? std::string_view{} : file.name(file.index.occurrences[name]);
-    }
+    [[nodiscard]] std::string_view directive() const noexcept { return file.directiveOf(block()); }
     [[nodiscard]] bool isIn(BlockKind kind) const noexcept {
         return enclosing(file.index, block(), kind) != noIndex;
     }

@@ -79,7 +79,7 @@ struct Broken {
         const auto& blocks = file.index.blocks;
         for (auto i = task + 1; i < blocks.size() && blocks[i].begin < blocks[task].end; ++i) {
             if (blocks[i].kind == BlockKind::directive && blocks[i].parent == task &&
-                blocks[i].name != noIndex && file.name(file.index.occurrences[blocks[i].name]) == directive) {
+                file.blockName(i) == directive) {
                 return true;
             }
         }
@@ -176,11 +176,10 @@ std::optional<Fix> keywordsToTemplate(const Broken& broken) {
     const auto& document = broken.session.analyses.of(broken.text).document;
     const auto block =
         enclosing(broken.file.index, blockAt(broken.file.index, broken.range.begin), BlockKind::task);
-    if (!document || block == noIndex || broken.file.index.blocks[block].name == noIndex ||
-        broken.taskHas("template") || broken.taskHas("param")) {
+    const auto name = broken.file.blockName(block);
+    if (!document || name.empty() || broken.taskHas("template") || broken.taskHas("param")) {
         return std::nullopt;
     }
-    const auto name = broken.file.name(broken.file.index.occurrences[broken.file.index.blocks[block].name]);
     const auto& tasks = document->templateTasks.get();
     const auto task =
         std::find_if(tasks.begin(), tasks.end(), [name](const auto& t) { return t.name == name; });
@@ -251,9 +250,7 @@ std::optional<Fix> nearestFix(const Broken& broken, const std::vector<std::strin
 std::optional<Fix> nearestTask(const Broken& broken) {
     const auto& index = broken.file.index;
     const auto task = enclosing(index, blockAt(index, broken.range.begin), BlockKind::task);
-    const bool isNamed = task != noIndex && index.blocks[task].name != noIndex;
-    const auto own =
-        isNamed ? broken.file.name(index.occurrences[index.blocks[task].name]) : std::string_view{};
+    const auto own = broken.file.blockName(task);
     std::vector<std::string_view> names;
     for (const SourceFile* file : broken.session.sources.documentFiles(broken.file)) {
         for (const auto& o : file->index.occurrences) {

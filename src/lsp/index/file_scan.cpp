@@ -1,4 +1,4 @@
-// The walk over the lines of a file: which block each belongs to, by the parser's own tests.
+// The walk over the lines of a file: which block each belongs to, by the parser's tests of a line.
 
 #include "lsp/index/block_scans.h"
 #include "lsp/index/directive_scan.h"

@@ -37,6 +37,15 @@ struct SourceFile {
     [[nodiscard]] std::string_view name(const Occurrence& occurrence) const noexcept {
         return nameOf(text(), occurrence);
     }
+    /// The name of a block, or its keyword; empty for one without a name and for `noIndex`.
+    [[nodiscard]] std::string_view blockName(std::uint32_t block) const noexcept {
+        const auto number = block == noIndex ? noIndex : index.blocks[block].name;
+        return number == noIndex ? std::string_view{} : name(index.occurrences[number]);
+    }
+    /// The keyword of the directive that holds the block or is it; empty outside any.
+    [[nodiscard]] std::string_view directiveOf(std::uint32_t block) const noexcept {
+        return blockName(enclosing(index, block, BlockKind::directive));
+    }
 };
 
 /// One occurrence in one file.
