@@ -17,6 +17,22 @@ function exists(path,    line, found) {
     return found
 }
 
+# Whether the last line of its log, which run-block writes at the end, says that the block ended well.
+function ended_well(dir,    path, line, last) {
+    path = dir "/cluster.log"
+    last = ""
+    while ((getline line < path) > 0) last = line
+    close(path)
+    return last ~ /^== .*: ended well$/
+}
+
+# Whether a block that was sent, and of which nothing is left, was done and then forgotten, by a rebuild for instance. The
+# account of a job that failed, or that nobody keeps, leaves open which of its blocks did.
+function forgotten(dir) {
+    if (!(dir in went) || went[dir] ~ /^FAILED/) return ended_well(dir)
+    return went[dir] ~ /^COMPLETED/
+}
+
 # A finished block of mq.status: the status RENDERED, or a line with the name alone.
 function rendered(case_dir, task,    line, word, path, found) {
     path = case_dir "/mq.status"
@@ -108,7 +124,7 @@ FILENAME == ARGV[4] {
     } else if (failure != "") {
         state = "failed"
         reason = failure
-    } else if (dir in sent) {
+    } else if (dir in sent && !(claim == "" && forgotten(dir))) {
         state = "failed"
         reason = "lost: " ((dir in went) ? went[dir] : "no job in the queue")
     } else if (claim != "") {

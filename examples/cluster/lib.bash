@@ -65,18 +65,24 @@ list_blocks() {
     [[ -z ${option[path]:-} ]] || path=(--path "${option[path]}")
     work=$(mktemp -d) || die "no room for a list in ${TMPDIR:-/tmp}"
     # shellcheck disable=SC2016 # each block's shell expands it
-    BLOCK_LIST=$work/list "$mqkit" project exec "${path[@]}" -n "$1" -- 'pwd >>"$BLOCK_LIST"' \
+    BLOCK_LIST=$work/list "$mqkit" project exec "${path[@]}" -n "$1" -- 'pwd -P >>"$BLOCK_LIST"' \
         >"$work/out" 2>"$work/err" || status=$?
-    # 2 is also a block directory that is missing in some case: those that are there can be sent.
-    if [[ $status -ne 0 && ! -s $work/list ]]; then
-        cat "$work/err" >&2
-        grep '^\[mqkit\] ' "$work/out" >&2
-        rm -rf "$work"
-        die "no block directory for -n $1"
+    # 2 is also a block directory that is missing in some case: those that are there can be sent. One in which even
+    # `pwd` failed is not in the list, which then says too little.
+    if [[ $status -eq 1 && -s $work/list ]] || grep -q '^\[mqkit\] note: .* failed\.$' "$work/out"; then
+        status=partial
+    elif [[ $status -ne 0 && ! -s $work/list ]]; then
+        status=empty
+    else
+        grep '^\[mqkit\] note:' "$work/out" >&2
+        cat "$work/list" && rm -rf "$work" && return
+        status=partial
     fi
-    grep '^\[mqkit\] note:' "$work/out" >&2
-    cat "$work/list"
+    cat "$work/err" >&2
+    grep '^\[mqkit\] ' "$work/out" >&2
     rm -rf "$work"
+    [[ $status == partial ]] || die "no block directory for -n $1"
+    die "the list of blocks is not whole; is there room in ${TMPDIR:-/tmp}?"
 }
 
 # project_root <block directory>
@@ -112,7 +118,9 @@ claim_in() {
 claims() {
     local dir claim
     while IFS= read -r dir; do
-        [[ ! -e $dir/cluster.claim ]] || ! claim=$(claim_in "$dir/cluster.claim") || printf '%s\t%s\n' "$dir" "$claim"
+        if [[ -e $dir/cluster.claim ]] && claim=$(claim_in "$dir/cluster.claim"); then
+            printf '%s\t%s\n' "$dir" "$claim" || return 1
+        fi
     done <"$blocks"
 }
 
@@ -131,29 +139,31 @@ drop_claim() {
 # `blocks`. Claims are read before the queue, and the queue before the markers: a job that comes or ends in between is
 # then still seen at one of these places.
 block_states() {
-    local names='' name me answer=yes
+    local names='' name me queue answer=yes no_room="no room in ${TMPDIR:-/tmp}"
     me=$(id -un)
     case ${option[done]:-any} in
     any | marker) ;;
     *) die "--done is any or marker, not '${option[done]}'" ;;
     esac
-    claims >"$blocks.claims"
+    claims >"$blocks.claims" || die "$no_room"
     : >"$blocks.queue"
     : >"$blocks.past"
     : >"$blocks.sent"
     for name in "$root"/.cluster/mqkit-*; do
         [[ -f $name ]] || continue
         names+=${name##*/},
-        sed "s|^|${name##*/}	|" "$name" >>"$blocks.sent"
+        sed "s|^|${name##*/}	|" "$name" >>"$blocks.sent" || die "$no_room"
     done
     if [[ -n $names ]]; then
-        squeue -h -r --name="$names" -o '%j|%K|%A|%T' >"$blocks.queue" || die "squeue does not answer, and blocks were sent"
+        queue=$(squeue -h -r --name="$names" -o '%j|%K|%A|%T') || die "squeue does not answer, and blocks were sent"
+        printf '%s\n' "$queue" >"$blocks.queue" || die "$no_room"
         # Without accounts there is no sacct; then the reason of a lost block stays unknown.
         sacct -n -X -P -S now-30days --name="$names" -o JobName,JobID,State >"$blocks.past" 2>/dev/null || true
     fi
     # A block may run in a job that no list names: run-local inside of one.
     if grep -qF "	slurm $me " "$blocks.claims"; then
-        squeue -h -r -u "$me" -o '%j|%K|%A|%T' >>"$blocks.queue" 2>/dev/null || answer=no
+        queue=$(squeue -h -r -u "$me" -o '%j|%K|%A|%T' 2>/dev/null) || answer=no
+        printf '%s\n' "$queue" >>"$blocks.queue" || die "$no_room"
     fi
     DONE_BY=${option[done]:-any} HOST=$(uname -n) ME=$me ANSWER=$answer \
         JOB=${SLURM_JOB_ID:-} ROUND=${SLURM_RESTART_COUNT:-0} awk -f "$tools/block-states.awk" \

@@ -3,6 +3,7 @@
 bats_require_minimum_version 1.5.0
 load expect
 load siblings
+load full_disk
 
 setup() {
     setup_project
@@ -233,6 +234,29 @@ run-block: cannot write in $root/m1/opt" ]
     [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m1/opt	lost: NODE_FAIL" ]
 }
 
+@test "a block whose marker was taken away counts as never sent, one that was lost does not" {
+    mkdir .cluster
+    printf '1\t%s/m1/opt\n1\t%s/m2/opt\n' "$root" "$root" >.cluster/mqkit-aaaaaa
+    sibling squeue
+    sibling sacct 'echo "mqkit-aaaaaa|8_1|COMPLETED"'
+    table 0 0 2
+    # Who claimed it is gone, and it did not end.
+    echo "slurm $(id -un) 8 0" >m1/opt/cluster.claim
+    [ "$("$recipes/block-status" -n opt --list failed)" = "$root/m1/opt	lost: COMPLETED" ]
+    rm m1/opt/cluster.claim
+    # A bundle fails as a whole, and there may be no accounts: then the log tells.
+    "$recipes/run-block" m1/opt
+    rm m1/opt/cluster_done.mqwk
+    for account in 'echo "mqkit-aaaaaa|8_1|FAILED"' ''; do
+        sibling sacct "$account"
+        [ "$("$recipes/block-status" -n opt --list new | cut -f 1)" = "$root/m1/opt" ]
+        [ "$("$recipes/block-status" -n opt --list failed | cut -f 1)" = "$root/m2/opt" ]
+    done
+    # It ended well in an earlier job.
+    sibling sacct 'echo "mqkit-aaaaaa|8_1|TIMEOUT"'
+    [ "$("$recipes/block-status" -n opt --list failed | cut -f 2 | xargs)" = "lost: TIMEOUT lost: TIMEOUT" ]
+}
+
 @test "a case may be called as the folder of the lists is, but for its dot" {
     for tool in squeue sacct scontrol; do
         sibling $tool
@@ -283,6 +307,63 @@ run-block: cannot write in $root/m1/opt" ]
     cmp m1/mq.status before
     [ ! -e m2/mq.status ]
     [ "$("$recipes/block-status" -n opt --list done | cut -f 2 | xargs)" = "mq.status marker" ]
+}
+
+@test "a list for which there is no room is none" {
+    mkdir .cluster
+    printf '1\t%s/m1/opt\n' "$root" >.cluster/mqkit-aaaaaa
+    sibling squeue 'echo "mqkit-aaaaaa|1|8|RUNNING"'
+    sibling sacct
+    export root recipes RECORD=/dev/null
+    run --separate-stderr full_disk 'export TMPDIR=$PWD
+for pages in {0..12}; do
+    fill
+    truncate -s "-$((pages * 4096))" filling
+    status=0
+    table=$(cd "$root" && "$recipes/block-status" -n opt 2>"$root/err") || status=$?
+    echo "$pages $status" $(tail -n +2 <<<"$table") $([ -s "$root/err" ] && echo told)
+done'
+    [ "$status" -eq 0 ]
+    # With no room at all, and with enough; in between the one or the other, never a part.
+    [ "${lines[0]}" = "0 1 told" ]
+    [ "${lines[12]}" = "12 0 opt 0 0 1 0 1" ]
+    run ! grep -vE '^[0-9]+ (1 told|0 opt 0 0 1 0 1)$' <<<"$output"
+}
+
+@test "a block directory that was reached through a symbolic link" {
+    for tool in squeue sacct scontrol; do
+        sibling $tool
+    done
+    sibling sbatch 'echo 5'
+    ln -s "$root" "$BATS_TEST_TMPDIR/link"
+    cd "$BATS_TEST_TMPDIR/link/m1/opt"
+    [ "$(pwd)" = "$BATS_TEST_TMPDIR/link/m1/opt" ]
+    table 0 0 2
+    run --separate-stderr "$recipes/submit-each" -n opt
+    [ "$status" -eq 0 ]
+    [ "$(cat "$root"/.cluster/mqkit-*)" = "5	$root/m1/opt
+5	$root/m2/opt" ]
+    rm -r "$root/.cluster"
+    "$recipes/run-local" -n opt
+    table 2 0 0
+}
+
+@test "the lists of the page have true paths" {
+    ln -s "$root" "$BATS_TEST_TMPDIR/link"
+    cd "$BATS_TEST_TMPDIR/link/m1/opt"
+    PATH="$(dirname "$MQKIT"):$PATH"
+    for page in cluster cluster-pbs; do
+        LIST=$root/list
+        export LIST
+        grep '^mqkit project exec .*"\$LIST"' "$MQKIT_SOURCE/docs/$page.md" | sed 's/-n [a-z_]* /-n opt /' >"$root/commands"
+        [ "$(wc -l <"$root/commands")" -ge 1 ]
+        while read -r command; do
+            : >"$LIST"
+            eval "$command" </dev/null
+            [ "$(cat "$LIST")" = "$root/m1/opt
+$root/m2/opt" ]
+        done <"$root/commands"
+    done
 }
 
 @test "names that a list cannot hold are refused" {

@@ -147,6 +147,8 @@ step_bundles() {
     "$recipes/submit-array" -n charges --only failed >/dev/null 2>&1
     drained
     check "each ended once" "${cases}x1" "$(counted charges end)"
+    mqkit project rebuild --path cases.projmq -n charges </dev/null >/dev/null 2>&1
+    check "a rebuild forgets those that were sent, too" "0 0 0 0 $cases" "$(table_row charges)"
     note="$cases blocks in $((cases / 25)) array tasks, 2 submissions"
 }
 
