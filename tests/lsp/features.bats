@@ -252,13 +252,16 @@ END
 @test "semantic tokens of a range, and as a difference" {
     ask textDocument/semanticTokens/range "{\"textDocument\":{\"uri\":\"untitled:1\"},\"range\":$(range 2 0 3 0)}" >out
     diff out <(answer '{"data":[2,1,4,0,1]}')
+    : >raw
     {
         begin '{"textDocument":{"diagnostic":{}}}'
         open_text untitled:1 "$text"
         request 3 textDocument/semanticTokens/full '{"textDocument":{"uri":"untitled:1"}}'
+        answered 3 raw
         notify textDocument/didChange "{\"textDocument\":{\"uri\":\"untitled:1\",\"version\":2},\"contentChanges\":[{\"range\":$(range 5 0 5 0),\"text\":\"\$c\\n\"}]}"
         request 2 textDocument/semanticTokens/full/delta '{"textDocument":{"uri":"untitled:1"},"previousResultId":"1"}'
         finish
-    } | serve | grep '"id":2,' >out
+    } | "$MQKIT_LSP" >raw
+    bodies <raw | grep '"id":2,' >out
     diff out <(answer '{"edits":[{"data":[1,1,1,0,1],"deleteCount":0,"start":40}],"resultId":"2"}')
 }

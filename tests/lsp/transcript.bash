@@ -29,6 +29,18 @@ open_text() { # <uri> <text as the inside of a JSON string>
 }
 
 serve() { # answers of the server to standard input, one body a line, without those of initialize and shutdown
-    "$MQKIT_LSP" | LC_ALL=C sed 's/Content-Length: [0-9]*\r$//; /^\r$/d' |
+    "$MQKIT_LSP" | bodies
+}
+
+bodies() {
+    LC_ALL=C sed 's/Content-Length: [0-9]*\r$//; /^\r$/d' |
         LC_ALL=C sed 's/}Content-Length: [0-9]*$/}/' | grep -v -e '^$' -e '"serverInfo"' -e '"id":99,'
+}
+
+answered() { # <id> <file>: waits until the server, which writes to the file, has answered
+    for _ in {1..1000}; do
+        ! grep -q "\"id\":$1," "$2" || return 0
+        sleep 0.02
+    done
+    return 1
 }
