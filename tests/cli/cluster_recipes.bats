@@ -43,7 +43,7 @@ table() { # <done> <failed> <never sent>: of the block opt
     "$recipes/run-block" m1/opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ "$(cat m2/opt/runs)" = $'start\nstart\nend' ]
-    [ "$(sed 's/^== [^ ]* local [^ ]* [^ ]* [0-9]*: //; s/start on .*/start/' m2/opt/cluster.log)" = "start
+    [ "$(sed 's/^== [^ ]* local [^ ]* [^ ]* [0-9]* [0-9]*: //; s/start on .*/start/' m2/opt/cluster.log)" = "start
 failed, exit 3
 start
 ran in $root/m2/opt
@@ -135,6 +135,24 @@ ended well" ]
     [ ! -e m1/opt/cluster.claim ]
 }
 
+@test "a process number that is used again is not the process of the claim" {
+    sleep 60 3>&- &
+    pid=$!
+    start="$(awk '{ print $22 }' /proc/$pid/stat)"
+    echo "local $(id -un) $(uname -n) $pid $start" >m1/opt/cluster.claim
+    echo "local $(id -un) $(uname -n) $pid $((start - 1))" >m2/opt/cluster.claim
+    [ "$("$recipes/block-status" -n opt --list running | cut -f 1)" = "$root/m1/opt" ]
+    [ "$("$recipes/block-status" -n opt --list failed | cut -f 1)" = "$root/m2/opt" ]
+    # What run-block writes is the start that counts, also with a name that has blanks and a parenthesis.
+    cp -r "$recipes" "$BATS_TEST_TMPDIR/recipes"
+    mv "$BATS_TEST_TMPDIR/recipes/run-block" "$BATS_TEST_TMPDIR/recipes/run ) S 1"
+    echo 'cat cluster.claim >seen; awk "{ sub(/^.*\\) /, \"\"); print \$20 }" /proc/$PPID/stat >started' >m1/opt/comd
+    rm m?/opt/cluster.claim
+    "$BATS_TEST_TMPDIR/recipes/run ) S 1" m1/opt
+    [ "$(cut -d ' ' -f 5 m1/opt/seen)" = "$(cat m1/opt/started)" ]
+    kill "$pid"
+}
+
 @test "an empty claim is of nobody" {
     : >m1/opt/cluster.claim
     printf '\0\0\0' >m2/opt/cluster.claim
@@ -206,7 +224,7 @@ run-block: cannot write in $root/m1/opt" ]
     echo 'cat cluster.claim >seen' | tee m1/opt/comd >m2/opt/comd
     SLURM_JOB_ID=7 "$recipes/run-block" m1/opt
     SLURM_JOB_ID=7 SLURMD_NODENAME=node "$recipes/run-block" m2/opt
-    [[ $(cat m1/opt/seen) =~ ^"local $(id -un) $(uname -n) "[0-9]+$ ]]
+    [[ $(cat m1/opt/seen) =~ ^"local $(id -un) $(uname -n) "[0-9]+\ [0-9]+$ ]]
     [ "$(cat m2/opt/seen)" = "slurm $(id -un) 7 0" ]
 }
 
@@ -464,6 +482,57 @@ local somebody-else $(uname -n) 999999999" ]
     table 0 0 2
 }
 
+@test "a list that may not be read makes no table" {
+    sibling squeue
+    sibling sacct
+    cp -r "$recipes" "$BATS_TEST_TMPDIR/recipes"
+    mkdir -m 1777 "$BATS_TEST_TMPDIR/tmp"
+    as_reader=(env MQKIT="$MQKIT")
+    ordinary_user
+    if [ "$(id -u)" -eq 0 ]; then
+        as_reader=(env MQKIT="$BATS_TEST_TMPDIR/bin/mqkit" setpriv --reuid 65534 --regid 65534 --clear-groups)
+    fi
+    mkdir .cluster
+    printf '1\t%s/m1/opt\n' "$root" >.cluster/mqkit-aaaaaa
+    chmod 0 .cluster/mqkit-aaaaaa
+    run --separate-stderr env TMPDIR="$BATS_TEST_TMPDIR/tmp" RECORD=/dev/null "${as_reader[@]}" \
+        "$BATS_TEST_TMPDIR/recipes/block-status" -n opt
+    [ "$status" -eq 1 ]
+    [ "$output" = "" ]
+    [ "$stderr" = "block-status: cannot read $root/.cluster/mqkit-aaaaaa of $(id -un): the table would miss what it has sent" ]
+}
+
+@test "cores and memory of a chain are those of the blocks, not of their texts" {
+    for tool in squeue sacct scontrol; do
+        sibling $tool
+    done
+    sibling sbatch 'echo 5'
+    cat >demo.projmq <<'MQ'
+$opt
+  %keywords a
+  %control
+    totcore 2
+    totmem 200
+  %extrainput << END
+$soc
+  %control
+    totcore 99
+    totmem 99
+END
+$soc
+  %keywords b
+  %control
+    totcore 3
+  %extrainput << END
+  %control
+    totcore 98
+END
+MQ
+    "$recipes/submit-chain" -n opt,soc
+    [ "$(grep -o -- '--cpus-per-task=.* --parsable' "$RECORD" | sort)" = "--cpus-per-task=2 --mem=200M --parsable
+--cpus-per-task=3 --parsable" ]
+}
+
 @test "a claim that comes while a selection is made stays" {
     mkdir "$BATS_TEST_TMPDIR/held"
     echo "local $(id -un) $(uname -n) 999999999" >m1/opt/cluster.claim
@@ -524,11 +593,16 @@ local somebody-else $(uname -n) 999999999" ]
 @test "names that a shell would take apart" {
     mv m2 'm 2 "$x" \'\''%s'
     "$recipes/run-local" -n opt
-    if command -v parallel >/dev/null; then
-        rm m*/opt/cluster_done.mqwk
-        "$recipes/run-local" -n opt --with parallel
-    fi
     table 2 0 0
+    # Their own folder, too.
+    cp -r "$recipes" "$BATS_TEST_TMPDIR/my \"recipes\" \$x"
+    recipes="$BATS_TEST_TMPDIR/my \"recipes\" \$x"
+    for with in xargs parallel; do
+        command -v $with >/dev/null || continue
+        rm m*/opt/cluster_done.mqwk
+        "$recipes/run-local" -n opt --with $with
+        table 2 0 0
+    done
 }
 
 @test "every script says what is wrong, in one line" {
