@@ -55,10 +55,10 @@ function alive(process, start,    stat, word) {
 }
 
 # What a claim makes of its block: running, queued, or nothing when its owner is gone. It is "slurm <user> <job> <round>"
-# or "local <user> <host> <process> <its start>", or "empty", which is of nobody. One of somebody else or of another machine is taken
-# as alive, as a queue may show its owner alone what is in it; and so is one of Slurm where Slurm does not answer. A job
-# that waits has been put back into the queue with its claim, or began while the queue was read. What an earlier round of
-# the very job that asks has left is gone, although the queue has that job.
+# or "local <user> <host> <process> <its start>", or "empty", which is of nobody. One of somebody else or of another
+# machine is taken as alive, as a queue may show its owner alone what is in it; and so is one of Slurm where Slurm does not
+# answer. A job that waits has been put back into the queue with its claim, or began while the queue was read. What an
+# earlier round of the very job that asks has left is gone, although the queue has that job.
 function claimed(claim,    word) {
     if (claim == "" || claim == "empty") return ""
     split(claim, word, " ")
