@@ -45,11 +45,20 @@ function rendered(case_dir, task,    line, word, path, found) {
     return found
 }
 
+# Whether a process of this machine is alive, and the one that began then, if that is known.
+function alive(process, start,    stat, word) {
+    if (system("kill -0 " process " 2>/dev/null") != 0) return 0
+    stat = first_line("/proc/" process "/stat")
+    sub(/^.*\) /, "", stat) # the name may hold blanks
+    split(stat, word, " ")
+    return start == "" || stat == "" || word[20] == start
+}
+
 # What a claim makes of its block: running, queued, or nothing when its owner is gone. It is "slurm <user> <job> <round>"
-# or "local <user> <host> <process>", or "empty", which is of nobody. One of somebody else or of another machine is taken
-# as alive, as a queue may show its owner alone what is in it; and so is one of Slurm where Slurm does not answer. A job
-# that waits has been put back into the queue with its claim, or began while the queue was read. What an earlier round of
-# the very job that asks has left is gone, although the queue has that job.
+# or "local <user> <host> <process> <its start>", or "empty", which is of nobody. One of somebody else or of another
+# machine is taken as alive, as a queue may show its owner alone what is in it; and so is one of Slurm where Slurm does not
+# answer. A job that waits has been put back into the queue with its claim, or began while the queue was read. What an
+# earlier round of the very job that asks has left is gone, although the queue has that job.
 function claimed(claim,    word) {
     if (claim == "" || claim == "empty") return ""
     split(claim, word, " ")
@@ -58,7 +67,7 @@ function claimed(claim,    word) {
     if (word[1] == "slurm" && !(word[3] in job)) return ENVIRON["ANSWER"] == "no" ? "running" : ""
     if (word[1] == "slurm") return job[word[3]] == "PENDING" ? "queued" : "running"
     if (word[3] != ENVIRON["HOST"]) return "running"
-    return system("kill -0 " (word[4] + 0) " 2>/dev/null") == 0 ? "running" : ""
+    return alive(word[4] + 0, word[5]) ? "running" : ""
 }
 
 FILENAME == ARGV[1] {

@@ -151,6 +151,7 @@ block_states() {
     : >"$blocks.sent"
     for name in "$root"/.cluster/mqkit-*; do
         [[ -f $name ]] || continue
+        [[ -r $name ]] || die "cannot read $name of $(stat -c %U "$name"): the table would miss what it has sent"
         names+=${name##*/},
         sed "s|^|${name##*/}	|" "$name" >>"$blocks.sent" || die "$no_room"
     done

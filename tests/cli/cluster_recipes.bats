@@ -4,19 +4,9 @@ bats_require_minimum_version 1.5.0
 load expect
 load siblings
 load full_disk
+load cluster
 
-setup() {
-    setup_project
-    recipes="$MQKIT_SOURCE/examples/cluster"
-    unset SLURM_JOB_ID SLURMD_NODENAME SLURM_RESTART_COUNT
-    for case in m1 m2; do
-        echo 'echo start >>runs; [ ! -e fail ] || exit 3; echo end >>runs; echo "ran in $PWD"' >$case/opt/comd
-    done
-}
-
-table() { # <done> <failed> <never sent>: of the block opt
-    diff <("$recipes/block-status" -n opt | awk 'NR == 2 { print $2, $5, $6, $3 + $4 }') <(echo "$1 $2 $3 0")
-}
+setup() { setup_recipes; }
 
 @test "the recipes and the scripts of their test pass shellcheck" {
     cd "$MQKIT_SOURCE"
@@ -43,7 +33,7 @@ table() { # <done> <failed> <never sent>: of the block opt
     "$recipes/run-block" m1/opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ "$(cat m2/opt/runs)" = $'start\nstart\nend' ]
-    [ "$(sed 's/^== [^ ]* local [^ ]* [^ ]* [0-9]*: //; s/start on .*/start/' m2/opt/cluster.log)" = "start
+    [ "$(sed 's/^== [^ ]* local [^ ]* [^ ]* [0-9]* [0-9]*: //; s/start on .*/start/' m2/opt/cluster.log)" = "start
 failed, exit 3
 start
 ran in $root/m2/opt
@@ -87,24 +77,6 @@ ended well" ]
     [ "$("$recipes/block-status" -n opt --done any --list done | cut -f 2 | xargs)" = "mq.status marker" ]
 }
 
-@test "in a chain a block that mq.status calls rendered is an element without a block" {
-    for tool in squeue sacct scontrol; do
-        sibling $tool
-    done
-    sibling sbatch 'echo 5'
-    printf 'opt RENDERED t -\n' >m1/mq.status
-    "$recipes/submit-chain" -n opt,soc
-    list=$(grep -l '/m2/opt$' .cluster/mqkit-*)
-    diff "$list" <(printf '1\t\n2\t%s/m2/opt\n' "$root")
-    SLURM_ARRAY_TASK_ID=1 "$recipes/block-job" "$recipes" 1 "$list"
-    [ ! -e m1/opt/runs ]
-    SLURM_ARRAY_TASK_ID=2 "$recipes/block-job" "$recipes" 1 "$list"
-    [ -e m2/opt/cluster_done.mqwk ]
-    SLURM_ARRAY_TASK_ID=3 run --separate-stderr "$recipes/block-job" "$recipes" 1 "$list"
-    [ "$status" -eq 1 ]
-    [ "$stderr" = "block-job: $list has no block for index 3" ]
-}
-
 @test "a rebuild forgets what has run" {
     "$recipes/run-local" -n opt
     sibling morquill
@@ -133,6 +105,24 @@ ended well" ]
     SLURM_JOB_ID=7 SLURM_RESTART_COUNT=1 "$recipes/run-block" m1/opt
     [ "$(cat m1/opt/runs)" = $'start\nend' ]
     [ ! -e m1/opt/cluster.claim ]
+}
+
+@test "a process number that is used again is not the process of the claim" {
+    sleep 60 3>&- &
+    pid=$!
+    start="$(awk '{ print $22 }' /proc/$pid/stat)"
+    echo "local $(id -un) $(uname -n) $pid $start" >m1/opt/cluster.claim
+    echo "local $(id -un) $(uname -n) $pid $((start - 1))" >m2/opt/cluster.claim
+    [ "$("$recipes/block-status" -n opt --list running | cut -f 1)" = "$root/m1/opt" ]
+    [ "$("$recipes/block-status" -n opt --list failed | cut -f 1)" = "$root/m2/opt" ]
+    # What run-block writes is the start that counts, also with a name that has blanks and a parenthesis.
+    cp -r "$recipes" "$BATS_TEST_TMPDIR/recipes"
+    mv "$BATS_TEST_TMPDIR/recipes/run-block" "$BATS_TEST_TMPDIR/recipes/run ) S 1"
+    echo 'cat cluster.claim >seen; awk "{ sub(/^.*\\) /, \"\"); print \$20 }" /proc/$PPID/stat >started' >m1/opt/comd
+    rm m?/opt/cluster.claim
+    "$BATS_TEST_TMPDIR/recipes/run ) S 1" m1/opt
+    [ "$(cut -d ' ' -f 5 m1/opt/seen)" = "$(cat m1/opt/started)" ]
+    kill "$pid"
 }
 
 @test "an empty claim is of nobody" {
@@ -206,7 +196,7 @@ run-block: cannot write in $root/m1/opt" ]
     echo 'cat cluster.claim >seen' | tee m1/opt/comd >m2/opt/comd
     SLURM_JOB_ID=7 "$recipes/run-block" m1/opt
     SLURM_JOB_ID=7 SLURMD_NODENAME=node "$recipes/run-block" m2/opt
-    [[ $(cat m1/opt/seen) =~ ^"local $(id -un) $(uname -n) "[0-9]+$ ]]
+    [[ $(cat m1/opt/seen) =~ ^"local $(id -un) $(uname -n) "[0-9]+\ [0-9]+$ ]]
     [ "$(cat m2/opt/seen)" = "slurm $(id -un) 7 0" ]
 }
 
@@ -255,22 +245,6 @@ run-block: cannot write in $root/m1/opt" ]
     # It ended well in an earlier job.
     sibling sacct 'echo "mqkit-aaaaaa|8_1|TIMEOUT"'
     [ "$("$recipes/block-status" -n opt --list failed | cut -f 2 | xargs)" = "lost: TIMEOUT lost: TIMEOUT" ]
-}
-
-@test "a case may be called as the folder of the lists is, but for its dot" {
-    for tool in squeue sacct scontrol; do
-        sibling $tool
-    done
-    sibling sbatch 'echo 5'
-    "$recipes/submit-array" -n opt
-    printf '1\n\nH 0 0 0\n' >../cluster.xyz
-    "$MQKIT" project add --path . ../cluster.xyz
-    # Nor is the folder a case itself, whatever lies in it.
-    ln -s ../demo.projmq .cluster/demo.mq
-    "$MQKIT" project exec -n opt --dry-run -- true | grep -qxF '[mqkit] note: 1 block directory/directories are missing.'
-    mkdir cluster/opt
-    cp m1/opt/comd cluster/opt
-    [ "$("$recipes/block-status" -n opt --list new)" = "$root/cluster/opt	" ]
 }
 
 @test "the table of a project that may only be read" {
@@ -389,79 +363,24 @@ local somebody-else $(uname -n) 999999999" ]
     [ "$output" = "run-local: nothing to run" ]
 }
 
-@test "a list of a submission can be read by colleagues; too many elements are told before anything is sent" {
+@test "a list that may not be read makes no table" {
     sibling squeue
     sibling sacct
-    sibling sbatch 'echo 5'
-    sibling scontrol 'echo "MaxArraySize = 3"'
-    umask 022
-    run --separate-stderr "$recipes/submit-array" -n opt --max 7 -- --time=1
-    [ "$output" = "submit-array: job 5, 2 block(s) in 2 array task(s)" ]
-    list="$(echo .cluster/mqkit-*)"
-    [ "$(stat -c %a "$list")" = 644 ]
-    [ "$(cat "$list")" = "1	$root/m1/opt
-2	$root/m2/opt" ]
-    grep -qF "sbatch --output=$root/.cluster/output/%x_%a.out --open-mode=append --requeue --signal=B:USR1@60 --time=1 --parsable --job-name=${list##*/} --array=1-2%7 $recipes/block-job $recipes 1 $root/$list in $root" "$RECORD"
-    sibling scontrol 'echo "MaxArraySize = 2"'
-    rm "$RECORD"
-    run --separate-stderr "$recipes/submit-array" -n opt
-    [ "$status" -eq 1 ]
-    [ "${stderr_lines[-1]}" = "submit-array: 2 array tasks, and this site takes 1 in one array: bundle them, --bundle 2" ]
-    run ! grep sbatch "$RECORD"
-    sibling sbatch 'echo "no such partition" >&2; exit 1'
-    run --separate-stderr "$recipes/submit-array" -n opt --bundle 2
-    [ "$status" -eq 1 ]
-    [ "${stderr_lines[-2]}" = "no such partition" ]
-    [ "${stderr_lines[-1]}" = "submit-array: sbatch took nothing" ]
-    [ "$(echo .cluster/mqkit-*)" = "$list" ]
-}
-
-@test "options of sbatch that would lose the jobs are refused" {
-    for tool in squeue sacct scontrol; do
-        sibling $tool
-    done
-    sibling sbatch 'echo 5'
-    for script in submit-array submit-each submit-chain; do
-        for word in -J -Jmine -HJ --job-name --job-name=mine --job -a -a1-3 --array=1-3 -M --clusters=all --test-only --test -W --wait; do
-            run --separate-stderr "$recipes/$script" -n opt -- --hold "$word" mine
-            [ "$status" -eq 1 ]
-            [ "$stderr" = "$script: not behind --, where the jobs would get lost: $word" ]
-        done
-    done
-    run --separate-stderr "$recipes/submit-chain" -n opt -- -d afterok:1
-    [ "$stderr" = "submit-chain: not behind --, where the jobs would get lost: -d" ]
-    run ! grep -s sbatch "$RECORD"
-    [ ! -e .cluster ]
-    # Others go to sbatch, before those that the scripts need.
-    run "$recipes/submit-array" -n opt -- -p main --account=a --parsable -d afterok:1
-    [ "$status" -eq 0 ]
-    grep -q -- "--requeue --signal=B:USR1@60 -p main --account=a --parsable -d afterok:1 --parsable --job-name=mqkit-[^ ]* --array=1-2%1000000 $recipes/block-job " "$RECORD"
-    sibling sbatch 'echo 5\;elsewhere' # with the name of its cluster
-    run --separate-stderr "$recipes/submit-each" -n soc
-    [ "$output" = "submit-each: 2 job(s), named $(basename "$(grep -l soc .cluster/mqkit-*)")" ]
-    [ "$(cut -f 1 "$(grep -l soc .cluster/mqkit-*)" | xargs)" = "5 5" ]
-    grep -q -- "--parsable --job-name=mqkit-[^ ]* $recipes/block-job $recipes 1 [^ ]* $root/m2/soc in" "$RECORD"
-}
-
-@test "a submission without the number of a job is none" {
-    for tool in squeue sacct scontrol; do
-        sibling $tool
-    done
-    sibling sbatch 'echo "sbatch: Job 5 to start at noon"'
-    run --separate-stderr "$recipes/submit-array" -n opt
+    cp -r "$recipes" "$BATS_TEST_TMPDIR/recipes"
+    mkdir -m 1777 "$BATS_TEST_TMPDIR/tmp"
+    as_reader=(env MQKIT="$MQKIT")
+    ordinary_user
+    if [ "$(id -u)" -eq 0 ]; then
+        as_reader=(env MQKIT="$BATS_TEST_TMPDIR/bin/mqkit" setpriv --reuid 65534 --regid 65534 --clear-groups)
+    fi
+    mkdir .cluster
+    printf '1\t%s/m1/opt\n' "$root" >.cluster/mqkit-aaaaaa
+    chmod 0 .cluster/mqkit-aaaaaa
+    run --separate-stderr env TMPDIR="$BATS_TEST_TMPDIR/tmp" RECORD=/dev/null "${as_reader[@]}" \
+        "$BATS_TEST_TMPDIR/recipes/block-status" -n opt
     [ "$status" -eq 1 ]
     [ "$output" = "" ]
-    [ "${stderr_lines[-2]}" = "submit-array: sbatch named no job: 'sbatch: Job 5 to start at noon'" ]
-    [ "${stderr_lines[-1]}" = "submit-array: sbatch took nothing" ]
-    [ "$(echo .cluster/mqkit-*)" = ".cluster/mqkit-*" ]
-    sibling sbatch
-    run --separate-stderr "$recipes/submit-each" -n opt
-    [ "$status" -eq 1 ]
-    [ "${stderr_lines[-1]}" = "submit-each: 2 block(s) were not taken; run this again for them" ]
-    run --separate-stderr "$recipes/submit-chain" -n opt,soc
-    [ "$status" -eq 1 ]
-    [ "${stderr_lines[-1]}" = "submit-chain: sbatch did not take \$opt; what stands above is in the queue" ]
-    table 0 0 2
+    [ "$stderr" = "block-status: cannot read $root/.cluster/mqkit-aaaaaa of $(id -un): the table would miss what it has sent" ]
 }
 
 @test "a claim that comes while a selection is made stays" {
@@ -524,11 +443,16 @@ local somebody-else $(uname -n) 999999999" ]
 @test "names that a shell would take apart" {
     mv m2 'm 2 "$x" \'\''%s'
     "$recipes/run-local" -n opt
-    if command -v parallel >/dev/null; then
-        rm m*/opt/cluster_done.mqwk
-        "$recipes/run-local" -n opt --with parallel
-    fi
     table 2 0 0
+    # Their own folder, too.
+    cp -r "$recipes" "$BATS_TEST_TMPDIR/my \"recipes\" \$x"
+    recipes="$BATS_TEST_TMPDIR/my \"recipes\" \$x"
+    for with in xargs parallel; do
+        command -v $with >/dev/null || continue
+        rm m*/opt/cluster_done.mqwk
+        "$recipes/run-local" -n opt --with $with
+        table 2 0 0
+    done
 }
 
 @test "every script says what is wrong, in one line" {
