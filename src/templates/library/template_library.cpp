@@ -35,8 +35,8 @@ void addTemplate(const FoundFile& file, TemplateLibrary& library) {
 
 } // namespace
 
-std::map<std::string, std::vector<std::string>, std::less<>> templateBlocks(const TaskTemplate& entry) {
-    return splitTemplateBlocks(entry.content).blocks;
+std::map<std::string, std::vector<std::string>, std::less<>> TaskTemplate::blocks() const {
+    return splitTemplateBlocks(content).blocks;
 }
 
 std::string resolveTemplatePath() {

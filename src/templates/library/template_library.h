@@ -15,11 +15,10 @@ struct TaskTemplate {
     std::string content;
     std::string category;               ///< name of the file's directory, "General" at the root
     std::vector<std::string> variables; ///< placeholders that need a value, sorted
-};
 
-/// The blocks of the template: block name to its lines. Split when asked, as no list shows them.
-[[nodiscard]] std::map<std::string, std::vector<std::string>, std::less<>>
-templateBlocks(const TaskTemplate& entry);
+    /// Block name to the lines of the block. Split when asked, as no list shows them.
+    [[nodiscard]] std::map<std::string, std::vector<std::string>, std::less<>> blocks() const;
+};
 
 /// A directory of the template path.
 struct TemplateSource {

@@ -66,7 +66,7 @@ TEST_F(Library, AnEntryKnowsItsTextVariablesAndBlocks) {
     const auto& entry = library.templates.front();
     EXPECT_EQ(entry.content, "totcore: 8\n$opt\n  %keywords \"[func]/[basis] [inputname]\"\n");
     EXPECT_THAT(entry.variables, ElementsAre("basis", "func"));
-    const auto blocks = templateBlocks(entry);
+    const auto blocks = entry.blocks();
     ASSERT_EQ(blocks.size(), 1U);
     EXPECT_THAT(blocks.at("opt"), ElementsAre("$opt", "  %keywords \"[func]/[basis] [inputname]\"", ""));
 }
