@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace morquill::lsp {
@@ -42,6 +43,20 @@ Json locationsJson(const Session& session, const std::vector<Place>& places) {
     return list;
 }
 
+/// What a request about a name at a position asks about.
+struct AskedName {
+    const OpenText& text;
+    const SourceFile& file;
+    std::optional<Place> place; ///< nothing where no name is
+};
+
+AskedName askedName(Session& session, const Json& params) {
+    const OpenText& text = requireText(session, params);
+    const auto offset = requireOffset(session, text, params);
+    const SourceFile& file = session.sources.of(text);
+    return {text, file, placeAt(file, offset)};
+}
+
 } // namespace
 
 Json locationJson(const Session& session, const Place& place) {
@@ -66,10 +81,7 @@ Json gotoDefinition(Session& session, const Json& params) {
 }
 
 Json findReferences(Session& session, const Json& params) {
-    const OpenText& text = requireText(session, params);
-    const auto offset = requireOffset(session, text, params);
-    const SourceFile& file = session.sources.of(text);
-    const auto place = placeAt(file, offset);
+    const auto [text, file, place] = askedName(session, params);
     if (!place) {
         return nullptr;
     }
@@ -82,10 +94,7 @@ Json findReferences(Session& session, const Json& params) {
 }
 
 Json documentHighlight(Session& session, const Json& params) {
-    const OpenText& text = requireText(session, params);
-    const auto offset = requireOffset(session, text, params);
-    const SourceFile& file = session.sources.of(text);
-    const auto place = placeAt(file, offset);
+    const auto [text, file, place] = askedName(session, params);
     if (!place) {
         return nullptr;
     }
